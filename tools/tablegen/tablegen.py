@@ -1,0 +1,47 @@
+#!/usr/bin/env python3
+"""Checks the tables under data/ and turns them into C++ include fragments."""
+
+import argparse
+import sys
+from pathlib import Path
+
+from checks import check_tables
+from emit import write_fragments
+from tables import Report, read_tables
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--data", type=Path, default=Path("data"), help="folder of the tables")
+    parser.add_argument("--out", type=Path, help="folder that gets the fragments")
+    parser.add_argument("--summary", action="store_true", help="print the summary of the tables")
+    parser.add_argument("--check-summary", action="store_true",
+                        help="fail when summary.txt does not describe the tables")
+    options = parser.parse_args(arguments)
+
+    report = Report()
+    tables = read_tables(options.data, report)
+    if not report.messages:
+        check_tables(tables, report)
+    summary = "".join(f"{line}\n" for line in tables.summary)
+    if options.check_summary and not report.messages:
+        check_summary(options.data / "summary.txt", summary, report)
+    for message in report.messages:
+        print(message, file=sys.stderr)
+    if report.messages:
+        return 1
+    if options.summary:
+        print(summary, end="")
+    if options.out:
+        write_fragments(tables, options.out)
+    return 0
+
+
+def check_summary(path, summary, report):
+    kept = path.read_text(encoding="utf-8") if path.exists() else ""
+    if kept != summary:
+        report.add(path, "stale, write it anew with --summary")
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

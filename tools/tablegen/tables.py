@@ -1,0 +1,260 @@
+"""Reading of the tab-separated tables: every cell becomes a typed value or a message."""
+
+import hashlib
+import re
+from pathlib import Path
+from types import SimpleNamespace as Row
+
+MAX_PGN = 0x3FFFF  # 18 significant bits
+MAX_U32 = 0xFFFFFFFF
+MAX_PAYLOAD = 1785
+MAX_LABEL = 127  # characters of a label that the views keep
+MAX_NAME = 1023
+NO_SELECTOR = 0x8000
+NO_KEY = 0x80008000
+DD_RANGES = ((0, 410), (2436, 2549), (10000, 10075))
+LAST_INDEXED_FORMAT = 117  # formats up to here are found by index, those above in format_list.tsv
+CLASS_COUNT = 65
+NO_CLASS = 65
+UNIT_COUNT = 140
+UNITS_PER_CLASS = 7
+
+
+class Report:
+    """Collects the messages about broken rows."""
+
+    def __init__(self):
+        self.messages = []
+
+    def add(self, place, text):
+        self.messages.append(f"{place}: {text}")
+
+
+# Cell parsers: they take the text of a cell and give its value or raise ValueError.
+
+def number(low, high):
+    def parse(cell):
+        if not re.fullmatch(r"[0-9]+|0x[0-9A-Fa-f]+", cell) or not low <= int_of(cell) <= high:
+            raise ValueError(f"'{cell}' is not a number from {low} to {high}")
+        return int_of(cell)
+    return parse
+
+
+def int_of(cell):
+    return int(cell, 16 if cell.startswith("0x") else 10)
+
+
+def text(limit, dash_is_empty=False):
+    def parse(cell):
+        if dash_is_empty and cell == "-":
+            return ""
+        if not all(" " <= c <= "~" or "\xa0" <= c <= "\xff" for c in cell):
+            raise ValueError(f"'{cell}' has a character outside Latin-1")
+        if not 0 < len(cell) <= limit:
+            raise ValueError(f"has {len(cell)} characters, 1 to {limit} are allowed")
+        return cell
+    return parse
+
+
+def unit_name(cell):
+    if not all(" " <= c <= "~" or "\xa0" <= c <= "\uffff" for c in cell):
+        raise ValueError(f"'{cell}' has a character that a wide text of 16 bits cannot keep")
+    return "" if cell == "-" else cell
+
+
+def choice(*words):
+    def parse(cell):
+        if cell not in words:
+            raise ValueError(f"'{cell}' is not one of {', '.join(words)}")
+        return cell
+    return parse
+
+
+def optional(parse):
+    return lambda cell: None if cell == "-" else parse(cell)
+
+
+def key1(cell):
+    return NO_KEY if cell == "-" else number(0, 0xFFFF)(cell) | NO_SELECTOR << 16
+
+
+def key_pair(cell):
+    if cell == "-":
+        return NO_KEY
+    halves = cell.split(":")
+    if len(halves) != 2:
+        raise ValueError(f"'{cell}' is neither - nor LOW:HIGH")
+    low, high = (NO_SELECTOR if half == "*" else number(0, 0xFFFF)(half) for half in halves)
+    return low | high << 16
+
+
+def size(cell):
+    """(bytes, bits); 4b is four bits, 2B two bytes."""
+    if cell == "-":
+        return 0, 0
+    if not re.fullmatch(r"[0-9]+[bB]", cell):
+        raise ValueError(f"'{cell}' is neither - nor bits (4b) nor bytes (2B)")
+    if cell.endswith("b"):
+        return 0, number(1, MAX_PAYLOAD * 8)(cell[:-1])
+    return number(1, MAX_PAYLOAD)(cell[:-1]), 0
+
+
+def stream_key(cell):
+    """(position, shift, width); width 0 is the whole byte."""
+    if cell == "-":
+        return -1, 0, 0
+    match = re.fullmatch(r"([0-9]+)(?:\[([0-7]):([1-8])\])?", cell)
+    if not match or int(match[1]) >= MAX_PAYLOAD:
+        raise ValueError(f"'{cell}' is neither - nor N nor N[SHIFT:WIDTH]")
+    shift, width = int(match[2] or 0), int(match[3] or 0)
+    if shift + width > 8:
+        raise ValueError(f"'{cell}' reaches beyond the byte")
+    return int(match[1]), shift, width
+
+
+def first_stream_key(cell):
+    special = {"header": (-3, 0, 0), "label": (-2, 0, 0)}
+    return special[cell] if cell in special else stream_key(cell)
+
+
+def scale(cell):
+    """The C++ literal of a scale."""
+    if cell == "-":
+        return "1.0f"
+    if not re.fullmatch(r"[0-9]+(\.[0-9]+)?(e-?[0-9]+)?", cell) or not 0 < float(cell) < 1e38:
+        raise ValueError(f"'{cell}' is not a positive decimal number")
+    return cell + ("f" if "." in cell or "e" in cell else ".0f")
+
+
+def rule(cell):
+    """(kind of rule, its name or its units)."""
+    if cell == "any":
+        return "any", None
+    if cell == "unit_rule_integer":
+        return "integer", cell
+    match = re.fullmatch(r"(unit_rule|convert)_[a-z0-9_]+", cell)
+    if match:
+        return ("scaled" if match[1] == "unit_rule" else "special"), cell
+    if re.fullmatch(r"[0-9]+(,[0-9]+)*", cell):
+        return "listed", unit_list(cell)
+    raise ValueError(f"'{cell}' is no rule")
+
+
+def unit_list(cell):
+    return [] if cell == "-" else [number(0, UNIT_COUNT - 1)(unit) for unit in cell.split(",")]
+
+
+def offered_units(cell):
+    units = unit_list(cell)
+    if len(units) > UNITS_PER_CLASS:
+        raise ValueError(f"names {len(units)} units, {UNITS_PER_CLASS} fit")
+    return units
+
+
+PGN = number(0, MAX_PGN)
+DD = number(0, 0xFFFF)
+DF = number(0, 0xFFFE)  # 65535 ends the lists
+FIELD = number(1, 0xFFFF)
+CLASS = number(0, CLASS_COUNT - 1)
+KIND = choice("u8", "i8", "u16", "i16", "u24", "i24", "u32", "i32", "u64", "i64")
+LABEL = text(MAX_LABEL)
+
+KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
+FIELD_COLUMNS = {"pgn": PGN, "field": FIELD, "label": LABEL, "size": size, "dd": DD, **KEYS}
+COLUMNS = {
+    "pgns": {"pgn": PGN, "name": text(MAX_NAME), **KEYS, "priority": number(0, 7),
+             "frames": choice("single", "multi"), "listed": choice("yes", "no")},
+    "stream_keys": {"pgn": PGN, "key1": first_stream_key, "key2": stream_key,
+                    "key3": stream_key, "key4": stream_key},
+    "dictionary": {"dd": DD, "name": text(MAX_NAME, dash_is_empty=True), "df": DF, "size": size},
+    "disp_data_types": {"dd": DD, "class": CLASS},
+    "repeat_sets": {"pgn": PGN, "selector": number(0, 0xFFFF), "first": FIELD, "last": FIELD},
+    "formats": {"df": DF, "kind": optional(KIND), "scale": scale, "rule": rule,
+                "catalogued": choice("yes", "no")},
+    "format_list": {"df": DF},
+    "self_described": {"df": DF},
+    "format_classes": {"df": DF, "class": CLASS},
+    "units": {"unit": number(0, UNIT_COUNT - 1), "name": unit_name, "meaning": str},
+    "availability": {"class": CLASS, "units": offered_units, "quantity": str},
+    "quantities": {"label": text(MAX_LABEL), "class": CLASS},
+}
+
+
+def read_tables(data, report):
+    """All tables under the folder `data`; rows carry the place they stand at."""
+    tables = Row(summary=[])
+    for name, columns in COLUMNS.items():
+        setattr(tables, name, read_table(tables, data, f"{name}.tsv", columns, report))
+    tables.fields = [
+        row for path in sorted((data / "fields").glob("*.tsv"))
+        for row in read_table(tables, data, f"fields/{path.name}", FIELD_COLUMNS, report)]
+    tables.sets = [
+        found for path in sorted((data / "enums").glob("*.tsv"))
+        for found in read_sets(tables, data, f"enums/{path.name}", report)]
+    return tables
+
+
+def read_table(tables, data, name, columns, report):
+    lines = read_lines(tables, data, name, report)
+    if not lines:
+        report.add(data / name, "no header")
+        return []
+    (place, header), *rest = lines
+    summarise(tables, name, len(rest), lines)
+    if header != list(columns):
+        report.add(place, f"columns are '{' '.join(header)}', not '{' '.join(columns)}'")
+        return []
+    if not rest:
+        report.add(place, "no rows")
+    return [read_row(columns, cells, place, report) for place, cells in rest]
+
+
+def read_row(columns, cells, place, report):
+    row = Row(place=place)
+    if len(cells) != len(columns):
+        report.add(place, f"has {len(cells)} cells, not {len(columns)}")
+        return row
+    for (column, parse), cell in zip(columns.items(), cells):
+        try:
+            setattr(row, column, parse(cell))
+        except ValueError as error:
+            report.add(place, f"{column} {error}")
+    return row
+
+
+def read_sets(tables, data, name, report):
+    """Sets of texts: a line `set DD KIND NAME`, then `VALUE TEXT [guess]` lines."""
+    sets = []
+    lines = read_lines(tables, data, name, report)
+    set_columns = {"set": str, "dd": DD, "kind": number(0, 5), "name": text(MAX_NAME, True)}
+    entry_columns = {"value": number(0, MAX_U32), "text": text(MAX_NAME)}
+    for place, cells in lines:
+        if cells[0] == "set":
+            sets.append(read_row(set_columns, cells, place, report))
+            sets[-1].entries = []
+        elif not sets:
+            report.add(place, "entry before the first set")
+        else:
+            entry = cells[:-1] if len(cells) == 3 and cells[2] == "guess" else cells
+            sets[-1].entries.append(read_row(entry_columns, entry, place, report))
+    summarise(tables, name, sum(len(found.entries) for found in sets), lines)
+    return sets
+
+
+def read_lines(tables, data, name, report):
+    """(place, cells) of every line that is neither empty nor a comment."""
+    path = Path(data) / name
+    try:
+        content = path.read_bytes().decode("utf-8")
+    except (OSError, UnicodeDecodeError) as error:
+        report.add(path, f"cannot be read: {error}")
+        return []
+    return [(f"{path}:{number}", line.split("\t"))
+            for number, line in enumerate(content.split("\n"), 1)
+            if line and not line.startswith("#")]
+
+
+def summarise(tables, name, rows, lines):
+    content = "\n".join("\t".join(cells) for _, cells in lines)
+    digest = hashlib.sha256(content.encode("utf-8")).hexdigest()[:12]
+    tables.summary.append(f"{name} {rows} {digest}")

@@ -1,0 +1,261 @@
+"""Tests of the table generator on a small data folder of their own."""
+
+import contextlib
+import io
+import os
+import tempfile
+import unittest
+from pathlib import Path
+
+from tablegen import main
+
+
+def lines(*rows):
+    return [row.replace(" ", "\t").replace("~", " ") for row in rows]
+
+
+def good_tables():
+    """File -> lines. Blanks part the cells, tildes stand for blanks; line 1 is the header."""
+    return {
+        "pgns.tsv": lines("pgn name key1 key2 key3 priority frames listed",
+                          "59904 Ask - - - 6 single yes",
+                          "126208 Read 3 - - 3 multi yes",
+                          '126720 Own~"Big"?\u00b0 137 4:0xF000 1:* 6 multi no',
+                          "129025 Fix - - - 2 single yes", "130816 Far - - - 6 multi no"),
+        "stream_keys.tsv": lines("pgn key1 key2 key3 key4",
+                                 "59904 0[4:4] - 2 -", "126720 header 3 - -"),
+        "dictionary.tsv": lines("dd name df size", "1 Reserved~field 52 -", "9 PGN 54 24b",
+                                "172 - 2436 2B"),
+        "disp_data_types.tsv": lines("dd class", "9 28", "10001 50"),
+        "repeat_sets.tsv": lines("pgn selector first last", "126208 3 1 2", "126720 137 1 1"),
+        "formats.tsv": lines(
+            "df kind scale rule catalogued",
+            *(f"{df} u16 0.5 unit_rule_plain yes" for df in range(52)),
+            "52 - - convert_bits yes", "53 u8 - unit_rule_integer yes", "54 u16 10 65,66 yes",
+            "55 i16 1e-7 any yes",
+            *(f"{df} u16 - unit_rule_plain yes" for df in range(56, 118)),
+            "2436 u16 - unit_rule_plain yes", "2444 u16 - convert_df_2436 no"),
+        "format_list.tsv": lines("df", "2444", "2436"),
+        "self_described.tsv": lines("df", "4", "1"),
+        "format_classes.tsv": lines("df class", "4 7", "1 25"),
+        "units.tsv": ["unit\tname\tmeaning", "0\t\u00b0C\t-",
+                      *(f"{unit}\t-\t-" for unit in range(1, 140))],
+        "availability.tsv": lines("class units quantity", "0 1,0 depth",
+                                  *(f"{number} - none" for number in range(1, 65))),
+        "quantities.tsv": lines("label class", "Depth 0", "Course~made 8"),
+        "enums/a.tsv": lines("set 9 0 PGN", "4 Second", "4 Third", "6 Last guess",
+                             "set 172 3 -", "1 Low", "2 High"),
+        "enums/b.tsv": lines("set 1 1 Reserved~field", "0 ~\u00f8"),
+        "fields/a.tsv": lines("pgn field label size dd key1 key2 key3",
+                              "59904 1 PGN 24b 9 - - -", "59904 2 Rest 2B 1 - - -",
+                              "126720 1 Maker - 172 137 4:1 -"),
+        "fields/b.tsv": lines("pgn field label size dd key1 key2 key3",
+                              "126208 1 A - 1 3 - -", "126208 1 B - 1 4 - -",
+                              "126208 2 C 4b 1 3 - -"),
+    }
+
+
+# File, number of the line to put in (one above the last appends), the line, the message about it.
+BAD_ROWS = (
+    ("pgns.tsv", 1, "pgn name", "columns are 'pgn name', not 'pgn name key1 key2 key3 priority"
+     " frames listed'"),
+    ("pgns.tsv", 3, "126208 Read", "has 2 cells, not 8"),
+    ("pgns.tsv", 4, "262144 Own - - - 6 multi no", "pgn '262144' is not a number from 0 to 262143"),
+    ("pgns.tsv", 4, "126720 \u2126 - - - 6 multi no",
+     "name '\u2126' has a character outside Latin-1"),
+    ("pgns.tsv", 4, "126720 Own x - - 6 multi no", "key1 'x' is not a number from 0 to 65535"),
+    ("pgns.tsv", 4, "126720 Own 1 4 - 6 multi no", "key2 '4' is neither - nor LOW:HIGH"),
+    ("pgns.tsv", 4, "126720 Own - - - 8 multi no", "priority '8' is not a number from 0 to 7"),
+    ("pgns.tsv", 4, "126720 Own - - - 6 long no", "frames 'long' is not one of single, multi"),
+    ("pgns.tsv", 7, "59904 Ask - - - 6 single yes", "pgn 59904 stands after 130816"),
+    ("stream_keys.tsv", 2, "59904 0[4:5] - 2 -", "key1 '0[4:5]' reaches beyond the byte"),
+    ("stream_keys.tsv", 3, "126720 - header - -",
+     "key2 'header' is neither - nor N nor N[SHIFT:WIDTH]"),
+    ("stream_keys.tsv", 3, "59904 header 3 - -", "pgn 59904 stands twice"),
+    ("dictionary.tsv", 5, "9 PGN 54 24b", "dd 9 stands after 172"),
+    ("dictionary.tsv", 5, "172 - 54 -", "dd 172 stands twice"),
+    ("dictionary.tsv", 4, "172 - 2444 2B", "unknown df 2444"),
+    ("disp_data_types.tsv", 3, "10001 65", "class '65' is not a number from 0 to 64"),
+    ("disp_data_types.tsv", 2, "411 28", "no class is kept for dd 411"),
+    ("repeat_sets.tsv", 2, "126208 3 1 3", "pgn 126208 has no field 3"),
+    ("repeat_sets.tsv", 2, "126208 3 2 1", "first 2 is above last 1"),
+    ("repeat_sets.tsv", 2, "126207 3 1 2", "unknown pgn 126207"),
+    ("repeat_sets.tsv", 4, "126208 3 1 2", "pgn 126208 stands after 126720"),
+    ("formats.tsv", 3, "1 u12 - any yes",
+     "kind 'u12' is not one of u8, i8, u16, i16, u24, i24, u32, i32, u64, i64"),
+    ("formats.tsv", 3, "1 - - any yes", "kind is missing"),
+    ("formats.tsv", 3, "1 u8 1.f any yes", "scale '1.f' is not a positive decimal number"),
+    ("formats.tsv", 3, "1 u8 2 unit_rule_integer yes",
+     "scale has no effect with unit_rule_integer"),
+    ("formats.tsv", 3, "1 u8 - some yes", "rule 'some' is no rule"),
+    ("formats.tsv", 3, "1 u8 - 65,140 yes", "rule '140' is not a number from 0 to 139"),
+    ("formats.tsv", 3, "1 u8 - convert_df_52 yes", "no generated conversion convert_df_52"),
+    ("formats.tsv", 122, "2500 u8 - any yes", "df 2500 is not in format_list.tsv"),
+    ("formats.tsv", 122, "2444 u8 - any yes", "df 2444 stands twice"),
+    ("format_list.tsv", 4, "2437", "unknown df 2437"),
+    ("self_described.tsv", 4, "4", "df 4 stands twice"),
+    ("format_classes.tsv", 4, "118 0", "unknown df 118"),
+    ("units.tsv", 5, "4 m -", "unit 4 where 3 is due"),
+    ("units.tsv", 5, "3 \U0001d504 -",
+     "name '\U0001d504' has a character that a wide text of 16 bits cannot keep"),
+    ("availability.tsv", 2, "0 1,2,3,4,5,6,7,8 x", "units names 8 units, 7 fit"),
+    ("availability.tsv", 2, "0 140 depth", "units '140' is not a number from 0 to 139"),
+    ("availability.tsv", 3, "2 0 depth", "class 2 where 1 is due"),
+    ("quantities.tsv", 2, "Depth 65", "class '65' is not a number from 0 to 64"),
+    ("enums/a.tsv", 4, "3 Last", "value 3 stands after 4"),
+    ("enums/a.tsv", 4, "4294967296 Last",
+     "value '4294967296' is not a number from 0 to 4294967295"),
+    ("enums/a.tsv", 4, "6 Last doubt", "has 3 cells, not 2"),
+    ("enums/a.tsv", 7, "3 High", "value 3 where bit 1 is due"),
+    ("enums/a.tsv", 5, "set 8 3 -", "dd 8 stands after 9"),
+    ("enums/a.tsv", 8, "set 173 0 -", "dd 173 has no entries"),
+    ("enums/b.tsv", 1, "set 1 6 Reserved~field", "kind '6' is not a number from 0 to 5"),
+    ("enums/b.tsv", 1, "set 1 1 Other", "dd 1 is named 'Reserved field'"),
+    ("enums/b.tsv", 1, "set 9 1 PGN", "dd 9 has a set at DATA/enums/a.tsv:1, too"),
+    ("enums/b.tsv", 2, "1 One", "value 1 where 0 is due"),
+    ("fields/a.tsv", 2, "59904 1 PGN 24 9 - - -",
+     "size '24' is neither - nor bits (4b) nor bytes (2B)"),
+    ("fields/a.tsv", 2, "59904 0 PGN 24b 9 - - -", "field '0' is not a number from 1 to 65535"),
+    ("fields/a.tsv", 2, f"59904 1 {'x' * 128} 24b 9 - - -",
+     "label has 128 characters, 1 to 127 are allowed"),
+    ("fields/a.tsv", 2, "59904 1 PGN 24b 9999 - - -", "unknown dd 9999"),
+    ("fields/a.tsv", 3, "59904 3 Rest 2B 1 - - -", "field 3 where 2 is due"),
+    ("fields/a.tsv", 5, "126721 1 Maker - 172 - - -", "unknown pgn 126721"),
+    ("fields/a.tsv", 5, "59904 3 Late - 1 - - -", "pgn 59904 stands after 126720"),
+    ("fields/b.tsv", 5, "126208 1 Late - 1 4 - -", "field 1 stands after 2"),
+    ("fields/b.tsv", 5, "126720 1 Split - 1 - - -",
+     "pgn 126720 has rows in DATA/fields/a.tsv, too"),
+)
+
+FRAGMENT_LINES = {
+    "pgn_table.inc": [
+        '{59904, 0x80008000u, 0x80008000u, 0x80008000u, "Ask", 1, 1, 6, 1},',
+        '{126208, 0x80000003u, 0x80008000u, 0x80008000u, "Read", 1, 1, 3, 0},',
+        '{126720, 0x80000089u, 0xF0000004u, 0x80000001u, "Own \\"Big\\"\\?\\260", 1, 0, 6, 0},',
+        '{129025, 0x80008000u, 0x80008000u, 0x80008000u, "Fix", 0, 1, 2, 1},',
+        '{130816, 0x80008000u, 0x80008000u, 0x80008000u, "Far", 1, 0, 6, 0},',
+        '{25, 0, 0, 0, "", 0, 1, 7, 1},'],
+    "stream_key_table.inc": [
+        "{59904, {0, -1, 2, -1}, {{4, 4}, {0, 0}, {0, 0}, {0, 0}}},",
+        "{126720, {-3, 3, -1, -1}, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}},"],
+    "dictionary_table.inc": [
+        '{1, "Reserved field", &format_table[52], 0, 0},',
+        '{9, "PGN", &format_table[54], 0, 24},', '{172, "", &format_table[118], 2, 0},'],
+    "repeat_set_table.inc": ["{126208, 3, 1, 2, 0},", "{126720, 137, 1, 1, 0},"],
+    "df_conv_list.inc": ["{2444, &convert_df_2436},", "{2436, &convert_df_2436},"],
+    "df_self_conv_list.inc": ["{4, &convert_df_4},", "{1, &convert_df_1},"],
+    "format_class_table.inc": ["{4, 7},", "{1, 25},"],
+    "field_table.inc": [
+        '{59904, 1, "PGN", 0, 24, &dictionary[1], 0x80008000u, 0x80008000u, 0x80008000u, 0},',
+        '{59904, 2, "Rest", 2, 0, &dictionary[0], 0x80008000u, 0x80008000u, 0x80008000u, 0},',
+        '{126208, 1, "A", 0, 0, &dictionary[0], 0x80000003u, 0x80008000u, 0x80008000u, 0},',
+        '{126208, 1, "B", 0, 0, &dictionary[0], 0x80000004u, 0x80008000u, 0x80008000u, 0},',
+        '{126208, 2, "C", 0, 4, &dictionary[0], 0x80000003u, 0x80008000u, 0x80008000u, 0},',
+        '{126720, 1, "Maker", 0, 0, &dictionary[2], 0x80000089u, 0x00010004u, 0x80008000u, 0},',
+        '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'],
+    "enum_pairs.inc": ['{0u, " \\370"},', '{4u, "Second"},', '{4u, "Third"},', '{6u, "Last"},',
+                       '{1u, "Low"},', '{2u, "High"},'],
+    "enum_sets.inc": ["{1, 1, &enum_pairs[0], 1},", "{9, 0, &enum_pairs[1], 3},",
+                      "{172, 3, &enum_pairs[4], 2},"],
+    "dd_class_10000.inc": ["65,", "50,", *["65,"] * 74],
+    "unit_names.inc": ['L"\\x00B0" L"C",', *['L"",'] * 139],
+    "quantity_rows.inc": ['{"Depth", 0},', '{"Course made", 8},'],
+    "availability.inc": ["{1, 0, 140, 140, 140, 140, 140, 140},",
+                         *["{140, 140, 140, 140, 140, 140, 140, 140},"] * 65],
+}
+
+
+class TablegenTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.data = Path(folder.name, "data")
+        self.out = Path(folder.name, "out")
+
+    def write(self, tables):
+        for name, content in tables.items():
+            path = self.data / name
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text("".join(f"{line}\n" for line in content), encoding="utf-8")
+
+    def run_tool(self, *options):
+        """(status, what it printed, its messages) of a run on the data folder."""
+        printed, messages = io.StringIO(), io.StringIO()
+        with contextlib.redirect_stdout(printed), contextlib.redirect_stderr(messages):
+            status = main(["--data", str(self.data), *options])
+        return status, printed.getvalue(), messages.getvalue()
+
+    def fragment(self, name):
+        return (self.out / name).read_text(encoding="ascii").splitlines()
+
+    def test_bad_row_is_refused_at_its_place(self):
+        for name, line, row, message in BAD_ROWS:
+            with self.subTest(message):
+                tables = good_tables()
+                tables[name][line - 1:line] = lines(row)
+                self.write(tables)
+                expected = f"{self.data}/{name}:{line}: {message}\n"
+                status, _, messages = self.run_tool("--out", str(self.out))
+                self.assertEqual(messages, expected.replace("DATA", str(self.data)))
+                self.assertEqual(status, 1)
+                self.assertFalse(self.out.exists())
+
+    def test_all_bad_rows_are_told_at_once(self):
+        self.write(good_tables() | {"format_list.tsv": lines("df", "x", "2436", "y"),
+                                    "enums/b.tsv": lines("0 Early"),
+                                    "format_classes.tsv": lines("df class")})
+        (self.data / "units.tsv").write_bytes(b"unit\tname\tmeaning\n0\t\xb0C\t-\n")
+        (self.data / "repeat_sets.tsv").unlink()
+        status, _, messages = self.run_tool()
+        for place in ("format_list.tsv:2", "format_list.tsv:4", "enums/b.tsv:1",
+                      "format_classes.tsv:1", "units.tsv", "repeat_sets.tsv"):
+            self.assertIn(f"{self.data}/{place}: ", messages)
+        self.assertEqual(status, 1)
+
+    def test_good_tables_become_fragments(self):
+        self.write(good_tables())
+        self.assertEqual(self.run_tool("--out", str(self.out)), (0, "", ""))
+        for name, expected in FRAGMENT_LINES.items():
+            with self.subTest(name):
+                banner, *content = self.fragment(name)
+                self.assertRegex(
+                    banner, r"^// Generated by tools/tablegen from data/\S+; do not edit$")
+                self.assertEqual(content, expected)
+        functions = self.fragment("format_functions.inc")[52:57]
+        self.assertEqual(functions, [
+            "SCALED_FORMAT(51, u16, 0.5f, unit_rule_plain)", "INTEGER_FORMAT(53, u8)",
+            "LISTED_FORMAT(54, u16, 10.0f, 65, 66)", "OPEN_FORMAT(55, i16, 1e-7f)",
+            "SCALED_FORMAT(56, u16, 1.0f, unit_rule_plain)"])
+        table = self.fragment("format_table.inc")
+        self.assertEqual(table[2], '{1, "DF01", &convert_df_1, nullptr},')
+        self.assertEqual(table[53], '{52, "DF52", &convert_bits, nullptr},')
+        self.assertEqual(table[-1], '{2436, "DF2436", &convert_df_2436, nullptr},')
+        self.assertEqual(len(self.fragment("df_conv_table.inc")), 119)
+
+    def test_only_changed_fragments_are_written(self):
+        self.write(good_tables())
+        self.run_tool("--out", str(self.out))
+        for path in self.out.iterdir():
+            os.utime(path, (1, 1))
+        self.write({"repeat_sets.tsv": good_tables()["repeat_sets.tsv"][:2]})
+        self.run_tool("--out", str(self.out))
+        changed = [path.name for path in self.out.iterdir() if path.stat().st_mtime > 1]
+        self.assertEqual(changed, ["repeat_set_table.inc"])
+
+    def test_summary_tells_changes_of_content_only(self):
+        self.write(good_tables())
+        summary = self.data / "summary.txt"
+        self.assertEqual(self.run_tool("--check-summary")[0], 1)
+        summary.write_text(self.run_tool("--summary")[1], encoding="utf-8")
+        self.assertRegex(summary.read_text(encoding="utf-8"), r"(?m)^fields/b\.tsv 3 [0-9a-f]{12}$")
+        with open(self.data / "units.tsv", "a", encoding="utf-8") as table:
+            table.write("\n# a remark\n")
+        self.assertEqual(self.run_tool("--check-summary"), (0, "", ""))
+        self.write({"format_list.tsv": lines("df", "2436", "2444")})
+        status, _, messages = self.run_tool("--check-summary")
+        self.assertEqual((status, messages),
+                         (1, f"{summary}: stale, write it anew with --summary\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()
