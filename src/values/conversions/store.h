@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "pgn_vistel/conv_value.h"
+
+namespace pgn_vistel {
+
+inline void store_not_available(ConvValue* out) {
+    out->type = CV_NOT_AVAILABLE;
+    out->value.u64 = 0x7FFFFFFF;  // a single precision NaN in the low half
+}
+
+inline void store_float(ConvValue* out, double value) {
+    out->type = CV_FLOAT;
+    out->value.f32 = static_cast<float>(value);
+}
+
+/// All 8 bytes are written, so that the low bits of any width read the same number.
+template <class Integer>
+void store_integer(ConvValue* out, ConvType type, Integer value) {
+    out->type = type;
+    out->value.i64 = static_cast<std::int64_t>(value);
+}
+
+inline void store_text(ConvValue* out, const wchar_t* text) {
+    out->type = CV_TEXT;
+    out->value.wide = text;
+}
+
+inline void store_text(ConvValue* out, const char* text) {
+    out->type = CV_TEXT_NARROW;
+    out->value.narrow = text;
+}
+
+inline void store_count(int* count, int bytes) {
+    if (count != nullptr) *count = bytes;
+}
+
+}  // namespace pgn_vistel

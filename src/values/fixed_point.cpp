@@ -1,0 +1,76 @@
+#include "values/fixed_point.h"
+
+#include <bit>
+#include <cstdint>
+
+namespace pgn_vistel {
+
+namespace {
+
+__extension__ typedef unsigned __int128 uint128;
+
+constexpr int max_precision = 18;
+constexpr std::uint64_t powers_of_ten[max_precision + 1] = {
+    1ull,
+    10ull,
+    100ull,
+    1000ull,
+    10000ull,
+    100000ull,
+    1000000ull,
+    10000000ull,
+    100000000ull,
+    1000000000ull,
+    10000000000ull,
+    100000000000ull,
+    1000000000000ull,
+    10000000000000ull,
+    100000000000000ull,
+    1000000000000000ull,
+    10000000000000000ull,
+    100000000000000000ull,
+    1000000000000000000ull,
+};
+
+}  // namespace
+
+int fixed_point(char (&out)[fixed_point_capacity], double magnitude, int precision) {
+    if (precision > max_precision) return 0;
+    const std::uint64_t scale = powers_of_ten[precision];
+    if (!(magnitude * static_cast<double>(scale) < 1e18)) return 0;
+
+    const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+    const int exponent_field = static_cast<int>(bits >> 52);
+    std::uint64_t mantissa = bits & ((1ull << 52) - 1);
+    int exponent = -1074;
+    if (exponent_field != 0) {
+        mantissa |= 1ull << 52;
+        exponent = exponent_field - 1075;
+    }
+
+    // The number is mantissa * 2^exponent; times the scale it stays below 2^63 in front of the binary point.
+    const uint128 product = static_cast<uint128>(mantissa) * scale;
+    std::uint64_t whole = 0;
+    if (exponent >= 0) {
+        whole = static_cast<std::uint64_t>(product << exponent);
+    } else if (exponent > -118) {  // the product has at most 117 bits
+        const int shift = -exponent;
+        whole = static_cast<std::uint64_t>(product >> shift);
+        const uint128 rest = product & ((static_cast<uint128>(1) << shift) - 1);
+        const uint128 half = static_cast<uint128>(1) << (shift - 1);
+        if (rest > half || (rest == half && (whole & 1) != 0)) ++whole;
+    }
+
+    char reversed[fixed_point_capacity];
+    int count = 0;
+    for (int i = 0; i < precision; ++i, whole /= 10) reversed[count++] = static_cast<char>('0' + whole % 10);
+    if (precision > 0) reversed[count++] = '.';
+    do {
+        reversed[count++] = static_cast<char>('0' + whole % 10);
+        whole /= 10;
+    } while (whole != 0);
+    for (int i = 0; i < count; ++i) out[i] = reversed[count - 1 - i];
+    return count;
+}
+
+}  // namespace pgn_vistel
