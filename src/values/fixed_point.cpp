@@ -1,7 +1,10 @@
 #include "values/fixed_point.h"
 
+#include <array>
 #include <bit>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 
 namespace pgn_vistel {
 
@@ -32,9 +35,24 @@ constexpr std::uint64_t powers_of_ten[max_precision + 1] = {
     1000000000000000000ull,
 };
 
+constexpr auto digit_pairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+/// Puts two digits in front of `at`.
+char* copy_pair(char* at, std::uint64_t number) {
+    std::memcpy(at - 2, digit_pairs.data() + 2 * number, 2);
+    return at - 2;
+}
+
 }  // namespace
 
-int fixed_point(char (&out)[fixed_point_capacity], double magnitude, int precision) {
+int fixed_point(char (&out)[fixed_point_capacity], const char** first, double magnitude, int precision) {
     if (precision > max_precision) return 0;
     const std::uint64_t scale = powers_of_ten[precision];
     if (!(magnitude * static_cast<double>(scale) < 1e18)) return 0;
@@ -61,16 +79,24 @@ int fixed_point(char (&out)[fixed_point_capacity], double magnitude, int precisi
         if (rest > half || (rest == half && (whole & 1) != 0)) ++whole;
     }
 
-    char reversed[fixed_point_capacity];
-    int count = 0;
-    for (int i = 0; i < precision; ++i, whole /= 10) reversed[count++] = static_cast<char>('0' + whole % 10);
-    if (precision > 0) reversed[count++] = '.';
-    do {
-        reversed[count++] = static_cast<char>('0' + whole % 10);
-        whole /= 10;
-    } while (whole != 0);
-    for (int i = 0; i < count; ++i) out[i] = reversed[count - 1 - i];
-    return count;
+    char* at = std::end(out);
+    const auto put_digits = [&at](std::uint64_t number, int count) {
+        for (; count >= 2; count -= 2, number /= 100) at = copy_pair(at, number % 100);
+        if (count == 1) *--at = static_cast<char>('0' + number % 10);
+    };
+    std::uint64_t integer = whole;
+    if (precision > 0) {
+        integer = whole / scale;
+        put_digits(whole - integer * scale, precision);
+        *--at = '.';
+    }
+    for (; integer >= 100; integer /= 100) at = copy_pair(at, integer % 100);
+    if (integer >= 10)
+        at = copy_pair(at, integer);
+    else
+        *--at = static_cast<char>('0' + integer);
+    *first = at;
+    return static_cast<int>(std::end(out) - at);
 }
 
 }  // namespace pgn_vistel

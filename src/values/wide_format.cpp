@@ -9,28 +9,6 @@
 
 namespace pgn_vistel {
 
-void WideWriter::put(const wchar_t* text, std::size_t count) {
-    const auto n = std::min(count, static_cast<std::size_t>(end_ - at_));
-    std::copy_n(text, n, at_);
-    at_ += n;
-}
-
-void WideWriter::fill(wchar_t c, std::int64_t count) {
-    const auto n = std::clamp<std::int64_t>(count, 0, end_ - at_);
-    std::fill_n(at_, n, c);
-    at_ += n;
-}
-
-void WideWriter::put_ascii(const char* text, std::size_t count) {
-    const auto n = std::min(count, static_cast<std::size_t>(end_ - at_));
-    for (std::size_t i = 0; i < n; ++i) at_[i] = static_cast<unsigned char>(text[i]);
-    at_ += n;
-}
-
-void WideWriter::put_text(const wchar_t* text) {
-    while (*text != 0 && at_ < end_) *at_++ = *text++;
-}
-
 namespace {
 
 // Digits of a number with its sign, laid out in the width: blanks, sign, zeros, digits, blanks.
@@ -38,11 +16,16 @@ void put_number(WideWriter& out, const Conversion& c, const char* sign, const ch
                 std::int64_t leading_zeros, bool zero_fill) {
     const std::size_t sign_length = std::strlen(sign);
     const std::int64_t body = static_cast<std::int64_t>(sign_length + count) + leading_zeros;
+    if (leading_zeros == 0 && c.width <= body) {
+        out.put_bytes(sign, sign_length);
+        out.put_bytes(digits, count);
+        return;
+    }
     const std::int64_t pad = std::max<std::int64_t>(0, c.width - body);
     if (!c.left && !zero_fill) out.fill(L' ', pad);
-    out.put_ascii(sign, sign_length);
+    out.put_bytes(sign, sign_length);
     out.fill(L'0', leading_zeros + (zero_fill && !c.left ? pad : 0));
-    out.put_ascii(digits, count);
+    out.put_bytes(digits, count);
     if (c.left) out.fill(L' ', pad);
 }
 
@@ -103,8 +86,9 @@ void put_floating(WideWriter& out, const Conversion& c, const FormatArg& arg) {
     const int wanted = c.precision == Conversion::none ? 6 : c.precision;
     if (c.letter == L'f' || c.letter == L'F') {
         char quick[fixed_point_capacity];
-        if (const int n = fixed_point(quick, magnitude, wanted); n > 0) {
-            put_number(out, c, sign, quick, static_cast<std::size_t>(n), 0, c.zero);
+        const char* first;
+        if (const int n = fixed_point(quick, &first, magnitude, wanted); n > 0) {
+            put_number(out, c, sign, first, static_cast<std::size_t>(n), 0, c.zero);
             return;
         }
     }

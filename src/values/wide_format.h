@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cwchar>
 #include <span>
 #include <type_traits>
 
@@ -19,11 +21,19 @@ class WideWriter {
     void put(wchar_t c) {
         if (at_ < end_) *at_++ = c;
     }
-    void put(const wchar_t* text, std::size_t count);
-    void fill(wchar_t c, std::int64_t count);
-    /// Widens ASCII characters.
-    void put_ascii(const char* text, std::size_t count);
-    void put_text(const wchar_t* text);
+    void put(const wchar_t* text, std::size_t count) {
+        const auto n = std::min(count, static_cast<std::size_t>(end_ - at_));
+        at_ = std::copy_n(text, n, at_);
+    }
+    void fill(wchar_t c, std::int64_t count) {
+        at_ = std::fill_n(at_, std::clamp<std::int64_t>(count, 0, end_ - at_), c);
+    }
+    /// Widens each byte to the character of the same number.
+    void put_bytes(const char* text, std::size_t count) {
+        const auto n = std::min(count, static_cast<std::size_t>(end_ - at_));
+        at_ = std::transform(text, text + n, at_, [](char c) { return static_cast<unsigned char>(c); });
+    }
+    void put_text(const wchar_t* text) { put(text, std::wcslen(text)); }
     void remove_last(int count) { at_ -= count; }
 
     int count() const { return static_cast<int>(at_ - begin_); }
