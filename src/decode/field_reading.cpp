@@ -137,7 +137,7 @@ FieldReading read_field(QV_N2K_PGN_DB_c& db, const N2KMsg& msg, const DDDef& dd,
     dd.format->conv(value, raw, reading.unit, &count);
     if (bytes == 0 && bits == 0) bytes = count;
 
-    const int used_bits = bits > 0 ? at.bit + bits : 8 * bytes;
+    const int used_bits = at.bit + (bits > 0 ? bits : 8 * bytes);
     if (!text && at.byte < length && at.byte + (used_bits + 7) / 8 > length) {
         store_not_available(value);
         reading.cut_off = true;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cwchar>
 #include <iterator>
+#include <string_view>
 
 #include "values/calendar_text.h"
 #include "values/conversions/special.h"
@@ -170,18 +171,37 @@ void put_unit(WideWriter& out, const FieldContext& context) {
 
 }  // namespace
 
-void put_field_name(WideWriter& out, int dd, const wchar_t* label, int repeat_index) {
-    if (label == nullptr) label = L"";
+namespace {
+
+constexpr std::size_t first_word = 6;  // "First " with its blank
+
+template <class Char, class Put>
+void put_label(WideWriter& out, int dd, const Char* label, int repeat_index, const Char* first, Put put) {
+    static constexpr Char none[] = {0};
+    const std::basic_string_view<Char> text(label != nullptr ? label : none);
     if (dd == 144 || dd == 145) {
         out.put_text(L"Group Function Code");
-    } else if (repeat_index >= 1 && std::wcsstr(label, L"First") != nullptr) {
-        // "First " goes, wherever the word stands: six characters from the start.
-        static constexpr CompiledFormat format(L"%ls #%d");
-        format(out, std::wcslen(label) >= 6 ? label + 6 : L"", repeat_index);
+    } else if (repeat_index >= 1 && text.find(first) != text.npos) {
+        // The word goes, wherever it stands: six characters from the start.
+        put(text.substr(std::min(first_word, text.size())));
+        static constexpr CompiledFormat number(L" #%d");
+        number(out, repeat_index);
     } else {
-        out.put_text(label);
+        put(text);
     }
     out.put(L": ", 2);
+}
+
+}  // namespace
+
+void put_field_name(WideWriter& out, int dd, const wchar_t* label, int repeat_index) {
+    put_label(out, dd, label, repeat_index, L"First",
+              [&out](std::wstring_view text) { out.put(text.data(), text.size()); });
+}
+
+void put_field_name(WideWriter& out, int dd, const char* label, int repeat_index) {
+    put_label(out, dd, label, repeat_index, "First",
+              [&out](std::string_view text) { out.put_bytes(text.data(), text.size()); });
 }
 
 void put_field_data(WideWriter& out, const FieldContext& context, const ConvValue* value) {
@@ -204,9 +224,28 @@ void put_field_data(WideWriter& out, const FieldContext& context, const ConvValu
     put_unit(out, context);
 }
 
-void put_cut_off(WideWriter& out, const FieldContext& context) {
-    out.put(L'-');
-    put_unit(out, context);
+PayloadPosition put_field(WideWriter& out, QV_N2K_PGN_DB_c& db, const N2KMsg& msg, const FieldPlace& place,
+                          PayloadPosition at, ConvValue* value) {
+    // A conversion that sets nothing but the type then leaves a value that is not available.
+    ConvValue own{CV_NOT_AVAILABLE, {}};
+    own.value.u64 = 0x7FFFFFFF;
+    if (value == nullptr) value = &own;
+    const FieldReading reading =
+        read_field(db, msg, *place.dd, place.bytes, place.bits, at, place.unit, value);
+    const FieldContext context{static_cast<int>(place.dd->dd),
+                               reading.quantity,
+                               reading.unit,
+                               place.with_unit,
+                               place.flags,
+                               msg.pgn,
+                               place.field};
+    if (reading.cut_off) {
+        out.put(L'-');
+        put_unit(out, context);
+    } else {
+        put_field_data(out, context, value);
+    }
+    return reading.next;
 }
 
 int put_undecoded(WideWriter& out, const std::uint8_t* data, int length, bool with_label) {

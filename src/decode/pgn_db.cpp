@@ -115,18 +115,8 @@ int QV_N2K_PGN_DB_c::get_field_str(wchar_t* buf, int size, N2KMsg* msg, int fiel
         if (number == pressure_source && msg->pgn == 130314 && source_byte != nullptr)
             *source_byte = msg->data[2];
 
-        // A conversion that sets nothing but the type then leaves a value that is not available.
-        ConvValue own{CV_NOT_AVAILABLE, {}};
-        own.value.u64 = 0x7FFFFFFF;
-        ConvValue* const result = value != nullptr ? static_cast<ConvValue*>(value) : &own;
-        const FieldReading reading = read_field(*this, *msg, *entry, bytes, bits, at, unit, result);
-        const FieldContext context{number, reading.quantity, reading.unit, print_unit_flag != 0,
-                                   flags,  msg->pgn,         field};
-        if (reading.cut_off)
-            put_cut_off(out, context);
-        else
-            put_field_data(out, context, result);
-        next = reading.next;
+        next = put_field(out, *this, *msg, {field, entry, bytes, bits, print_unit_flag != 0, flags, unit}, at,
+                         static_cast<ConvValue*>(value));
     } else {
         const int length = payload_length(*msg);
         const int label_part = put_undecoded(out, msg->data, length, true);

@@ -1,9 +1,6 @@
 #include "pgn_vistel/stream_lines.h"
 
-#include <iterator>
-
-#include "values/text_copy.h"
-#include "values/wide_format.h"
+#include "decode/field_text.h"
 
 namespace pgn_vistel {
 
@@ -40,21 +37,20 @@ int StreamLines::next(wchar_t* buf, int size) {
         case Stage::over: return -1;
     }
 
-    auto* const msg = const_cast<N2KMsg*>(&msg_);  // read only, but the exported signature says otherwise
     if (walk_.next()) {
         const MessageWalk::Field& field = walk_.field();
-        wchar_t label[128];
-        widen(label, field.row->name, std::size(label));
-        unsigned char source_byte = 255;
-        return db_.get_field_str(buf, size, msg, static_cast<int>(field.row->field),
-                                 const_cast<DDDef*>(field.row->dd), label, field.bytes, field.bits,
-                                 &walk_.position.byte, &walk_.position.bit, &source_byte, field.repeat, 1,
-                                 flags_, nullptr, nullptr, unit::selected);
+        const FieldDef& row = *field.row;
+        put_field_name(out, static_cast<int>(row.dd->dd), row.name, field.repeat);
+        walk_.position = put_field(
+            out, db_, msg_,
+            {static_cast<int>(row.field), row.dd, field.bytes, field.bits, true, flags_, unit::selected},
+            walk_.position, nullptr);
+        return out.finish();
     }
     stage_ = Stage::over;
     if (!walk_.has_undecoded_rest()) return -1;
-    return db_.get_field_str(buf, size, msg, 0, nullptr, nullptr, 0, 0, nullptr, nullptr, nullptr, 0, 1,
-                             flags_, nullptr, nullptr, unit::selected);
+    put_undecoded(out, msg_.data, payload_length(msg_), true);
+    return out.finish();
 }
 
 }  // namespace pgn_vistel

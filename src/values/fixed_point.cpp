@@ -1,10 +1,10 @@
 #include "values/fixed_point.h"
 
-#include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
+
+#include "values/digits.h"
 
 namespace pgn_vistel {
 
@@ -34,21 +34,6 @@ constexpr std::uint64_t powers_of_ten[max_precision + 1] = {
     100000000000000000ull,
     1000000000000000000ull,
 };
-
-constexpr auto digit_pairs = [] {
-    std::array<char, 200> pairs{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return pairs;
-}();
-
-/// Puts two digits in front of `at`.
-char* copy_pair(char* at, std::uint64_t number) {
-    std::memcpy(at - 2, digit_pairs.data() + 2 * number, 2);
-    return at - 2;
-}
 
 }  // namespace
 
@@ -80,21 +65,13 @@ int fixed_point(char (&out)[fixed_point_capacity], const char** first, double ma
     }
 
     char* at = std::end(out);
-    const auto put_digits = [&at](std::uint64_t number, int count) {
-        for (; count >= 2; count -= 2, number /= 100) at = copy_pair(at, number % 100);
-        if (count == 1) *--at = static_cast<char>('0' + number % 10);
-    };
     std::uint64_t integer = whole;
     if (precision > 0) {
         integer = whole / scale;
-        put_digits(whole - integer * scale, precision);
+        at = put_digits_before(at, whole - integer * scale, precision);
         *--at = '.';
     }
-    for (; integer >= 100; integer /= 100) at = copy_pair(at, integer % 100);
-    if (integer >= 10)
-        at = copy_pair(at, integer);
-    else
-        *--at = static_cast<char>('0' + integer);
+    at = put_digits_before(at, integer);
     *first = at;
     return static_cast<int>(std::end(out) - at);
 }

@@ -116,8 +116,8 @@ void put_significant(WideWriter& out, const Significant& q, float value) {
     put_conversion(out, conversion, static_cast<double>(value));
 }
 
-// A specification such as "+8.2" read as a whole number and as a decimal one; the first decimal is the cap.
-Significant read_specification(const wchar_t* text) {
+// Figures such as "+8.2" read as a whole number and as a decimal one; the first decimal is the cap.
+Significant read_figures(const wchar_t* text) {
     constexpr double limit = 100000;  // beyond every buffer
     if (*text == L'+' || *text == L' ') ++text;
     double whole = 0;
@@ -299,7 +299,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
     if (std::isnan(value)) return copy_wide(buf, L"-", 2);
 
     static wchar_t work[print_limit];
-    static wchar_t specification[print_limit];
+    static wchar_t figures[print_limit];
     WideWriter rewritten(work, print_limit);
     enum class Mode { floating, signed_integer, unsigned_integer } mode = Mode::floating;
     for (const wchar_t* at = format; *at != 0;) {
@@ -309,13 +309,13 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
             rewritten.put(*at++);
             continue;
         }
-        WideWriter side(specification, print_limit);
+        WideWriter side(figures, print_limit);
         if (*at == L'+' || *at == L' ') side.put(*at++);
         while ((*at >= L'0' && *at <= L'9') || *at == L'.') side.put(*at++);
         side.finish();
         if (*at == L'q') {
             // A sign flag is lost here, and stays so: "%+5q" prints without a plus sign.
-            const Decimals d = decimals_for(read_specification(specification), value);
+            const Decimals d = decimals_for(read_figures(figures), value);
             static constexpr CompiledFormat number(L"%d.%df");
             number(rewritten, d.width, d.precision);
             ++at;
@@ -323,7 +323,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
             const wchar_t letter = *at == L'l' ? at[1] : *at;
             if (letter == L'u') mode = Mode::unsigned_integer;
             if (letter == L'd') mode = Mode::signed_integer;
-            rewritten.put_text(specification);
+            rewritten.put_text(figures);
             if (*at != 0) rewritten.put(*at++);
         }
     }

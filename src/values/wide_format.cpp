@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "values/digits.h"
 #include "values/fixed_point.h"
 
 namespace pgn_vistel {
@@ -61,16 +62,20 @@ void put_integer(WideWriter& out, const Conversion& c, const FormatArg& arg) {
     char buffer[24];  // 64 bits in octal take 22
     char* const end = std::end(buffer);
     char* digits = end;
+    const bool is_zero_without_digits = magnitude == 0 && c.precision == 0;
     if (c.letter == L'x' || c.letter == L'X' || c.letter == L'o') {
         const int shift = c.letter == L'o' ? 3 : 4;
         const char* const alphabet = c.letter == L'x' ? "0123456789abcdef" : "0123456789ABCDEF";
-        for (; magnitude != 0; magnitude >>= shift) *--digits = alphabet[magnitude & ((1u << shift) - 1)];
+        do {
+            *--digits = alphabet[magnitude & ((1u << shift) - 1)];
+            magnitude >>= shift;
+        } while (magnitude != 0);
     } else {
-        for (; magnitude != 0; magnitude /= 10) *--digits = static_cast<char>('0' + magnitude % 10);
+        digits = put_digits_before(end, magnitude);
     }
+    if (is_zero_without_digits) digits = end;
     const auto count = static_cast<std::size_t>(end - digits);
-    const std::int64_t wanted = c.precision == Conversion::none ? 1 : c.precision;
-    const std::int64_t zeros = std::max<std::int64_t>(0, wanted - static_cast<std::int64_t>(count));
+    const std::int64_t zeros = std::max<std::int64_t>(0, c.precision - static_cast<std::int64_t>(count));
     put_number(out, c, sign, digits, count, zeros, c.zero && c.precision == Conversion::none);
 }
 

@@ -76,7 +76,7 @@ struct FormatArg {
     };
 };
 
-/// One conversion specification, "%-08.3ld" say, without its text.
+/// What one conversion of a format asks for, "%-08.3ld" say.
 struct Conversion {
     static constexpr int none = -1;
 
@@ -87,7 +87,7 @@ struct Conversion {
     wchar_t letter = 0;     // 0: the format ended, or the letter is unknown: nothing is converted
 };
 
-/// Reads the specification behind a "%" (not "%%") at `*format` and moves it behind what was read.
+/// Reads a conversion behind its "%" (not "%%") at `*format` and moves it behind what was read.
 constexpr Conversion parse_conversion(const wchar_t** format);
 
 /// Prints one argument under a conversion. Numbers are converted into each other where the kinds differ; a
