@@ -31,6 +31,7 @@ std::uint8_t first_key(const StreamKeyDef& row, const std::uint8_t* payload) {
         // Only the maker's messages have a known layout: the message number, or the command.
         return is_makers(payload) ? payload[row.pgn == 61184 ? 2 : 6] : no_key;
     }
+    if (row.position[0] != label_rule) return no_key;
     // The label is a short text: length (which counts itself and the encoding), encoding, characters. The
     // channel that it names stands right behind it.
     const int length = payload[5];
