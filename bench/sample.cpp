@@ -1,0 +1,24 @@
+#include "sample.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "assembly/assembler.h"
+#include "readers/recording.h"
+
+std::vector<SampleMessage> load_sample(const std::string& path) {
+    std::vector<SampleMessage> sample;
+    vistel::Assembler assembler([&sample](const N2KMsg& msg, const vistel::RecordTime& time) {
+        sample.push_back({msg, time});
+    });
+    vistel::Recording recording;
+    if (!recording.open(path)) {
+        std::fprintf(stderr, "%s: %s\n", path.c_str(), recording.problem().text.c_str());
+        std::exit(2);
+    }
+    vistel::Record record;
+    for (auto result = recording.next(record); result != vistel::ReadResult::end;
+         result = recording.next(record))
+        if (result == vistel::ReadResult::record) assembler.put(record);
+    return sample;
+}

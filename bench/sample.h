@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "pgn_vistel/n2k_msg.h"
+#include "readers/record.h"
+
+/// The messages of a recording, assembled.
+struct SampleMessage {
+    N2KMsg msg;
+    vistel::RecordTime time;
+};
+std::vector<SampleMessage> load_sample(const std::string& path);

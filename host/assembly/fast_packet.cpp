@@ -1,0 +1,216 @@
+#include "assembly/fast_packet.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "pgn_vistel/catalogue.h"
+#include "readers/can_identifier.h"
+
+namespace vistel {
+namespace {
+
+constexpr unsigned bytes_in_first = 6;
+constexpr unsigned bytes_in_later = 7;
+constexpr unsigned sequence_bits = 3;
+constexpr std::int64_t longest_silence = 750 * milliseconds;
+
+/// By sequence in the lowest bits, so that the keys of one kind of message are neighbours.
+std::uint64_t key_of(const N2KMsg& frame) {
+    return std::uint64_t{frame.pgn} << 19 | std::uint64_t{frame.source} << 11 |
+           std::uint64_t{frame.destination} << 3 | frame.data[0] >> 5;
+}
+
+constexpr unsigned offset_of(unsigned number) {
+    return number == 0 ? 0 : bytes_in_first + (number - 1) * bytes_in_later;
+}
+
+unsigned frame_number(const N2KMsg& frame) {
+    return frame.data[0] & 31u;
+}
+
+/// The catalogue has these as multi-frame, but all of them fill one frame exactly and devices send them so:
+/// heartbeat, heave, load controller state, the AC, converter and DC measurements. Taken as pieces they would
+/// make up messages that nobody sent.
+constexpr std::uint32_t sent_as_single_frames[] = {126993, 127252, 127500, 127744, 127745, 127746,
+                                                   127747, 127748, 127749, 127750, 127751};
+
+}  // namespace
+
+FastPacketPgns::FastPacketPgns() {
+    constexpr std::uint32_t proprietary_addressed = 0x1EF00, first_proprietary = 0x1FF00;
+    for (std::uint32_t pgn = first; pgn <= last; ++pgn) {
+        const pgn_vistel::PgnDef* row = pgn_vistel::find_pgn_def(pgn);
+        const bool proprietary = pgn == proprietary_addressed || pgn >= first_proprietary;
+        fast_[pgn - first] = proprietary || (row != nullptr && row->single_frame == 0);
+    }
+    for (const std::uint32_t pgn : sent_as_single_frames) fast_[pgn - first] = false;
+}
+
+/// Whether a stored frame other than 0 belongs to the announced message, with all that is due to it.
+bool FastPackets::Slot::fits(unsigned number) const {
+    const unsigned offset = offset_of(number);
+    return offset < total && given[number] >= std::min<unsigned>(bytes_in_later, total - offset);
+}
+
+bool FastPackets::Slot::holds(unsigned number, const std::uint8_t* bytes, unsigned count) const {
+    return given[number] == count && std::memcmp(data + offset_of(number), bytes, count) == 0;
+}
+
+void FastPackets::Slot::store(unsigned number, const std::uint8_t* bytes, unsigned count) {
+    received |= std::uint32_t{1} << number;
+    given[number] = static_cast<std::uint8_t>(count);
+    std::memcpy(data + offset_of(number), bytes, count);
+}
+
+bool FastPackets::Slot::complete() const {
+    if (!announced()) return false;
+    const unsigned later =
+        total <= bytes_in_first ? 0 : (total - bytes_in_first + bytes_in_later - 1) / bytes_in_later;
+    return received == static_cast<std::uint32_t>((std::uint64_t{2} << later) - 1);
+}
+
+std::size_t FastPackets::open(std::uint64_t key) {
+    if (slots_.full()) give_up(slots_.oldest());
+    const std::size_t i = slots_.add(key);
+    slots_[i].received = 0;
+    slots_[i].overtaken_by = 0;
+    return i;
+}
+
+void FastPackets::give_up(std::size_t i) {
+    const Slot& slot = slots_[i];
+    if (slot.announced()) {
+        ++counters_.incomplete_fast_packets;
+    } else {
+        counters_.orphan_frames += static_cast<unsigned>(std::popcount(slot.received));
+    }
+    slots_.remove(i);
+}
+
+/// A device takes its eight sequences in turn. Where half of them have been begun since, no frame of the
+/// message is on its way any more, and the next one of its sequence is another message's.
+void FastPackets::overtake(std::uint64_t key) {
+    constexpr unsigned most = 4;
+    for (std::size_t i = slots_.size(); i-- > 0;) {
+        const bool other_sequence = slots_.key(i) != key && (slots_.key(i) ^ key) >> sequence_bits == 0;
+        if (other_sequence && ++slots_[i].overtaken_by >= most) give_up(i);
+    }
+}
+
+/// Takes frame 0. Position of the message that it begins, or none.
+std::size_t FastPackets::put_first(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now) {
+    constexpr unsigned header = 2;
+    const std::uint8_t total = frame.data[1];
+    const std::uint8_t* const bytes = frame.data + header;
+    const unsigned count = size - header;
+    std::size_t i = slots_.find(key);
+    if (i != Slots::none) {
+        Slot& slot = slots_[i];
+        if (slot.announced()) {
+            // A frame that the bus delivers twice comes twice in a row.
+            if (slot.last_number == 0 && slot.total == total && slot.holds(0, bytes, count)) {
+                slot.last = now;
+                ++counters_.repeated_frames;
+                return Slots::none;
+            }
+            give_up(i);
+        } else if (!adjacent(slot.last, now)) {
+            give_up(i);
+        }
+    }
+    overtake(key);
+    i = slots_.find(key);
+    if (total > most_bytes || count < std::min<unsigned>(total, bytes_in_first)) {
+        ++counters_.incomplete_fast_packets;
+        if (i != Slots::none) give_up(i);
+        return Slots::none;
+    }
+    if (i == Slots::none) i = open(key);
+    Slot& slot = slots_[i];
+    slot.total = total;
+    slot.priority = frame.priority;
+    slot.store(0, bytes, count);
+    for (unsigned number = 1; number < most_frames; ++number) {
+        if (slot.has(number) && !slot.fits(number)) {
+            slot.drop(number);
+            ++counters_.orphan_frames;
+        }
+    }
+    return i;
+}
+
+/// Takes a frame other than 0. Position of its message, or none.
+std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now) {
+    constexpr unsigned header = 1;
+    const unsigned number = frame_number(frame);
+    const std::uint8_t* const bytes = frame.data + header;
+    const unsigned count = size - header;
+    std::size_t i = slots_.find(key);
+    if (i != Slots::none && slots_[i].has(number)) {
+        Slot& slot = slots_[i];
+        if (slot.holds(number, bytes, count)) {
+            slot.last = now;
+            slot.last_number = static_cast<std::uint8_t>(number);
+            ++counters_.repeated_frames;
+            return Slots::none;
+        }
+        give_up(i);  // the next message of this sequence, whose frame 0 is late or lost
+        i = Slots::none;
+    }
+    if (i == Slots::none) i = open(key);
+    Slot& slot = slots_[i];
+    slot.store(number, bytes, count);
+    if (slot.announced() && !slot.fits(number)) {
+        slot.drop(number);
+        ++counters_.orphan_frames;
+        return Slots::none;
+    }
+    return i;
+}
+
+const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
+    const unsigned size = std::min<unsigned>(frame.length, max_frame_bytes);
+    if (size < 2) {
+        ++counters_.orphan_frames;
+        return nullptr;
+    }
+    const std::uint64_t key = key_of(frame);
+    std::size_t i = slots_.find(key);
+    if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+
+    const unsigned number = frame_number(frame);
+    i = number == 0 ? put_first(key, frame, size, now) : put_later(key, frame, size, now);
+    if (i == Slots::none) return nullptr;
+    Slot& slot = slots_[i];
+    slot.last = now;
+    slot.last_number = static_cast<std::uint8_t>(number);
+    if (!slot.complete()) return nullptr;
+    fill_message(slot, frame);
+    slots_.remove(i);
+    return &message_;
+}
+
+void FastPackets::fill_message(const Slot& slot, const N2KMsg& frame) {
+    message_.pgn = frame.pgn;
+    message_.priority = slot.priority;
+    message_.source = frame.source;
+    message_.destination = frame.destination;
+    if (message_.length > slot.total) {
+        std::memset(message_.data + slot.total, 0, message_.length - slot.total);
+    }
+    message_.length = slot.total;
+    std::memcpy(message_.data, slot.data, slot.total);
+}
+
+void FastPackets::sweep(const Moment& now) {
+    for (std::size_t i = slots_.size(); i-- > 0;) {
+        if (timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+    }
+}
+
+void FastPackets::finish() {
+    while (slots_.size() > 0) give_up(0);
+}
+
+}  // namespace vistel

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+
+#include "assembly/counters.h"
+#include "assembly/moment.h"
+#include "assembly/slot_table.h"
+#include "pgn_vistel/n2k_msg.h"
+
+namespace vistel {
+
+/// Which PGNs come as fast packets. The bus does not tell, the catalogue does, except that
+///   - below 126208 nothing is a fast packet,
+///   - 126720 and 130816..131071, the proprietary ones, always are,
+///   - a few that the catalogue has wrong are put right, and
+///   - PGNs in between that the catalogue does not know are taken as single frames.
+/// A wrong guess of the last kind still shows all bytes, while single frames taken as pieces would be lost.
+class FastPacketPgns {
+  public:
+    FastPacketPgns();
+
+    bool contains(std::uint32_t pgn) const { return pgn >= first && pgn <= last && fast_[pgn - first]; }
+
+  private:
+    static constexpr std::uint32_t first = 0x1ED00, last = 0x1FFFF;
+    std::bitset<last - first + 1> fast_;
+};
+
+/// Puts fast packets together: up to 32 frames, each beginning with a byte of sequence (3 bits) and frame
+/// number (5 bits). Frame 0 has the length of the message as its second byte and 6 bytes of it, the others
+/// have 7.
+///
+/// A device numbers its messages by sequence, so that the pieces of two of them do not mix. Frames may come
+/// in any order and more than once. A message that misses some is given up when its sequence is begun again
+/// or by far overtaken, and after 750 ms.
+class FastPackets {
+  public:
+    static constexpr unsigned most_bytes = 223;
+
+    explicit FastPackets(AssemblyCounters& counters) : counters_(counters) {}
+
+    /// Takes a frame. The message that it completes, valid until the next call, or null.
+    const N2KMsg* put(const N2KMsg& frame, const Moment& now);
+
+    /// Gives up what has timed out.
+    void sweep(const Moment& now);
+
+    /// Gives up everything.
+    void finish();
+
+  private:
+    static constexpr unsigned most_frames = 32;
+
+    struct Slot {
+        Moment last;
+        std::uint32_t received;  // bit k: frame k is here
+        std::uint8_t total;      // bytes of the message, once frame 0 is here
+        std::uint8_t priority;
+        std::uint8_t last_number;         // of the frame that came last
+        std::uint8_t overtaken_by;        // later messages of the same kind that have begun
+        std::uint8_t given[most_frames];  // bytes in each frame
+        std::uint8_t data[most_bytes];
+
+        bool has(unsigned number) const { return (received >> number & 1) != 0; }
+        bool announced() const { return has(0); }
+        bool fits(unsigned number) const;
+        bool holds(unsigned number, const std::uint8_t* bytes, unsigned count) const;
+        void store(unsigned number, const std::uint8_t* bytes, unsigned count);
+        void drop(unsigned number) { received &= ~(std::uint32_t{1} << number); }
+        bool complete() const;
+    };
+    using Slots = SlotTable<Slot, 256>;
+
+    std::size_t open(std::uint64_t key);
+    void give_up(std::size_t i);
+    void overtake(std::uint64_t key);
+    std::size_t put_first(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now);
+    std::size_t put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now);
+    void fill_message(const Slot& slot, const N2KMsg& frame);
+
+    AssemblyCounters& counters_;
+    Slots slots_;
+    N2KMsg message_{};
+};
+
+}  // namespace vistel

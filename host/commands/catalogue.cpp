@@ -1,0 +1,198 @@
+#include "commands/catalogue.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "commands/unit_options.h"
+#include "output/sink.h"
+#include "pgn_vistel/catalogue.h"
+#include "pgn_vistel/pgn_db.h"
+
+using namespace pgn_vistel;
+
+namespace vistel {
+
+namespace {
+
+/// Cells of tab-separated text.
+class Table {
+  public:
+    Table(Sink& out, std::string_view header) : out_(out) {
+        out_.put(header);
+        out_.put('\n');
+    }
+
+    Table& text(std::string_view t) {
+        separate();
+        out_.put(t);
+        return *this;
+    }
+    /// Catalogue texts are Latin-1.
+    Table& latin1(const char* t) {
+        separate();
+        for (; *t != 0; ++t) {
+            const wchar_t c = static_cast<unsigned char>(*t);
+            out_.put(std::wstring_view(&c, 1));
+        }
+        return *this;
+    }
+    Table& number(std::int64_t n) {
+        separate();
+        out_.put_number(n);
+        return *this;
+    }
+    /// The part of a selector key, empty for none.
+    Table& selector(std::uint16_t half) {
+        if (half == no_selector) return text("");
+        return number(half);
+    }
+    Table& keys(SelectorKey key1, SelectorKey key2, SelectorKey key3) {
+        return selector(low_half(key1))
+            .selector(low_half(key2))
+            .selector(high_half(key2))
+            .selector(low_half(key3))
+            .selector(high_half(key3));
+    }
+    void end() {
+        out_.put('\n');
+        first_ = true;
+    }
+
+  private:
+    void separate() {
+        if (!first_) out_.put('\t');
+        first_ = false;
+    }
+
+    Sink& out_;
+    bool first_ = true;
+};
+
+void print_pgns(Sink& out) {
+    Table table(out,
+                "pgn\tname\tselector\tindustry_group\tmessage\tthird\tthird_value\tpdu1\tlisted\tpriority\t"
+                "single_frame");
+    for (const PgnDef& row : all_pgns())
+        table.number(row.pgn)
+            .latin1(row.name)
+            .keys(row.key1, row.key2, row.key3)
+            .number(row.flag_pdu1)
+            .number(row.flag_listed)
+            .number(row.priority)
+            .number(row.single_frame)
+            .end();
+}
+
+void print_fields(Sink& out) {
+    Table table(
+        out, "pgn\tfield\tlabel\tbytes\tbits\tdd\tdf\tselector\tindustry_group\tmessage\tthird\tthird_value");
+    for (const FieldDef& row : all_fields())
+        table.number(row.pgn)
+            .number(row.field)
+            .latin1(row.name)
+            .number(row.bytes)
+            .number(row.bits)
+            .number(row.dd->dd)
+            .number(row.dd->format->df)
+            .keys(row.key1, row.key2, row.key3)
+            .end();
+}
+
+void print_dictionary(Sink& out) {
+    Table table(out, "dd\tname\tdf\tbytes\tbits\tquantity");
+    for (const DDDef& row : all_dictionary_entries())
+        table.number(row.dd)
+            .latin1(row.name)
+            .number(row.format->df)
+            .number(row.bytes)
+            .number(row.bits)
+            .number(quantity_of_dd(static_cast<int>(row.dd)))
+            .end();
+}
+
+void print_enumerations(Sink& out) {
+    Table table(out, "dd\tkind\tvalue\ttext");
+    for (const DDstrings& set : all_enumerations())
+        for (std::uint32_t i = 0; i < set.count; ++i)
+            table.number(set.dd).number(set.kind).number(set.pairs[i].value).latin1(set.pairs[i].text).end();
+}
+
+void print_repeats(Sink& out) {
+    Table table(out, "pgn\tselector\tfirst\tlast");
+    for (const RepeatSetDef& row : all_repeat_sets())
+        table.number(row.pgn).number(row.selector).number(row.first).number(row.last).end();
+}
+
+void print_streams(Sink& out) {
+    Table table(out, "pgn\tkey\tbyte\tshift\twidth");
+    for (const StreamKeyDef& row : all_stream_keys())
+        for (int i = 0; i < 4; ++i)
+            if (row.position[i] != -1)
+                table.number(row.pgn)
+                    .number(i + 1)
+                    .number(row.position[i])
+                    .number(row.bits[i].shift)
+                    .number(row.bits[i].width)
+                    .end();
+}
+
+void print_formats(Sink& out) {
+    Table table(out, "df\tname\tquantity");
+    for (const DFDef& row : all_formats())
+        table.number(row.df).latin1(row.name).number(quantity_of_format(static_cast<DF>(row.df))).end();
+}
+
+void print_units(Sink& out) {
+    Table table(out, "unit\ttext");
+    for (UnitId u = 0; u < unit::count; ++u) table.number(u).text(unit_text(u)).end();
+}
+
+void print_quantities(Sink& out) {
+    Table table(out, "quantity\tname\tunits");
+    const auto rows = quantity_rows();
+    for (DispDataType q = 0; q < quantity::count; ++q) {
+        const auto row = std::ranges::find(rows, q, &QuantityRow::quantity);
+        std::string units;
+        for (const UnitId* u = available_units(q); *u < unit::count; ++u)
+            units += (units.empty() ? "" : ", ") + unit_text(*u);
+        table.number(q).text(row != rows.end() ? row->label : "").text(units).end();
+    }
+}
+
+struct NamedTable {
+    const char* name;
+    void (*print)(Sink&);
+};
+
+constexpr NamedTable tables[] = {
+    {"pgns", print_pgns},
+    {"fields", print_fields},
+    {"dictionary", print_dictionary},
+    {"enumerations", print_enumerations},
+    {"repeats", print_repeats},
+    {"streams", print_streams},
+    {"formats", print_formats},
+    {"units", print_units},
+    {"quantities", print_quantities},
+};
+
+}  // namespace
+
+std::vector<std::string> catalogue_tables() {
+    std::vector<std::string> names;
+    for (const NamedTable& table : tables) names.emplace_back(table.name);
+    return names;
+}
+
+int run_catalogue(const std::string& name) {
+    const auto table = std::ranges::find(tables, name, &NamedTable::name);
+    if (table == std::end(tables)) return 2;
+    const auto out = std::make_unique<Sink>(STDOUT_FILENO);
+    table->print(*out);
+    out->flush();
+    return 0;
+}
+
+}  // namespace vistel

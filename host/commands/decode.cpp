@@ -1,0 +1,178 @@
+#include "commands/decode.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include "assembly/assembler.h"
+#include "commands/interrupt.h"
+#include "commands/progress.h"
+#include "commands/statistics.h"
+#include "commands/unit_options.h"
+#include "output/writers.h"
+#include "readers/recording.h"
+
+namespace vistel {
+
+namespace {
+
+bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
+    return wanted.empty() || std::ranges::find(wanted, value) != wanted.end();
+}
+
+bool apply_units(QV_N2K_PGN_DB_c& db, const DecodeOptions& options) {
+    std::string wrong;
+    if (!options.unit_set.empty()) wrong = select_units(db, options.unit_set);
+    for (const std::string& unit : options.units)
+        if (wrong.empty()) wrong = select_unit(db, unit);
+    if (!wrong.empty()) std::fprintf(stderr, "vistel: %s\n", wrong.c_str());
+    return wrong.empty();
+}
+
+/// One run over a recording.
+class Decoding {
+  public:
+    explicit Decoding(const DecodeOptions& options)
+        : options_(options), name_(options.file == "-" ? "standard input" : options.file) {}
+
+    int run();
+
+  private:
+    std::unique_ptr<MessageWriter> make_writer();
+    void show(const N2KMsg& msg, const RecordTime& time);
+    /// False when the recording as a whole is meant: nothing more can come of it.
+    bool report_problem();
+    void report_losses() const;
+    void print_statistics() const;
+
+    const DecodeOptions& options_;
+    const std::string name_;
+    QV_N2K_PGN_DB_c db_;
+    Recording recording_;
+    Assembler assembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
+    Sink out_{STDOUT_FILENO};
+    std::unique_ptr<MessageWriter> writer_;
+    std::optional<Progress> progress_;
+    std::optional<RecordTime> start_;
+    UnknownPgns unknown_;
+    std::uint64_t shown_ = 0;
+    std::uint64_t problems_ = 0;
+};
+
+std::unique_ptr<MessageWriter> Decoding::make_writer() {
+    switch (options_.form) {
+        case DecodeOptions::Form::json: return make_json_writer(db_);
+        case DecodeOptions::Form::csv: return make_csv_writer(db_);
+        default: return make_text_writer(db_, options_.plain_numbers ? 2 : 0);
+    }
+}
+
+void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
+    if (!start_) start_ = time;
+    if (!allows(options_.pgns, msg.pgn) || !allows(options_.sources, msg.source)) return;
+    const std::int64_t since_start = std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
+    constexpr std::int64_t time_stamp_unit = 10'000'000;  // nanoseconds
+    N2KMsg& stamped = const_cast<N2KMsg&>(msg);
+    stamped.time_stamp = static_cast<std::uint32_t>(since_start / time_stamp_unit);
+    const pgn_vistel::PgnDef* const row = pgn_vistel::find_pgn_def(msg.pgn);
+    if (row == nullptr) unknown_.count(msg.pgn, msg.source);
+    ++shown_;
+    writer_->write(out_, {msg, row, since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds});
+}
+
+bool Decoding::report_problem() {
+    if (progress_) progress_->clear();
+    const Problem& problem = recording_.problem();
+    if (problem.line == 0) {
+        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), problem.text.c_str());
+        return false;
+    }
+    ++problems_;
+    std::fprintf(stderr, "%s:%" PRIu64 ": %s\n", name_.c_str(), problem.line, problem.text.c_str());
+    return true;
+}
+
+void Decoding::report_losses() const {
+    const AssemblyCounters& c = assembler_.counters();
+    if (problems_ > 0) std::fprintf(stderr, "vistel: %" PRIu64 " places could not be read\n", problems_);
+    if (const auto incomplete = c.incomplete_fast_packets + c.incomplete_transports; incomplete > 0)
+        std::fprintf(stderr, "vistel: %" PRIu64 " messages stayed incomplete\n", incomplete);
+    if (c.orphan_frames > 0)
+        std::fprintf(stderr, "vistel: %" PRIu64 " frames belong to no message\n", c.orphan_frames);
+}
+
+void Decoding::print_statistics() const {
+    const AssemblyCounters& c = assembler_.counters();
+    const auto line = [](const char* what, std::uint64_t count) {
+        std::fprintf(stderr, "%s: %" PRIu64 "\n", what, count);
+    };
+    std::fprintf(stderr, "format: %.*s\n", static_cast<int>(recording_.format_name().size()),
+                 recording_.format_name().data());
+    line("messages", c.messages);
+    line("shown", shown_);
+    line("frames", c.frames);
+    line("errors", problems_);
+    line("incomplete fast packets", c.incomplete_fast_packets);
+    line("incomplete transport sessions", c.incomplete_transports);
+    line("frames of no message", c.orphan_frames);
+    line("repeated frames", c.repeated_frames);
+    line("frames other than NMEA 2000", recording_.foreign_frames());
+    unknown_.print();
+}
+
+int Decoding::run() {
+    if (!apply_units(db_, options_)) return EXIT_FAILED;
+    RecordingOptions how;
+    how.format = options_.format;
+    if (!recording_.open(options_.file, how)) {
+        report_problem();
+        return EXIT_FAILED;
+    }
+    watch_interrupts();
+    progress_.emplace(recording_.bytes_total());
+    writer_ = make_writer();
+    writer_->begin(out_);
+
+    Record record;
+    bool more = true;
+    bool readable = true;
+    while (more && out_.is_open() && !interrupted()) {
+        if (recording_.would_wait()) out_.flush();
+        switch (recording_.next(record)) {
+            case ReadResult::record:
+                assembler_.put(record);
+                progress_->update(recording_.bytes_read());
+                break;
+            case ReadResult::problem: readable = report_problem() && readable; break;
+            case ReadResult::nothing: break;
+            case ReadResult::end: more = false; break;
+        }
+    }
+    assembler_.finish();
+    out_.flush();
+    progress_->clear();
+    if (!out_.is_open() && out_.error() != EPIPE) {
+        std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out_.error()));
+        return EXIT_FAILED;
+    }
+    report_losses();
+    if (options_.statistics) print_statistics();
+    if (!readable) return EXIT_FAILED;
+    const AssemblyCounters& c = assembler_.counters();
+    const bool lost = problems_ + c.incomplete_fast_packets + c.incomplete_transports + c.orphan_frames > 0;
+    return lost ? EXIT_SKIPPED : EXIT_CLEAN;
+}
+
+}  // namespace
+
+int run_decode(const DecodeOptions& options) {
+    return std::make_unique<Decoding>(options)->run();
+}
+
+}  // namespace vistel

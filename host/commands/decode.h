@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vistel {
+
+/// Exit statuses of the program.
+enum ExitStatus {
+    EXIT_CLEAN = 0,    ///< everything was read
+    EXIT_SKIPPED = 1,  ///< some of the input could not be read or put together
+    EXIT_FAILED = 2,   ///< bad usage, or a file that cannot be read or written
+};
+
+struct DecodeOptions {
+    enum class Form { text, json, csv };
+
+    std::string file = "-";
+    std::string format;  ///< name of the recording's format, empty to recognise it
+    Form form = Form::text;
+    std::vector<std::uint32_t> pgns;     ///< empty for all
+    std::vector<std::uint32_t> sources;  ///< empty for all
+    std::string unit_set;                ///< a named set of units, applied before single ones
+    std::vector<std::string> units;      ///< QUANTITY=UNIT
+    bool plain_numbers = false;          ///< without hexadecimal forms
+    bool statistics = false;
+};
+
+/// Decodes a recording or a live stream to standard output. Problems, progress and statistics go to standard
+/// error. Returns the exit status.
+int run_decode(const DecodeOptions& options);
+
+}  // namespace vistel

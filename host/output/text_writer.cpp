@@ -1,0 +1,35 @@
+#include "output/writers.h"
+#include "pgn_vistel/stream_lines.h"
+
+namespace vistel {
+
+namespace {
+
+class TextWriter : public MessageWriter {
+  public:
+    TextWriter(QV_N2K_PGN_DB_c& db, unsigned long flags) : db_(db), flags_(flags) {}
+
+    void write(Sink& out, const TimedMessage& message) override {
+        wchar_t line[pgn_vistel::line_size];
+        int length = pgn_vistel::print_stream_line(line, pgn_vistel::line_size, message.msg, message.pgn);
+        pgn_vistel::StreamLines lines(db_, message.pgn, message.msg, flags_);
+        std::string_view indent;
+        while (length >= 0) {
+            out.put_line(indent, std::wstring_view(line, static_cast<std::size_t>(length)));
+            indent = "    ";
+            length = lines.next(line, pgn_vistel::line_size);
+        }
+    }
+
+  private:
+    QV_N2K_PGN_DB_c& db_;
+    const unsigned long flags_;
+};
+
+}  // namespace
+
+std::unique_ptr<MessageWriter> make_text_writer(QV_N2K_PGN_DB_c& db, unsigned long flags) {
+    return std::make_unique<TextWriter>(db, flags);
+}
+
+}  // namespace vistel

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vistel {
+
+/// Bytes of a file, pipe or terminal through one buffer of fixed size.
+class ByteSource {
+  public:
+    enum class Fill {
+        data,    ///< there are new bytes
+        end,     ///< there will be no more
+        failed,  ///< there will be no more, for the reason in error()
+        idle,    ///< nothing came: not waited, waited long enough, or interrupted by a signal
+    };
+    enum class Wait { no, yes };
+
+    static constexpr std::size_t capacity = std::size_t{1} << 20;
+
+    ByteSource() = default;
+    ~ByteSource();
+    ByteSource(const ByteSource&) = delete;
+    ByteSource& operator=(const ByteSource&) = delete;
+
+    /// Opens a file, or standard input for "-". False with the reason in error().
+    bool open(const std::string& path);
+
+    /// Reads from an open descriptor, which is closed in the end unless it is standard input.
+    bool attach(int descriptor);
+
+    /// Longest wait of one fill() for a pipe or terminal, in milliseconds; negative for no limit.
+    void set_patience(int milliseconds) { patience_ = milliseconds; }
+
+    /// Bytes that are there and not consumed. Valid until the next fill().
+    std::string_view unread() const { return {buffer_.get() + begin_, end_ - begin_}; }
+    void consume(std::size_t size) { begin_ += size; }
+
+    /// Reads some more. The buffer must not be full.
+    Fill fill(Wait wait);
+
+    bool ended() const { return ended_; }
+    const std::string& error() const { return error_; }
+
+    /// Whether the bytes come from a file, which is there from the first to the last without waiting.
+    bool is_file() const { return is_file_; }
+
+    std::uint64_t consumed() const { return received_ - (end_ - begin_); }
+    std::uint64_t total() const { return total_; }  ///< 0 when unknown
+
+  private:
+    void fail(int code);
+
+    int descriptor_ = -1;
+    bool is_file_ = false;
+    bool ended_ = false;
+    int patience_ = -1;
+    std::uint64_t received_ = 0;
+    std::uint64_t total_ = 0;
+    std::string error_;
+    std::unique_ptr<char[]> buffer_;
+    std::size_t begin_ = 0;
+    std::size_t end_ = 0;
+};
+
+}  // namespace vistel

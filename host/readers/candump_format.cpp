@@ -1,0 +1,159 @@
+#include "readers/candump_format.h"
+
+#include <algorithm>
+
+#include "readers/can_identifier.h"
+#include "readers/scan.h"
+
+namespace vistel {
+namespace {
+
+/// A line taken apart: what identifies the frame, and the text of its data.
+struct Shape {
+    enum class Kind { none, spaced, packed, flexible_rate } kind = Kind::none;
+    std::string_view identifier;
+    std::string_view length;  ///< spaced alone
+    std::string_view data;
+};
+
+std::string_view last_word(std::string_view text) {
+    text = trim_blanks(text);
+    std::size_t start = text.size();
+    while (start > 0 && !is_blank(text[start - 1])) --start;
+    return text.substr(start);
+}
+
+/// `... IDENTIFIER  [8]  00 FC` or `<0xIDENTIFIER> [8] 00 fc`.
+bool take_spaced(std::string_view line, Shape& shape) {
+    for (std::size_t open = line.find('['); open != std::string_view::npos; open = line.find('[', open + 1)) {
+        std::size_t close = open + 1;
+        while (close < line.size() && is_digit(line[close])) ++close;
+        if (open == 0 || !is_blank(line[open - 1]) || close == open + 1 || close == line.size() ||
+            line[close] != ']') {
+            continue;
+        }
+        shape.identifier = last_word(line.substr(0, open));
+        if (shape.identifier.starts_with("<0x") && shape.identifier.ends_with('>')) {
+            shape.identifier = shape.identifier.substr(3, shape.identifier.size() - 4);
+        }
+        shape.length = line.substr(open + 1, close - open - 1);
+        shape.data = trim_blanks(line.substr(close + 1));
+        // A length of two digits is how flexible data rate frames of any size are printed.
+        shape.kind = shape.length.size() == 1 ? Shape::Kind::spaced : Shape::Kind::flexible_rate;
+        return true;
+    }
+    return false;
+}
+
+/// `... IDENTIFIER#00FC`, `##` for flexible data rate.
+void take_packed(std::string_view line, Shape& shape) {
+    const std::size_t hash = line.rfind('#');
+    if (hash == std::string_view::npos) return;
+    const bool flexible = hash > 0 && line[hash - 1] == '#';
+    shape.identifier = last_word(line.substr(0, flexible ? hash - 1 : hash));
+    shape.data = line.substr(hash + 1);
+    shape.kind = flexible ? Shape::Kind::flexible_rate : Shape::Kind::packed;
+}
+
+Shape shape_of(std::string_view line) {
+    Shape shape;
+    if (!take_spaced(line, shape)) take_packed(line, shape);
+    return shape;
+}
+
+enum class FrameType { nmea2000, foreign, bad };
+
+/// Three digits are an 11-bit identifier, eight one of 29 bits or, with bit 29, an error frame.
+FrameType read_frame_identifier(std::string_view text, std::uint32_t& identifier, Problem& problem) {
+    constexpr std::size_t short_digits = 3;
+    constexpr std::uint32_t error_flag = 0x20000000;
+    if (text.size() == short_digits && parse_hex(text, identifier)) return FrameType::foreign;
+    if (text.size() == 8 && parse_hex(text, identifier) && (identifier & ~max_identifier) == error_flag) {
+        return FrameType::foreign;
+    }
+    return read_identifier(text, identifier, problem) ? FrameType::nmea2000 : FrameType::bad;
+}
+
+LineResult read_spaced(const Shape& shape, N2KMsg& msg, Problem& problem) {
+    if (shape.data.starts_with("remote request")) return LineResult::foreign;
+    const std::string_view bytes = shape.data.substr(0, shape.data.find('\''));
+    if (!read_spaced_bytes(bytes, max_frame_bytes, msg, problem)) return LineResult::problem;
+    const auto announced = static_cast<unsigned>(shape.length[0] - '0');
+    if (announced > max_frame_bytes) {
+        describe(problem, "data length ", announced, " is above ", max_frame_bytes);
+        return LineResult::problem;
+    }
+    if (announced != msg.length) {
+        describe(problem, announced, " bytes announced, ", msg.length, " given");
+        return LineResult::problem;
+    }
+    return LineResult::record;
+}
+
+LineResult read_packed(const Shape& shape, N2KMsg& msg, Problem& problem) {
+    const std::size_t size = std::min(shape.data.find_first_of(" \t"), shape.data.size());
+    const std::string_view bytes = shape.data.substr(0, size);
+    const std::string_view direction = trim_blanks(shape.data.substr(size));
+    if (bytes.starts_with('R')) return LineResult::foreign;
+    if (!direction.empty() && direction != "R" && direction != "T") {
+        describe(problem, quoted(direction), " follows the data");
+        return LineResult::problem;
+    }
+    return read_packed_bytes(bytes, max_frame_bytes, msg, problem) ? LineResult::record : LineResult::problem;
+}
+
+}  // namespace
+
+bool CandumpFormat::resembles(std::string_view line) {
+    const Shape shape = shape_of(line);
+    std::uint32_t identifier = 0;
+    return shape.kind != Shape::Kind::none && shape.identifier.size() >= 3 &&
+           parse_hex(shape.identifier, identifier);
+}
+
+bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem& problem) {
+    time = {};
+    if (line[0] != '(') return true;
+    const std::size_t close = line.find(')');
+    if (close == std::string_view::npos) {
+        describe(problem, "the parenthesis of the time is not closed");
+        return false;
+    }
+    const std::string_view text = trim_blanks(line.substr(1, close - 1));
+    line.remove_prefix(close + 1);
+    if (text.find(':') == std::string_view::npos) {
+        if (parse_seconds(text, time)) return true;
+        describe(problem, "time ", quoted(text), " is not a number of seconds");
+        return false;
+    }
+    const char* why = "";
+    if (timestamps_.parse(text, time, why)) return true;
+    describe(problem, "time ", quoted(text), ": ", why);
+    return false;
+}
+
+LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {
+    if (line.starts_with("interface = ")) return LineResult::nothing;  // the heading of old versions
+    if (!take_time(line, record.time, problem)) return LineResult::problem;
+    const Shape shape = shape_of(line);
+    if (shape.kind == Shape::Kind::none) {
+        describe(problem, quoted(trim_blanks(line)), " has neither [length] nor # before its data");
+        return LineResult::problem;
+    }
+    if (shape.kind == Shape::Kind::flexible_rate) {
+        describe(problem, "a CAN FD frame cannot be NMEA 2000");
+        return LineResult::problem;
+    }
+    std::uint32_t identifier = 0;
+    switch (read_frame_identifier(shape.identifier, identifier, problem)) {
+        case FrameType::bad: return LineResult::problem;
+        case FrameType::foreign: return LineResult::foreign;
+        case FrameType::nmea2000: break;
+    }
+    record.kind = Record::Kind::frame;
+    set_header(record.msg, identifier);
+    return shape.kind == Shape::Kind::spaced ? read_spaced(shape, record.msg, problem)
+                                             : read_packed(shape, record.msg, problem);
+}
+
+}  // namespace vistel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "readers/line_format.h"
+#include "readers/timestamp.h"
+
+namespace vistel {
+
+/// CAN frames as printed by candump, each line by its own shape:
+///   (1502979132.106111)  can0  09F8027F   [8]  00 FC ...
+///   (1502979132.106111) can0 09F50374#000A00FF...
+///   <0x18eeff01> [8] 05 a0 ...
+/// The time in parentheses may be missing, or be date and time. What stands between it and the identifier,
+/// the interface and perhaps a direction, is ignored, and so is the text picture of the data behind it.
+///
+/// 11-bit frames, remote requests and the controller's error frames are on a bus for other reasons and are
+/// foreign. CAN FD frames, which cannot occur on an NMEA 2000 bus, are problems.
+class CandumpFormat final : public LineFormat {
+  public:
+    static bool resembles(std::string_view line);
+
+    LineResult read(std::string_view line, Record& record, Problem& problem) override;
+
+  private:
+    bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
+
+    TimestampParser timestamps_;
+};
+
+}  // namespace vistel

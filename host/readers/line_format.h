@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string_view>
+
+#include "readers/problem.h"
+#include "readers/record.h"
+
+namespace vistel {
+
+enum class LineResult {
+    record,
+    nothing,  ///< belongs to the format but holds no record
+    foreign,  ///< a frame that is not NMEA 2000
+    problem,
+};
+
+/// One text format. Lines come without their line end and without blanks around them, and are never empty.
+class LineFormat {
+  public:
+    virtual ~LineFormat() = default;
+
+    /// Fills `record`, or the text of `problem`. After anything but `record` its contents are unspecified.
+    virtual LineResult read(std::string_view line, Record& record, Problem& problem) = 0;
+
+    /// A line beginning with `#`, which is a comment in every format.
+    virtual void comment(std::string_view) {}
+
+    /// True as long as lines to come may change how the first ones are understood. Where the recording allows
+    /// it, its beginning is then shown to the format once before it is read.
+    virtual bool wants_look_ahead() const { return false; }
+};
+
+}  // namespace vistel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "readers/line_format.h"
+#include "readers/timestamp.h"
+
+namespace vistel {
+
+/// `timestamp,priority,pgn,source,destination,length,hh,hh,...`, header decimal, payload hexadecimal.
+///
+/// Lines hold whole messages or frames, which a single line does not tell. `# format=FAST` or a line with
+/// more bytes than a frame has means whole messages, from then on; until then every line is a frame.
+class PlainFormat final : public LineFormat {
+  public:
+    static bool resembles(std::string_view line);
+
+    LineResult read(std::string_view line, Record& record, Problem& problem) override;
+    void comment(std::string_view line) override;
+    bool wants_look_ahead() const override { return !whole_messages_; }
+
+  private:
+    bool whole_messages_ = false;
+    TimestampParser timestamps_;
+};
+
+}  // namespace vistel

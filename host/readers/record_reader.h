@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+
+#include "readers/problem.h"
+#include "readers/record.h"
+
+namespace vistel {
+
+enum class ReadResult {
+    record,
+    problem,  ///< something cannot be understood; reading goes on behind it
+    nothing,  ///< a piece without a record was passed, or the wait for input was cut short
+    end,
+};
+
+/// Takes records out of a byte source in one format.
+class RecordReader {
+  public:
+    virtual ~RecordReader() = default;
+
+    virtual ReadResult next(Record& record, Problem& problem) = 0;
+
+    /// Whether next() will have to wait for input.
+    virtual bool would_wait() = 0;
+
+    /// Frames passed over because they are not NMEA 2000.
+    virtual std::uint64_t foreign_frames() const = 0;
+};
+
+}  // namespace vistel

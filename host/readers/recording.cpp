@@ -1,0 +1,117 @@
+#include "readers/recording.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "readers/scan.h"
+
+namespace vistel {
+namespace {
+
+/// A recording that shows no format within its first bytes will not show one later.
+constexpr std::size_t most_head = 65536;
+static_assert(most_head <= ByteSource::capacity);
+
+bool only_blank_lines(std::string_view head) {
+    bool comment = false;
+    for (const char c : head) {
+        if (c == '\n') {
+            comment = false;
+        } else if (c == '#') {
+            comment = true;
+        } else if (!comment && !is_blank(c)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+bool Recording::open(const std::string& path, const RecordingOptions& options) {
+    return start(source_.open(path), options);
+}
+
+bool Recording::attach(int descriptor, const RecordingOptions& options) {
+    return start(source_.attach(descriptor), options);
+}
+
+bool Recording::start(bool opened, const RecordingOptions& options) {
+    if (!opened) {
+        describe(problem_, source_.error());
+        return false;
+    }
+    source_.set_patience(options.patience_ms);
+    if (options.format.empty()) return true;
+    const Format* format = find_format(options.format);
+    if (format == nullptr) {
+        describe(problem_, "unknown format ", quoted(options.format), "; known are ", format_names());
+        return false;
+    }
+    use(*format);
+    return true;
+}
+
+void Recording::use(const Format& format) {
+    format_ = &format;
+    reader_ = format.open(source_);
+}
+
+/// Reads the head of the recording until it shows its format.
+Recording::State Recording::prepare(ByteSource::Wait wait) {
+    for (;;) {
+        if (reader_) return State::ready;
+        const std::string_view head = source_.unread();
+        if (const Format* format = recognise_format(head, source_.ended())) {
+            use(*format);
+        } else if (source_.ended() || head.size() >= most_head) {
+            return State::unknown_format;
+        } else if (source_.fill(wait) == ByteSource::Fill::idle) {
+            return State::idle;
+        }
+    }
+}
+
+ReadResult Recording::give_up() {
+    const std::string_view head = source_.unread();
+    if (given_up_ || (source_.ended() && source_.error().empty() && only_blank_lines(head)))
+        return ReadResult::end;
+    given_up_ = true;
+    problem_.line = 0;
+    if (!source_.error().empty()) {
+        describe(problem_, "cannot read on: ", source_.error());
+    } else {
+        describe(problem_, "the format is none of ", format_names());
+    }
+    return ReadResult::problem;
+}
+
+ReadResult Recording::next(Record& record) {
+    switch (prepare(ByteSource::Wait::yes)) {
+        case State::idle: return ReadResult::nothing;
+        case State::unknown_format: return give_up();
+        case State::ready: break;
+    }
+    N2KMsg& msg = record.msg;
+    const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
+    const ReadResult result = reader_->next(record, problem_);
+    if (result == ReadResult::record) {
+        day_clock_.unroll(record.time);
+        if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
+    } else {
+        msg.length = 0;
+        std::memset(msg.data, 0, sizeof msg.data);
+    }
+    return result;
+}
+
+bool Recording::would_wait() {
+    switch (prepare(ByteSource::Wait::no)) {
+        case State::idle: return true;
+        case State::unknown_format: return false;
+        case State::ready: break;
+    }
+    return reader_->would_wait();
+}
+
+}  // namespace vistel

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "readers/byte_source.h"
+#include "readers/day_clock.h"
+#include "readers/formats.h"
+#include "readers/problem.h"
+#include "readers/record.h"
+#include "readers/record_reader.h"
+
+namespace vistel {
+
+struct RecordingOptions {
+    std::string format;    ///< name of a format; empty to tell it by the contents
+    int patience_ms = -1;  ///< longest wait of next() for a pipe or terminal; negative for no limit
+};
+
+/// A recording or a live source, from which records are taken one by one:
+///
+///     Recording recording;
+///     if (!recording.open(path)) ...                       // recording.problem().text
+///     for (Record record;;) {
+///         if (recording.would_wait()) flush_output();
+///         switch (recording.next(record)) { ... }
+///     }
+class Recording {
+  public:
+    Recording() = default;
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+
+    /// Opens a file, or standard input for "-". False with problem() set, its line 0. Once only.
+    bool open(const std::string& path, const RecordingOptions& options = {});
+
+    /// The same for a descriptor that is open already. It is closed with the recording.
+    bool attach(int descriptor, const RecordingOptions& options = {});
+
+    /// Takes the next record, or tells what came instead. A caller goes on after `problem` (problem() then
+    /// tells it) and `nothing`, which also stands for a wait that the patience or a signal cut short.
+    /// `record` is fresh or as the last call left it: behind its length the payload must be 0, and is so
+    /// again.
+    ReadResult next(Record& record);
+
+    /// The last problem met.
+    const Problem& problem() const { return problem_; }
+
+    /// Whether next() will have to wait for input, so that it is time to show what there is.
+    bool would_wait();
+
+    /// Name of the format; empty as long as it is not known.
+    std::string_view format_name() const { return format_ != nullptr ? format_->name : std::string_view{}; }
+
+    std::uint64_t bytes_read() const { return source_.consumed(); }
+    std::uint64_t bytes_total() const { return source_.total(); }  ///< 0 when unknown
+
+    /// Frames passed over because they are not NMEA 2000.
+    std::uint64_t foreign_frames() const { return reader_ ? reader_->foreign_frames() : 0; }
+
+  private:
+    enum class State { ready, unknown_format, idle };
+
+    bool start(bool opened, const RecordingOptions& options);
+    State prepare(ByteSource::Wait wait);
+    void use(const Format& format);
+    ReadResult give_up();
+
+    ByteSource source_;
+    const Format* format_ = nullptr;
+    std::unique_ptr<RecordReader> reader_;
+    DayClock day_clock_;
+    Problem problem_;
+    bool given_up_ = false;
+};
+
+}  // namespace vistel

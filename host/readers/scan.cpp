@@ -1,0 +1,91 @@
+#include "readers/scan.h"
+
+#include "readers/can_identifier.h"
+
+namespace vistel {
+
+bool parse_hex(std::string_view text, std::uint32_t& value) {
+    if (text.empty() || text.size() > 8) return false;
+    std::uint32_t result = 0;
+    for (const char c : text) {
+        const std::uint8_t digit = hex_digit(c);
+        if (digit == not_hex) return false;
+        result = result << 4 | digit;
+    }
+    value = result;
+    return true;
+}
+
+std::string_view take_word(std::string_view& text) {
+    text = trim_blanks(text);
+    std::size_t size = 0;
+    while (size < text.size() && !is_blank(text[size])) ++size;
+    const std::string_view word = text.substr(0, size);
+    text = trim_blanks(text.substr(size));
+    return word;
+}
+
+bool read_spaced_bytes(std::string_view text, unsigned most, N2KMsg& msg, Problem& problem) {
+    unsigned count = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        if (is_blank(text[at])) {
+            ++at;
+            continue;
+        }
+        std::size_t end = at;
+        while (end < text.size() && !is_blank(text[end])) ++end;
+        std::uint32_t value = 0;
+        if (end - at != 2 || !parse_hex(text.substr(at, 2), value)) {
+            describe_bad_byte(problem, count + 1, text.substr(at, end - at));
+            return false;
+        }
+        if (count == most) {
+            describe(problem, "more than ", most, " bytes given");
+            return false;
+        }
+        msg.data[count++] = static_cast<std::uint8_t>(value);
+        at = end;
+    }
+    msg.length = static_cast<std::uint16_t>(count);
+    return true;
+}
+
+bool read_packed_bytes(std::string_view text, unsigned most, N2KMsg& msg, Problem& problem) {
+    const std::size_t count = text.size() / 2;
+    if (count > most) {
+        describe(problem, count, " bytes given, at most ", most, " are possible");
+        return false;
+    }
+    unsigned bad = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned high = hex_digit(text[2 * i]), low = hex_digit(text[2 * i + 1]);
+        bad |= high | low;
+        msg.data[i] = static_cast<std::uint8_t>(high << 4 | low);
+    }
+    if (bad > 15 || text.size() % 2 != 0) {
+        std::size_t i = 0;
+        while (i < count && (hex_digit(text[2 * i]) | hex_digit(text[2 * i + 1])) <= 15) ++i;
+        describe_bad_byte(problem, static_cast<unsigned>(i) + 1, text.substr(2 * i, 2));
+        return false;
+    }
+    msg.length = static_cast<std::uint16_t>(count);
+    return true;
+}
+
+void describe_bad_byte(Problem& problem, unsigned number, std::string_view text) {
+    describe(problem, "byte ", number, " ", quoted(text), " is not hexadecimal");
+}
+
+bool read_identifier(std::string_view text, std::uint32_t& identifier, Problem& problem) {
+    if (text.size() != 8 || !parse_hex(text, identifier)) {
+        describe(problem, "identifier ", quoted(text), " is not 8 hexadecimal digits");
+        return false;
+    }
+    if (identifier > max_identifier) {
+        describe(problem, "identifier ", quoted(text), " has more than 29 bits");
+        return false;
+    }
+    return true;
+}
+
+}  // namespace vistel

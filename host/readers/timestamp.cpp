@@ -1,0 +1,161 @@
+#include "readers/timestamp.h"
+
+#include <chrono>
+#include <cstring>
+
+#include "readers/scan.h"
+
+namespace vistel {
+namespace {
+
+constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t minute = 60 * second;
+constexpr std::int64_t hour = 60 * minute;
+constexpr std::int64_t day = 24 * hour;
+
+constexpr unsigned not_a_number = 1000;
+
+/// Two decimal digits, or `not_a_number`.
+unsigned two_digits(const char* p) {
+    return is_digit(p[0]) && is_digit(p[1]) ? static_cast<unsigned>((p[0] - '0') * 10 + (p[1] - '0'))
+                                            : not_a_number;
+}
+
+/// Cuts the decimals, without their point, off `text`.
+bool take_fraction(std::string_view& text, std::int64_t& nanoseconds) {
+    constexpr std::size_t most = 9;
+    constexpr std::int64_t weight[most + 1] = {0,      100'000'000, 10'000'000, 1'000'000, 100'000,
+                                               10'000, 1'000,       100,        10,        1};
+    std::size_t size = 0;
+    std::int64_t value = 0;
+    while (size < text.size() && size < most && is_digit(text[size])) {
+        value = value * 10 + (text[size++] - '0');
+    }
+    nanoseconds = value * weight[size];
+    text.remove_prefix(size);
+    return size > 0;
+}
+
+/// Z, +hh, +hhmm or +hh:mm.
+bool parse_zone(std::string_view text, std::int64_t& offset) {
+    offset = 0;
+    if (text == "Z" || text == "z") return true;
+    if (text.size() < 3 || (text[0] != '+' && text[0] != '-')) return false;
+    const unsigned hours = two_digits(text.data() + 1);
+    unsigned minutes = 0;
+    if (text.size() == 5) {
+        minutes = two_digits(text.data() + 3);
+    } else if (text.size() == 6 && text[3] == ':') {
+        minutes = two_digits(text.data() + 4);
+    } else if (text.size() != 3) {
+        return false;
+    }
+    if (hours > 23 || minutes > 59) return false;
+    offset = hours * hour + minutes * minute;
+    if (text[0] == '-') offset = -offset;
+    return true;
+}
+
+/// `hh:mm:ss`, decimals and zone, as nanoseconds since the midnight that they are counted from, in UTC.
+/// Second 60 is a leap second, which counts as the next one.
+bool parse_time_of_day(std::string_view text, std::int64_t& nanoseconds, const char*& why) {
+    why = "it is not hh:mm:ss";
+    if (text.size() < 8 || text[2] != ':' || text[5] != ':') return false;
+    const unsigned hours = two_digits(text.data());
+    const unsigned minutes = two_digits(text.data() + 3);
+    const unsigned seconds = two_digits(text.data() + 6);
+    if (hours > 23 || minutes > 59 || seconds > 60) {
+        if (hours < 100 && minutes < 100 && seconds < 100) why = "there is no such time of day";
+        return false;
+    }
+    nanoseconds = hours * hour + minutes * minute + seconds * second;
+    text.remove_prefix(8);
+    if (!text.empty() && text[0] == '.') {
+        text.remove_prefix(1);
+        std::int64_t fraction = 0;
+        if (!take_fraction(text, fraction)) {
+            why = "the decimals are missing";
+            return false;
+        }
+        if (!text.empty() && is_digit(text[0])) {
+            why = "it has more than 9 decimals";
+            return false;
+        }
+        nanoseconds += fraction;
+    }
+    if (text.empty()) return true;
+    std::int64_t offset = 0;
+    if (!parse_zone(text, offset)) {
+        why = "its end is neither Z nor an offset such as +02:00";
+        return false;
+    }
+    nanoseconds -= offset;
+    return true;
+}
+
+}  // namespace
+
+bool TimestampParser::parse_date(std::string_view date, const char*& why) {
+    const unsigned century = two_digits(date.data()), year_of_century = two_digits(date.data() + 2);
+    const unsigned month = two_digits(date.data() + 5), day_of_month = two_digits(date.data() + 8);
+    if (century > 99 || year_of_century > 99 || month > 99 || day_of_month > 99) {
+        why = "it is not yyyy-mm-dd";
+        return false;
+    }
+    const int year = static_cast<int>(century * 100 + year_of_century);
+    const auto calendar_day =
+        std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day_of_month);
+    if (!calendar_day.ok()) {
+        why = "there is no such date";
+        return false;
+    }
+    if (year < 1970 || year > 2261) {
+        why = "its year is outside 1970..2261";
+        return false;
+    }
+    midnight_ = std::chrono::sys_days(calendar_day).time_since_epoch().count() * day;
+    std::memcpy(date_, date.data(), date_size);
+    return true;
+}
+
+bool TimestampParser::parse(std::string_view text, RecordTime& time, const char*& why) {
+    if (text.size() > 2 && text[2] == ':') {
+        if (!parse_time_of_day(text, time.nanoseconds, why)) return false;
+        time.nanoseconds = (time.nanoseconds + day) % day;
+        time.origin = RecordTime::Origin::day;
+        return true;
+    }
+    why = "it is neither date and time nor time of day";
+    if (text.size() < date_size + 1 || text[4] != '-' || text[7] != '-') return false;
+    const char separator = text[date_size];
+    if (separator != 'T' && separator != '-' && separator != 'Z' && separator != ' ') return false;
+    if (std::memcmp(text.data(), date_, date_size) != 0 && !parse_date(text, why)) return false;
+    if (!parse_time_of_day(text.substr(date_size + 1), time.nanoseconds, why)) return false;
+    time.nanoseconds += midnight_;
+    time.origin = RecordTime::Origin::epoch;
+    return true;
+}
+
+bool parse_seconds(std::string_view text, RecordTime& time) {
+    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
+    constexpr std::int64_t last = 9'214'646'399;          // end of 2261, as for dates
+    std::int64_t seconds = 0;
+    std::size_t size = 0;
+    for (; size < text.size() && is_digit(text[size]); ++size) {
+        seconds = seconds * 10 + (text[size] - '0');
+        if (seconds > last) return false;
+    }
+    if (size == 0) return false;
+    text.remove_prefix(size);
+    std::int64_t fraction = 0;
+    if (!text.empty()) {
+        if (text[0] != '.') return false;
+        text.remove_prefix(1);
+        if (!take_fraction(text, fraction) || !text.empty()) return false;
+    }
+    time.nanoseconds = seconds * second + fraction;
+    time.origin = seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+    return true;
+}
+
+}  // namespace vistel

@@ -1,0 +1,34 @@
+#include "readers/yacht_devices_format.h"
+
+#include "readers/can_identifier.h"
+#include "readers/scan.h"
+
+namespace vistel {
+
+bool YachtDevicesFormat::resembles(std::string_view line) {
+    const std::string_view time = take_word(line);
+    const std::string_view direction = take_word(line);
+    return time.size() >= 8 && time[2] == ':' && time[5] == ':' && (direction == "R" || direction == "T");
+}
+
+LineResult YachtDevicesFormat::read(std::string_view line, Record& record, Problem& problem) {
+    const std::string_view time = take_word(line);
+    const char* why = "";
+    if (!timestamps_.parse(time, record.time, why)) {
+        describe(problem, "time ", quoted(time), ": ", why);
+        return LineResult::problem;
+    }
+    const std::string_view direction = take_word(line);
+    if (direction != "R" && direction != "T") {
+        describe(problem, "direction ", quoted(direction), " is neither R nor T");
+        return LineResult::problem;
+    }
+    std::uint32_t identifier = 0;
+    if (!read_identifier(take_word(line), identifier, problem)) return LineResult::problem;
+    record.kind = Record::Kind::frame;
+    set_header(record.msg, identifier);
+    return read_spaced_bytes(line, max_frame_bytes, record.msg, problem) ? LineResult::record
+                                                                         : LineResult::problem;
+}
+
+}  // namespace vistel
