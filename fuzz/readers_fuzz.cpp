@@ -1,0 +1,107 @@
+// Bytes as a recording, read to the end and put together to messages. The first byte chooses the format: 0
+// has it recognised, 1.. are the known ones in their order, the next value takes the bytes as bare frames,
+// which reach the assembler's corners sooner. Its highest bit has them come by a pipe.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include <string_view>
+
+#include "assembly/assembler.h"
+#include "readers/can_identifier.h"
+#include "readers/recording.h"
+
+namespace {
+
+using namespace vistel;
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void check(const N2KMsg& msg) {
+    require(msg.length <= N2K_MAX_PAYLOAD && msg.priority <= 7 && msg.pgn <= max_pgn);
+    for (std::size_t i = msg.length; i < sizeof msg.data; ++i) require(msg.data[i] == 0);
+}
+
+int file_of(std::span<const std::uint8_t> bytes) {
+    const int descriptor = ::memfd_create("recording", 0);
+    require(::write(descriptor, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
+    ::lseek(descriptor, 0, SEEK_SET);
+    return descriptor;
+}
+
+int pipe_of(std::span<const std::uint8_t> bytes) {
+    int ends[2];
+    require(::pipe(ends) == 0);
+    require(::write(ends[1], bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
+    ::close(ends[1]);
+    return ends[0];
+}
+
+void read_recording(std::span<const std::uint8_t> bytes, std::string_view format, bool by_pipe) {
+    constexpr std::size_t pipe_holds = 65536;
+    Recording recording;
+    const int descriptor = by_pipe && bytes.size() <= pipe_holds ? pipe_of(bytes) : file_of(bytes);
+    require(recording.attach(descriptor, {.format = std::string(format), .patience_ms = -1}));
+    Assembler assembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
+    Record record;
+    std::uint64_t last_line = 0;
+    // Every call takes a line or ends, and what is there never makes one wait.
+    for (std::size_t calls = 0; calls < bytes.size() + 3; ++calls) {
+        require(!recording.would_wait());
+        switch (recording.next(record)) {
+            case ReadResult::record:
+                check(record.msg);
+                assembler.put(record);
+                break;
+            case ReadResult::problem:
+                require(recording.problem().line >= last_line && !recording.problem().text.empty() &&
+                        recording.problem().text.size() < 200);
+                last_line = recording.problem().line;
+                break;
+            case ReadResult::nothing: break;
+            case ReadResult::end: assembler.finish(); return;
+        }
+    }
+    std::abort();
+}
+
+/// 16 bytes each: identifier (4), length, time origin, time step in milliseconds (2, signed), data (8).
+void put_frames(std::span<const std::uint8_t> bytes) {
+    Assembler assembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
+    std::int64_t milliseconds = 0;
+    for (; bytes.size() >= 16; bytes = bytes.subspan(16)) {
+        std::uint32_t identifier = 0;
+        std::int16_t step = 0;
+        std::memcpy(&identifier, bytes.data(), 4);
+        std::memcpy(&step, bytes.data() + 6, 2);
+        Record record;
+        record.kind = Record::Kind::frame;
+        set_header(record.msg, identifier & max_identifier);
+        record.msg.length = bytes[4] % 9;
+        std::memcpy(record.msg.data, bytes.data() + 8, record.msg.length);
+        record.time = {(milliseconds += step) * 1'000'000, static_cast<RecordTime::Origin>(bytes[5] % 4)};
+        assembler.put(record);
+    }
+    assembler.finish();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    const std::span<const std::uint8_t> bytes(data + 1, size - 1);
+    const auto formats = vistel::all_formats();
+    const std::size_t choice = (data[0] & 0x7F) % (formats.size() + 2);
+    if (choice == formats.size() + 1) {
+        put_frames(bytes);
+    } else {
+        read_recording(bytes, choice == 0 ? std::string_view{} : formats[choice - 1].name,
+                       (data[0] & 0x80) != 0);
+    }
+    return 0;
+}
