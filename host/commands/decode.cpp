@@ -122,7 +122,7 @@ void Decoding::print_statistics() const {
     line("incomplete transport sessions", c.incomplete_transports);
     line("frames of no message", c.orphan_frames);
     line("repeated frames", c.repeated_frames);
-    line("frames other than NMEA 2000", recording_.foreign_frames());
+    line("other than NMEA 2000", recording_.foreign_frames());
     unknown_.print();
 }
 

@@ -10,7 +10,7 @@ namespace vistel {
 enum class LineResult {
     record,
     nothing,  ///< belongs to the format but holds no record
-    foreign,  ///< a frame that is not NMEA 2000
+    foreign,  ///< not NMEA 2000: another kind of frame, or a message of the gateway itself
     problem,
 };
 

@@ -103,8 +103,10 @@ LineResult PlainFormat::read(std::string_view line, Record& record, Problem& pro
         return LineResult::problem;
     }
 
+    // Gateways log what they say of themselves under numbers above those of any PGN.
+    constexpr std::uint32_t max_gateway_number = max_pgn + 256;
     static constexpr HeaderField fields[] = {{"priority", 7},
-                                             {"PGN", max_pgn},
+                                             {"PGN", max_gateway_number},
                                              {"source", 255},
                                              {"destination", 255},
                                              {"length", N2K_MAX_PAYLOAD}};
@@ -120,6 +122,7 @@ LineResult PlainFormat::read(std::string_view line, Record& record, Problem& pro
     msg.pgn = header[1];
     msg.source = static_cast<std::uint8_t>(header[2]);
     msg.destination = static_cast<std::uint8_t>(header[3]);
+    if (msg.pgn > max_pgn) return LineResult::foreign;
     const std::string_view payload(p, static_cast<std::size_t>(end - p));
     if (!read_payload(payload, header[4], msg, problem)) return LineResult::problem;
 

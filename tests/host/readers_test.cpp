@@ -3,9 +3,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -140,8 +142,8 @@ TEST(Readers, ReadEachShapeOfLine) {
         {"plain", ",6,65301,255,0,0", "F 6 65301 255 0 "},
         {"plain", ",6,65301,255,0,0,", "F 6 65301 255 0 "},
         {"plain", ",8,127250,7,255,1,ff", "1: priority 8 is above 7"},
-        {"plain", ",2,262144,7,255,1,ff", "1: PGN 262144 is above 262143"},
-        {"plain", ",2,99999999999999999999,7,255,1,ff", "1: PGN 99999999999999999999 is above 262143"},
+        {"plain", ",2,262400,7,255,1,ff", "1: PGN 262400 is above 262399"},
+        {"plain", ",2,99999999999999999999,7,255,1,ff", "1: PGN 99999999999999999999 is above 262399"},
         {"plain", ",2,127250,256,255,1,ff", "1: source 256 is above 255"},
         {"plain", ",2,127250,7,256,1,ff", "1: destination 256 is above 255"},
         {"plain", ",2,127250,7,255,1786" + most + ",5a", "1: length 1786 is above 1785"},
@@ -164,6 +166,7 @@ TEST(Readers, ReadEachShapeOfLine) {
         {"candump", "<0x18eeff01> [3] 05 a0 be", "F 6 60928 1 255 05a0be"},
         {"candump", "(0.000001) can0 19F50374#000A", "F 6 128259 116 255 000a"},
         {"candump", "can0 19F50374#0001020304050607", "F 6 128259 116 255 0001020304050607"},
+        {"candump", "can0 19F0127F#", "F 6 126994 127 255 "},
         {"candump", "can0 1FFFFFFF#", "F 7 262143 255 255 "},
         {"candump", "can0 19F50374#000a R", "F 6 128259 116 255 000a"},
         {"candump", "interface = can0, family = 29, type = 3, proto = 1", ""},
@@ -476,7 +479,8 @@ TEST(Readers, ReadMoreThanTheirBufferHolds) {
         const Contents contents = read(text, "");
         ASSERT_EQ(contents.shown, expected);
         for (const Record& record : contents.records) {
-            for (int i = record.msg.length; i < 1786; ++i) ASSERT_EQ(record.msg.data[i], 0);
+            ASSERT_TRUE(std::all_of(record.msg.data + record.msg.length, std::end(record.msg.data),
+                                    [](std::uint8_t byte) { return byte == 0; }));
         }
     }
 }
@@ -485,6 +489,9 @@ TEST(Readers, CountForeignFrames) {
     const Contents contents = read_file("can0 123#00\ncan0 20000004#00\ncan0 18EAFF01#R\ncan0 18EAFF01#00\n");
     EXPECT_EQ(contents.foreign, 3u);
     EXPECT_EQ(contents.records.size(), 1u);
+    const Contents gateway = read_file(",0,262386,0,0,2,01,0e\n,2,127250,7,255,1,ff\n");
+    EXPECT_EQ(gateway.foreign, 1u);
+    EXPECT_EQ(gateway.records.size(), 1u);
 }
 
 TEST(Readers, TellWhenTheyWouldWait) {
