@@ -5,6 +5,8 @@
 namespace pgn_vistel::test {
 namespace {
 
+using Db = QV_N2K_PGN_DB_c;
+
 TEST(Pgns, LookupMeetsTheSameVariantAsEver) {
     const std::pair<std::uint32_t, const char*> variants[] = {
         {60416, "ISO Transport Protocol, Connection Management - RTS group function"},
@@ -45,36 +47,33 @@ TEST(Pgns, ClosingRowAndFormatFlag) {
 }
 
 TEST(Pgns, DisplayNames) {
+    // clang-format off
     const std::pair<std::uint32_t, const wchar_t*> names[] = {
-        {126464, L"PGN List"},
-        {61184, L"Single-Frame Proprietary"},
-        {126208, L"NMEA Group Function"},
-        {126720, L"Fast-Package Proprietary"},
-        {65300, L"Carling Flash Table Configuration Response"},
-        {59904, L"ISO Request"}};
+        {126464, L"PGN List"}, {61184, L"Single-Frame Proprietary"}, {126208, L"NMEA Group Function"},
+        {126720, L"Fast-Package Proprietary"}, {65300, L"Carling Flash Table Configuration Response"},
+        {59904, L"ISO Request"},
+    };
+    // clang-format on
     for (const auto& [pgn, name] : names) {
         EXPECT_STREQ(pgn_def_name(find_pgn_def(pgn)), name);
-        EXPECT_EQ(printed([number = pgn](wchar_t* b, int n) {
-                      return QV_N2K_PGN_DB_c::print_pgn_name(b, n, number);
-                  }),
+        EXPECT_EQ(printed([number = pgn](wchar_t* b, int n) { return Db::print_pgn_name(b, n, number); }),
                   name);
     }
     EXPECT_STREQ(pgn_def_name(nullptr), L"Unknown");
     for (int size = 1; size <= 14; ++size) {
         const auto expected = static_cast<std::size_t>(std::min(size - 1, 11));
-        EXPECT_EQ(
-            printed([](wchar_t* b, int n) { return QV_N2K_PGN_DB_c::print_pgn_name(b, n, 59904); }, size),
-            std::wstring(L"ISO Request").substr(0, expected));
+        EXPECT_EQ(printed([](wchar_t* b, int n) { return Db::print_pgn_name(b, n, 59904); }, size),
+                  std::wstring(L"ISO Request").substr(0, expected));
         char narrow[16] = "???????????????";
-        EXPECT_EQ(QV_N2K_PGN_DB_c::print_pgn_name(narrow, size, 59904), static_cast<int>(expected));
+        EXPECT_EQ(Db::print_pgn_name(narrow, size, 59904), static_cast<int>(expected));
         EXPECT_EQ(narrow, std::string("ISO Request").substr(0, expected));
         EXPECT_EQ(narrow[expected + 1], '?');
     }
     wchar_t buf[16];
-    EXPECT_EQ(QV_N2K_PGN_DB_c::print_pgn_name(buf, 0, 59904), -1);
-    EXPECT_EQ(QV_N2K_PGN_DB_c::print_pgn_name(buf, 16, 25), -1);
-    EXPECT_EQ(QV_N2K_PGN_DB_c::print_pgn_name(static_cast<wchar_t*>(nullptr), 16, 59904), -1);
-    EXPECT_EQ(QV_N2K_PGN_DB_c::print_pgn_name(static_cast<char*>(nullptr), 16, 59904), -1);
+    EXPECT_EQ(Db::print_pgn_name(buf, 0, 59904), -1);
+    EXPECT_EQ(Db::print_pgn_name(buf, 16, 25), -1);
+    EXPECT_EQ(Db::print_pgn_name(static_cast<wchar_t*>(nullptr), 16, 59904), -1);
+    EXPECT_EQ(Db::print_pgn_name(static_cast<char*>(nullptr), 16, 59904), -1);
 }
 
 }  // namespace

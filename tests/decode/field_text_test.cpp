@@ -93,7 +93,8 @@ TEST(FieldText, Quantities) {
     const Shown cases[] = {
         // time of day
         {0, 21, single(47109), clock_12, L" 1:05:09 PM "}, {0, 21, single(47109), clock_24, L"13:05:09 "},
-        {0, 21, single(0), clock_12, L"12:00:00 AM "}, {0, 21, whole(CV_U32, 3661), clock_24, L" 1:01:01 "},
+        {0, 21, single(0), clock_12, L"12:00:00 AM "}, {0, 21, single(43200), clock_12, L"12:00:00 PM "},
+        {0, 21, whole(CV_U32, 3661), clock_24, L" 1:01:01 "},
         {0, 21, single(1080000), clock_24, L"44:00:00 "}, {0, 21, single(47109), seconds, L"47109 Sec"},
         {0, 21, wide(L"text"), clock_24, L"text "}, {0, 21, single(NAN), clock_24, L"- "},
         {0, 21, none, -1, L"- "}, {0, 21, whole(CV_U32, 0xFFFFFFFF), clock_12, L"- "},
