@@ -1,0 +1,74 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+
+#include "pgn_vistel/catalogue.h"
+#include "pgn_vistel/n2k_msg.h"
+
+namespace pgn_vistel {
+
+/// One stream of messages and its line in each of the trees.
+struct StreamEntry {
+    void* toolkit_line = nullptr;
+    void* native_line = nullptr;
+    std::uint32_t pgn = 0;
+    std::uint8_t source = 0;
+    std::array<std::uint8_t, 4> keys{};
+};
+
+/// What tells the streams apart.
+struct StreamKey {
+    explicit StreamKey(const N2KMsg& msg) : pgn(msg.pgn), source(msg.source) {
+        keyed = extract_stream_keys(pgn, msg.data, &keys[0], &keys[1], &keys[2], &keys[3]) != 0;
+    }
+
+    /// A key of 255 in the message matches every stored one; a stored 255 matches nothing else.
+    bool matches(const StreamEntry& entry) const {
+        if (entry.pgn != pgn || entry.source != source) return false;
+        for (std::size_t i = 0; keyed && i < keys.size(); ++i)
+            if (keys[i] != absent && keys[i] != entry.keys[i]) return false;
+        return true;
+    }
+
+    static constexpr std::uint8_t absent = 255;
+    std::uint32_t pgn;
+    std::uint8_t source;
+    std::array<std::uint8_t, 4> keys{absent, absent, absent, absent};
+    bool keyed;
+};
+
+/// The streams in the order in which they were first seen. The capacity never changes; it is 0 where there
+/// was no memory for the table.
+class StreamTable {
+  public:
+    explicit StreamTable(std::size_t capacity)
+        : entries_(new (std::nothrow) StreamEntry[capacity]), capacity_(entries_ != nullptr ? capacity : 0) {}
+
+    StreamEntry* find(const StreamKey& key) {
+        for (std::size_t i = 0; i < count_; ++i)
+            if (key.matches(entries_[i])) return &entries_[i];
+        return nullptr;
+    }
+    /// Null when the table is full.
+    StreamEntry* add(const StreamKey& key) {
+        if (count_ == capacity_) return nullptr;
+        StreamEntry& entry = entries_[count_++];
+        entry = {nullptr, nullptr, key.pgn, key.source, key.keys};
+        return &entry;
+    }
+    void clear() { count_ = 0; }
+
+    StreamEntry* begin() { return entries_.get(); }
+    StreamEntry* end() { return entries_.get() + count_; }
+
+  private:
+    std::unique_ptr<StreamEntry[]> entries_;
+    std::size_t capacity_;
+    std::size_t count_ = 0;
+};
+
+}  // namespace pgn_vistel

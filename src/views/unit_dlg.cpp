@@ -1,0 +1,187 @@
+#include "pgn_vistel/unit_dlg.h"
+
+#include <wx/combobox.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+
+#include "pgn_vistel/units.h"
+#include "platform/platform.h"
+
+using namespace pgn_vistel;
+
+struct UnitDlgState {
+    QV_N2K_PGN_DB_c* db = nullptr;
+    unsigned long flags = 0;
+    void (*apply_callback)() = nullptr;
+};
+
+namespace {
+
+constexpr const char* default_title = "Unit Selection";
+constexpr long default_style = wxDEFAULT_DIALOG_STYLE | wxSTAY_ON_TOP;
+constexpr std::size_t choice_slots = quantity::count;
+constexpr int choice_id = 48;  // of every row
+
+/// The unit at a position of a quantity's list, or -1 beyond its end.
+UnitId unit_at(DispDataType quantity, int position) {
+    const UnitId* const units = available_units(quantity);
+    for (int i = 0; units[i] < unit::count; ++i)
+        if (i == position) return units[i];
+    return -1;
+}
+
+}  // namespace
+
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c() {
+    init();
+}
+
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id,
+                                         const wxString& title, const wxPoint& pos, const wxSize& size,
+                                         long style, unsigned long flags) {
+    init();
+    Create(parent, db, pCreated, id, title, pos, size, style, flags);
+}
+
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int id, const wxString& title,
+                                         const wxPoint& pos, const wxSize& size, long style,
+                                         unsigned long flags)
+    : PGN_VistelUnitDlg_c(parent, db, nullptr, id, title, pos, size, style, flags) {}
+
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated,
+                                         unsigned long flags) {
+    init();
+    Create(parent, db, pCreated, flags);
+}
+
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags)
+    : PGN_VistelUnitDlg_c(parent, db, nullptr, flags) {}
+
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
+    if (parent == nullptr) return;
+    init();
+    Create(parent, db, flags);
+}
+
+PGN_VistelUnitDlg_c::~PGN_VistelUnitDlg_c() {
+    if (created_ != nullptr) *created_ = 0;
+    for (std::size_t i = 0; choices_ != nullptr && i < choice_slots; ++i) delete choices_[i];
+    delete[] choices_;
+    delete state_;
+}
+
+void PGN_VistelUnitDlg_c::init() {
+    state_ = new UnitDlgState;
+    created_ = nullptr;
+}
+
+void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id,
+                                 const wxString& title, const wxPoint& pos, const wxSize& size, long style,
+                                 unsigned long flags) {
+    state_->flags = flags;
+    state_->db = db != nullptr ? db : &qv_n2k_pgn_db;
+    created_ = pCreated;
+    wxDialog::Create(parent, id, title, pos, size, style);
+
+    choices_ = new wxComboBox* [choice_slots] {};
+    auto* const grid = new wxFlexGridSizer(static_cast<int>(choice_slots), 2, 2, 5);
+    std::size_t slot = 0;
+    for (const QuantityRow& row : quantity_rows()) {
+        grid->Add(new wxStaticText(this, wxID_ANY, row.label), 0, wxALIGN_CENTER_VERTICAL | wxLEFT, 5);
+        auto* const choice =
+            new wxComboBox(this, choice_id, wxEmptyString, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0);
+        choices_[slot++] = choice;
+        for (const UnitId* unit = available_units(row.quantity); *unit < unit::count; ++unit)
+            choice->Append(unit_name(*unit));
+        grid->Add(choice, 1, wxEXPAND | wxALIGN_CENTER_VERTICAL, 0);
+    }
+    db2disp();
+
+    load_default_.Create(this, wxID_ANY, "Load default");
+    apply_.Create(this, wxID_ANY, "Apply");
+    close_.Create(this, wxID_ANY, "Close");
+    load_default_.Bind(wxEVT_BUTTON, &PGN_VistelUnitDlg_c::OnButtonLDF, this);
+    apply_.Bind(wxEVT_BUTTON, &PGN_VistelUnitDlg_c::OnButtonApply, this);
+    close_.Bind(wxEVT_BUTTON, &PGN_VistelUnitDlg_c::OnButtonClose, this);
+    Bind(wxEVT_CLOSE_WINDOW, &PGN_VistelUnitDlg_c::OnClose, this);
+    Bind(wxEVT_INIT_DIALOG, &PGN_VistelUnitDlg_c::OnInitDialog, this);
+    Bind(wxEVT_SHOW, &PGN_VistelUnitDlg_c::OnShow, this);
+
+    constexpr int all_free_width = 8192;  // so that the buttons stand at the right
+    button_sizer_ = new wxBoxSizer(wxHORIZONTAL);
+    button_sizer_->Add(0, 0, all_free_width);
+    for (wxButton* const button : {&load_default_, &apply_, &close_})
+        button_sizer_->Add(button, 0, wxALIGN_CENTER_VERTICAL, 0);
+    main_sizer_ = new wxBoxSizer(wxVERTICAL);
+    main_sizer_->Add(grid, 0, wxEXPAND | wxALL, 5);
+    main_sizer_->Add(button_sizer_, 0, wxEXPAND | wxALL, 2);
+    SetSizer(main_sizer_);
+    main_sizer_->Fit(this);
+
+    if (created_ != nullptr) *created_ = 1;
+}
+
+void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long flags) {
+    Create(parent, db, pCreated, wxID_ANY, default_title, wxDefaultPosition, wxDefaultSize, default_style,
+           flags);
+}
+
+void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
+    Create(parent, db, nullptr, flags);
+}
+
+void PGN_VistelUnitDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
+    if (parent != nullptr) Create(platform::wrap_native_window(parent), db, flags);
+}
+
+void PGN_VistelUnitDlg_c::AssignUnitChangeApply(void (*callback)()) {
+    state_->apply_callback = callback;
+}
+
+void PGN_VistelUnitDlg_c::db2disp() {
+    wxComboBox** choice = choices_;
+    for (const QuantityRow& row : quantity_rows()) {
+        const int selected = state_->db->GetSelectUnit(row.quantity);
+        for (int i = 0; unit_at(row.quantity, i) >= 0; ++i) {
+            if (unit_at(row.quantity, i) != selected) continue;
+            (*choice)->SetSelection(i);
+            break;
+        }
+        ++choice;
+    }
+}
+
+void PGN_VistelUnitDlg_c::OnShow(wxShowEvent& event) {
+    event.Skip();
+    db2disp();
+}
+
+void PGN_VistelUnitDlg_c::OnInitDialog(wxInitDialogEvent&) {}
+
+void PGN_VistelUnitDlg_c::OnClose(wxCloseEvent&) {
+    Hide();
+}
+
+void PGN_VistelUnitDlg_c::OnButtonClose(wxCommandEvent&) {
+    wxCloseEvent close;
+    OnClose(close);
+}
+
+void PGN_VistelUnitDlg_c::OnButtonApply(wxCommandEvent&) {
+    int applied = 0;
+    wxComboBox** choice = choices_;
+    for (const QuantityRow& row : quantity_rows()) {
+        // A text that was typed is no selection; its row keeps its unit.
+        const UnitId unit = unit_at(row.quantity, (*choice++)->GetSelection());
+        if (unit < 0) continue;
+        state_->db->SelectUnit(row.quantity, unit);
+        ++applied;
+    }
+    if (applied > 0 && state_->apply_callback != nullptr) state_->apply_callback();
+}
+
+void PGN_VistelUnitDlg_c::OnButtonLDF(wxCommandEvent&) {
+    // The first eight quantities alone, on purpose: the others keep what the user chose.
+    for (DispDataType q = 0; q <= quantity::elevation; ++q) state_->db->SelectUnit(q, *available_units(q));
+    db2disp();
+}
