@@ -3,6 +3,7 @@
 
 #include "commands/catalogue.h"
 #include "commands/decode.h"
+#include "commands/monitor.h"
 #include "readers/formats.h"
 
 namespace {
@@ -19,6 +20,7 @@ struct Arguments {
     bool json = false;
     bool csv = false;
     std::string table;
+    std::vector<std::string> monitor;
 };
 
 void add_decode(CLI::App& app, Arguments& arguments) {
@@ -54,6 +56,13 @@ void add_catalogue(CLI::App& app, Arguments& arguments) {
         ->check(CLI::IsMember(vistel::catalogue_tables()));
 }
 
+void add_monitor(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command = app.add_subcommand("monitor", "Show a recording or a live stream in a window");
+    command->set_help_flag();  // the window's program knows its options
+    command->prefix_command();
+    command->callback([command, &arguments] { arguments.monitor = command->remaining(); });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -64,6 +73,7 @@ int main(int argc, char** argv) {
     Arguments arguments;
     add_decode(app, arguments);
     add_catalogue(app, arguments);
+    add_monitor(app, arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -71,6 +81,7 @@ int main(int argc, char** argv) {
         return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
     }
 
+    if (app.got_subcommand("monitor")) return vistel::run_monitor(arguments.monitor);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table);
     if (arguments.json) arguments.decode.form = vistel::DecodeOptions::Form::json;
     if (arguments.csv) arguments.decode.form = vistel::DecodeOptions::Form::csv;
