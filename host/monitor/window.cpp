@@ -96,7 +96,10 @@ void MonitorWindow::build_menu() {
 void MonitorWindow::show_frame() {
     player_->advance(latest_);
     latest_.show_pending([this](N2KMsg& msg) {
-        if (dialog_->PutMsg(&msg) < 0) ++refused_;
+        constexpr int dialog_is_paused = 2;
+        const int result = dialog_->PutMsg(&msg);
+        display_paused_ = result == dialog_is_paused;
+        if (result < 0) ++refused_;
     });
     if (++frames_ % frames_per_status == 0) show_status();
 }
@@ -114,6 +117,8 @@ void MonitorWindow::show_status() {
         text << " - end";
     else if (player_->paused())
         text << " - paused";
+    else if (display_paused_)
+        text << " - display paused";
     if (dialog_->GetStatusBar()->GetStatusText() != text) dialog_->SetStatusText(text);
 }
 

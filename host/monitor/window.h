@@ -35,6 +35,7 @@ class MonitorWindow : public wxEvtHandler {
     LatestMessages latest_;
     wxTimer timer_;
     std::uint64_t refused_ = 0;
+    bool display_paused_ = false;
     unsigned frames_ = 0;
 };
 
