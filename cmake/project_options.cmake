@@ -2,6 +2,9 @@
 add_library(project_options INTERFACE)
 target_compile_features(project_options INTERFACE cxx_std_20)
 target_compile_options(project_options INTERFACE -Wall -Wextra)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    target_compile_options(project_options INTERFACE -Wno-restrict)  # g++ 12 sees overlaps inside std::string
+endif()
 if(PGN_VISTEL_WERROR)
     target_compile_options(project_options INTERFACE -Werror)
 endif()

@@ -1,3 +1,5 @@
-# Debian packages, by purpose. Sourced by script/bootstrap.
-build_packages="cmake ninja-build g++ python3 pkg-config libcli11-dev libwxgtk3.2-dev libgtk-3-dev"
-test_packages="git libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14 xvfb xauth"
+# Debian packages, by purpose. Sourced by script/bootstrap. Configuring looks for the test and benchmark libraries too;
+# llvm-14 has the symbolizer, by whose names the leak check knows what it is to pass over.
+build_packages="cmake ninja-build g++ python3 pkg-config libcli11-dev libwxgtk3.2-dev libgtk-3-dev libgtest-dev
+    libbenchmark-dev"
+test_packages="clang-14 libclang-rt-14-dev llvm-14 clang-format-14 xvfb xauth"

@@ -1,0 +1,160 @@
+#!/usr/bin/env python3
+"""The program vistel as a user runs it: VISTEL program_test.py. Recordings are made on the spot."""
+
+import csv
+import io
+import json
+import os
+import signal
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+VISTEL = os.environ["VISTEL"]
+
+HEADING = "2026-09-10T08:00:00.250Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"  # 1.0000 rad magnetic
+CLAIM = "2026-09-10T08:00:01.500Z,6,60928,35,255,8,39,30,20,11,00,96,32,c0\n"
+LABEL = "2026-09-10T08:00:02.000Z,6,130818,9,255,17,89,98,00,00,00,0b,01,50,75,6d,70,2c,20,22,62,22,01\n"  # Pump, "b"
+UNKNOWN = "2026-09-10T08:00:02.500Z,7,131000,9,35,3,01,02,03\n"
+
+
+def vistel(*arguments, stdin=""):
+    return subprocess.run([VISTEL, *arguments], input=stdin, capture_output=True, encoding="utf-8", timeout=60)
+
+
+class ProgramTest(unittest.TestCase):
+    def test_text_is_what_the_monitor_shows(self):
+        result = vistel("decode", stdin="# format=FAST\n" + HEADING + UNKNOWN)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual(result.stdout.splitlines(), [
+            "0.00           127250, Vessel Heading",
+            "    Source Address: 0x07 (7)",
+            "    Destination: Global, pri=2",
+            "    Sequence ID: 5 (0x05) ",
+            "    Heading Sensor Reading: 57.296 °M",
+            "    Deviation: - °",
+            "    Variation: - °",
+            "    Heading Sensor Reference: Magnetic",
+            "    NMEA Reserved: 63 (0x3F) ",
+            "2.25           131000, Unknown",
+            "    Source Address: 0x09 (9)",
+            "    Destination: 0x23 (35)",
+            "    Data: 01 02 03",
+        ])
+        plain = vistel("decode", "--plain-numbers", stdin=HEADING).stdout
+        self.assertIn("    Sequence ID: 5 \n", plain)
+
+    def test_json(self):
+        result = vistel("decode", "--json", stdin="# format=FAST\n" + HEADING + CLAIM + UNKNOWN)
+        first, second, third = map(json.loads, result.stdout.splitlines())
+        self.assertEqual([first[key] for key in ("time", "absolute", "pgn", "name", "priority", "source", "destination")],
+                         [0, "2026-09-10T08:00:00.250000Z", 127250, "Vessel Heading", 2, 7, 255])
+        fields = {field["label"]: field for field in first["fields"]}
+        self.assertAlmostEqual(fields["Heading Sensor Reading"]["value"], 57.29578, places=4)
+        self.assertEqual(fields["Heading Sensor Reading"]["unit"], "°M")
+        self.assertEqual(fields["Heading Sensor Reading"]["raw"], "1027")
+        self.assertIsNone(fields["Deviation"]["value"])
+        self.assertEqual((fields["Heading Sensor Reference"]["value"], fields["Heading Sensor Reference"]["text"],
+                          fields["Heading Sensor Reference"]["raw"]), (1, "Magnetic", "01"))
+        self.assertEqual(second["time"], 1.25)
+        self.assertEqual([field["number"] for field in second["fields"]], list(range(1, 11)))
+        self.assertEqual((third["name"], third["fields"], third["data"]), ("Unknown", [], "010203"))
+
+    def test_csv_survives_quotes_and_commas(self):
+        result = vistel("decode", "--csv", stdin="# format=FAST\n" + LABEL + UNKNOWN)
+        rows = list(csv.DictReader(io.StringIO(result.stdout)))
+        self.assertIn('Pump, "b"', [row["value"] for row in rows])
+        self.assertEqual((rows[-1]["label"], rows[-1]["raw"], rows[-1]["time"]), ("Data", "010203", "0.500000"))
+        self.assertTrue(all(None not in row and None not in row.values() for row in rows))
+
+    def test_choices(self):
+        both = "# format=FAST\n" + HEADING + CLAIM
+        cases = [
+            (["--pgn", "60928"], ["ISO Address Claim"]),
+            (["--pgn", "60928", "--pgn", "127250"], ["Vessel Heading", "ISO Address Claim"]),
+            (["--source", "7"], ["Vessel Heading"]),
+            (["--source", "7", "--pgn", "60928"], []),
+        ]
+        for arguments, names in cases:
+            shown = [json.loads(line)["name"] for line in vistel("decode", "--json", *arguments, stdin=both).stdout.splitlines()]
+            self.assertEqual(shown, names, arguments)
+        depth = ",3,128267,7,255,8,01,10,27,00,00,ff,7f,ff\n"  # 100.00 m
+        for arguments, text in [([], "328.08 ft"), (["--unit", "depth=m"], "100.00 m"),
+                                (["--units", "metric"], "100.00 m"),
+                                (["--units", "metric", "--unit", "Depth=ftm"], "54.681 ftm")]:
+            self.assertIn("Transducer: " + text, vistel("decode", *arguments, stdin=depth).stdout)
+
+    def test_exit_statuses_and_messages(self):
+        broken = ",2,127250,7,255,8,01,02\n"
+        with tempfile.TemporaryDirectory() as folder:
+            path = Path(folder, "a.log")
+            path.write_text(HEADING + "\n" + broken + HEADING)
+            cases = [
+                (["decode", str(path)], 1, f"{path}:3: "),
+                (["decode", str(Path(folder, "none"))], 2, "No such file"),
+                (["decode", folder], 2, "directory"),
+                (["decode", "--unit", "Depth=mile", str(path)], 2, "there are: ft, m, ftm"),
+                (["decode", "--unit", "Deep=m", str(path)], 2, "no quantity 'Deep'"),
+                (["decode", "--units", "royal", str(path)], 2, "default, metric"),
+                (["decode", "--format", "none", str(path)], 2, "candump"),
+                (["decode", "--json", "--csv", str(path)], 2, ""),
+                (["frobnicate"], 2, ""),
+                ([], 2, ""),
+                (["catalogue", "none"], 2, "quantities"),
+            ]
+            for arguments, status, message in cases:
+                result = vistel(*arguments)
+                self.assertEqual(result.returncode, status, arguments)
+                self.assertIn(message, result.stderr, arguments)
+            self.assertEqual(vistel("decode", str(path)).stdout.count("Vessel Heading"), 2)
+            garbage = Path(folder, "garbage")
+            garbage.write_bytes(bytes(range(256)) * 1000)
+            self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
+        self.assertEqual(vistel("decode").returncode, 0)
+
+    def test_incomplete_packets_are_told(self):
+        frames = "(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n"
+        result = vistel("decode", "--stats", stdin=frames)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("1 messages stayed incomplete", result.stderr)
+        self.assertIn("incomplete fast packets: 1", result.stderr)
+
+    def test_a_live_source_is_shown_at_once_and_ends_quietly(self):
+        with subprocess.Popen([VISTEL, "decode", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, encoding="utf-8") as process:
+            process.stdin.write(HEADING)
+            process.stdin.flush()
+            self.assertIn("Vessel Heading", process.stdout.readline())  # with the input still open
+            process.send_signal(signal.SIGINT)
+            self.assertEqual(process.wait(timeout=30), 0)
+            self.assertEqual(process.stderr.read(), "")
+
+    def test_a_closed_pipe_ends_it_quietly(self):
+        with subprocess.Popen([VISTEL, "decode", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, encoding="utf-8") as process:
+            process.stdout.close()
+            try:
+                for _ in range(20000):
+                    process.stdin.write(HEADING)
+            except BrokenPipeError:
+                pass
+            try:
+                process.stdin.close()
+            except BrokenPipeError:
+                pass
+            self.assertEqual(process.wait(timeout=30), 0)
+            self.assertEqual(process.stderr.read(), "")
+
+    def test_catalogue(self):
+        for table, column, rows in [("pgns", "pgn", 309), ("dictionary", "dd", 535), ("formats", "df", 177),
+                                    ("units", "unit", 140), ("quantities", "quantity", 65), ("repeats", "pgn", 24)]:
+            lines = list(csv.DictReader(io.StringIO(vistel("catalogue", table).stdout), delimiter="\t",
+                                        quoting=csv.QUOTE_NONE))
+            self.assertEqual(len(lines), rows, table)
+            self.assertTrue(all(line[column].isdigit() for line in lines), table)
+        self.assertIn("\t\u2126\n", vistel("catalogue", "units").stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
