@@ -117,8 +117,23 @@ class ProgramTest(unittest.TestCase):
         frames = "(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n"
         result = vistel("decode", "--stats", stdin=frames)
         self.assertEqual(result.returncode, 1)
-        self.assertIn("1 messages stayed incomplete", result.stderr)
+        self.assertIn("messages that stayed incomplete: 1", result.stderr)
         self.assertIn("incomplete fast packets: 1", result.stderr)
+
+    def test_texts_off_the_wire_steer_no_terminal(self):
+        forged = "# format=FAST\n,6,126998,3,255,19,13,01,1b,5b,33,31,6d,58,0a,30,2e,30,30,20,46,4f,52,47,45\n"
+        text = vistel("decode", stdin=forged).stdout
+        self.assertIn("\ufffd[31mX\ufffd0.00 FORGE", text)
+        self.assertEqual(json.loads(vistel("decode", "--json", stdin=forged).stdout)["fields"][0]["value"],
+                         "\x1b[31mX\n0.00 FORGE")
+
+    def test_a_full_disk_is_told(self):
+        for arguments in (["decode"], ["catalogue", "fields"]):
+            with open("/dev/full", "w", encoding="utf-8") as full:
+                result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
+                                        encoding="utf-8", timeout=60)
+            self.assertEqual(result.returncode, 2, arguments)
+            self.assertIn("cannot write", result.stderr)
 
     def test_a_live_source_is_shown_at_once_and_ends_quietly(self):
         with subprocess.Popen([VISTEL, "decode", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,

@@ -1,0 +1,226 @@
+#include "pgn_vistel/pgn_dlg.h"
+
+#include <wx/bmpbuttn.h>
+#include <wx/combobox.h>
+#include <wx/dialog.h>
+
+#include <memory>
+
+#include "pgn_vistel/units.h"
+#include "views/windows.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+/// The parts of a monitor window, as a user finds them.
+struct Parts {
+    explicit Parts(const PGN_VistelDlg_c& dialog)
+        : clear(by_tip(dialog, "Clear data display")),
+          pause(by_tip(dialog, "Pause data display")),
+          filter(child_of<wxTextCtrl>(dialog, [](wxTextCtrl&) { return true; })),
+          unit(child_of<wxButton>(dialog, [](wxButton& b) { return b.GetLabel() == "Unit"; })),
+          tree(child_of<wxTreeCtrl>(dialog, [](wxTreeCtrl&) { return true; })),
+          units(child_of<wxDialog>(dialog, [](wxDialog& d) { return d.GetTitle() == "Unit Selection"; })) {}
+
+    static wxBitmapButton* by_tip(const wxWindow& dialog, const char* tip) {
+        return child_of<wxBitmapButton>(dialog, [&](wxBitmapButton& b) { return b.GetToolTipText() == tip; });
+    }
+
+    wxBitmapButton *clear, *pause;
+    wxTextCtrl* filter;
+    wxButton* unit;
+    wxTreeCtrl* tree;
+    wxDialog* units;
+};
+
+class MonitorDialog : public testing::Test {
+  protected:
+    int put(std::uint8_t source) {
+        N2KMsg msg = message_from(source);
+        msg.time_stamp = ++time_;
+        return PGN_VistelDlg_c::s_PutMsg(dialog_.get(), &msg);
+    }
+    std::vector<Block> blocks() const { return blocks_of(*parts_.tree); }
+    /// Whether messages of a source come through; for sources not used before.
+    bool shows(std::uint8_t source) {
+        const std::size_t before = blocks().size();
+        EXPECT_EQ(put(source), 0);
+        return blocks().size() > before;
+    }
+    /// Types into the filter and leaves it by the keyboard.
+    void filter(const char* text) {
+        type_over(*parts_.filter, text);
+        press(WXK_TAB);
+        EXPECT_TRUE(eventually([&] { return wxWindow::FindFocus() != parts_.filter; }));
+    }
+
+    int created_ = -1;
+    std::uint32_t time_ = 0;
+    QV_N2K_PGN_DB_c db_;
+    std::unique_ptr<PGN_VistelDlg_c> dialog_ =
+        std::make_unique<PGN_VistelDlg_c>(nullptr, &db_, &created_, 100, plain);
+    Parts parts_{*dialog_};
+};
+
+TEST_F(MonitorDialog, StartsHiddenWithItsParts) {
+    EXPECT_EQ(created_, 1);
+    EXPECT_EQ(dialog_->GetTitle(), "PGN Vistel");
+    EXPECT_FALSE(dialog_->IsShown());
+    EXPECT_EQ(db_.GetSelectUnit(quantity::duration), unit::minutes);
+    ASSERT_TRUE(parts_.clear && parts_.pause && parts_.filter && parts_.unit && parts_.tree && parts_.units);
+    EXPECT_EQ(parts_.filter->GetValue(), "FF");
+    bring_up(*dialog_);
+    EXPECT_EQ(parts_.clear->GetSize(), wxSize(30, 30));
+    EXPECT_EQ(parts_.pause->GetPosition().x, 30);
+    EXPECT_EQ(parts_.filter->GetPosition().x, 70);
+    EXPECT_EQ(parts_.unit->GetRect().GetRight() + 1, dialog_->GetClientSize().x) << "at the right edge";
+    EXPECT_GE(parts_.tree->GetSize().y, 300);
+
+    EXPECT_EQ(put(1), 0);
+    const auto shown = blocks();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_FALSE(shown[0].expanded) << "new streams are collapsed";
+    EXPECT_EQ(shown[0].lines, lines_of(message_from(1), plain));
+    dialog_->ExpandAll();
+    EXPECT_TRUE(blocks()[0].expanded);
+    dialog_->CollapseAll();
+    EXPECT_FALSE(blocks()[0].expanded);
+    dialog_.reset();
+    EXPECT_EQ(created_, 0);
+}
+
+TEST_F(MonitorDialog, CreatedLater) {
+    N2KMsg msg = message_from(1);
+    PGN_VistelDlg_c later;
+    EXPECT_EQ(later.PutMsg(&msg), -1);
+    later.SetModule(nullptr);
+    later.Create(dialog_.get(), nullptr, 1, 1);
+    EXPECT_EQ(later.GetTitle(), "PGN Vistel");
+    EXPECT_EQ(Parts(later).unit, nullptr) << "flag bit value 1";
+    EXPECT_EQ(later.PutMsg(&msg), 0);
+    EXPECT_EQ(blocks_of(*Parts(later).tree).at(0).lines[2], L"Sequence ID: 5 (0x05) ");
+    msg.source = 2;
+    EXPECT_EQ(later.PutMsg(&msg), -1) << "room for one";
+    EXPECT_EQ(later.ClearMsg(), 0);
+    EXPECT_EQ(later.PutMsg(&msg), 0);
+    bring_up(later);
+    EXPECT_EQ(Parts(later).filter->GetPosition().x, 70);
+}
+
+TEST_F(MonitorDialog, FiltersBySource) {
+    bring_up(*dialog_);
+    EXPECT_TRUE(shows(1));
+    filter("7");
+    EXPECT_FALSE(shows(2));
+    EXPECT_TRUE(shows(7));
+    for (const char* const unreadable : {"", "zz"}) {
+        filter(unreadable);
+        EXPECT_FALSE(shows(2)) << "as before: 7 alone";
+    }
+    filter("23");
+    EXPECT_FALSE(shows(23)) << "hexadecimal";
+    EXPECT_TRUE(shows(0x23));
+    filter("1C4");
+    EXPECT_TRUE(shows(2)) << "beyond 255 is all";
+    filter("7");
+    EXPECT_FALSE(shows(3));
+    filter("-1");
+    EXPECT_TRUE(shows(3)) << "the low byte of -1";
+
+    // Leaving by the mouse does it too; the text itself does not before.
+    type_over(*parts_.filter, "8");
+    press(WXK_RETURN);
+    EXPECT_TRUE(shows(4)) << "the field sends no Enter";
+    click(*parts_.tree);
+    EXPECT_FALSE(shows(5));
+
+    PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 1, "");
+    PGN_VistelDlg_c::s_OnTextSetfocus(dialog_.get(), 0);
+    EXPECT_FALSE(shows(5));
+    parts_.filter->ChangeValue("9");
+    PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 0, "A");
+    EXPECT_TRUE(shows(9)) << "the field's text counts";
+    EXPECT_FALSE(shows(10));
+}
+
+TEST_F(MonitorDialog, PausesAndClears) {
+    bring_up(*dialog_);
+    put(1);
+    click(*parts_.pause);
+    EXPECT_EQ(parts_.pause->GetLabel(), "Continue");
+    EXPECT_EQ(put(1), 2);
+    EXPECT_EQ(put(2), 2);
+    EXPECT_EQ(blocks().size(), 1u);
+    click(*parts_.pause);
+    EXPECT_EQ(parts_.pause->GetLabel(), "Pause");
+    EXPECT_EQ(put(2), 0);
+    EXPECT_EQ(blocks().size(), 2u);
+    click(*parts_.clear);
+    EXPECT_TRUE(blocks().empty());
+    EXPECT_TRUE(shows(2));
+}
+
+TEST_F(MonitorDialog, OpensTheUnitDialog) {
+    bring_up(*dialog_);
+    EXPECT_FALSE(parts_.units->IsShown());
+    click(*parts_.unit);
+    ASSERT_TRUE(eventually([&] { return parts_.units->IsShownOnScreen(); }));
+    EXPECT_EQ(put(1), 0) << "it is not modal";
+    const auto choices = children_of<wxComboBox>(*parts_.units);
+    ASSERT_EQ(choices.size(), 22u);
+    EXPECT_EQ(choices[10]->GetValue(), unit_name(unit::minutes));
+    close_by_title_bar(*parts_.units);
+    EXPECT_TRUE(eventually([&] { return !parts_.units->IsShown(); }));
+    EXPECT_TRUE(dialog_->IsShown());
+}
+
+TEST_F(MonitorDialog, CloseHides) {
+    bring_up(*dialog_);
+    put(1);
+    close_by_title_bar(*dialog_);
+    ASSERT_TRUE(eventually([&] { return !dialog_->IsShown(); }));
+    EXPECT_EQ(created_, 1);
+    EXPECT_TRUE(shows(2)) << "messages flow on";
+    const std::wstring before = blocks()[0].label;
+    put(1);
+    EXPECT_NE(blocks()[0].label, before);
+    bring_up(*dialog_);
+    EXPECT_EQ(blocks().size(), 2u);
+    EXPECT_TRUE(shows(3));
+}
+
+TEST(NativeParent, CarriesADialog) {
+    const std::size_t windows_before = wxTopLevelWindows.size();
+    HostWindow host;
+    QV_N2K_PGN_DB_c db;
+    N2KMsg msg = message_from(1);
+    {
+        PGN_VistelDlg_c empty;
+        empty.Create(HWND{}, 10, 0);
+        EXPECT_EQ(empty.PutMsg(&msg), -1) << "nothing is built for a null handle";
+        PGN_VistelDlg_c dialog(host.handle(), &db, 10, 0), second(host.handle(), 10, 0);
+        EXPECT_EQ(db.GetSelectUnit(quantity::duration), unit::minutes);
+        EXPECT_NE(dialog.GetParent(), nullptr);
+        EXPECT_EQ(dialog.GetParent(), second.GetParent()) << "one stands for the host's window";
+        bring_up(dialog);
+        EXPECT_EQ(dialog.PutMsg(&msg), 0);
+        EXPECT_EQ(blocks_of(*Parts(dialog).tree).size(), 1u);
+        click(*Parts(dialog).clear);
+        EXPECT_TRUE(blocks_of(*Parts(dialog).tree).empty());
+        close_by_title_bar(dialog);
+        EXPECT_TRUE(eventually([&] { return !dialog.IsShown(); }));
+        host.resize(410, 310);  // the host's window lives on beside them
+        EXPECT_FALSE(host.is_covered());
+    }
+    int created = -1;
+    auto* const left_open = new PGN_VistelDlg_c;
+    left_open->Create(host.handle(), &db, 10, 0);
+    new PGN_VistelDlg_c(left_open, &db, &created, 10, 0);
+    host.destroy();
+    EXPECT_EQ(created, 0) << "a parent's windows go with it";
+    EXPECT_TRUE(eventually([&] { return wxTopLevelWindows.size() == windows_before; }))
+        << "what stood for the host's window goes with it";
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

@@ -1,0 +1,180 @@
+#pragma once
+
+#include <gtk/gtk.h>
+#include <wx/stopwatch.h>
+#include <wx/toplevel.h>
+#include <wx/treectrl.h>
+#include <wx/uiaction.h>
+#include <wx/utils.h>
+
+#include <optional>
+
+#include "pgn_vistel/native.h"
+#include "pgn_vistel/native_tree.h"
+#include "support/testing.h"
+
+/// Windows under real events: what the tests press goes through the display, and they wait until it shows.
+namespace pgn_vistel::test {
+
+/// Lets events run until a condition holds; false when it does not within the limit.
+template <class Condition>
+bool eventually(Condition holds) {
+    constexpr long limit = 10000;  // ms
+    const wxStopWatch watch;
+    while (!holds()) {
+        if (watch.Time() > limit) return false;
+        wxYield();
+        wxMilliSleep(1);
+    }
+    return true;
+}
+
+/// Lets everything run that is under way: for what must not happen.
+inline void settle() {
+    for (int round = 0; round < 5; ++round) {
+        gdk_display_sync(gdk_display_get_default());
+        wxYield();
+    }
+}
+
+/// Shows a window on top, with the keyboard.
+inline void bring_up(wxTopLevelWindow& window) {
+    window.Show();
+    ASSERT_TRUE(eventually([&] { return window.IsShownOnScreen(); }));
+    // Without a window manager a window is placed nowhere in particular.
+    window.Move(40, 40);
+    EXPECT_TRUE(eventually([&] {
+        if (window.IsActive()) return true;
+        window.Raise();
+        return false;
+    }));
+    settle();
+}
+
+inline void click_at(int x, int y) {
+    wxUIActionSimulator user;
+    user.MouseMove(x, y);
+    user.MouseClick();
+    settle();
+}
+
+inline void click(const wxWindow& control) {
+    const wxRect area = control.GetScreenRect();
+    click_at(area.x + area.width / 2, area.y + area.height / 2);
+}
+
+inline void press(int key, int modifiers = wxMOD_NONE) {
+    wxUIActionSimulator().Char(key, modifiers);
+    settle();
+}
+
+/// What the title bar's close button sends.
+inline void close_by_title_bar(wxTopLevelWindow& window) {
+    GdkEvent* const event = gdk_event_new(GDK_DELETE);
+    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window.GetHandle())));
+    gdk_event_put(event);
+    gdk_event_free(event);
+}
+
+/// Puts the caret into a text (a text control or a combo box) and types over what it holds.
+template <class Text>
+void type_over(Text& control, const char* text) {
+    click(control);
+    ASSERT_TRUE(eventually([&] { return wxWindow::FindFocus() == &control; }));
+    press('A', wxMOD_CONTROL);
+    if (*text == '\0') press(WXK_DELETE);
+    for (const char* c = text; *c != '\0'; ++c) press(*c, wxIsupper(*c) ? wxMOD_SHIFT : wxMOD_NONE);
+    EXPECT_TRUE(eventually([&] { return control.GetValue() == text; })) << control.GetValue();
+}
+
+template <class Control>
+std::vector<Control*> children_of(const wxWindow& window) {
+    std::vector<Control*> found;
+    for (wxWindow* const child : window.GetChildren())
+        if (auto* const control = dynamic_cast<Control*>(child)) found.push_back(control);
+    return found;
+}
+
+/// The child for which `pick` holds, null when there is none.
+template <class Control, class Pick>
+Control* child_of(const wxWindow& window, Pick pick) {
+    for (Control* const control : children_of<Control>(window))
+        if (pick(*control)) return control;
+    return nullptr;
+}
+
+/// A top-level window of the host's that is not the toolkit's.
+class HostWindow {
+  public:
+    HostWindow() {
+        gtk_window_set_default_size(GTK_WINDOW(window_), 400, 300);
+        gtk_widget_show(window_);
+        EXPECT_TRUE(eventually([&] { return width() == 400; }));
+    }
+    ~HostWindow() { destroy(); }
+    HWND handle() const { return reinterpret_cast<HWND>(gtk_widget_get_window(window_)); }
+    void resize(int width, int height) {
+        gtk_window_resize(GTK_WINDOW(window_), width, height);
+        EXPECT_TRUE(eventually([&] { return this->width() == width; }));
+    }
+    /// Whether something else lies over what the host shows.
+    bool is_covered() const {
+        bool covered = false;
+        GList* const children = gdk_window_get_children(gtk_widget_get_window(window_));
+        for (GList* child = children; child != nullptr; child = child->next)
+            covered |= gdk_window_is_visible(GDK_WINDOW(child->data)) != FALSE;
+        g_list_free(children);
+        return covered;
+    }
+    void destroy() {
+        if (window_ != nullptr) gtk_widget_destroy(window_);
+        window_ = nullptr;
+    }
+
+  private:
+    int width() const { return gdk_window_get_width(gtk_widget_get_window(window_)); }
+
+    GtkWidget* window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+};
+
+/// What a tree shows of one stream.
+struct Block {
+    const void* item = nullptr;
+    std::wstring label;
+    std::vector<std::wstring> lines;
+    bool expanded = false;
+};
+
+inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
+    std::vector<Block> blocks;
+    wxTreeItemIdValue cookie;
+    for (auto top = tree.GetFirstChild(tree.GetRootItem(), cookie); top.IsOk();
+         top = tree.GetNextSibling(top)) {
+        Block& block = blocks.emplace_back(
+            Block{top.GetID(), tree.GetItemText(top).ToStdWstring(), {}, tree.IsExpanded(top)});
+        wxTreeItemIdValue inner;
+        for (auto line = tree.GetFirstChild(top, inner); line.IsOk(); line = tree.GetNextSibling(line))
+            block.lines.push_back(tree.GetItemText(line).ToStdWstring());
+    }
+    return blocks;
+}
+
+inline std::vector<Block> blocks_of(const CTreeCtrl& tree) {
+    std::vector<Block> blocks;
+    for (auto* top = tree.GetChildItem(nullptr); top != nullptr; top = tree.GetNextSiblingItem(top)) {
+        Block& block = blocks.emplace_back(Block{top, tree.GetItemText(top), {}, top->expanded});
+        for (auto* line = tree.GetChildItem(top); line != nullptr; line = tree.GetNextSiblingItem(line))
+            block.lines.push_back(tree.GetItemText(line));
+    }
+    return blocks;
+}
+
+inline N2KMsg message_from(std::uint8_t source, std::uint32_t pgn = 127250,
+                           const std::vector<std::uint8_t>& payload = {5, 0x5C, 0x3D, 0xFF, 0x7F, 0xFF, 0x7F,
+                                                                       0xFD}) {
+    N2KMsg msg = message(pgn, payload);
+    msg.source = source;
+    return msg;
+}
+
+}  // namespace pgn_vistel::test
