@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <memory>
 
+#include "commands/decode.h"
 #include "commands/unit_options.h"
 #include "output/sink.h"
 #include "pgn_vistel/catalogue.h"
@@ -188,11 +191,15 @@ std::vector<std::string> catalogue_tables() {
 
 int run_catalogue(const std::string& name) {
     const auto table = std::ranges::find(tables, name, &NamedTable::name);
-    if (table == std::end(tables)) return 2;
+    if (table == std::end(tables)) return EXIT_FAILED;
     const auto out = std::make_unique<Sink>(STDOUT_FILENO);
     table->print(*out);
     out->flush();
-    return 0;
+    if (!out->is_open()) {
+        std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out->error()));
+        return EXIT_FAILED;
+    }
+    return EXIT_CLEAN;
 }
 
 }  // namespace vistel

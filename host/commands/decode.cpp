@@ -100,11 +100,12 @@ bool Decoding::report_problem() {
 
 void Decoding::report_losses() const {
     const AssemblyCounters& c = assembler_.counters();
-    if (problems_ > 0) std::fprintf(stderr, "vistel: %" PRIu64 " places could not be read\n", problems_);
-    if (const auto incomplete = c.incomplete_fast_packets + c.incomplete_transports; incomplete > 0)
-        std::fprintf(stderr, "vistel: %" PRIu64 " messages stayed incomplete\n", incomplete);
-    if (c.orphan_frames > 0)
-        std::fprintf(stderr, "vistel: %" PRIu64 " frames belong to no message\n", c.orphan_frames);
+    const auto tell = [](const char* what, std::uint64_t count) {
+        if (count > 0) std::fprintf(stderr, "vistel: %s: %" PRIu64 "\n", what, count);
+    };
+    tell("lines that could not be read", problems_);
+    tell("messages that stayed incomplete", c.incomplete_fast_packets + c.incomplete_transports);
+    tell("frames that belong to no message", c.orphan_frames);
 }
 
 void Decoding::print_statistics() const {
@@ -154,7 +155,8 @@ int Decoding::run() {
             case ReadResult::end: more = false; break;
         }
     }
-    assembler_.finish();
+    // Messages that the user broke off are not missing anything.
+    if (!more) assembler_.finish();
     out_.flush();
     progress_->clear();
     if (!out_.is_open() && out_.error() != EPIPE) {

@@ -1,9 +1,23 @@
+#include <algorithm>
+
 #include "output/writers.h"
 #include "pgn_vistel/stream_lines.h"
 
 namespace vistel {
 
 namespace {
+
+// Texts come off the wire: left as they are, they could steer the terminal or forge lines.
+void mask_controls(wchar_t* text, int length) {
+    const auto is_control = [](wchar_t c) {
+        const auto code = static_cast<std::uint32_t>(c);
+        return code < 0x20 || code - 0x7F <= 0x9F - 0x7F;
+    };
+    constexpr wchar_t replacement = 0xFFFD;
+    bool any = false;
+    for (int i = 0; i < length; ++i) any |= is_control(text[i]);
+    if (any) std::replace_if(text, text + length, is_control, replacement);
+}
 
 class TextWriter : public MessageWriter {
   public:
@@ -15,6 +29,7 @@ class TextWriter : public MessageWriter {
         pgn_vistel::StreamLines lines(db_, message.pgn, message.msg, flags_);
         std::string_view indent;
         while (length >= 0) {
+            mask_controls(line, length);
             out.put_line(indent, std::wstring_view(line, static_cast<std::size_t>(length)));
             indent = "    ";
             length = lines.next(line, pgn_vistel::line_size);
