@@ -161,6 +161,14 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
 
+    def test_the_window_needs_a_display(self):
+        without = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        result = subprocess.run([VISTEL, "monitor", "none.log"], env=without, capture_output=True, encoding="utf-8",
+                                timeout=60)
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual(len(result.stderr.splitlines()), 1)
+        self.assertIn("'vistel decode' shows the messages as text", result.stderr)
+
     def test_catalogue(self):
         for table, column, rows in [("pgns", "pgn", 309), ("dictionary", "dd", 535), ("formats", "df", 177),
                                     ("units", "unit", 140), ("quantities", "quantity", 65), ("repeats", "pgn", 24)]:
