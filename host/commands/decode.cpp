@@ -53,7 +53,7 @@ class Decoding {
 
     const DecodeOptions& options_;
     const std::string name_;
-    QV_N2K_PGN_DB_c db_;
+    QV_N2K_PGN_DB_c& db_ = qv_n2k_pgn_db;  // the program has one selection of units
     Recording recording_;
     Assembler assembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
     Sink out_{STDOUT_FILENO};
@@ -131,6 +131,7 @@ int Decoding::run() {
     if (!apply_units(db_, options_)) return EXIT_FAILED;
     RecordingOptions how;
     how.format = options_.format;
+    how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     if (!recording_.open(options_.file, how)) {
         report_problem();
         return EXIT_FAILED;
