@@ -1,5 +1,6 @@
 #include <iterator>
 
+#include "catalogue/halving.h"
 #include "pgn_vistel/catalogue.h"
 #include "values/text_copy.h"
 
@@ -15,19 +16,7 @@ constexpr PgnDef pgn_table[] = {
 }  // namespace
 
 const PgnDef* find_pgn_def(std::uint32_t pgn) {
-    // Which of several variants is met depends on this very halving; names shown to users depend on it.
-    int low = 0;
-    int high = static_cast<int>(std::size(pgn_table)) - 1;
-    while (low <= high) {
-        const int middle = (low + high) / 2;
-        const PgnDef& row = pgn_table[middle];
-        if (row.pgn == pgn) return &row;
-        if (row.pgn > pgn)
-            high = middle - 1;
-        else
-            low = middle + 1;
-    }
-    return nullptr;
+    return find_by_halving(pgn_table, pgn);
 }
 
 const wchar_t* pgn_def_name(const PgnDef* row) {

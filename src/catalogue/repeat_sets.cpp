@@ -1,5 +1,4 @@
-#include <iterator>
-
+#include "catalogue/halving.h"
 #include "pgn_vistel/catalogue.h"
 
 namespace pgn_vistel {
@@ -13,19 +12,7 @@ constexpr RepeatSetDef repeat_set_table[] = {
 }  // namespace
 
 const RepeatSetDef* find_repeat_set(std::uint32_t pgn) {
-    // By PGN alone: where several selectors have a row, the halving decides which one serves them all.
-    int low = 0;
-    int high = static_cast<int>(std::size(repeat_set_table)) - 1;
-    while (low <= high) {
-        const int middle = (low + high) / 2;
-        const RepeatSetDef& row = repeat_set_table[middle];
-        if (row.pgn == pgn) return &row;
-        if (row.pgn > pgn)
-            high = middle - 1;
-        else
-            low = middle + 1;
-    }
-    return nullptr;
+    return find_by_halving(repeat_set_table, pgn);
 }
 
 std::span<const RepeatSetDef> all_repeat_sets() {
