@@ -63,6 +63,17 @@ void add_monitor(CLI::App& app, Arguments& arguments) {
     command->callback([command, &arguments] { arguments.monitor = command->remaining(); });
 }
 
+// Says which there are where there is no such command.
+bool has_command(const CLI::App& app, const std::string& name) {
+    std::string names;
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        if (command->get_name() == name) return true;
+        names.append(names.empty() ? "" : ", ").append(command->get_name());
+    }
+    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", name.c_str(), names.c_str());
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -74,6 +85,7 @@ int main(int argc, char** argv) {
     add_decode(app, arguments);
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
+    if (argc > 1 && argv[1][0] != '-' && !has_command(app, argv[1])) return vistel::EXIT_FAILED;
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

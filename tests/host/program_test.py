@@ -99,7 +99,7 @@ class ProgramTest(unittest.TestCase):
                 (["decode", "--units", "royal", str(path)], 2, "default, metric"),
                 (["decode", "--format", "none", str(path)], 2, "candump"),
                 (["decode", "--json", "--csv", str(path)], 2, ""),
-                (["frobnicate"], 2, ""),
+                (["frobnicate"], 2, "no command 'frobnicate'"),
                 ([], 2, ""),
                 (["catalogue", "none"], 2, "quantities"),
             ]
