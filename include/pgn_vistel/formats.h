@@ -16,8 +16,12 @@ namespace pgn_vistel {
 /// text or a hex dump has.
 using ConvFunction = void (*)(ConvValue* out, const void* raw, UnitId unit, int* count);
 
-/// The way back, from a typed text to raw bytes; null for a format that is only shown.
-using ParseFunction = void (*)();
+/// The way back: reads a typed, terminated text as a number in `unit` and stores the raw value of a field.
+///
+/// `out->type` names the raw kind (24-bit kinds are `CV_U32` and `CV_I32`) and the low bytes of `out->value`
+/// are the field as it is sent. A text that cannot be read and a unit that is not served give the code of
+/// "not available", a number beyond the kind's range the code of "out of range". Returns `out`.
+using ParseFunction = ConvValue* (*)(ConvValue* out, const char* text, UnitId unit);
 
 /// One data format.
 struct DFDef {
