@@ -5,7 +5,3 @@ target_include_directories(toolkit SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})
 target_compile_definitions(toolkit INTERFACE ${wxWidgets_DEFINITIONS})
 target_compile_options(toolkit INTERFACE ${wxWidgets_CXX_FLAGS})
 target_link_libraries(toolkit INTERFACE ${wxWidgets_LIBRARIES})
-
-# What the toolkit itself stands on here: the window bridge speaks to it.
-find_package(PkgConfig REQUIRED)
-pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0)

@@ -16,12 +16,13 @@
 class PGN_VISTEL_API QV_N2K_PGN_DB_c {
   public:
     /// Starts from the default units. The selection lives on the heap for the life of the process: there is
-    /// deliberately no destructor, because copies share it.
+    /// deliberately no destructor, because copies share it. Without memory for it the object works with the
+    /// default units and `SelectUnit` gives -1.
     QV_N2K_PGN_DB_c();
 
     /// Shares the other object's unit selection from here on.
     QV_N2K_PGN_DB_c(const QV_N2K_PGN_DB_c&) = default;
-    QV_N2K_PGN_DB_c& operator=(const QV_N2K_PGN_DB_c&) = default;
+    QV_N2K_PGN_DB_c& operator=(const QV_N2K_PGN_DB_c&);
 
     // ---- catalogue ----
 

@@ -24,6 +24,9 @@ class wxFocusCtrl_c;
 /// `flags`: bit value 1 leaves the Unit button out; bit value 2 shows numbers without their hexadecimal form.
 /// `pCreated`, where given, receives 1 when the window is built and 0 when it is destroyed, and must live as
 /// long.
+///
+/// Nothing throws. Where the window cannot be built (no memory, a native handle that no window can be had
+/// for) the created flag stays as it was and `PutMsg` gives -1.
 class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
   public:
     /// No window yet: call `SetModule` where wanted, then a `Create`.
@@ -32,7 +35,7 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     PGN_VistelDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
     PGN_VistelDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                     unsigned long flags);
-    /// Under a native window. With a null handle the object must not be used.
+    /// Under a native window. With a null handle nothing is built.
     PGN_VistelDlg_c(HWND parent, unsigned long maxStreams, unsigned long flags);
     PGN_VistelDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
 
@@ -49,7 +52,7 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     /// The shape of a message callback, with the dialog as its context.
     static int s_PutMsg(void* context, N2KMsg* msg);
 
-    // After `Create` only.
+    // 0, or -1 before `Create`.
     int ClearMsg();
     int CollapseAll();
     int ExpandAll();
@@ -72,8 +75,9 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
 
   private:
     void init();
-    void build_controls();
-    void lay_out();
+    PGN_VISTEL_LOCAL void build(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams);
+    PGN_VISTEL_LOCAL void build_controls();
+    PGN_VISTEL_LOCAL void lay_out();
 
     PGN_VistelTree_c* tree_ = nullptr;
     PGN_VistelUnitDlg_c* unit_dialog_ = nullptr;

@@ -16,6 +16,10 @@ struct TreeState;
 /// Every call is made on the thread that owns the tree control; nothing is locked and nothing is posted.
 /// Order of calls: construct, `OnInit`, then anything, then destroy. The tree control belongs to the caller
 /// and outlives the object.
+///
+/// Nothing throws. An object that was constructed without memory for its state has no tree: its operations do
+/// nothing and give -1, `GetDB` null. What there is no memory for later gives -1, too, and leaves the tree as
+/// far as it came; the next message of the stream writes it anew.
 class PGN_VISTEL_API PGN_VistelTree_c {
   public:
     /// On a native tree control. `maxStreams` is the number of streams kept; messages of further ones are
@@ -28,8 +32,8 @@ class PGN_VISTEL_API PGN_VistelTree_c {
                      unsigned long flags);
 
     /// Copies share one state; the class is not meant to be copied.
-    PGN_VistelTree_c(const PGN_VistelTree_c&) = default;
-    PGN_VistelTree_c& operator=(const PGN_VistelTree_c&) = default;
+    PGN_VistelTree_c(const PGN_VistelTree_c&);
+    PGN_VistelTree_c& operator=(const PGN_VistelTree_c&);
 
     /// Frees the streams; leaves the control's items alone.
     virtual ~PGN_VistelTree_c();
@@ -51,7 +55,7 @@ class PGN_VISTEL_API PGN_VistelTree_c {
     int SelectUnit(int dispDataType, int unit);  ///< see `QV_N2K_PGN_DB_c`
     int GetSelectUnit(int dispDataType);
 
-    /// Shows a message: 0 shown, 2 paused, -1 no room for a new stream.
+    /// Shows a message: 0 shown, 2 paused, -1 no room for a new stream, or null.
     int PutMsg(N2KMsg* msg);
 
   private:

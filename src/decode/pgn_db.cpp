@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "decode/exported_entry.h"
 #include "decode/field_text.h"
 #include "values/text_copy.h"
 #include "values/units.h"
@@ -25,6 +26,8 @@ bool is_in_payload(int byte, int bit) {
 QV_N2K_PGN_DB_c::QV_N2K_PGN_DB_c() : sel_unit_(new_selection()) {
     build_format_enumeration();
 }
+
+QV_N2K_PGN_DB_c& QV_N2K_PGN_DB_c::operator=(const QV_N2K_PGN_DB_c&) = default;
 
 // ---- catalogue ----
 
@@ -79,7 +82,7 @@ int QV_N2K_PGN_DB_c::print_field_data(wchar_t* buf, int size, int dd, int disp_d
                                       int field) {
     const bool is_quantity = disp_data_type >= 0 && disp_data_type < quantity::count;
     if (unit < 0 || unit >= unit::count)
-        unit = is_quantity ? sel_unit_[disp_data_type] : sel_unit_[quantity::no_quantity];
+        unit = is_quantity ? selected_unit(sel_unit_, disp_data_type) : UnitId{unit::raw_count};
     WideWriter out(buf, size);
     const FieldContext context{
         dd, disp_data_type, unit, print_unit_flag != 0, flags, static_cast<std::uint32_t>(pgn), field};
@@ -163,14 +166,17 @@ int QV_N2K_PGN_DB_c::conv_DF(unsigned short df, void* out, const void* raw, int 
 // ---- units ----
 
 int QV_N2K_PGN_DB_c::SelectUnit(int disp_data_type, int unit) {
+    const ModuleGuard in_this_module;
     return select_unit(sel_unit_, disp_data_type, unit);
 }
 
 int QV_N2K_PGN_DB_c::GetSelectUnit(int disp_data_type) {
+    const ModuleGuard in_this_module;
     return selected_unit(sel_unit_, disp_data_type);
 }
 
 int QV_N2K_PGN_DB_c::GetAvailableUnit(int disp_data_type, int* units, int max) {
+    const ModuleGuard in_this_module;
     return count_available_units(disp_data_type, units, max);
 }
 
@@ -206,9 +212,7 @@ int QV_N2K_PGN_DB_c::print_val_unit_dt(wchar_t* buf, int disp_data_type, const v
     return print_value_and_unit(sel_unit_, buf, Printable::of_quantity(disp_data_type), raw, unit);
 }
 
-// ---- globals ----
-
-QV_N2K_PGN_DB_c qv_n2k_pgn_db;
+// ---- numbers ----
 
 unsigned short GetDispDataType_Num() {
     return quantity::count;

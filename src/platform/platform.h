@@ -6,11 +6,37 @@
 
 class wxTopLevelWindow;
 class wxWindow;
+class CWinApp;
 
-/// What the library needs of a platform beyond the toolkit. A new platform implements these functions and the
-/// native tree control (native_tree.h) in a folder of its own; nothing else of the library knows the
-/// platform. Everything is called on the user-interface thread, and nothing throws.
+/// What the library needs of a platform beyond the toolkit: the page for whoever ports it.
+///
+/// A platform is a folder beside this file. It implements what is declared here, defines `HWND` and
+/// `HINSTANCE` by what it takes for them (native.h), brings the header of its native tree control,
+/// `public/pgn_vistel/native_tree.h`, with at least the members that `views/native_tree.cpp` and `OnSize`
+/// use, and names its sources in `platform.cmake`. Nothing outside the folder knows which platform it is.
+///
+/// Everything is called on the user-interface thread except `set_module_state`, which any thread may call and
+/// which speaks of that thread alone. Nothing throws but std::bad_alloc, and that only where a text or a
+/// window is asked for. Nothing shows a message box.
 namespace pgn_vistel::platform {
+
+// ---- modules ----
+
+/// What the platform's runtime keeps for one loaded module: where it looks for resources, the application
+/// object. The library has one from load to unload; the platform may let it hold more.
+struct ModuleState {
+    CWinApp* application = nullptr;
+};
+
+/// Makes a module's state the current one of the calling thread and returns the one that was; null is the
+/// host's own, which is current before the first call. The pointer is kept, not what it points at.
+ModuleState* set_module_state(ModuleState* state) noexcept;
+
+/// The product name that a module carries, or an empty text where it carries none or the handle is null. Any
+/// other handle must be one of a module that is loaded.
+std::wstring product_name(HINSTANCE module);
+
+// ---- windows ----
 
 struct Size {
     int width = 0;
@@ -21,7 +47,8 @@ struct Size {
 Size client_size(HWND window);
 
 /// A toolkit window that stands for a native one and may be a parent; null when that cannot be had. It is
-/// owned by the toolkit and goes with the native window.
+/// owned by the toolkit and goes with the native window; asked again for the same window it gives the same.
+/// Starts the toolkit where the host has not, and stops it at unload if so.
 wxWindow* wrap_native_window(HWND window);
 
 /// Gives a window the running program's icon "ICON_PROGRAM"; leaves it alone where there is none.
@@ -30,7 +57,17 @@ void set_program_icon(wxTopLevelWindow& window);
 /// Lets a small button use all of its size for its image, where the platform's style would keep a margin.
 void remove_padding(wxWindow& button);
 
-/// The product name that a module carries, or an empty text where it has none.
-std::wstring product_name(HINSTANCE module);
-
 }  // namespace pgn_vistel::platform
+
+/// The application object of a module: known to the module's state for as long as it lives. It has no name of
+/// its own.
+class CWinApp {
+  public:
+    explicit CWinApp(pgn_vistel::platform::ModuleState& module);
+    CWinApp(const CWinApp&) = delete;
+    CWinApp& operator=(const CWinApp&) = delete;
+    virtual ~CWinApp();
+
+  private:
+    pgn_vistel::platform::ModuleState& module_;
+};

@@ -1,6 +1,7 @@
 #include "values/units.h"
 
 #include <iterator>
+#include <new>
 
 #include "values/text_copy.h"
 #include "values/value_printer.h"
@@ -63,20 +64,21 @@ UnitId default_unit(DispDataType q) {
 }
 
 UnitId* new_selection() {
-    auto* const selection = new UnitId[selection_size];
-    for (DispDataType q = 0; q < selection_size; ++q) selection[q] = default_unit(q);
+    auto* const selection = new (std::nothrow) UnitId[selection_size];
+    for (DispDataType q = 0; selection != nullptr && q < selection_size; ++q) selection[q] = default_unit(q);
     return selection;
 }
 
 int select_unit(UnitId* selection, DispDataType q, UnitId u) {
     // Any unit goes for any quantity; one that the quantity does not have reads as not available.
-    if (!is_quantity(q) || !is_unit(u)) return -1;
+    if (selection == nullptr || !is_quantity(q) || !is_unit(u)) return -1;
     selection[q] = u;
     return 0;
 }
 
 int selected_unit(const UnitId* selection, DispDataType q) {
-    return is_quantity(q) ? selection[q] : -1;
+    if (!is_quantity(q)) return -1;
+    return selection != nullptr ? selection[q] : default_unit(q);
 }
 
 int print_unit_name(wchar_t* buf, int size, UnitId u) {

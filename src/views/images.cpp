@@ -9,13 +9,13 @@ namespace {
 
 }  // namespace
 
-const wxImage& clear_image() {
-    static const wxImage image(clear_xpm);
+const wxBitmap& clear_image() {
+    static const wxBitmap image(clear_xpm);
     return image;
 }
 
-const wxImage& pause_image() {
-    static const wxImage image(pause_xpm);
+const wxBitmap& pause_image() {
+    static const wxBitmap image(pause_xpm);
     return image;
 }
 

@@ -3,6 +3,7 @@
 #include <wx/bmpbuttn.h>
 #include <wx/sizer.h>
 
+#include "decode/exported_entry.h"
 #include "pgn_vistel/pgn_tree.h"
 #include "pgn_vistel/unit_dlg.h"
 #include "pgn_vistel/units.h"
@@ -47,6 +48,7 @@ PGN_VistelDlg_c::PGN_VistelDlg_c(HWND parent, unsigned long maxStreams, unsigned
 
 PGN_VistelDlg_c::PGN_VistelDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                                  unsigned long flags) {
+    const ModuleGuard in_this_module;
     if (parent == nullptr) return;
     init();
     Create(parent, db, maxStreams, flags);
@@ -60,14 +62,20 @@ PGN_VistelDlg_c::~PGN_VistelDlg_c() {
 }
 
 void PGN_VistelDlg_c::init() {
-    unit_dialog_ = new (std::nothrow) PGN_VistelUnitDlg_c;
+    unit_dialog_ = contained<PGN_VistelUnitDlg_c*>(nullptr, [] { return new PGN_VistelUnitDlg_c; });
 }
 
 void PGN_VistelDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                              unsigned long flags) {
     flags_ = flags;
     created_ = pCreated;
-    wxFrame::Create(parent, wxID_ANY, wxEmptyString, wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
+    contained([&] { build(parent, db, maxStreams); });
+}
+
+void PGN_VistelDlg_c::build(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams) {
+    if (!wxFrame::Create(parent, wxID_ANY, wxEmptyString, wxDefaultPosition, wxDefaultSize,
+                         wxDEFAULT_FRAME_STYLE))
+        return;
     platform::set_program_icon(*this);
 
     // A frame that looks like a dialog.
@@ -82,7 +90,7 @@ void PGN_VistelDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreate
     build_controls();
     lay_out();
 
-    tree_ = new PGN_VistelTree_c(this, &tree_control_, db, maxStreams, flags);
+    tree_ = new PGN_VistelTree_c(this, &tree_control_, db, maxStreams, flags_);
     tree_->SelectUnit(quantity::duration, unit::minutes);
     tree_->CollapseAll();  // new streams appear collapsed
     tree_->OnInit();
@@ -101,10 +109,8 @@ void PGN_VistelDlg_c::build_controls() {
 
     constexpr int button_side = 30;
     const wxSize button_size(button_side, button_side);
-    clear_button_ =
-        new wxBitmapButton(this, wxID_ANY, wxBitmap(clear_image()), wxDefaultPosition, button_size);
-    pause_button_ =
-        new wxBitmapButton(this, wxID_ANY, wxBitmap(pause_image()), wxDefaultPosition, button_size);
+    clear_button_ = new wxBitmapButton(this, wxID_ANY, clear_image(), wxDefaultPosition, button_size);
+    pause_button_ = new wxBitmapButton(this, wxID_ANY, pause_image(), wxDefaultPosition, button_size);
 
     platform::remove_padding(*clear_button_);
     platform::remove_padding(*pause_button_);
@@ -151,34 +157,38 @@ void PGN_VistelDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned lon
 }
 
 void PGN_VistelDlg_c::Create(HWND parent, unsigned long maxStreams, unsigned long flags) {
+    const ModuleGuard in_this_module;
     Create(parent, nullptr, maxStreams, flags);
 }
 
 void PGN_VistelDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                              unsigned long flags) {
-    if (parent != nullptr) Create(platform::wrap_native_window(parent), db, maxStreams, flags);
+    const ModuleGuard in_this_module;
+    wxWindow* const stand_in =
+        contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
+    if (stand_in != nullptr) Create(stand_in, db, maxStreams, flags);
 }
 
 int PGN_VistelDlg_c::PutMsg(N2KMsg* msg) {
-    if (tree_ == nullptr) return -1;
+    if (tree_ == nullptr || msg == nullptr) return -1;
     if (source_filter_ != all_sources && source_filter_ != msg->source) return 0;
     return tree_->PutMsg(msg);
 }
 
 int PGN_VistelDlg_c::s_PutMsg(void* context, N2KMsg* msg) {
-    return static_cast<PGN_VistelDlg_c*>(context)->PutMsg(msg);
+    return context != nullptr ? static_cast<PGN_VistelDlg_c*>(context)->PutMsg(msg) : -1;
 }
 
 int PGN_VistelDlg_c::ClearMsg() {
-    return tree_->ClearMsg();
+    return tree_ != nullptr ? tree_->ClearMsg() : -1;
 }
 
 int PGN_VistelDlg_c::CollapseAll() {
-    return tree_->CollapseAll();
+    return tree_ != nullptr ? tree_->CollapseAll() : -1;
 }
 
 int PGN_VistelDlg_c::ExpandAll() {
-    return tree_->ExpandAll();
+    return tree_ != nullptr ? tree_->ExpandAll() : -1;
 }
 
 void PGN_VistelDlg_c::SetModule(HINSTANCE module) {
@@ -190,17 +200,20 @@ void PGN_VistelDlg_c::OnClose(wxCloseEvent&) {
 }
 
 void PGN_VistelDlg_c::OnButtonClear(wxCommandEvent&) {
-    tree_->ClearMsg();
+    ClearMsg();
 }
 
 void PGN_VistelDlg_c::OnButtonPause(wxCommandEvent&) {
-    paused_ = paused_ == 0 ? 1 : 0;
-    tree_->Pause(paused_);
-    pause_button_->SetLabel(paused_ != 0 ? "Continue" : "Pause");
+    contained([&] {
+        paused_ = paused_ == 0 ? 1 : 0;
+        tree_->Pause(paused_);
+        pause_button_->SetLabel(paused_ != 0 ? "Continue" : "Pause");
+    });
 }
 
 void PGN_VistelDlg_c::OnButtonUnit(wxCommandEvent&) {
-    unit_dialog_->Show(true);
+    const bool is_built = unit_dialog_ != nullptr && unit_dialog_->GetHandle() != nullptr;
+    if (is_built) contained([&] { unit_dialog_->Show(true); });
 }
 
 void PGN_VistelDlg_c::OnTextSetfocus(long) {}
@@ -211,9 +224,11 @@ void PGN_VistelDlg_c::OnTextKillfocus(long id, const wxString& text) {
 
 void PGN_VistelDlg_c::OnTextEnter(long id, const wxString&) {
     if (id != filter_field) return;
-    long address;
-    if (!filter_text_.GetLineText(0).ToCLong(&address, 16)) return;
-    source_filter_ = static_cast<unsigned char>(address > all_sources ? all_sources : address & 0xFF);
+    contained([&] {
+        long address;
+        if (!filter_text_.GetLineText(0).ToCLong(&address, 16)) return;
+        source_filter_ = static_cast<unsigned char>(address > all_sources ? all_sources : address & 0xFF);
+    });
 }
 
 void PGN_VistelDlg_c::s_OnTextSetfocus(wxWindow* owner, long id) {

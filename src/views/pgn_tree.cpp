@@ -2,8 +2,10 @@
 
 #include <wx/treectrl.h>
 
-#include <memory>
+#include <new>
+#include <optional>
 
+#include "decode/exported_entry.h"
 #include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/stream_lines.h"
 #include "platform/platform.h"
@@ -22,12 +24,12 @@ struct Anchor {
 }  // namespace
 
 struct TreeState {
-    std::unique_ptr<ToolkitTree> toolkit;  // one of the two is set
-    std::unique_ptr<NativeTree> native;
+    std::optional<ToolkitTree> toolkit;  // one of the two is set
+    std::optional<NativeTree> native;
     HWND native_parent = nullptr;
     CTreeCtrl* native_control = nullptr;
     Anchor anchor;
-    std::unique_ptr<StreamTable> streams;
+    std::optional<StreamTable> streams;
     QV_N2K_PGN_DB_c* db = nullptr;
     bool paused = false;
     bool expand_new = true;
@@ -36,17 +38,56 @@ struct TreeState {
     /// Calls `act(control, line of the stream in it)` for each back end that there is.
     template <class Act>
     void for_each_back_end(StreamEntry& stream, Act act) {
-        if (toolkit != nullptr) act(*toolkit, stream.toolkit_line);
-        if (native != nullptr) act(*native, stream.native_line);
+        if (toolkit) act(*toolkit, stream.toolkit_line);
+        if (native) act(*native, stream.native_line);
+    }
+
+    /// A stream that was not seen before, with its line; null when there is no room for it.
+    StreamEntry* add_stream(const StreamKey& key) {
+        StreamEntry* const stream = streams->add(key);
+        if (stream == nullptr) return nullptr;
+        try {
+            for_each_back_end(*stream,
+                              [](TreeControl& tree, void*& line) { line = tree.append(nullptr, L"None"); });
+        } catch (...) {
+            // Without a line there is no stream.
+            for_each_back_end(*stream, [](TreeControl& tree, void* line) {
+                if (line != nullptr) tree.remove(line);
+            });
+            streams->take_back_last();
+            throw;
+        }
+        return stream;
+    }
+
+    void expand_all(bool expanded) {
+        for (StreamEntry& stream : *streams)
+            for_each_back_end(stream, [&](TreeControl& tree, void* line) { tree.expand(line, expanded); });
+        expand_new = expanded;
     }
 };
 
+namespace {
+
+/// Runs an exported entry of the tree: in the library's module state, -1 where there was no memory for the
+/// tree or for what the entry does.
+template <class Act>
+int entry(TreeState* state, Act act) noexcept {
+    const ModuleGuard in_this_module;
+    if (state == nullptr) return -1;
+    return contained(-1, [&] { return act(*state); });
+}
+
+}  // namespace
+
 PGN_VistelTree_c::PGN_VistelTree_c(HWND parent, CTreeCtrl* tree, unsigned long maxStreams,
                                    unsigned long flags) {
+    const ModuleGuard in_this_module;
     init();
+    if (state_ == nullptr) return;
     state_->native_parent = parent;
     state_->native_control = tree;
-    if (tree != nullptr) state_->native = std::make_unique<NativeTree>(*tree);
+    if (tree != nullptr) state_->native.emplace(*tree);
     assign(nullptr, maxStreams, flags);
 }
 
@@ -56,102 +97,118 @@ PGN_VistelTree_c::PGN_VistelTree_c(wxWindow* parent, wxWindow* tree, unsigned lo
 
 PGN_VistelTree_c::PGN_VistelTree_c(wxWindow*, wxWindow* tree, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                                    unsigned long flags) {
+    const ModuleGuard in_this_module;
     init();
-    if (tree != nullptr) state_->toolkit = std::make_unique<ToolkitTree>(*static_cast<wxTreeCtrl*>(tree));
+    if (state_ == nullptr) return;
+    if (tree != nullptr) state_->toolkit.emplace(*static_cast<wxTreeCtrl*>(tree));
     assign(db, maxStreams, flags);
 }
 
+PGN_VistelTree_c::PGN_VistelTree_c(const PGN_VistelTree_c&) = default;
+PGN_VistelTree_c& PGN_VistelTree_c::operator=(const PGN_VistelTree_c&) = default;
+
 PGN_VistelTree_c::~PGN_VistelTree_c() {
+    const ModuleGuard in_this_module;
     delete state_;
 }
 
 void PGN_VistelTree_c::init() {
-    state_ = new TreeState;
+    state_ = new (std::nothrow) TreeState;
 }
 
 void PGN_VistelTree_c::assign(QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags) {
     state_->display_flags = flags;
-    state_->streams = std::make_unique<StreamTable>(maxStreams);
+    state_->streams.emplace(maxStreams);
     state_->db = db != nullptr ? db : &qv_n2k_pgn_db;
 }
 
 void PGN_VistelTree_c::OnInit() {
-    state_->streams->clear();
-    if (state_->toolkit != nullptr) state_->toolkit->prepare();
-    if (state_->native != nullptr) {
-        state_->native->prepare();
-        const NativeRect& rect = state_->native_control->GetRect();
-        const platform::Size size = platform::client_size(state_->native_parent);
-        state_->anchor = {rect.left, rect.top, size.width - rect.right, size.height - rect.bottom};
-    }
+    entry(state_, [](TreeState& state) {
+        state.streams->clear();
+        if (state.toolkit) state.toolkit->prepare();
+        if (state.native) {
+            state.native->prepare();
+            const NativeRect& rect = state.native_control->GetRect();
+            const platform::Size size = platform::client_size(state.native_parent);
+            state.anchor = {rect.left, rect.top, size.width - rect.right, size.height - rect.bottom};
+        }
+        return 0;
+    });
 }
 
 void PGN_VistelTree_c::OnSize() {
-    if (state_->native == nullptr) return;
-    const Anchor& a = state_->anchor;
-    const platform::Size size = platform::client_size(state_->native_parent);
-    state_->native_control->MoveWindow(
-        {a.left, a.top, size.width - a.right_margin, size.height - a.bottom_margin});
+    entry(state_, [](TreeState& state) {
+        if (!state.native) return 0;
+        const Anchor& a = state.anchor;
+        const platform::Size size = platform::client_size(state.native_parent);
+        state.native_control->MoveWindow(
+            {a.left, a.top, size.width - a.right_margin, size.height - a.bottom_margin});
+        return 0;
+    });
 }
 
 void PGN_VistelTree_c::Pause(int paused) {
-    state_->paused = paused != 0;
+    entry(state_, [&](TreeState& state) {
+        state.paused = paused != 0;
+        return 0;
+    });
 }
 
 int PGN_VistelTree_c::ClearMsg() {
-    if (state_->toolkit != nullptr) state_->toolkit->clear();
-    if (state_->native != nullptr) state_->native->clear();
-    state_->streams->clear();
-    return 0;
+    return entry(state_, [](TreeState& state) {
+        state.streams->clear();
+        if (state.toolkit) state.toolkit->clear();
+        if (state.native) state.native->clear();
+        return 0;
+    });
 }
 
 int PGN_VistelTree_c::CollapseAll() {
-    for (StreamEntry& stream : *state_->streams)
-        state_->for_each_back_end(stream, [](TreeControl& tree, void* line) { tree.expand(line, false); });
-    state_->expand_new = false;
-    return 0;
+    return entry(state_, [](TreeState& state) {
+        state.expand_all(false);
+        return 0;
+    });
 }
 
 int PGN_VistelTree_c::ExpandAll() {
-    for (StreamEntry& stream : *state_->streams)
-        state_->for_each_back_end(stream, [](TreeControl& tree, void* line) { tree.expand(line, true); });
-    state_->expand_new = true;
-    return 0;
+    return entry(state_, [](TreeState& state) {
+        state.expand_all(true);
+        return 0;
+    });
 }
 
 QV_N2K_PGN_DB_c* PGN_VistelTree_c::GetDB() {
-    return state_->db;
+    return state_ != nullptr ? state_->db : nullptr;
 }
 
 int PGN_VistelTree_c::SelectUnit(int dispDataType, int unit) {
-    return state_->db->SelectUnit(dispDataType, unit);
+    return entry(state_, [&](TreeState& state) { return state.db->SelectUnit(dispDataType, unit); });
 }
 
 int PGN_VistelTree_c::GetSelectUnit(int dispDataType) {
-    return state_->db->GetSelectUnit(dispDataType);
+    return entry(state_, [&](TreeState& state) { return state.db->GetSelectUnit(dispDataType); });
 }
 
 int PGN_VistelTree_c::PutMsg(N2KMsg* msg) {
-    if (state_->paused) return 2;
-    const StreamKey key(*msg);
-    StreamEntry* stream = state_->streams->find(key);
-    const bool is_new = stream == nullptr;
-    if (is_new) {
-        stream = state_->streams->add(key);
+    return entry(state_, [&](TreeState& state) {
+        if (msg == nullptr) return -1;
+        if (state.paused) return 2;
+        const StreamKey key(*msg);
+        StreamEntry* stream = state.streams->find(key);
+        const bool is_new = stream == nullptr;
+        if (is_new) stream = state.add_stream(key);
         if (stream == nullptr) return -1;
-        state_->for_each_back_end(
-            *stream, [](TreeControl& tree, void*& line) { line = tree.append(nullptr, L"None"); });
-    }
 
-    const PgnDef* const pgn = find_pgn_def(msg->pgn);
-    wchar_t label[line_size];
-    print_stream_line(label, line_size, *msg, pgn);
-    state_->for_each_back_end(*stream, [&](TreeControl& tree, void* line) { tree.set_text(line, label); });
-    add_pgn_fields(const_cast<PgnDef*>(pgn), msg, wxTreeItemId(stream->toolkit_line),
-                   static_cast<_TREEITEM*>(stream->native_line));
-    if (is_new && state_->expand_new)
-        state_->for_each_back_end(*stream, [](TreeControl& tree, void* line) { tree.expand(line, true); });
-    return 0;
+        const PgnDef* const pgn = find_pgn_def(msg->pgn);
+        wchar_t label[line_size];
+        print_stream_line(label, line_size, *msg, pgn);
+        state.for_each_back_end(*stream, [&](TreeControl& tree, void* line) { tree.set_text(line, label); });
+        add_pgn_fields(const_cast<PgnDef*>(pgn), msg, wxTreeItemId(stream->toolkit_line),
+                       static_cast<_TREEITEM*>(stream->native_line));
+        if (is_new && state.expand_new)
+            state.for_each_back_end(*stream, [](TreeControl& tree, void* line) { tree.expand(line, true); });
+        return 0;
+    });
 }
 
 wxTreeItemId PGN_VistelTree_c::insert_child(const wchar_t* text, wxTreeItemId parent, wxTreeItemId cursor) {
@@ -171,8 +228,8 @@ void PGN_VistelTree_c::add_pgn_fields(void* pgnDef, N2KMsg* msg, _TREEITEM* hIte
 }
 
 void PGN_VistelTree_c::add_pgn_fields(void* pgnDef, N2KMsg* msg, wxTreeItemId item, _TREEITEM* hItem) {
-    ToolkitTree* const toolkit = state_->toolkit.get();
-    NativeTree* const native = state_->native.get();
+    ToolkitTree* const toolkit = state_->toolkit ? &*state_->toolkit : nullptr;
+    NativeTree* const native = state_->native ? &*state_->native : nullptr;
     wxTreeItemId toolkit_cursor(toolkit != nullptr ? toolkit->first_child(item.GetID()) : nullptr);
     auto* native_cursor = static_cast<_TREEITEM*>(native != nullptr ? native->first_child(hItem) : nullptr);
 

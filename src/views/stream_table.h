@@ -60,6 +60,7 @@ class StreamTable {
         entry = {nullptr, nullptr, key.pgn, key.source, key.keys};
         return &entry;
     }
+    void take_back_last() { --count_; }
     void clear() { count_ = 0; }
 
     StreamEntry* begin() { return entries_.get(); }

@@ -4,6 +4,7 @@
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 
+#include "decode/exported_entry.h"
 #include "pgn_vistel/units.h"
 #include "platform/platform.h"
 
@@ -58,6 +59,7 @@ PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, 
     : PGN_VistelUnitDlg_c(parent, db, nullptr, flags) {}
 
 PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
+    const ModuleGuard in_this_module;
     if (parent == nullptr) return;
     init();
     Create(parent, db, flags);
@@ -71,18 +73,23 @@ PGN_VistelUnitDlg_c::~PGN_VistelUnitDlg_c() {
 }
 
 void PGN_VistelUnitDlg_c::init() {
-    state_ = new UnitDlgState;
+    state_ = new (std::nothrow) UnitDlgState;
     created_ = nullptr;
 }
 
 void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id,
                                  const wxString& title, const wxPoint& pos, const wxSize& size, long style,
                                  unsigned long flags) {
+    created_ = pCreated;
+    if (state_ == nullptr) return;
     state_->flags = flags;
     state_->db = db != nullptr ? db : &qv_n2k_pgn_db;
-    created_ = pCreated;
-    wxDialog::Create(parent, id, title, pos, size, style);
+    contained([&] {
+        if (wxDialog::Create(parent, id, title, pos, size, style)) build();
+    });
+}
 
+void PGN_VistelUnitDlg_c::build() {
     choices_ = new wxComboBox* [choice_slots] {};
     auto* const grid = new wxFlexGridSizer(static_cast<int>(choice_slots), 2, 2, 5);
     std::size_t slot = 0;
@@ -131,14 +138,18 @@ void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned
 }
 
 void PGN_VistelUnitDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
-    if (parent != nullptr) Create(platform::wrap_native_window(parent), db, flags);
+    const ModuleGuard in_this_module;
+    wxWindow* const stand_in =
+        contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
+    if (stand_in != nullptr) Create(stand_in, db, flags);
 }
 
 void PGN_VistelUnitDlg_c::AssignUnitChangeApply(void (*callback)()) {
-    state_->apply_callback = callback;
+    if (state_ != nullptr) state_->apply_callback = callback;
 }
 
 void PGN_VistelUnitDlg_c::db2disp() {
+    if (choices_ == nullptr) return;
     wxComboBox** choice = choices_;
     for (const QuantityRow& row : quantity_rows()) {
         const int selected = state_->db->GetSelectUnit(row.quantity);
@@ -153,7 +164,7 @@ void PGN_VistelUnitDlg_c::db2disp() {
 
 void PGN_VistelUnitDlg_c::OnShow(wxShowEvent& event) {
     event.Skip();
-    db2disp();
+    contained([&] { db2disp(); });
 }
 
 void PGN_VistelUnitDlg_c::OnInitDialog(wxInitDialogEvent&) {}

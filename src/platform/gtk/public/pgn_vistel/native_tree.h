@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "pgn_vistel/export.h"
 #include "pgn_vistel/native.h"
 
 /// Where a control lies in its parent's client area, in pixels.
@@ -13,7 +12,7 @@ struct NativeRect {
 
 /// One line of a native tree. Owned by its control.
 struct _TREEITEM {
-    std::wstring text;
+    std::wstring text{};
     bool expanded = false;
     _TREEITEM* parent = nullptr;  // null for a top-level line
     _TREEITEM* first_child = nullptr;
@@ -26,7 +25,10 @@ struct _TREEITEM {
 ///
 /// Items stay valid until they or one of their parents are deleted. A null item means the invisible root
 /// where a parent is asked for; operations on a null item do nothing.
-class PGN_VISTEL_API CTreeCtrl {
+///
+/// It is the host's control, not the library's: all of it stands in this header, and the library exports none
+/// of it.
+class CTreeCtrl {
   public:
     enum Style : unsigned long { has_buttons = 1, has_lines = 2, lines_at_root = 4 };
 
@@ -35,14 +37,40 @@ class PGN_VISTEL_API CTreeCtrl {
     CTreeCtrl& operator=(const CTreeCtrl&) = delete;
     ~CTreeCtrl() { DeleteAllItems(); }
 
-    _TREEITEM* InsertItem(const wchar_t* text, _TREEITEM* parent);  ///< as the last child
-    void SetItemText(_TREEITEM* item, const wchar_t* text);
+    /// Adds a line as the last child. Where there is no memory for it nothing changes (std::bad_alloc).
+    _TREEITEM* InsertItem(const wchar_t* text, _TREEITEM* parent) {
+        _TREEITEM& above = parent != nullptr ? *parent : root_;
+        auto* const item = new _TREEITEM{.text = text, .parent = parent, .previous = above.last_child};
+        (above.last_child != nullptr ? above.last_child->next : above.first_child) = item;
+        above.last_child = item;
+        ++changes_;
+        return item;
+    }
+    void SetItemText(_TREEITEM* item, const wchar_t* text) {
+        if (item == nullptr) return;
+        item->text = text;
+        ++changes_;
+    }
     const std::wstring& GetItemText(const _TREEITEM* item) const { return item->text; }
     _TREEITEM* GetChildItem(const _TREEITEM* parent) const { return (parent ? parent : &root_)->first_child; }
     _TREEITEM* GetNextSiblingItem(const _TREEITEM* item) const { return item ? item->next : nullptr; }
-    void DeleteItem(_TREEITEM* item);
-    void DeleteAllItems();
-    void Expand(_TREEITEM* item, bool expand);
+    void DeleteItem(_TREEITEM* item) {
+        if (item == nullptr) return;
+        while (item->first_child != nullptr) DeleteItem(item->first_child);
+        _TREEITEM& above = item->parent != nullptr ? *item->parent : root_;
+        (item->previous != nullptr ? item->previous->next : above.first_child) = item->next;
+        (item->next != nullptr ? item->next->previous : above.last_child) = item->previous;
+        delete item;
+        ++changes_;
+    }
+    void DeleteAllItems() {
+        while (root_.first_child != nullptr) DeleteItem(root_.first_child);
+    }
+    void Expand(_TREEITEM* item, bool expand) {
+        if (item == nullptr || item->expanded == expand) return;
+        item->expanded = expand;
+        ++changes_;
+    }
 
     unsigned long GetStyle() const { return style_; }
     void ModifyStyle(unsigned long remove, unsigned long add) { style_ = (style_ & ~remove) | add; }

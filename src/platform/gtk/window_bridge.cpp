@@ -1,0 +1,85 @@
+#include <dlfcn.h>
+#include <gtk/gtk.h>
+#include <wx/app.h>
+#include <wx/init.h>
+#include <wx/nativewin.h>
+
+#include "platform/platform.h"
+
+namespace pgn_vistel::platform {
+
+namespace {
+
+/// The toolkit in a host that does not run it itself: it works inside the host's own main loop.
+class Toolkit {
+  public:
+    Toolkit() {
+        if (wxTheApp != nullptr) return;
+        // What it registers with GTK stays for the life of the process, so its code must stay, too.
+        Dl_info toolkit;
+        if (dladdr(reinterpret_cast<const void*>(&wxUninitialize), &toolkit) == 0 ||
+            dlopen(toolkit.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE) == nullptr)
+            return;
+        wxApp::SetInstance(new App);
+        started_ = wxInitialize();
+    }
+    ~Toolkit() {
+        if (started_) wxUninitialize();
+    }
+    static bool is_running() { return wxTheApp != nullptr; }
+
+  private:
+    class App final : public wxApp {
+      public:
+        App() { SetExitOnFrameDelete(false); }  // the main loop is the host's
+    };
+    bool started_ = false;
+};
+
+// A host's window handle is the GdkWindow of one of its realized widgets.
+GdkWindow* gdk_window(HWND window) {
+    return reinterpret_cast<GdkWindow*>(window);
+}
+
+/// Stands for a host's window: one pane for each, which goes when the host's window does.
+class HostPane final : public wxNativeContainerWindow {
+  public:
+    explicit HostPane(GdkWindow* host)
+        : wxNativeContainerWindow(host), host_(GDK_WINDOW(g_object_ref(host))) {
+        Hide();  // it lies within the host's window and would cover what is there
+        g_object_set_data(G_OBJECT(host_), key, this);
+        gdk_window_get_user_data(host_, &widget_);
+        if (widget_ != nullptr) unrealize_ = g_signal_connect(widget_, "unrealize", G_CALLBACK(leave), this);
+    }
+    ~HostPane() override {
+        if (widget_ != nullptr) g_signal_handler_disconnect(widget_, unrealize_);
+        g_object_set_data(G_OBJECT(host_), key, nullptr);
+        g_object_unref(host_);
+    }
+    static HostPane* of(GdkWindow* host) {
+        return static_cast<HostPane*>(g_object_get_data(G_OBJECT(host), key));
+    }
+
+  private:
+    static void leave(GtkWidget*, HostPane* pane) { delete pane; }
+
+    static constexpr const char* key = "pgn-vistel-pane";
+    GdkWindow* host_;
+    gpointer widget_ = nullptr;
+    gulong unrealize_ = 0;
+};
+
+}  // namespace
+
+wxWindow* wrap_native_window(HWND window) {
+    if (window == nullptr) return nullptr;
+    static const Toolkit toolkit;
+    if (!Toolkit::is_running()) return nullptr;
+    if (HostPane* const known = HostPane::of(gdk_window(window))) return known;
+    auto* const pane = new HostPane(gdk_window(window));
+    if (pane->GetHandle() != nullptr) return pane;
+    delete pane;
+    return nullptr;
+}
+
+}  // namespace pgn_vistel::platform
