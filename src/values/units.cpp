@@ -1,5 +1,6 @@
 #include "values/units.h"
 
+#include <atomic>
 #include <iterator>
 #include <new>
 
@@ -64,7 +65,12 @@ UnitId default_unit(DispDataType q) {
 }
 
 UnitId* new_selection() {
-    auto* const selection = new (std::nothrow) UnitId[selection_size];
+    // The first is the global database's. It lies within the library, so that loading and unloading again and
+    // again leaves nothing behind.
+    static UnitId first[selection_size];
+    static std::atomic_flag is_first_taken;
+    UnitId* const selection =
+        is_first_taken.test_and_set() ? new (std::nothrow) UnitId[selection_size] : first;
     for (DispDataType q = 0; selection != nullptr && q < selection_size; ++q) selection[q] = default_unit(q);
     return selection;
 }

@@ -1,0 +1,236 @@
+// The library's edge towards its host, on a platform that keeps book: the order of loading, which entries
+// switch the module state in, and what a host gets when memory runs out.
+
+#include <gtest/gtest.h>
+#include <wx/frame.h>
+#include <wx/treectrl.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "library/recording_platform.h"
+#include "library/scarce_memory.h"
+#include "pgn_vistel/native_tree.h"
+#include "pgn_vistel/pgn_vistel.h"
+#include "pgn_vistel/units.h"
+#include "support/testing.h"
+#include "views/images.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+HWND native(wxWindow& window) {
+    return reinterpret_cast<HWND>(&window);
+}
+
+N2KMsg heading() {
+    return message(127250, {5, 0x5C, 0x3D, 0xFF, 0x7F, 0xFF, 0x7F, 0xFD});
+}
+
+TEST(Loading, GoesInItsOrderWithLoggingOff) {
+    const auto steps = load_steps();
+    const std::vector<std::string> names = {"host", "application", "image", "image"};
+    ASSERT_EQ(steps.size(), names.size());
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        EXPECT_EQ(steps[i].name, names[i]);
+        EXPECT_EQ(steps[i].logging, i == 0) << names[i];
+    }
+    EXPECT_EQ(steps[2].object, &pause_image());
+    EXPECT_EQ(steps[3].object, &clear_image());
+    check_unloading(pause_image(), clear_image());
+}
+
+/// What an entry is called on.
+struct Objects {
+    wxFrame frame{nullptr, wxID_ANY, "Host"};
+    wxTreeCtrl control{&frame};
+    CTreeCtrl native_control;
+    QV_N2K_PGN_DB_c db;
+    std::unique_ptr<PGN_VistelTree_c> tree = std::make_unique<PGN_VistelTree_c>(&frame, &control, &db, 3, 0);
+    std::unique_ptr<PGN_VistelTree_c> made;  // by the entry; dialogs go with the frame
+    N2KMsg msg = heading();
+};
+
+enum class Switching { never, once, inside };
+
+struct Entry {
+    const char* name;
+    Switching expected;
+    std::function<void(Objects&)> call;
+};
+
+// `inside`: the entry itself does not switch; the database's and tree's entries that it calls each do.
+const Entry entries[] = {
+    {"tree on a native control", Switching::once,
+     [](Objects& o) { o.made.reset(new PGN_VistelTree_c(native(o.frame), &o.native_control, 1, 0)); }},
+    {"tree on a toolkit control", Switching::once,
+     [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, 1, 0)); }},
+    {"tree with a database", Switching::once,
+     [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, &o.db, 1, 0)); }},
+    {"tree's destructor", Switching::once, [](Objects& o) { o.tree.reset(); }},
+    {"OnInit", Switching::once, [](Objects& o) { o.tree->OnInit(); }},
+    {"OnSize", Switching::once, [](Objects& o) { o.tree->OnSize(); }},
+    {"Pause", Switching::once, [](Objects& o) { o.tree->Pause(1); }},
+    {"ClearMsg", Switching::once, [](Objects& o) { o.tree->ClearMsg(); }},
+    {"CollapseAll", Switching::once, [](Objects& o) { o.tree->CollapseAll(); }},
+    {"ExpandAll", Switching::once, [](Objects& o) { o.tree->ExpandAll(); }},
+    {"GetDB", Switching::never, [](Objects& o) { o.tree->GetDB(); }},
+    {"tree's SelectUnit", Switching::once, [](Objects& o) { o.tree->SelectUnit(0, 0); }},
+    {"tree's GetSelectUnit", Switching::once, [](Objects& o) { o.tree->GetSelectUnit(0); }},
+    {"PutMsg", Switching::once, [](Objects& o) { o.tree->PutMsg(&o.msg); }},
+    {"PutMsg as a callback", Switching::once,
+     [](Objects& o) { PGN_VistelTree_PutMsg(o.tree.get(), &o.msg); }},
+    {"database", Switching::never, [](Objects&) { QV_N2K_PGN_DB_c(); }},
+    {"SelectUnit", Switching::once, [](Objects& o) { o.db.SelectUnit(0, 0); }},
+    {"GetSelectUnit", Switching::once, [](Objects& o) { o.db.GetSelectUnit(0); }},
+    {"GetAvailableUnit", Switching::once, [](Objects&) { QV_N2K_PGN_DB_c::GetAvailableUnit(0, nullptr, 0); }},
+    {"print_val", Switching::never,
+     [](Objects& o) {
+         wchar_t text[256];
+         o.db.print_val(text, 1, o.msg.data, -1);
+     }},
+    {"dialog under a native window", Switching::once,
+     [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), 1, 0); }},
+    {"dialog under a native window, with a database", Switching::once,
+     [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), &o.db, 1, 0); }},
+    {"unit dialog under a native window", Switching::once,
+     [](Objects& o) { new PGN_VistelUnitDlg_c(native(o.frame), &o.db, 0); }},
+    {"unit dialog under a window", Switching::inside,
+     [](Objects& o) { new PGN_VistelUnitDlg_c(&o.frame, &o.db, 0); }},
+    {"dialog under a window", Switching::inside,
+     [](Objects& o) { new PGN_VistelDlg_c(&o.frame, &o.db, 1, 0); }},
+};
+
+/// How often the library's state took the place of the host's.
+int times_switched_in(std::span<const platform::ModuleState* const> states,
+                      const platform::ModuleState* host) {
+    int times = 0;
+    const platform::ModuleState* before = host;
+    for (const auto* state : states) {
+        times += before == host && state != host;
+        before = state;
+    }
+    return times;
+}
+
+class ModuleGuards : public testing::Test {
+  protected:
+    ModuleGuards() : library_(platform::set_module_state(&host_)) {}
+    ~ModuleGuards() override { platform::set_module_state(library_); }
+
+    platform::ModuleState host_;
+    platform::ModuleState* library_;
+};
+
+TEST_F(ModuleGuards, StandOnExactlyTheEntriesThatNeedThem) {
+    for (const Entry& entry : entries) {
+        SCOPED_TRACE(entry.name);
+        Objects objects;
+        forget_module_states();
+        entry.call(objects);
+        const int times = times_switched_in(module_states(), &host_);
+        switch (entry.expected) {
+            case Switching::never: EXPECT_EQ(times, 0); break;
+            case Switching::once: EXPECT_EQ(times, 1); break;
+            case Switching::inside: EXPECT_GT(times, 1); break;
+        }
+        if (entry.expected != Switching::never) {
+            EXPECT_EQ(module_states().back(), &host_) << "not switched back";
+        }
+    }
+}
+
+TEST_F(ModuleGuards, RestoreTheHostsStateWhenAnEntryFails) {
+    CTreeCtrl control;
+    PGN_VistelTree_c tree(nullptr, &control, 3, 0);
+    N2KMsg msg = heading();
+    forget_module_states();
+    {
+        const ScarceMemory none(0);
+        EXPECT_EQ(tree.PutMsg(&msg), -1);
+        EXPECT_TRUE(none.was_short());
+    }
+    ASSERT_FALSE(module_states().empty());
+    EXPECT_EQ(module_states().back(), &host_);
+}
+
+std::vector<std::wstring> texts_below(const CTreeCtrl& tree, const _TREEITEM* parent) {
+    std::vector<std::wstring> texts;
+    for (auto* item = tree.GetChildItem(parent); item != nullptr; item = tree.GetNextSiblingItem(item))
+        texts.push_back(item->text);
+    return texts;
+}
+
+// Every allocation on the way fails once, and all behind it.
+TEST(MemoryExhaustion, BecomesAResultOfTheTree) {
+    N2KMsg msg = heading(), other = message(128267, {1, 0x10, 0x27, 0, 0, 0, 0, 0xFF});
+    CTreeCtrl reference_control;
+    PGN_VistelTree_c reference(nullptr, &reference_control, 3, 0);
+    reference.OnInit();
+    ASSERT_EQ(reference.PutMsg(&msg), 0);
+
+    bool was_short = true;
+    for (long left = 0; was_short; ++left) {
+        SCOPED_TRACE(left);
+        CTreeCtrl control;
+        alignas(PGN_VistelTree_c) char place[sizeof(PGN_VistelTree_c)];
+        int last_result;
+        PGN_VistelTree_c* tree;
+        {
+            const ScarceMemory memory(left);
+            tree = new (place) PGN_VistelTree_c(nullptr, &control, 3, 0);
+            tree->OnInit();
+            tree->PutMsg(&msg);
+            last_result = tree->PutMsg(&other);
+            tree->ExpandAll();
+            was_short = memory.was_short();
+        }
+        EXPECT_EQ(last_result, was_short ? -1 : 0);
+        // With memory again, the tree is as if nothing had been.
+        if (tree->GetDB() != nullptr && tree->PutMsg(&msg) == 0) {
+            EXPECT_EQ(texts_below(control, control.GetChildItem(nullptr)),
+                      texts_below(reference_control, reference_control.GetChildItem(nullptr)));
+        } else {
+            EXPECT_LT(left, 2) << "only without a state or a stream table";
+        }
+        tree->~PGN_VistelTree_c();
+    }
+}
+
+TEST(MemoryExhaustion, LeavesADatabaseWithTheDefaultUnits) {
+    const ScarceMemory none(0);
+    QV_N2K_PGN_DB_c db;
+    EXPECT_EQ(db.SelectUnit(quantity::temperature, 31), -1);
+    EXPECT_EQ(db.GetSelectUnit(quantity::temperature),
+              QV_N2K_PGN_DB_c().GetSelectUnit(quantity::temperature));
+    wchar_t text[256];
+    const unsigned char raw[] = {0xB8, 0x0B};
+    EXPECT_GT(db.print_val_unit(text, 38, raw, -1), 0);
+}
+
+TEST(Bridge, WithoutAWindowNothingIsBuilt) {
+    wxFrame frame(nullptr, wxID_ANY, "Host");
+    const NoBridge none;
+    N2KMsg msg = heading();
+    PGN_VistelDlg_c dialog(native(frame), 3, 0);
+    EXPECT_EQ(dialog.GetHandle(), nullptr);
+    EXPECT_EQ(dialog.PutMsg(&msg), -1);
+    EXPECT_EQ(dialog.ClearMsg(), -1);
+    PGN_VistelUnitDlg_c units(native(frame), nullptr, 0);
+    EXPECT_EQ(units.GetHandle(), nullptr);
+    units.AssignUnitChangeApply(nullptr);
+}
+
+TEST(NullArguments, GiveMinusOne) {
+    PGN_VistelDlg_c dialog;
+    EXPECT_EQ(PGN_VistelTree_PutMsg(nullptr, nullptr), -1);
+    EXPECT_EQ(PGN_VistelDlg_c::s_PutMsg(nullptr, nullptr), -1);
+    EXPECT_EQ(dialog.ExpandAll(), -1);
+    CTreeCtrl control;
+    PGN_VistelTree_c tree(nullptr, &control, 1, 0);
+    EXPECT_EQ(PGN_VistelTree_PutMsg(&tree, nullptr), -1);
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

@@ -1,0 +1,140 @@
+#include "library/recording_platform.h"
+
+#include <wx/bitmap.h>
+#include <wx/image.h>
+#include <wx/log.h>
+#include <wx/toplevel.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "pgn_vistel/pgn_db.h"
+
+namespace pgn_vistel::test {
+
+namespace {
+
+// Plain data: it is used before and after everything that has a constructor.
+Step steps[16];
+int step_count = 0;
+bool loaded = false;
+bool bridge_works = true;
+alignas(wxBitmap) char kept_images[2][sizeof(wxBitmap)];
+
+/// Whether the global database is constructed: it holds a pointer, which is null before.
+bool is_database_there() {
+    const void* selection;
+    std::memcpy(&selection, &qv_n2k_pgn_db, sizeof selection);
+    return selection != nullptr;
+}
+
+void note(const char* name, const void* object = nullptr) {
+    if (is_database_there()) loaded = true;  // the rest is the toolkit's
+    if (!loaded && step_count < 16) steps[step_count++] = {name, wxLog::IsEnabled(), object};
+}
+
+[[noreturn]] void fail(const char* what) {
+    std::fprintf(stderr, "unloading: %s\n", what);
+    std::_Exit(1);
+}
+
+bool is_library_loaded_still = false;
+
+/// Made before and gone after everything that the library loads.
+struct Host {
+    Host() {
+        wxLog::EnableLogging(true);
+        note("host");
+    }
+    ~Host() {
+        if (is_library_loaded_still) fail("the application object is still there");
+        if (!wxLog::IsEnabled()) fail("logging is not restored");
+    }
+};
+[[gnu::init_priority(101)]] Host host;
+
+std::array<const platform::ModuleState*, 1000> states;  // those beyond are not kept
+std::size_t state_count = 0;
+const platform::ModuleState* current = nullptr;
+
+}  // namespace
+
+std::span<const platform::ModuleState* const> module_states() {
+    return std::span(states).first(state_count);
+}
+
+void forget_module_states() {
+    state_count = 0;
+}
+
+std::span<const Step> load_steps() {
+    return {steps, static_cast<std::size_t>(step_count)};
+}
+
+void check_unloading(const wxBitmap& pause, const wxBitmap& clear) {
+    new (kept_images[0]) wxBitmap(pause);
+    new (kept_images[1]) wxBitmap(clear);
+    is_library_loaded_still = true;
+}
+
+NoBridge::NoBridge() {
+    bridge_works = false;
+}
+NoBridge::~NoBridge() {
+    bridge_works = true;
+}
+
+}  // namespace pgn_vistel::test
+
+using namespace pgn_vistel;
+using namespace pgn_vistel::test;
+
+// In place of the toolkit's own, to see when the library builds its images.
+wxBitmap::wxBitmap(const char* const* bits) {
+    *this = wxBitmap(wxImage(bits));
+    note("image", this);
+}
+
+CWinApp::CWinApp(platform::ModuleState& module) : module_(module) {
+    note("application");
+    module_.application = this;
+}
+
+CWinApp::~CWinApp() {
+    if (!is_library_loaded_still) return;
+    if (wxLog::IsEnabled()) fail("logging is on before the application object goes");
+    for (const auto& image : kept_images)
+        if (reinterpret_cast<const wxBitmap*>(image)->GetRefData()->GetRefCount() != 1)
+            fail("an image is still there when the application object goes");
+    module_.application = nullptr;
+    is_library_loaded_still = false;
+}
+
+namespace pgn_vistel::platform {
+
+ModuleState* set_module_state(ModuleState* state) noexcept {
+    auto* const previous = const_cast<ModuleState*>(current);
+    current = state;
+    if (state_count < states.size()) states[state_count++] = state;
+    return previous;
+}
+
+std::wstring product_name(HINSTANCE module) {
+    return module != nullptr ? L"Recorded" : L"";
+}
+
+Size client_size(HWND) {
+    return {};
+}
+
+wxWindow* wrap_native_window(HWND window) {
+    return bridge_works ? reinterpret_cast<wxWindow*>(window) : nullptr;
+}
+
+void set_program_icon(wxTopLevelWindow&) {}
+
+void remove_padding(wxWindow&) {}
+
+}  // namespace pgn_vistel::platform
