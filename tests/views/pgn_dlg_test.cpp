@@ -1,16 +1,27 @@
 #include "pgn_vistel/pgn_dlg.h"
 
+#include <dlfcn.h>
 #include <wx/bmpbuttn.h>
 #include <wx/combobox.h>
 #include <wx/dialog.h>
 
 #include <memory>
 
+#include "pgn_vistel/product_name.h"
 #include "pgn_vistel/units.h"
 #include "views/windows.h"
 
+PGN_VISTEL_PRODUCT_NAME("Kartentisch für 2")
+
 namespace pgn_vistel::test {
 namespace {
+
+/// A loaded module's handle; null is the program's own name.
+HINSTANCE module_of(const char* name) {
+    void* const handle = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
+    EXPECT_NE(handle, nullptr);
+    return static_cast<HINSTANCE>(handle);
+}
 
 /// The parts of a monitor window, as a user finds them.
 struct Parts {
@@ -89,11 +100,27 @@ TEST_F(MonitorDialog, StartsHiddenWithItsParts) {
     EXPECT_EQ(created_, 0);
 }
 
+TEST_F(MonitorDialog, TitleIsTheModulesProductName) {
+    const struct {
+        HINSTANCE module;
+        const char* title;
+    } cases[] = {
+        {nullptr, "PGN Vistel"},
+        {module_of(nullptr), "Kartentisch für 2"},
+        {module_of("libc.so.6"), ""},  // it has notes, but none of ours
+    };
+    for (const auto& [module, title] : cases) {
+        PGN_VistelDlg_c later;
+        later.SetModule(module);
+        later.Create(dialog_.get(), nullptr, 1, 0);
+        EXPECT_EQ(later.GetTitle(), wxString::FromUTF8(title));
+    }
+}
+
 TEST_F(MonitorDialog, CreatedLater) {
     N2KMsg msg = message_from(1);
     PGN_VistelDlg_c later;
     EXPECT_EQ(later.PutMsg(&msg), -1);
-    later.SetModule(nullptr);
     later.Create(dialog_.get(), nullptr, 1, 1);
     EXPECT_EQ(later.GetTitle(), "PGN Vistel");
     EXPECT_EQ(Parts(later).unit, nullptr) << "flag bit value 1";
