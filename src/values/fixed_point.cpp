@@ -8,6 +8,8 @@
 
 namespace pgn_vistel {
 
+#ifdef __SIZEOF_INT128__
+
 namespace {
 
 __extension__ typedef unsigned __int128 uint128;
@@ -75,5 +77,14 @@ int fixed_point(char (&out)[fixed_point_capacity], const char** first, double ma
     *first = at;
     return static_cast<int>(std::end(out) - at);
 }
+
+#else
+
+// A processor of 32 bits has no product of 128: the general way serves it as well, if slower.
+int fixed_point(char (&)[fixed_point_capacity], const char**, double, int) {
+    return 0;
+}
+
+#endif
 
 }  // namespace pgn_vistel
