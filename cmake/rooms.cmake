@@ -10,6 +10,7 @@ function(add_room name)
 
     add_library(room_${name} OBJECT ${ROOM_SOURCES})
     target_include_directories(room_${name} PUBLIC ${PROJECT_SOURCE_DIR}/include ${view})
+    target_compile_definitions(room_${name} PRIVATE PGN_VISTEL_BUILD)
     target_link_libraries(room_${name} PRIVATE project_options tables)
     foreach(used IN LISTS ROOM_USES)
         target_include_directories(room_${name}

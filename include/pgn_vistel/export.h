@@ -4,10 +4,10 @@
 // member of a marked class out again. On Windows PGN_VISTEL_STATIC says that the library is linked in as
 // objects.
 #if defined(_WIN32)
-#if defined(PGN_VISTEL_STATIC)
-#define PGN_VISTEL_API
-#elif defined(PGN_VISTEL_BUILD)
+#if defined(PGN_VISTEL_BUILD)
 #define PGN_VISTEL_API __declspec(dllexport)
+#elif defined(PGN_VISTEL_STATIC)
+#define PGN_VISTEL_API
 #else
 #define PGN_VISTEL_API __declspec(dllimport)
 #endif
