@@ -9,6 +9,9 @@
 
 using namespace pgn_vistel;
 
+// Hosts hold these objects by value.
+static_assert(sizeof(QV_N2K_PGN_DB_c) == sizeof(void*));
+
 namespace {
 
 constexpr int tree_text_size = 1024;

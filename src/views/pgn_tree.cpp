@@ -14,6 +14,9 @@
 
 using namespace pgn_vistel;
 
+// Hosts derive from it and hold it by value: the virtual table and the state.
+static_assert(sizeof(PGN_VistelTree_c) == 2 * sizeof(void*));
+
 namespace {
 
 // Distances of a control to the edges of its parent's client area.
