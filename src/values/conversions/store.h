@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cfloat>
 #include <cstdint>
 
 #include "pgn_vistel/conv_value.h"
+
+// Otherwise a result would depend on what the compiler keeps in registers.
+static_assert(FLT_EVAL_METHOD == 0, "single precision must be computed as such");
 
 namespace pgn_vistel {
 
