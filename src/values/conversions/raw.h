@@ -26,9 +26,10 @@ struct Number {
     using Value = T;
     static constexpr int bytes = Bytes;
     static constexpr ConvType raw_type = RawType;
+    static constexpr Value top = Top;
 
     static Value read(const void* at) { return load<T>(at); }
-    static bool is_refused(Value v) { return v >= Top - 2; }
+    static bool is_refused(Value v) { return v >= top - 2; }
 };
 
 struct u8 : Number<std::uint8_t, CV_U8> {};
