@@ -8,6 +8,8 @@
 #include "values/conversions/numeric.h"
 #include "values/conversions/special.h"
 #include "values/format_table.h"
+#include "values/parsers/numeric.h"
+#include "values/parsers/special.h"
 
 namespace pgn_vistel {
 

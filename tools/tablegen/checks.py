@@ -1,12 +1,15 @@
 """Rules between the rows of the tables. They run on tables whose cells are all well formed."""
 
-from tables import CLASS_COUNT, DD_RANGES, LAST_INDEXED_FORMAT, NO_KEY, UNIT_COUNT
+from tables import CLASS_COUNT, DD_RANGES, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS, UNIT_COUNT
+
+PARSED_BYTES = {kind: int(kind[1:]) // 8 for kind in PARSED_KINDS}
 
 
 def check_tables(tables, report):
     check_catalogue(tables, report)
     check_dictionary(tables, report)
     check_formats(tables, report)
+    check_parsers(tables, report)
     check_units(tables, report)
     check_fields(tables, report)
     check_repeat_sets(tables, report)
@@ -80,6 +83,42 @@ def check_format_rule(row, generated, report):
         report.add(row.place, "kind is missing")
     if kind == "special" and name.startswith("convert_df_") and name not in generated:
         report.add(row.place, f"no generated conversion {name}")
+
+
+def check_parsers(tables, report):
+    catalogued = [row.df for row in tables.formats if row.catalogued == "yes"]
+    parsers = {row.df: row for row in tables.parsers}
+    check_ascending(tables.parsers, "df", report, strict=True)
+    check_known(tables.parsers, "df", catalogued, "no catalogued df", report)
+    for df in catalogued:
+        if df not in parsers:
+            report.add(tables.parsers[-1].place, f"no row for df {df}")
+    for row in tables.parsers:
+        check_parser_rule(row, report)
+    check_ascending(tables.unit_formats, "unit", report, strict=True)
+    for row in tables.unit_formats:
+        parser = parsers.get(row.df)
+        if parser is None or PARSED_BYTES.get(parser.kind, 0) not in (2, 3, 4):
+            report.add(row.place, f"no parser of 2 to 4 bytes for df {row.df}")
+
+
+def check_parser_rule(row, report):
+    kind, detail = row.rule
+    counted, bounds = row.range
+    scaled = kind in ("any", "listed", "map", "factor")
+    if (kind == "special") != (row.kind is None):
+        report.add(row.place, f"kind is {'of no use' if row.kind else 'missing'}")
+    if not scaled and (row.then or counted or bounds):
+        report.add(row.place, "then and range have no effect with this rule")
+    if row.offset and not bounds:
+        report.add(row.place, "offset without bounds in range")
+    if kind == "probe" and row.kind not in ("u32", "i32"):
+        report.add(row.place, "probe makes u32 or i32")
+    if kind in ("whole", "hex") and row.kind not in ("u8", "u16", "u32", "u64"):
+        report.add(row.place, f"{kind} makes u8, u16, u32 or u64")
+    units = [unit for unit, _ in detail] if kind == "listed" else []
+    if len(set(units)) < len(units):
+        report.add(row.place, "rule names a unit twice")
 
 
 def check_units(tables, report):

@@ -1,6 +1,6 @@
 """The C++ include fragments. Each is text for the inside of one initialiser or macro list."""
 
-from tables import DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS
+from tables import DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
@@ -11,6 +11,7 @@ def fragments(tables):
     """File name -> (source, lines) of every fragment."""
     formats = {row.df: row for row in tables.formats}
     format_index = {row.df: i for i, row in enumerate(catalogued(tables))}
+    parsers = {row.df: row for row in tables.parsers}
     dictionary_index = {row.dd: i for i, row in enumerate(tables.dictionary)}
     sets = sorted(tables.sets, key=lambda found: found.dd)
     fields = sorted(tables.fields, key=lambda row: row.pgn)  # stable: order within a PGN stays
@@ -22,7 +23,12 @@ def fragments(tables):
         "pgn_table.inc": ("pgns.tsv", [*map(pgn_line, tables.pgns), PGN_CLOSING_ROW]),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
         "format_functions.inc": ("formats.tsv", filter(None, map(format_function, tables.formats))),
-        "format_table.inc": ("formats.tsv", map(format_line, catalogued(tables))),
+        "format_table.inc": ("formats.tsv", [format_line(row, parsers[row.df])
+                                             for row in catalogued(tables)]),
+        "parser_units.inc": ("parsers.tsv", parser_units(tables.parsers)),
+        "parser_table.inc": ("parsers.tsv", parser_lines(tables.parsers)),
+        "unit_format_table.inc": ("unit_formats.tsv", [f"{{{row.unit}, {row.df}}},"
+                                                       for row in tables.unit_formats]),
         "df_conv_table.inc": ("formats.tsv", [f"&{conversion(formats[df])},"
                                               for df in range(LAST_INDEXED_FORMAT + 1)]),
         "df_conv_list.inc": ("format_list.tsv", conversion_list(tables.format_list)),
@@ -99,8 +105,55 @@ def format_function(row):
     return None
 
 
-def format_line(row):
-    return f'{{{row.df}, "DF{row.df:02}", &{conversion(row)}, nullptr}},'
+def format_line(row, parser):
+    kind, detail = parser.rule
+    parse = detail if kind == "special" else f"parse_numeric<{row.df}>"
+    return f'{{{row.df}, "DF{row.df:02}", &{conversion(row)}, &{parse}}},'
+
+
+def parser_units(parsers):
+    """The units of every parser that lists them, in the order of the parsers."""
+    return [f"{{{unit}, {step_list(chain, parser)}}}," for parser in parsers
+            if parser.rule[0] == "listed" for unit, chain in parser.rule[1]]
+
+
+def parser_lines(parsers):
+    lines, offset = [], 0
+    for row in parsers:
+        kind, detail = row.rule
+        if kind == "special":
+            continue
+        counted, bounds = row.range
+        limits = ", ".join(constant(bound, row) for bound in bounds or ())
+        lines.append(f"{{{row.df}, &raw_kind::{row.kind}, {parser_rule(row, offset)}, "
+                     f"{step_list(row.then, row)}, &raw_kind::{counted or row.kind}, "
+                     f"{f'Bounds{{{limits}}}' if bounds else '{}'}, {row.offset or 0}u}},")
+        offset += len(detail) if kind == "listed" else 0
+    return lines
+
+
+def parser_rule(row, offset):
+    kind, detail = row.rule
+    if kind == "listed":
+        return f"Listed{{{offset}, {len(detail)}}}"
+    if kind == "map":
+        return f"Mapped{{&{detail}_of}}"
+    if kind == "factor":
+        factor, amount, raw_count_as = detail
+        return f"Divided{{&{factor}_factor, {constant(amount, row)}, {raw_count_as}}}"
+    if kind in ("whole", "hex"):
+        return f"Whole{{{16 if kind == 'hex' else 10}}}"
+    return {"any": "AnyUnit{}", "never": "NeverRead{}", "probe": "Probed{}"}[kind]
+
+
+def step_list(chain, row):
+    names = {"*": "times", "/": "over", "-": "minus"}
+    return f"steps({', '.join(f'{names[how]}({constant(by, row)})' for how, by in chain)})"
+
+
+def constant(decimal, row):
+    """Single precision, but for numbers of 8 bytes, which reach further."""
+    return literal(decimal) + ("" if row.kind in ("u48", "u64", "i64") else "f")
 
 
 def dictionary_line(row, format_index):

@@ -18,6 +18,13 @@ CLASS_COUNT = 65
 NO_CLASS = 65
 UNIT_COUNT = 140
 UNITS_PER_CLASS = 7
+RAW_COUNT = 68  # the unit of a number as sent
+DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
+# What a parser may be told to do with a typed number; src/values/parsers has a function for each name.
+PLAIN_PARSER_RULES = ("any", "never", "probe", "whole", "hex")
+UNIT_MAPS = ("seconds", "minutes", "kelvin")
+UNIT_FACTORS = ("length", "volume", "voltage", "current", "pressure", "speed")
+MAX_STEPS = 3
 
 
 class Report:
@@ -121,9 +128,14 @@ def scale(cell):
     """The C++ literal of a scale."""
     if cell == "-":
         return "1.0f"
-    if not re.fullmatch(r"[0-9]+(\.[0-9]+)?(e-?[0-9]+)?", cell) or not 0 < float(cell) < 1e38:
+    if not re.fullmatch(DECIMAL, cell) or not 0 < float(cell) < 1e38:
         raise ValueError(f"'{cell}' is not a positive decimal number")
-    return cell + ("f" if "." in cell or "e" in cell else ".0f")
+    return literal(cell) + "f"
+
+
+def literal(decimal):
+    """The C++ literal of a number, in double precision."""
+    return decimal if "." in decimal or "e" in decimal else f"{decimal}.0"
 
 
 def rule(cell):
@@ -144,6 +156,53 @@ def unit_list(cell):
     return [] if cell == "-" else [number(0, UNIT_COUNT - 1)(unit) for unit in cell.split(",")]
 
 
+def steps(most):
+    """A chain of at most `most` steps such as *60/360, as (operation, number) pairs."""
+    def parse(cell):
+        if cell == "-":
+            return []
+        if not re.fullmatch(rf"([*/-]{DECIMAL})+", cell):
+            raise ValueError(f"'{cell}' is no chain of steps such as *60/360")
+        chain = re.findall(rf"([*/-])({DECIMAL})", cell)
+        if len(chain) > most:
+            raise ValueError(f"'{cell}' has {len(chain)} steps, {most} fit")
+        return chain
+    return parse
+
+
+def parser_rule(cell):
+    """(kind of rule, its details)."""
+    if cell in PLAIN_PARSER_RULES:
+        return cell, None
+    if cell in UNIT_MAPS:
+        return "map", cell
+    if re.fullmatch(r"parse_[a-z_]+", cell):
+        return "special", cell
+    match = re.fullmatch(rf"([a-z]+)(?:@({DECIMAL}))?(?:;68=([0-9]+))?", cell)
+    if match and match[1] in UNIT_FACTORS:
+        raw_count_as = number(0, UNIT_COUNT - 1)(match[3]) if match[3] else RAW_COUNT
+        return "factor", (match[1], match[2] or "1", raw_count_as)
+    if re.fullmatch(r"[0-9][^;]*(;[0-9][^;]*)*", cell):
+        return "listed", [case for group in cell.split(";") for case in unit_cases(group)]
+    raise ValueError(f"'{cell}' is no rule")
+
+
+def unit_cases(group):
+    """(unit, steps) of each unit of a group such as 22,24*0.5."""
+    units, chain = re.fullmatch(r"([0-9,]+)(.*)", group).groups()
+    return [(unit, steps(MAX_STEPS)(chain or "-")) for unit in unit_list(units)]
+
+
+def parser_range(cell):
+    """(kind whose range counts, bounds): one of the two or neither."""
+    if cell == "-" or cell in PARSED_KINDS:
+        return None if cell == "-" else cell, None
+    bounds = re.fullmatch(rf"(-?{DECIMAL})\.\.(-?{DECIMAL})", cell)
+    if not bounds or float(bounds[1]) >= float(bounds[2]):
+        raise ValueError(f"'{cell}' is neither - nor a kind nor LOW..HIGH")
+    return None, bounds.groups()
+
+
 def offered_units(cell):
     units = unit_list(cell)
     if len(units) > UNITS_PER_CLASS:
@@ -156,7 +215,9 @@ DD = number(0, 0xFFFF)
 DF = number(0, 0xFFFE)  # 65535 ends the lists
 FIELD = number(1, 0xFFFF)
 CLASS = number(0, CLASS_COUNT - 1)
-KIND = choice("u8", "i8", "u16", "i16", "u24", "i24", "u32", "i32", "u64", "i64")
+KINDS = ("u8", "i8", "u16", "i16", "u24", "i24", "u32", "i32", "u64", "i64")
+KIND = choice(*KINDS)
+PARSED_KINDS = (*KINDS, "u48", "f32")
 LABEL = text(MAX_LABEL)
 
 KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
@@ -171,6 +232,10 @@ COLUMNS = {
     "repeat_sets": {"pgn": PGN, "selector": number(0, 0xFFFF), "first": FIELD, "last": FIELD},
     "formats": {"df": DF, "kind": optional(KIND), "scale": scale, "rule": rule,
                 "catalogued": choice("yes", "no")},
+    "parsers": {"df": DF, "kind": optional(choice(*PARSED_KINDS)), "rule": parser_rule,
+                "then": steps(MAX_STEPS), "range": parser_range,
+                "offset": optional(number(1, MAX_U32))},
+    "unit_formats": {"unit": number(0, UNIT_COUNT - 1), "df": DF},
     "format_list": {"df": DF},
     "self_described": {"df": DF},
     "format_classes": {"df": DF, "class": CLASS},

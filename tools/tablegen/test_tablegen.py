@@ -35,6 +35,12 @@ def good_tables():
             "55 i16 1e-7 any yes",
             *(f"{df} u16 - unit_rule_plain yes" for df in range(56, 118)),
             "2436 u16 - unit_rule_plain yes", "2444 u16 - convert_df_2436 no"),
+        "parsers.tsv": lines(
+            "df kind rule then range offset", "0 u8 never - - -", "1 - parse_text - - -",
+            "2 u16 22,68*60/360;23 *0.1 - -", "3 i64 29 /1e-6 - -", "4 u32 length@0.01;68=3 - - -",
+            "5 u16 any *16384 -1..1 16384", "6 u16 seconds - i32 -", "7 i32 probe - - -",
+            "8 u64 hex - - -", *(f"{df} u16 any - - -" for df in (*range(9, 118), 2436))),
+        "unit_formats.tsv": lines("unit df", "0 4", "3 9"),
         "format_list.tsv": lines("df", "2444", "2436"),
         "self_described.tsv": lines("df", "4", "1"),
         "format_classes.tsv": lines("df class", "4 7", "1 25"),
@@ -90,8 +96,25 @@ BAD_ROWS = (
     ("formats.tsv", 3, "1 u8 - some yes", "rule 'some' is no rule"),
     ("formats.tsv", 3, "1 u8 - 65,140 yes", "rule '140' is not a number from 0 to 139"),
     ("formats.tsv", 3, "1 u8 - convert_df_52 yes", "no generated conversion convert_df_52"),
-    ("formats.tsv", 122, "2500 u8 - any yes", "df 2500 is not in format_list.tsv"),
-    ("formats.tsv", 122, "2444 u8 - any yes", "df 2444 stands twice"),
+    ("formats.tsv", 122, "2500 u8 - any no", "df 2500 is not in format_list.tsv"),
+    ("formats.tsv", 122, "2444 u8 - any no", "df 2444 stands twice"),
+    ("parsers.tsv", 4, "2 u16 kilos - - -", "rule 'kilos' is no rule"),
+    ("parsers.tsv", 4, "2 u16 22,140 - - -", "rule '140' is not a number from 0 to 139"),
+    ("parsers.tsv", 4, "2 u16 22*x - - -", "rule '*x' is no chain of steps such as *60/360"),
+    ("parsers.tsv", 4, "2 u16 22;23,22*2 - - -", "rule names a unit twice"),
+    ("parsers.tsv", 4, "2 u16 length;68=140 - - -", "rule '140' is not a number from 0 to 139"),
+    ("parsers.tsv", 4, "2 u16 any *1*2/3-4 - -", "then '*1*2/3-4' has 4 steps, 3 fit"),
+    ("parsers.tsv", 4, "2 u16 any - 1..1 -", "range '1..1' is neither - nor a kind nor LOW..HIGH"),
+    ("parsers.tsv", 4, "2 u16 any - - 5", "offset without bounds in range"),
+    ("parsers.tsv", 4, "2 - any - - -", "kind is missing"),
+    ("parsers.tsv", 4, "2 u16 parse_text - - -", "kind is of no use"),
+    ("parsers.tsv", 4, "2 u16 never *2 - -", "then and range have no effect with this rule"),
+    ("parsers.tsv", 4, "2 u16 probe - - -", "probe makes u32 or i32"),
+    ("parsers.tsv", 4, "2 i16 whole - - -", "whole makes u8, u16, u32 or u64"),
+    ("parsers.tsv", 121, "2444 u16 any - - -", "no catalogued df 2444"),
+    ("parsers.tsv", 121, "2436 u16 any - - -", "df 2436 stands twice"),
+    ("unit_formats.tsv", 3, "0 2", "unit 0 stands twice"),
+    ("unit_formats.tsv", 3, "3 1", "no parser of 2 to 4 bytes for df 1"),
     ("format_list.tsv", 4, "2437", "unknown df 2437"),
     ("self_described.tsv", 4, "4", "df 4 stands twice"),
     ("format_classes.tsv", 4, "118 0", "unknown df 118"),
@@ -145,6 +168,10 @@ FRAGMENT_LINES = {
     "df_conv_list.inc": ["{2444, &convert_df_2436},", "{2436, &convert_df_2436},"],
     "df_self_conv_list.inc": ["{4, &convert_df_4},", "{1, &convert_df_1},"],
     "format_class_table.inc": ["{4, 7},", "{1, 25},"],
+    "parser_units.inc": ["{22, steps(times(60.0f), over(360.0f))},",
+                         "{68, steps(times(60.0f), over(360.0f))},", "{23, steps()},",
+                         "{29, steps()},"],
+    "unit_format_table.inc": ["{0, 4},", "{3, 9},"],
     "field_table.inc": [
         '{59904, 1, "PGN", 0, 24, &dictionary[1], 0x80008000u, 0x80008000u, 0x80008000u, 0},',
         '{59904, 2, "Rest", 2, 0, &dictionary[0], 0x80008000u, 0x80008000u, 0x80008000u, 0},',
@@ -200,6 +227,11 @@ class TablegenTest(unittest.TestCase):
                 self.assertEqual(status, 1)
                 self.assertFalse(self.out.exists())
 
+    def test_every_format_has_a_parser(self):
+        self.write(good_tables() | {"parsers.tsv": good_tables()["parsers.tsv"][:-1]})
+        self.assertEqual(self.run_tool()[2],
+                         f"{self.data}/parsers.tsv:119: no row for df 2436\n")
+
     def test_all_bad_rows_are_told_at_once(self):
         self.write(good_tables() | {"format_list.tsv": lines("df", "x", "2436", "y"),
                                     "enums/b.tsv": lines("0 Early"),
@@ -227,9 +259,20 @@ class TablegenTest(unittest.TestCase):
             "LISTED_FORMAT(54, u16, 10.0f, 65, 66)", "OPEN_FORMAT(55, i16, 1e-7f)",
             "SCALED_FORMAT(56, u16, 1.0f, unit_rule_plain)"])
         table = self.fragment("format_table.inc")
-        self.assertEqual(table[2], '{1, "DF01", &convert_df_1, nullptr},')
-        self.assertEqual(table[53], '{52, "DF52", &convert_bits, nullptr},')
-        self.assertEqual(table[-1], '{2436, "DF2436", &convert_df_2436, nullptr},')
+        self.assertEqual(table[2], '{1, "DF01", &convert_df_1, &parse_text},')
+        self.assertEqual(table[53], '{52, "DF52", &convert_bits, &parse_numeric<52>},')
+        self.assertEqual(table[-1], '{2436, "DF2436", &convert_df_2436, &parse_numeric<2436>},')
+        kind = "&raw_kind::"
+        self.assertEqual(self.fragment("parser_table.inc")[1:9], [
+            f"{{0, {kind}u8, NeverRead{{}}, steps(), {kind}u8, {{}}, 0u}},",
+            f"{{2, {kind}u16, Listed{{0, 3}}, steps(times(0.1f)), {kind}u16, {{}}, 0u}},",
+            f"{{3, {kind}i64, Listed{{3, 1}}, steps(over(1e-6)), {kind}i64, {{}}, 0u}},",
+            f"{{4, {kind}u32, Divided{{&length_factor, 0.01f, 3}}, steps(), {kind}u32, {{}}, 0u}},",
+            f"{{5, {kind}u16, AnyUnit{{}}, steps(times(16384.0f)), {kind}u16, "
+            "Bounds{-1.0f, 1.0f}, 16384u},",
+            f"{{6, {kind}u16, Mapped{{&seconds_of}}, steps(), {kind}i32, {{}}, 0u}},",
+            f"{{7, {kind}i32, Probed{{}}, steps(), {kind}i32, {{}}, 0u}},",
+            f"{{8, {kind}u64, Whole{{16}}, steps(), {kind}u64, {{}}, 0u}},"])
         self.assertEqual(len(self.fragment("df_conv_table.inc")), 119)
 
     def test_only_changed_fragments_are_written(self):
