@@ -36,6 +36,16 @@ inline Converted convert_bits(DF df, std::uint64_t bits, UnitId unit, int count 
     return convert(df, raw + 2, unit, count);
 }
 
+/// What a format's parser makes of a text.
+inline ConvValue parse(DF df, const char* text, UnitId unit) {
+    ConvValue out{-1, {}};
+    out.value.u64 = 0xA5A5A5A5A5A5A5A5;
+    for (const DFDef& format : all_formats())
+        if (format.df == df) return *format.parse(&out, text, unit);
+    ADD_FAILURE() << "no format " << df;
+    return out;
+}
+
 // Records: of an integer type or any other tag (`value` sign-extended in its 8 bytes), of a number, of a
 // text.
 inline ConvValue whole(int type, std::int64_t value) {

@@ -1,0 +1,227 @@
+#include "values/parsers/inverse.h"
+
+#include <bit>
+#include <cmath>
+
+#include "support/testing.h"
+#include "values/parsers/raw_kind.h"
+#include "values/parsers/unit_factors.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+using namespace unit;
+
+constexpr double inf = INFINITY;
+
+TEST(Inverse, AnyRecordAsANumber) {
+    const struct {
+        ConvValue value;
+        double expected;
+        // clang-format off
+    } cases[] = {
+        {single(-1.5f), -1.5}, {single(2, CV_FLOAT_PLAIN), 2}, {single(NAN), NAN}, {real(0.1), 0.1f},
+        {whole(CV_U8, 252), 252}, {whole(CV_U8, 253), NAN}, {whole(CV_I8, -128), -128},
+        {whole(CV_I8, 124), 124}, {whole(CV_I8, 125), NAN}, {whole(CV_U16, 65532), 65532},
+        {whole(CV_U16, 65533), NAN}, {whole(CV_I16, 32764), 32764}, {whole(CV_I16, 32765), NAN},
+        {whole(CV_U32, 0xFFFFFFFC), 4294967296.0}, {whole(CV_U32, 0xFFFFFFFD), NAN},
+        {whole(CV_TIME_OF_DAY, 86400), 86400}, {whole(CV_TIME_OF_DAY, 0xFFFFFFFD), NAN},
+        {whole(CV_I32, -7), -7}, {whole(CV_I32, 0x7FFFFFFD), NAN}, {whole(CV_U64, -4), 0x1p64},
+        {whole(CV_U64, -3), NAN}, {whole(CV_I64, -3), -3}, {whole(CV_I64, INT64_MAX - 3), 0x1p63},
+        {whole(CV_I64, INT64_MAX - 2), NAN}, {whole(CV_CHAR, -5), -5}, {whole(CV_CHAR, 125), NAN},
+        {whole(CV_WCHAR, 65), NAN}, {wide(L"1"), NAN}, {narrow("1"), NAN}, {whole(CV_RAW_FIELD, 0), NAN},
+        {whole(CV_NOT_AVAILABLE, 1), NAN}, {whole(18, 1), NAN}, {whole(-1, 1), NAN}, {whole(1000, 1), NAN},
+        // clang-format on
+    };
+    for (const auto& [value, expected] : cases) {
+        const float number = conv_to_float(value);
+        EXPECT_TRUE(std::isnan(expected) ? std::isnan(number) : number == expected)
+            << "type " << value.type << ": " << number;
+    }
+}
+
+TEST(Inverse, SaturatingConversions) {
+    const struct {
+        const RawKind& kind;
+        double lowest, below, highest, beyond;
+        std::int64_t out_of_range;
+        // clang-format off
+    } cases[] = {
+        {raw_kind::i8, -128, -128.5, 124, 125, 126}, {raw_kind::u8, 0, -0.001, 252, 253, 254},
+        {raw_kind::i16, -32768, -32768.5, 32764, 32765, 32766}, {raw_kind::u16, 0, -0.001, 65532, 65533, 65534},
+        {raw_kind::i24, -8388608, -8388609, 8388604, 8388605, 0x7FFFFE},
+        {raw_kind::u24, 0, -0.001, 16777212, 16777213, 0xFFFFFE},
+        {raw_kind::i32, -2147483648.0, -2147483904.0, 2147483520, 2147483648.0, 0x7FFFFFFE},
+        {raw_kind::u32, 0, -0.001, 4294967040, 4294967296.0, 0xFFFFFFFE},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "type " << c.kind.type << " of " << c.kind.bytes);
+        EXPECT_EQ(c.kind.to_raw(c.lowest), static_cast<std::int64_t>(c.lowest));
+        EXPECT_EQ(c.kind.to_raw(c.highest), static_cast<std::int64_t>(c.highest));
+        for (const double number : {c.below, c.beyond, 1e30, -1e30, 1e300, inf, -inf})
+            EXPECT_EQ(c.kind.to_raw(number), c.out_of_range) << number;
+        EXPECT_EQ(c.kind.to_raw(2.99), 2);
+        EXPECT_EQ(c.kind.to_raw(-2.99), c.lowest < 0 ? -2 : c.out_of_range);
+        EXPECT_EQ(c.kind.to_raw(-0.0), 0);
+        EXPECT_EQ(c.kind.to_raw(NAN), 0);
+    }
+    for (const RawKind* kind : {&raw_kind::u48, &raw_kind::u64, &raw_kind::i64}) {
+        EXPECT_EQ(kind->to_raw(-2.99), -2);
+        EXPECT_EQ(kind->to_raw(9007199254740993.0), 9007199254740992) << "not rounded to single precision";
+        for (const double number : {double{NAN}, inf, -inf, 0x1p63, -1e300})
+            EXPECT_EQ(kind->to_raw(number), INT64_MIN);
+    }
+}
+
+TEST(Inverse, UnitFactors) {
+    const struct {
+        UnitFactor* factor;
+        std::vector<std::pair<UnitId, float>> served;
+        // clang-format off
+    } cases[] = {
+        {length_factor, {{m, 0.01f}, {ft, 0.0328084f}, {ftm, 0.005468067f}, {nm, 5.3995677e-6f},
+                         {stm, 6.213712e-6f}, {km, 1e-5f}, {raw_count, 1}, {cm, 1}, {inch, 0.3937008f}}},
+        {volume_factor, {{gal, 0.26417208f}, {gal_hr, 0.26417208f}, {imp_gal, 0.21996926f},
+                         {imp_gal_hr, 0.21996926f}, {m3, 0.001f}, {m3_hr, 0.001f}, {litre, 1}, {litre_hr, 1},
+                         {raw_count, 1}}},
+        {voltage_factor, {{V, 1}, {raw_count, 1}, {mV, 1000}}},
+        {current_factor, {{A, 1}, {raw_count, 1}, {mA, 1000}}},
+        {pressure_factor, {{bar, 0.01f}, {mbar, 10}, {unit::atm, 0.009869233f}, {Pa, 1000},
+                           {inHg, 0.2953337f}, {mmHg, 7.500617f}, {psi, 0.14503774f}, {raw_count, 1}, {kPa, 1}}},
+        {speed_factor, {{m_s, 0.001f}, {kt, 0.0019438461f}, {mph, 0.0022369362f}, {kph, 0.0035999997f},
+                        {bft, 0}, {raw_count, 1}}},
+        {mass_factor, {{lb, 2.20462f}, {kg, 1}, {raw_count, 1}}},
+        // clang-format on
+    };
+    for (const auto& [factor, served] : cases) {
+        int found = 0;
+        for (UnitId u = -2; u < 2 * unit::count; ++u) found += !std::isnan(factor(1, u));
+        EXPECT_EQ(found, static_cast<int>(served.size()));
+        for (const auto& [u, expected] : served) EXPECT_EQ(factor(1, u), expected) << "unit " << u;
+    }
+    EXPECT_EQ(length_factor(0.01f, m), 0.01f * 0.01f) << "any amount";
+}
+
+struct Inverted {
+    int size;
+    std::uint8_t bytes[9] = {0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE};
+    std::int32_t low() const {
+        return std::bit_cast<std::int32_t>(std::array{bytes[0], bytes[1], bytes[2], bytes[3]});
+    }
+    int written() const { return 9 - static_cast<int>(std::count(bytes, bytes + 9, 0xEE)); }
+};
+
+Inverted invert(float value, UnitId u, int available, ConvFunction conversion, int bits = 0) {
+    Inverted result{};
+    result.size = value_to_raw(result.bytes, value, u, available, conversion, bits);
+    EXPECT_EQ(result.written(), std::max(result.size, 0));
+    return result;
+}
+
+template <class Number>
+void convert_half_counts(ConvValue* out, const void* raw, UnitId, int* count) {
+    Number number;
+    std::memcpy(&number, raw, sizeof number);
+    if (count != nullptr) *count = sizeof number;
+    *out = single(static_cast<float>(number) * 0.5f + 10);
+}
+
+void convert_without_number(ConvValue* out, const void*, UnitId, int*) {
+    *out = narrow("none");
+}
+void convert_nan_above_zero(ConvValue* out, const void* raw, UnitId, int* count) {
+    const auto byte = *static_cast<const std::uint8_t*>(raw);
+    *count = 1;
+    *out = single(byte != 0 ? NAN : 0.0f);
+}
+void convert_flat(ConvValue* out, const void*, UnitId, int* count) {
+    *count = 2;
+    *out = single(3);
+}
+void convert_nothing_long(ConvValue* out, const void*, UnitId, int* count) {
+    *count = 0;
+    *out = single(3);
+}
+void convert_too_long(ConvValue* out, const void* raw, UnitId u, int* count) {
+    convert_half_counts<std::int32_t>(out, raw, u, count);
+    *count = INT32_MAX;
+}
+
+TEST(Inverse, ProbesAnyLinearConversion) {
+    const auto i8 = convert_half_counts<std::int8_t>;
+    const auto i32 = convert_half_counts<std::int32_t>;
+    const auto i64 = convert_half_counts<std::int64_t>;
+    // Positive raw numbers to the nearest; negative ones are cut to half a count and then go down.
+    const std::pair<float, int> rounding[] = {{10, 0},     {11, 2},     {10.2f, 0}, {10.25f, 1}, {10.7f, 1},
+                                              {10.75f, 2}, {9, -2},     {9.5f, -1}, {9.76f, 0},  {9.75f, -1},
+                                              {9.3f, -1},  {9.25f, -2}, {9.2f, -2}, {9.01f, -2}};
+    for (const auto& [value, expected] : rounding)
+        for (const ConvFunction conversion : {ConvFunction{i8}, ConvFunction{i32}, ConvFunction{i64}})
+            EXPECT_EQ(static_cast<std::int8_t>(invert(value, m, 8, conversion).bytes[0]), expected) << value;
+
+    EXPECT_EQ(invert(10, m, 8, i8).size, 1);
+    EXPECT_EQ(invert(10, m, 8, i64).size, 8);
+    EXPECT_EQ(invert(0, m, 3, i64).size, 3);
+    EXPECT_EQ(invert(0, m, 8, i64).bytes[7], 0xFF) << "the sign fills the field";
+    EXPECT_EQ(invert(11, m, 100, convert_too_long).size, 8);
+    EXPECT_EQ(invert(138, m, 4, i8).size, 1) << "256 counts lose their high byte";
+    EXPECT_EQ(invert(138, m, 4, i8).bytes[0], 0);
+    EXPECT_EQ(invert(1e30f, m, 4, i32).low(), 0) << "more than 64 bits: the lowest number, cut";
+    EXPECT_EQ(invert(inf, m, 4, i32).size, 4);
+    EXPECT_EQ(invert(3, m, 4, convert_flat).size, 2) << "a division by zero is no failure";
+    for (const int bits : {-5, 1, 4, 30, 200}) EXPECT_EQ(invert(60, m, 4, i32, bits).low(), 100) << bits;
+
+    // The library's own conversions: widths, offsets, integers, and those that count or read otherwise.
+    const struct {
+        DF df;
+        UnitId unit;
+        float value;
+        int size;
+        std::int32_t raw;
+        // clang-format off
+    } cases[] = {
+        {60025, Hz, 50, 4, 50000}, {60022, percent, -1, 4, -1000}, {1, m_s2, 1.5f, 2, 150},
+        {111, seconds, 1, 1, 100}, {39, celsius, 0, 2, 27315}, {105, celsius, 20, 3, 293150},
+        {2516, deg, -200, 2, 0}, {101, m, 1.5f, 1, 250}, {53, plain_64, 7, 1, 7}, {52, m, 5, 4, 5},
+        {60005, A, 0.001f, 2, 2048}, {23, deg_lat, -10, 4, -100000000}, {77, deg_long, 1e-9f, 4, 10000000},
+        {62, raw_bits, 2.5f, 4, std::bit_cast<std::int32_t>(2.5f)},
+        {61, m, -2.5f, 4, std::bit_cast<std::int32_t>(-2.5f)},
+        {61, m, NAN, 4, std::bit_cast<std::int32_t>(NAN)},
+        // not numbers there
+        {1, V, 1, -1, 0}, {50, m, 1, -1, 0}, {51, m, 1, -1, 0}, {63, m, 1, -1, 0}, {3002, m, 1, -1, 0},
+        {0, m, 1, -1, 0}, {62, m, 1, -1, 0}, {60007, m, 1, -1, 0}, {60009, m, 1, -1, 0}, {40, clock_12, 1, -1, 0},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        Inverted result = invert(c.value, c.unit, 4, find_conversion(c.df));
+        EXPECT_EQ(result.size, c.size) << "format " << c.df;
+        const int unused = 32 - 8 * std::max(c.size, 0);
+        if (c.size > 0) {
+            EXPECT_EQ(static_cast<std::int32_t>(static_cast<std::uint32_t>(result.low()) << unused) >> unused,
+                      static_cast<std::int32_t>(static_cast<std::uint32_t>(c.raw) << unused) >> unused)
+                << "format " << c.df;
+        }
+    }
+    const Inverted doubled = invert(2.5f, raw_bits, 100, find_conversion(62));
+    EXPECT_EQ(doubled.size, 8);
+    EXPECT_EQ(doubled.bytes[4], raw_bits) << "the unit's number stands in the high half";
+    EXPECT_EQ(doubled.bytes[5] | doubled.bytes[6] | doubled.bytes[7], 0);
+    EXPECT_EQ(invert(1, m, 2, find_conversion(61)).size, 2);
+}
+
+TEST(Inverse, FailsWithoutAWayBack) {
+    const ConvFunction good = convert_half_counts<std::int32_t>;
+    EXPECT_EQ(invert(1, m, 4, nullptr).size, -1);
+    EXPECT_EQ(invert(NAN, m, 4, good).size, -1);
+    for (const int available : {0, -1, INT32_MIN})
+        for (const ConvFunction conversion : {good, find_conversion(61), find_conversion(62)})
+            EXPECT_EQ(invert(1, raw_bits, available, conversion).size, -1);
+    EXPECT_EQ(value_to_raw(nullptr, 1, m, 4, good, 0), -1);
+    for (const ConvFunction conversion :
+         {convert_without_number, convert_nan_above_zero, convert_nothing_long})
+        EXPECT_EQ(invert(1, m, 4, conversion).size, -1);
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test
