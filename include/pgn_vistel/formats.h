@@ -19,8 +19,16 @@ using ConvFunction = void (*)(ConvValue* out, const void* raw, UnitId unit, int*
 /// The way back: reads a typed, terminated text as a number in `unit` and stores the raw value of a field.
 ///
 /// `out->type` names the raw kind (24-bit kinds are `CV_U32` and `CV_I32`) and the low bytes of `out->value`
-/// are the field as it is sent. A text that cannot be read and a unit that is not served give the code of
-/// "not available", a number beyond the kind's range the code of "out of range". Returns `out`.
+/// are the field as it is sent. A text that cannot be read and most units that are not served give the code
+/// of "not available", a number beyond the kind's range the code of "out of range". White space may stand
+/// before the number, and what follows it is ignored; an empty text is a zero. `unit::raw_count` is one of
+/// the real units here, not the number as sent.
+///
+/// Formats of text build their field in a static area that holds it until their parser's next call: 63 and
+/// 3002 the text alone (`CV_TEXT_NARROW`), 51 behind length and encoding (likewise), 50 a whole short text
+/// (`CV_RAW_FIELD`). 60003 stores the number, not a raw one; 60007 lets the unit choose the format, and
+/// stores a null `CV_RAW_FIELD` for one without. A null text is an unreadable one. Returns `out`, which may
+/// be null.
 using ParseFunction = ConvValue* (*)(ConvValue* out, const char* text, UnitId unit);
 
 /// One data format.
@@ -28,7 +36,7 @@ struct DFDef {
     std::uint32_t df;
     const char* name;  ///< "DF" and the number with at least two digits
     ConvFunction conv;
-    ParseFunction parse;
+    ParseFunction parse;  ///< never null
 };
 
 /// The conversion of a format, or null. Formats below 118 always have one.
