@@ -48,7 +48,7 @@ ConvValue* parse_data_size(ConvValue* out, const char* text, UnitId unit) {
     store_unparsed(out, raw_kind::f32);
     // The factor is the one that bytes are shown with, not its inverse, and the record holds that number, not
     // the raw one: it is no field that could be sent. Hosts know it so.
-    double number = 0;
+    double number = raw_kind::f32.unscanned;
     if (scan_real(text, number) != Scanned::nothing) store_float(out, number * data_size_factor(unit));
     return out;
 }

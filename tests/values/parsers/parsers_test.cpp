@@ -218,7 +218,7 @@ TEST(Parsers, EmptyTextIsZero) {
         // clang-format off
     } cases[] = {
         {1, m_s2, 0}, {13, m, 0}, {40, seconds, 0}, {54, m, 0}, {56, m, 0}, {104, kg, 0}, {2518, m, 0},
-        {60010, m, 0}, {60019, m, 0}, {60022, percent, 0}, {60003, byte, 0}, {101, m, 254}, {2464, m, 16384},
+        {60010, m, 0}, {60019, m, 0}, {60022, percent, 0}, {60003, byte, 0x7FFFFFFF}, {101, m, 254}, {2464, m, 16384},
         {2516, deg, 25600}, {39, celsius, 27315}, {1, m, 0x7FFF},
         // clang-format on
     };
