@@ -191,6 +191,30 @@ TEST(Parsers, TextsBecomeRawNumbers) {
                 }
 }
 
+TEST(Parsers, RawCountIsARealUnit) {
+    const std::pair<UnitId, std::vector<DF>> groups[] = {
+        // clang-format off
+        {m_s2, {1}}, {deg, {2, 3, 4, 5, 70, 89, 90, 2516}}, {A, {7, 8, 114, 2448, 60005}},
+        {V, {42, 43, 102, 106, 2440, 60006}}, {dB, {16, 31}}, {N, {19, 20}}, {Hz, {21, 22, 26, 107, 2436}},
+        {deg_lat, {23, 76}}, {deg_long, {25, 77, 78}}, {T, {27}}, {W, {28, 68, 99, 108, 2452, 2456, 2460}},
+        {ohm, {32, 33}}, {rpm, {34, 72}}, {deg_s, {73, 85}}, {Ah, {100}}, {minutes, {71, 98}},
+        {seconds, {6, 40, 45, 65, 66, 67, 80, 81, 88, 111, 116}}, {fahrenheit, {38, 39, 105}},
+        {cm, {9, 10, 13, 14, 15, 46, 74, 75, 79, 83, 91, 109}}, {nm, {11}}, {kt, {35, 36, 82, 87}},
+        {litre, {17, 18, 44, 86, 60001, 60002}}, {kPa, {29, 47, 48, 103, 113, 3001}},
+        // clang-format on
+    };
+    for (const auto& [unit, formats] : groups)
+        for (const DF df : formats) {
+            int differing = 0;  // texts that do not all end in one code
+            for (const char* text : {"0.0005", "0.25", "1.25", "25", "250"}) {
+                const ConvValue typed = parse(df, text, raw_count);
+                EXPECT_EQ(typed.value.u64, parse(df, text, unit).value.u64) << df << " '" << text << "'";
+                differing += typed.value.u64 != parse(df, "?", unit).value.u64;
+            }
+            EXPECT_GT(differing, 0) << df;
+        }
+}
+
 TEST(Parsers, UnreadableTextReadsAsNotAvailable) {
     // But not where the field has no such code or is of another kind than what is typed.
     const std::set<DF> reads_as_number = {12,    48,    62,    86,    108,   3001,  60003, 60010,
