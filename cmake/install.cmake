@@ -1,20 +1,80 @@
-# Headers, the core library and a CMake package: find_package(pgn_vistel) gives pgn_vistel::core.
+# What is installed, in three components: library (the shared library), development (what a host is built with) and
+# programs. The CMake package and the pkg-config files are made from packaging/.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/pgn_vistel)
-install(DIRECTORY include/pgn_vistel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(TARGETS pgn_vistel_core EXPORT pgn_vistel_targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(EXPORT pgn_vistel_targets FILE pgn_vistel_targets.cmake NAMESPACE pgn_vistel:: DESTINATION ${package_dir})
-foreach(program vistel vistel-monitor)
-    if(TARGET ${program})
-        install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    endif()
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/pgn-vistel)
+set(made_dir ${PROJECT_BINARY_DIR}/packaging)
+
+# ---- headers and libraries ----
+
+install(DIRECTORY include/pgn_vistel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(TARGETS pgn_vistel_core EXPORT core ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+install(EXPORT core FILE pgn_vistel-core-targets.cmake NAMESPACE pgn_vistel:: DESTINATION ${package_dir}
+        COMPONENT development)
+if(TARGET pgn_vistel)
+    install(DIRECTORY src/platform/${PGN_VISTEL_PLATFORM}/public/pgn_vistel
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+    install(TARGETS pgn_vistel EXPORT views
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+    install(EXPORT views FILE pgn_vistel-views-targets.cmake NAMESPACE pgn_vistel:: DESTINATION ${package_dir}
+            COMPONENT development)
+    install(FILES cmake/toolkit.cmake RENAME pgn_vistel-toolkit.cmake DESTINATION ${package_dir}
+            COMPONENT development)
+endif()
+
+# ---- CMake package ----
+
+# Before version 1 a new minor version may be another interface (docs/versioning.md).
+set(compatibility SameMajorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(compatibility SameMinorVersion)
+endif()
+write_basic_package_version_file(${made_dir}/pgn_vistel-config-version.cmake COMPATIBILITY ${compatibility})
+install(FILES packaging/pgn_vistel-config.cmake ${made_dir}/pgn_vistel-config-version.cmake
+        DESTINATION ${package_dir} COMPONENT development)
+
+# ---- pkg-config ----
+
+# Relative to where the file itself lies: the installed tree may be moved.
+file(RELATIVE_PATH up_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" up_to_prefix "${up_to_prefix}")
+set(pkgconfig_files pgn_vistel-core)
+if(TARGET pgn_vistel)
+    list(APPEND pkgconfig_files pgn_vistel)
+    get_target_property(toolkit_includes pgn_vistel::toolkit INTERFACE_INCLUDE_DIRECTORIES)
+    get_target_property(toolkit_definitions pgn_vistel::toolkit INTERFACE_COMPILE_DEFINITIONS)
+    get_target_property(toolkit_options pgn_vistel::toolkit INTERFACE_COMPILE_OPTIONS)
+    get_target_property(toolkit_libs pgn_vistel::toolkit INTERFACE_LINK_LIBRARIES)
+    list(TRANSFORM toolkit_includes PREPEND -I)
+    list(TRANSFORM toolkit_definitions PREPEND -D)
+    set(toolkit_cflags ${toolkit_includes} ${toolkit_definitions} ${toolkit_options})
+    foreach(flags toolkit_cflags toolkit_libs)
+        list(REMOVE_ITEM ${flags} "")
+        list(JOIN ${flags} " " ${flags})
+    endforeach()
+endif()
+foreach(name IN LISTS pkgconfig_files)
+    configure_file(packaging/${name}.pc.in ${made_dir}/${name}.pc @ONLY)
+    install(FILES ${made_dir}/${name}.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 endforeach()
 
-write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/pgn_vistel-config-version.cmake
-                                 COMPATIBILITY SameMajorVersion)
-file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/pgn_vistel-config.cmake
-     "include(\${CMAKE_CURRENT_LIST_DIR}/pgn_vistel_targets.cmake)\n")
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pgn_vistel-config.cmake
-              ${CMAKE_CURRENT_BINARY_DIR}/pgn_vistel-config-version.cmake
-        DESTINATION ${package_dir})
+# ---- programs ----
+
+foreach(program vistel vistel-monitor)
+    if(TARGET ${program})
+        install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+        configure_file(man/${program}.1.in ${made_dir}/${program}.1 @ONLY)
+        install(FILES ${made_dir}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
+    endif()
+endforeach()
+if(TARGET vistel)
+    install(FILES examples/voyage.log DESTINATION ${doc_dir}/examples COMPONENT programs)
+endif()
+
+# Beside its library, wherever the tree lies; where the system looks anyway it needs no hint.
+if(TARGET vistel-monitor AND NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES)
+    file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(vistel-monitor PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+endif()
