@@ -6,4 +6,5 @@ test_packages="clang-14 libclang-rt-14-dev llvm-14 clang-format-14 xvfb xauth"
 # The 32-bit build needs a processor that has one.
 if [ "$(dpkg --print-architecture)" = amd64 ]; then test_packages="$test_packages g++-multilib"; fi
 package_packages="dpkg-dev file"
+try_packages="debootstrap"
 docs_packages="doxygen"
