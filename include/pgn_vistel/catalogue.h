@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The tables, and what is looked up in them.
+
 #include <cstdint>
 #include <span>
 
@@ -13,13 +16,15 @@ namespace pgn_vistel {
 ///   key2: low half the industry group, high half the proprietary message or command
 ///   key3: low half 1 where there is a third selector, high half its value
 using SelectorKey = std::uint32_t;
-constexpr std::uint16_t no_selector = 0x8000;
+constexpr std::uint16_t no_selector = 0x8000;  ///< no selector in this half
+/// @{ of a key
 constexpr std::uint16_t low_half(SelectorKey key) {
     return static_cast<std::uint16_t>(key);
 }
 constexpr std::uint16_t high_half(SelectorKey key) {
     return static_cast<std::uint16_t>(key >> 16);
 }
+/// @}
 
 /// The first payload word of the maker's own messages: manufacturer 137, both reserved bits, industry
 /// group 4.
@@ -27,46 +32,56 @@ constexpr std::uint16_t maker_header = 0x9889;
 
 /// One row of the PGN catalogue.
 struct PgnDef {
-    std::uint32_t pgn;
+    std::uint32_t pgn;  ///< parameter group number
+    /// @{ which variant of the PGN
     SelectorKey key1, key2, key3;
-    const char* name;         ///< Latin-1
-    std::uint32_t flag_pdu1;  ///< 1 for the addressed PDU format, and for 130816..131071
-    std::uint32_t flag_listed;
+    /// @}
+    const char* name;            ///< Latin-1
+    std::uint32_t flag_pdu1;     ///< 1 for the addressed PDU format, and for 130816..131071
+    std::uint32_t flag_listed;   ///< 1 where `listed` is yes in the table
     std::uint32_t priority;      ///< default priority, 2 .. 7
     std::uint32_t single_frame;  ///< 1 for one CAN frame, 0 for fast packet or transport protocol
 };
 
 /// One data dictionary entry: how a field is encoded and what it means.
 struct DDDef {
-    std::uint32_t dd;
-    const char* name;  ///< Latin-1
-    const DFDef* format;
-    std::uint16_t bytes, bits;  ///< default size, both 0 where the format or the value tells
+    std::uint32_t dd;     ///< number of the entry
+    const char* name;     ///< Latin-1
+    const DFDef* format;  ///< how the bits encode the value
+    /// @{ default size: one of them, or both 0 where the format or the value tells
+    std::uint16_t bytes, bits;
+    /// @}
 };
 
 /// One field of a PGN or of one of its variants.
 struct FieldDef {
-    std::uint32_t pgn;
-    std::uint32_t field;        ///< from 1 in payload order; 0 in the end sentinel alone
-    const char* name;           ///< Latin-1, at most 127 characters
-    std::uint16_t bytes, bits;  ///< own size: one of them, or neither
-    const DDDef* dd;
+    std::uint32_t pgn;    ///< parameter group number
+    std::uint32_t field;  ///< from 1 in payload order; 0 in the end sentinel alone
+    const char* name;     ///< Latin-1, at most 127 characters
+    /// @{ own size: one of them, or neither
+    std::uint16_t bytes, bits;
+    /// @}
+    const DDDef* dd;  ///< what the field means
+    /// @{ which variant of the PGN
     SelectorKey key1, key2, key3;
-    std::uint32_t reserved;
+    /// @}
+    std::uint32_t reserved;  ///< 0
 };
 
 /// Fields `first` .. `last` of a PGN repeat until the payload ends.
 struct RepeatSetDef {
-    std::uint32_t pgn;
+    std::uint32_t pgn;       ///< parameter group number
     std::uint16_t selector;  ///< group function code or manufacturer code, 255 for none
+    /// @{ field number
     std::uint16_t first, last;
-    std::uint16_t reserved;
+    /// @}
+    std::uint16_t reserved;  ///< 0
 };
 
 /// One enumeration text.
 struct ValueText {
-    std::uint32_t value;
-    const char* text;  ///< in the library's 8-bit code page; null ends a terminated list
+    std::uint32_t value;  ///< that the text stands for
+    const char* text;     ///< in the library's 8-bit code page; null ends a terminated list
 };
 
 /// What is shown for a value that an enumeration does not list.
@@ -81,19 +96,19 @@ enum EnumerationKind : std::uint32_t {
 
 /// The enumeration of a dictionary entry.
 struct DDstrings {
-    std::uint32_t dd;
-    std::uint32_t kind;
-    const ValueText* pairs;
-    std::uint32_t count;  ///< 0: the list is terminated
+    std::uint32_t dd;        ///< number of the dictionary entry
+    std::uint32_t kind;      ///< an `EnumerationKind`
+    const ValueText* pairs;  ///< in ascending order
+    std::uint32_t count;     ///< 0: the list is terminated
 };
 
 /// Where the monitor's stream keys of a PGN lie in the payload.
 struct StreamKeyDef {
-    std::int32_t pgn;
+    std::int32_t pgn;          ///< parameter group number
     std::int32_t position[4];  ///< byte, or -1 for no key; the first may name a special rule
     struct {
         std::int32_t shift, width;  ///< width in bits, 0 for a whole byte
-    } bits[4];
+    } bits[4];                      ///< the part of the byte that is the key
 };
 
 static_assert(sizeof(void*) != 4 || (sizeof(PgnDef) == 36 && sizeof(FieldDef) == 36 && sizeof(DDDef) == 16 &&
@@ -125,9 +140,11 @@ const FieldDef* first_field_row_keyed(std::uint32_t pgn, std::uint16_t selector)
 /// The row of field number `row->field + delta` of the same PGN, the end sentinel, or null below field 1.
 const FieldDef* next_field_row(const FieldDef* row, int delta);
 
+/// @{
 /// Size of a field in one unit, either bytes or bits; both 0 where only the value tells.
 void normalise_field_size(const FieldDef* row, std::uint32_t pgn, int* bytes, int* bits);
 void complete_field_size(std::uint32_t pgn, const DDDef* dd, int* bytes, int* bits);
+/// @}
 
 /// The repeating fields of a PGN, or null.
 const RepeatSetDef* find_repeat_set(std::uint32_t pgn);
@@ -137,8 +154,13 @@ int field_at(std::uint32_t pgn, int byte_position, int bit_position);
 
 // ---- the dictionary ----
 
+/// Physical quantity of a dictionary entry; see `QV_N2K_PGN_DB_c::get_DispDataType`.
 DispDataType quantity_of_dd(int dd);
+
+/// The same where the payload may say it; see `QV_N2K_PGN_DB_c::get_DispDataTypeX`.
 DispDataType quantity_of_dd(int dd, const std::uint8_t* raw);
+
+/// Texts of a dictionary entry's values, or null.
 const DDstrings* find_enumeration(std::uint32_t dd);
 
 /// Fills the enumeration of dictionary entry 10058, whose texts name data formats. Done by every new
@@ -147,6 +169,7 @@ void build_format_enumeration();
 
 // ---- whole tables, in stored order ----
 
+/// @{ a whole table
 std::span<const PgnDef> all_pgns();
 std::span<const FieldDef> all_fields();
 std::span<const DDDef> all_dictionary_entries();
@@ -154,5 +177,6 @@ std::span<const RepeatSetDef> all_repeat_sets();
 std::span<const DDstrings> all_enumerations();
 std::span<const StreamKeyDef> all_stream_keys();
 std::span<const DFDef> all_formats();
+/// @}
 
 }  // namespace pgn_vistel

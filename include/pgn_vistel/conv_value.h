@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The value of a field.
+
 #include <cstdint>
 
 /// What a `ConvValue` holds. The order is part of the interface.
@@ -32,7 +35,9 @@ enum ConvType : std::int32_t {
 /// conversion runs again. The record owns nothing.
 struct ConvValue {
     std::int32_t type;  ///< a `ConvType`; says which member of `value` is valid
+    /// One member for each kind.
     union Value {
+        /// @{ valid where `type` says so
         float f32;
         double f64;
         std::uint8_t u8;
@@ -46,7 +51,8 @@ struct ConvValue {
         const char* narrow;
         const wchar_t* wide;
         const std::uint8_t* raw;
-    } value;
+        /// @}
+    } value;  ///< see `type`
 };
 
 static_assert(sizeof(ConvValue::Value) == 8);

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Fields of a message as values.
+
 #include <cstdint>
 
 #include "pgn_vistel/catalogue.h"
@@ -11,8 +14,8 @@ namespace pgn_vistel {
 
 /// Where a reader stands in a payload.
 struct PayloadPosition {
-    int byte = 0;
-    int bit = 0;  // 0 .. 7
+    int byte = 0;  ///< from 0
+    int bit = 0;   ///< 0 .. 7, the lowest first
 };
 
 /// Payload bytes that count: the record's length, at most 1785.
@@ -20,9 +23,9 @@ int payload_length(const N2KMsg& msg);
 
 /// One field cut out of a message and converted, not yet a text.
 struct FieldReading {
-    DispDataType quantity = quantity::no_quantity;
-    UnitId unit = unit::raw_count;
-    PayloadPosition next;  ///< behind the field
+    DispDataType quantity = quantity::no_quantity;  ///< what the field is a measure of
+    UnitId unit = unit::raw_count;                  ///< that the value is in
+    PayloadPosition next;                           ///< behind the field
     bool cut_off = false;  ///< the message ends inside the number: the value is not available
 };
 
@@ -48,17 +51,23 @@ std::uint32_t enumeration_value(const ConvValue& value);
 ///     if (walk.has_undecoded_rest()) { ... show the payload as bytes ... }
 class MessageWalk {
   public:
+    /// The field that a walk has come to.
     struct Field {
-        const FieldDef* row;
-        int bytes, bits;  ///< normalised size; both 0 where the value tells
-        int repeat;       ///< round of the repeating group from 1, 0 outside
+        const FieldDef* row;  ///< of the catalogue
+        /// @{ normalised size; both 0 where the value tells
+        int bytes, bits;
+        /// @}
+        int repeat;  ///< round of the repeating group from 1, 0 outside
     };
 
+    /// `pgn` is the message's catalogue row, or null. The message must outlive the walk.
     MessageWalk(const PgnDef* pgn, const N2KMsg& msg);
 
     /// Goes to the next field; false when the walk has ended.
     bool next();
+    /// The field that `next` has gone to.
     const Field& field() const { return field_; }
+    /// Whether the walk ended before the payload was covered.
     bool has_undecoded_rest() const { return rest_; }
 
     PayloadPosition position;  ///< the caller moves it behind the field that it has decoded

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Data formats: raw bits to values and back.
+
 #include <cstdint>
 
 #include "pgn_vistel/conv_value.h"
@@ -33,10 +36,10 @@ using ParseFunction = ConvValue* (*)(ConvValue* out, const char* text, UnitId un
 
 /// One data format.
 struct DFDef {
-    std::uint32_t df;
-    const char* name;  ///< "DF" and the number with at least two digits
-    ConvFunction conv;
-    ParseFunction parse;  ///< never null
+    std::uint32_t df;     ///< number of the format
+    const char* name;     ///< "DF" and the number with at least two digits
+    ConvFunction conv;    ///< raw bytes to a value; may be null
+    ParseFunction parse;  ///< a typed text to the raw value; never null
 };
 
 /// The conversion of a format, or null. Formats below 118 always have one.
@@ -48,8 +51,10 @@ ConvFunction find_self_described(DF df);
 /// Converts one field; see `QV_N2K_PGN_DB_c::conv_DF`.
 int convert_field(DF df, ConvValue* out, const void* raw, UnitId unit);
 
-/// Quantity of a format by the format's own list, or -1; and a format for a quantity, or 65535.
+/// Quantity of a format by the format's own list, or -1.
 DispDataType quantity_of_format(DF df);
+
+/// A format for a quantity, or 65535.
 DF format_of_quantity(DispDataType quantity);
 
 }  // namespace pgn_vistel

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The message as hosts hand it over.
+
 #include <cstddef>
 #include <cstdint>
 

@@ -1,14 +1,17 @@
 #pragma once
 
-/// Native windows as hosts hand them over. Both are opaque here; their meaning is the platform's (on GTK a
-/// HWND is the `GdkWindow*` of a realized widget, cast).
+/// @file
+/// Handles of the platform.
+
 struct HWND__;
+/// A native window as hosts hand it over: opaque here, its meaning is the platform's. On GTK it is the
+/// `GdkWindow*` of a realized widget, cast.
 using HWND = HWND__*;
 
-/// A loaded module (program or library) of the host.
 struct HINSTANCE__;
+/// A loaded module (program or library) of the host, opaque, too.
 using HINSTANCE = HINSTANCE__*;
 
-/// The native tree control and its items.
+// The native tree control and its items.
 class CTreeCtrl;
 struct _TREEITEM;

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The database of PGNs: text of fields, values and units.
+
 #include "pgn_vistel/export.h"
 #include "pgn_vistel/n2k_msg.h"
 
@@ -22,6 +25,7 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
 
     /// Shares the other object's unit selection from here on.
     QV_N2K_PGN_DB_c(const QV_N2K_PGN_DB_c&) = default;
+    /// Shares the other object's unit selection from here on.
     QV_N2K_PGN_DB_c& operator=(const QV_N2K_PGN_DB_c&);
 
     // ---- catalogue ----
@@ -44,9 +48,11 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     /// Enumeration texts of a dictionary entry (a `DDstrings*`), or null.
     static void* find_DDstrings(unsigned int dd);
 
+    /// @{
     /// Display name of a catalogued PGN. -1 for a null buffer, size 0 or an unknown PGN.
     static int print_pgn_name(wchar_t* buf, int size, unsigned long pgn);
     static int print_pgn_name(char* buf, int size, unsigned long pgn);
+    /// @}
 
     // ---- fields as text ----
 
@@ -112,23 +118,29 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     /// quantity or null `units`.
     static int GetAvailableUnit(int disp_data_type, int* units, int max);
 
+    /// @{
     /// A unit's name. 0 for a null buffer, size 0 or an unknown unit. The last argument is ignored.
     static int print_unit(char* buf, int size, int unit, int);
     static int print_unit(wchar_t* buf, int size, int unit, int);
+    /// @}
 
-    // In what follows a negative unit asks for the selected one; -1 is the result of every failure, a value
-    // that is not available included.
+    /// @{
+    /// Name of the unit, value, or both: of a data format or (`_dt`) of a quantity's format. `raw` are the
+    /// field's bytes. A negative unit asks for the selected one; -1 is the result of every failure, a value
+    /// that is not available included.
     int print_unit(wchar_t* buf, unsigned short df, int unit);
     int print_unit_dt(wchar_t* buf, int disp_data_type, int unit);
     int print_val(wchar_t* buf, unsigned short df, const void* raw, int unit);
     int print_val_dt(wchar_t* buf, int disp_data_type, const void* raw, int unit);
     int print_val_unit(wchar_t* buf, unsigned short df, const void* raw, int unit);
     int print_val_unit_dt(wchar_t* buf, int disp_data_type, const void* raw, int unit);
+    /// @}
 
   private:
     int* sel_unit_;  // 66 units, one for each quantity
 };
 
+/// The instance that is used wherever none is given.
 PGN_VISTEL_API extern QV_N2K_PGN_DB_c qv_n2k_pgn_db;
 
 /// Number of quantities that a user can choose a unit for: 65.

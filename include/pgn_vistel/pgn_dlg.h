@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The monitor dialog.
+
 #include <wx/button.h>
 #include <wx/frame.h>
 #include <wx/textctrl.h>
@@ -31,40 +34,52 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
   public:
     /// No window yet: call `SetModule` where wanted, then a `Create`.
     PGN_VistelDlg_c();
+    /// @{
+    /// Under a toolkit window, or under none.
     PGN_VistelDlg_c(wxWindow* parent, unsigned long maxStreams, unsigned long flags);
     PGN_VistelDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
     PGN_VistelDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                     unsigned long flags);
+    /// @}
+    /// @{
     /// Under a native window. With a null handle nothing is built.
     PGN_VistelDlg_c(HWND parent, unsigned long maxStreams, unsigned long flags);
     PGN_VistelDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
+    /// @}
 
     ~PGN_VistelDlg_c() override;
 
+    /// @{
+    /// Builds the window of an object that was constructed without one.
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                 unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
     void Create(HWND parent, unsigned long maxStreams, unsigned long flags);
     void Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
+    /// @}
 
     /// 0 shown or filtered out, 2 paused, -1 no room for a new stream or not created yet.
     int PutMsg(N2KMsg* msg);
     /// The shape of a message callback, with the dialog as its context.
     static int s_PutMsg(void* context, N2KMsg* msg);
 
-    // 0, or -1 before `Create`.
-    int ClearMsg();
-    int CollapseAll();
-    int ExpandAll();
+    int ClearMsg();     ///< Forgets all streams. 0, or -1 before `Create`
+    int CollapseAll();  ///< Collapses the streams, new ones too. 0, or -1 before `Create`
+    int ExpandAll();    ///< Expands the streams, new ones too. 0, or -1 before `Create`
 
     /// The module whose product name becomes the title at the next `Create`.
     void SetModule(HINSTANCE module);
 
+    /// @{
+    /// What the filter's text control tells of focus and Enter; `owner` is the dialog.
     static void s_OnTextSetfocus(wxWindow* owner, long id);
     static void s_OnTextKillfocus(wxWindow* owner, long id, const wxString& text);
     static void s_OnTextEnter(wxWindow* owner, long id, const wxString& text);
+    /// @}
 
   protected:
+    /// @{
+    /// What the user does.
     virtual void OnClose(wxCloseEvent& event);
     virtual void OnButtonClear(wxCommandEvent& event);
     virtual void OnButtonPause(wxCommandEvent& event);
@@ -72,6 +87,7 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     virtual void OnTextSetfocus(long id);
     virtual void OnTextKillfocus(long id, const wxString& text);
     virtual void OnTextEnter(long id, const wxString& text);
+    /// @}
 
   private:
     void init();

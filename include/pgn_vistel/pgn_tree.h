@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The monitor tree.
+
 #include <wx/treebase.h>
 
 #include "pgn_vistel/export.h"
@@ -26,14 +29,18 @@ class PGN_VISTEL_API PGN_VistelTree_c {
     /// refused. `flags` bit value 2: numbers without their hexadecimal form.
     PGN_VistelTree_c(HWND parent, CTreeCtrl* tree, unsigned long maxStreams, unsigned long flags);
 
+    /// @{
     /// On a toolkit tree control (`tree` is a `wxTreeCtrl`). `db` null: the global database.
     PGN_VistelTree_c(wxWindow* parent, wxWindow* tree, unsigned long maxStreams, unsigned long flags);
     PGN_VistelTree_c(wxWindow* parent, wxWindow* tree, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                      unsigned long flags);
+    /// @}
 
+    /// @{
     /// Copies share one state; the class is not meant to be copied.
     PGN_VistelTree_c(const PGN_VistelTree_c&);
     PGN_VistelTree_c& operator=(const PGN_VistelTree_c&);
+    /// @}
 
     /// Frees the streams; leaves the control's items alone.
     virtual ~PGN_VistelTree_c();
@@ -51,9 +58,9 @@ class PGN_VISTEL_API PGN_VistelTree_c {
     int CollapseAll();  ///< Collapses the streams, new ones too. 0
     int ExpandAll();    ///< Expands the streams, new ones too. 0
 
-    QV_N2K_PGN_DB_c* GetDB();
+    QV_N2K_PGN_DB_c* GetDB();                    ///< The database that the tree decodes with
     int SelectUnit(int dispDataType, int unit);  ///< see `QV_N2K_PGN_DB_c`
-    int GetSelectUnit(int dispDataType);
+    int GetSelectUnit(int dispDataType);         ///< see `QV_N2K_PGN_DB_c`
 
     /// Shows a message: 0 shown, 2 paused, -1 no room for a new stream, or null.
     int PutMsg(N2KMsg* msg);

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Everything that the shared library exports. A host that only decodes links the core library instead and
 /// includes what it needs: stream_lines.h for a message as lines, decode.h for its fields as values,
 /// catalogue.h for the tables.

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// A message as the monitor's lines.
+
 #include "pgn_vistel/decode.h"
 
 namespace pgn_vistel {

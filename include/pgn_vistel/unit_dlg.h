@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The unit selection.
+
 #include <wx/button.h>
 #include <wx/dialog.h>
 
@@ -20,33 +23,42 @@ class PGN_VISTEL_API PGN_VistelUnitDlg_c : public wxDialog {
   public:
     /// No window yet; call a `Create`.
     PGN_VistelUnitDlg_c();
+    /// @{
+    /// Under a toolkit window.
     PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id, const wxString& title,
                         const wxPoint& pos, const wxSize& size, long style, unsigned long flags);
     PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int id, const wxString& title,
                         const wxPoint& pos, const wxSize& size, long style, unsigned long flags);
     PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long flags);
     PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
+    /// @}
     /// Under a native window. Nothing is built for a null handle.
     PGN_VistelUnitDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
 
     ~PGN_VistelUnitDlg_c() override;
 
+    /// @{
+    /// Builds the window of an object that was constructed without one.
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id, const wxString& title,
                 const wxPoint& pos, const wxSize& size, long style, unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
     void Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
+    /// @}
 
     /// Called after the user has applied a choice, on the same thread, inside the click.
     void AssignUnitChangeApply(void (*callback)());
 
   protected:
+    /// @{
+    /// What the user and the toolkit do.
     void OnShow(wxShowEvent& event);
     void OnInitDialog(wxInitDialogEvent& event);
     void OnClose(wxCloseEvent& event);
     void OnButtonApply(wxCommandEvent& event);
     void OnButtonLDF(wxCommandEvent& event);
     void OnButtonClose(wxCommandEvent& event);
+    /// @}
 
   private:
     void init();

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Units and quantities.
+
 #include <cstdint>
 #include <span>
 
@@ -244,8 +247,8 @@ const UnitId* available_units(DispDataType quantity);
 
 /// A quantity as users know it when they pick units.
 struct QuantityRow {
-    const char* label;
-    DispDataType quantity;
+    const char* label;      ///< for users
+    DispDataType quantity;  ///< what a unit is picked for
 };
 
 /// The quantities that a user picks a unit for, in the order of display.

@@ -1,24 +1,29 @@
 #pragma once
 
+/// @file
+/// The native tree control.
+
 #include <string>
 
 #include "pgn_vistel/native.h"
 
 /// Where a control lies in its parent's client area, in pixels.
 struct NativeRect {
+    /// @{ edge
     int left = 0, top = 0, right = 0, bottom = 0;
-    bool operator==(const NativeRect&) const = default;
+    /// @}
+    bool operator==(const NativeRect&) const = default;  ///< the same four edges
 };
 
 /// One line of a native tree. Owned by its control.
 struct _TREEITEM {
-    std::wstring text{};
-    bool expanded = false;
-    _TREEITEM* parent = nullptr;  // null for a top-level line
-    _TREEITEM* first_child = nullptr;
-    _TREEITEM* last_child = nullptr;
-    _TREEITEM* next = nullptr;  // sibling
-    _TREEITEM* previous = nullptr;
+    std::wstring text{};               ///< that is shown
+    bool expanded = false;             ///< whether the lines beneath are shown
+    _TREEITEM* parent = nullptr;       ///< null for a top-level line
+    _TREEITEM* first_child = nullptr;  ///< of the lines beneath
+    _TREEITEM* last_child = nullptr;   ///< of the lines beneath
+    _TREEITEM* next = nullptr;         ///< sibling
+    _TREEITEM* previous = nullptr;     ///< sibling
 };
 
 /// The native tree control of this platform: the lines of a tree, kept in memory for whoever draws them.
@@ -30,6 +35,7 @@ struct _TREEITEM {
 /// of it.
 class CTreeCtrl {
   public:
+    /// What else is drawn, as bits.
     enum Style : unsigned long { has_buttons = 1, has_lines = 2, lines_at_root = 4 };
 
     CTreeCtrl() = default;
@@ -46,14 +52,19 @@ class CTreeCtrl {
         ++changes_;
         return item;
     }
+    /// Changes what a line shows.
     void SetItemText(_TREEITEM* item, const wchar_t* text) {
         if (item == nullptr) return;
         item->text = text;
         ++changes_;
     }
+    /// What a line shows; the item must be one.
     const std::wstring& GetItemText(const _TREEITEM* item) const { return item->text; }
+    /// The first line beneath, or null.
     _TREEITEM* GetChildItem(const _TREEITEM* parent) const { return (parent ? parent : &root_)->first_child; }
+    /// The next line with the same parent, or null.
     _TREEITEM* GetNextSiblingItem(const _TREEITEM* item) const { return item ? item->next : nullptr; }
+    /// Deletes a line with all beneath it.
     void DeleteItem(_TREEITEM* item) {
         if (item == nullptr) return;
         while (item->first_child != nullptr) DeleteItem(item->first_child);
@@ -63,19 +74,25 @@ class CTreeCtrl {
         delete item;
         ++changes_;
     }
+    /// Deletes all lines.
     void DeleteAllItems() {
         while (root_.first_child != nullptr) DeleteItem(root_.first_child);
     }
+    /// Shows the lines beneath a line, or hides them.
     void Expand(_TREEITEM* item, bool expand) {
         if (item == nullptr || item->expanded == expand) return;
         item->expanded = expand;
         ++changes_;
     }
 
+    /// Bits of `Style`.
     unsigned long GetStyle() const { return style_; }
+    /// Takes bits out, then puts bits in.
     void ModifyStyle(unsigned long remove, unsigned long add) { style_ = (style_ & ~remove) | add; }
 
+    /// Where the control lies.
     const NativeRect& GetRect() const { return rect_; }
+    /// Puts the control elsewhere.
     void MoveWindow(const NativeRect& rect) { rect_ = rect; }
 
     /// Rises with every change of a line: a reader draws anew when it did.

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// The product name of a module.
+
 #include <cstdint>
 
 /// How a program or shared library says its product name, which the monitor dialog shows as its title after
@@ -19,11 +22,11 @@ namespace pgn_vistel {
 /// The note as the ELF format lays it out: three words, then owner and contents, each filled up to 4 bytes.
 template <std::uint32_t size>
 struct ProductNote {
-    std::uint32_t owner_size = sizeof owner;
-    std::uint32_t name_size = size;  ///< in bytes, with the terminator
-    std::uint32_t type = 1;          ///< of this owner's notes: the product name
-    char owner[12] = "PGN Vistel\0";
-    alignas(4) char name[size];
+    std::uint32_t owner_size = sizeof owner;  ///< in bytes, with the terminator
+    std::uint32_t name_size = size;           ///< in bytes, with the terminator
+    std::uint32_t type = 1;                   ///< of this owner's notes: the product name
+    char owner[12] = "PGN Vistel\0";          ///< who says what the type means
+    alignas(4) char name[size];               ///< UTF-8
 };
 
 }  // namespace pgn_vistel
