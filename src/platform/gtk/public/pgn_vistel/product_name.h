@@ -12,10 +12,17 @@
 ///
 /// `text` is a string literal in UTF-8. The module's handle for `SetModule` is what dlopen() returns for it,
 /// as dlopen(nullptr, RTLD_LAZY) does for the program itself.
-#define PGN_VISTEL_PRODUCT_NAME(text)                                        \
-    [[gnu::section(".note.pgn_vistel"), gnu::used,                           \
-      gnu::aligned(4)]] static const ::pgn_vistel::ProductNote<sizeof(text)> \
+#define PGN_VISTEL_PRODUCT_NAME(text)                                                             \
+    [[gnu::section(".note.pgn_vistel"), gnu::used,                                                \
+      gnu::aligned(4)]] PGN_VISTEL_NO_GUARDS static const ::pgn_vistel::ProductNote<sizeof(text)> \
         pgn_vistel_product_note{.name = text};
+
+// clang's AddressSanitizer would put guards around the note, and nobody would find it any more.
+#if defined(__clang__)
+#define PGN_VISTEL_NO_GUARDS [[clang::no_sanitize("address")]]
+#else
+#define PGN_VISTEL_NO_GUARDS
+#endif
 
 namespace pgn_vistel {
 
