@@ -32,6 +32,15 @@ class Toolkit {
     class App final : public wxApp {
       public:
         App() { SetExitOnFrameDelete(false); }  // the main loop is the host's
+        /// Without what the toolkit would do to a program of its own: GTK runs already, and would warn, and
+        /// the environment and the conversion of file names are the host's.
+        bool Initialize(int& argc, wxChar** argv) override {
+            if (!wxAppBase::Initialize(argc, argv)) return false;
+            wxConvCurrent = &wxConvUTF8;
+            g_type_class_ref(GTK_TYPE_WIDGET);  // CleanUp() gives it back
+            WakeUpIdle();
+            return true;
+        }
     };
     bool started_ = false;
 };
