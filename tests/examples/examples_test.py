@@ -1,0 +1,71 @@
+#!/usr/bin/env python3
+"""Runs the example hosts: each ends by itself, with status 0, says nothing on standard error and shows what it is
+there to show. EXAMPLES is the folder of the programs; windows open on a display of their own."""
+
+import os
+import re
+import subprocess
+import unittest
+
+FOLDER = os.environ["EXAMPLES"]
+UNDER_XVFB = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "views", "under_xvfb.sh")
+HAS_WINDOWS = os.path.exists(os.path.join(FOLDER, "native_host"))
+
+
+def run(*command, text=""):
+    return subprocess.run(command, input=text, capture_output=True, encoding="utf-8", timeout=120)
+
+
+class Host(unittest.TestCase):
+    def output(self, name, *arguments, windows=False):
+        result = run(*([UNDER_XVFB] if windows else []), os.path.join(FOLDER, name), *arguments)
+        self.assertEqual((result.returncode, result.stderr), (0, ""), result.stdout)
+        return result.stdout
+
+    def assertShows(self, output, *patterns):
+        """The patterns in this order, each the whole of a line."""
+        position = 0
+        for pattern in patterns:
+            found = re.compile(f"^ *{pattern}$", re.MULTILINE).search(output, position)
+            self.assertTrue(found, f"no further {pattern!r} in\n{output}")
+            position = found.end()
+
+
+class Decoding(Host):
+    def test_built_in_messages(self):
+        self.assertShows(self.output("decode_host"),
+                         r"0\.05 +130306, Wind Data", r"Wind Speed: 14\.948 kt",
+                         r"0\.10 +128267, Water Depth", r"Water Depth, Transducer: 25\.262 ft",
+                         r"Wind Speed: 7\.6900 m/s", r"Water Depth, Transducer: 7\.7000 m",
+                         r"Wind Speed: format 35, quantity 2 in kt, kph, mph, m/s",
+                         r"selected: 5\.0000 m/s", r"in miles: 11\.185 mph", "in volts: no value",
+                         "not available: no value")
+
+    def test_input(self):
+        lines = ["128267 4 255 3 01 F4 01 00 00 2C 01 FF", "128267 4 255 3 01 F4 zz", "128267 4 255", "1 2 3 4 100",
+                 "126996 1 255 6" + " 00" * 1786, "99999 1 2 3"]
+        result = run(os.path.join(FOLDER, "decode_host"), "-", text="\n".join(lines))
+        self.assertEqual(re.findall(r"^line (\d+): ", result.stderr, re.MULTILINE), ["2", "3", "4", "5"])
+        self.assertEqual(result.returncode, 1)
+        self.assertShows(result.stdout, r"Water Depth, Transducer: 16\.404 ft", r"0\.00 +99999, Unknown")
+
+
+@unittest.skipUnless(HAS_WINDOWS, "built without windows")
+class Windows(Host):
+    def test_toolkit(self):
+        self.assertShows(self.output("toolkit_host", "2", windows=True),
+                         "title: PGN Vistel, created: 1", r"[1-9]\d+ shown in 5 streams, 0 paused, 0 refused",
+                         r"5 m/s are shown as 5\.0000 m/s, units applied: 0", "deleted, created: 0")
+
+    def test_native(self):
+        self.assertShows(self.output("native_host", "2", windows=True),
+                         "title: Chart Table", r"[1-9]\d+ shown, 0 paused, 0 refused")
+
+    def test_native_tree(self):
+        self.assertShows(self.output("native_tree_host", "1", windows=True),
+                         r"\d+ lines", r"\d\.\d\d +127250, Vessel Heading", r"Source Address: 0x02 \(2\)",
+                         r"\d\.\d\d +127488, Engine Parameters, Rapid Update", r"Engine Speed: .* RPM")
+
+
+if __name__ == "__main__":
+    unittest.main()
