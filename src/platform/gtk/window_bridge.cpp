@@ -3,6 +3,7 @@
 #include <wx/app.h>
 #include <wx/init.h>
 #include <wx/nativewin.h>
+#include <wx/utils.h>
 
 #include "platform/platform.h"
 
@@ -15,9 +16,10 @@ class Toolkit {
   public:
     Toolkit() {
         if (wxTheApp != nullptr) return;
-        // What it registers with GTK stays for the life of the process, so its code must stay, too.
+        // What it registers with GTK stays for the life of the process, so its code must stay, too: the part
+        // that has the windows (wxBell), which keeps the others.
         Dl_info toolkit;
-        if (dladdr(reinterpret_cast<const void*>(&wxUninitialize), &toolkit) == 0 ||
+        if (dladdr(reinterpret_cast<const void*>(&wxBell), &toolkit) == 0 ||
             dlopen(toolkit.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE) == nullptr)
             return;
         wxApp::SetInstance(new App);
@@ -61,6 +63,10 @@ class HostPane final : public wxNativeContainerWindow {
         if (widget_ != nullptr) unrealize_ = g_signal_connect(widget_, "unrealize", G_CALLBACK(leave), this);
     }
     ~HostPane() override {
+        // A toolkit window listens to the clock of its top-level window, which usually ends with it; this one
+        // is the host's and goes on.
+        if (GdkFrameClock* const clock = gdk_window_get_frame_clock(host_))
+            g_signal_handlers_disconnect_by_data(clock, static_cast<wxWindowGTK*>(this));
         if (widget_ != nullptr) g_signal_handler_disconnect(widget_, unrealize_);
         g_object_set_data(G_OBJECT(host_), key, nullptr);
         g_object_unref(host_);
