@@ -3,6 +3,7 @@
 
 #include "commands/catalogue.h"
 #include "commands/decode.h"
+#include "commands/encode.h"
 #include "commands/monitor.h"
 #include "readers/formats.h"
 
@@ -17,11 +18,20 @@ std::vector<std::string> format_names() {
 // Options that say what to do with it later, when all of them are known.
 struct Arguments {
     vistel::DecodeOptions decode;
+    vistel::EncodeOptions encode;
     bool json = false;
     bool csv = false;
     std::string table;
     std::vector<std::string> monitor;
 };
+
+void add_units(CLI::App& command, vistel::UnitOptions& options) {
+    command.add_option("--units", options.set, "Units for everything: default or metric");
+    command
+        .add_option("--unit", options.units,
+                    "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
+        ->allow_extra_args(false);
+}
 
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
@@ -39,13 +49,54 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     command->add_option("--source", options.sources, "Only messages of these source addresses")
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));
-    command->add_option("--units", options.unit_set, "Units for everything: default or metric");
-    command
-        ->add_option("--unit", options.units,
-                     "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
-        ->allow_extra_args(false);
+    add_units(*command, options.units);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
+}
+
+constexpr const char* encode_notes =
+    "Labels and values are what 'vistel decode' shows, so that its \"Label: value unit\" can be given back "
+    "as\n"
+    "\"Label=value unit\". Without a unit the selected one is meant; '-' stands for not available, as do "
+    "fields\n"
+    "that are not given. A coded field takes its text or number. A label that is shown several times "
+    "(\"NMEA\n"
+    "Reserved\", fields of a repeating group) is given several times, the n-th for the n-th; numbered ones "
+    "as\n"
+    "they are shown (\"PGN supported #2\"). The count before a repeating group is filled in. Data=01 02 FF "
+    "gives\n"
+    "the payload as bytes, into which the fields go.\n"
+    "  vistel encode 127250 \"Heading Sensor Reading=123.4 °\" \"Heading Sensor Reference=Magnetic\"";
+
+void add_encode(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("encode", "Build a message from typed fields, as a line that 'decode' reads");
+    command->footer(encode_notes);
+    vistel::EncodeOptions& options = arguments.encode;
+    command->add_option("PGN", options.pgn, "Number or name of the PGN")->required();
+    command->add_option("FIELDS", options.fields, "LABEL=VALUE[ UNIT] ...")->option_text(" ");
+    CLI::Option* const list =
+        command->add_flag("--list", options.list, "Show the fields of the PGN: size, units, choices");
+    command->add_flag("--all-choices", options.all_choices, "Long choices to their end in that list")
+        ->needs(list);
+    command->add_option("--format", options.format, "Of the line: plain, or candump with a frame a line")
+        ->check(CLI::IsMember(vistel::encode_formats()))
+        ->capture_default_str();
+    command
+        ->add_option("--priority", options.priority, "0 (highest) to 7; that of the catalogue if not given")
+        ->check(CLI::Range(0, 7));
+    command->add_option("--source", options.source, "Source address")
+        ->check(CLI::Range(0, 255))
+        ->capture_default_str();
+    command->add_option("--destination", options.destination, "Destination address; 255 is everyone")
+        ->check(CLI::Range(0, 255))
+        ->capture_default_str();
+    command->add_option("--time", options.time,
+                        "Time stamp, as in 2026-09-10T08:00:00.25Z; none if not given");
+    command->add_option("--sequence", options.sequence, "Sequence of a fast packet's frames")
+        ->check(CLI::Range(0, 7))
+        ->capture_default_str();
+    add_units(*command, options.units);
 }
 
 void add_catalogue(CLI::App& app, Arguments& arguments) {
@@ -83,6 +134,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     Arguments arguments;
     add_decode(app, arguments);
+    add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
     if (argc > 1 && argv[1][0] != '-' && !has_command(app, argv[1])) return vistel::EXIT_FAILED;
@@ -94,6 +146,7 @@ int main(int argc, char** argv) {
     }
 
     if (app.got_subcommand("monitor")) return vistel::run_monitor(arguments.monitor);
+    if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table);
     if (arguments.json) arguments.decode.form = vistel::DecodeOptions::Form::json;
     if (arguments.csv) arguments.decode.form = vistel::DecodeOptions::Form::csv;

@@ -10,8 +10,8 @@
 namespace vistel {
 namespace {
 
-constexpr unsigned bytes_in_first = 6;
-constexpr unsigned bytes_in_later = 7;
+constexpr unsigned bytes_in_first = FastPackets::bytes_in_first;
+constexpr unsigned bytes_in_later = FastPackets::bytes_in_later;
 constexpr unsigned sequence_bits = 3;
 constexpr std::int64_t longest_silence = 750 * milliseconds;
 

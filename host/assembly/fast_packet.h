@@ -37,6 +37,8 @@ class FastPacketPgns {
 class FastPackets {
   public:
     static constexpr unsigned most_bytes = 223;
+    static constexpr unsigned bytes_in_first = 6;
+    static constexpr unsigned bytes_in_later = 7;
 
     explicit FastPackets(AssemblyCounters& counters) : counters_(counters) {}
 

@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "commands/decode.h"
-#include "commands/unit_options.h"
 #include "output/sink.h"
+#include "output/unit_names.h"
 #include "pgn_vistel/catalogue.h"
 #include "pgn_vistel/pgn_db.h"
 

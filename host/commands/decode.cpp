@@ -14,7 +14,6 @@
 #include "commands/interrupt.h"
 #include "commands/progress.h"
 #include "commands/statistics.h"
-#include "commands/unit_options.h"
 #include "output/writers.h"
 #include "readers/recording.h"
 
@@ -26,11 +25,8 @@ bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
     return wanted.empty() || std::ranges::find(wanted, value) != wanted.end();
 }
 
-bool apply_units(QV_N2K_PGN_DB_c& db, const DecodeOptions& options) {
-    std::string wrong;
-    if (!options.unit_set.empty()) wrong = select_units(db, options.unit_set);
-    for (const std::string& unit : options.units)
-        if (wrong.empty()) wrong = select_unit(db, unit);
+bool apply_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options) {
+    const std::string wrong = select_units(db, options);
     if (!wrong.empty()) std::fprintf(stderr, "vistel: %s\n", wrong.c_str());
     return wrong.empty();
 }
@@ -128,7 +124,7 @@ void Decoding::print_statistics() const {
 }
 
 int Decoding::run() {
-    if (!apply_units(db_, options_)) return EXIT_FAILED;
+    if (!apply_units(db_, options_.units)) return EXIT_FAILED;
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "commands/unit_options.h"
+
 namespace vistel {
 
 /// Exit statuses of the program.
@@ -21,9 +23,8 @@ struct DecodeOptions {
     Form form = Form::text;
     std::vector<std::uint32_t> pgns;     ///< empty for all
     std::vector<std::uint32_t> sources;  ///< empty for all
-    std::string unit_set;                ///< a named set of units, applied before single ones
-    std::vector<std::string> units;      ///< QUANTITY=UNIT
-    bool plain_numbers = false;          ///< without hexadecimal forms
+    UnitOptions units;
+    bool plain_numbers = false;  ///< without hexadecimal forms
     bool statistics = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "pgn_vistel/pgn_db.h"
 
@@ -13,7 +14,13 @@ std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice);
 /// Applies a named choice for every quantity: "default" or "metric". Returns what is wrong, or an empty text.
 std::string select_units(QV_N2K_PGN_DB_c& db, std::string_view name);
 
-/// A unit's text in UTF-8; the two clocks, which have no text, by a name of our own.
-std::string unit_text(int unit);
+/// The units that a command line asks for.
+struct UnitOptions {
+    std::string set;                 ///< a named set of units, applied before single ones
+    std::vector<std::string> units;  ///< QUANTITY=UNIT
+};
+
+/// Applies both. Returns what is wrong, or an empty text.
+std::string select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options);
 
 }  // namespace vistel

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "output/wide_label.h"
+
 using namespace pgn_vistel;
 
 namespace vistel {
@@ -9,17 +11,6 @@ namespace vistel {
 namespace {
 
 constexpr std::uint32_t pgn_number_dd = 9;
-
-/// A field's label as wide text.
-struct WideLabel {
-    explicit WideLabel(const char* latin1) {
-        std::size_t i = 0;
-        for (; latin1[i] != 0 && i < std::size(text) - 1; ++i)
-            text[i] = static_cast<unsigned char>(latin1[i]);
-        text[i] = 0;
-    }
-    wchar_t text[128];
-};
 
 }  // namespace
 

@@ -10,16 +10,28 @@ constexpr std::uint32_t max_pgn = 0x3FFFF;
 constexpr std::uint32_t max_identifier = 0x1FFFFFFF;
 constexpr unsigned max_frame_bytes = 8;
 
-/// Priority, PGN and addresses from a 29-bit identifier. Below PDU format 240 the third byte is the
-/// destination, from there on it belongs to the PGN and the message is for everyone.
-inline void set_header(N2KMsg& msg, std::uint32_t identifier) {
+/// Whether messages of this PGN have a destination: below PDU format 240. From there on they are for
+/// everyone.
+constexpr bool is_addressed(std::uint32_t pgn) {
     constexpr unsigned first_broadcast_format = 240;
+    return ((pgn >> 8) & 0xFF) < first_broadcast_format;
+}
+
+/// Priority, PGN and addresses from a 29-bit identifier. The third byte is the destination, or else belongs
+/// to the PGN.
+inline void set_header(N2KMsg& msg, std::uint32_t identifier) {
     const std::uint32_t pgn = (identifier >> 8) & max_pgn;
-    const bool addressed = ((pgn >> 8) & 0xFF) < first_broadcast_format;
+    const bool addressed = is_addressed(pgn);
     msg.pgn = addressed ? pgn & ~std::uint32_t{0xFF} : pgn;
     msg.destination = addressed ? static_cast<std::uint8_t>(pgn) : std::uint8_t{255};
     msg.source = static_cast<std::uint8_t>(identifier);
     msg.priority = static_cast<std::uint8_t>((identifier >> 26) & 7);
+}
+
+/// The way back.
+inline std::uint32_t identifier_of(const N2KMsg& msg) {
+    const std::uint32_t third = is_addressed(msg.pgn) ? msg.destination : 0u;
+    return std::uint32_t{msg.priority} << 26 | ((msg.pgn & max_pgn) | third) << 8 | msg.source;
 }
 
 }  // namespace vistel

@@ -1,0 +1,214 @@
+#include "commands/encode.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+#include "commands/decode.h"
+#include "encode/choices.h"
+#include "encode/message_builder.h"
+#include "encode/message_lines.h"
+#include "encode/number_entry.h"
+#include "encode/suggestions.h"
+#include "output/unit_names.h"
+#include "output/utf8.h"
+#include "readers/can_identifier.h"
+#include "readers/problem.h"
+#include "readers/timestamp.h"
+
+using namespace pgn_vistel;
+
+namespace vistel {
+
+namespace {
+
+int fail(const std::string& text) {
+    std::fprintf(stderr, "vistel: %s\n", text.c_str());
+    return EXIT_FAILED;
+}
+
+int print(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
+        return EXIT_CLEAN;
+    return errno == EPIPE ? EXIT_CLEAN : fail(std::string("cannot write: ") + std::strerror(errno));
+}
+
+std::string name_of(const PgnDef& row) {
+    return utf8_of(pgn_def_name(&row));
+}
+
+/// A PGN by number or name.
+struct Chosen {
+    std::uint32_t number = 0;
+    const PgnDef* row = nullptr;
+    std::string wrong;
+};
+
+Chosen choose_pgn(const std::string& text) {
+    Chosen chosen;
+    const char* const last = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), last, chosen.number);
+    if (end == last && error == std::errc{} && chosen.number <= max_pgn) {
+        chosen.row = find_pgn_def(chosen.number);
+        return chosen;
+    }
+    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos) {
+        chosen.wrong = "PGN " + in_quotes(text) + " is above " + std::to_string(max_pgn);
+        return chosen;
+    }
+    std::vector<std::string> names;
+    for (const PgnDef& row : all_pgns()) {
+        const std::string name = name_of(row);
+        if (simplified(name) == simplified(text)) return {row.pgn, find_pgn_def(row.pgn), {}};
+        if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+    }
+    chosen.wrong = "no PGN " + in_quotes(text) + "; " +
+                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names");
+    return chosen;
+}
+
+// ---- the list of fields ----
+
+std::string size_text(const FieldCell& cell) {
+    const PayloadPosition from = cell.start(), to = cell.next();
+    const int bits = (to.byte - from.byte) * 8 + to.bit - from.bit;
+    if (cell.dd().format->df == short_text || cell.dd().format->df == medium_text)
+        return "text of any length";
+    const std::string what = cell.dd().format->df == hex_dump ? "bytes as 01 02 FF"
+                             : cell.holds_text()              ? "text"
+                                                              : "";
+    if (bits == 0) return "8 bytes at the end";
+    const bool whole = bits % 8 == 0;
+    const int count = whole ? bits / 8 : bits;
+    return std::to_string(count) + (whole ? " byte" : " bit") + (count == 1 ? "" : "s") +
+           (what.empty() ? "" : " of " + what);
+}
+
+std::string values_text(FieldCell& cell) {
+    ConvValue value;
+    const FieldReading reading = cell.read(value);
+    if (reading.quantity == quantity::date || reading.quantity == quantity::time_of_day) {
+        cell.put(reading.quantity == quantity::date ? 20706 : 0);
+        return "as in " + cell.shown(true);
+    }
+    const std::vector<UnitId> units = served_units(cell);
+    if (units.empty()) return "'-' only";
+    const UnitId first = std::ranges::find(units, reading.unit) != units.end() ? reading.unit : units[0];
+    const RawScale scale = scale_of(cell, first);
+    std::string text = scale.empty() ? "" : range_text(scale, first);
+    std::vector<std::string> others;
+    for (const UnitId u : units)
+        if (u != first && !unit_text(u).empty()) others.push_back(unit_text(u));
+    return others.empty() ? text : text + "; also " + joined(others);
+}
+
+void list_field(std::string& out, FieldCell& cell, bool all_choices) {
+    constexpr std::size_t few = 20;
+    out += "  " + cell.label() + ": " + size_text(cell);
+    const std::vector<CodedChoice> choices = choices_of(cell);
+    if (!cell.holds_text() && choices.empty()) {
+        const std::string values = values_text(cell);
+        out += (values.empty() ? "" : ", ") + values;
+    }
+    if (!choices.empty()) out += holds_flags(cell) ? ", any of, with commas between them" : ", one of";
+    out += '\n';
+    const std::size_t shown = all_choices ? choices.size() : std::min(choices.size(), few);
+    for (std::size_t i = 0; i < shown; ++i)
+        out += "      " + std::to_string(choices[i].value) + "  " + choices[i].text + '\n';
+    if (shown < choices.size())
+        out += "      ... and " + std::to_string(choices.size() - shown) + " more, with --all-choices\n";
+}
+
+int list_fields(const EncodeOptions& options, const PgnDef& row) {
+    std::string out =
+        std::to_string(row.pgn) + ", " + name_of(row) + ", pri=" + std::to_string(row.priority) + '\n';
+    const auto variants = variants_of(row);
+    for (const auto& variant : variants) {
+        if (variants.size() > 1) {
+            out += variant.empty() ? " whoever sends it" : " where it begins with";
+            for (const std::uint8_t byte : variant) {
+                constexpr char digits[] = "0123456789ABCDEF";
+                out.append(" ").append({digits[byte >> 4], digits[byte & 15]});
+            }
+            out += '\n';
+        }
+        bool repeats = false;
+        visit_fields(qv_n2k_pgn_db, row, variant, [&](FieldCell& cell) {
+            if (cell.repeat() > 0 && !repeats) out += " as often as needed:\n";
+            repeats = cell.repeat() > 0;
+            list_field(out, cell, options.all_choices);
+        });
+    }
+    return print(out);
+}
+
+// ---- the message ----
+
+std::string parse_fields(const EncodeOptions& options, std::vector<TypedField>& fields) {
+    for (const std::string& argument : options.fields) {
+        if (!utf16_of(argument)) return quoted(argument) + " is not UTF-8 text";
+        const std::size_t sign = argument.find('=');
+        if (sign == argument.npos) return in_quotes(argument) + " is not of the form LABEL=VALUE";
+        if (trimmed(argument.substr(0, sign)).empty())
+            return in_quotes(argument) + " has no label before the '='";
+        fields.push_back({argument.substr(0, sign), argument.substr(sign + 1)});
+    }
+    return {};
+}
+
+std::string check_header(const EncodeOptions& options, std::uint32_t pgn) {
+    if (!is_addressed(pgn) && options.destination != 255)
+        return "PGN " + std::to_string(pgn) + " goes to everyone; it has no destination";
+    if (is_addressed(pgn) && (pgn & 0xFF) != 0)
+        return "PGN " + std::to_string(pgn) + " cannot be: the low byte of an addressed one is 0";
+    if (options.time.empty()) return {};
+    TimestampParser parser;
+    RecordTime time;
+    const char* why = "";
+    if (!parser.parse(options.time, time, why)) return "time " + quoted(options.time) + ": " + why;
+    return {};
+}
+
+}  // namespace
+
+std::vector<std::string> encode_formats() {
+    return {"plain", "candump"};
+}
+
+int run_encode(const EncodeOptions& options) {
+    if (const std::string wrong = select_units(qv_n2k_pgn_db, options.units); !wrong.empty())
+        return fail(wrong);
+    if (!utf16_of(options.pgn)) return fail(quoted(options.pgn) + " is not UTF-8 text");
+    const Chosen pgn = choose_pgn(options.pgn);
+    if (!pgn.wrong.empty()) return fail(pgn.wrong);
+    if (options.list) {
+        if (!options.fields.empty()) return fail("--list takes no fields");
+        if (pgn.row == nullptr) return fail("PGN " + options.pgn + " is not in the catalogue");
+        return list_fields(options, *pgn.row);
+    }
+    std::vector<TypedField> fields;
+    std::string wrong = parse_fields(options, fields);
+    if (wrong.empty()) wrong = check_header(options, pgn.number);
+    if (!wrong.empty()) return fail(wrong);
+
+    BuiltMessage built = build_message(qv_n2k_pgn_db, pgn.number, pgn.row, fields);
+    for (const std::string& error : built.errors) fail(error);
+    if (!built.errors.empty()) return EXIT_FAILED;
+    N2KMsg& msg = built.msg;
+    constexpr int usual_priority = 6;
+    const int priority = pgn.row != nullptr ? static_cast<int>(pgn.row->priority) : usual_priority;
+    msg.priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
+    msg.source = static_cast<std::uint8_t>(options.source);
+    msg.destination = static_cast<std::uint8_t>(options.destination);
+    const std::string lines =
+        options.format == "candump"
+            ? candump_lines(msg, options.time, static_cast<unsigned>(options.sequence), wrong)
+            : plain_lines(msg, options.time);
+    return wrong.empty() ? print(lines) : fail(wrong);
+}
+
+}  // namespace vistel

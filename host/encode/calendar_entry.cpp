@@ -1,0 +1,120 @@
+#include "encode/calendar_entry.h"
+
+#include <cmath>
+
+#include "encode/number_entry.h"
+#include "encode/suggestions.h"
+#include "output/unit_names.h"
+#include "output/utf8.h"
+
+using namespace pgn_vistel;
+
+namespace vistel {
+
+namespace {
+
+struct Clock {
+    double parts[3];  // as typed
+    int count;
+    std::string_view rest;  // AM, PM, a unit
+};
+
+std::optional<Clock> take_clock(std::string_view text) {
+    Clock clock{{0, 0, 0}, 0, {}};
+    while (clock.count < 3) {
+        const std::optional<double> part = take_number(text);
+        if (!part || !std::isfinite(*part)) return {};
+        clock.parts[clock.count++] = *part;
+        if (!text.starts_with(':')) break;
+        text.remove_prefix(1);
+    }
+    clock.rest = trimmed(text);
+    if (clock.count < 2) return {};
+    return clock;
+}
+
+Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit) {
+    const RawScale scale = scale_of(cell, unit);
+    if (scale.empty()) return "has no values that could be encoded";
+    std::uint64_t raw = scale.nearest(value, {});
+    // Clocks cut off the fraction of a second: just below would show the second before.
+    constexpr int most = 4096;  // numbers that single precision may give one value
+    if (value == std::floor(value))
+        for (int i = 0; i < most && scale.value_of(raw) < value && scale.value_of(raw + 1); ++i) ++raw;
+    cell.put(raw);
+    if (scale.meets(raw, value)) return "";
+    return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+}
+
+/// One date in the unit's layout, without its name.
+std::wstring date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
+    ConvValue value;
+    cell.put(raw);
+    cell.read(value, unit);
+    const bool is_text = value.type >= CV_TEXT_WIDE && value.type <= CV_TEXT;
+    return is_text ? value.value.wide : L"";
+}
+
+}  // namespace
+
+Outcome enter_clock(FieldCell& cell, std::string_view text) {
+    ConvValue value;
+    const DispDataType kind = cell.read(value).quantity;
+    const bool of_day = kind == quantity::time_of_day;
+    if (!of_day && kind != quantity::duration) return {};
+    const std::optional<Clock> clock = take_clock(text);
+    if (!clock) {
+        std::string_view rest = text;
+        return of_day && (!take_number(rest) || trimmed(rest).empty())
+                   ? Outcome(in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM")
+                   : Outcome();
+    }
+    const auto& [a, b, c] = clock->parts;
+    if (!of_day) {
+        const std::string minutes = simplified(unit_text(unit::minutes));
+        if (!clock->rest.empty() && simplified(clock->rest) != minutes)
+            return "has no unit " + in_quotes(clock->rest) + " behind a time with colons";
+        if (clock->count == 3) {
+            if (b >= 60 || c >= 60) return in_quotes(text) + " is not h:mm:ss";
+            return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds);
+        }
+        // Decoding takes the remainder from an unsigned product, which makes that of negative ones large.
+        const double whole = std::clamp(a, -2147483648.0, 2147483647.0);
+        const auto product = static_cast<std::uint32_t>(static_cast<std::int64_t>(whole)) * 60u;
+        return enter_in(cell, text, b + static_cast<double>(product), unit::minutes);
+    }
+    const std::string half = simplified(clock->rest);
+    if (!half.empty() && half != "am" && half != "pm")
+        return in_quotes(text) + " has " + in_quotes(clock->rest) + " where AM or PM could stand";
+    if (b < 0 || b >= 60 || c < 0 || c >= 60 || a < 0 || (!half.empty() && (a < 1 || a >= 13)))
+        return in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM";
+    double hours = a;
+    if (!half.empty()) hours = std::fmod(a, 12) + (half == "pm" ? 12 : 0);
+    return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds);
+}
+
+Outcome enter_date(FieldCell& cell, std::string_view text) {
+    ConvValue value;
+    const FieldReading reading = cell.read(value);
+    if (reading.quantity != quantity::date) return {};
+    std::vector<UnitId> layouts = {reading.unit};
+    for (const UnitId u :
+         {unit::date_mdy, unit::date_mon_d_y, unit::date_dmy, unit::date_d_mon_y, unit::date_ymd})
+        if (u != reading.unit) layouts.push_back(u);
+    constexpr std::uint64_t days = 0x10000;
+    for (const UnitId u : layouts) {
+        std::string_view typed = text;
+        const std::string name = unit_text(u);
+        if (!name.empty() && typed.ends_with(name))
+            typed = trimmed(typed.substr(0, typed.size() - name.size()));
+        const std::wstring wanted(typed.begin(), typed.end());  // dates are ASCII
+        for (std::uint64_t raw = 0; raw < days; ++raw)
+            if (!wanted.empty() && date_in(cell, raw, u) == wanted) return "";
+    }
+    constexpr std::uint64_t some_day = 20706;
+    return in_quotes(text) + " is not a date from " + utf8_of(date_in(cell, 0, reading.unit)) + " to " +
+           utf8_of(date_in(cell, days - 4, reading.unit)) + ", as in " +
+           utf8_of(date_in(cell, some_day, reading.unit)) + " " + unit_text(reading.unit);
+}
+
+}  // namespace vistel

@@ -1,0 +1,285 @@
+#include "encode/message_builder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "assembly/fast_packet.h"
+#include "encode/number_entry.h"
+#include "encode/suggestions.h"
+#include "encode/text_entry.h"
+#include "encode/value_entry.h"
+#include "output/unit_names.h"
+#include "readers/can_identifier.h"
+
+using namespace pgn_vistel;
+
+namespace vistel {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// A payload with nothing in it but how it begins.
+void begin_message(N2KMsg& msg, const Bytes& beginning) {
+    msg.length = N2K_MAX_PAYLOAD;
+    std::memset(msg.data, 0xFF, N2K_MAX_PAYLOAD);
+    std::ranges::copy(beginning, msg.data);
+}
+
+/// The label without the number of its round, and that number; 0 for none.
+struct NumberedLabel {
+    std::string_view text;
+    int round;
+};
+NumberedLabel numbered(std::string_view label) {
+    const std::size_t sign = label.rfind(" #");
+    if (sign == label.npos) return {label, 0};
+    int round = 0;
+    for (const char c : label.substr(sign + 2)) {
+        if (c < '0' || c > '9' || round > N2K_MAX_PAYLOAD) return {label, 0};
+        round = round * 10 + (c - '0');
+    }
+    return {label.substr(0, sign), round};
+}
+
+bool same_label(std::string_view a, std::string_view b) {
+    return simplified(trimmed(a)) == simplified(trimmed(b));
+}
+
+class Building {
+  public:
+    Building(QV_N2K_PGN_DB_c& db, const PgnDef& pgn, const std::vector<TypedField>& fields, N2KMsg& msg)
+        : db_(db), pgn_(pgn), fields_(fields), used_(fields.size(), false), msg_(msg) {}
+
+    std::vector<std::string> build(const Bytes& beginning);
+
+  private:
+    const TypedField* take(std::string_view label);
+    bool is_wanted(const MessageWalk::Field& group) const;
+    void enter(FieldCell& cell);
+    void fill_count();
+    void report_unused();
+
+    QV_N2K_PGN_DB_c& db_;
+    const PgnDef& pgn_;
+    const std::vector<TypedField>& fields_;
+    std::vector<bool> used_;
+    N2KMsg& msg_;
+    int given_ = 0;   // bytes of the beginning, which fields that are not given leave alone
+    int length_ = 0;  // bytes up to the last field
+    int rounds_ = 0;
+    std::optional<FieldCell> count_;  // the field that has the number of rounds, unless it is given
+    std::vector<std::string> labels_;
+    std::vector<std::string> errors_;
+};
+
+/// The next one that was typed under this label.
+const TypedField* Building::take(std::string_view label) {
+    for (std::size_t i = 0; i < fields_.size(); ++i)
+        if (!used_[i] && same_label(fields_[i].label, label)) {
+            used_[i] = true;
+            return &fields_[i];
+        }
+    return nullptr;
+}
+
+/// Whether something is given for the round of a repeating group that begins here, or for a later one.
+bool Building::is_wanted(const MessageWalk::Field& group) const {
+    const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
+    for (int i = 0; set != nullptr && i <= set->last - set->first; ++i) {
+        MessageWalk::Field field = group;
+        field.row = next_field_row(group.row, i);
+        if (field.row == nullptr || field.row->field == 0) break;
+        const std::string label = FieldCell(db_, msg_, field, {}).label();
+        const NumberedLabel shown = numbered(label);
+        for (std::size_t k = 0; k < fields_.size(); ++k) {
+            if (used_[k]) continue;
+            const NumberedLabel typed = numbered(trimmed(fields_[k].label));
+            const bool later =
+                shown.round > 0 && typed.round >= shown.round && same_label(typed.text, shown.text);
+            if (later || same_label(fields_[k].label, label)) return true;
+        }
+    }
+    return false;
+}
+
+void Building::enter(FieldCell& cell) {
+    const std::string label = cell.label();
+    labels_.push_back(label);
+    const bool counts = cell.repeat() == 0 && label == "nItems";
+    const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
+    const bool before_group = set != nullptr && cell.row().field + 1 == set->first;
+    const TypedField* const typed = take(label);
+    const bool may_count = counts || (before_group && !count_ && simplified(label).starts_with("number of "));
+    if (typed != nullptr) {
+        if (std::string wrong = enter_value(cell, typed->value); !wrong.empty())
+            errors_.push_back(label + " " + wrong);
+    } else if (cell.start().byte >= given_) {
+        cell.clear();
+        if (may_count) count_.emplace(cell);
+    }
+    // What can have no value and was not given ("Fields 4 thru 12 repeat as needed") is not sent.
+    if (typed != nullptr || cell.holds_text() || !served_units(cell).empty())
+        length_ = std::max(length_, cell.end());
+}
+
+void Building::fill_count() {
+    if (!count_ || rounds_ == 0) return;
+    const std::string wrong = enter_value(*count_, std::to_string(rounds_));
+    if (!wrong.empty()) errors_.push_back(count_->label() + " " + wrong);
+}
+
+void Building::report_unused() {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (used_[i]) continue;
+        const std::string& label = fields_[i].label;
+        const auto count =
+            std::ranges::count_if(labels_, [&](const std::string& l) { return same_label(l, label); });
+        const std::string in_message = " in PGN " + std::to_string(pgn_.pgn);
+        if (count > 0) {
+            errors_.push_back(in_quotes(label) + " is given more than " +
+                              (count == 1 ? "once" : std::to_string(count) + " times") +
+                              ", as often as it is" + in_message);
+            continue;
+        }
+        std::vector<std::string> choices;
+        for (const std::string& l : labels_)
+            if (std::ranges::find(choices, l) == choices.end()) choices.push_back(l);
+        const std::string otherwise =
+            "'vistel encode --list " + std::to_string(pgn_.pgn) + "' shows its fields";
+        errors_.push_back("no field " + in_quotes(label) + in_message + "; " +
+                          suggestion(label, choices, otherwise));
+    }
+}
+
+std::vector<std::string> Building::build(const Bytes& beginning) {
+    given_ = static_cast<int>(beginning.size());
+    length_ = given_;
+    begin_message(msg_, beginning);
+    MessageWalk walk(&pgn_, msg_);
+    const FieldDef* first = nullptr;
+    while (walk.next()) {
+        const MessageWalk::Field& field = walk.field();
+        const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
+        if (field.repeat > 0 && field.row->field == set->first) {
+            if (walk.position.byte >= given_ && !is_wanted(field)) break;
+            rounds_ = field.repeat;
+        }
+        if (first == nullptr) first = field.row;
+        FieldCell cell(db_, msg_, field, walk.position);
+        enter(cell);
+        walk.position = cell.next();
+    }
+    fill_count();
+    report_unused();
+    // The walk is chosen by the payload's beginning, which has been written meanwhile.
+    MessageWalk again(&pgn_, msg_);
+    const bool same = again.next() ? again.field().row == first : first == nullptr;
+    if (!same && !labels_.empty())
+        errors_.push_back(labels_[0] + " has a value for which the message has other fields, or none");
+    msg_.length = static_cast<std::uint16_t>(std::min(length_, N2K_MAX_PAYLOAD));
+    if (length_ > N2K_MAX_PAYLOAD)
+        errors_.push_back("the message is longer than " + std::to_string(N2K_MAX_PAYLOAD) + " bytes");
+    return errors_;
+}
+
+bool begins_with_maker(std::uint16_t selector) {
+    return selector == (maker_header & 0x7FF);
+}
+
+}  // namespace
+
+std::vector<Bytes> variants_of(const PgnDef& pgn) {
+    std::vector<Bytes> result;
+    N2KMsg msg{};
+    msg.pgn = pgn.pgn;
+    // Fields that everybody's message has, where those of the maker have more.
+    begin_message(msg, {});
+    MessageWalk anybody(&pgn, msg);
+    bool any = false;
+    while (anybody.next()) {
+        FieldCell cell(qv_n2k_pgn_db, msg, anybody.field(), anybody.position);
+        cell.clear();
+        anybody.position = cell.next();
+        any = true;
+    }
+    if (any && anybody.has_undecoded_rest()) result.emplace_back();
+
+    for (const FieldDef& row : all_fields()) {
+        if (row.pgn != pgn.pgn || row.field != 1) continue;
+        const std::uint16_t selector = low_half(row.key1);
+        if (selector == no_selector || row.key1 == 0xFFFFFFFF) continue;
+        const Bytes beginning = begins_with_maker(selector) ? Bytes{maker_header & 0xFF, maker_header >> 8}
+                                                            : Bytes{static_cast<std::uint8_t>(selector)};
+        begin_message(msg, beginning);
+        MessageWalk walk(&pgn, msg);
+        if (!walk.next() || low_half(walk.field().row->key1) != selector) continue;
+        if (std::ranges::find(result, beginning) == result.end()) result.push_back(beginning);
+    }
+    if (result.empty()) result.emplace_back();
+    return result;
+}
+
+void visit_fields(QV_N2K_PGN_DB_c& db, const PgnDef& pgn, const Bytes& variant,
+                  const std::function<void(FieldCell&)>& visit) {
+    N2KMsg msg{};
+    msg.pgn = pgn.pgn;
+    begin_message(msg, variant);
+    MessageWalk walk(&pgn, msg);
+    while (walk.next() && walk.field().repeat <= 1) {
+        FieldCell cell(db, msg, walk.field(), walk.position);
+        if (cell.start().byte >= static_cast<int>(variant.size())) cell.clear();
+        FieldCell shown = cell;
+        const N2KMsg before = msg;
+        visit(shown);
+        msg = before;
+        walk.position = cell.next();
+    }
+}
+
+BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnDef* pgn,
+                           const std::vector<TypedField>& fields) {
+    BuiltMessage result;
+    result.msg.pgn = number;
+    std::vector<TypedField> rest;
+    Bytes payload;
+    bool has_payload = false;
+    for (const TypedField& field : fields) {
+        if (!same_label(field.label, payload_label)) {
+            rest.push_back(field);
+            continue;
+        }
+        const auto bytes = bytes_of(field.value);
+        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || has_payload) {
+            result.errors.push_back(std::string(payload_label) +
+                                    " takes the bytes of the payload once, as in 01 02 FF");
+            return result;
+        }
+        payload = *bytes;
+        has_payload = true;
+    }
+    if (pgn == nullptr) {
+        begin_message(result.msg, payload);
+        result.msg.length = static_cast<std::uint16_t>(payload.size());
+        if (!rest.empty() || !has_payload)
+            result.errors.push_back(
+                "PGN " + std::to_string(number) +
+                " is not in the catalogue; only its bytes can be given, as in \"Data=01 02 FF\"");
+        return result;
+    }
+    std::optional<BuiltMessage> best;
+    for (const Bytes& variant : has_payload ? std::vector<Bytes>{payload} : variants_of(*pgn)) {
+        BuiltMessage built;
+        built.msg.pgn = number;
+        built.errors = Building(db, *pgn, rest, built.msg).build(variant);
+        if (!best || built.errors.size() < best->errors.size()) best = built;
+    }
+    // A message in one frame fills it. The bytes of a payload stay as many as were given.
+    static const FastPacketPgns fast;
+    if (!fast.contains(number) && !has_payload)
+        best->msg.length = std::max<std::uint16_t>(best->msg.length, max_frame_bytes);
+    return *best;
+}
+
+}  // namespace vistel

@@ -1,0 +1,127 @@
+#include "encode/message_lines.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <span>
+
+#include "assembly/fast_packet.h"
+#include "readers/can_identifier.h"
+
+namespace vistel {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+void append_hex(std::string& text, unsigned value, int digits) {
+    char area[9];
+    std::snprintf(area, sizeof area, "%0*X", digits, value);
+    text += area;
+}
+
+class Frames {
+  public:
+    Frames(const N2KMsg& msg, std::string_view time) : header_(msg), bytes_(msg.data, msg.length) {
+        if (!time.empty()) before_.append("(").append(time).append(") ");
+        before_ += "can0 ";
+    }
+
+    std::string lines;
+
+    void put_single() { put({}, bytes_); }
+
+    void put_fast(unsigned sequence) {
+        Bytes rest = bytes_;
+        for (unsigned number = 0; number == 0 || !rest.empty(); ++number) {
+            const std::uint8_t counter = static_cast<std::uint8_t>(sequence << 5 | number);
+            const std::uint8_t header[] = {counter, static_cast<std::uint8_t>(bytes_.size())};
+            put_piece(rest, Bytes(header, number == 0 ? 2 : 1),
+                      number == 0 ? FastPackets::bytes_in_first : FastPackets::bytes_in_later);
+        }
+    }
+
+    /// An announcement, then packets of seven bytes.
+    void put_broadcast() {
+        constexpr std::uint32_t connection_management = 60416, data_transfer = 60160;
+        constexpr std::uint8_t announcement = 32;
+        constexpr unsigned bytes_in_packet = 7;
+        const auto size = static_cast<unsigned>(bytes_.size());
+        const std::uint32_t pgn = header_.pgn;
+        const unsigned frame[] = {
+            announcement, size & 0xFF, size >> 8,       (size + bytes_in_packet - 1) / bytes_in_packet,
+            0xFF,         pgn & 0xFF,  pgn >> 8 & 0xFF, pgn >> 16};
+        std::uint8_t announced[max_frame_bytes];
+        std::ranges::transform(frame, announced,
+                               [](unsigned byte) { return static_cast<std::uint8_t>(byte); });
+        header_.pgn = connection_management;
+        put({}, announced);
+        header_.pgn = data_transfer;
+        Bytes rest = bytes_;
+        for (std::uint8_t number = 1; !rest.empty(); ++number)
+            put_piece(rest, Bytes(&number, 1), bytes_in_packet);
+    }
+
+  private:
+    void put(Bytes first, Bytes second) {
+        lines += before_;
+        append_hex(lines, identifier_of(header_), 8);
+        lines += '#';
+        for (const std::uint8_t byte : first) append_hex(lines, byte, 2);
+        for (const std::uint8_t byte : second) append_hex(lines, byte, 2);
+        lines += '\n';
+    }
+
+    /// A full frame: what is over is filled with ones.
+    void put_piece(Bytes& rest, Bytes header, std::size_t room) {
+        std::uint8_t piece[max_frame_bytes];
+        std::ranges::fill(piece, std::uint8_t{0xFF});
+        const std::size_t count = std::min(room, rest.size());
+        std::ranges::copy(rest.first(count), piece);
+        rest = rest.subspan(count);
+        put(header, Bytes(piece, room));
+    }
+
+    N2KMsg header_;
+    const Bytes bytes_;
+    std::string before_;
+};
+
+const FastPacketPgns& fast_packets() {
+    static const FastPacketPgns pgns;
+    return pgns;
+}
+
+}  // namespace
+
+std::string plain_lines(const N2KMsg& msg, std::string_view time) {
+    std::string line;
+    if (msg.length <= max_frame_bytes && fast_packets().contains(msg.pgn)) line = "# format=FAST\n";
+    line += time;
+    for (const unsigned number : {unsigned{msg.priority}, unsigned{msg.pgn}, unsigned{msg.source},
+                                  unsigned{msg.destination}, unsigned{msg.length}})
+        line += ',' + std::to_string(number);
+    for (const std::uint8_t byte : Bytes(msg.data, msg.length)) {
+        line += ',';
+        append_hex(line, byte, 2);
+    }
+    if (msg.length == 0) line += ',';
+    return line + '\n';
+}
+
+std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong) {
+    Frames frames(msg, time);
+    if (fast_packets().contains(msg.pgn) && msg.length <= FastPackets::most_bytes) {
+        frames.put_fast(sequence);
+    } else if (msg.length <= max_frame_bytes) {
+        frames.put_single();
+    } else if (msg.destination == 255) {
+        frames.put_broadcast();
+    } else {
+        wrong = "a message of " + std::to_string(msg.length) +
+                " bytes to one device takes a dialogue that candump lines alone cannot show; the plain "
+                "format can";
+    }
+    return frames.lines;
+}
+
+}  // namespace vistel

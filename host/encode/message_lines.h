@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "pgn_vistel/n2k_msg.h"
+
+namespace vistel {
+
+/// The message in the plain text format, as one line; behind a "# format=FAST" where it would be taken for a
+/// piece of a fast packet. `time` is a time stamp of that format, or empty.
+std::string plain_lines(const N2KMsg& msg, std::string_view time);
+
+/// The message as candump shows its frames: one, those of a fast packet with this sequence (0 .. 7), or those
+/// of a broadcast by transport protocol. Empty where it cannot be sent so; `wrong` says why.
+std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong);
+
+}  // namespace vistel

@@ -1,0 +1,238 @@
+#include "encode/number_entry.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "encode/suggestions.h"
+#include "output/unit_names.h"
+
+using namespace pgn_vistel;
+
+namespace vistel {
+
+namespace {
+
+constexpr std::uint32_t pgn_number_dd = 9;
+
+std::optional<double> number_in(const ConvValue& v) {
+    if (!is_available(v)) return {};
+    switch (v.type) {
+        case CV_FLOAT:
+        case CV_FLOAT_PLAIN: return v.value.f32;
+        case CV_DOUBLE: return v.value.f64;
+        case CV_U8: return v.value.u8;
+        case CV_I8: return v.value.i8;
+        case CV_U16: return v.value.u16;
+        case CV_I16: return v.value.i16;
+        case CV_U32:
+        case CV_TIME_OF_DAY: return v.value.u32;
+        case CV_I32: return v.value.i32;
+        case CV_U64: return static_cast<double>(v.value.u64);
+        case CV_I64: return static_cast<double>(v.value.i64);
+        default: return {};
+    }
+}
+
+bool has_values(FieldCell& cell, UnitId unit) {
+    for (const std::uint64_t raw : {0, 1}) {
+        cell.put(raw);
+        ConvValue value;
+        cell.read(value, unit);
+        if (is_available(value)) return true;
+    }
+    return false;
+}
+
+/// Formats that do not look at the unit would take any: nobody could type a wrong one.
+bool looks_at_unit(FieldCell& cell) {
+    int served = 0;
+    for (UnitId u = 0; u < unit::count; ++u) served += has_values(cell, u);
+    return served < unit::count / 2;
+}
+
+std::string number_text(double value) {
+    char area[32];
+    const auto single = static_cast<float>(value);
+    const bool is_single = static_cast<double>(single) == value && std::fabs(value) > 9e6;
+    const auto end = is_single ? std::to_chars(area, area + sizeof area, single)
+                     : std::fabs(value) < 1e15 && value == std::trunc(value)
+                         ? std::to_chars(area, area + sizeof area, static_cast<std::int64_t>(value))
+                         : std::to_chars(area, area + sizeof area, value, std::chars_format::general, 8);
+    return {area, end.ptr};
+}
+
+/// The number as an integer where it is typed as one. Doubles have 53 bits only.
+std::optional<std::uint64_t> integer_of(std::string_view digits) {
+    const bool negative = digits.starts_with('-');
+    if (negative || digits.starts_with('+')) digits.remove_prefix(1);
+    const int base = digits.starts_with("0x") || digits.starts_with("0X") ? 16 : 10;
+    if (base == 16) digits.remove_prefix(2);
+    std::uint64_t value = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+    if (error != std::errc{} || end != digits.data() + digits.size()) return {};
+    return negative ? 0 - value : value;
+}
+
+/// Integers that decoding shows as they are sent, in all their bits.
+bool enter_integer(FieldCell& cell, std::uint64_t number, UnitId unit) {
+    ConvValue value;
+    cell.put(number);
+    cell.read(value, unit);
+    if (!is_available(value)) return false;
+    switch (value.type) {
+        case CV_U8: return value.value.u8 == number;
+        case CV_U16: return value.value.u16 == number;
+        case CV_U32:
+        case CV_TIME_OF_DAY: return value.value.u32 == number;
+        case CV_U64: return value.value.u64 == number;
+        case CV_I8: return static_cast<std::uint64_t>(std::int64_t{value.value.i8}) == number;
+        case CV_I16: return static_cast<std::uint64_t>(std::int64_t{value.value.i16}) == number;
+        case CV_I32: return static_cast<std::uint64_t>(std::int64_t{value.value.i32}) == number;
+        case CV_I64: return static_cast<std::uint64_t>(value.value.i64) == number;
+        default: return false;
+    }
+}
+
+/// What the format's own parser makes of the text. It works in single precision and cuts off what is beyond
+/// the last step, so it serves as a hint only.
+std::optional<std::uint64_t> parsed(const FieldCell& cell, std::string_view digits, UnitId unit) {
+    const ParseFunction parse = cell.dd().format->parse;
+    if (parse == nullptr) return {};
+    ConvValue value{CV_NOT_AVAILABLE, {}};
+    value.value.u64 = 0;
+    parse(&value, std::string(digits).c_str(), unit);
+    const int bits = cell.bits();
+    return bits < 64 ? value.value.u64 & ((std::uint64_t{1} << bits) - 1) : value.value.u64;
+}
+
+struct UnitFound {
+    UnitId unit;
+    std::string wrong;
+};
+
+UnitFound unit_for(FieldCell& cell, std::string_view text) {
+    ConvValue value;
+    const FieldReading reading = cell.read(value);
+    const std::vector<UnitId> served = served_units(cell);
+    if (text.empty() || simplified(unit_text(reading.unit)) == simplified(text)) {
+        if (has_values(cell, reading.unit)) return {reading.unit, {}};
+        if (text.empty() && served.size() == 1) return {served[0], {}};
+    }
+    UnitId found = find_unit(served, text);
+    if (found < 0 && !text.empty() && looks_at_unit(cell)) {
+        std::vector<UnitId> all;  // what the quantity does not offer but the format knows
+        for (UnitId u = 0; u < unit::count; ++u)
+            if (!unit_text(u).empty() && has_values(cell, u)) all.push_back(u);
+        found = find_unit(all, text);
+    }
+    if (found >= 0) return {found, {}};
+    std::vector<std::string> names;
+    for (const UnitId u : served)
+        if (!unit_text(u).empty()) names.push_back(unit_text(u));
+    if (names.empty() && text.empty()) return {-1, "has no values that could be encoded"};
+    if (names.empty()) return {-1, "takes no unit, but has " + in_quotes(text)};
+    return {-1, (text.empty() ? "needs one of its units" : "has no unit " + in_quotes(text)) +
+                    std::string("; there are: ") + joined(names)};
+}
+
+}  // namespace
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == text.npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::optional<double> take_number(std::string_view& text) {
+    std::string_view digits = text;
+    const bool negative = digits.starts_with('-');
+    if (negative || digits.starts_with('+')) digits.remove_prefix(1);
+    const bool hexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
+    if (hexadecimal) digits.remove_prefix(2);
+    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+    const bool fraction = digits.size() > 1 && digits[0] == '.' && is_digit(digits[1]);
+    if (!hexadecimal && !fraction && (digits.empty() || !is_digit(digits[0]))) return {};
+    double value = 0;
+    std::uint64_t whole = 0;
+    const char* const last = digits.data() + digits.size();
+    const std::from_chars_result end = hexadecimal ? std::from_chars(digits.data(), last, whole, 16)
+                                                   : std::from_chars(digits.data(), last, value);
+    if (end.ptr == digits.data()) return {};
+    if (hexadecimal) value = static_cast<double>(whole);
+    if (end.ec == std::errc::result_out_of_range) value = std::numeric_limits<double>::infinity();
+    text = {end.ptr, static_cast<std::size_t>(last - end.ptr)};
+    return negative ? -value : value;
+}
+
+std::vector<UnitId> served_units(FieldCell cell) {
+    ConvValue value;
+    const FieldReading reading = cell.read(value);
+    std::vector<UnitId> units;
+    if (reading.quantity == quantity::no_quantity)
+        units.push_back(reading.unit);
+    else
+        units = offered_units(reading.quantity);
+    const std::uint64_t before = cell.raw();
+    std::erase_if(units, [&cell](UnitId u) { return !has_values(cell, u); });
+    cell.put(before);
+    return units;
+}
+
+RawScale scale_of(FieldCell& cell, UnitId unit) {
+    return RawScale(
+        [cell, unit](std::uint64_t raw) mutable {
+            ConvValue value;
+            cell.put(raw);
+            cell.read(value, unit);
+            return number_in(value);
+        },
+        cell.bits());
+}
+
+std::string range_text(const RawScale& scale, UnitId unit) {
+    const std::string name = unit_text(unit);
+    return "from " + number_text(scale.lowest()) + " to " + number_text(scale.highest()) +
+           (name.empty() ? "" : " ") + name;
+}
+
+Outcome enter_number(FieldCell& cell, std::string_view text) {
+    std::string_view rest = text;
+    const std::optional<double> number = take_number(rest);
+    if (!number) return {};
+    const std::string_view digits = text.substr(0, text.size() - rest.size());
+    rest = trimmed(rest);
+    std::string_view in_parentheses;
+    const bool names_pgn = cell.dd().dd == pgn_number_dd && rest.starts_with('(');
+    if (names_pgn) {
+        rest = {};  // the name follows from the number
+    } else if (const std::size_t close = rest.find(')'); rest.starts_with("(0x") && close != rest.npos) {
+        in_parentheses = rest.substr(0, close + 1);
+        rest = trimmed(rest.substr(close + 1));
+    }
+
+    const auto [unit, wrong] = unit_for(cell, rest);
+    if (unit < 0) return wrong;
+    const std::optional<std::uint64_t> integer = integer_of(digits);
+    if (!integer || !enter_integer(cell, *integer, unit)) {
+        const RawScale scale = scale_of(cell, unit);
+        if (scale.empty()) return "has no values that could be encoded";
+        const std::uint64_t raw = scale.nearest(*number, parsed(cell, digits, unit));
+        cell.put(raw);
+        // The ends of the range may be shown rounded up, and can still be typed as they are shown.
+        const auto shown_number = [&cell] {
+            const std::string shown = cell.shown();
+            std::string_view view = trimmed(shown);
+            return take_number(view);
+        };
+        if (!scale.meets(raw, *number) && shown_number() != number)
+            return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+    }
+    if (!in_parentheses.empty() && cell.shown().find(in_parentheses) == std::string::npos)
+        return std::string(digits) + " and " + std::string(in_parentheses) + " are different numbers";
+    return "";
+}
+
+}  // namespace vistel

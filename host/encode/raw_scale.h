@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace vistel {
+
+/// The values that the raw numbers of a field stand for in one unit, and the way back from value to number.
+///
+/// Only the conversion knows how numbers become values, so it is asked: the numbers fall into few runs along
+/// which the values rise (or fall, as those of negative floats do), and runs can be searched by halving.
+class RawScale {
+  public:
+    /// Value of a raw number, or nothing for a reserved code.
+    using Conversion = std::function<std::optional<double>(std::uint64_t)>;
+
+    RawScale(Conversion value_of, int bits);
+
+    /// No number has a value: the unit is not served, or the format has none.
+    bool empty() const { return runs_.empty(); }
+    double lowest() const;
+    double highest() const;
+
+    /// The number whose value is nearest, `hint` among equals.
+    std::uint64_t nearest(double value, std::optional<std::uint64_t> hint) const;
+    /// Whether the value of `raw`, the nearest number, is within half a step of `value`.
+    bool meets(std::uint64_t raw, double value) const;
+    std::optional<double> value_of(std::uint64_t raw) const { return value_of_(raw); }
+
+  private:
+    struct Run {
+        std::uint64_t first, last;
+        double from, to;  ///< their values
+        bool rising() const { return from <= to; }
+    };
+
+    void find_runs(std::uint64_t first, std::uint64_t last);
+    std::uint64_t nearest_in(const Run& run, double value) const;
+
+    Conversion value_of_;
+    std::vector<Run> runs_;
+};
+
+}  // namespace vistel

@@ -1,0 +1,67 @@
+#include "encode/suggestions.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "output/unit_names.h"
+
+namespace vistel {
+
+namespace {
+
+constexpr std::size_t longest = 64;  // bytes that are compared
+
+/// Insertions, deletions and replacements that lead from one text to the other.
+std::size_t edit_distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t k = 0; k < b.size(); ++k) {
+            const std::size_t above = row[k + 1];
+            row[k + 1] = std::min({above + 1, row[k] + 1, diagonal + (a[i] != b[k])});
+            diagonal = above;
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+std::string in_quotes(std::string_view typed) {
+    constexpr std::size_t most = 60;
+    std::size_t size = std::min(typed.size(), most);
+    while (size < typed.size() && size > 0 && (typed[size] & 0xC0) == 0x80) --size;  // whole characters
+    std::string result = "'";
+    for (const char c : typed.substr(0, size))
+        result += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
+    return result + (size < typed.size() ? "...'" : "'");
+}
+
+std::string suggestion(std::string_view typed, const std::vector<std::string>& choices,
+                       std::string_view otherwise) {
+    constexpr std::size_t few = 6, named = 3;
+    struct Candidate {
+        std::size_t distance;
+        const std::string* text;
+    };
+    const std::string wanted = simplified(typed.substr(0, longest));
+    std::vector<Candidate> near;
+    for (const std::string& choice : choices) {
+        const std::string text = simplified(std::string_view(choice).substr(0, longest));
+        const std::size_t distance = edit_distance(wanted, text);
+        const bool part = wanted.size() >= 3 && text.find(wanted) != text.npos;
+        if (part || distance <= std::max<std::size_t>(2, wanted.size() / 3))
+            near.push_back({part ? std::min<std::size_t>(distance, 2) : distance, &choice});
+    }
+    if (choices.size() <= few && !choices.empty()) return "there are: " + joined(choices);
+    if (near.empty()) return std::string(otherwise);
+    std::ranges::stable_sort(near, {}, &Candidate::distance);
+    std::string result = "did you mean ";
+    for (std::size_t i = 0; i < std::min(near.size(), named); ++i)
+        result.append(i > 0 ? " or " : "").append(in_quotes(*near[i].text));
+    return result + "?";
+}
+
+}  // namespace vistel

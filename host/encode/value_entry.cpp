@@ -1,0 +1,64 @@
+#include "encode/value_entry.h"
+
+#include "encode/calendar_entry.h"
+#include "encode/choices.h"
+#include "encode/number_entry.h"
+#include "encode/suggestions.h"
+#include "encode/text_entry.h"
+#include "output/unit_names.h"
+
+using namespace pgn_vistel;
+
+namespace vistel {
+
+namespace {
+
+/// "-", alone or with the unit that decoding shows behind it.
+bool means_not_available(const FieldCell& cell, std::string_view text) {
+    if (!text.starts_with('-')) return false;
+    text = trimmed(text.substr(1));
+    ConvValue value;
+    return text.empty() || text == unit_text(cell.read(value).unit);
+}
+
+/// Displays with rules of their own: the number that is shown so is found by trying all of them.
+bool enter_as_shown(FieldCell& cell, std::string_view text) {
+    constexpr int most_bits = 16;
+    const int bits = cell.bits();
+    if (bits > most_bits) return false;
+    for (std::uint64_t raw = 0; raw >> bits == 0; ++raw) {
+        cell.put(raw);
+        if (trimmed(cell.shown(true)) == text || trimmed(cell.shown()) == text) return true;
+    }
+    return false;
+}
+
+std::string no_such_choice(const FieldCell& cell, std::string_view text) {
+    std::vector<std::string> texts;
+    for (const CodedChoice& choice : choices_of(cell)) texts.push_back(choice.text);
+    return "has no " + in_quotes(text) + "; " +
+           suggestion(text, texts, "there are " + std::to_string(texts.size()) + ", see --list");
+}
+
+}  // namespace
+
+std::string enter_value(FieldCell& cell, std::string_view typed) {
+    const std::string_view text = trimmed(typed);
+    if (cell.holds_text()) {
+        if (text == "-" && cell.dd().format->df == hex_dump) return cell.clear(), "";
+        return enter_text(cell, typed);
+    }
+    if (means_not_available(cell, text)) return cell.clear(), "";
+    const bool coded = find_enumeration(cell.dd().dd) != nullptr;
+    if (coded && enter_choice(cell, text)) return "";
+    if (text.empty()) return "has no value behind the '='; '-' stands for not available";
+    for (const auto enter : {enter_date, enter_clock, enter_number})
+        if (Outcome outcome = enter(cell, text); outcome && (outcome->empty() || !enter_as_shown(cell, text)))
+            return *outcome;
+        else if (outcome)
+            return "";
+    if (enter_as_shown(cell, text)) return "";
+    return coded ? no_such_choice(cell, text) : in_quotes(text) + " does not begin with a number";
+}
+
+}  // namespace vistel
