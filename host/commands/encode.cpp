@@ -110,11 +110,17 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
     constexpr std::size_t few = 20;
     out += "  " + cell.label() + ": " + size_text(cell);
     const std::vector<CodedChoice> choices = choices_of(cell);
-    if (!cell.holds_text() && choices.empty()) {
+    const DDstrings* const set = find_enumeration(cell.dd().dd);
+    ConvValue value;
+    const bool measured = cell.read(value).quantity < quantity::no_quantity;
+    if (!cell.holds_text() && (choices.empty() || (set->kind == ENUM_NUMBER && measured))) {
         const std::string values = values_text(cell);
         out += (values.empty() ? "" : ", ") + values;
     }
-    if (!choices.empty()) out += holds_flags(cell) ? ", any of, with commas between them" : ", one of";
+    if (!choices.empty())
+        out += holds_flags(cell) ? ", any of, with commas between them:"
+               : measured        ? ", or one of:"
+                                 : ", one of:";
     out += '\n';
     const std::size_t shown = all_choices ? choices.size() : std::min(choices.size(), few);
     for (std::size_t i = 0; i < shown; ++i)
@@ -126,22 +132,33 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
 int list_fields(const EncodeOptions& options, const PgnDef& row) {
     std::string out =
         std::to_string(row.pgn) + ", " + name_of(row) + ", pri=" + std::to_string(row.priority) + '\n';
-    const auto variants = variants_of(row);
-    for (const auto& variant : variants) {
-        if (variants.size() > 1) {
-            out += variant.empty() ? " whoever sends it" : " where it begins with";
-            for (const std::uint8_t byte : variant) {
-                constexpr char digits[] = "0123456789ABCDEF";
-                out.append(" ").append({digits[byte >> 4], digits[byte & 15]});
-            }
-            out += '\n';
+    // Variants that decoding shows alike are listed once.
+    struct Listed {
+        std::string beginnings, fields;
+    };
+    std::vector<Listed> lists;
+    for (const auto& variant : variants_of(row)) {
+        std::string beginning = variant.empty() ? " anything" : "";
+        for (const std::uint8_t byte : variant) {
+            constexpr char digits[] = "0123456789ABCDEF";
+            beginning.append({' ', digits[byte >> 4], digits[byte & 15]});
         }
+        std::string fields;
         bool repeats = false;
         visit_fields(qv_n2k_pgn_db, row, variant, [&](FieldCell& cell) {
-            if (cell.repeat() > 0 && !repeats) out += " as often as needed:\n";
+            if (cell.repeat() > 0 && !repeats) fields += " as often as needed:\n";
             repeats = cell.repeat() > 0;
-            list_field(out, cell, options.all_choices);
+            list_field(fields, cell, options.all_choices);
         });
+        const auto same = std::ranges::find(lists, fields, &Listed::fields);
+        if (same != lists.end())
+            same->beginnings += " or" + beginning;
+        else
+            lists.push_back({beginning, fields});
+    }
+    for (const Listed& list : lists) {
+        if (lists.size() > 1) out += " where the payload begins with" + list.beginnings + ":\n";
+        out += list.fields;
     }
     return print(out);
 }

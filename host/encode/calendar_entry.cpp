@@ -46,6 +46,13 @@ Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId un
     return in_quotes(text) + " is out of range: " + range_text(scale, unit);
 }
 
+bool is_counted_as_clock(FieldCell& cell, UnitId unit) {
+    ConvValue value;
+    cell.put(0);
+    cell.read(value, unit);
+    return value.type == CV_TIME_OF_DAY;
+}
+
 /// One date in the unit's layout, without its name.
 std::wstring date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
     ConvValue value;
@@ -59,9 +66,11 @@ std::wstring date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
 
 Outcome enter_clock(FieldCell& cell, std::string_view text) {
     ConvValue value;
-    const DispDataType kind = cell.read(value).quantity;
-    const bool of_day = kind == quantity::time_of_day;
-    if (!of_day && kind != quantity::duration) return {};
+    const FieldReading reading = cell.read(value);
+    const bool of_day = reading.quantity == quantity::time_of_day;
+    // Seconds that a format shows as a clock, whatever they are said to be.
+    const bool counted = !of_day && is_counted_as_clock(cell, reading.unit);
+    if (!of_day && !counted && reading.quantity != quantity::duration) return {};
     const std::optional<Clock> clock = take_clock(text);
     if (!clock) {
         std::string_view rest = text;
@@ -71,6 +80,8 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     }
     const auto& [a, b, c] = clock->parts;
     if (!of_day) {
+        if (counted && clock->count == 3 && clock->rest == unit_text(reading.unit))
+            return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit);
         const std::string minutes = simplified(unit_text(unit::minutes));
         if (!clock->rest.empty() && simplified(clock->rest) != minutes)
             return "has no unit " + in_quotes(clock->rest) + " behind a time with colons";

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "encode/number_entry.h"
+
 #include "output/unit_names.h"
 #include "output/utf8.h"
 
@@ -10,6 +12,8 @@ using namespace pgn_vistel;
 namespace vistel {
 
 namespace {
+
+constexpr std::string_view flag_separator = ", ";
 
 /// The text of one entry. Asked of the printer, which knows the code page of the texts.
 std::string text_of(const FieldCell& cell, std::uint32_t value) {
@@ -22,21 +26,29 @@ std::string text_of(const FieldCell& cell, std::uint32_t value) {
     return utf8_of({area, static_cast<std::size_t>(std::max(0, length))});
 }
 
+/// The flag whose text begins the list. Texts may contain the separator, so the longest one counts; several
+/// flags may have one text ("Reserved"), and are taken in turn.
+const CodedChoice* first_flag(std::string_view list, const std::vector<CodedChoice>& flags,
+                              std::uint32_t taken) {
+    const CodedChoice* best = nullptr;
+    for (const CodedChoice& flag : flags) {
+        if (!list.starts_with(flag.text) || (taken & flag.value) != 0) continue;
+        const std::string_view rest = list.substr(flag.text.size());
+        if (!rest.empty() && !rest.starts_with(flag_separator)) continue;
+        const bool longer = best == nullptr || flag.text.size() > best->text.size();
+        const bool in_order = best != nullptr && flag.text == best->text && best->value < taken;
+        if (longer || in_order) best = &flag;
+    }
+    return best;
+}
+
 bool enter_flags(FieldCell& cell, std::string_view text, const std::vector<CodedChoice>& flags) {
-    constexpr std::string_view separator = ", ";
-    std::uint64_t value = 0;
+    std::uint32_t value = 0;
     while (!text.empty()) {
-        // Texts may contain the separator: the longest one that fits is taken.
-        const CodedChoice* best = nullptr;
-        for (const CodedChoice& flag : flags) {
-            if (!text.starts_with(flag.text)) continue;
-            const std::string_view rest = text.substr(flag.text.size());
-            const bool ends = rest.empty() || rest.starts_with(separator);
-            if (ends && (best == nullptr || flag.text.size() > best->text.size())) best = &flag;
-        }
-        if (best == nullptr) return false;
-        value |= best->value;
-        text.remove_prefix(std::min(text.size(), best->text.size() + separator.size()));
+        const CodedChoice* const flag = first_flag(text, flags, value);
+        if (flag == nullptr) return false;
+        value |= flag->value;
+        text.remove_prefix(std::min(text.size(), flag->text.size() + flag_separator.size()));
     }
     cell.put(value);
     return true;
@@ -63,16 +75,17 @@ std::vector<CodedChoice> choices_of(FieldCell cell) {
     return result;
 }
 
-bool enter_choice(FieldCell& cell, std::string_view text) {
+bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling) {
     const std::vector<CodedChoice> choices = choices_of(cell);
     if (holds_flags(cell)) return enter_flags(cell, text, choices);
     const std::string wanted = simplified(text);
-    for (const bool exactly : {true, false})
-        for (const CodedChoice& choice : choices) {
-            if (exactly ? choice.text != text : simplified(choice.text) != wanted) continue;
-            cell.put(choice.value);
-            if (cell.shown() == choice.text) return true;
-        }
+    for (const CodedChoice& choice : choices) {
+        if (spelling == Spelling::exact ? trimmed(choice.text) != text
+                                        : simplified(trimmed(choice.text)) != wanted)
+            continue;
+        cell.put(choice.value);
+        if (cell.shown() == choice.text) return true;
+    }
     return false;
 }
 

@@ -20,8 +20,8 @@ struct CodedChoice {
 std::vector<CodedChoice> choices_of(FieldCell cell);
 bool holds_flags(const FieldCell& cell);
 
-/// Enters a coded field by its text; flags as a list with commas. Nothing where the text is none of its
-/// texts. True where it has been entered.
-bool enter_choice(FieldCell& cell, std::string_view text);
+/// Enters a coded field by its text; flags as a list with commas. False where the text is none of its texts.
+enum class Spelling { exact, any_case };
+bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling);
 
 }  // namespace vistel

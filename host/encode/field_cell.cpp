@@ -17,7 +17,27 @@ std::uint64_t ones(int bits) {
     return bits < widest ? (std::uint64_t{1} << bits) - 1 : ~std::uint64_t{0};
 }
 
+/// Gives the message another length for a while.
+class Shortened {
+  public:
+    Shortened(N2KMsg& msg, int length) : msg_(msg), before_(msg.length) {
+        msg_.length = static_cast<std::uint16_t>(length);
+    }
+    ~Shortened() { msg_.length = before_; }
+    Shortened(const Shortened&) = delete;
+
+  private:
+    N2KMsg& msg_;
+    const std::uint16_t before_;
+};
+
 }  // namespace
+
+/// One format looks at bytes behind its field. They are still to come, and are none where it is the last.
+int FieldCell::length_for_reading() const {
+    if (msg_.length < N2K_MAX_PAYLOAD || field_.bytes == 0 || at_.bit != 0) return msg_.length;
+    return std::min(at_.byte + field_.bytes, N2K_MAX_PAYLOAD);
+}
 
 std::string FieldCell::label() const {
     wchar_t area[160];
@@ -31,6 +51,7 @@ std::string FieldCell::label() const {
 std::string FieldCell::shown(bool with_unit) const {
     wchar_t label[1024], value[1024];
     PayloadPosition at = at_;
+    const Shortened shortened(msg_, length_for_reading());
     db_.get_field_str(label, value, &msg_, static_cast<int>(row().field), const_cast<DDDef*>(&dd()), L"",
                       field_.bytes, field_.bits, &at.byte, &at.bit, nullptr, field_.repeat, with_unit, 0,
                       nullptr, unit::selected);
@@ -40,6 +61,7 @@ std::string FieldCell::shown(bool with_unit) const {
 FieldReading FieldCell::read(ConvValue& value, UnitId unit) const {
     value = {CV_NOT_AVAILABLE, {}};
     value.value.u64 = 0x7FFFFFFF;  // what the decoder presets
+    const Shortened shortened(msg_, length_for_reading());
     return read_field(db_, msg_, dd(), field_.bytes, field_.bits, at_, unit, &value);
 }
 

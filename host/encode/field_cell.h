@@ -9,7 +9,8 @@
 namespace vistel {
 
 /// One field of a message under construction, at the place where the walk stands. Everything about it is
-/// asked of the decoder, so that what is written is what will be read.
+/// asked of the decoder, so that what is written is what will be read. As long as the message has its longest
+/// length it is under construction, and fields are read as if it ended behind them.
 class FieldCell {
   public:
     FieldCell(QV_N2K_PGN_DB_c& db, N2KMsg& msg, const pgn_vistel::MessageWalk::Field& field,
@@ -50,6 +51,8 @@ class FieldCell {
     void clear();
 
   private:
+    int length_for_reading() const;
+
     QV_N2K_PGN_DB_c& db_;
     N2KMsg& msg_;
     const pgn_vistel::MessageWalk::Field field_;

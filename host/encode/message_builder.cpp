@@ -52,14 +52,15 @@ class Building {
     Building(QV_N2K_PGN_DB_c& db, const PgnDef& pgn, const std::vector<TypedField>& fields, N2KMsg& msg)
         : db_(db), pgn_(pgn), fields_(fields), used_(fields.size(), false), msg_(msg) {}
 
-    std::vector<std::string> build(const Bytes& beginning);
+    std::vector<std::string> build(const Bytes& beginning, bool fills_frame);
 
   private:
     const TypedField* take(std::string_view label);
     bool is_wanted(const MessageWalk::Field& group) const;
     void enter(FieldCell& cell);
     void fill_count();
-    void report_unused();
+    void verify();
+    void report_unused(const Bytes& beginning);
 
     QV_N2K_PGN_DB_c& db_;
     const PgnDef& pgn_;
@@ -71,6 +72,7 @@ class Building {
     int rounds_ = 0;
     std::optional<FieldCell> count_;  // the field that has the number of rounds, unless it is given
     std::vector<std::string> labels_;
+    std::vector<std::string> shown_;  // of the fields in their order
     std::vector<std::string> errors_;
 };
 
@@ -112,13 +114,17 @@ void Building::enter(FieldCell& cell) {
     const bool before_group = set != nullptr && cell.row().field + 1 == set->first;
     const TypedField* const typed = take(label);
     const bool may_count = counts || (before_group && !count_ && simplified(label).starts_with("number of "));
-    if (typed != nullptr) {
+    const bool begun = cell.start().byte < given_;
+    if (typed != nullptr && begun && trimmed(cell.shown(true)) == trimmed(typed->value)) {
+        // Several codes may be shown alike ("Unknown"): the bytes that were given say which.
+    } else if (typed != nullptr) {
         if (std::string wrong = enter_value(cell, typed->value); !wrong.empty())
             errors_.push_back(label + " " + wrong);
-    } else if (cell.start().byte >= given_) {
+    } else if (!begun) {
         cell.clear();
         if (may_count) count_.emplace(cell);
     }
+    shown_.push_back(typed != nullptr ? cell.shown() : "");
     // What can have no value and was not given ("Fields 4 thru 12 repeat as needed") is not sent.
     if (typed != nullptr || cell.holds_text() || !served_units(cell).empty())
         length_ = std::max(length_, cell.end());
@@ -130,7 +136,7 @@ void Building::fill_count() {
     if (!wrong.empty()) errors_.push_back(count_->label() + " " + wrong);
 }
 
-void Building::report_unused() {
+void Building::report_unused(const Bytes& beginning) {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (used_[i]) continue;
         const std::string& label = fields_[i].label;
@@ -144,8 +150,10 @@ void Building::report_unused() {
             continue;
         }
         std::vector<std::string> choices;
-        for (const std::string& l : labels_)
-            if (std::ranges::find(choices, l) == choices.end()) choices.push_back(l);
+        visit_fields(db_, pgn_, beginning, [&choices](FieldCell& cell) {
+            std::string l = cell.label();
+            if (std::ranges::find(choices, l) == choices.end()) choices.push_back(std::move(l));
+        });
         const std::string otherwise =
             "'vistel encode --list " + std::to_string(pgn_.pgn) + "' shows its fields";
         errors_.push_back("no field " + in_quotes(label) + in_message + "; " +
@@ -153,12 +161,11 @@ void Building::report_unused() {
     }
 }
 
-std::vector<std::string> Building::build(const Bytes& beginning) {
+std::vector<std::string> Building::build(const Bytes& beginning, bool fills_frame) {
     given_ = static_cast<int>(beginning.size());
     length_ = given_;
     begin_message(msg_, beginning);
     MessageWalk walk(&pgn_, msg_);
-    const FieldDef* first = nullptr;
     while (walk.next()) {
         const MessageWalk::Field& field = walk.field();
         const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
@@ -166,22 +173,38 @@ std::vector<std::string> Building::build(const Bytes& beginning) {
             if (walk.position.byte >= given_ && !is_wanted(field)) break;
             rounds_ = field.repeat;
         }
-        if (first == nullptr) first = field.row;
         FieldCell cell(db_, msg_, field, walk.position);
         enter(cell);
         walk.position = cell.next();
     }
     fill_count();
-    report_unused();
-    // The walk is chosen by the payload's beginning, which has been written meanwhile.
-    MessageWalk again(&pgn_, msg_);
-    const bool same = again.next() ? again.field().row == first : first == nullptr;
-    if (!same && !labels_.empty())
-        errors_.push_back(labels_[0] + " has a value for which the message has other fields, or none");
+    report_unused(beginning);
     msg_.length = static_cast<std::uint16_t>(std::min(length_, N2K_MAX_PAYLOAD));
     if (length_ > N2K_MAX_PAYLOAD)
         errors_.push_back("the message is longer than " + std::to_string(N2K_MAX_PAYLOAD) + " bytes");
+    // A message in one frame fills it. A payload that was given keeps its length.
+    if (fills_frame) msg_.length = std::max<std::uint16_t>(msg_.length, max_frame_bytes);
+    if (errors_.empty()) verify();
     return errors_;
+}
+
+/// Reads the message again. Which fields it has depends on how it begins, which has been written meanwhile;
+/// and one format looks at what is behind its field.
+void Building::verify() {
+    MessageWalk walk(&pgn_, msg_);
+    for (std::size_t i = 0; i < labels_.size() && walk.position.byte < msg_.length; ++i) {
+        if (!walk.next()) {
+            errors_.push_back(labels_[0] + " has a value for which decoding shows other fields, or none");
+            return;
+        }
+        const FieldCell cell(db_, msg_, walk.field(), walk.position);
+        if (cell.label() != labels_[i] || (!shown_[i].empty() && cell.shown() != shown_[i])) {
+            errors_.push_back(labels_[i] + " would be decoded as " +
+                              in_quotes(cell.label() + ": " + cell.shown()));
+            return;
+        }
+        walk.position = cell.next();
+    }
 }
 
 bool begins_with_maker(std::uint16_t selector) {
@@ -268,17 +291,15 @@ BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnD
                 " is not in the catalogue; only its bytes can be given, as in \"Data=01 02 FF\"");
         return result;
     }
+    static const FastPacketPgns fast;
+    const bool fills_frame = !fast.contains(number) && !has_payload;
     std::optional<BuiltMessage> best;
     for (const Bytes& variant : has_payload ? std::vector<Bytes>{payload} : variants_of(*pgn)) {
         BuiltMessage built;
         built.msg.pgn = number;
-        built.errors = Building(db, *pgn, rest, built.msg).build(variant);
+        built.errors = Building(db, *pgn, rest, built.msg).build(variant, fills_frame);
         if (!best || built.errors.size() < best->errors.size()) best = built;
     }
-    // A message in one frame fills it. The bytes of a payload stay as many as were given.
-    static const FastPacketPgns fast;
-    if (!fast.contains(number) && !has_payload)
-        best->msg.length = std::max<std::uint16_t>(best->msg.length, max_frame_bytes);
     return *best;
 }
 

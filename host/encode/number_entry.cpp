@@ -54,13 +54,15 @@ bool looks_at_unit(FieldCell& cell) {
 }
 
 std::string number_text(double value) {
-    char area[32];
+    char area[64];
     const auto single = static_cast<float>(value);
-    const bool is_single = static_cast<double>(single) == value && std::fabs(value) > 9e6;
-    const auto end = is_single ? std::to_chars(area, area + sizeof area, single)
-                     : std::fabs(value) < 1e15 && value == std::trunc(value)
-                         ? std::to_chars(area, area + sizeof area, static_cast<std::int64_t>(value))
-                         : std::to_chars(area, area + sizeof area, value, std::chars_format::general, 8);
+    const double magnitude = std::fabs(value);
+    const bool plain = magnitude < 1e15 && (magnitude == 0 || magnitude > 1e-4);
+    constexpr int digits = 9;
+    const auto end = static_cast<double>(single) == value
+                         ? std::to_chars(area, area + sizeof area, single,
+                                         plain ? std::chars_format::fixed : std::chars_format::scientific)
+                         : std::to_chars(area, area + sizeof area, value, std::chars_format::general, digits);
     return {area, end.ptr};
 }
 
@@ -108,6 +110,26 @@ std::optional<std::uint64_t> parsed(const FieldCell& cell, std::string_view digi
     return bits < 64 ? value.value.u64 & ((std::uint64_t{1} << bits) - 1) : value.value.u64;
 }
 
+/// What decoding shows is rounded, so a text as it is shown may be nearer to a number that shows another one:
+/// doubles go through single precision, "-0.00000" is any small negative value, and the ends of the range may
+/// be rounded up.
+bool enter_as_rounded(FieldCell& cell, std::string_view text, double number, UnitId unit) {
+    const RawScale exact = scale_of(cell, unit);
+    const RawScale shown(
+        [&exact](std::uint64_t raw) -> std::optional<double> {
+            const std::optional<double> value = exact.value_of(raw);
+            if (!value) return {};
+            return static_cast<double>(static_cast<float>(*value));
+        },
+        cell.bits());
+    const std::uint64_t sign = std::uint64_t{1} << (cell.bits() - 1);
+    for (const std::uint64_t raw : {shown.nearest(number, {}), sign, sign | (sign - 1)}) {
+        cell.put(raw);
+        if (shows(cell, text)) return true;
+    }
+    return false;
+}
+
 struct UnitFound {
     UnitId unit;
     std::string wrong;
@@ -144,6 +166,10 @@ std::string_view trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t");
     if (first == text.npos) return {};
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+bool shows(const FieldCell& cell, std::string_view text) {
+    return trimmed(cell.shown(true)) == text || trimmed(cell.shown()) == text;
 }
 
 std::optional<double> take_number(std::string_view& text) {
@@ -221,14 +247,11 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
         if (scale.empty()) return "has no values that could be encoded";
         const std::uint64_t raw = scale.nearest(*number, parsed(cell, digits, unit));
         cell.put(raw);
-        // The ends of the range may be shown rounded up, and can still be typed as they are shown.
-        const auto shown_number = [&cell] {
-            const std::string shown = cell.shown();
-            std::string_view view = trimmed(shown);
-            return take_number(view);
-        };
-        if (!scale.meets(raw, *number) && shown_number() != number)
-            return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+        const bool meant = scale.meets(raw, *number);
+        if (!shows(cell, text) && !enter_as_rounded(cell, text, *number, unit)) {
+            cell.put(raw);
+            if (!meant) return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+        }
     }
     if (!in_parentheses.empty() && cell.shown().find(in_parentheses) == std::string::npos)
         return std::string(digits) + " and " + std::string(in_parentheses) + " are different numbers";

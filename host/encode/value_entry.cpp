@@ -25,10 +25,11 @@ bool means_not_available(const FieldCell& cell, std::string_view text) {
 bool enter_as_shown(FieldCell& cell, std::string_view text) {
     constexpr int most_bits = 16;
     const int bits = cell.bits();
-    if (bits > most_bits) return false;
-    for (std::uint64_t raw = 0; raw >> bits == 0; ++raw) {
+    cell.clear();
+    if (shows(cell, text)) return true;
+    for (std::uint64_t raw = 0; bits <= most_bits && raw >> bits == 0; ++raw) {
         cell.put(raw);
-        if (trimmed(cell.shown(true)) == text || trimmed(cell.shown()) == text) return true;
+        if (shows(cell, text)) return true;
     }
     return false;
 }
@@ -50,14 +51,15 @@ std::string enter_value(FieldCell& cell, std::string_view typed) {
     }
     if (means_not_available(cell, text)) return cell.clear(), "";
     const bool coded = find_enumeration(cell.dd().dd) != nullptr;
-    if (coded && enter_choice(cell, text)) return "";
+    if (coded && enter_choice(cell, text, Spelling::exact)) return "";
+    if (text.empty() && enter_as_shown(cell, text)) return "";
     if (text.empty()) return "has no value behind the '='; '-' stands for not available";
     for (const auto enter : {enter_date, enter_clock, enter_number})
         if (Outcome outcome = enter(cell, text); outcome && (outcome->empty() || !enter_as_shown(cell, text)))
             return *outcome;
         else if (outcome)
             return "";
-    if (enter_as_shown(cell, text)) return "";
+    if (enter_as_shown(cell, text) || (coded && enter_choice(cell, text, Spelling::any_case))) return "";
     return coded ? no_such_choice(cell, text) : in_quotes(text) + " does not begin with a number";
 }
 
