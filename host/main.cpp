@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 
 #include "commands/catalogue.h"
@@ -138,6 +139,11 @@ int main(int argc, char** argv) {
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
     if (argc > 1 && argv[1][0] != '-' && !has_command(app, argv[1])) return vistel::EXIT_FAILED;
+    // The parser drops empty words, which here are fields that somebody forgot to fill in.
+    if (std::count(argv + 1, argv + argc, std::string_view()) > 0) {
+        std::fputs("vistel: an argument is empty\n", stderr);
+        return vistel::EXIT_FAILED;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -80,9 +80,10 @@ bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling) {
     if (holds_flags(cell)) return enter_flags(cell, text, choices);
     const std::string wanted = simplified(text);
     for (const CodedChoice& choice : choices) {
-        if (spelling == Spelling::exact ? trimmed(choice.text) != text
-                                        : simplified(trimmed(choice.text)) != wanted)
-            continue;
+        const bool meant = spelling == Spelling::exact
+                               ? trimmed(choice.text) == text || std::to_string(choice.value) == text
+                               : simplified(trimmed(choice.text)) == wanted;
+        if (!meant) continue;
         cell.put(choice.value);
         if (cell.shown() == choice.text) return true;
     }

@@ -111,19 +111,22 @@ std::optional<std::uint64_t> parsed(const FieldCell& cell, std::string_view digi
 }
 
 /// What decoding shows is rounded, so a text as it is shown may be nearer to a number that shows another one:
-/// doubles go through single precision, "-0.00000" is any small negative value, and the ends of the range may
-/// be rounded up.
-bool enter_as_rounded(FieldCell& cell, std::string_view text, double number, UnitId unit) {
+/// doubles go through single precision, "1000.0" and "999.99" have different decimals, "-0.00000" is any
+/// small negative value, and the ends of the range may be rounded up.
+bool enter_as_rounded(FieldCell& cell, std::string_view text, double number, std::uint64_t nearest,
+                      UnitId unit) {
     const RawScale exact = scale_of(cell, unit);
-    const RawScale shown(
-        [&exact](std::uint64_t raw) -> std::optional<double> {
-            const std::optional<double> value = exact.value_of(raw);
-            if (!value) return {};
-            return static_cast<double>(static_cast<float>(*value));
-        },
-        cell.bits());
+    const auto rounded = [&exact](std::uint64_t raw) -> std::optional<double> {
+        const std::optional<double> value = exact.value_of(raw);
+        if (!value) return {};
+        return static_cast<double>(static_cast<float>(*value));
+    };
+    const RawScale shown(rounded, cell.bits());
+    const double next_single = std::fabs(number) * 0x1p-23;
     const std::uint64_t sign = std::uint64_t{1} << (cell.bits() - 1);
-    for (const std::uint64_t raw : {shown.nearest(number, {}), sign, sign | (sign - 1)}) {
+    for (const std::uint64_t raw :
+         {shown.nearest(number, {}), nearest - 1, nearest + 1, shown.nearest(number - next_single, {}),
+          shown.nearest(number + next_single, {}), sign, sign | (sign - 1)}) {
         cell.put(raw);
         if (shows(cell, text)) return true;
     }
@@ -248,7 +251,7 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
         const std::uint64_t raw = scale.nearest(*number, parsed(cell, digits, unit));
         cell.put(raw);
         const bool meant = scale.meets(raw, *number);
-        if (!shows(cell, text) && !enter_as_rounded(cell, text, *number, unit)) {
+        if (!shows(cell, text) && !enter_as_rounded(cell, text, *number, raw, unit)) {
             cell.put(raw);
             if (!meant) return in_quotes(text) + " is out of range: " + range_text(scale, unit);
         }

@@ -20,6 +20,16 @@ std::uint64_t last_that(std::uint64_t first, std::uint64_t last, Predicate holds
     return first;
 }
 
+/// The number of `first` .. `last` with the most zeros at its end.
+std::uint64_t roundest(std::uint64_t first, std::uint64_t last) {
+    std::uint64_t best = first;
+    for (std::uint64_t power = 1; power <= last && last / power * power >= first; power *= 10) {
+        best = last / power * power;
+        if (power > last / 10) break;
+    }
+    return best;
+}
+
 }  // namespace
 
 RawScale::RawScale(Conversion value_of, int bits)
@@ -73,10 +83,11 @@ std::uint64_t RawScale::nearest_in(const Run& run, double value) const {
     if (below == run.last) return below;
     const double under = std::fabs(*value_of_(below) - value);
     const double over = std::fabs(*value_of_(below + 1) - value);
-    std::uint64_t best = under < over ? below : below + 1;
+    const std::uint64_t best = under < over ? below : below + 1;
 
-    // Single precision gives neighbouring numbers one value: the middle of them is the best guess. Steps that
-    // the unit itself has, such as Beaufort's, are much longer and keep their lower end.
+    // Single precision gives neighbouring numbers one value: the roundest of them is what somebody meant who
+    // typed few digits. Steps that the unit itself has, such as Beaufort's, are much longer and keep their
+    // lower end.
     const double v = *value_of_(best);
     const auto beyond = [&](std::uint64_t raw) {
         const double at = *value_of_(raw);
@@ -87,8 +98,10 @@ std::uint64_t RawScale::nearest_in(const Run& run, double value) const {
     const std::uint64_t end =
         last_that(best, run.last, [&](std::uint64_t raw) { return *value_of_(raw) == v; });
     constexpr std::uint64_t rounding = std::uint64_t{1} << 20;  // of the whole run
-    best = end - start <= (run.last - run.first) / rounding ? start + (end - start) / 2 : start;
-    return best;
+    if (end - start > (run.last - run.first) / rounding) return start;
+    if (run.first == 0 || v >= 0) return roundest(start, end);
+    const std::uint64_t zero = 2 * run.first;  // negative numbers count down from there
+    return zero - roundest(zero - end, zero - start);
 }
 
 std::uint64_t RawScale::nearest(double value, std::optional<std::uint64_t> hint) const {

@@ -1,6 +1,7 @@
 #include "encode/suggestions.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 #include "output/unit_names.h"
@@ -52,10 +53,16 @@ std::string suggestion(std::string_view typed, const std::vector<std::string>& c
         const std::string text = simplified(std::string_view(choice).substr(0, longest));
         const std::size_t distance = edit_distance(wanted, text);
         const bool part = wanted.size() >= 3 && text.find(wanted) != text.npos;
-        if (part || distance <= std::max<std::size_t>(2, wanted.size() / 3))
-            near.push_back({part ? std::min<std::size_t>(distance, 2) : distance, &choice});
+        const bool alike = distance <= std::max<std::size_t>(2, wanted.size() / 3) && distance < text.size();
+        if (part || alike) near.push_back({part ? std::min<std::size_t>(distance, 2) : distance, &choice});
     }
-    if (choices.size() <= few && !choices.empty()) return "there are: " + joined(choices);
+    if (choices.size() <= few && !choices.empty()) {
+        const auto has_comma = [](const std::string& choice) { return choice.find(',') != choice.npos; };
+        if (std::ranges::none_of(choices, has_comma)) return "there are: " + joined(choices);
+        std::vector<std::string> quoted;
+        std::ranges::transform(choices, std::back_inserter(quoted), in_quotes);
+        return "there are: " + joined(quoted);
+    }
     if (near.empty()) return std::string(otherwise);
     std::ranges::stable_sort(near, {}, &Candidate::distance);
     std::string result = "did you mean ";

@@ -113,6 +113,88 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
         self.assertEqual(vistel("decode").returncode, 0)
 
+    def test_encoding_is_decoded_again(self):
+        heading = ["127250", "Heading Sensor Reading=123.4 °", "Heading Sensor Reference=Magnetic"]
+        product = ["126996", "Manufacturer's Model ID=Pump 3"]
+        ack = ["126208", "Group Function Code=Acknowledge Message", "Requested PGN=65240"]
+        address = ["65240", "Unique Number (ISO Identity Number)=77"]
+        many = ["126464"] + [f"PGN supported #{n}=129029" for n in range(1, 101)]
+        short = ["126464", "PGN supported #1=129029"]
+        cases = [
+            (heading, [], ["Heading Sensor Reading: 123.40 °M", "Heading Sensor Reference: Magnetic", "Deviation: - °"]),
+            (heading, ["--source", "7", "--priority", "1"], ["Source Address: 0x07 (7)", "Destination: Global, pri=1"]),
+            (product, ["--sequence", "5"], ["Manufacturer's Model ID: Pump 3 "]),
+            (ack, ["--destination", "35"], ["Destination: 0x23 (35)", "Requested PGN:  65240 (ISO Commanded Address)"]),
+            (address, [], ["Unique Number (ISO Identity Number): 77 (0x4D) "]),
+            (many, [], ["PGN supported #100: 129029 (GNSS Position Data)"]),
+            (short, [], ["PGN supported #1: 129029 (GNSS Position Data)"]),
+            (["128267", "Water Depth, Transducer=10"], ["--units", "metric"], ["Water Depth, Transducer: 32.808 ft"]),
+            (["130306", "Wind Speed=5 Bft"], [], ["Wind Speed: 15.998 kt"]),
+        ]
+        for fields, options, lines in cases:
+            for form in ["plain", "candump"]:
+                encoded = vistel("encode", *fields, *options, "--format", form, "--time", "2026-09-10T08:00:00.5Z")
+                self.assertEqual((encoded.returncode, encoded.stderr), (0, ""), fields)
+                decoded = vistel("decode", "--json", stdin=encoded.stdout)
+                self.assertEqual((decoded.returncode, decoded.stderr), (0, ""), fields)
+                last = json.loads(decoded.stdout.splitlines()[-1])
+                self.assertEqual((last["pgn"], last["absolute"]), (int(fields[0]), "2026-09-10T08:00:00.500000Z"))
+                shown = [line.removeprefix("    ") for line in vistel("decode", stdin=encoded.stdout).stdout.splitlines()]
+                for line in lines:
+                    self.assertIn(line, shown, fields)
+
+    def test_lists_of_fields(self):
+        heading = vistel("encode", "--list", "127250").stdout
+        self.assertIn("  Deviation: 2 bytes, from -187.74681 to 187.72389 °; also Rad\n", heading)
+        self.assertIn("  Heading Sensor Reference: 2 bits, one of:\n      0  True\n      1  Magnetic\n", heading)
+        self.assertEqual(vistel("encode", "vessel heading", "--list").stdout, heading)
+        makers, all_makers = (vistel("encode", "--list", "60928", *more).stdout for more in [[], ["--all-choices"]])
+        self.assertIn("      ... and 195 more, with --all-choices\n", makers)
+        self.assertEqual(len(all_makers.splitlines()), len(makers.splitlines()) + 194)
+        numbers = [row.split("\t")[0] for row in vistel("catalogue", "fields").stdout.splitlines()[1:]]
+        for number in sorted(set(numbers))[::7]:
+            self.assertEqual(vistel("encode", "--list", number).returncode, 0, number)
+
+    def test_hostile_arguments_of_encoding(self):
+        long = "x" * 10_000
+        cases = [
+            (["127250", "Deviation"], "'Deviation' is not of the form LABEL=VALUE"),
+            (["127250", ""], "an argument is empty"),
+            (["127250", "=1"], "'=1' has no label before the '='"),
+            (["127250", long], "...' is not of the form"),
+            (["127250", long + "=1"], "...' in PGN 127250; there are: Sequence ID"),
+            (["127250", "Deviation=" + long], "...' does not begin with a number"),
+            (["127250", "Deviation=" + "9" * 10_000], "...' is out of range: from -187.74681 to 187.72389 °"),
+            (["126998", "Installation Description, Field 1=" + long], "holds 125 characters only: 'xxx"),
+            (["127250", b"Deviation=\xff"], "`Deviation=\\xFF` is not UTF-8 text"),
+            ([b"\xff"], "`\\xFF` is not UTF-8 text"),
+            (["262144"], "PGN '262144' is above 262143"),
+            (["99999999999999999999"], "is above 262143"),
+            (["-1"], "no PGN '-1'"),
+            (["131000"], "PGN 131000 is not in the catalogue"),
+            (["Vessel Headin"], "did you mean 'Vessel Heading'?"),
+            (["127250", "--destination", "5"], "PGN 127250 goes to everyone; it has no destination"),
+            (["127250", "--time", "noon"], "time `noon`: "),
+            (["127250", "--unit", "Heading=ft"], "no unit 'ft' for Heading; there are: °M, °T"),
+            (["127250", "--units", "royal"], "there are: default, metric"),
+            (["--list", "127250", "Deviation=1"], "--list takes no fields"),
+            (["--list", "131000"], "PGN 131000 is not in the catalogue"),
+            ([*["126464"], *[f"PGN supported #{n}=1" for n in range(600)]], "PGN supported #0"),
+            (["126464", "PGN supported #99999999999999999999=1"], "no field"),
+            (["126464", "PGN supported #1700=1"], "in PGN 126464"),
+            (["126996", "--format", "candump", "Data=" + "00" * 1785, "--destination", "255"], None),
+            (["126208", "--format", "candump", "Data=" + "02" * 300, "--destination", "3"], "takes a dialogue"),
+        ]
+        for arguments, message in cases:
+            result = subprocess.run([VISTEL, "encode", *arguments], capture_output=True, timeout=60)
+            error = result.stderr.decode("utf-8")
+            if message is None:
+                self.assertEqual((result.returncode, error), (0, ""))
+                continue
+            self.assertEqual((result.returncode, result.stdout), (2, b""), error)
+            self.assertIn(message, error)
+            self.assertLess(max(map(len, error.splitlines() or [""])), 400, error)
+
     def test_incomplete_packets_are_told(self):
         frames = "(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n"
         result = vistel("decode", "--stats", stdin=frames)
