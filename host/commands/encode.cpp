@@ -81,7 +81,7 @@ std::string size_text(const FieldCell& cell) {
     const std::string what = cell.dd().format->df == hex_dump ? "bytes as 01 02 FF"
                              : cell.holds_text()              ? "text"
                                                               : "";
-    if (bits == 0) return "8 bytes at the end";
+    if (bits == 0) return served_units(cell).empty() ? "as the field before it says" : "8 bytes at the end";
     const bool whole = bits % 8 == 0;
     const int count = whole ? bits / 8 : bits;
     return std::to_string(count) + (whole ? " byte" : " bit") + (count == 1 ? "" : "s") +
@@ -89,14 +89,16 @@ std::string size_text(const FieldCell& cell) {
 }
 
 std::string values_text(FieldCell& cell) {
+    constexpr std::uint64_t some_day = 20706;
     ConvValue value;
     const FieldReading reading = cell.read(value);
-    if (reading.quantity == quantity::date || reading.quantity == quantity::time_of_day) {
-        cell.put(reading.quantity == quantity::date ? 20706 : 0);
-        return "as in " + cell.shown(true);
-    }
+    const bool is_date = reading.quantity == quantity::date;
+    cell.put(is_date ? some_day : 0);
+    cell.read(value);
+    if (is_date || reading.quantity == quantity::time_of_day || value.type == CV_TIME_OF_DAY)
+        return "as in " + std::string(trimmed(cell.shown(true)));
     const std::vector<UnitId> units = served_units(cell);
-    if (units.empty()) return "'-' only";
+    if (units.empty()) return "";
     const UnitId first = std::ranges::find(units, reading.unit) != units.end() ? reading.unit : units[0];
     const RawScale scale = scale_of(cell, first);
     std::string text = scale.empty() ? "" : range_text(scale, first);
@@ -113,14 +115,15 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
     const DDstrings* const set = find_enumeration(cell.dd().dd);
     ConvValue value;
     const bool measured = cell.read(value).quantity < quantity::no_quantity;
-    if (!cell.holds_text() && (choices.empty() || (set->kind == ENUM_NUMBER && measured))) {
-        const std::string values = values_text(cell);
-        out += (values.empty() ? "" : ", ") + values;
-    }
+    const bool any_number =
+        !cell.holds_text() &&
+        (choices.empty() || (measured && (set->kind == ENUM_NUMBER || set->kind == ENUM_NUMBER_TOO)));
+    const std::string values = any_number ? values_text(cell) : "";
+    if (!values.empty()) out += ", " + values;
     if (!choices.empty())
         out += holds_flags(cell) ? ", any of, with commas between them:"
-               : measured        ? ", or one of:"
-                                 : ", one of:";
+               : values.empty()  ? ", one of:"
+                                 : ", or one of:";
     out += '\n';
     const std::size_t shown = all_choices ? choices.size() : std::min(choices.size(), few);
     for (std::size_t i = 0; i < shown; ++i)
@@ -180,8 +183,8 @@ std::string parse_fields(const EncodeOptions& options, std::vector<TypedField>& 
 std::string check_header(const EncodeOptions& options, std::uint32_t pgn) {
     if (!is_addressed(pgn) && options.destination != 255)
         return "PGN " + std::to_string(pgn) + " goes to everyone; it has no destination";
-    if (is_addressed(pgn) && (pgn & 0xFF) != 0)
-        return "PGN " + std::to_string(pgn) + " cannot be: the low byte of an addressed one is 0";
+    if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
+        return "PGN " + std::to_string(pgn) + " is on no bus: the low byte of one with a destination is 0";
     if (options.time.empty()) return {};
     TimestampParser parser;
     RecordTime time;
@@ -213,7 +216,10 @@ int run_encode(const EncodeOptions& options) {
     if (!wrong.empty()) return fail(wrong);
 
     BuiltMessage built = build_message(qv_n2k_pgn_db, pgn.number, pgn.row, fields);
-    for (const std::string& error : built.errors) fail(error);
+    constexpr std::size_t most_errors = 20;
+    for (std::size_t i = 0; i < std::min(built.errors.size(), most_errors); ++i) fail(built.errors[i]);
+    if (built.errors.size() > most_errors)
+        fail("and " + std::to_string(built.errors.size() - most_errors) + " more like these");
     if (!built.errors.empty()) return EXIT_FAILED;
     N2KMsg& msg = built.msg;
     constexpr int usual_priority = 6;

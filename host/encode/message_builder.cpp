@@ -137,27 +137,27 @@ void Building::fill_count() {
 }
 
 void Building::report_unused(const Bytes& beginning) {
+    const std::string number = std::to_string(pgn_.pgn);
+    std::vector<std::string> choices;
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (used_[i]) continue;
         const std::string& label = fields_[i].label;
         const auto count =
             std::ranges::count_if(labels_, [&](const std::string& l) { return same_label(l, label); });
-        const std::string in_message = " in PGN " + std::to_string(pgn_.pgn);
         if (count > 0) {
-            errors_.push_back(in_quotes(label) + " is given more than " +
-                              (count == 1 ? "once" : std::to_string(count) + " times") +
-                              ", as often as it is" + in_message);
+            const std::string times = count == 1 ? "once" : std::to_string(count) + " times";
+            errors_.push_back(in_quotes(label) + " is given more than " + times +
+                              ", as often as it is in PGN " + number);
             continue;
         }
-        std::vector<std::string> choices;
-        visit_fields(db_, pgn_, beginning, [&choices](FieldCell& cell) {
-            std::string l = cell.label();
-            if (std::ranges::find(choices, l) == choices.end()) choices.push_back(std::move(l));
-        });
-        const std::string otherwise =
-            "'vistel encode --list " + std::to_string(pgn_.pgn) + "' shows its fields";
-        errors_.push_back("no field " + in_quotes(label) + in_message + "; " +
-                          suggestion(label, choices, otherwise));
+        if (choices.empty())
+            visit_fields(db_, pgn_, beginning, [&choices](FieldCell& cell) {
+                std::string l = cell.label();
+                if (std::ranges::find(choices, l) == choices.end()) choices.push_back(std::move(l));
+            });
+        errors_.push_back(
+            "no field " + in_quotes(label) + " in PGN " + number + "; " +
+            suggestion(label, choices, "'vistel encode --list " + number + "' shows its fields"));
     }
 }
 

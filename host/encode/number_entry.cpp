@@ -17,23 +17,32 @@ namespace {
 
 constexpr std::uint32_t pgn_number_dd = 9;
 
-std::optional<double> number_in(const ConvValue& v) {
+/// An integer, with its sign in all bits.
+std::optional<std::uint64_t> integer_in(const ConvValue& v) {
     if (!is_available(v)) return {};
+    const auto widened = [](std::int64_t number) { return static_cast<std::uint64_t>(number); };
     switch (v.type) {
-        case CV_FLOAT:
-        case CV_FLOAT_PLAIN: return v.value.f32;
-        case CV_DOUBLE: return v.value.f64;
         case CV_U8: return v.value.u8;
-        case CV_I8: return v.value.i8;
+        case CV_I8: return widened(v.value.i8);
         case CV_U16: return v.value.u16;
-        case CV_I16: return v.value.i16;
+        case CV_I16: return widened(v.value.i16);
         case CV_U32:
         case CV_TIME_OF_DAY: return v.value.u32;
-        case CV_I32: return v.value.i32;
-        case CV_U64: return static_cast<double>(v.value.u64);
-        case CV_I64: return static_cast<double>(v.value.i64);
+        case CV_I32: return widened(v.value.i32);
+        case CV_U64: return v.value.u64;
+        case CV_I64: return widened(v.value.i64);
         default: return {};
     }
+}
+
+std::optional<double> number_in(const ConvValue& v) {
+    if (!is_available(v)) return {};
+    if (v.type == CV_FLOAT || v.type == CV_FLOAT_PLAIN) return v.value.f32;
+    if (v.type == CV_DOUBLE) return v.value.f64;
+    const std::optional<std::uint64_t> integer = integer_in(v);
+    if (!integer) return {};
+    return v.type == CV_U64 ? static_cast<double>(*integer)
+                            : static_cast<double>(static_cast<std::int64_t>(*integer));
 }
 
 bool has_values(FieldCell& cell, UnitId unit) {
@@ -83,19 +92,7 @@ bool enter_integer(FieldCell& cell, std::uint64_t number, UnitId unit) {
     ConvValue value;
     cell.put(number);
     cell.read(value, unit);
-    if (!is_available(value)) return false;
-    switch (value.type) {
-        case CV_U8: return value.value.u8 == number;
-        case CV_U16: return value.value.u16 == number;
-        case CV_U32:
-        case CV_TIME_OF_DAY: return value.value.u32 == number;
-        case CV_U64: return value.value.u64 == number;
-        case CV_I8: return static_cast<std::uint64_t>(std::int64_t{value.value.i8}) == number;
-        case CV_I16: return static_cast<std::uint64_t>(std::int64_t{value.value.i16}) == number;
-        case CV_I32: return static_cast<std::uint64_t>(std::int64_t{value.value.i32}) == number;
-        case CV_I64: return static_cast<std::uint64_t>(value.value.i64) == number;
-        default: return false;
-    }
+    return integer_in(value) == number;
 }
 
 /// What the format's own parser makes of the text. It works in single precision and cuts off what is beyond
@@ -157,7 +154,8 @@ UnitFound unit_for(FieldCell& cell, std::string_view text) {
     std::vector<std::string> names;
     for (const UnitId u : served)
         if (!unit_text(u).empty()) names.push_back(unit_text(u));
-    if (names.empty() && text.empty()) return {-1, "has no values that could be encoded"};
+    if (served.empty())
+        return {-1, "has no values that could be encoded; a field before it may have to say how it is coded"};
     if (names.empty()) return {-1, "takes no unit, but has " + in_quotes(text)};
     return {-1, (text.empty() ? "needs one of its units" : "has no unit " + in_quotes(text)) +
                     std::string("; there are: ") + joined(names)};
