@@ -57,6 +57,7 @@ class Building {
   private:
     const TypedField* take(std::string_view label);
     bool is_wanted(const MessageWalk::Field& group) const;
+    bool is_count(const FieldCell& cell, const std::string& label) const;
     void enter(FieldCell& cell);
     void fill_count();
     void verify();
@@ -70,7 +71,8 @@ class Building {
     int given_ = 0;   // bytes of the beginning, which fields that are not given leave alone
     int length_ = 0;  // bytes up to the last field
     int rounds_ = 0;
-    std::optional<FieldCell> count_;  // the field that has the number of rounds, unless it is given
+    bool has_count_ = false;          // a field has the number of rounds
+    std::optional<FieldCell> count_;  // that field, unless it is given
     std::vector<std::string> labels_;
     std::vector<std::string> shown_;  // of the fields in their order
     std::vector<std::string> errors_;
@@ -106,14 +108,20 @@ bool Building::is_wanted(const MessageWalk::Field& group) const {
     return false;
 }
 
+/// Whether the field has the number of rounds to come: "nItems", or else a "Number of ..." before the group.
+bool Building::is_count(const FieldCell& cell, const std::string& label) const {
+    const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
+    if (set == nullptr || has_count_ || cell.row().field >= set->first) return false;
+    return label == "nItems" ||
+           (cell.row().field + 1 == set->first && simplified(label).starts_with("number of "));
+}
+
 void Building::enter(FieldCell& cell) {
     const std::string label = cell.label();
     labels_.push_back(label);
-    const bool counts = cell.repeat() == 0 && label == "nItems";
-    const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
-    const bool before_group = set != nullptr && cell.row().field + 1 == set->first;
     const TypedField* const typed = take(label);
-    const bool may_count = counts || (before_group && !count_ && simplified(label).starts_with("number of "));
+    const bool counts = is_count(cell, label);
+    has_count_ = has_count_ || counts;
     const bool begun = cell.start().byte < given_;
     if (typed != nullptr && begun && trimmed(cell.shown(true)) == trimmed(typed->value)) {
         // Several codes may be shown alike ("Unknown"): the bytes that were given say which.
@@ -122,7 +130,7 @@ void Building::enter(FieldCell& cell) {
             errors_.push_back(label + " " + wrong);
     } else if (!begun) {
         cell.clear();
-        if (may_count) count_.emplace(cell);
+        if (counts) count_.emplace(cell);
     }
     shown_.push_back(typed != nullptr ? cell.shown() : "");
     // What can have no value and was not given ("Fields 4 thru 12 repeat as needed") is not sent.
