@@ -143,6 +143,17 @@ class ProgramTest(unittest.TestCase):
                 for line in lines:
                     self.assertIn(line, shown, fields)
 
+    def test_frames_of_encoding(self):
+        cases = [
+            (["126464", "--sequence", "5", "--source", "3", "--time", "08:00:00"] + ["PGN supported #3=129029"],
+             ["(08:00:00) can0 19EEFF03#A00A00FFFFFFFFFF", "(08:00:00) can0 19EEFF03#A1FF05F801FFFFFF"]),
+            (["65240", "--priority", "7", "New Source Address=5"],
+             ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
+            (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001FFFFFFFFFF"]),
+        ]
+        for arguments, lines in cases:
+            self.assertEqual(vistel("encode", "--format", "candump", *arguments).stdout.splitlines(), lines)
+
     def test_lists_of_fields(self):
         heading = vistel("encode", "--list", "127250").stdout
         self.assertIn("  Deviation: 2 bytes, from -187.74681 to 187.72389 °; also Rad\n", heading)
