@@ -190,7 +190,7 @@ std::vector<std::string> Building::build(const Bytes& beginning, bool fills_fram
     msg_.length = static_cast<std::uint16_t>(std::min(length_, N2K_MAX_PAYLOAD));
     if (length_ > N2K_MAX_PAYLOAD)
         errors_.push_back("the message is longer than " + std::to_string(N2K_MAX_PAYLOAD) + " bytes");
-    // A message in one frame fills it. A payload that was given keeps its length.
+    // A payload that was given keeps its length.
     if (fills_frame) msg_.length = std::max<std::uint16_t>(msg_.length, max_frame_bytes);
     if (errors_.empty()) verify();
     return errors_;
@@ -300,7 +300,8 @@ BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnD
         return result;
     }
     static const FastPacketPgns fast;
-    const bool fills_frame = !fast.contains(number) && !has_payload;
+    constexpr std::uint32_t iso_request = 59904;  // of three bytes, by ISO 11783-3
+    const bool fills_frame = !fast.contains(number) && !has_payload && number != iso_request;
     std::optional<BuiltMessage> best;
     for (const Bytes& variant : has_payload ? std::vector<Bytes>{payload} : variants_of(*pgn)) {
         BuiltMessage built;
