@@ -51,6 +51,9 @@ Size client_size(HWND window);
 /// Starts the toolkit where the host has not, and stops it at unload if so.
 wxWindow* wrap_native_window(HWND window);
 
+/// Keeps a window above the native one that it was opened under, where its parent alone does not do that.
+void keep_above(wxTopLevelWindow& window, HWND owner);
+
 /// Gives a window the running program's icon "ICON_PROGRAM"; leaves it alone where there is none.
 void set_program_icon(wxTopLevelWindow& window);
 

@@ -166,7 +166,9 @@ void PGN_VistelDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long max
     const ModuleGuard in_this_module;
     wxWindow* const stand_in =
         contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
-    if (stand_in != nullptr) Create(stand_in, db, maxStreams, flags);
+    if (stand_in == nullptr) return;
+    Create(stand_in, db, maxStreams, flags);
+    if (GetHandle() != nullptr) platform::keep_above(*this, parent);
 }
 
 int PGN_VistelDlg_c::PutMsg(N2KMsg* msg) {

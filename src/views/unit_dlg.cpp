@@ -141,7 +141,9 @@ void PGN_VistelUnitDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long
     const ModuleGuard in_this_module;
     wxWindow* const stand_in =
         contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
-    if (stand_in != nullptr) Create(stand_in, db, flags);
+    if (stand_in == nullptr) return;
+    Create(stand_in, db, flags);
+    if (GetHandle() != nullptr) platform::keep_above(*this, parent);
 }
 
 void PGN_VistelUnitDlg_c::AssignUnitChangeApply(void (*callback)()) {

@@ -133,6 +133,8 @@ wxWindow* wrap_native_window(HWND window) {
     return bridge_works ? reinterpret_cast<wxWindow*>(window) : nullptr;
 }
 
+void keep_above(wxTopLevelWindow&, HWND) {}
+
 void set_program_icon(wxTopLevelWindow&) {}
 
 void remove_padding(wxWindow&) {}

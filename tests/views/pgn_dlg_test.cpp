@@ -229,6 +229,7 @@ TEST(NativeParent, CarriesADialog) {
         EXPECT_EQ(db.GetSelectUnit(quantity::duration), unit::minutes);
         EXPECT_NE(dialog.GetParent(), nullptr);
         EXPECT_EQ(dialog.GetParent(), second.GetParent()) << "one stands for the host's window";
+        EXPECT_TRUE(host.owns(dialog)) << "a window manager keeps it above";
         bring_up(dialog);
         EXPECT_EQ(dialog.PutMsg(&msg), 0);
         EXPECT_EQ(blocks_of(*Parts(dialog).tree).size(), 1u);

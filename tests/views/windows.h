@@ -113,6 +113,9 @@ class HostWindow {
     }
     ~HostWindow() { destroy(); }
     HWND handle() const { return reinterpret_cast<HWND>(gtk_widget_get_window(window_)); }
+    bool owns(const wxTopLevelWindow& window) const {
+        return gtk_window_get_transient_for(GTK_WINDOW(window.GetHandle())) == GTK_WINDOW(window_);
+    }
     void resize(int width, int height) {
         gtk_window_resize(GTK_WINDOW(window_), width, height);
         EXPECT_TRUE(eventually([&] { return this->width() == width; }));

@@ -3,6 +3,7 @@
 #include <wx/app.h>
 #include <wx/init.h>
 #include <wx/nativewin.h>
+#include <wx/toplevel.h>
 #include <wx/utils.h>
 
 #include "platform/platform.h"
@@ -95,6 +96,13 @@ wxWindow* wrap_native_window(HWND window) {
     if (pane->GetHandle() != nullptr) return pane;
     delete pane;
     return nullptr;
+}
+
+void keep_above(wxTopLevelWindow& window, HWND owner) {
+    gpointer widget = nullptr;
+    gdk_window_get_user_data(gdk_window(owner), &widget);
+    GtkWidget* const top = widget != nullptr ? gtk_widget_get_toplevel(GTK_WIDGET(widget)) : nullptr;
+    if (GTK_IS_WINDOW(top)) gtk_window_set_transient_for(GTK_WINDOW(window.GetHandle()), GTK_WINDOW(top));
 }
 
 }  // namespace pgn_vistel::platform
