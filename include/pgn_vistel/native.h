@@ -9,7 +9,8 @@ struct HWND__;
 using HWND = HWND__*;
 
 struct HINSTANCE__;
-/// A loaded module (program or library) of the host, opaque, too.
+/// A loaded module (program or library) of the host, opaque, too. On ELF platforms it is what dlopen()
+/// returns for it, cast.
 using HINSTANCE = HINSTANCE__*;
 
 // The native tree control and its items.
