@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace pgn_vistel {
 
@@ -89,13 +90,14 @@ bool starts_with_prefix(const char* at, int base) {
            std::from_chars(at + 2, at + 3, ignored, base).ec == std::errc{};
 }
 
-/// The magnitude, limited to `most`.
-Scanned scan_magnitude(const Start& start, std::uint64_t& magnitude, int base, std::uint64_t most) {
+/// `magnitude` stays empty where the figures say more than `most`.
+Scanned scan_magnitude(const Start& start, int base, std::uint64_t most,
+                       std::optional<std::uint64_t>& magnitude) {
     const char* const at = start.figures + (starts_with_prefix(start.figures, base) ? 2 : 0);
-    const char* const end = at + std::strlen(at);
-    const auto result = std::from_chars(at, end, magnitude, base);
+    std::uint64_t figures = 0;
+    const auto result = std::from_chars(at, at + std::strlen(at), figures, base);
     if (result.ec == std::errc::invalid_argument) return start.otherwise;
-    if (result.ec == std::errc::result_out_of_range || magnitude > most) magnitude = most;
+    if (result.ec == std::errc{} && figures <= most) magnitude = figures;
     return Scanned::number;
 }
 
@@ -103,10 +105,10 @@ template <class Unsigned>
 Scanned scan_unsigned(const char* text, Unsigned& number, int base) {
     constexpr Unsigned most = std::numeric_limits<Unsigned>::max();
     const Start start = start_of(text);
-    std::uint64_t magnitude = 0;
-    const Scanned scanned = scan_magnitude(start, magnitude, base, most);
+    std::optional<std::uint64_t> magnitude;
+    const Scanned scanned = scan_magnitude(start, base, most, magnitude);
     if (scanned != Scanned::number) return scanned;
-    number = static_cast<Unsigned>(start.negative && magnitude != most ? -magnitude : magnitude);
+    number = static_cast<Unsigned>(!magnitude ? most : start.negative ? -*magnitude : *magnitude);
     return scanned;
 }
 
@@ -122,10 +124,11 @@ Scanned scan_real(const char* text, double& number) {
 
 Scanned scan_whole(const char* text, std::int32_t& number) {
     const Start start = start_of(text);
-    std::uint64_t magnitude = 0;
-    const Scanned scanned = scan_magnitude(start, magnitude, 10, start.negative ? 0x80000000u : 0x7FFFFFFFu);
+    const std::uint64_t most = start.negative ? 0x80000000 : 0x7FFFFFFF;
+    std::optional<std::uint64_t> magnitude;
+    const Scanned scanned = scan_magnitude(start, 10, most, magnitude);
     if (scanned != Scanned::number) return scanned;
-    const auto whole = static_cast<std::int64_t>(magnitude);
+    const auto whole = static_cast<std::int64_t>(magnitude.value_or(most));
     number = static_cast<std::int32_t>(start.negative ? -whole : whole);
     return scanned;
 }

@@ -82,6 +82,8 @@ TEST(Scan, WholeNumbers) {
         {"-2", 10, number, all32 - 1, all64 - 1}, {"0x10", 10, number, 0, 0}, {"1e3", 10, number, 1, 1},
         {"4294967295", 10, number, all32, all32}, {"4294967296", 10, number, all32, 4294967296},
         {"-4294967296", 10, number, all32, all64 - all32}, {"18446744073709551616", 10, number, all32, all64},
+        {"-4294967295", 10, number, 1, all64 - all32 + 1}, {"-18446744073709551615", 10, number, all32, 1},
+        {"18446744073709551615", 10, number, all32, all64}, {"-18446744073709551616", 10, number, all32, all64},
         {nines.c_str(), 10, number, all32, all64}, {zeros.c_str(), 10, number, 0, 0},
         {"ff", 16, number, 255, 255}, {"0xFFg", 16, number, 255, 255}, {"0X1", 16, number, 1, 1},
         {"0x", 16, number, 0, 0}, {"0xg", 16, number, 0, 0}, {"-0x1", 16, number, all32, all64},
