@@ -110,6 +110,8 @@ def check_parser_rule(row, report):
         report.add(row.place, f"kind is {'of no use' if row.kind else 'missing'}")
     if not scaled and (row.then or counted or bounds):
         report.add(row.place, "then and range have no effect with this rule")
+    if kind == "factor" and bounds:
+        report.add(row.place, "bounds have no effect with this rule")
     if row.offset and not bounds:
         report.add(row.place, "offset without bounds in range")
     if kind == "probe" and row.kind not in ("u32", "i32"):

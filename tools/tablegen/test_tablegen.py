@@ -109,6 +109,7 @@ BAD_ROWS = (
     ("parsers.tsv", 4, "2 - any - - -", "kind is missing"),
     ("parsers.tsv", 4, "2 u16 parse_text - - -", "kind is of no use"),
     ("parsers.tsv", 4, "2 u16 never *2 - -", "then and range have no effect with this rule"),
+    ("parsers.tsv", 4, "2 u16 length - 0..1 -", "bounds have no effect with this rule"),
     ("parsers.tsv", 4, "2 u16 probe - - -", "probe makes u32 or i32"),
     ("parsers.tsv", 4, "2 i16 whole - - -", "whole makes u8, u16, u32 or u64"),
     ("parsers.tsv", 121, "2444 u16 any - - -", "no catalogued df 2444"),
