@@ -26,6 +26,22 @@ std::string text_of(const FieldCell& cell, std::uint32_t value) {
     return utf8_of({area, static_cast<std::size_t>(std::max(0, length))});
 }
 
+/// What people type of a text, and what is compared: without blanks around, in lower case.
+std::string comparable(std::string_view text) {
+    return simplified(trimmed(text));
+}
+
+/// Whether the text is one of those in `[Yes, On, Enabled, Set, "1"]`.
+bool is_one_in_brackets(std::string_view wanted, std::string_view list) {
+    if (!list.starts_with('[') || !list.ends_with(']')) return false;
+    for (list = list.substr(1, list.size() - 2); !list.empty();) {
+        const std::size_t size = std::min(list.find(flag_separator), list.size());
+        if (comparable(list.substr(0, size)) == wanted) return true;
+        list.remove_prefix(std::min(size + flag_separator.size(), list.size()));
+    }
+    return false;
+}
+
 /// The flag whose text begins the list. Texts may contain the separator, so the longest one counts; several
 /// flags may have one text ("Reserved"), and are taken in turn.
 const CodedChoice* first_flag(std::string_view list, const std::vector<CodedChoice>& flags,
@@ -42,16 +58,30 @@ const CodedChoice* first_flag(std::string_view list, const std::vector<CodedChoi
     return best;
 }
 
-bool enter_flags(FieldCell& cell, std::string_view text, const std::vector<CodedChoice>& flags) {
+bool enter_flags(FieldCell& cell, std::string_view text, std::vector<CodedChoice> flags) {
+    for (CodedChoice& flag : flags) flag.text = comparable(flag.text);
+    const std::string lower = comparable(text);
     std::uint32_t value = 0;
-    while (!text.empty()) {
-        const CodedChoice* const flag = first_flag(text, flags, value);
+    for (std::string_view list = lower; !list.empty();) {
+        const CodedChoice* const flag = first_flag(list, flags, value);
         if (flag == nullptr) return false;
         value |= flag->value;
-        text.remove_prefix(std::min(text.size(), flag->text.size() + flag_separator.size()));
+        list.remove_prefix(std::min(list.size(), flag->text.size() + flag_separator.size()));
     }
     cell.put(value);
     return true;
+}
+
+/// Whether the field can hold the value so that decoding shows its text. Codes that stand for "not available"
+/// may have one as well ("Do not change offset"), which decoding does not show.
+bool is_choice(FieldCell& cell, std::uint32_t value) {
+    const int bits = cell.bits();
+    if (bits < 32 && value >> bits != 0) return false;
+    if (holds_flags(cell)) return true;
+    cell.put(value);
+    ConvValue read;
+    cell.read(read, unit::raw_count);
+    return !is_available(read) || cell.shown() == text_of(cell, value);
 }
 
 }  // namespace
@@ -65,29 +95,35 @@ std::vector<CodedChoice> choices_of(FieldCell cell) {
     std::vector<CodedChoice> result;
     const DDstrings* const set = find_enumeration(cell.dd().dd);
     if (set == nullptr || set->pairs == nullptr) return result;
-    const int bits = cell.bits();
+    const bool flags = set->kind == ENUM_FLAGS;
+    const std::uint64_t before = cell.raw();
     for (std::uint32_t i = 0; set->count == 0 ? set->pairs[i].text != nullptr : i < set->count; ++i) {
-        if (set->kind == ENUM_FLAGS && i >= 32) break;
-        const std::uint32_t value = set->kind == ENUM_FLAGS ? std::uint32_t{1} << i : set->pairs[i].value;
+        if (flags && i >= 32) break;
+        const std::uint32_t value = flags ? std::uint32_t{1} << i : set->pairs[i].value;
         const bool again = !result.empty() && result.back().value == value;  // the first of two is shown
-        if (!again && (bits >= 32 || value >> bits == 0)) result.push_back({value, text_of(cell, value)});
+        if (!again && is_choice(cell, value)) result.push_back({value, text_of(cell, value)});
     }
+    cell.put(before);
     return result;
 }
 
 bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling) {
     const std::vector<CodedChoice> choices = choices_of(cell);
     if (holds_flags(cell)) return enter_flags(cell, text, choices);
-    const std::string wanted = simplified(text);
-    for (const CodedChoice& choice : choices) {
-        const bool meant = spelling == Spelling::exact
-                               ? trimmed(choice.text) == text || std::to_string(choice.value) == text
-                               : simplified(trimmed(choice.text)) == wanted;
-        if (!meant) continue;
-        cell.put(choice.value);
-        if (cell.shown() == choice.text) return true;
-    }
-    return false;
+    const std::string wanted = comparable(text);
+    const auto is_exact = [text](const CodedChoice& choice) {
+        return trimmed(choice.text) == text || std::to_string(choice.value) == text;
+    };
+    const auto is_alike = [&wanted](const CodedChoice& choice) { return comparable(choice.text) == wanted; };
+    const auto is_word = [&wanted](const CodedChoice& choice) {
+        return is_one_in_brackets(wanted, trimmed(choice.text));
+    };
+    const bool exact = spelling == Spelling::exact;
+    auto meant = exact ? std::ranges::find_if(choices, is_exact) : std::ranges::find_if(choices, is_alike);
+    if (meant == choices.end() && !exact) meant = std::ranges::find_if(choices, is_word);
+    if (meant == choices.end()) return false;
+    cell.put(meant->value);
+    return true;
 }
 
 }  // namespace vistel

@@ -16,12 +16,14 @@ struct CodedChoice {
 };
 
 /// What a coded field can be, in order of value; of flags, the value of each. Empty for other fields. A value
-/// that the field's bits cannot hold is left out.
+/// that the field cannot hold is left out.
 std::vector<CodedChoice> choices_of(FieldCell cell);
 bool holds_flags(const FieldCell& cell);
 
-/// Enters a coded field by its text; flags as a list with commas. False where the text is none of its texts.
-enum class Spelling { exact, any_case };
+/// Enters a coded field by its number or its text as it is; or by the text in upper or lower case, and, of
+/// `[Yes, On, Enabled, Set, "1"]` by any word. Flags are a list with commas, in any case. False where the text
+/// is none of these.
+enum class Spelling { exact, alike };
 bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling);
 
 }  // namespace vistel

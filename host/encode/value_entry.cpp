@@ -52,6 +52,11 @@ std::string enter_value(FieldCell& cell, std::string_view typed) {
     if (means_not_available(cell, text)) return cell.clear(), "";
     const bool coded = find_enumeration(cell.dd().dd) != nullptr;
     if (coded && enter_choice(cell, text, Spelling::exact)) return "";
+    if (coded && enter_choice(cell, text, Spelling::alike)) {
+        // A code without a text may be shown as "Reserved" where another one is "reserved".
+        if (!enter_as_shown(cell, text)) enter_choice(cell, text, Spelling::alike);
+        return "";
+    }
     if (text.empty() && enter_as_shown(cell, text)) return "";
     if (text.empty()) return "has no value behind the '='; '-' stands for not available";
     for (const auto enter : {enter_date, enter_clock, enter_number})
@@ -59,7 +64,7 @@ std::string enter_value(FieldCell& cell, std::string_view typed) {
             return *outcome;
         else if (outcome)
             return "";
-    if (enter_as_shown(cell, text) || (coded && enter_choice(cell, text, Spelling::any_case))) return "";
+    if (enter_as_shown(cell, text)) return "";
     return coded ? no_such_choice(cell, text) : in_quotes(text) + " does not begin with a number";
 }
 
