@@ -21,8 +21,8 @@ std::vector<CodedChoice> choices_of(FieldCell cell);
 bool holds_flags(const FieldCell& cell);
 
 /// Enters a coded field by its number or its text as it is; or by the text in upper or lower case, and, of
-/// `[Yes, On, Enabled, Set, "1"]` by any word. Flags are a list with commas, in any case. False where the text
-/// is none of these.
+/// `[Yes, On, Enabled, Set, "1"]` by any word. Flags are a list with commas, in any case. False where the
+/// text is none of these.
 enum class Spelling { exact, alike };
 bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling);
 

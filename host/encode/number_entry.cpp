@@ -16,6 +16,7 @@ namespace vistel {
 namespace {
 
 constexpr std::uint32_t pgn_number_dd = 9;
+constexpr double most_exact = 0x1p53;  // whole numbers below are doubles of their own
 
 /// An integer, with its sign in all bits.
 std::optional<std::uint64_t> integer_in(const ConvValue& v) {
@@ -64,6 +65,8 @@ bool looks_at_unit(FieldCell& cell) {
 
 std::string number_text(double value) {
     char area[64];
+    if (value == std::floor(value) && std::fabs(value) < most_exact)
+        return std::to_string(static_cast<std::int64_t>(value));
     const auto single = static_cast<float>(value);
     const double magnitude = std::fabs(value);
     const bool plain = magnitude < 1e15 && (magnitude == 0 || magnitude > 1e-4);
@@ -93,6 +96,17 @@ bool enter_integer(FieldCell& cell, std::uint64_t number, UnitId unit) {
     cell.put(number);
     cell.read(value, unit);
     return integer_in(value) == number;
+}
+
+/// Whether `raw`, the nearest to the number, stands for it but for rounding. `whole` numbers are typed digit
+/// by digit, and integers that can be had so have been tried.
+bool is_meant(FieldCell& cell, const RawScale& scale, std::uint64_t raw, double number, bool whole,
+              UnitId unit) {
+    ConvValue value;
+    cell.put(raw);
+    cell.read(value, unit);
+    if (!integer_in(value)) return scale.meets(raw, number);
+    return (!whole || std::fabs(number) < most_exact) && scale.meets(raw, number, 0);
 }
 
 /// What the format's own parser makes of the text. It works in single precision and cuts off what is beyond
@@ -189,7 +203,13 @@ std::optional<double> take_number(std::string_view& text) {
                                                    : std::from_chars(digits.data(), last, value);
     if (end.ptr == digits.data()) return {};
     if (hexadecimal) value = static_cast<double>(whole);
-    if (end.ec == std::errc::result_out_of_range) value = std::numeric_limits<double>::infinity();
+    if (end.ec == std::errc::result_out_of_range) {
+        const std::string_view typed(digits.data(), static_cast<std::size_t>(end.ptr - digits.data()));
+        constexpr std::size_t most_digits = 300;  // fewer than a double can have before its point
+        const bool tiny =
+            typed.size() < most_digits && (typed.find("e-") != typed.npos || typed.find("E-") != typed.npos);
+        value = tiny ? 0 : std::numeric_limits<double>::infinity();
+    }
     text = {end.ptr, static_cast<std::size_t>(last - end.ptr)};
     return negative ? -value : value;
 }
@@ -230,6 +250,8 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
     const std::optional<double> number = take_number(rest);
     if (!number) return {};
     const std::string_view digits = text.substr(0, text.size() - rest.size());
+    if (rest.size() > 1 && rest[0] == ',' && rest[1] >= '0' && rest[1] <= '9')
+        return in_quotes(text) + " has a comma: a fraction is typed with a point, as in 1.5";
     rest = trimmed(rest);
     std::string_view in_parentheses;
     const bool names_pgn = cell.dd().dd == pgn_number_dd && rest.starts_with('(');
@@ -247,8 +269,8 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
         const RawScale scale = scale_of(cell, unit);
         if (scale.empty()) return "has no values that could be encoded";
         const std::uint64_t raw = scale.nearest(*number, parsed(cell, digits, unit));
-        cell.put(raw);
-        const bool meant = scale.meets(raw, *number);
+        const bool whole = digits.find_first_not_of("+-0123456789") == digits.npos;
+        const bool meant = is_meant(cell, scale, raw, *number, whole, unit);
         if (!shows(cell, text) && !enter_as_rounded(cell, text, *number, raw, unit)) {
             cell.put(raw);
             if (!meant) return in_quotes(text) + " is out of range: " + range_text(scale, unit);

@@ -122,7 +122,7 @@ std::uint64_t RawScale::nearest(double value, std::optional<std::uint64_t> hint)
     return best;
 }
 
-bool RawScale::meets(std::uint64_t raw, double value) const {
+bool RawScale::meets(std::uint64_t raw, double value, double rounding) const {
     const std::optional<double> reached = value_of_(raw);
     if (!reached) return false;
     double slack = 0;
@@ -130,8 +130,7 @@ bool RawScale::meets(std::uint64_t raw, double value) const {
         if (value >= std::min(run.from, run.to) && value <= std::max(run.from, run.to)) return true;
         if (raw < run.first || raw > run.last || run.first == run.last) continue;
         const double step = std::fabs(run.to - run.from) / static_cast<double>(run.last - run.first);
-        constexpr double single_rounding = 0x1p-24;
-        slack = std::max(step / 2, std::fabs(*reached) * single_rounding) * (1 + 1e-9);
+        slack = std::max(step / 2, std::fabs(*reached) * rounding) * (1 + 1e-9);
     }
     return std::fabs(*reached - value) <= slack;
 }

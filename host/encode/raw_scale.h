@@ -13,6 +13,8 @@ namespace vistel {
 /// which the values rise (or fall, as those of negative floats do), and runs can be searched by halving.
 class RawScale {
   public:
+    static constexpr double single_rounding = 0x1p-24;
+
     /// Value of a raw number, or nothing for a reserved code.
     using Conversion = std::function<std::optional<double>(std::uint64_t)>;
 
@@ -25,8 +27,9 @@ class RawScale {
 
     /// The number whose value is nearest, `hint` among equals.
     std::uint64_t nearest(double value, std::optional<std::uint64_t> hint) const;
-    /// Whether the value of `raw`, the nearest number, is within half a step of `value`.
-    bool meets(std::uint64_t raw, double value) const;
+    /// Whether the value of `raw`, the nearest number, is within half a step of `value`, or within the
+    /// relative error of its conversion, `rounding`.
+    bool meets(std::uint64_t raw, double value, double rounding = single_rounding) const;
     std::optional<double> value_of(std::uint64_t raw) const { return value_of_(raw); }
 
   private:
