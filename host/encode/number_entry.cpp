@@ -153,7 +153,8 @@ UnitFound unit_for(FieldCell& cell, std::string_view text) {
     ConvValue value;
     const FieldReading reading = cell.read(value);
     const std::vector<UnitId> served = served_units(cell);
-    if (text.empty() || simplified(unit_text(reading.unit)) == simplified(text)) {
+    const std::string name = simplified(unit_text(reading.unit));
+    if (text.empty() || (!name.empty() && name == simplified(text))) {
         if (has_values(cell, reading.unit)) return {reading.unit, {}};
         if (text.empty() && served.size() == 1) return {served[0], {}};
     }

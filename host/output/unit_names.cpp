@@ -2,22 +2,25 @@
 
 #include <algorithm>
 
+#include "output/unit_spellings.h"
 #include "output/utf8.h"
 
 using namespace pgn_vistel;
 
 namespace vistel {
 
+std::string lower_case(std::string_view text) {
+    std::string result(text);
+    for (char& c : result)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return result;
+}
+
 std::string simplified(std::string_view text) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text.substr(i).starts_with("\u00B0")) {
-            ++i;
-            continue;
-        }
-        const char c = text[i];
-        result += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
+    constexpr std::string_view degree_sign = "\u00B0";
+    std::string result = lower_case(text);
+    for (std::size_t at = 0; (at = result.find(degree_sign, at)) != result.npos;)
+        result.erase(at, degree_sign.size());
     return result;
 }
 
@@ -36,8 +39,14 @@ std::vector<UnitId> offered_units(DispDataType q) {
 UnitId find_unit(const std::vector<UnitId>& units, std::string_view text) {
     const auto exact = std::ranges::find(units, text, unit_text);
     if (exact != units.end()) return *exact;
-    const auto means = [wanted = simplified(text)](UnitId u) { return simplified(unit_text(u)) == wanted; };
-    return std::ranges::count_if(units, means) == 1 ? *std::ranges::find_if(units, means) : -1;
+    const auto only = [&units](auto means) {
+        return std::ranges::count_if(units, means) == 1 ? *std::ranges::find_if(units, means) : -1;
+    };
+    const auto is_alike = [wanted = simplified(text)](UnitId u) {
+        return !wanted.empty() && simplified(unit_text(u)) == wanted;
+    };
+    const UnitId found = only(is_alike);
+    return found >= 0 ? found : only([text](UnitId u) { return is_spelling_of(text, unit_text(u)); });
 }
 
 std::string joined(const std::vector<std::string>& texts) {

@@ -294,6 +294,39 @@ TEST(Encode, Payloads) {
     }
 }
 
+TEST(Encode, UnitsHaveOtherSpellings) {
+    const struct {
+        std::uint32_t pgn;
+        const char* label;
+        const char* typed;
+        const char* shown;
+    } cases[] = {
+        {129026, "Speed Over Ground", "12 knots", "12 kt"},
+        {129026, "Speed Over Ground", "12 KN", "12 kt"},
+        {129026, "Speed Over Ground", "12km/h", "12 kph"},
+        {129026, "Course Over Ground", "12.3 deg", "12.3 \u00B0M"},
+        {129026, "Course Over Ground", "12.3 deg T", "12.3 \u00B0T"},
+        {129025, "Latitude", "-12.5 degrees", "-12.5 \u00B0 Lat"},
+        {129025, "Longitude", "12.5 \u00B0", "12.5 \u00B0 Long"},
+        {127251, "Rate of Turn", "-3 deg/min", "-3 \u00B0/min"},
+        {130312, "Actual Temperature", "20 degC", "20 \u00B0C"},
+        {130312, "Actual Temperature", "70 Fahrenheit", "70 \u00B0F"},
+        {130314, "Pressure", "1013 hPa", "1013 mBar"},
+        {127505, "Tank Capacity", "400 liters", "400 L"},
+        {127505, "Fluid Level", "75 percent", "75 %"},
+        {127508, "Battery Voltage", "12.5 Volts", "12.5 V"},
+        {127488, "Engine Speed", "900 r/min", "900 RPM"},
+        {128267, "Water Depth, Transducer", "10 metres", "10 m"},
+    };
+    for (const auto& c : cases) {
+        const BuiltMessage typed = built(c.pgn, {{c.label, c.typed}}),
+                           shown = built(c.pgn, {{c.label, c.shown}});
+        EXPECT_EQ(typed.errors, std::vector<std::string>{}) << c.typed;
+        EXPECT_EQ(hex(typed.msg), hex(shown.msg)) << c.typed;
+        EXPECT_NE(hex(typed.msg), hex(built(c.pgn, {}).msg)) << c.typed;
+    }
+}
+
 TEST(Encode, WhatIsWrongIsSaid) {
     const struct {
         std::uint32_t pgn;
@@ -326,6 +359,7 @@ TEST(Encode, WhatIsWrongIsSaid) {
         {127250, {"Heading Sensor Reference", "4"}, "'4' is out of range: from 0 to 3"},
         {127250, {"Sequence ID", "5 (0x06)"}, "5 and (0x06) are different numbers"},
         {127250, {"Sequence ID", "5 m"}, "takes no unit, but has 'm'"},
+        {127250, {"Sequence ID", "5 \u00B0"}, "takes no unit, but has '\u00B0'"},
         {129029,
          {"Position date", "31-31-2026"},
          "is not a date from 01-01-1970 to 06-02-2149, as in 09-10-2026 MMDDYYYY"},
