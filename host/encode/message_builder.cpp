@@ -61,6 +61,8 @@ class Building {
     void enter(FieldCell& cell);
     void fill_count();
     void verify();
+    void report_full(const std::string& label);
+    bool is_of_later_round(std::string_view label) const;
     void report_unused(const Bytes& beginning);
 
     QV_N2K_PGN_DB_c& db_;
@@ -71,8 +73,10 @@ class Building {
     int given_ = 0;   // bytes of the beginning, which fields that are not given leave alone
     int length_ = 0;  // bytes up to the last field
     int rounds_ = 0;
-    bool has_count_ = false;          // a field has the number of rounds
-    std::optional<FieldCell> count_;  // that field, unless it is given
+    std::vector<std::string> repeated_;  // labels of the repeating group
+    bool full_ = false;                  // a field had no room
+    bool has_count_ = false;             // a field has the number of rounds
+    std::optional<FieldCell> count_;     // that field, unless it is given
     std::vector<std::string> labels_;
     std::vector<std::string> shown_;  // of the fields in their order
     std::vector<std::string> errors_;
@@ -125,13 +129,19 @@ void Building::enter(FieldCell& cell) {
     const bool begun = cell.start().byte < given_;
     if (typed != nullptr && begun && trimmed(cell.shown(true)) == trimmed(typed->value)) {
         // Several codes may be shown alike ("Unknown"): the bytes that were given say which.
+    } else if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
+        report_full(label);
     } else if (typed != nullptr) {
-        if (std::string wrong = enter_value(cell, typed->value); !wrong.empty())
+        if (std::string wrong = enter_value(cell, typed->value); !wrong.empty()) {
+            constexpr std::size_t longest_text = 256;
+            full_ = cell.holds_text() && cell.bytes().size() < longest_text;
             errors_.push_back(label + " " + wrong);
+        }
     } else if (!begun) {
         cell.clear();
         if (counts) count_.emplace(cell);
     }
+    if (cell.repeat() == 1) repeated_.push_back(label);
     shown_.push_back(typed != nullptr ? cell.shown() : "");
     // What can have no value and was not given ("Fields 4 thru 12 repeat as needed") is not sent.
     if (typed != nullptr || cell.holds_text() || !served_units(cell).empty())
@@ -144,12 +154,34 @@ void Building::fill_count() {
     if (!wrong.empty()) errors_.push_back(count_->label() + " " + wrong);
 }
 
+/// Says so of the first field without room.
+void Building::report_full(const std::string& label) {
+    if (!full_)
+        errors_.push_back(label + " does not fit into the " + std::to_string(N2K_MAX_PAYLOAD) +
+                          " bytes of a message");
+    full_ = true;
+}
+
+/// Whether the label is one of the repeating group, for which the message had no further round.
+bool Building::is_of_later_round(std::string_view label) const {
+    const NumberedLabel typed = numbered(trimmed(label));
+    return std::ranges::any_of(repeated_, [&](const std::string& repeated) {
+        const NumberedLabel shown = numbered(repeated);
+        return shown.round == 0 ? same_label(label, repeated)
+                                : same_label(typed.text, shown.text) && typed.round > rounds_;
+    });
+}
+
 void Building::report_unused(const Bytes& beginning) {
     const std::string number = std::to_string(pgn_.pgn);
     std::vector<std::string> choices;
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (used_[i]) continue;
         const std::string& label = fields_[i].label;
+        if (is_of_later_round(label)) {
+            report_full(label);
+            continue;
+        }
         const auto count =
             std::ranges::count_if(labels_, [&](const std::string& l) { return same_label(l, label); });
         if (count > 0) {
@@ -174,7 +206,7 @@ std::vector<std::string> Building::build(const Bytes& beginning, bool fills_fram
     length_ = given_;
     begin_message(msg_, beginning);
     MessageWalk walk(&pgn_, msg_);
-    while (walk.next()) {
+    while (!full_ && walk.next()) {
         const MessageWalk::Field& field = walk.field();
         const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
         if (field.repeat > 0 && field.row->field == set->first) {
@@ -188,7 +220,7 @@ std::vector<std::string> Building::build(const Bytes& beginning, bool fills_fram
     fill_count();
     report_unused(beginning);
     msg_.length = static_cast<std::uint16_t>(std::min(length_, N2K_MAX_PAYLOAD));
-    if (length_ > N2K_MAX_PAYLOAD)
+    if (length_ > N2K_MAX_PAYLOAD && !full_)
         errors_.push_back("the message is longer than " + std::to_string(N2K_MAX_PAYLOAD) + " bytes");
     // A payload that was given keeps its length.
     if (fills_frame) msg_.length = std::max<std::uint16_t>(msg_.length, max_frame_bytes);
@@ -284,21 +316,23 @@ BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnD
         const auto bytes = bytes_of(field.value);
         if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || has_payload) {
             result.errors.push_back(std::string(payload_label) +
-                                    " takes the bytes of the payload once, as in 01 02 FF");
+                                    " takes the bytes of the payload once, at most " +
+                                    std::to_string(N2K_MAX_PAYLOAD) + ", as in 01 02 FF");
             return result;
         }
         payload = *bytes;
         has_payload = true;
     }
+    begin_message(result.msg, payload);
+    result.msg.length = static_cast<std::uint16_t>(payload.size());
     if (pgn == nullptr) {
-        begin_message(result.msg, payload);
-        result.msg.length = static_cast<std::uint16_t>(payload.size());
         if (!rest.empty() || !has_payload)
             result.errors.push_back(
                 "PGN " + std::to_string(number) +
                 " is not in the catalogue; only its bytes can be given, as in \"Data=01 02 FF\"");
         return result;
     }
+    if (has_payload && rest.empty()) return result;  // as it is, however short
     static const FastPacketPgns fast;
     constexpr std::uint32_t iso_request = 59904;  // of three bytes, by ISO 11783-3
     const bool fills_frame = !fast.contains(number) && !has_payload && number != iso_request;

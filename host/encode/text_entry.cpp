@@ -124,9 +124,10 @@ std::string enter_text(FieldCell& cell, std::string_view text) {
         if (characters.size() > longest && format == short_text)
             return "holds 125 characters only: " + in_quotes(text) + " is longer";
         field = prefixed(characters, format);
-        const std::size_t most = format == short_text ? 252 : N2K_MAX_PAYLOAD;
-        if (field.size() > most || field.size() > cell.bytes().size())
-            return in_quotes(text) + " is too long for the field";
+        if (format == short_text && field.size() > 252) return in_quotes(text) + " is too long for the field";
+        if (field.size() > cell.bytes().size())
+            return in_quotes(text) + " does not fit into the " + std::to_string(N2K_MAX_PAYLOAD) +
+                   " bytes of a message";
     }
     std::ranges::copy(field, cell.bytes().begin());
     return difference(cell, text);

@@ -267,6 +267,7 @@ TEST(Encode, Payloads) {
          61184,
          {{"Data", "01 02 03"}, {"Industry Group", "4"}},
          "018203"},
+        {"bytes alone, although they end in a field", 127250, {{"Data", "01 02"}}, "0102"},
         {"bytes of an unknown message", 131000, {{"Data", "010203"}}, "010203"},
         {"the maker's code unless given; a text in 8 bits",
          130818,
@@ -375,7 +376,7 @@ TEST(Encode, WhatIsWrongIsSaid) {
         {131000,
          {"a", "b"},
          "PGN 131000 is not in the catalogue; only its bytes can be given, as in \"Data=01 02 FF\""},
-        {127250, {"Data", "0"}, "Data takes the bytes of the payload once, as in 01 02 FF"},
+        {127250, {"Data", "0"}, "Data takes the bytes of the payload once, at most 1785, as in 01 02 FF"},
     };
     for (const auto& c : cases) {
         const BuiltMessage message = built(c.pgn, {c.field});
@@ -383,6 +384,14 @@ TEST(Encode, WhatIsWrongIsSaid) {
             << c.field.label << "=" << c.field.value << " " << hex(message.msg);
         EXPECT_TRUE(message.errors[0].ends_with(c.error)) << message.errors[0];
     }
+    const auto only_error = [](std::uint32_t pgn, std::size_t count, const TypedField& field) {
+        const auto errors = built(pgn, std::vector<TypedField>(count, field)).errors;
+        return errors.size() == 1 ? errors[0] : std::to_string(errors.size()) + " errors";
+    };
+    EXPECT_EQ(only_error(129285, 300, {"WP Latitude", "1"}),
+              "WP Latitude does not fit into the 1785 bytes of a message");
+    EXPECT_TRUE(only_error(129285, 20, {"WP Name", std::string(100, 'x')})
+                    .ends_with(" does not fit into the 1785 bytes of a message"));
     const auto twice = built(127250, {{"Deviation", "1"}, {"Deviation", "2"}}).errors;
     ASSERT_EQ(twice.size(), 1u);
     EXPECT_EQ(twice[0], "'Deviation' is given more than once, as often as it is in PGN 127250");

@@ -192,7 +192,7 @@ class ProgramTest(unittest.TestCase):
             (["--list", "131000"], "PGN 131000 is not in the catalogue"),
             ([*["126464"], *[f"PGN supported #{n}=1" for n in range(600)]], "PGN supported #0"),
             (["126464", "PGN supported #99999999999999999999=1"], "no field"),
-            (["126464", "PGN supported #1700=1"], "in PGN 126464"),
+            (["126464", "PGN supported #1700=1"], "#1700 does not fit into the 1785 bytes of a message"),
             (["126996", "--format", "candump", "Data=" + "00" * 1785, "--destination", "255"], None),
             (["126208", "--format", "candump", "Data=" + "02" * 300, "--destination", "3"], "takes a dialogue"),
         ]
