@@ -51,7 +51,9 @@ struct Chosen {
 Chosen choose_pgn(const std::string& text) {
     Chosen chosen;
     const char* const last = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), last, chosen.number);
+    const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    const auto [end, error] =
+        std::from_chars(text.data() + (hexadecimal ? 2 : 0), last, chosen.number, hexadecimal ? 16 : 10);
     if (end == last && error == std::errc{} && chosen.number <= max_pgn) {
         chosen.row = find_pgn_def(chosen.number);
         return chosen;

@@ -158,7 +158,8 @@ class ProgramTest(unittest.TestCase):
         heading = vistel("encode", "--list", "127250").stdout
         self.assertIn("  Deviation: 2 bytes, from -187.74681 to 187.72389 °; also Rad\n", heading)
         self.assertIn("  Heading Sensor Reference: 2 bits, one of:\n      0  True\n      1  Magnetic\n", heading)
-        self.assertEqual(vistel("encode", "vessel heading", "--list").stdout, heading)
+        for name in ["vessel heading", "0x1F112"]:
+            self.assertEqual(vistel("encode", name, "--list").stdout, heading)
         makers, all_makers = (vistel("encode", "--list", "60928", *more).stdout for more in [[], ["--all-choices"]])
         self.assertIn("      ... and 195 more, with --all-choices\n", makers)
         self.assertEqual(len(all_makers.splitlines()), len(makers.splitlines()) + 194)
