@@ -40,11 +40,17 @@ NumberedLabel numbered(std::string_view label) {
         if (c < '0' || c > '9' || round > N2K_MAX_PAYLOAD) return {label, 0};
         round = round * 10 + (c - '0');
     }
-    return {label.substr(0, sign), round};
+    return round > 0 ? NumberedLabel{label.substr(0, sign), round} : NumberedLabel{label, 0};
 }
 
 bool same_label(std::string_view a, std::string_view b) {
     return simplified(trimmed(a)) == simplified(trimmed(b));
+}
+
+/// Whether the typed label is the one that decoding shows. The number of a round may be left out.
+bool means_label(std::string_view typed, std::string_view shown) {
+    const NumberedLabel without_number = numbered(shown);
+    return same_label(typed, shown) || (without_number.round > 0 && same_label(typed, without_number.text));
 }
 
 class Building {
@@ -85,7 +91,7 @@ class Building {
 /// The next one that was typed under this label.
 const TypedField* Building::take(std::string_view label) {
     for (std::size_t i = 0; i < fields_.size(); ++i)
-        if (!used_[i] && same_label(fields_[i].label, label)) {
+        if (!used_[i] && means_label(fields_[i].label, label)) {
             used_[i] = true;
             return &fields_[i];
         }
@@ -106,7 +112,7 @@ bool Building::is_wanted(const MessageWalk::Field& group) const {
             const NumberedLabel typed = numbered(trimmed(fields_[k].label));
             const bool later =
                 shown.round > 0 && typed.round >= shown.round && same_label(typed.text, shown.text);
-            if (later || same_label(fields_[k].label, label)) return true;
+            if (later || means_label(fields_[k].label, label)) return true;
         }
     }
     return false;
@@ -167,8 +173,8 @@ bool Building::is_of_later_round(std::string_view label) const {
     const NumberedLabel typed = numbered(trimmed(label));
     return std::ranges::any_of(repeated_, [&](const std::string& repeated) {
         const NumberedLabel shown = numbered(repeated);
-        return shown.round == 0 ? same_label(label, repeated)
-                                : same_label(typed.text, shown.text) && typed.round > rounds_;
+        const bool is_later = shown.round == 0 || typed.round == 0 || typed.round > rounds_;
+        return is_later && same_label(typed.text, shown.text);
     });
 }
 
@@ -183,7 +189,7 @@ void Building::report_unused(const Bytes& beginning) {
             continue;
         }
         const auto count =
-            std::ranges::count_if(labels_, [&](const std::string& l) { return same_label(l, label); });
+            std::ranges::count_if(labels_, [&](const std::string& l) { return means_label(label, l); });
         if (count > 0) {
             const std::string times = count == 1 ? "once" : std::to_string(count) + " times";
             errors_.push_back(in_quotes(label) + " is given more than " + times +

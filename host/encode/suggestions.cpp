@@ -28,6 +28,14 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
+/// Whether a text begins as the other one does, of which at most a point is left: "Engine temperature" of
+/// "Engine temp.".
+bool is_longer_form(std::string_view text, std::string_view abbreviated) {
+    constexpr std::size_t shortest = 4;
+    if (abbreviated.ends_with('.')) abbreviated.remove_suffix(1);
+    return abbreviated.size() >= shortest && text.starts_with(abbreviated);
+}
+
 }  // namespace
 
 std::string in_quotes(std::string_view typed) {
@@ -52,7 +60,8 @@ std::string suggestion(std::string_view typed, const std::vector<std::string>& c
     for (const std::string& choice : choices) {
         const std::string text = simplified(std::string_view(choice).substr(0, longest));
         const std::size_t distance = edit_distance(wanted, text);
-        const bool part = wanted.size() >= 3 && text.find(wanted) != text.npos;
+        const bool part = (wanted.size() >= 3 && text.find(wanted) != text.npos) ||
+                          is_longer_form(wanted, text) || is_longer_form(text, wanted);
         const bool alike = distance <= std::max<std::size_t>(2, wanted.size() / 3) && distance < text.size();
         if (part || alike) near.push_back({part ? std::min<std::size_t>(distance, 2) : distance, &choice});
     }
