@@ -182,17 +182,28 @@ std::string parse_fields(const EncodeOptions& options, std::vector<TypedField>& 
     return {};
 }
 
-std::string check_header(const EncodeOptions& options, std::uint32_t pgn) {
+std::string check_header(const EncodeOptions& options, std::uint32_t pgn, RecordTime& time) {
     if (!is_addressed(pgn) && options.destination != 255)
         return "PGN " + std::to_string(pgn) + " goes to everyone; it has no destination";
     if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
         return "PGN " + std::to_string(pgn) + " is on no bus: the low byte of one with a destination is 0";
     if (options.time.empty()) return {};
     TimestampParser parser;
-    RecordTime time;
     const char* why = "";
     if (!parser.parse(options.time, time, why)) return "time " + quoted(options.time) + ": " + why;
     return {};
+}
+
+/// The time stamp as candump writes it: seconds since 1970 where the day is known.
+std::string candump_time(const std::string& typed, const RecordTime& time) {
+    if (time.origin != RecordTime::Origin::epoch) return typed;
+    constexpr std::int64_t second = 1'000'000'000;
+    char text[40];
+    std::snprintf(text, sizeof text, "%lld.%09lld", static_cast<long long>(time.nanoseconds / second),
+                  static_cast<long long>(time.nanoseconds % second));
+    std::string result = text;
+    if (result.ends_with("000")) result.resize(result.size() - 3);  // candump has microseconds
+    return result;
 }
 
 }  // namespace
@@ -214,7 +225,8 @@ int run_encode(const EncodeOptions& options) {
     }
     std::vector<TypedField> fields;
     std::string wrong = parse_fields(options, fields);
-    if (wrong.empty()) wrong = check_header(options, pgn.number);
+    RecordTime time;
+    if (wrong.empty()) wrong = check_header(options, pgn.number, time);
     if (!wrong.empty()) return fail(wrong);
 
     BuiltMessage built = build_message(qv_n2k_pgn_db, pgn.number, pgn.row, fields);
@@ -229,10 +241,10 @@ int run_encode(const EncodeOptions& options) {
     msg.priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
     msg.source = static_cast<std::uint8_t>(options.source);
     msg.destination = static_cast<std::uint8_t>(options.destination);
-    const std::string lines =
-        options.format == "candump"
-            ? candump_lines(msg, options.time, static_cast<unsigned>(options.sequence), wrong)
-            : plain_lines(msg, options.time);
+    const std::string lines = options.format == "candump"
+                                  ? candump_lines(msg, candump_time(options.time, time),
+                                                  static_cast<unsigned>(options.sequence), wrong)
+                                  : plain_lines(msg, options.time);
     return wrong.empty() ? print(lines) : fail(wrong);
 }
 

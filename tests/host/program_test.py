@@ -150,6 +150,7 @@ class ProgramTest(unittest.TestCase):
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001"]),
+            (["127250", "--time", "2026-09-10T08:00:00.5Z"], ["(1789027200.500000) can0 09F11200#FFFFFFFF7FFF7FFF"]),
         ]
         for arguments, lines in cases:
             self.assertEqual(vistel("encode", "--format", "candump", *arguments).stdout.splitlines(), lines)
