@@ -33,13 +33,15 @@ std::optional<Clock> take_clock(std::string_view text) {
     return clock;
 }
 
-Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit) {
+enum class Fraction { rounded, cut_off };  // how decoding shows what is less than a second
+
+Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit, Fraction fraction) {
     const RawScale scale = scale_of(cell, unit);
     if (scale.empty()) return "has no values that could be encoded";
     std::uint64_t raw = scale.nearest(value, {});
-    // Clocks cut off the fraction of a second: just below would show the second before.
+    // Just below a whole second would show the one before.
     constexpr int most = 4096;  // numbers that single precision may give one value
-    if (value == std::floor(value))
+    if (fraction == Fraction::cut_off && value == std::floor(value))
         for (int i = 0; i < most && scale.value_of(raw) < value && scale.value_of(raw + 1); ++i) ++raw;
     cell.put(raw);
     if (scale.meets(raw, value)) return "";
@@ -81,18 +83,21 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     const auto& [a, b, c] = clock->parts;
     if (!of_day) {
         if (counted && clock->count == 3 && clock->rest == unit_text(reading.unit))
-            return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit);
+            return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit, Fraction::cut_off);
         const std::string minutes = simplified(unit_text(unit::minutes));
         if (!clock->rest.empty() && simplified(clock->rest) != minutes)
             return "has no unit " + in_quotes(clock->rest) + " behind a time with colons";
         if (clock->count == 3) {
-            if (b >= 60 || c >= 60) return in_quotes(text) + " is not h:mm:ss";
-            return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds);
+            if (b < 0 || b >= 60 || c < 0 || c >= 60) return in_quotes(text) + " is not h:mm:ss";
+            return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds,
+                            Fraction::rounded);
         }
+        if (b >= 0 && b < 60)
+            return enter_in(cell, text, a * 60 + std::copysign(b, a), unit::minutes, Fraction::rounded);
         // Decoding takes the remainder from an unsigned product, which makes that of negative ones large.
         const double whole = std::clamp(a, -2147483648.0, 2147483647.0);
         const auto product = static_cast<std::uint32_t>(static_cast<std::int64_t>(whole)) * 60u;
-        return enter_in(cell, text, b + static_cast<double>(product), unit::minutes);
+        return enter_in(cell, text, b + static_cast<double>(product), unit::minutes, Fraction::rounded);
     }
     const std::string half = simplified(clock->rest);
     if (!half.empty() && half != "am" && half != "pm")
@@ -101,7 +106,7 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
         return in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM";
     double hours = a;
     if (!half.empty()) hours = std::fmod(a, 12) + (half == "pm" ? 12 : 0);
-    return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds);
+    return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds, Fraction::cut_off);
 }
 
 Outcome enter_date(FieldCell& cell, std::string_view text) {
@@ -125,7 +130,8 @@ Outcome enter_date(FieldCell& cell, std::string_view text) {
     constexpr std::uint64_t some_day = 20706;
     return in_quotes(text) + " is not a date from " + utf8_of(date_in(cell, 0, reading.unit)) + " to " +
            utf8_of(date_in(cell, days - 4, reading.unit)) + ", as in " +
-           utf8_of(date_in(cell, some_day, reading.unit)) + " " + unit_text(reading.unit);
+           utf8_of(date_in(cell, some_day, reading.unit)) + " " + unit_text(reading.unit) + " or " +
+           utf8_of(date_in(cell, some_day, unit::date_ymd));
 }
 
 }  // namespace vistel
