@@ -93,10 +93,13 @@ bool is_spelling_of(std::string_view text, std::string_view unit) {
     constexpr std::size_t longest = 32;
     if (text.size() > longest) return false;
     const std::string typed = plain_spelling(text), meant = plain_spelling(unit);
-    const std::string_view singular = std::string_view(typed).substr(0, typed.size() - typed.ends_with('s'));
-    return typed == meant || std::ranges::any_of(spellings, [&](const Spelling& s) {
-               return meant == s.unit && (s.text == typed || s.text == singular);
-           });
+    std::string_view singular = typed;
+    constexpr std::size_t shortest = 3;  // "ms" is not several "m"
+    if (typed.size() >= shortest && typed.ends_with('s')) singular.remove_suffix(1);
+    const auto is_one = [&](const Spelling& s) {
+        return meant == s.unit && (s.text == typed || s.text == singular);
+    };
+    return typed == meant || singular == meant || std::ranges::any_of(spellings, is_one);
 }
 
 }  // namespace vistel

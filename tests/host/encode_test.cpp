@@ -313,6 +313,7 @@ TEST(Encode, UnitsHaveOtherSpellings) {
     } cases[] = {
         {129026, "Speed Over Ground", "12 knots", "12 kt"},
         {129026, "Speed Over Ground", "12 KN", "12 kt"},
+        {129026, "Speed Over Ground", "12kts", "12 kt"},
         {129026, "Speed Over Ground", "12km/h", "12 kph"},
         {129026, "Course Over Ground", "12.3 deg", "12.3 \u00B0M"},
         {129026, "Course Over Ground", "12.3 deg T", "12.3 \u00B0T"},
