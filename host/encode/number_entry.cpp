@@ -111,12 +111,10 @@ bool is_meant(FieldCell& cell, const RawScale& scale, std::uint64_t raw, double 
 
 /// What the format's own parser makes of the text. It works in single precision and cuts off what is beyond
 /// the last step, so it serves as a hint only.
-std::optional<std::uint64_t> parsed(const FieldCell& cell, std::string_view digits, UnitId unit) {
-    const ParseFunction parse = cell.dd().format->parse;
-    if (parse == nullptr) return {};
+std::uint64_t parsed(const FieldCell& cell, std::string_view digits, UnitId unit) {
     ConvValue value{CV_NOT_AVAILABLE, {}};
     value.value.u64 = 0;
-    parse(&value, std::string(digits).c_str(), unit);
+    cell.dd().format->parse(&value, std::string(digits).c_str(), unit);
     const int bits = cell.bits();
     return bits < 64 ? value.value.u64 & ((std::uint64_t{1} << bits) - 1) : value.value.u64;
 }
