@@ -6,6 +6,7 @@
 #include "commands/decode.h"
 #include "commands/encode.h"
 #include "commands/monitor.h"
+#include "commands/usage_error.h"
 #include "readers/formats.h"
 
 namespace {
@@ -56,18 +57,13 @@ void add_decode(CLI::App& app, Arguments& arguments) {
 }
 
 constexpr const char* encode_notes =
-    "Labels and values are what 'vistel decode' shows, so that its \"Label: value unit\" can be given back "
-    "as\n"
-    "\"Label=value unit\". Without a unit the selected one is meant; '-' stands for not available, as do "
-    "fields\n"
-    "that are not given. A coded field takes its text or number. A label that is shown several times "
-    "(\"NMEA\n"
-    "Reserved\", fields of a repeating group) is given several times, the n-th for the n-th; numbered ones "
-    "as\n"
-    "they are shown (\"PGN supported #2\"). The count before a repeating group is filled in. Data=01 02 FF "
-    "gives\n"
-    "the payload as bytes, into which the fields go.\n"
-    "  vistel encode 127250 \"Heading Sensor Reading=123.4 °\" \"Heading Sensor Reference=Magnetic\"";
+    R"(Labels and values are what 'vistel decode' shows, so that its "Label: value unit" can be given back as
+"Label=value unit". Without a unit the selected one is meant; '-' stands for not available, as do fields
+that are not given. A coded field takes its text or number. A label that is shown several times ("NMEA
+Reserved", fields of a repeating group) is given several times, the n-th for the n-th; numbered ones as
+they are shown ("PGN supported #2"). The count before a repeating group is filled in. Data=01 02 FF gives
+the payload as bytes, into which the fields go.
+  vistel encode 127250 "Heading Sensor Reading=123.4 °" "Heading Sensor Reference=Magnetic")";
 
 void add_encode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
@@ -133,6 +129,7 @@ int main(int argc, char** argv) {
     app.name("vistel");
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
     app.require_subcommand(1);
+    app.failure_message(vistel::usage_error);
     Arguments arguments;
     add_decode(app, arguments);
     add_encode(app, arguments);

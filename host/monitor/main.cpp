@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "commands/usage_error.h"
 #include "monitor/window.h"
 #include "readers/formats.h"
 
@@ -55,6 +56,7 @@ int main(int argc, char** argv) {
         ->check(check_speed)
         ->capture_default_str();
     app.add_flag("--loop", options.loop, "From the start again at the end");
+    app.failure_message(vistel::usage_error);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -256,6 +256,13 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
 
+    def test_bad_usage_is_told_by_the_program(self):
+        for arguments in (["decode", "--none"], ["encode", "127250", "--source", "300"], ["none"], ["decode", ""], [],
+                          ["monitor", "--none"]):
+            result = vistel(*arguments)
+            self.assertEqual((result.returncode, result.stdout), (2, ""), arguments)
+            self.assertTrue(result.stderr.startswith("vistel: "), (arguments, result.stderr))
+
     def test_the_window_needs_a_display(self):
         without = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
         result = subprocess.run([VISTEL, "monitor", "none.log"], env=without, capture_output=True, encoding="utf-8",
