@@ -46,8 +46,11 @@ void FieldViewer::read_text(FieldView& view, const MessageWalk::Field& field, co
     const std::uint32_t dd = field.row->dd->dd;
     if (dd == pgn_number_dd) {
         view.unit = {};
-        if (const PgnDef* const row = find_pgn_def(view.value.value.u32); view.available && row != nullptr)
-            view.text = pgn_def_name(row);
+        const int length =
+            QV_N2K_PGN_DB_c::print_pgn_name(view.text_area.data(), static_cast<int>(view.text_area.size()),
+                                            static_cast<unsigned long>(view.value.value.u32));
+        if (view.available && length > 0)
+            view.text = {view.text_area.data(), static_cast<std::size_t>(length)};
         return;
     }
     const DDstrings* const set = find_enumeration(dd);

@@ -9,8 +9,8 @@
 
 namespace vistel {
 
-/// One decoded field, ready for an output that wants its parts instead of a line. Texts refer to the view and
-/// to the decoder's static areas: they hold until the next field.
+/// One decoded field, ready for an output that wants its parts instead of a line. Texts hold until the next
+/// field; nearly all refer to the view itself.
 struct FieldView {
     int number;
     std::wstring_view label;

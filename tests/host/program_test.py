@@ -61,6 +61,11 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual([field["number"] for field in second["fields"]], list(range(1, 11)))
         self.assertEqual((third["name"], third["fields"], third["data"]), ("Unknown", [], "010203"))
 
+    def test_csv_names_the_message_and_the_one_it_asks_for(self):
+        request = ",6,59904,7,255,3,14,f0,01\n"
+        row, = csv.DictReader(io.StringIO(vistel("decode", "--csv", stdin=request).stdout))
+        self.assertEqual((row["name"], row["text"]), ("ISO Request", "Product Information"))
+
     def test_csv_survives_quotes_and_commas(self):
         result = vistel("decode", "--csv", stdin="# format=FAST\n" + LABEL + UNKNOWN)
         rows = list(csv.DictReader(io.StringIO(result.stdout)))
