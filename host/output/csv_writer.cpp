@@ -1,3 +1,5 @@
+#include <string>
+
 #include "output/field_view.h"
 #include "output/times.h"
 #include "output/value_text.h"
@@ -31,6 +33,7 @@ class CsvWriter : public MessageWriter {
     }
 
     void write(Sink& out, const TimedMessage& message) override {
+        head_.clear();
         FieldViewer viewer(db_, message.pgn, message.msg);
         bool any = false;
         for (; viewer.next(view_); any = true) {
@@ -61,7 +64,18 @@ class CsvWriter : public MessageWriter {
     }
 
   private:
-    static void put_head(Sink& out, const TimedMessage& message) {
+    /// The columns that all rows of a message share: formatted once, where the sink still has them.
+    void put_head(Sink& out, const TimedMessage& message) {
+        if (!head_.empty()) {
+            out.put(head_);
+            return;
+        }
+        const std::uint64_t start = out.position();
+        format_head(out, message);
+        head_ = out.since(start);
+    }
+
+    static void format_head(Sink& out, const TimedMessage& message) {
         const N2KMsg& msg = message.msg;
         put_seconds(out, message.since_start);
         out.put(',');
@@ -81,6 +95,7 @@ class CsvWriter : public MessageWriter {
 
     QV_N2K_PGN_DB_c& db_;
     FieldView view_;
+    std::string head_;  // keeps its room from one message to the next
 };
 
 }  // namespace

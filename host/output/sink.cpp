@@ -66,6 +66,7 @@ void Sink::put_hex(const std::uint8_t* bytes, int count) {
 void Sink::flush() {
     const char* at = buffer_.data();
     std::size_t left = used_;
+    written_ += used_;
     used_ = 0;
     while (open_ && left > 0) {
         const ssize_t written = ::write(descriptor_, at, left);

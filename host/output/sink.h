@@ -44,6 +44,15 @@ class Sink {
     /// Two upper-case hexadecimal digits a byte.
     void put_hex(const std::uint8_t* bytes, int count);
 
+    /// Bytes put so far; and what was put since there were that many, or nothing where that is written
+    /// already.
+    std::uint64_t position() const { return written_ + used_; }
+    std::string_view since(std::uint64_t position) const {
+        if (position < written_) return {};
+        const auto start = static_cast<std::size_t>(position - written_);
+        return {buffer_.data() + start, used_ - start};
+    }
+
     void flush();
     bool is_open() const { return open_; }
     /// 0, or the errno of the write that failed.
@@ -61,6 +70,7 @@ class Sink {
     const int descriptor_;
     bool open_ = true;
     int error_ = 0;
+    std::uint64_t written_ = 0;
     std::size_t used_ = 0;
     std::array<char, 1 << 17> buffer_;
 };
