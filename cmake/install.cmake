@@ -9,7 +9,8 @@ set(made_dir ${PROJECT_BINARY_DIR}/packaging)
 
 # ---- headers and libraries ----
 
-install(DIRECTORY include/pgn_vistel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY include/pgn_vistel ${tables_dir}/pgn_vistel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        COMPONENT development)
 install(TARGETS pgn_vistel_core EXPORT core ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 install(EXPORT core FILE pgn_vistel-core-targets.cmake NAMESPACE pgn_vistel:: DESTINATION ${package_dir}
         COMPONENT development)

@@ -7,10 +7,13 @@ file(GLOB table_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/data/*.tsv
      ${CMAKE_CURRENT_SOURCE_DIR}/data/*/*.tsv ${CMAKE_CURRENT_SOURCE_DIR}/tools/tablegen/*.py)
 
 # Named, so that what includes a changed fragment is compiled in the same build.
-set(tables_fragments availability dd_class_0 dd_class_10000 dd_class_2436 df_conv_list df_conv_table df_self_conv_list
-    dictionary_table enum_pairs enum_sets field_table format_class_table format_functions format_table parser_table
-    parser_units pgn_table quantity_rows repeat_set_table stream_key_table unit_format_table unit_names)
+set(tables_fragments availability catalogued_formats dd_class_0 dd_class_10000 dd_class_2436 df_conv_list df_conv_table
+    dictionary_formats dictionary_table enum_index enum_pairs enum_plans enum_sets enum_texts field_plans
+    field_table format_class_table format_plans format_table parser_table parser_units pgn_plans pgn_rules
+    pgn_table powers_double powers_single quantity_rows repeat_set_table special_fields stream_key_table
+    table_sizes text_pool unit_factors unit_format_table unit_names unit_rule_names unit_texts)
 list(TRANSFORM tables_fragments REPLACE "(.+)" "${tables_dir}/\\1.inc")
+list(APPEND tables_fragments ${tables_dir}/pgn_vistel/core/ids.h)
 
 add_custom_command(
     OUTPUT ${tables_stamp}

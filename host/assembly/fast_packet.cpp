@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#include "pgn_vistel/catalogue.h"
+#include "pgn_vistel/core/catalogue.h"
 #include "readers/can_identifier.h"
 
 namespace vistel {
@@ -40,7 +40,7 @@ constexpr std::uint32_t sent_as_single_frames[] = {126993, 127252, 127500, 12774
 FastPacketPgns::FastPacketPgns() {
     constexpr std::uint32_t proprietary_addressed = 0x1EF00, first_proprietary = 0x1FF00;
     for (std::uint32_t pgn = first; pgn <= last; ++pgn) {
-        const pgn_vistel::PgnDef* row = pgn_vistel::find_pgn_def(pgn);
+        const pgn_vistel::core::PgnDef* row = pgn_vistel::core::find_pgn_def(pgn);
         const bool proprietary = pgn == proprietary_addressed || pgn >= first_proprietary;
         fast_[pgn - first] = proprietary || (row != nullptr && row->single_frame == 0);
     }

@@ -10,10 +10,10 @@
 #include "commands/decode.h"
 #include "output/sink.h"
 #include "output/unit_names.h"
-#include "pgn_vistel/catalogue.h"
-#include "pgn_vistel/pgn_db.h"
+#include "pgn_vistel/core/catalogue.h"
+#include "pgn_vistel/core/units.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -32,20 +32,17 @@ class Table {
         out_.put(t);
         return *this;
     }
-    /// Catalogue texts are Latin-1.
+    /// Names of dictionary entries are Latin-1.
     Table& latin1(const char* t) {
         separate();
         for (; *t != 0; ++t) {
-            const wchar_t c = static_cast<unsigned char>(*t);
-            out_.put(std::wstring_view(&c, 1));
+            const auto c = static_cast<unsigned char>(*t);
+            if (c >= 0x80) out_.put(static_cast<char>(0xC0 | c >> 6));
+            out_.put(static_cast<char>(c < 0x80 ? c : 0x80 | (c & 0x3F)));
         }
         return *this;
     }
-    Table& number(std::int64_t n) {
-        separate();
-        out_.put_number(n);
-        return *this;
-    }
+    Table& number(std::int64_t n) { return text(std::to_string(n)); }
     /// The part of a selector key, empty for none.
     Table& selector(std::uint16_t half) {
         if (half == no_selector) return text("");
@@ -79,7 +76,7 @@ void print_pgns(Sink& out) {
                 "single_frame");
     for (const PgnDef& row : all_pgns())
         table.number(row.pgn)
-            .latin1(row.name)
+            .text(row.name)
             .keys(row.key1, row.key2, row.key3)
             .number(row.flag_pdu1)
             .number(row.flag_listed)
@@ -94,11 +91,11 @@ void print_fields(Sink& out) {
     for (const FieldDef& row : all_fields())
         table.number(row.pgn)
             .number(row.field)
-            .latin1(row.name)
+            .text(row.name)
             .number(row.bytes)
             .number(row.bits)
             .number(row.dd->dd)
-            .number(row.dd->format->df)
+            .number(row.dd->df)
             .keys(row.key1, row.key2, row.key3)
             .end();
 }
@@ -108,7 +105,7 @@ void print_dictionary(Sink& out) {
     for (const DDDef& row : all_dictionary_entries())
         table.number(row.dd)
             .latin1(row.name)
-            .number(row.format->df)
+            .number(row.df)
             .number(row.bytes)
             .number(row.bits)
             .number(quantity_of_dd(static_cast<int>(row.dd)))
@@ -119,7 +116,7 @@ void print_enumerations(Sink& out) {
     Table table(out, "dd\tkind\tvalue\ttext");
     for (const DDstrings& set : all_enumerations())
         for (std::uint32_t i = 0; i < set.count; ++i)
-            table.number(set.dd).number(set.kind).number(set.pairs[i].value).latin1(set.pairs[i].text).end();
+            table.number(set.dd).number(set.kind).number(set.pairs[i].value).text(set.pairs[i].text).end();
 }
 
 void print_repeats(Sink& out) {
@@ -143,13 +140,16 @@ void print_streams(Sink& out) {
 
 void print_formats(Sink& out) {
     Table table(out, "df\tname\tquantity");
-    for (const DFDef& row : all_formats())
-        table.number(row.df).latin1(row.name).number(quantity_of_format(static_cast<DF>(row.df))).end();
+    for (const DF df : all_formats())
+        table.number(df)
+            .text((df < 10 ? "DF0" : "DF") + std::to_string(df))
+            .number(quantity_of_format(df))
+            .end();
 }
 
 void print_units(Sink& out) {
     Table table(out, "unit\ttext");
-    for (UnitId u = 0; u < unit::count; ++u) table.number(u).text(unit_text(u)).end();
+    for (UnitId u = 0; u < unit::count; ++u) table.number(u).text(vistel::unit_text(u)).end();
 }
 
 void print_quantities(Sink& out) {
@@ -159,7 +159,7 @@ void print_quantities(Sink& out) {
         const auto row = std::ranges::find(rows, q, &QuantityRow::quantity);
         std::string units;
         for (const UnitId* u = available_units(q); *u < unit::count; ++u)
-            units += (units.empty() ? "" : ", ") + unit_text(*u);
+            units += (units.empty() ? "" : ", ") + vistel::unit_text(*u);
         table.number(q).text(row != rows.end() ? row->label : "").text(units).end();
     }
 }

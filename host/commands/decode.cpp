@@ -21,12 +21,14 @@ namespace vistel {
 
 namespace {
 
+namespace core = pgn_vistel::core;
+
 bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
     return wanted.empty() || std::ranges::find(wanted, value) != wanted.end();
 }
 
-bool apply_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options) {
-    const std::string wrong = select_units(db, options);
+bool apply_units(core::UnitSelection& units, const UnitOptions& options) {
+    const std::string wrong = select_units(units, options);
     if (!wrong.empty()) std::fprintf(stderr, "vistel: %s\n", wrong.c_str());
     return wrong.empty();
 }
@@ -49,7 +51,7 @@ class Decoding {
 
     const DecodeOptions& options_;
     const std::string name_;
-    QV_N2K_PGN_DB_c& db_ = qv_n2k_pgn_db;  // the program has one selection of units
+    core::UnitSelection units_;
     Recording recording_;
     Assembler assembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
     Sink out_{STDOUT_FILENO};
@@ -63,9 +65,9 @@ class Decoding {
 
 std::unique_ptr<MessageWriter> Decoding::make_writer() {
     switch (options_.form) {
-        case DecodeOptions::Form::json: return make_json_writer(db_);
-        case DecodeOptions::Form::csv: return make_csv_writer(db_);
-        default: return make_text_writer(db_, options_.plain_numbers ? 2 : 0);
+        case DecodeOptions::Form::json: return make_json_writer(units_);
+        case DecodeOptions::Form::csv: return make_csv_writer(units_);
+        default: return make_text_writer(units_, options_.plain_numbers);
     }
 }
 
@@ -73,13 +75,10 @@ void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
     if (!start_) start_ = time;
     if (!allows(options_.pgns, msg.pgn) || !allows(options_.sources, msg.source)) return;
     const std::int64_t since_start = std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
-    constexpr std::int64_t time_stamp_unit = 10'000'000;  // nanoseconds
-    N2KMsg& stamped = const_cast<N2KMsg&>(msg);
-    stamped.time_stamp = static_cast<std::uint32_t>(since_start / time_stamp_unit);
-    const pgn_vistel::PgnDef* const row = pgn_vistel::find_pgn_def(msg.pgn);
+    const core::PgnDef* const row = core::find_pgn_def(msg.pgn);
     if (row == nullptr) unknown_.count(msg.pgn, msg.source);
     ++shown_;
-    writer_->write(out_, {msg, row, since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds});
+    writer_->write(out_, {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});
 }
 
 bool Decoding::report_problem() {
@@ -124,7 +123,7 @@ void Decoding::print_statistics() const {
 }
 
 int Decoding::run() {
-    if (!apply_units(db_, options_.units)) return EXIT_FAILED;
+    if (!apply_units(units_, options_.units)) return EXIT_FAILED;
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait

@@ -4,9 +4,8 @@
 #include <vector>
 
 #include "output/unit_names.h"
-#include "pgn_vistel/units.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -39,7 +38,7 @@ std::string concat(std::initializer_list<std::string_view> parts) {
 
 }  // namespace
 
-std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice) {
+std::string select_unit(UnitSelection& selection, std::string_view choice) {
     const std::size_t sign = choice.find('=');
     if (sign == choice.npos) return concat({"'", choice, "' is not of the form QUANTITY=UNIT"});
     const std::string_view name = choice.substr(0, sign);
@@ -60,24 +59,24 @@ std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice) {
         for (const UnitId u : units) names.push_back(unit_text(u));
         return concat({"no unit '", text, "' for ", row->label, "; there are: ", joined(names)});
     }
-    db.SelectUnit(row->quantity, found);
+    selection.select(row->quantity, found);
     return {};
 }
 
-std::string select_units(QV_N2K_PGN_DB_c& db, std::string_view name) {
+std::string select_units(UnitSelection& selection, std::string_view name) {
     if (name != "default" && name != "metric")
         return concat({"no set of units '", name, "'; there are: default, metric"});
-    for (DispDataType q = 0; q < quantity::count; ++q) db.SelectUnit(q, *available_units(q));
+    for (DispDataType q = 0; q < quantity::count; ++q) selection.select(q, *available_units(q));
     if (name == "metric")
-        for (const Choice& c : metric) db.SelectUnit(c.quantity, c.unit);
+        for (const Choice& c : metric) selection.select(c.quantity, c.unit);
     return {};
 }
 
-std::string select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options) {
+std::string select_units(UnitSelection& selection, const UnitOptions& options) {
     std::string wrong;
-    if (!options.set.empty()) wrong = select_units(db, options.set);
+    if (!options.set.empty()) wrong = select_units(selection, options.set);
     for (const std::string& unit : options.units)
-        if (wrong.empty()) wrong = select_unit(db, unit);
+        if (wrong.empty()) wrong = select_unit(selection, unit);
     return wrong;
 }
 

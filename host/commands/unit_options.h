@@ -4,15 +4,15 @@
 #include <string_view>
 #include <vector>
 
-#include "pgn_vistel/pgn_db.h"
+#include "pgn_vistel/core/units.h"
 
 namespace vistel {
 
-/// Applies "QUANTITY=UNIT" to the database's selection. Returns what is wrong, or an empty text.
-std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice);
+/// Applies "QUANTITY=UNIT" to the selection. Returns what is wrong, or an empty text.
+std::string select_unit(pgn_vistel::core::UnitSelection& selection, std::string_view choice);
 
 /// Applies a named choice for every quantity: "default" or "metric". Returns what is wrong, or an empty text.
-std::string select_units(QV_N2K_PGN_DB_c& db, std::string_view name);
+std::string select_units(pgn_vistel::core::UnitSelection& selection, std::string_view name);
 
 /// The units that a command line asks for.
 struct UnitOptions {
@@ -21,6 +21,6 @@ struct UnitOptions {
 };
 
 /// Applies both. Returns what is wrong, or an empty text.
-std::string select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options);
+std::string select_units(pgn_vistel::core::UnitSelection& selection, const UnitOptions& options);
 
 }  // namespace vistel

@@ -2,13 +2,13 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 
 namespace vistel {
 
-void Sink::put_slowly(std::string_view text) {
+void Sink::put(std::string_view text) {
     while (!text.empty()) {
         if (used_ == buffer_.size()) flush();
         const std::size_t count = std::min(text.size(), buffer_.size() - used_);
@@ -18,55 +18,9 @@ void Sink::put_slowly(std::string_view text) {
     }
 }
 
-void Sink::put(std::wstring_view text) {
-    constexpr std::size_t piece = 2048;
-    while (!text.empty()) {
-        const auto part = text.substr(0, piece);
-        commit(put_utf8(reserve(part.size() * utf8_most), part));
-        text.remove_prefix(part.size());
-    }
-}
-
-namespace {
-
-constexpr std::size_t number_size = 32;
-
-}  // namespace
-
-void Sink::put_number(std::uint64_t number) {
-    char* const at = reserve(number_size);
-    commit(std::to_chars(at, at + number_size, number).ptr);
-}
-
-void Sink::put_number(std::int64_t number) {
-    char* const at = reserve(number_size);
-    commit(std::to_chars(at, at + number_size, number).ptr);
-}
-
-void Sink::put_number(float number) {
-    char* const at = reserve(number_size);
-    commit(std::to_chars(at, at + number_size, number).ptr);
-}
-
-void Sink::put_number(double number) {
-    char* const at = reserve(number_size);
-    commit(std::to_chars(at, at + number_size, number).ptr);
-}
-
-void Sink::put_hex(const std::uint8_t* bytes, int count) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    char* at = reserve(2 * static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        *at++ = digits[bytes[i] >> 4];
-        *at++ = digits[bytes[i] & 15];
-    }
-    commit(at);
-}
-
 void Sink::flush() {
     const char* at = buffer_.data();
     std::size_t left = used_;
-    written_ += used_;
     used_ = 0;
     while (open_ && left > 0) {
         const ssize_t written = ::write(descriptor_, at, left);

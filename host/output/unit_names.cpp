@@ -3,9 +3,10 @@
 #include <algorithm>
 
 #include "output/unit_spellings.h"
-#include "output/utf8.h"
 
-using namespace pgn_vistel;
+namespace core = pgn_vistel::core;
+using core::DispDataType, core::UnitId;
+namespace unit = core::unit;
 
 namespace vistel {
 
@@ -27,12 +28,12 @@ std::string simplified(std::string_view text) {
 std::string unit_text(UnitId u) {
     if (u == unit::clock_12) return "12h";
     if (u == unit::clock_24) return "24h";
-    return utf8_of(unit_name(u));
+    return std::string(core::unit_text(u));
 }
 
 std::vector<UnitId> offered_units(DispDataType q) {
     std::vector<UnitId> units;
-    for (const UnitId* u = available_units(q); *u < unit::count; ++u) units.push_back(*u);
+    for (const UnitId* u = core::available_units(q); *u < unit::count; ++u) units.push_back(*u);
     return units;
 }
 

@@ -3,10 +3,16 @@
 #include <memory>
 
 #include "output/sink.h"
-#include "output/timed_message.h"
-#include "pgn_vistel/pgn_db.h"
+#include "pgn_vistel/core/render.h"
 
 namespace vistel {
+
+/// A message on its way to an output.
+struct TimedMessage {
+    const N2KMsg& msg;
+    const pgn_vistel::core::PgnDef* pgn;  ///< null when it is not catalogued
+    pgn_vistel::core::MessageTime time;
+};
 
 /// One form of output. Nothing is allocated for a message.
 class MessageWriter {
@@ -16,14 +22,14 @@ class MessageWriter {
     virtual void write(Sink& out, const TimedMessage& message) = 0;
 };
 
-/// The lines of the monitor: a message's own, then its fields indented by four blanks. `flags`: see
-/// `QV_N2K_PGN_DB_c::get_field_str`.
-std::unique_ptr<MessageWriter> make_text_writer(QV_N2K_PGN_DB_c& db, unsigned long flags);
+/// The lines of the monitor: a message's own, then its fields indented by four blanks. `plain_numbers`: without
+/// their hexadecimal form.
+std::unique_ptr<MessageWriter> make_text_writer(const pgn_vistel::core::UnitSelection& units, bool plain_numbers);
 
 /// One JSON object a line.
-std::unique_ptr<MessageWriter> make_json_writer(QV_N2K_PGN_DB_c& db);
+std::unique_ptr<MessageWriter> make_json_writer(const pgn_vistel::core::UnitSelection& units);
 
 /// One row a field, with a header.
-std::unique_ptr<MessageWriter> make_csv_writer(QV_N2K_PGN_DB_c& db);
+std::unique_ptr<MessageWriter> make_csv_writer(const pgn_vistel::core::UnitSelection& units);
 
 }  // namespace vistel

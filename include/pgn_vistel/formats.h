@@ -1,22 +1,30 @@
 #pragma once
 
 /// @file
-/// Data formats: raw bits to values and back.
+/// Data formats and dictionary entries as the exported interface has them: raw bits to values and back.
 
 #include <cstdint>
+#include <span>
 
 #include "pgn_vistel/conv_value.h"
-#include "pgn_vistel/units.h"
+#include "pgn_vistel/core/ids.h"
 
 namespace pgn_vistel {
 
+using core::DF;
+using core::DispDataType;
+using core::UnitId;
+namespace unit = core::unit;
+namespace quantity = core::quantity;
+
 /// Turns the raw bytes of a field into a value in a unit.
 ///
-/// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. A
-/// number of 3 bytes is read as 4. `unit` is a `UnitId` or one of the pseudo units raw_count and raw_bits; a
-/// unit that a numeric format does not serve gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it
-/// receives the number of bytes that the field takes. On entry it says how many bytes a bit field, a fixed
-/// text or a hex dump has.
+/// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. `unit` is
+/// a `UnitId` or one of the pseudo units raw_count and raw_bits; a unit that a numeric format does not serve
+/// gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it receives the number of bytes that the field
+/// takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has.
+///
+/// Texts are left in a static area of the format's conversion, so one thread at a time may convert.
 using ConvFunction = void (*)(ConvValue* out, const void* raw, UnitId unit, int* count);
 
 /// The way back: reads a typed, terminated text as a number in `unit` and stores the raw value of a field.
@@ -42,19 +50,27 @@ struct DFDef {
     ParseFunction parse;  ///< a typed text to the raw value; never null
 };
 
+/// One data dictionary entry as the field operations take it: how a field is encoded and what it means.
+struct DDDef {
+    std::uint32_t dd;     ///< number of the entry
+    const char* name;     ///< Latin-1
+    const DFDef* format;  ///< how the bits encode the value
+    /// @{ default size: one of them, or both 0 where the format or the value tells
+    std::uint16_t bytes, bits;
+    /// @}
+};
+
+static_assert(sizeof(void*) != 4 || (sizeof(DDDef) == 16 && sizeof(DFDef) == 16));
+
+/// @{ the whole tables, ascending
+std::span<const DFDef> all_format_rows();
+std::span<const DDDef> all_dictionary_rows();
+/// @}
+
 /// The conversion of a format, or null. Formats below 118 always have one.
 ConvFunction find_conversion(DF df);
 
-/// The conversion of a format that a self-described value may name, or null.
-ConvFunction find_self_described(DF df);
-
 /// Converts one field; see `QV_N2K_PGN_DB_c::conv_DF`.
 int convert_field(DF df, ConvValue* out, const void* raw, UnitId unit);
-
-/// Quantity of a format by the format's own list, or -1.
-DispDataType quantity_of_format(DF df);
-
-/// A format for a quantity, or 65535.
-DF format_of_quantity(DispDataType quantity);
 
 }  // namespace pgn_vistel

@@ -6,6 +6,13 @@
 #include "pgn_vistel/export.h"
 #include "pgn_vistel/n2k_msg.h"
 
+namespace pgn_vistel {
+struct SelectionAccess;
+namespace core {
+class UnitSelection;
+}
+}  // namespace pgn_vistel
+
 /// The PGN database: decodes and prints fields, PGN names, values and units, and keeps the user's choice of
 /// units. `qv_n2k_pgn_db` is the instance used wherever none is given.
 ///
@@ -13,7 +20,7 @@
 /// characters are written and the text is always terminated. Printers without a size argument assume 256
 /// characters (`print_val_unit*`: 513). Results are the number of characters written unless said otherwise.
 ///
-/// A unit argument is a `UnitId` (units.h). Nothing throws. Several operations use static text areas, so one
+/// A unit argument is a `UnitId` (core/ids.h). Nothing throws. Several operations use static text areas, so one
 /// thread at a time may decode or print; lookups and unit selection are safe beside each other only on that
 /// thread too.
 class PGN_VISTEL_API QV_N2K_PGN_DB_c {
@@ -38,7 +45,7 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     static int get_DispDataTypeX(int dd, const unsigned char* raw);
 
     /// Completes a field's own size (in `*bytes` and `*bits`, both 0 when it has none) from its dictionary
-    /// entry `dd` (a `DDDef*`). Either pointer may be null only together with the other.
+    /// entry `dd` (a `DDDef*`, formats.h). Either pointer may be null only together with the other.
     static void get_bytes_bits(unsigned long pgn, void* dd, int* bytes, int* bits);
 
     /// Number of the field that starts at a byte and bit (0..7) of the payload, or -1. Fields whose size only
@@ -137,7 +144,8 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     /// @}
 
   private:
-    int* sel_unit_;  // 66 units, one for each quantity
+    friend struct pgn_vistel::SelectionAccess;
+    pgn_vistel::core::UnitSelection* sel_unit_;
 };
 
 /// The instance that is used wherever none is given.

@@ -3,7 +3,7 @@
 
 #include <wx/log.h>
 
-#include "decode/exported_entry.h"
+#include "contract/exported_entry.h"
 #include "pgn_vistel/pgn_db.h"
 #include "platform/platform.h"
 #include "views/images.h"

@@ -3,10 +3,10 @@
 #include <wx/bmpbuttn.h>
 #include <wx/sizer.h>
 
-#include "decode/exported_entry.h"
+#include "contract/exported_entry.h"
 #include "pgn_vistel/pgn_tree.h"
 #include "pgn_vistel/unit_dlg.h"
-#include "pgn_vistel/units.h"
+#include "pgn_vistel/core/units.h"
 #include "platform/platform.h"
 #include "views/focus_ctrl.h"
 #include "views/images.h"
@@ -91,7 +91,7 @@ void PGN_VistelDlg_c::build(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long
     lay_out();
 
     tree_ = new PGN_VistelTree_c(this, &tree_control_, db, maxStreams, flags_);
-    tree_->SelectUnit(quantity::duration, unit::minutes);
+    tree_->SelectUnit(core::quantity::duration, core::unit::minutes);
     tree_->CollapseAll();  // new streams appear collapsed
     tree_->OnInit();
 

@@ -5,9 +5,12 @@
 #include <new>
 #include <optional>
 
-#include "decode/exported_entry.h"
+#include "contract/exported_entry.h"
+#include "contract/field_text.h"
+#include "contract/units.h"
+#include "contract/values.h"
+#include "pgn_vistel/core/render.h"
 #include "pgn_vistel/native_tree.h"
-#include "pgn_vistel/stream_lines.h"
 #include "platform/platform.h"
 #include "views/stream_table.h"
 #include "views/tree_control.h"
@@ -202,11 +205,11 @@ int PGN_VistelTree_c::PutMsg(N2KMsg* msg) {
         if (is_new) stream = state.add_stream(key);
         if (stream == nullptr) return -1;
 
-        const PgnDef* const pgn = find_pgn_def(msg->pgn);
-        wchar_t label[line_size];
-        print_stream_line(label, line_size, *msg, pgn);
+        const core::PgnDef* const pgn = core::find_pgn_def(msg->pgn);
+        wchar_t label[core::line_size];
+        core::print_stream_line(label, core::line_size, *msg, pgn);
         state.for_each_back_end(*stream, [&](TreeControl& tree, void* line) { tree.set_text(line, label); });
-        add_pgn_fields(const_cast<PgnDef*>(pgn), msg, wxTreeItemId(stream->toolkit_line),
+        add_pgn_fields(const_cast<core::PgnDef*>(pgn), msg, wxTreeItemId(stream->toolkit_line),
                        static_cast<_TREEITEM*>(stream->native_line));
         if (is_new && state.expand_new)
             state.for_each_back_end(*stream, [](TreeControl& tree, void* line) { tree.expand(line, true); });
@@ -236,9 +239,10 @@ void PGN_VistelTree_c::add_pgn_fields(void* pgnDef, N2KMsg* msg, wxTreeItemId it
     wxTreeItemId toolkit_cursor(toolkit != nullptr ? toolkit->first_child(item.GetID()) : nullptr);
     auto* native_cursor = static_cast<_TREEITEM*>(native != nullptr ? native->first_child(hItem) : nullptr);
 
-    wchar_t line[line_size];
-    StreamLines lines(*state_->db, static_cast<const PgnDef*>(pgnDef), *msg, state_->display_flags);
-    while (lines.next(line, line_size) >= 0) {
+    wchar_t line[core::line_size];
+    core::StreamLines lines(static_cast<const core::PgnDef*>(pgnDef), *msg, SelectionAccess::of(*state_->db),
+                            shared_scratch(), (state_->display_flags & plain_numbers) != 0);
+    while (lines.next(line, core::line_size) >= 0) {
         if (toolkit != nullptr) toolkit_cursor = insert_child(line, item, toolkit_cursor);
         if (native != nullptr) native_cursor = insert_child(line, hItem, native_cursor);
     }

@@ -6,7 +6,7 @@
 #include <memory>
 #include <new>
 
-#include "pgn_vistel/catalogue.h"
+#include "pgn_vistel/core/catalogue.h"
 #include "pgn_vistel/n2k_msg.h"
 
 namespace pgn_vistel {
@@ -23,7 +23,7 @@ struct StreamEntry {
 /// What tells the streams apart.
 struct StreamKey {
     explicit StreamKey(const N2KMsg& msg) : pgn(msg.pgn), source(msg.source) {
-        keyed = extract_stream_keys(pgn, msg.data, &keys[0], &keys[1], &keys[2], &keys[3]) != 0;
+        keyed = core::extract_stream_keys(pgn, msg.data, &keys[0], &keys[1], &keys[2], &keys[3]) != 0;
     }
 
     /// A key of 255 in the message matches every stored one; a stored 255 matches nothing else.

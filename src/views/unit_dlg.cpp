@@ -4,8 +4,8 @@
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 
-#include "decode/exported_entry.h"
-#include "pgn_vistel/units.h"
+#include "contract/exported_entry.h"
+#include "pgn_vistel/core/units.h"
 #include "platform/platform.h"
 
 using namespace pgn_vistel;
@@ -20,13 +20,13 @@ namespace {
 
 constexpr const char* default_title = "Unit Selection";
 constexpr long default_style = wxDEFAULT_DIALOG_STYLE | wxSTAY_ON_TOP;
-constexpr std::size_t choice_slots = quantity::count;
+constexpr std::size_t choice_slots = core::quantity::count;
 constexpr int choice_id = 48;  // of every row
 
 /// The unit at a position of a quantity's list, or -1 beyond its end.
-UnitId unit_at(DispDataType quantity, int position) {
-    const UnitId* const units = available_units(quantity);
-    for (int i = 0; units[i] < unit::count; ++i)
+core::UnitId unit_at(core::DispDataType quantity, int position) {
+    const core::UnitId* const units = core::available_units(quantity);
+    for (int i = 0; units[i] < core::unit::count; ++i)
         if (i == position) return units[i];
     return -1;
 }
@@ -93,13 +93,13 @@ void PGN_VistelUnitDlg_c::build() {
     choices_ = new wxComboBox* [choice_slots] {};
     auto* const grid = new wxFlexGridSizer(static_cast<int>(choice_slots), 2, 2, 5);
     std::size_t slot = 0;
-    for (const QuantityRow& row : quantity_rows()) {
+    for (const core::QuantityRow& row : core::quantity_rows()) {
         grid->Add(new wxStaticText(this, wxID_ANY, row.label), 0, wxALIGN_CENTER_VERTICAL | wxLEFT, 5);
         auto* const choice =
             new wxComboBox(this, choice_id, wxEmptyString, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0);
         choices_[slot++] = choice;
-        for (const UnitId* unit = available_units(row.quantity); *unit < unit::count; ++unit)
-            choice->Append(unit_name(*unit));
+        for (const core::UnitId* unit = core::available_units(row.quantity); *unit < core::unit::count; ++unit)
+            choice->Append(core::unit_name(*unit));
         grid->Add(choice, 1, wxEXPAND | wxALIGN_CENTER_VERTICAL, 0);
     }
     db2disp();
@@ -153,7 +153,7 @@ void PGN_VistelUnitDlg_c::AssignUnitChangeApply(void (*callback)()) {
 void PGN_VistelUnitDlg_c::db2disp() {
     if (choices_ == nullptr) return;
     wxComboBox** choice = choices_;
-    for (const QuantityRow& row : quantity_rows()) {
+    for (const core::QuantityRow& row : core::quantity_rows()) {
         const int selected = state_->db->GetSelectUnit(row.quantity);
         for (int i = 0; unit_at(row.quantity, i) >= 0; ++i) {
             if (unit_at(row.quantity, i) != selected) continue;
@@ -183,9 +183,9 @@ void PGN_VistelUnitDlg_c::OnButtonClose(wxCommandEvent&) {
 void PGN_VistelUnitDlg_c::OnButtonApply(wxCommandEvent&) {
     int applied = 0;
     wxComboBox** choice = choices_;
-    for (const QuantityRow& row : quantity_rows()) {
+    for (const core::QuantityRow& row : core::quantity_rows()) {
         // A text that was typed is no selection; its row keeps its unit.
-        const UnitId unit = unit_at(row.quantity, (*choice++)->GetSelection());
+        const core::UnitId unit = unit_at(row.quantity, (*choice++)->GetSelection());
         if (unit < 0) continue;
         state_->db->SelectUnit(row.quantity, unit);
         ++applied;
@@ -195,6 +195,6 @@ void PGN_VistelUnitDlg_c::OnButtonApply(wxCommandEvent&) {
 
 void PGN_VistelUnitDlg_c::OnButtonLDF(wxCommandEvent&) {
     // The first eight quantities alone, on purpose: the others keep what the user chose.
-    for (DispDataType q = 0; q <= quantity::elevation; ++q) state_->db->SelectUnit(q, *available_units(q));
+    for (core::DispDataType q = 0; q <= core::quantity::elevation; ++q) state_->db->SelectUnit(q, *core::available_units(q));
     db2disp();
 }

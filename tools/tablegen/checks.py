@@ -191,6 +191,6 @@ def check_entries(found, report):
         for bit, entry in enumerate(found.entries):
             if entry.value != 1 << bit:
                 report.add(entry.place, f"value {entry.value} where bit {bit} is due")
-    else:
+    elif not found.stored_order:
         # The same value twice is legal: the search takes the first, values between take the last.
         check_ascending(found.entries, "value", report, strict=False)

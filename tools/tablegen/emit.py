@@ -1,5 +1,7 @@
 """The C++ include fragments. Each is text for the inside of one initialiser or macro list."""
 
+from plans import format_lines, id_lines, make_plans, rule_lines, special_lines
+from powers import power_lines
 from tables import DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
@@ -9,45 +11,61 @@ PGN_CLOSING_ROW = '{25, 0, 0, 0, "", 0, 1, 7, 1},'
 
 def fragments(tables):
     """File name -> (source, lines) of every fragment."""
+    plans = make_plans(tables)
     formats = {row.df: row for row in tables.formats}
     format_index = {row.df: i for i, row in enumerate(catalogued(tables))}
     parsers = {row.df: row for row in tables.parsers}
     dictionary_index = {row.dd: i for i, row in enumerate(tables.dictionary)}
-    sets = sorted(tables.sets, key=lambda found: found.dd)
-    fields = sorted(tables.fields, key=lambda row: row.pgn)  # stable: order within a PGN stays
 
     def conversion_list(rows):
-        return [f"{{{row.df}, &{conversion(formats[row.df])}}}," for row in rows]
+        return [f"{{{row.df}, &{conversion(row.df, formats)}}}," for row in rows]
 
     result = {
         "pgn_table.inc": ("pgns.tsv", [*map(pgn_line, tables.pgns), PGN_CLOSING_ROW]),
+        "pgn_plans.inc": ("pgns.tsv", plans.pgn_lines),
+        "pgn_rules.inc": ("pgn_rules.tsv", rule_lines(tables)),
+        "special_fields.inc": ("special_fields.tsv", special_lines(tables)),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
-        "format_functions.inc": ("formats.tsv", filter(None, map(format_function, tables.formats))),
-        "format_table.inc": ("formats.tsv", [format_line(row, parsers[row.df])
+        "format_plans.inc": ("formats.tsv", format_lines(tables)),
+        "catalogued_formats.inc": ("formats.tsv", [f"{row.df}," for row in catalogued(tables)]),
+        "format_table.inc": ("formats.tsv", [format_line(row, parsers[row.df], formats)
                                              for row in catalogued(tables)]),
         "parser_units.inc": ("parsers.tsv", parser_units(tables.parsers)),
         "parser_table.inc": ("parsers.tsv", parser_lines(tables.parsers)),
         "unit_format_table.inc": ("unit_formats.tsv", [f"{{{row.unit}, {row.df}}},"
                                                        for row in tables.unit_formats]),
-        "df_conv_table.inc": ("formats.tsv", [f"&{conversion(formats[df])},"
+        "df_conv_table.inc": ("formats.tsv", [f"&{conversion(df, formats)},"
                                               for df in range(LAST_INDEXED_FORMAT + 1)]),
         "df_conv_list.inc": ("format_list.tsv", conversion_list(tables.format_list)),
-        "df_self_conv_list.inc": ("self_described.tsv", conversion_list(tables.self_described)),
         "format_class_table.inc": ("format_classes.tsv", [f"{{{row.df}, {getattr(row, 'class')}}},"
                                                           for row in tables.format_classes]),
-        "dictionary_table.inc": ("dictionary.tsv", [dictionary_line(row, format_index)
-                                                    for row in tables.dictionary]),
-        "field_table.inc": ("fields", [*(field_line(row, dictionary_index) for row in fields),
+        "dictionary_table.inc": ("dictionary.tsv", [
+            f"{{{row.dd}, {narrow(row.name)}, {row.df}, {row.size[0]}, {row.size[1]}}}," for row in tables.dictionary]),
+        "dictionary_formats.inc": ("dictionary.tsv", [
+            f"{{{row.dd}, {narrow(row.name)}, &format_table[{format_index[row.df]}], {row.size[0]}, {row.size[1]}}},"
+            for row in tables.dictionary]),
+        "table_sizes.inc": ("", [f"constexpr std::size_t dictionary_size = {len(tables.dictionary)};",
+                                 f"constexpr std::size_t format_count = {len(catalogued(tables))};"]),
+        "field_table.inc": ("fields", [*(field_line(row, dictionary_index) for row in plans.fields),
                                        FIELD_SENTINEL]),
+        "field_plans.inc": ("fields", plans.field_lines),
+        "text_pool.inc": ("", plans.pool.lines()),
         "repeat_set_table.inc": ("repeat_sets.tsv", map(repeat_set_line, tables.repeat_sets)),
         "unit_names.inc": ("units.tsv", [f"{wide(row.name)}," for row in tables.units]),
+        "unit_texts.inc": ("units.tsv", plans.unit_lines),
+        "unit_rule_names.inc": ("unit_factors.tsv", [f"{name}," for name in plans.rules]),
+        "unit_factors.inc": ("unit_factors.tsv", plans.rule_lines),
         "availability.inc": ("availability.tsv", [
             *(unit_row(row.units) for row in tables.availability), unit_row([])]),
         "quantity_rows.inc": ("quantities.tsv", [f"{{{narrow(row.label)}, {getattr(row, 'class')}}},"
                                                 for row in tables.quantities]),
-        "enum_pairs.inc": ("enums", [f"{{{entry.value}u, {narrow(entry.text)}}},"
-                                     for found in sets for entry in found.entries]),
-        "enum_sets.inc": ("enums", set_lines(sets)),
+        "enum_pairs.inc": ("enums", pair_lines(plans.sets)),
+        "enum_sets.inc": ("enums", set_lines(plans.sets)),
+        "enum_texts.inc": ("enums", plans.entry_lines),
+        "enum_plans.inc": ("enums", plans.set_lines),
+        "enum_index.inc": ("enums", plans.index_lines),
+        "pgn_vistel/core/ids.h": ("", id_lines(tables)),
+        **power_lines(),
     }
     classes = {row.dd: getattr(row, "class") for row in tables.disp_data_types}
     for low, high in DD_RANGES:
@@ -63,6 +81,7 @@ def write_fragments(tables, out):
         banner = f"// Generated by tools/tablegen from data/{source}; do not edit"
         content = "\n".join([banner, *lines, ""]).encode("ascii")
         path = out / name
+        path.parent.mkdir(parents=True, exist_ok=True)
         if not path.exists() or path.read_bytes() != content:
             path.write_bytes(content)
 
@@ -88,27 +107,20 @@ def stream_key_line(row):
     return f"{{{row.pgn}, {{{positions}}}, {{{masks}}}}},"
 
 
-def conversion(row):
-    return row.rule[1] if row.rule[0] == "special" else f"convert_df_{row.df}"
+def conversion(df, formats):
+    """The contract's conversion. Formats that share one by name have the same function."""
+    kind, name = formats[df].rule
+    if kind == "special" and name.startswith("convert_df_"):
+        return conversion(int(name.removeprefix("convert_df_")), formats)
+    if kind == "special":
+        df = next(row.df for row in formats.values() if row.rule == ("special", name))
+    return f"convert_df<{df}>"
 
 
-def format_function(row):
-    kind, detail = row.rule
-    if kind == "scaled":
-        return f"SCALED_FORMAT({row.df}, {row.kind}, {row.scale}, {detail})"
-    if kind == "listed":
-        return f"LISTED_FORMAT({row.df}, {row.kind}, {row.scale}, {', '.join(map(str, detail))})"
-    if kind == "any":
-        return f"OPEN_FORMAT({row.df}, {row.kind}, {row.scale})"
-    if kind == "integer":
-        return f"INTEGER_FORMAT({row.df}, {row.kind})"
-    return None
-
-
-def format_line(row, parser):
+def format_line(row, parser, formats):
     kind, detail = parser.rule
     parse = detail if kind == "special" else f"parse_numeric<{row.df}>"
-    return f'{{{row.df}, "DF{row.df:02}", &{conversion(row)}, &{parse}}},'
+    return f'{{{row.df}, "DF{row.df:02}", &{conversion(row.df, formats)}, &{parse}}},'
 
 
 def parser_units(parsers):
@@ -156,11 +168,6 @@ def constant(decimal, row):
     return literal(decimal) + ("" if row.kind in ("u48", "u64", "i64") else "f")
 
 
-def dictionary_line(row, format_index):
-    return (f"{{{row.dd}, {narrow(row.name)}, &format_table[{format_index[row.df]}], "
-            f"{row.size[0]}, {row.size[1]}}},")
-
-
 def field_line(row, dictionary_index):
     return (f"{{{row.pgn}, {row.field}, {narrow(row.label)}, {row.size[0]}, {row.size[1]}, "
             f"&dictionary[{dictionary_index[row.dd]}], {keys(row)}, 0}},")
@@ -175,12 +182,22 @@ def unit_row(units):
     return f"{{{', '.join(map(str, padded))}}},"
 
 
+def pair_lines(sets):
+    lines = []
+    for found in sets:
+        lines += [f"{{{entry.value}u, {narrow(entry.text)}}}," for entry in found.entries]
+        if found.stored_order:
+            lines.append("{0xFFFFFFFFu, nullptr},")
+    return lines
+
+
 def set_lines(sets):
+    """Sets in stored order are ended by a null text; their count is 0."""
     lines, offset = [], 0
     for found in sets:
         count = len(found.entries)
-        lines.append(f"{{{found.dd}, {found.kind}, &enum_pairs[{offset}], {count}}},")
-        offset += count
+        lines.append(f"{{{found.dd}, {found.kind}, &enum_pairs[{offset}], {0 if found.stored_order else count}}},")
+        offset += count + found.stored_order
     return lines
 
 

@@ -10,6 +10,7 @@ MAX_U32 = 0xFFFFFFFF
 MAX_PAYLOAD = 1785
 MAX_LABEL = 127  # characters of a label that the views keep
 MAX_NAME = 1023
+MAX_ENTRY = 120  # characters of an enumeration text, so that it fits one byte with its escapes
 NO_SELECTOR = 0x8000
 NO_KEY = 0x80008000
 DD_RANGES = ((0, 410), (2436, 2549), (10000, 10075))
@@ -67,6 +68,30 @@ def unit_name(cell):
     if not all(" " <= c <= "~" or "\xa0" <= c <= "\uffff" for c in cell):
         raise ValueError(f"'{cell}' has a character that a wide text of 16 bits cannot keep")
     return "" if cell == "-" else cell
+
+
+def identifier(cell):
+    if not re.fullmatch(r"[A-Za-z][A-Za-z0-9_]*", cell):
+        raise ValueError(f"'{cell}' is no name for code")
+    return cell
+
+
+def ascii_text(limit):
+    """A text that is the same bytes in every encoding that it leaves in."""
+    parse_text = text(limit)
+
+    def parse(cell):
+        if not cell.isascii():
+            raise ValueError(f"'{cell}' has a character outside ASCII")
+        return parse_text(cell)
+    return parse
+
+
+def factor(cell):
+    """The C++ literal of a unit's factor."""
+    if not re.fullmatch(DECIMAL, cell) or not 0 < float(cell) < 1e38:
+        raise ValueError(f"'{cell}' is not a positive decimal number")
+    return literal(cell) + "f"
 
 
 def choice(*words):
@@ -216,14 +241,14 @@ DF = number(0, 0xFFFE)  # 65535 ends the lists
 FIELD = number(1, 0xFFFF)
 CLASS = number(0, CLASS_COUNT - 1)
 KINDS = ("u8", "i8", "u16", "i16", "u24", "i24", "u32", "i32", "u64", "i64")
-KIND = choice(*KINDS)
+KIND = choice(*KINDS, "f32", "f64")  # a field as sent
 PARSED_KINDS = (*KINDS, "u48", "f32")
-LABEL = text(MAX_LABEL)
+LABEL = ascii_text(MAX_LABEL)
 
 KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
 FIELD_COLUMNS = {"pgn": PGN, "field": FIELD, "label": LABEL, "size": size, "dd": DD, **KEYS}
 COLUMNS = {
-    "pgns": {"pgn": PGN, "name": text(MAX_NAME), **KEYS, "priority": number(0, 7),
+    "pgns": {"pgn": PGN, "name": ascii_text(MAX_NAME), **KEYS, "priority": number(0, 7),
              "frames": choice("single", "multi"), "listed": choice("yes", "no")},
     "stream_keys": {"pgn": PGN, "key1": first_stream_key, "key2": stream_key,
                     "key3": stream_key, "key4": stream_key},
@@ -239,9 +264,19 @@ COLUMNS = {
     "format_list": {"df": DF},
     "self_described": {"df": DF},
     "format_classes": {"df": DF, "class": CLASS},
-    "units": {"unit": number(0, UNIT_COUNT - 1), "name": unit_name, "meaning": str},
-    "availability": {"class": CLASS, "units": offered_units, "quantity": str},
+    "units": {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "meaning": str},
+    "unit_factors": {"rule": identifier, "unit": number(0, UNIT_COUNT - 1), "factor": factor},
+    "availability": {"class": CLASS, "id": identifier, "units": offered_units, "quantity": str},
     "quantities": {"label": text(MAX_LABEL), "class": CLASS},
+    "ids": {"kind": choice("pgn", "dd", "df"), "number": number(0, MAX_PGN), "id": identifier},
+    "pgn_rules": {"pgn": PGN, "name": optional(ascii_text(MAX_NAME)),
+                  "walk": optional(choice("group_function", "proprietary")), "size": size,
+                  "pressure": optional(choice("air", "air-source-0"))},
+    "special_fields": {"pgn": optional(PGN), "field": optional(FIELD), "dd": DD,
+                       "label": optional(LABEL),
+                       "form": optional(choice("pgn_name", "database_version")),
+                       "quantity": optional(choice("format_inside", "format_before")),
+                       "shown": optional(choice("all", "own"))},
 }
 
 
@@ -288,14 +323,16 @@ def read_row(columns, cells, place, report):
 
 
 def read_sets(tables, data, name, report):
-    """Sets of texts: a line `set DD KIND NAME`, then `VALUE TEXT [guess]` lines."""
+    """Sets of texts: a line `set DD KIND NAME [stored_order]`, then `VALUE TEXT [guess]` lines."""
     sets = []
     lines = read_lines(tables, data, name, report)
     set_columns = {"set": str, "dd": DD, "kind": number(0, 5), "name": text(MAX_NAME, True)}
-    entry_columns = {"value": number(0, MAX_U32), "text": text(MAX_NAME)}
+    entry_columns = {"value": number(0, MAX_U32), "text": ascii_text(MAX_ENTRY)}
     for place, cells in lines:
         if cells[0] == "set":
-            sets.append(read_row(set_columns, cells, place, report))
+            stored_order = cells[4:] == ["stored_order"]
+            sets.append(read_row(set_columns, cells[:4] if stored_order else cells, place, report))
+            sets[-1].stored_order = stored_order
             sets[-1].entries = []
         elif not sets:
             report.add(place, "entry before the first set")

@@ -1,0 +1,107 @@
+#pragma once
+
+/// @file
+/// Fields of a message as values.
+///
+/// Everything here is reentrant: tables are constant, a selection of units is passed in and only read, texts
+/// lie in the payload or in the caller's scratch. Any number of threads decode side by side with a scratch
+/// each.
+
+#include <array>
+#include <cstdint>
+
+#include "pgn_vistel/core/catalogue.h"
+#include "pgn_vistel/core/units.h"
+#include "pgn_vistel/core/value.h"
+#include "pgn_vistel/n2k_msg.h"
+
+namespace pgn_vistel::core {
+
+/// Where a reader stands in a payload.
+struct PayloadPosition {
+    int byte = 0;  ///< from 0
+    int bit = 0;   ///< 0 .. 7, the lowest first
+
+    friend bool operator==(PayloadPosition, PayloadPosition) = default;
+};
+
+/// Payload bytes that count: the record's length, at most 1785.
+int payload_length(const N2KMsg& msg);
+
+/// Where reading puts the texts that it makes. What a field shows holds until the next field is read with the
+/// same scratch.
+///
+/// A short or medium text whose header cannot be shows the last good one of its format: each is kept here.
+struct TextScratch {
+    /// The last good text of a format.
+    template <int size>
+    struct Kept {
+        int count = 0;
+        Encoding encoding = Encoding::code_page;
+        std::array<std::uint8_t, size + 1> bytes;  ///< one more, for half a character
+    };
+    Kept<252> short_text;
+    Kept<N2K_MAX_PAYLOAD> medium_text;
+    std::array<char, 256> made;           ///< dates, clock times, hexadecimal dumps
+    std::array<std::uint8_t, 256> moved;  ///< the bytes of a text that does not start on a byte
+};
+
+/// One field cut out of a message and converted, not yet a text.
+struct FieldReading {
+    DispDataType quantity = quantity::no_quantity;  ///< what the field is a measure of
+    UnitId unit = unit::raw_count;                  ///< that the value is in
+    PayloadPosition next;                           ///< behind the field
+    bool cut_off = false;  ///< the message ends inside the number: the value is not available
+    Value value;
+};
+
+/// Cuts the field at `at` out of the message and converts it. `unit` above 139 or negative: the selected one.
+/// A field that starts inside the message ends with it; one beyond the end is read from the record as it is.
+FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at, const UnitSelection& units,
+                        UnitId unit, TextScratch& scratch);
+
+/// The number that an enumeration is asked for: the value's low bits, by its type.
+std::uint32_t enumeration_value(const Value& value);
+
+/// Walks the fields of one message in payload order: which row comes next, repeating groups, keyed variants,
+/// what is shown of proprietary messages, and where the rest of the payload stays undecoded.
+///
+///     MessageWalk walk(find_pgn_def(msg.pgn), msg);
+///     while (walk.next()) { ... read walk.field(), then walk.position = behind it ... }
+///     if (walk.has_undecoded_rest()) { ... show the payload as bytes ... }
+class MessageWalk {
+  public:
+    /// A walk that is over.
+    MessageWalk() = default;
+    /// `pgn` is the message's catalogue row, or null. The message must outlive the walk.
+    MessageWalk(const PgnDef* pgn, const N2KMsg& msg);
+
+    /// Goes to the next field; false when the walk has ended.
+    bool next();
+
+    /// @{ The field that `next` has gone to, and the round of its repeating group from 1, 0 outside.
+    const FieldDef& field() const;
+    int repeat() const;
+    /// @}
+
+    /// Whether the walk ended before the payload was covered.
+    bool has_undecoded_rest() const { return rest_; }
+
+    PayloadPosition position;  ///< the caller moves it behind the field that it has decoded
+
+  private:
+    friend struct Stepping;
+
+    const std::uint8_t* data_ = nullptr;
+    int length_ = 0;
+    std::uint16_t next_row_ = 0xFFFF;  // the row to look at next, or the one handed out
+    bool fresh_ = true;       // no field has been handed out yet
+    bool rest_ = false;
+    std::uint8_t filter_ = 0;  // of a proprietary message: which of a row's verdicts counts
+    int limit_ = 2048;         // field number that ends the walk
+    int round_ = 1;
+    PayloadPosition started_;        // where the handed-out field began
+    PayloadPosition group_started_;  // where the group's latest round began
+};
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,63 @@
+#pragma once
+
+/// @file
+/// Units and quantities, and a user's choice of units.
+
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "pgn_vistel/core/ids.h"
+
+namespace pgn_vistel::core {
+
+constexpr bool is_unit(UnitId u) {
+    return u >= 0 && u < unit::count;
+}
+/// Whether a quantity is one that a user can pick a unit for.
+constexpr bool is_quantity(DispDataType q) {
+    return q >= 0 && q < quantity::count;
+}
+
+/// @{ Name of a unit 0..139 (a few have none: ""); "" for any other number. The second one is UTF-8.
+const wchar_t* unit_name(UnitId unit);
+std::string_view unit_text(UnitId unit);
+/// @}
+
+/// Units that a quantity offers, the default first, ended by `unit::count`.
+const UnitId* available_units(DispDataType quantity);
+
+/// The unit that a quantity is shown in until the user picks another; `unit::raw_count` without a quantity.
+UnitId default_unit(DispDataType quantity);
+
+/// A quantity as users know it when they pick units.
+struct QuantityRow {
+    const char* label;      ///< for users
+    DispDataType quantity;  ///< what a unit is picked for
+};
+
+/// The quantities that a user picks a unit for, in the order of display.
+std::span<const QuantityRow> quantity_rows();
+
+/// A unit for each quantity: a value, copied and passed like any other. Decoding only reads it, so any number
+/// of threads may share one that nobody changes.
+class UnitSelection {
+  public:
+    UnitSelection();  ///< the default units
+
+    /// False where either is out of range. Any unit goes for any quantity; in one that the quantity does not
+    /// have, values are not available.
+    bool select(DispDataType q, UnitId u) {
+        if (!is_quantity(q) || !is_unit(u)) return false;
+        units_[static_cast<std::size_t>(q)] = u;
+        return true;
+    }
+
+    /// The unit of a quantity 0 .. 65, where 65 (no quantity) has `unit::raw_count`.
+    UnitId operator[](DispDataType q) const { return units_[static_cast<std::size_t>(q)]; }
+
+  private:
+    std::array<UnitId, quantity::no_quantity + 1> units_;
+};
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,120 @@
+#pragma once
+
+/// @file
+/// The value of a field.
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace pgn_vistel::core {
+
+/// What a `Value` holds.
+enum class ValueType : std::uint8_t {
+    single = 0,  ///< `f32`
+    real = 2,    ///< `f64`
+    u8 = 3,      ///< integers: of each width the top three codes mean "not available"
+    i8 = 4,
+    u16 = 5,
+    i16 = 6,
+    u32 = 7,
+    i32 = 8,
+    u64 = 9,
+    i64 = 10,
+    seconds = 11,  ///< `u32`, shown as h:mm:ss
+    text = 17,     ///< `text`
+    none = 20,     ///< not available
+};
+
+/// How the bytes of a text are to be read.
+enum class Encoding : std::uint8_t {
+    latin1,     ///< every byte is the character of the same number
+    code_page,  ///< the same but for four bytes: see `character_of`
+    utf16,      ///< units of two bytes, low byte first, at any address
+    wide,       ///< `wchar_t`
+};
+
+/// A text of a payload: a view, never terminated. It does not own what it shows.
+struct Text {
+    const void* data;
+    int count;  ///< characters, of UTF-16 units
+    Encoding encoding;
+};
+
+/// The character that a byte of a text off the bus stands for: the one of the same number, but for the euro
+/// sign, the Greek capital omega, OE and oe at 0x80, 0x81, 0x8C and 0x9C.
+constexpr char16_t character_of(std::uint8_t byte) {
+    switch (byte) {
+        case 0x80: return 0x20AC;
+        case 0x81: return 0x03A9;
+        case 0x8C: return 0x0152;
+        case 0x9C: return 0x0153;
+        default: return byte;
+    }
+}
+
+/// A field's value in some unit. Nothing in it is owned: a text lies in the payload or in the scratch that
+/// the field was read with.
+struct Value {
+    /// One member for each kind of number; all bits above it are copies of its sign, or 0.
+    union Number {
+        float f32;
+        double f64;
+        std::uint8_t u8;
+        std::int8_t i8;
+        std::uint16_t u16;
+        std::int16_t i16;
+        std::uint32_t u32;
+        std::int32_t i32;
+        std::uint64_t u64;
+        std::int64_t i64;
+    };
+
+    ValueType type = ValueType::none;
+    /// The rule of the unit has no number for it (kilograms): the value is not available, and whoever keeps
+    /// records of values keeps the number that was there.
+    bool is_left = false;
+    Number number{.u64 = no_number};
+    Text text{};
+
+    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  // a single precision NaN in the low half
+};
+
+constexpr bool is_integer(ValueType type) {
+    return type >= ValueType::u8 && type <= ValueType::i64;
+}
+
+/// Neither a reserved code of an integer type, nor a NaN, nor nothing.
+inline bool is_available(const Value& v) {
+    switch (v.type) {
+        case ValueType::single: return !std::isnan(v.number.f32);
+        case ValueType::real: return !std::isnan(v.number.f64);
+        case ValueType::u8: return v.number.u8 < 0xFD;
+        case ValueType::i8: return v.number.i8 < 0x7D;
+        case ValueType::u16: return v.number.u16 < 0xFFFD;
+        case ValueType::i16: return v.number.i16 < 0x7FFD;
+        case ValueType::u32:
+        case ValueType::seconds: return v.number.u32 < 0xFFFFFFFD;
+        case ValueType::i32: return v.number.i32 < 0x7FFFFFFD;
+        case ValueType::u64: return v.number.u64 < 0xFFFFFFFFFFFFFFFD;
+        case ValueType::i64: return v.number.i64 < 0x7FFFFFFFFFFFFFFD;
+        case ValueType::text: return true;
+        default: return false;
+    }
+}
+
+/// The integer of a value that holds one; of `u64` its bits.
+inline std::int64_t integer_of(const Value& v) {
+    switch (v.type) {
+        case ValueType::u8: return v.number.u8;
+        case ValueType::i8: return v.number.i8;
+        case ValueType::u16: return v.number.u16;
+        case ValueType::i16: return v.number.i16;
+        case ValueType::u32:
+        case ValueType::seconds: return v.number.u32;
+        case ValueType::i32: return v.number.i32;
+        default: return v.number.i64;
+    }
+}
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,114 @@
+#include "contract/parsers/inverse.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "contract/parsers/raw_kind.h"
+
+namespace pgn_vistel {
+
+namespace {
+
+/// What a conversion makes of a raw number.
+struct Probe {
+    ConvValue value{CV_NOT_AVAILABLE, {}};
+    int count;
+
+    template <class Number>
+    Probe(ConvFunction conversion, Number number, UnitId unit, int available) {
+        // A value whose format stands before it is read from two bytes ahead.
+        constexpr int ahead = 2, size = 16;
+        std::uint8_t raw[ahead + size] = {};
+        std::memcpy(raw + ahead, &number, sizeof number);
+        count = std::min(available, size);
+        conversion(&value, raw + ahead, unit, &count);
+    }
+    float number() const { return conv_to_float(value); }
+};
+
+float quotient(float value, float p0, float p1, double factor) {
+    return static_cast<float>(factor * (double{value} - p0) / (double{p1} - p0));
+}
+
+int invert_float(void* out, float value, UnitId unit, int available, ConvFunction conversion) {
+    const Probe zero(conversion, 0.0f, unit, available);
+    if (zero.value.type != CV_FLOAT) return -1;
+    const Probe one(conversion, 1.0f, unit, available);
+    const float raw = quotient(value, zero.number(), one.number(), 1);
+    const int size = std::min({available, zero.count, int{sizeof raw}});
+    std::memcpy(out, &raw, static_cast<std::size_t>(size));
+    return size;
+}
+
+int invert_double(void* out, float value, UnitId unit, int available, ConvFunction conversion) {
+    const Probe zero(conversion, 0.0, unit, available);
+    if (zero.value.type != CV_DOUBLE) return -1;  // it is one as raw bits alone
+    const Probe one(conversion, 1.0, unit, available);
+    // Not a double: a single, and the number of the unit in its high half. Hosts know it so; whoever calls
+    // this has to take the first four bytes.
+    const struct {
+        float raw;
+        std::int32_t unit;
+    } field = {quotient(value, zero.number(), one.number(), 1), unit};
+    const int size = std::min(available, int{sizeof field});
+    std::memcpy(out, &field, static_cast<std::size_t>(size));
+    return size;
+}
+
+int invert_linear(void* out, float value, UnitId unit, int available, ConvFunction conversion, int bits) {
+    if (std::isnan(value)) return -1;
+    const Probe zero(conversion, std::uint32_t{0}, unit, available);
+    constexpr int most = 126;
+    const int width = 8 * std::clamp(zero.count, 0, most) - 2;
+    bits = std::min({bits > 0 ? bits : most, width, 30});
+    const float p0 = zero.number();
+    if (std::isnan(p0) || bits < 0) return -1;
+    const Probe high(conversion, std::uint32_t{1} << bits, unit, available);
+    const float p1 = high.number();
+    if (std::isnan(p1)) return -1;
+
+    // Twice the number, so that the lowest bit says how to round. Positive numbers go to the nearest one;
+    // negative ones go down whenever the cut left them odd, so that half a count too far is possible there.
+    const float twice = quotient(value, p0, p1, 2);
+    std::int64_t doubled = truncate_64(static_cast<float>(std::ldexp(twice, bits)));
+    if (doubled > 0) ++doubled;
+    const std::int64_t raw = doubled >> 1;
+    const int size = std::min({zero.count, available, int{sizeof raw}});
+    std::memcpy(out, &raw, static_cast<std::size_t>(size));
+    return size;
+}
+
+}  // namespace
+
+float conv_to_float(const ConvValue& v) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    if (!is_available(v)) return nan;
+    switch (v.type) {
+        case CV_FLOAT:
+        case CV_FLOAT_PLAIN: return v.value.f32;
+        case CV_DOUBLE: return static_cast<float>(v.value.f64);
+        case CV_U8: return v.value.u8;
+        case CV_I8: return v.value.i8;
+        case CV_CHAR: return raw::i8::is_refused(v.value.i8) ? nan : v.value.i8;
+        case CV_U16: return v.value.u16;
+        case CV_I16: return v.value.i16;
+        case CV_U32:
+        case CV_TIME_OF_DAY: return static_cast<float>(v.value.u32);
+        case CV_I32: return static_cast<float>(v.value.i32);
+        case CV_U64: return static_cast<float>(v.value.u64);
+        case CV_I64: return static_cast<float>(v.value.i64);
+        default: return nan;
+    }
+}
+
+int value_to_raw(void* out, float value, UnitId unit, int available, ConvFunction conversion, int bits) {
+    if (out == nullptr || conversion == nullptr || available <= 0) return -1;
+    if (conversion == find_conversion(61)) return invert_float(out, value, unit, available, conversion);
+    if (conversion == find_conversion(62)) return invert_double(out, value, unit, available, conversion);
+    return invert_linear(out, value, unit, available, conversion, bits);
+}
+
+}  // namespace pgn_vistel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "contract/raw.h"
+
+namespace pgn_vistel {
+
+/// Cuts off the fraction. A number that 64 bits cannot hold, a NaN included, becomes the lowest of all: what
+/// the processor makes of it, while C++ leaves it open. Cut to fewer bits that is 0.
+inline std::int64_t truncate_64(double number) {
+    return number >= -0x1p63 && number < 0x1p63 ? static_cast<std::int64_t>(number) : INT64_MIN;
+}
+
+/// The raw number of a kind, without its fraction; the code of "out of range" beyond the kind's limits.
+///
+/// Up to 24 bits the three reserved codes lie beyond the limits. With 32 bits the limits are those of the
+/// whole width; hosts know it so. A single has no figures for the top codes, so what is typed near them is
+/// rounded beyond the limit or falls below them. Neither limit refuses a NaN, which becomes 0.
+template <class Kind>
+std::int64_t saturate(float number) {
+    constexpr auto top = static_cast<std::int64_t>(Kind::top);
+    constexpr bool is_signed = std::is_signed_v<typename Kind::Value>;
+    constexpr auto low = static_cast<float>(is_signed ? -top - 1 : 0);
+    constexpr auto beyond = static_cast<float>(Kind::bytes < 4 ? top - 2 : top + 1);
+    if (number < low || number >= beyond) return top - 1;
+    using Value = typename Kind::Value;
+    return static_cast<Value>(truncate_64(number));
+}
+
+/// How a parser stores a number.
+struct RawKind {
+    ConvType type;
+    int bytes;
+    std::uint64_t unparsed;  ///< the code of "not available"
+    float unscanned;         ///< the number of a text that ends before one starts
+    std::int64_t (*to_raw)(double number);
+};
+
+namespace raw_kind {
+
+template <class Kind>
+constexpr RawKind saturating = {Kind::raw_type, Kind::bytes, static_cast<std::uint64_t>(Kind::top), 0,
+                                [](double number) { return saturate<Kind>(static_cast<float>(number)); }};
+
+// With 8 bytes there is no limit, and the number is not rounded to single precision on the way.
+template <class Kind>
+constexpr RawKind truncating = {Kind::raw_type, Kind::bytes, static_cast<std::uint64_t>(Kind::top), 0,
+                                truncate_64};
+
+inline constexpr const RawKind &u8 = saturating<raw::u8>, &i8 = saturating<raw::i8>,
+                               &u16 = saturating<raw::u16>, &i16 = saturating<raw::i16>,
+                               &u24 = saturating<raw::u24>, &i24 = saturating<raw::i24>,
+                               &u32 = saturating<raw::u32>, &i32 = saturating<raw::i32>,
+                               &u48 = truncating<raw::u48>, &u64 = truncating<raw::u64>,
+                               &i64 = truncating<raw::i64>;
+
+constexpr std::uint32_t no_float = 0x7FFFFFFF;  // a single precision NaN
+
+inline constexpr RawKind f32 = {
+    CV_FLOAT, 4, no_float, std::bit_cast<float>(no_float), [](double number) -> std::int64_t {
+        return std::isnan(number) ? no_float : std::bit_cast<std::uint32_t>(static_cast<float>(number));
+    }};
+
+}  // namespace raw_kind
+
+}  // namespace pgn_vistel

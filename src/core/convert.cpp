@@ -1,0 +1,424 @@
+#include "core/convert.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "core/clock_text.h"
+
+namespace pgn_vistel::core {
+
+namespace {
+
+std::int64_t low_bits(const RawField& raw, int count) {
+    return static_cast<std::int64_t>(raw.bits & ((std::uint64_t{1} << count) - 1));
+}
+
+float single_in(const RawField& raw) {
+    return std::bit_cast<float>(static_cast<std::uint32_t>(raw.bits));
+}
+
+double real_in(const RawField& raw) {
+    return std::bit_cast<double>(raw.bits);
+}
+
+// ---- unit rules beyond factors ----
+
+/// Beaufort force of a speed in knots; a bound belongs to the higher force, and so does a speed that is no
+/// number at all.
+int beaufort_force(float knots) {
+    constexpr float bounds[] = {1, 3, 6, 10, 16, 21, 27, 33, 40, 47, 55, 63};
+    int force = 0;
+    while (force < 12 && !(knots < bounds[force])) ++force;
+    return force;
+}
+
+void store_temperature(float kelvin, UnitId u, Value& out) {
+    const double celsius = static_cast<double>(kelvin) - static_cast<double>(273.15f);
+    switch (u) {
+        case unit::celsius: store_single(out, celsius); break;
+        case unit::fahrenheit: store_single(out, celsius * static_cast<double>(1.8f) + 32); break;
+        case unit::raw_count: store_single(out, kelvin); break;
+        default: store_none(out); break;
+    }
+}
+
+/// Every unit without a factor asks for a clock. Negative durations wrap around, as an unsigned count does.
+void store_clock_time(float seconds, UnitId u, TextScratch& scratch, Value& out) {
+    constexpr float limit = 9.0e18f;
+    const auto whole = static_cast<std::int64_t>(std::clamp(seconds, -limit, limit));
+    const int count = put_time_of_day(scratch.made.data(), static_cast<std::uint32_t>(whole), u);
+    store_text(out, scratch.made.data(), count, Encoding::latin1);
+}
+
+void store_date(std::uint16_t days, UnitId u, TextScratch& scratch, Value& out) {
+    const int count = put_date(scratch.made.data(), days, u);
+    if (count > 0)
+        store_text(out, scratch.made.data(), count, Encoding::latin1);
+    else
+        store_none(out);
+}
+
+// ---- readings ----
+
+/// Number, reserved codes, raw forms, resolution, unit.
+void convert_scaled(const FormatPlan& format, std::int64_t number, UnitId u, TextScratch& scratch, Value& out) {
+    const bool is_signed = format.is_signed != 0;
+    if (u == unit::raw_bits)
+        store_integer(out, integer_type(format.width, is_signed), number);
+    else if (is_refused(number, format.width, is_signed))
+        store_none(out);
+    else if (u == unit::raw_count)
+        store_single(out, format.width == 64 && !is_signed ? static_cast<double>(static_cast<std::uint64_t>(number))
+                                                           : static_cast<double>(number));
+    else
+        apply_unit_rule(format.rule,
+                        format.width == 64 && !is_signed
+                            ? static_cast<float>(static_cast<double>(static_cast<std::uint64_t>(number)) *
+                                                 static_cast<double>(format.scale))
+                            : scaled(number, format.scale),
+                        u, scratch, out);
+}
+
+/// Identifiers and counters keep their integer type, as a raw count too.
+void convert_integer(ValueType type, std::int64_t number, bool refused, UnitId u, Value& out) {
+    const bool as_sent = u == unit::raw_bits;
+    const bool served = as_sent || u == unit::raw_count || u == unit::plain_64 || u == unit::plain_65;
+    if (served && (as_sent || !refused))
+        store_integer(out, type, number);
+    else
+        store_none(out);
+}
+
+/// Positions keep double precision: single precision would be off by a metre.
+void convert_position(int width, UnitId own_unit, double degrees, const RawField& raw, UnitId u, Value& out) {
+    const std::int64_t number = widened(raw.bits, width, true);
+    if (u == unit::raw_bits) {
+        store_integer(out, integer_type(width, true), number);
+    } else if (is_refused(number, width, true)) {
+        store_none(out);
+    } else if (u == unit::raw_count) {
+        store_real(out, static_cast<double>(number));
+    } else if (u == own_unit) {
+        store_real(out, static_cast<double>(number) * degrees);
+    } else {
+        store_none(out);
+        out.number.u64 = 0x7FFFFFFFFFFFFFFF;  // here the NaN is a double
+    }
+}
+
+constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
+constexpr double degrees_per_count_64 = 1e-16;
+
+void convert_float_angle(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
+    const float radians = single_in(raw);
+    if (u == unit::raw_bits)
+        store_single(out, static_cast<double>(radians));  // as an angle's raw count, but a NaN goes through
+    else if (std::isnan(radians))
+        store_none(out);
+    else
+        apply_unit_rule(UnitRule::angle_rad, radians, u, scratch, out);
+}
+
+void convert_float_plain(const RawField& raw, UnitId u, Value& out) {
+    const float value = single_in(raw);
+    if (u != unit::raw_bits && std::isnan(value))
+        store_none(out);
+    else
+        store_single(out, static_cast<double>(value));
+}
+
+void convert_double_distance(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
+    const double metres = real_in(raw);
+    if (u == unit::raw_bits) {
+        store_real(out, metres);
+    } else if (std::isnan(metres)) {
+        store_none(out);
+    } else if (u == unit::raw_count) {
+        store_single(out, metres);
+    } else {
+        const double single = static_cast<double>(static_cast<float>(metres));
+        apply_unit_rule(UnitRule::length_cm, static_cast<float>(single * 100), u, scratch, out);
+    }
+}
+
+void convert_double_plain(const RawField& raw, UnitId u, Value& out) {
+    const double value = real_in(raw);
+    if (u == unit::raw_bits) {
+        store_real(out, value);
+    } else if (std::isnan(value)) {
+        store_none(out);
+    } else if (u == unit::raw_count) {
+        store_single(out, value);
+    } else {
+        // Tagged single, stored double: a reader of the tag sees the low half. The way back from text tells by
+        // it that only the raw form can be inverted.
+        store_real(out, value);
+        out.type = ValueType::single;
+    }
+}
+
+void convert_served_code(std::int64_t number, int width, bool served, UnitId u, Value& out) {
+    if (u == unit::raw_bits || (served && !is_refused(number, width, false)))
+        store_integer(out, integer_type(width, false), number);
+    else
+        store_none(out);
+}
+
+void convert_ac_power(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
+    // Zero power is sent as 2 GW. The raw form is signed, and the raw count has the offset taken off.
+    const auto number = static_cast<std::uint32_t>(raw.bits);
+    if (u == unit::raw_bits)
+        store_integer(out, ValueType::i32, static_cast<std::int32_t>(number));
+    else if (is_refused(number, 32, false))
+        store_none(out);
+    else
+        apply_unit_rule(UnitRule::power_w, static_cast<float>(static_cast<std::int32_t>(number - 2000000000u)), u,
+                        scratch, out);
+}
+
+/// A number with an offset, in a unit that its factor stands for.
+void convert_offset(const RawField& raw, std::int64_t offset, float factor, UnitId u, Value& out) {
+    const std::int64_t number = low_bits(raw, 16);
+    if (u == unit::raw_bits)
+        store_integer(out, ValueType::u16, number);
+    else if (factor == 0 || is_refused(number, 16, false))
+        store_none(out);
+    else
+        store_single(out, static_cast<double>(scaled(number - offset, factor)));
+}
+
+float offset_angle_factor(UnitId u) {
+    switch (u) {
+        case unit::deg: return 0.0078125f;
+        case unit::rad: return 0.00013635385f;
+        case unit::raw_count: return 1;
+        default: return 0;
+    }
+}
+
+void convert_run_time(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
+    const auto seconds = static_cast<std::uint32_t>(raw.bits);
+    if (u != unit::raw_bits && is_refused(seconds, 32, false))
+        store_none(out);
+    else if (u == unit::raw_bits || u == unit::raw_count || u == unit::seconds)
+        store_integer(out, ValueType::seconds, seconds);
+    else
+        apply_unit_rule(UnitRule::duration_s, static_cast<float>(seconds), u, scratch, out);
+}
+
+int convert_self_described(DF df, std::uint64_t bits, UnitId u, TextScratch& scratch, Value& out) {
+    const FormatPlan* const format = find_format_plan(df);
+    if (format != nullptr && format->described != 0) return convert(*format, {bits, 0, 0}, u, scratch, out);
+    store_none(out);
+    return -1;
+}
+
+// ---- texts ----
+
+enum SentEncoding : std::uint8_t { sent_utf16 = 0, sent_ascii = 1 };
+
+/// Keeps a text up to its end or its first zero. What `available` does not cover is zero.
+template <int size>
+void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8_t* text, int available, int most) {
+    const int step = encoding == sent_ascii ? 1 : 2;
+    const int bytes = std::clamp(available, 0, most * step);
+    std::memcpy(kept.bytes.data(), text, static_cast<std::size_t>(bytes));
+    kept.bytes[static_cast<std::size_t>(bytes)] = 0;  // the other half of a character that is cut
+    kept.encoding = encoding == sent_ascii ? Encoding::code_page : Encoding::utf16;
+    const auto is_zero = [&](int i) {
+        const std::uint8_t* const at = kept.bytes.data() + step * i;
+        return at[0] == 0 && (step == 1 || at[1] == 0);
+    };
+    const int whole = (bytes + step - 1) / step;
+    kept.count = 0;
+    while (kept.count < whole && !is_zero(kept.count)) ++kept.count;
+}
+
+template <int size>
+void store_kept(const TextScratch::Kept<size>& kept, Value& out) {
+    store_text(out, kept.bytes.data(), kept.count, kept.encoding);
+}
+
+int convert_short_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
+    constexpr int header = 2, most = 125, longest = 252;
+    const int length = available > 0 ? field[0] : 0;  // counts itself and the encoding byte
+    const int encoding = available > 1 ? field[1] : 0;
+    if (length >= header && length <= longest && encoding <= sent_ascii) {
+        const int room = encoding == sent_ascii ? length - header : (length - header) / 2;
+        keep(scratch.short_text, static_cast<SentEncoding>(encoding), field + header,
+             std::min(available, length) - header, std::min(room, most));
+    }
+    store_kept(scratch.short_text, out);
+    return length;
+}
+
+int convert_medium_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
+    constexpr int header = 3, most = 891;
+    const int length = (available > 0 ? field[0] : 0) | (available > 1 ? field[1] << 8 : 0);
+    const int encoding = available > 2 ? field[2] : 0;
+    if (length >= header && length <= N2K_MAX_PAYLOAD && encoding <= sent_ascii) {
+        // Of UTF-16 the last character is left out.
+        const int room = encoding == sent_ascii ? length - header : std::max((length - 2) / 2 - 1, 0);
+        keep(scratch.medium_text, static_cast<SentEncoding>(encoding), field + header, available - header,
+             std::min(room, most));
+    }
+    store_kept(scratch.medium_text, out);
+    return length;
+}
+
+void convert_fixed_text(const std::uint8_t* field, int length, Value& out) {
+    // Texts are padded with zeros or with 0xFF.
+    int count = 0;
+    while (count < length && field[count] != 0 && field[count] != 0xFF) ++count;
+    store_text(out, field, count, Encoding::latin1);
+}
+
+void convert_hex_dump(const std::uint8_t* field, int length, TextScratch& scratch, Value& out) {
+    constexpr int most = 84;  // bytes: 252 characters
+    constexpr char digits[] = "0123456789ABCDEF";
+    char* at = scratch.made.data();
+    for (int i = 0; i < std::min(length, most); ++i) {
+        *at++ = digits[field[i] >> 4];
+        *at++ = digits[field[i] & 15];
+        *at++ = ' ';
+    }
+    const int count = static_cast<int>(at - scratch.made.data());
+    store_text(out, scratch.made.data(), std::max(count - 1, 0), Encoding::latin1);  // less the last blank
+}
+
+}  // namespace
+
+void apply_unit_rule(UnitRule rule, float value, UnitId u, TextScratch& scratch, Value& out) {
+    const bool is_speed = rule == UnitRule::speed_mm_s || rule == UnitRule::speed_m_s;
+    if (is_speed && u == unit::bft) {
+        const float knots =
+            static_cast<float>(static_cast<double>(value) * static_cast<double>(unit_factor(rule, unit::kt)));
+        store_single(out, beaufort_force(knots));
+        return;
+    }
+    if (rule == UnitRule::temperature_k) {
+        store_temperature(value, u, out);
+    } else if (rule == UnitRule::mass_kg && (u == unit::kg || u == unit::raw_count)) {
+        store_none(out);
+        out.type = ValueType::single;
+        out.is_left = true;
+    } else if (const float factor = unit_factor(rule, u); factor != 0) {
+        store_single(out, static_cast<double>(value) * static_cast<double>(factor));
+    } else if (rule == UnitRule::duration_s) {
+        store_clock_time(value, u, scratch, out);
+    } else {
+        store_none(out);
+    }
+}
+
+int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
+    const auto integer = [&](int width) {
+        const std::int64_t number = widened(raw.bits, width, format.is_signed != 0);
+        convert_integer(integer_type(width, format.is_signed != 0), number,
+                        is_refused(number, width, format.is_signed != 0), u, out);
+        return width / 8;
+    };
+    switch (format.reading) {
+        case Reading::scaled:
+            convert_scaled(format, widened(raw.bits, format.width, format.is_signed != 0), u, scratch, out);
+            return format.width / 8;
+        case Reading::integer: return integer(format.width);
+        case Reading::undefined:
+            if (u == unit::raw_bits)
+                store_integer(out, ValueType::u32, low_bits(raw, 32));
+            else
+                store_none(out);
+            return 4;
+        case Reading::float_angle: convert_float_angle(raw, u, scratch, out); return 4;
+        case Reading::float_plain: convert_float_plain(raw, u, out); return 4;
+        case Reading::double_distance: convert_double_distance(raw, u, scratch, out); return 8;
+        case Reading::double_plain: convert_double_plain(raw, u, out); return 8;
+        case Reading::latitude_32: convert_position(32, unit::deg_lat, degrees_per_count_32, raw, u, out); return 4;
+        case Reading::longitude_32: convert_position(32, unit::deg_long, degrees_per_count_32, raw, u, out); return 4;
+        case Reading::latitude_64: convert_position(64, unit::deg_lat, degrees_per_count_64, raw, u, out); return 8;
+        case Reading::longitude_64: convert_position(64, unit::deg_long, degrees_per_count_64, raw, u, out); return 8;
+        case Reading::percent_absolute: convert_served_code(low_bits(raw, 8), 8, true, u, out); return 1;
+        case Reading::peukert:
+            // Exponents start at 1.0 and go up in steps of 0.002.
+            if (u == unit::raw_bits || is_refused(low_bits(raw, 8), 8, false))
+                convert_served_code(low_bits(raw, 8), 8, true, u, out);
+            else
+                store_single(out, u == unit::raw_count
+                                      ? static_cast<double>(low_bits(raw, 8))
+                                      : static_cast<double>(scaled(low_bits(raw, 8) + 500, 0.002f)));
+            return 1;
+        case Reading::salinity:
+            convert_served_code(low_bits(raw, 16), 16,
+                                u == unit::plain_66 || u == unit::raw_count || u == unit::ppm, u, out);
+            return 2;
+        case Reading::format_number: convert_served_code(low_bits(raw, 16), 16, true, u, out); return 2;
+        case Reading::device_address:
+            // Eight bytes of which 48 bits carry the value.
+            convert_integer(ValueType::u64, static_cast<std::int64_t>(raw.bits), raw.bits >= 0xFFFFFFFFFFFD, u, out);
+            return 8;
+        case Reading::ac_power: convert_ac_power(raw, u, scratch, out); return 4;
+        case Reading::power_factor:
+            convert_offset(raw, 16384, u == unit::raw_count ? 1.0f : 0x1p-14f, u, out);
+            return 2;
+        case Reading::offset_angle: convert_offset(raw, 25600, offset_angle_factor(u), u, out); return 2;
+        case Reading::date:
+            if (u == unit::raw_bits || is_refused(low_bits(raw, 16), 16, false))
+                convert_served_code(low_bits(raw, 16), 16, true, u, out);
+            else if (u == unit::raw_count || u == unit::days)
+                store_integer(out, ValueType::u16, low_bits(raw, 16));
+            else
+                store_date(static_cast<std::uint16_t>(raw.bits), u, scratch, out);
+            return 2;
+        case Reading::run_time: convert_run_time(raw, u, scratch, out); return 4;
+        case Reading::period_minutes:
+            // The code for "out of range" is handed on as the clock type's own, whatever the unit.
+            if (low_bits(raw, 16) == 0xFFFE)
+                store_integer(out, ValueType::seconds, 0xFFFFFFFE);
+            else
+                convert_scaled({format.df, Reading::scaled, 16, 0, UnitRule::duration_s, 60, 0}, low_bits(raw, 16), u,
+                               scratch, out);
+            return 2;
+        case Reading::bit_field: {
+            const int bytes = raw.bytes >= 1 && raw.bytes <= 8 ? raw.bytes : 8;
+            store_integer(out, ValueType::u64, widened(raw.bits, 8 * bytes, false));
+            return -1;
+        }
+        case Reading::ais_spare:
+        case Reading::can_frame_data:
+            store_integer(out, ValueType::u64, static_cast<std::int64_t>(raw.bits));
+            return -1;
+        case Reading::two_bit_state:
+            store_integer(out, ValueType::u8, low_bits(raw, 8) < 4 ? low_bits(raw, 8) : 255);
+            return 1;
+        case Reading::low_4_bits: store_integer(out, ValueType::u8, low_bits(raw, 4)); return -1;
+        case Reading::low_2_bits: store_integer(out, ValueType::u8, low_bits(raw, 2)); return -1;
+        case Reading::low_6_bits: store_integer(out, ValueType::u8, low_bits(raw, 6)); return -1;
+        case Reading::package_type: store_integer(out, ValueType::u16, low_bits(raw, 16)); return -1;
+        case Reading::can_frame_id: store_integer(out, ValueType::u32, low_bits(raw, 29)); return -1;
+        case Reading::self_described:
+            return convert_self_described(static_cast<DF>(raw.bits), raw.bits >> 16, u, scratch, out);
+        case Reading::self_described_before: return convert_self_described(raw.before, raw.bits, u, scratch, out);
+        case Reading::never_available: break;
+        case Reading::text_short:
+        case Reading::text_medium:
+        case Reading::text_fixed:
+        case Reading::hex_dump: break;  // of `convert_text`
+    }
+    store_none(out);
+    return -1;
+}
+
+int convert_text(const FormatPlan& format, const std::uint8_t* field, int available, int bytes,
+                 TextScratch& scratch, Value& out) {
+    switch (format.reading) {
+        case Reading::text_short: return convert_short_text(field, available, scratch, out);
+        case Reading::text_medium: return convert_medium_text(field, available, scratch, out);
+        case Reading::text_fixed: convert_fixed_text(field, std::min({bytes, available, N2K_MAX_PAYLOAD}), out); break;
+        default: convert_hex_dump(field, std::min(bytes, available), scratch, out); break;
+    }
+    return -1;
+}
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cfloat>
+#include <cstdint>
+
+#include "core/plan.h"
+#include "pgn_vistel/core/decode.h"
+
+// Otherwise a result would depend on what the compiler keeps in registers.
+static_assert(FLT_EVAL_METHOD == 0, "single precision must be computed as such");
+
+namespace pgn_vistel::core {
+
+/// The raw bits of a field, as a number whose bits beyond the field are 0.
+struct RawField {
+    std::uint64_t bits = 0;
+    std::uint16_t before = 0;  ///< the two bytes in front: the format of a value behind it stands there
+    int bytes = 0;             ///< that a bit field has; it takes 8 where this is not 1 .. 8
+};
+
+// What follows stores the value of a field in a unit, and returns the bytes that the field takes by its format,
+// or -1 where the format does not say. Units: see `FieldReading`.
+
+/// Formats of numbers and codes: all but those of texts.
+int convert(const FormatPlan& format, const RawField& raw, UnitId unit, TextScratch& scratch, Value& out);
+
+/// Formats of texts. `field` has `available` bytes, behind which there are zeros; `bytes` is the field's own
+/// size.
+int convert_text(const FormatPlan& format, const std::uint8_t* field, int available, int bytes,
+                 TextScratch& scratch, Value& out);
+
+/// Whether the quantity's rule goes on to a unit by a factor alone.
+inline float unit_factor(UnitRule rule, UnitId unit) {
+    if (!is_unit(unit)) return rule == UnitRule::any ? 1.0f : 0.0f;
+    return unit_factors[static_cast<std::size_t>(rule)][unit];
+}
+
+/// Takes a value from the rule's base unit to any unit. `unit::raw_count` keeps the base unit.
+void apply_unit_rule(UnitRule rule, float value, UnitId unit, TextScratch& scratch, Value& out);
+
+inline void store_none(Value& out) {
+    out.type = ValueType::none;
+    out.number.u64 = Value::no_number;
+}
+
+inline void store_single(Value& out, double value) {
+    out.type = ValueType::single;
+    out.number.f32 = static_cast<float>(value);
+}
+
+inline void store_real(Value& out, double value) {
+    out.type = ValueType::real;
+    out.number.f64 = value;
+}
+
+inline void store_integer(Value& out, ValueType type, std::int64_t value) {
+    out.type = type;
+    out.number.i64 = value;
+}
+
+inline void store_text(Value& out, const void* data, int count, Encoding encoding) {
+    out.type = ValueType::text;
+    out.text = {data, count, encoding};
+}
+
+/// The tag of an integer by its width (24 bits count as 32) and sign.
+constexpr ValueType integer_type(int width, bool is_signed) {
+    const int step = width <= 8 ? 0 : width <= 16 ? 2 : width <= 32 ? 4 : 6;
+    return static_cast<ValueType>(static_cast<int>(ValueType::u8) + step + (is_signed ? 1 : 0));
+}
+
+/// A number of up to 64 bits, with its sign in all bits.
+inline std::int64_t widened(std::uint64_t bits, int width, bool is_signed) {
+    const int unused = 64 - width;
+    const std::uint64_t high = bits << unused;
+    return is_signed ? static_cast<std::int64_t>(high) >> unused : static_cast<std::int64_t>(high >> unused);
+}
+
+/// NMEA 2000 reserves the top three codes of each width for "not available", "out of range" and "reserved";
+/// they are refused together.
+inline bool is_refused(std::int64_t number, int width, bool is_signed) {
+    const std::uint64_t top = ~std::uint64_t{0} >> (64 - width + (is_signed ? 1 : 0));
+    return is_signed ? number >= static_cast<std::int64_t>(top) - 2 : static_cast<std::uint64_t>(number) >= top - 2;
+}
+
+/// The scale is a single precision constant, applied in double precision and rounded once.
+inline float scaled(std::int64_t number, float factor) {
+    return static_cast<float>(static_cast<double>(number) * static_cast<double>(factor));
+}
+
+/// The bulk of all numbers; `convert` in line.
+inline int convert_quickly(const FormatPlan& format, const RawField& raw, UnitId unit, TextScratch& scratch,
+                           Value& out) {
+    if (format.reading != Reading::scaled || format.width == 64 || unit == unit::raw_bits || unit == unit::raw_count)
+        return convert(format, raw, unit, scratch, out);
+    const std::int64_t number = widened(raw.bits, format.width, format.is_signed != 0);
+    if (is_refused(number, format.width, format.is_signed != 0)) {
+        store_none(out);
+    } else {
+        const float base = scaled(number, format.scale);
+        const float factor = unit_factor(format.rule, unit);
+        // The product of two single precision numbers is exact in double precision: rounded once, on storing.
+        if (factor != 0)
+            store_single(out, static_cast<double>(base) * static_cast<double>(factor));
+        else
+            apply_unit_rule(format.rule, base, unit, scratch, out);
+    }
+    return format.width / 8;
+}
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,127 @@
+#include "core/parts.h"
+
+namespace pgn_vistel::core {
+
+namespace {
+
+/// Quoted only where a reader would trip over it; a quotation mark is doubled.
+char* write_cell(char* at, const Text& text) {
+    bool quoted = false;
+    for (int i = 0; i < text.count; ++i) {
+        const std::uint32_t c = unit_of(text, i);
+        quoted = quoted || c == '"' || c == ',' || c == '\r' || c == '\n';
+    }
+    if (quoted) *at++ = '"';
+    for_each_character(text, text.count, [&at](std::uint32_t c) {
+        if (c == '"') *at++ = '"';
+        at = write_utf8(at, c);
+    });
+    if (quoted) *at++ = '"';
+    return at;
+}
+
+/// Texts of the catalogue, which are ASCII.
+char* write_cell(char* at, std::string_view text) {
+    return write_cell(at, Text{text.data(), static_cast<int>(text.size()), Encoding::latin1});
+}
+
+char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
+    using Meaning = FieldParts::Meaning;
+    switch (parts.meaning) {
+        case Meaning::none: return at;
+        case Meaning::entry: return copy_blocks(at, text_pool + parts.entry->csv, parts.entry->csv_size);
+        case Meaning::word:
+        case Meaning::pgn_name: return write_cell(at, parts.word);
+        case Meaning::flags: break;
+    }
+    char area[part_limit + pool_slack];
+    Utf8Out texts(area);
+    put_flags(texts, plan.enumeration, enumeration_value(parts.reading.value));
+    return write_cell(at, std::string_view(area, static_cast<std::size_t>(texts.at() - area)));
+}
+
+/// A row behind the columns that it shares, without its end.
+char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts) {
+    at = copy_blocks(at, text_pool + plan.texts + plan.line_size + plan.json_size, plan.csv_size);
+    if ((plan.flags & numbered) != 0) {
+        at = write_text(at, " #");
+        at = write_unsigned(at, static_cast<unsigned>(round));
+        if ((plan.flags & quoted) != 0) *at++ = '"';
+        *at++ = ',';
+    }
+    if (parts.is_text)
+        at = write_cell(at, text_of(parts));
+    else if (char* const end = write_number(at, parts); end != nullptr)
+        at = end;
+    if (parts.unit >= 0) {
+        const UnitTexts& texts = unit_texts[parts.unit];
+        at = copy_blocks(at, text_pool + texts.csv, texts.csv_size);
+    } else {
+        at = write_text(at, ",,");
+    }
+    at = write_meaning(at, plan, parts);
+    *at++ = ',';
+    return at;
+}
+
+}  // namespace
+
+char* CsvRenderer::write_header(char* at) {
+    return write_text(at, "time,absolute,pgn,name,priority,source,destination,field,label,value,unit,text,raw\n");
+}
+
+void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
+    Renderer::start(msg, pgn);
+    any_ = false;
+    char* at = write_seconds(head_.data(), time.since_start);
+    *at++ = ',';
+    if (time.has_absolute) at = write_utc(at, time.absolute);
+    if (pgn != nullptr) {
+        const PgnPlan& plan = plan_of(*pgn);
+        at = copy_blocks(at, text_pool + plan.texts + plan.line_size + 1 + plan.json_size, plan.csv_size);
+    } else {
+        *at++ = ',';
+        at = write_unsigned(at, msg.pgn);
+        at = write_text(at, ",Unknown,");
+    }
+    for (const std::uint8_t number : {msg.priority, msg.source, msg.destination}) {
+        at = write_unsigned(at, number);
+        *at++ = ',';
+    }
+    head_size_ = static_cast<int>(at - head_.data());
+}
+
+char* CsvRenderer::write(char* at, char* limit) {
+    const Payload payload{msg_->data, payload_length(*msg_)};
+    const auto write_head = [this](char* to) {
+        return copy_blocks(to, head_.data(), static_cast<std::size_t>(head_size_));
+    };
+    if (stage_ == Stage::head) stage_ = Stage::fields;
+    while (stage_ == Stage::fields) {
+        if (static_cast<std::size_t>(limit - at) < piece_room) return at;
+        if (!Stepping::next(walk_)) {
+            stage_ = Stage::rest;
+            break;
+        }
+        const FieldPlan& plan = Stepping::plan(walk_);
+        const PayloadPosition from = walk_.position;
+        FieldParts parts;
+        read_parts(plan, walk_, payload, *walk_.field().dd, units_, scratch_, parts);
+        at = write_field(write_head(at), plan, Stepping::repeat(walk_), parts);
+        at = write_raw(at, payload, from, parts.reading.next);
+        *at++ = '\n';
+        any_ = true;
+    }
+    if (stage_ == Stage::rest) {
+        // A message must not vanish: the bytes that no field covers, or an empty row for an empty message.
+        if (walk_.has_undecoded_rest() || !any_) {
+            at = write_text(write_head(at), ",Data,,,,");
+            at = write_hex_bytes(at, payload.data, payload.length);
+            *at++ = '\n';
+        }
+        stage_ = Stage::over;
+    }
+    return at;
+}
+
+}  // namespace pgn_vistel::core

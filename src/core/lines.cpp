@@ -1,0 +1,204 @@
+#include "core/read.h"
+#include "core/value_text.h"
+#include "core/walk.h"
+#include "pgn_vistel/core/render.h"
+
+namespace pgn_vistel::core {
+
+namespace {
+
+constexpr int indent = 4;  // blanks in front of a label in the pool, which windows do not show
+constexpr int payload_byte = 3;  // characters of one: " 0F"
+
+constexpr std::string_view source_label = "Source Address: 0x";
+constexpr std::string_view global = "Destination: Global, pri=";
+constexpr std::string_view addressed = "Destination: 0x";
+
+/// "03 (3)"
+char* write_address(char* at, std::uint8_t address) {
+    at = write_hex_byte(at, address);
+    *at++ = ' ';
+    *at++ = '(';
+    at = write_unsigned(at, address);
+    *at++ = ')';
+    return at;
+}
+
+/// Seconds with two decimals, ten places wide.
+char* write_time_stamp(char* at, std::uint32_t hundredths) {
+    char* const start = at;
+    at = write_unsigned(at, hundredths / 100);
+    *at++ = '.';
+    at = write_pair(at, hundredths % 100);
+    while (at - start < 10) *at++ = ' ';
+    return at;
+}
+
+/// Number and name of a PGN without a row.
+char* write_unknown(char* at, std::uint32_t pgn) {
+    at = std::fill_n(at, 5, ' ');
+    for (std::uint32_t limit = 100'000; limit > 1 && pgn < limit; limit /= 10) *at++ = ' ';
+    at = write_unsigned(at, pgn);
+    constexpr std::string_view name = ", Unknown";
+    return at + name.copy(at, name.size());
+}
+
+template <class Out>
+void put_destination(Out& out, const N2KMsg& msg) {
+    constexpr std::uint8_t everyone = 255;
+    if (msg.destination == everyone) {
+        out.put(global);
+        out.put_number([&msg](char* at) { return write_unsigned(at, msg.priority); });
+    } else {
+        out.put(addressed);
+        out.put_number([&msg](char* at) { return write_address(at, msg.destination); });
+    }
+}
+
+template <class Out>
+void put_round(Out& out, int round) {
+    out.put(" #");
+    out.put_number([round](char* at) { return write_unsigned(at, static_cast<unsigned>(round)); });
+    out.put(": ");
+}
+
+/// Value and unit of the field that the walk has come to; the walk goes behind it.
+template <class Out>
+UnitId put_field(Out& out, const FieldPlan& plan, MessageWalk& walk, const Payload& payload, const FieldDef& row,
+                 const UnitSelection& units, TextScratch& scratch, bool plain_numbers) {
+    FieldReading reading;
+    read(FieldShape::of(plan), *row.dd, payload, walk.position, units, unit::selected, scratch, reading);
+    walk.position = reading.next;
+    if (reading.cut_off) {
+        out.put('-');
+        return reading.unit;
+    }
+    const Shown shown{plan.form, plan.enumeration, reading.quantity, reading.unit, plain_numbers};
+    return put_value(out, shown, reading.value) ? reading.unit : UnitId{unit::selected};
+}
+
+}  // namespace
+
+// ---- for windows ----
+
+int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* pgn) {
+    WideOut out(buf, size);
+    out.put_number([&msg](char* at) { return write_time_stamp(at, msg.time_stamp); });
+    if (pgn != nullptr && pgn->pgn == msg.pgn) {
+        const PgnPlan& plan = plan_of(*pgn);
+        out.put_pooled(text_pool + plan.texts, plan.line_size);
+    } else {
+        out.put_number([&msg](char* at) { return write_unknown(at, msg.pgn); });
+    }
+    return out.finish();
+}
+
+StreamLines::StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units, TextScratch& scratch,
+                         bool plain_numbers)
+    : msg_(msg), units_(units), scratch_(scratch), plain_numbers_(plain_numbers), walk_(pgn, msg) {}
+
+int StreamLines::next(wchar_t* buf, int size) {
+    WideOut out(buf, size);
+    switch (stage_) {
+        case Stage::source:
+            out.put(source_label);
+            out.put_number([this](char* at) { return write_address(at, msg_.source); });
+            stage_ = Stage::destination;
+            return out.finish();
+        case Stage::destination:
+            put_destination(out, msg_);
+            stage_ = Stage::fields;
+            return out.finish();
+        case Stage::fields: break;
+        case Stage::over: return -1;
+    }
+    const Payload payload{msg_.data, payload_length(msg_)};
+    if (Stepping::next(walk_)) {
+        const FieldPlan& plan = Stepping::plan(walk_);
+        out.put_pooled(text_pool + plan.texts + indent, static_cast<std::size_t>(plan.line_size - indent));
+        if ((plan.flags & numbered) != 0) put_round(out, Stepping::repeat(walk_));
+        const UnitId unit = put_field(out, plan, walk_, payload, walk_.field(), units_, scratch_, plain_numbers_);
+        if (unit >= 0) {
+            out.put(' ');
+            out.put(std::wstring_view(unit_name(unit)));
+        }
+        return out.finish();
+    }
+    stage_ = Stage::over;
+    if (!walk_.has_undecoded_rest()) return -1;
+    out.put("Data:");
+    for (int i = 0; i < payload.length && out.room() > 0; ++i) {
+        out.put(' ');
+        out.put_number([&](char* at) { return write_hex_byte(at, payload.data[i]); });
+    }
+    return out.finish();
+}
+
+// ---- UTF-8 ----
+
+void TextRenderer::start(const N2KMsg& msg, const PgnDef* pgn, std::uint32_t time_stamp) {
+    Renderer::start(msg, pgn);
+    time_stamp_ = time_stamp;
+}
+
+char* TextRenderer::write_head(char* at) const {
+    Utf8Out out(write_time_stamp(at, time_stamp_));
+    if (pgn_ != nullptr) {
+        const PgnPlan& plan = plan_of(*pgn_);
+        out.put_pooled(text_pool + plan.texts, plan.line_size);
+    } else {
+        out.put_number([this](char* to) { return write_unknown(to, msg_->pgn); });
+    }
+    out.put("\n    ");
+    out.put(source_label);
+    out.put_number([this](char* to) { return write_address(to, msg_->source); });
+    out.put("\n    ");
+    put_destination(out, *msg_);
+    out.put('\n');
+    return out.at();
+}
+
+char* TextRenderer::write(char* at, char* limit) {
+    if (stage_ == Stage::head) {
+        at = write_head(at);
+        stage_ = Stage::fields;
+    }
+    const Payload payload{msg_->data, payload_length(*msg_)};
+    while (stage_ == Stage::fields) {
+        if (static_cast<std::size_t>(limit - at) < piece_room) return at;
+        if (!Stepping::next(walk_)) {
+            stage_ = walk_.has_undecoded_rest() ? Stage::rest : Stage::over;
+            break;
+        }
+        const FieldPlan& plan = Stepping::plan(walk_);
+        Utf8Out out(at);
+        out.put_pooled(text_pool + plan.texts, plan.line_size);
+        if ((plan.flags & numbered) != 0) put_round(out, Stepping::repeat(walk_));
+        const UnitId unit = put_field(out, plan, walk_, payload, walk_.field(), units_, scratch_, plain_numbers_);
+        if (unit >= 0) {
+            const UnitTexts& texts = unit_texts[unit];
+            out.put_pooled(text_pool + texts.line, static_cast<std::size_t>(texts.line_size) + 1);  // and line end
+        } else {
+            out.put('\n');
+        }
+        at = out.at();
+    }
+    if (stage_ == Stage::rest) {
+        // A line of the monitor has its limit, in which the last byte may fit only in part.
+        Utf8Out out(at);
+        out.put("    Data:");
+        constexpr int room = line_size - 1 - static_cast<int>(sizeof("Data:") - 1);
+        char* const digits = out.at();
+        at = digits;
+        for (int i = 0; i < payload.length && i <= room / payload_byte; ++i) {
+            *at++ = ' ';
+            at = write_hex_byte(at, payload.data[i]);
+        }
+        at = std::min(at, digits + room);
+        *at++ = '\n';
+        stage_ = Stage::over;
+    }
+    return at;
+}
+
+}  // namespace pgn_vistel::core

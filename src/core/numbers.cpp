@@ -1,0 +1,265 @@
+#include "core/numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+namespace pgn_vistel::core {
+
+namespace {
+
+using detail::powers_of_ten;
+
+constexpr int general_size = 400;  // a double with all its digits before the point
+
+}  // namespace
+
+// ---- fixed point ----
+
+char* write_fixed(char* at, double value, int precision) {
+    char area[general_size];
+    if (std::signbit(value)) *at++ = '-';
+    const double magnitude = std::fabs(value);
+    const auto end = std::to_chars(area, area + general_size, magnitude, std::chars_format::fixed, precision).ptr;
+    std::memcpy(at, area, static_cast<std::size_t>(end - area));
+    return at + (end - area);
+}
+
+namespace {
+
+/// The rare values: infinite, or with more digits than a word holds.
+char* write_large(char* at, float value) {
+    if (!std::isinf(value)) return write_fixed(at, static_cast<double>(value), 0);
+    constexpr int width = 5;  // that the number of digits asks for
+    const bool negative = value < 0;
+    for (int i = negative ? 4 : 3; i < width; ++i) *at++ = ' ';
+    std::memcpy(at, negative ? "-inf" : "inf", 4);
+    return at + (negative ? 4 : 3);
+}
+
+}  // namespace
+
+char* write_significant(char* at, float value, int digits) {
+    const auto bits = std::bit_cast<std::uint32_t>(value);
+    const std::uint32_t exponent_field = bits >> 23 & 0xFF;
+    constexpr std::uint32_t exponent_of_2_pow_32 = 127 + 32;
+    if (exponent_field >= exponent_of_2_pow_32) [[unlikely]] return write_large(at, value);
+    if (static_cast<std::int32_t>(bits) < 0) *at++ = '-';
+
+    // The number is mantissa / 2^shift.
+    std::uint64_t mantissa = bits & 0x7FFFFF;
+    int shift = 149;
+    if (exponent_field != 0) {
+        mantissa |= 0x800000;
+        shift = 150 - static_cast<int>(exponent_field);
+    }
+    if (shift <= 0) {
+        const std::uint64_t number = mantissa << -shift;
+        at = write_unsigned(at, number);
+        if (digits < 8 || number >= powers_of_ten[7]) return at;  // from 2^23 on there are seven digits at least
+        std::memcpy(at, ".0", 2);
+        return at + 2;
+    }
+
+    const auto whole = shift < 32 ? static_cast<std::uint32_t>(mantissa >> shift) : 0u;
+    int precision = digits;
+    for (; precision > 0 && whole >= powers_of_ten[digits - precision]; --precision) {
+    }
+    // Times a power of ten it stays below 2^51; the part behind the binary point decides how to round.
+    const std::uint64_t product = mantissa * powers_of_ten[precision];
+    std::uint64_t rounded = 0;
+    if (shift < 64) {
+        rounded = product >> shift;
+        const std::uint64_t rest = product & ((std::uint64_t{1} << shift) - 1);
+        const std::uint64_t half = std::uint64_t{1} << (shift - 1);
+        rounded += rest > half || (rest == half && (rounded & 1) != 0);
+    }
+    if (precision == 0) return write_unsigned(at, rounded);
+    const std::uint64_t before = rounded / powers_of_ten[precision];
+    const auto behind = static_cast<std::uint32_t>(rounded - before * powers_of_ten[precision]);
+    at = write_unsigned(at, before);
+    *at = '.';
+    write_eight(at + 1, behind * powers_of_ten[8 - precision]);
+    return at + 1 + precision;
+}
+
+// ---- shortest form ----
+//
+// A number c * 2^q owns the interval up to the middles between it and its neighbours. Scaled by a power of ten
+// such that the interval is at least 2 and less than 20 wide, either a multiple of ten lies in it or the number
+// itself is rounded to a whole one. The power is taken from a table, with so many bits that the product, its
+// lowest bit standing for all that is cut off, compares as the exact one would.
+
+namespace {
+
+constexpr int floor_log10_pow2(int e) {
+    return (e * 1262611) >> 22;
+}
+/// Of three quarters of 2^e.
+constexpr int floor_log10_three_quarters_pow2(int e) {
+    return (e * 1262611 - 524031) >> 22;
+}
+constexpr int floor_log2_pow10(int e) {
+    return (e * 1741647) >> 19;
+}
+
+constexpr int first_single_power = -31;
+constexpr std::uint64_t single_powers[] = {
+#include "powers_single.inc"
+};
+
+struct Power {
+    std::uint64_t high, low;
+};
+constexpr int first_double_power = -30;
+constexpr Power double_powers[] = {
+#include "powers_double.inc"
+};
+
+struct Decimal {
+    std::uint64_t digits;
+    int exponent;
+};
+
+/// What a width of floating numbers needs of the search for the shortest decimal.
+struct Single {
+    using Bits = std::uint32_t;
+    static constexpr int mantissa_bits = 23, bias = 150;
+
+    static bool has_power(int e) {
+        return e >= first_single_power && e < first_single_power + static_cast<int>(std::size(single_powers));
+    }
+    /// number * 10^e, cut to a whole number whose lowest bit also stands for what was cut off.
+    static Bits scaled(int e, Bits number) {
+#ifdef __SIZEOF_INT128__
+        __extension__ typedef unsigned __int128 uint128;
+        const auto product = static_cast<uint128>(single_powers[e - first_single_power]) * number;
+        const auto whole = static_cast<Bits>(product >> 64);
+        const auto rest = static_cast<Bits>(product >> 32);
+#else
+        const std::uint64_t power = single_powers[e - first_single_power];
+        const std::uint64_t low = (power & 0xFFFFFFFF) * number;
+        const std::uint64_t high = (power >> 32) * number + (low >> 32);
+        const auto whole = static_cast<Bits>(high >> 32);
+        const auto rest = static_cast<Bits>(high);
+#endif
+        return whole | (rest > 1);
+    }
+};
+
+#ifdef __SIZEOF_INT128__
+struct Double {
+    using Bits = std::uint64_t;
+    static constexpr int mantissa_bits = 52, bias = 1075;
+
+    static bool has_power(int e) {
+        return e >= first_double_power && e < first_double_power + static_cast<int>(std::size(double_powers));
+    }
+    static Bits scaled(int e, Bits number) {
+        __extension__ typedef unsigned __int128 uint128;
+        const Power& power = double_powers[e - first_double_power];
+        const auto low = static_cast<uint128>(power.low) * number;
+        const auto product = static_cast<uint128>(power.high) * number + static_cast<std::uint64_t>(low >> 64);
+        return static_cast<Bits>(product >> 64) | (static_cast<Bits>(product) > 1);
+    }
+};
+#endif
+
+/// Of a positive number. False where the table does not reach.
+template <class Width>
+bool find_shortest(typename Width::Bits bits, Decimal& found) {
+    using Bits = typename Width::Bits;
+    const Bits fraction = bits & ((Bits{1} << Width::mantissa_bits) - 1);
+    const auto exponent_field = static_cast<int>(bits >> Width::mantissa_bits);
+    const bool is_normal = exponent_field != 0;
+    const Bits c = is_normal ? fraction | Bits{1} << Width::mantissa_bits : fraction;
+    const int q = (is_normal ? exponent_field : 1) - Width::bias;
+
+    const bool is_even = (c & 1) == 0;  // the ends of the interval belong to it
+    const bool lower_is_closer = fraction == 0 && exponent_field > 1;
+    const int k = lower_is_closer ? floor_log10_three_quarters_pow2(q) : floor_log10_pow2(q);
+    if (!Width::has_power(-k)) return false;
+    const int h = q + floor_log2_pow10(-k) + 1;
+
+    const Bits low = Width::scaled(-k, (4 * c - 2 + (lower_is_closer ? 1 : 0)) << h) + (is_even ? 0 : 1);
+    const Bits middle = Width::scaled(-k, (4 * c) << h);
+    const Bits high = Width::scaled(-k, (4 * c + 2) << h) - (is_even ? 0 : 1);
+    const Bits s = middle / 4;
+    if (s >= 10) {
+        const Bits tens = s / 10;
+        const bool down = low <= 40 * tens;
+        const bool up = 40 * tens + 40 <= high;
+        if (down != up) {
+            found = {tens + (up ? 1 : 0), k + 1};
+            return true;
+        }
+    }
+    const bool down = low <= 4 * s;
+    const bool up = 4 * s + 4 <= high;
+    const bool nearer_up = middle > 4 * s + 2 || (middle == 4 * s + 2 && (s & 1) != 0);
+    found = {s + (down != up ? up : nearer_up), k};
+    return true;
+}
+
+int count_digits(std::uint64_t number) {
+    int count = 1;
+    for (std::uint64_t limit = 10; count < 19 && number >= limit; limit *= 10) ++count;
+    return count;
+}
+
+/// Below this every integer is a number of the width, so that the digits with zeros behind are exact.
+template <class Width>
+constexpr double exact_integers = static_cast<double>(std::uint64_t{1} << (Width::mantissa_bits + 1));
+
+template <class Width, class Float>
+char* write_shortest_of(char* at, Float value) {
+    char* const start = at;
+    const auto general = [start, value] { return std::to_chars(start, start + most_number_size, value).ptr; };
+    if (std::signbit(value)) *at++ = '-';
+    const Float magnitude = std::fabs(value);
+    if (magnitude == 0) {
+        *at = '0';
+        return at + 1;
+    }
+    Decimal d;
+    if (!find_shortest<Width>(std::bit_cast<typename Width::Bits>(magnitude), d)) return general();
+    for (; d.digits % 10 == 0; d.digits /= 10) ++d.exponent;
+    const int count = count_digits(d.digits);
+    // Fixed point, unless the scientific form is shorter.
+    const int single = count == 1 ? 1 : 0;
+    const bool is_fixed = d.exponent >= -(count + 3) + single && d.exponent <= 5 - single;
+    if (!is_fixed || (d.exponent > 0 && static_cast<double>(magnitude) >= exact_integers<Width>)) return general();
+
+    if (d.exponent >= 0) {
+        at = write_unsigned(at, d.digits);
+        for (int i = 0; i < d.exponent; ++i) *at++ = '0';
+        return at;
+    }
+    const int behind = -d.exponent;
+    if (count <= behind) {
+        std::memcpy(at, "0.000000", 8);
+        return write_unsigned(at + 2 + behind - count, d.digits);
+    }
+    char* const end = write_unsigned(at, d.digits);
+    std::memmove(end - behind + 1, end - behind, static_cast<std::size_t>(behind));
+    end[-behind] = '.';
+    return end + 1;
+}
+
+}  // namespace
+
+char* write_shortest(char* at, float value) {
+    return write_shortest_of<Single>(at, value);
+}
+
+char* write_shortest(char* at, double value) {
+#ifdef __SIZEOF_INT128__
+    return write_shortest_of<Double>(at, value);
+#else
+    // A processor of 32 bits has no product of 128.
+    return std::to_chars(at, at + most_number_size, value).ptr;
+#endif
+}
+
+}  // namespace pgn_vistel::core

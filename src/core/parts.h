@@ -1,0 +1,125 @@
+#pragma once
+
+#include <algorithm>
+
+#include "core/read.h"
+#include "core/value_text.h"
+#include "core/walk.h"
+#include "pgn_vistel/core/render.h"
+
+namespace pgn_vistel::core {
+
+/// One field for outputs that want its parts instead of a line.
+struct FieldParts {
+    FieldReading reading;
+    bool available = false;
+    bool is_text = false;  ///< the value is a text
+    int unit = -1;         ///< none beside a text of the catalogue
+
+    /// What the value means, as a text beside it.
+    enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning = Meaning::none;
+    const EntryTexts* entry = nullptr;
+    std::string_view word;  ///< of `word` and `pgn_name`
+};
+
+inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
+    using Meaning = FieldParts::Meaning;
+    const FieldReading& reading = parts.reading;
+    switch (plan.form) {
+        case Form::pgn_name:
+            parts.unit = -1;
+            if (const PgnDef* const row = parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
+                parts.word = pgn_name(row);
+                if (!parts.word.empty()) parts.meaning = Meaning::pgn_name;
+            }
+            break;
+        case Form::flags:
+            if (reading.cut_off) break;
+            parts.unit = -1;
+            parts.meaning = Meaning::flags;
+            break;
+        case Form::enumeration: {
+            if (reading.cut_off) break;
+            const DDstrings& set = enum_sets[plan.enumeration];
+            const std::uint16_t entry = find_entry(plan.enumeration, enumeration_value(reading.value));
+            if (entry != no_entry) {
+                parts.entry = &entry_texts[set_plans[plan.enumeration].first_entry + entry];
+                parts.meaning = Meaning::entry;
+            } else if (set.kind == ENUM_RESERVED || set.kind == ENUM_UNKNOWN) {
+                parts.word = set.kind == ENUM_RESERVED ? "Reserved" : "Unknown";
+                parts.meaning = Meaning::word;
+            } else {
+                break;
+            }
+            parts.unit = -1;
+            break;
+        }
+        default: break;
+    }
+}
+
+/// Reads the field that the walk has come to; the walk goes behind it.
+inline void read_parts(const FieldPlan& plan, MessageWalk& walk, const Payload& payload, const DDDef& dd,
+                       const UnitSelection& units, TextScratch& scratch, FieldParts& parts) {
+    read(FieldShape::of(plan), dd, payload, walk.position, units, unit::selected, scratch, parts.reading);
+    walk.position = parts.reading.next;
+    parts.available = is_available(parts.reading.value);
+    parts.is_text = parts.reading.value.type == ValueType::text;
+    parts.unit = parts.reading.unit;
+    if (plan.form != Form::plain) find_meaning(plan, parts);
+}
+
+/// Characters of a text beside its value: those of a line.
+constexpr int part_limit = line_size - 1;
+
+/// The text of a value that is one.
+inline Text text_of(const FieldParts& parts) {
+    Text text = parts.reading.value.text;
+    const bool as_sent = parts.reading.quantity == quantity::message_id;
+    if (as_sent && text.encoding == Encoding::latin1) text.encoding = Encoding::code_page;
+    text.count = std::min(text.count, as_sent ? part_limit : text_limit);
+    return text;
+}
+
+/// The number of a value that is one. Nothing for texts and for values that are not available; null then.
+inline char* write_number(char* at, const FieldParts& parts) {
+    if (!parts.available) return nullptr;
+    const Value& v = parts.reading.value;
+    switch (v.type) {
+        case ValueType::single: return std::isfinite(v.number.f32) ? write_shortest(at, v.number.f32) : nullptr;
+        case ValueType::real: return std::isfinite(v.number.f64) ? write_shortest(at, v.number.f64) : nullptr;
+        case ValueType::text:
+        case ValueType::none: return nullptr;
+        case ValueType::u64: return write_unsigned(at, v.number.u64);
+        default: return write_signed(at, integer_of(v));
+    }
+}
+
+/// The field's bits as hexadecimal bytes, the low ones first.
+inline char* write_raw(char* at, const Payload& payload, PayloadPosition from, PayloadPosition to) {
+    const int first = from.byte * 8 + from.bit;
+    const int bits = std::min(to.byte * 8 + to.bit, payload.length * 8) - first;
+    if (from.bit == 0 && bits % 8 == 0) return write_hex_bytes(at, payload.data + from.byte, std::max(0, bits / 8));
+    std::uint64_t word = gather_bits(payload.data, from, std::min(bits, 64));
+    for (int i = 0; i < std::clamp((bits + 7) / 8, 0, 8); ++i, word >>= 8)
+        at = write_hex_byte(at, static_cast<std::uint8_t>(word));
+    return at;
+}
+
+/// Seconds with six decimals.
+inline char* write_seconds(char* at, std::int64_t nanoseconds) {
+    constexpr std::uint64_t second = 1'000'000'000;
+    if (nanoseconds < 0) *at++ = '-';
+    const auto magnitude = nanoseconds < 0 ? 0 - static_cast<std::uint64_t>(nanoseconds)
+                                           : static_cast<std::uint64_t>(nanoseconds);
+    at = write_unsigned(at, magnitude / second);
+    *at = '.';
+    write_eight(at + 1, static_cast<std::uint32_t>(magnitude % second / 1000 * 100));
+    return at + 7;
+}
+
+inline char* write_text(char* at, std::string_view text) {
+    return at + text.copy(at, text.size());
+}
+
+}  // namespace pgn_vistel::core

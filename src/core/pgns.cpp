@@ -1,0 +1,80 @@
+#include <array>
+#include <iterator>
+
+#include "core/tables.h"
+
+namespace pgn_vistel::core {
+
+namespace {
+
+// Sorted by PGN but for the closing row, which breaks the order on purpose: the search never ends on it.
+constexpr PgnDef pgn_table[] = {
+#include "pgn_table.inc"
+};
+
+constexpr RepeatSetDef repeat_set_table[] = {
+#include "repeat_set_table.inc"
+};
+
+/// Rows of a dense range of PGNs: every message asks.
+template <std::uint32_t first, std::uint32_t last>
+class RowIndex {
+  public:
+    consteval RowIndex() {
+        rows_.fill(end_row);
+        for (const PgnDef& row : pgn_table)
+            if (row.pgn >= first && row.pgn <= last)
+                rows_[row.pgn - first] = static_cast<std::uint16_t>(binary_search(pgn_table, row.pgn));
+    }
+    std::uint16_t operator[](std::uint32_t pgn) const {
+        return pgn - first < rows_.size() ? rows_[pgn - first] : end_row;
+    }
+
+  private:
+    std::array<std::uint16_t, last - first + 1> rows_{};
+};
+constexpr RowIndex<0x0E800, 0x0FFFF> data_page_0;
+constexpr RowIndex<0x1ED00, 0x1FFFF> data_page_1;
+
+}  // namespace
+
+constexpr PgnPlan pgn_plans[] = {
+#include "pgn_plans.inc"
+};
+static_assert(std::size(pgn_plans) == std::size(pgn_table));
+
+std::uint16_t find_pgn_row(std::uint32_t pgn) {
+    return pgn >= 0x10000 ? data_page_1[pgn] : data_page_0[pgn];
+}
+
+const PgnDef* find_pgn_def(std::uint32_t pgn) {
+    const std::uint16_t row = find_pgn_row(pgn);
+    if (row != end_row) return &pgn_table[row];
+    const int found = binary_search(pgn_table, pgn);
+    return found >= 0 ? &pgn_table[found] : nullptr;
+}
+
+const PgnPlan& plan_of(const PgnDef& row) {
+    return pgn_plans[&row - pgn_table];
+}
+
+std::string_view pgn_name(const PgnDef* row) {
+    if (row == nullptr) return "Unknown";
+    const PgnPlan& plan = plan_of(*row);
+    return {text_pool + plan.texts + PgnPlan::name_at, static_cast<std::size_t>(plan.line_size - PgnPlan::name_at)};
+}
+
+const RepeatSetDef* find_repeat_set(std::uint32_t pgn) {
+    const int found = binary_search(repeat_set_table, pgn);
+    return found >= 0 ? &repeat_set_table[found] : nullptr;
+}
+
+std::span<const PgnDef> all_pgns() {
+    return pgn_table;
+}
+
+std::span<const RepeatSetDef> all_repeat_sets() {
+    return repeat_set_table;
+}
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,199 @@
+#pragma once
+
+#include <cstdint>
+
+#include "pgn_vistel/core/catalogue.h"
+#include "pgn_vistel/core/units.h"
+
+namespace pgn_vistel::core {
+
+// What reading and printing need beside the rows of the catalogue: computed by the generator, constant, without
+// a pointer. Texts are named by their offset in one pool; those who copy them may read `pool_slack` bytes too
+// far.
+
+/// How the raw bits of a format become a value.
+enum class Reading : std::uint8_t {
+    scaled,   ///< number, reserved codes, resolution, unit rule
+    integer,  ///< identifiers and counters
+    // numbers with a rule of their own
+    undefined,
+    never_available,
+    float_angle,
+    float_plain,
+    double_distance,
+    double_plain,
+    latitude_32,
+    longitude_32,
+    latitude_64,
+    longitude_64,
+    percent_absolute,
+    peukert,
+    salinity,
+    format_number,
+    device_address,
+    ac_power,
+    power_factor,
+    offset_angle,
+    date,
+    run_time,
+    period_minutes,
+    // bits and codes
+    bit_field,
+    ais_spare,
+    two_bit_state,
+    low_4_bits,
+    low_2_bits,
+    low_6_bits,
+    package_type,
+    can_frame_id,
+    can_frame_data,
+    // values that name their own format: in the field, or in the two bytes before it
+    self_described,
+    self_described_before,
+    // texts
+    text_short,
+    text_medium,
+    text_fixed,
+    hex_dump,
+};
+
+constexpr bool is_text(Reading reading) {
+    return reading >= Reading::text_short;
+}
+
+/// Rows of the factors, and the rules that have code of their own.
+enum class UnitRule : std::uint8_t {
+#include "unit_rule_names.inc"
+    count
+};
+
+struct FormatPlan {
+    DF df;
+    Reading reading;
+    std::uint8_t width;      ///< bits of the number, 0 where the reading knows
+    std::uint8_t is_signed;  ///< 0 or 1
+    UnitRule rule;
+    float scale;             ///< to the rule's base unit; single precision
+    std::uint8_t described;  ///< 1 where a value may name the format itself
+};
+
+/// How a value is shown, as far as the dictionary entry and the place of the field decide.
+enum class Form : std::uint8_t {
+    plain,        ///< by quantity and type
+    pgn_name,     ///< the name of the PGN that the value is
+    database_version,
+    enumeration,  ///< a text of the entry's set, else plain
+    flags,        ///< the texts of the bits that are set
+};
+
+// Quantities that only the payload tells.
+constexpr std::uint8_t air_pressure_if_source_0 = quantity::no_quantity + 1, quantity_of_format_inside = 67,
+                       quantity_of_format_before = 68;
+
+constexpr std::uint16_t end_row = 0xFFFF;
+constexpr std::uint8_t no_set = 255;
+
+enum FieldFlag : std::uint8_t {
+    in_group = 1,
+    first_of_group = 2,
+    last_of_group = 4,
+    numbered = 8,  ///< the label is followed by the number of the round
+    quoted = 16,   ///< a numbered label that CSV quotes
+    string = 32,   ///< ends the walk where it takes no byte
+    text = 64,     ///< shows what is there where the message cuts it off
+};
+
+struct FieldPlan {
+    std::uint32_t texts;  ///< in the pool: label of a line, of JSON, of CSV, behind each other
+    std::uint8_t line_size, json_size, csv_size;
+    std::uint16_t next;   ///< row of the next field number
+    std::uint16_t again;  ///< of the last field of a repeating group: row of the first
+    std::uint16_t bits;   ///< size; 0 where only the value tells. Whole bytes count as bytes
+    std::uint16_t number;
+    std::uint8_t format;    ///< index of the plan
+    std::uint8_t quantity;  ///< or how the payload tells it
+    Form form;
+    std::uint8_t enumeration;  ///< index of the set, or `no_set`
+    std::uint8_t verdicts[2];  ///< in a proprietary message of others, and of our own: see `Verdict`
+    std::uint8_t flags;
+};
+
+/// What becomes of a row in the walk of a proprietary message.
+enum Verdict : std::uint8_t { shown, passed_over, walk_ends };
+
+enum class PgnWalk : std::uint8_t { plain, group_function, proprietary };
+
+struct PgnPlan {
+    std::uint32_t texts;  ///< in the pool: line, its end, JSON, CSV
+    std::uint8_t line_size, json_size, csv_size;
+    std::uint16_t first_row;
+    PgnWalk walk;
+    std::uint8_t repeats;
+
+    static constexpr int name_at = 13;  ///< in the line: behind blanks, number and comma
+};
+
+/// Forms of a unit: " kt" with a line end behind it, `,"unit":"kt","text":`, and `,kt,`.
+struct UnitTexts {
+    std::uint32_t line, json, csv;
+    std::uint8_t line_size, json_size, csv_size;
+};
+
+/// Forms of an enumeration text.
+struct EntryTexts {
+    std::uint32_t plain, json, csv;
+    std::uint8_t plain_size, json_size, csv_size;
+};
+
+/// How the entry of a value is found: by index up to `index_size`, by search beyond.
+struct SetPlan {
+    std::uint16_t first_entry;
+    std::uint16_t index;
+    std::uint16_t index_size;
+};
+constexpr std::uint16_t no_entry = 0xFFFF;
+
+constexpr std::size_t pool_slack = 64;
+
+extern const char text_pool[];
+extern const FormatPlan format_plans[];
+extern const FieldPlan field_plans[];
+extern const PgnPlan pgn_plans[];
+extern const UnitTexts unit_texts[];
+extern const EntryTexts entry_texts[];
+extern const SetPlan set_plans[];
+extern const std::uint16_t entry_index[];
+extern const DDstrings enum_sets[];
+extern const float unit_factors[static_cast<std::size_t>(UnitRule::count)][unit::count];
+
+/// The plan of a format, or null.
+const FormatPlan* find_format_plan(DF df);
+
+/// The row of a PGN by index rather than by search: what `find_pgn_def` returns, or `end_row`.
+std::uint16_t find_pgn_row(std::uint32_t pgn);
+const PgnPlan& plan_of(const PgnDef& row);
+const FieldPlan& plan_of(const FieldDef& row);
+std::uint16_t first_row_keyed(std::uint32_t pgn, std::uint16_t selector);
+const FieldDef& field_row(std::uint16_t row);
+
+/// The set of a dictionary entry as an index, or `no_set`.
+std::uint8_t find_set(std::uint32_t dd);
+
+/// Entry that a set has for a value, or `no_entry`. Not for flags.
+std::uint16_t find_entry(std::uint8_t set, std::uint32_t value);
+
+/// What goes for a field beside its dictionary entry, where it has no plan.
+struct SpecialField {
+    std::uint32_t pgn;    ///< 0: any
+    std::uint32_t field;  ///< 0: any
+    std::uint32_t dd;
+    const char* label;  ///< or null
+    Form form;
+    std::uint8_t quantity;  ///< 0: the entry's
+};
+const SpecialField* find_special_field(std::uint32_t dd, std::uint32_t pgn, std::uint32_t field);
+
+/// The quantity of a pressure in a PGN: 0 where the PGN says nothing of it.
+std::uint8_t pressure_quantity(std::uint32_t pgn);
+
+}  // namespace pgn_vistel::core

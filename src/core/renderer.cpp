@@ -1,0 +1,53 @@
+#include <chrono>
+
+#include "core/numbers.h"
+#include "pgn_vistel/core/render.h"
+
+namespace pgn_vistel::core {
+
+void Renderer::start(const N2KMsg& msg, const PgnDef* pgn) {
+    msg_ = &msg;
+    pgn_ = pgn;
+    walk_ = MessageWalk(pgn, msg);
+    stage_ = Stage::head;
+}
+
+/// "2026-09-10T08:00:00.250000Z"
+char* Renderer::write_utc(char* at, std::int64_t nanoseconds) {
+    using namespace std::chrono;
+    constexpr std::int64_t second = 1'000'000'000, day_length = 86'400 * second;
+    std::int64_t day = nanoseconds / day_length;
+    std::int64_t within = nanoseconds % day_length;
+    if (within < 0) {
+        within += day_length;
+        --day;
+    }
+    if (day != day_) {
+        day_ = day;
+        const year_month_day date{sys_days{days{day}}};
+        const int year = static_cast<int>(date.year());
+        char* to = date_.data();
+        to = write_pair(to, static_cast<std::uint32_t>(year / 100));
+        to = write_pair(to, static_cast<std::uint32_t>(year % 100));
+        *to++ = '-';
+        to = write_pair(to, static_cast<unsigned>(date.month()));
+        *to++ = '-';
+        to = write_pair(to, static_cast<unsigned>(date.day()));
+        *to = 'T';
+    }
+    std::memcpy(at, date_.data(), date_.size());
+    at += date_.size();
+    const auto seconds = static_cast<std::uint32_t>(within / second);
+    at = write_pair(at, seconds / 3600);
+    *at++ = ':';
+    at = write_pair(at, seconds / 60 % 60);
+    *at++ = ':';
+    at = write_pair(at, seconds % 60);
+    *at = '.';
+    // Six decimals of eight digits, whose last two are overwritten.
+    write_eight(at + 1, static_cast<std::uint32_t>(within % second / 1000 * 100));
+    at[7] = 'Z';
+    return at + 8;
+}
+
+}  // namespace pgn_vistel::core

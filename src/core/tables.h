@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+
+#include "core/plan.h"
+#include "pgn_vistel/core/catalogue.h"
+
+namespace pgn_vistel::core {
+
+#include "table_sizes.inc"
+
+extern const DDDef dictionary[dictionary_size];
+
+/// The row of a PGN that the binary search of the whole table meets first, or -1. Where a PGN has several rows,
+/// names shown to users and the repeating group that serves them all depend on this very order of steps.
+template <class Row, std::size_t size>
+constexpr int binary_search(const Row (&table)[size], std::uint32_t pgn) {
+    int low = 0;
+    int high = static_cast<int>(size) - 1;
+    while (low <= high) {
+        const int middle = (low + high) / 2;
+        const Row& row = table[middle];
+        if (row.pgn == pgn) return middle;
+        if (row.pgn > pgn)
+            high = middle - 1;
+        else
+            low = middle + 1;
+    }
+    return -1;
+}
+
+}  // namespace pgn_vistel::core

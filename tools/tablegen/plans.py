@@ -1,0 +1,352 @@
+"""What reading and printing need of each row and what never changes: sizes, the row that comes next, how the value is
+shown, and every text in the forms in which it leaves. Printing then copies; it looks nothing up and escapes nothing.
+
+The forms of a text lie in one pool. A form is named by its offset there, so that the tables hold no pointers."""
+
+from types import SimpleNamespace as Row
+
+from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT
+
+END_ROW = 0xFFFF
+NO_SET = 255
+NO_ENTRY = 0xFFFF
+CLOSING_PGN = 25
+DYNAMIC_QUANTITIES = {"air-source-0": CLASS_COUNT + 1, "format_inside": CLASS_COUNT + 2,
+                      "format_before": CLASS_COUNT + 3}
+PRESSURE, AIR_PRESSURE = 12, 11
+FIRST = "First"
+FIRST_WORD = len("First ")
+POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
+MOST_INDEXED = 4096  # values of a set that are found by index
+
+
+class Pool:
+    """Texts one after the other, each of them once."""
+
+    def __init__(self):
+        self.pieces, self.offsets, self.size = [], {}, 0
+
+    def add(self, text):
+        data = text.encode("utf-8")
+        if data not in self.offsets:
+            self.offsets[data] = self.size
+            self.pieces.append(data)
+            self.size += len(data)
+        return self.offsets[data]
+
+    def lines(self):
+        return [literal(piece) for piece in self.pieces] + [f'"{"x" * POOL_SLACK}"']
+
+
+def literal(data):
+    return '"' + "".join(chr(b) if 0x20 <= b < 0x7F and chr(b) not in '"\\?' else f"\\{b:03o}" for b in data) + '"'
+
+
+def json_text(text):
+    return '"' + text.replace("\\", "\\\\").replace('"', '\\"') + '"'
+
+
+def is_quoted_in_csv(text):
+    return any(c in text for c in '",\r\n')
+
+
+def csv_cell(text):
+    return '"' + text.replace('"', '""') + '"' if is_quoted_in_csv(text) else text
+
+
+def find_by_binary_search(pgns, sought):
+    """Index of the row that the search meets first, or None. Which one it is decides names and groups."""
+    low, high = 0, len(pgns) - 1
+    while low <= high:
+        middle = (low + high) // 2
+        if pgns[middle] == sought:
+            return middle
+        if pgns[middle] > sought:
+            high = middle - 1
+        else:
+            low = middle + 1
+    return None
+
+
+def make_plans(tables):
+    plans = Row(pool=Pool())
+    plans.fields = sorted(tables.fields, key=lambda row: row.pgn)  # stable: order within a PGN stays
+    plans.sets = sorted((s for s in tables.sets if not s.stored_order), key=lambda found: found.dd)
+    plans.sets += [s for s in tables.sets if s.stored_order]
+    plans.formats = tables.formats
+    plan_units(tables, plans)
+    plan_sets(plans)
+    plan_rules(tables, plans)
+    plan_fields(tables, plans)
+    plan_pgns(tables, plans)
+    return plans
+
+
+# ---- units and formats ----
+
+def plan_units(tables, plans):
+    pool = plans.pool
+    plans.unit_lines = []
+    for row in tables.units:
+        text = f" {row.name}"
+        json = f',"unit":{json_text(row.name) if row.name else "null"},"text":'
+        csv = f",{csv_cell(row.name)},"
+        # The line's end stands behind the text: whoever copies blocks gets it for nothing.
+        plans.unit_lines.append(f"{{{pool.add(text + chr(10))}, {pool.add(json)}, {pool.add(csv)}, "
+                                f"{len(text.encode())}, {len(json.encode())}, {len(csv.encode())}}},")
+
+
+def plan_rules(tables, plans):
+    """The unit rules as rows of factors; lists of units and 'any' are rules whose factors are 1."""
+    rules = {}
+    for row in tables.unit_factors:
+        rules.setdefault(row.rule, {})[row.unit] = row.factor
+    rules["temperature_k"] = {}
+    rules["any"] = {unit: "1.0f" for unit in range(UNIT_COUNT)}
+    for row in tables.formats:
+        kind, detail = row.rule
+        if kind == "listed":
+            rules.setdefault(listed_rule(detail), {unit: "1.0f" for unit in detail})
+    plans.rules = rules
+    plans.rule_lines = [
+        "{" + ", ".join(factors.get(unit, "0") for unit in range(UNIT_COUNT)) + "}," for factors in rules.values()]
+
+
+def listed_rule(units):
+    return "listed_" + "_".join(map(str, units))
+
+
+def format_row(row, formats):
+    """How the raw bits of a format become a value."""
+    kind, detail = row.rule
+    if kind == "special" and detail.startswith("convert_df_"):
+        return format_row(formats[int(detail.removeprefix("convert_df_"))], formats)
+    width = int(row.kind[1:]) if row.kind else 0
+    reading, rule = {
+        "special": lambda: (detail.removeprefix("convert_"), None),
+        "integer": lambda: ("integer", None),
+        "any": lambda: ("scaled", "any"),
+        "listed": lambda: ("scaled", listed_rule(detail)),
+        "scaled": lambda: ("scaled", detail.removeprefix("unit_rule_")),
+    }[kind]()
+    return (f"Reading::{reading}, {width}, {int(bool(row.kind) and row.kind[0] == 'i')}, "
+            f"UnitRule::{rule or 'any'}, {row.scale}")
+
+
+def format_lines(tables):
+    formats = {row.df: row for row in tables.formats}
+    described = {row.df for row in tables.self_described}
+    return [f"{{{row.df}, {format_row(row, formats)}, {int(row.df in described)}}}," for row in tables.formats]
+
+
+# ---- enumerations ----
+
+def plan_sets(plans):
+    plans.entry_lines, plans.set_lines, plans.index_lines = [], [], []
+    for found in plans.sets:
+        first = len(plans.entry_lines)
+        plans.entry_lines += [entry_line(entry.text, plans.pool) for entry in found.entries]
+        index = entry_index(found)
+        plans.set_lines.append(f"{{{first}, {len(plans.index_lines)}, {len(index)}}},")
+        plans.index_lines += [f"{place}," for place in index]
+
+
+def entry_line(text, pool):
+    json, csv = json_text(text), csv_cell(text)
+    return f"{{{pool.add(text)}, {pool.add(json)}, {pool.add(csv)}, {len(text)}, {len(json)}, {len(csv)}}},"
+
+
+def entry_index(found):
+    """Entry by value, from 0 on as far as the values are dense: what a search would find; NO_ENTRY for no text."""
+    values = [entry.value for entry in found.entries]
+    dense = [value for value in values if value < MOST_INDEXED]
+    if found.kind == 3 or not dense:
+        return []
+    index = []
+    for value in range(max(dense) + 1):
+        place = next((i for i, v in enumerate(values) if v == value), NO_ENTRY)
+        if place == NO_ENTRY and found.kind == 1:
+            place = max((i for i, v in enumerate(values) if v < value), default=NO_ENTRY)
+        index.append(place)
+    return index
+
+
+# ---- fields ----
+
+def special_row(tables, pgn, field, dd, column):
+    for row in tables.special_fields:
+        if row.pgn in (None, pgn) and row.field in (None, field) and row.dd == dd and getattr(row, column):
+            return getattr(row, column)
+    return None
+
+
+def plan_fields(tables, plans):
+    rows = plans.fields
+    dictionary = {row.dd: row for row in tables.dictionary}
+    formats = {row.df: i for i, row in enumerate(tables.formats)}
+    classes = {row.dd: getattr(row, "class") for row in tables.disp_data_types}
+    rules = {row.pgn: row for row in tables.pgn_rules}
+    sets = {found.dd: i for i, found in enumerate(plans.sets)}
+    repeat_pgns = [row.pgn for row in tables.repeat_sets]
+    plans.field_lines = []
+    for i, row in enumerate(rows):
+        entry, rule = dictionary[row.dd], rules.get(row.pgn)
+        found = find_by_binary_search(repeat_pgns, row.pgn)
+        first, last = ((tables.repeat_sets[found].first, tables.repeat_sets[found].last)
+                       if found is not None else (0, 0))
+        repeats = first <= row.field <= last
+        label = special_row(tables, row.pgn, row.field, row.dd, "label") or row.label
+        numbered = repeats and label == row.label and FIRST in label
+        texts = label_texts(row.field, label, numbered, plans.pool)
+        enumeration = sets.get(row.dd, NO_SET)
+        form = special_row(tables, row.pgn, row.field, row.dd, "form")
+        if form is None:
+            form = ("plain" if enumeration == NO_SET
+                    else "flags" if plans.sets[enumeration].kind == 3 else "enumeration")
+        filtered = rule is not None and rule.walk == "proprietary"
+        flags = {
+            "in_group": repeats,
+            "first_of_group": row.field == first,
+            "last_of_group": row.field == last,
+            "numbered": numbered,
+            "quoted": numbered and is_quoted_in_csv(label),
+            "string": entry.df in (50, 51, 63),
+            "text": entry.df in (50, 51, 63, 3002),
+        }
+        plans.field_lines.append(
+            f"{{{texts}, {next_row(rows, i, 1)}, {next_row(rows, i, first - last) if row.field == last else END_ROW}, "
+            f"{field_bits(row, entry, rule)}, {row.field}, {formats[entry.df]}, "
+            f"{quantity(tables, row, classes, rule)}, Form::{form}, {enumeration}, "
+            f"{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}, "
+            f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
+
+
+def label_texts(field, label, numbered, pool):
+    """Offset and sizes of the forms of a label, which stand behind each other. A numbered label is left open: the
+    number of the round follows."""
+    name = label[FIRST_WORD:] if numbered else label
+    line = f"    {name}" + ("" if numbered else ": ")
+    json = f'{{"number":{field},"label":{json_text(name)[:-1]}' + ("" if numbered else '","value":')
+    cell = csv_cell(name)[:-1] if numbered and is_quoted_in_csv(label) else csv_cell(name)
+    csv = f"{field},{cell}" + ("" if numbered else ",")
+    return f"{pool.add(line + json + csv)}, {len(line)}, {len(json)}, {len(csv)}"
+
+
+def field_bits(row, entry, rule):
+    """The size in bits; 0 where only the value tells. A size in whole bytes counts as one in bytes."""
+    own = row.size[0] * 8 + row.size[1]
+    given = rule.size if rule is not None and rule.size != (0, 0) else entry.size
+    return own or given[0] * 8 + given[1]
+
+
+def quantity(tables, row, classes, rule):
+    dynamic = special_row(tables, row.pgn, row.field, row.dd, "quantity")
+    found = classes.get(row.dd, NO_CLASS)
+    if dynamic:
+        return DYNAMIC_QUANTITIES[dynamic]
+    if found == PRESSURE and rule is not None and rule.pressure:
+        return AIR_PRESSURE if rule.pressure == "air" else DYNAMIC_QUANTITIES[rule.pressure]
+    return found
+
+
+def next_row(rows, i, delta):
+    """Row of the field number `delta` further on, by the first guess and then in its direction. Among variants a
+    step forward lands on the first variant of the next field number, whichever variant it starts from."""
+    target = rows[i].field + delta
+    at = i + delta
+    while 0 <= at < len(rows) and rows[at].pgn == rows[i].pgn:
+        if rows[at].field == target:
+            return at
+        at += -1 if delta < 0 else 1
+    return END_ROW
+
+
+def verdict(tables, row, own):
+    """Of a field of a proprietary message: 0 it is shown, 1 it is passed over, 2 the walk ends here."""
+    for special in tables.special_fields:
+        if special.pgn == row.pgn and special.field == row.field and special.shown:
+            if special.shown == "own" and not own:
+                return 2
+            return 0 if special.dd == row.dd else 1
+    return 2
+
+
+# ---- PGNs ----
+
+def plan_pgns(tables, plans):
+    names = {row.pgn: row.name for row in tables.pgn_rules if row.name}
+    walks = {row.pgn: row.walk for row in tables.pgn_rules if row.walk}
+    first_rows = {}
+    for i, row in enumerate(plans.fields):
+        first_rows.setdefault(row.pgn, i)
+    repeats = {row.pgn for row in tables.repeat_sets}
+    plans.pgn_lines = []
+    for pgn, name in [*((row.pgn, row.name) for row in tables.pgns), (CLOSING_PGN, "")]:
+        name = names.get(pgn, name)
+        line = f"     {pgn:6}, {name}"
+        json = f',"pgn":{pgn},"name":{json_text(name)},"priority":'
+        csv = f",{pgn},{csv_cell(name)},"
+        at = plans.pool.add(f"{line}\n{json}{csv}")
+        plans.pgn_lines.append(
+            f"{{{at}, {len(line)}, {len(json)}, {len(csv)}, {first_rows.get(pgn, END_ROW)}, "
+            f"PgnWalk::{walks.get(pgn) or 'plain'}, {int(pgn in repeats)}}},")
+
+
+def special_lines(tables):
+    """For whoever has a field without a row of the catalogue."""
+    def number(cell):
+        return 0 if cell is None else cell
+    return [f"{{{number(row.pgn)}, {number(row.field)}, {row.dd}, {c_text(row.label)}, "
+            f"Form::{row.form or 'plain'}, {DYNAMIC_QUANTITIES.get(row.quantity, 0)}}},"
+            for row in tables.special_fields if row.label or row.form or row.quantity]
+
+
+def rule_lines(tables):
+    return [f"{{{row.pgn}, {row.size[0]}, {row.size[1]}, "
+            f"{ {None: 0, 'air': AIR_PRESSURE, 'air-source-0': DYNAMIC_QUANTITIES['air-source-0']}[row.pressure]}}},"
+            for row in tables.pgn_rules if row.size != (0, 0) or row.pressure]
+
+
+def c_text(text):
+    return "nullptr" if text is None else literal(text.encode())
+
+
+# ---- names for code ----
+
+def id_lines(tables):
+    """The public header that names what code mentions."""
+    def block(name, kind, entries, count=None):
+        lines = [f"namespace {name} {{", f"enum : {kind} {{"]
+        lines += [f"    {entry} = {number}," for entry, number in entries]
+        if count:
+            lines += count
+        return lines + ["};", f"}}  // namespace {name}", ""]
+
+    def ids(kind):
+        return [(row.id, row.number) for row in tables.ids if row.kind == kind]
+
+    return [
+        "#pragma once", "", "/// @file", "/// Numbers of units, quantities, PGNs, dictionary entries and formats by name.",
+        "", "#include <cstdint>", "", "namespace pgn_vistel::core {", "",
+        "/// Index of a unit of measure, 0 .. 139. `unit_name` gives the name that users see.",
+        "using UnitId = int;", "",
+        "/// Class of a physical quantity, 0 .. 64; 65 for none. Values of one class share a list of units.",
+        "using DispDataType = int;", "",
+        "/// Number of a data format: how the bits of a field encode its value.",
+        "using DF = std::uint16_t;", "",
+        "/// The units. `raw_count` is the number as sent, tested for availability but not scaled; `raw_bits` is",
+        "/// neither tested nor scaled. Every numeric format understands both.",
+        *block("unit", "UnitId", [("selected", -1), *((row.id, row.unit) for row in tables.units)],
+               [f"    count = {UNIT_COUNT},  // ends every list of units"]),
+        "/// The quantities. Those below `count` have a unit that a user can pick.",
+        *block("quantity", "DispDataType", [(row.id, getattr(row, "class")) for row in tables.availability],
+               [f"    no_quantity = {NO_CLASS},", f"    count = {CLASS_COUNT},"]),
+        "/// Parameter groups that code mentions.",
+        *block("pgn", "std::uint32_t", ids("pgn")),
+        "/// Dictionary entries that code mentions.",
+        *block("dd", "std::uint32_t", ids("dd")),
+        "/// Data formats that code mentions.",
+        *block("format", "DF", ids("df")),
+        "}  // namespace pgn_vistel::core",
+    ]
+
