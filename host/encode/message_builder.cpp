@@ -4,13 +4,13 @@
 #include <cstring>
 #include <iterator>
 
-#include "assembly/fast_packet.h"
 #include "encode/number_entry.h"
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
 #include "readers/can_identifier.h"
+#include "reassembly/fast_packets.h"
 
 using namespace pgn_vistel;
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <span>
 
-#include "assembly/fast_packet.h"
 #include "readers/can_identifier.h"
+#include "reassembly/fast_packets.h"
 
 namespace vistel {
 

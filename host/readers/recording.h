@@ -66,14 +66,14 @@ class Recording {
     bool start(bool opened, const RecordingOptions& options);
     State prepare(ByteSource::Wait wait);
     void use(const Format& format);
-    ReadResult give_up();
+    ReadResult explain_end();
 
     ByteSource source_;
     const Format* format_ = nullptr;
     std::unique_ptr<RecordReader> reader_;
     DayClock day_clock_;
     Problem problem_;
-    bool given_up_ = false;
+    bool end_explained_ = false;
 };
 
 }  // namespace vistel

@@ -1,4 +1,4 @@
-#include "assembly/fast_packet.h"
+#include "reassembly/fast_packets.h"
 
 #include <algorithm>
 #include <bit>
@@ -71,14 +71,14 @@ bool FastPackets::Slot::complete() const {
 }
 
 std::size_t FastPackets::open(std::uint64_t key) {
-    if (slots_.full()) give_up(slots_.oldest());
+    if (slots_.full()) abandon(slots_.oldest());
     const std::size_t i = slots_.add(key);
     slots_[i].received = 0;
     slots_[i].overtaken_by = 0;
     return i;
 }
 
-void FastPackets::give_up(std::size_t i) {
+void FastPackets::abandon(std::size_t i) {
     const Slot& slot = slots_[i];
     if (slot.announced()) {
         ++counters_.incomplete_fast_packets;
@@ -94,7 +94,7 @@ void FastPackets::overtake(std::uint64_t key) {
     constexpr unsigned most = 4;
     for (std::size_t i = slots_.size(); i-- > 0;) {
         const bool other_sequence = slots_.key(i) != key && (slots_.key(i) ^ key) >> sequence_bits == 0;
-        if (other_sequence && ++slots_[i].overtaken_by >= most) give_up(i);
+        if (other_sequence && ++slots_[i].overtaken_by >= most) abandon(i);
     }
 }
 
@@ -114,16 +114,16 @@ std::size_t FastPackets::put_first(std::uint64_t key, const N2KMsg& frame, unsig
                 ++counters_.repeated_frames;
                 return Slots::none;
             }
-            give_up(i);
+            abandon(i);
         } else if (!adjacent(slot.last, now)) {
-            give_up(i);
+            abandon(i);
         }
     }
     overtake(key);
     i = slots_.find(key);
     if (total > most_bytes || count < std::min<unsigned>(total, bytes_in_first)) {
         ++counters_.incomplete_fast_packets;
-        if (i != Slots::none) give_up(i);
+        if (i != Slots::none) abandon(i);
         return Slots::none;
     }
     if (i == Slots::none) i = open(key);
@@ -155,7 +155,7 @@ std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsig
             ++counters_.repeated_frames;
             return Slots::none;
         }
-        give_up(i);  // the next message of this sequence, whose frame 0 is late or lost
+        abandon(i);  // the next message of this sequence, whose frame 0 is late or lost
         i = Slots::none;
     }
     if (i == Slots::none) i = open(key);
@@ -177,7 +177,7 @@ const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
     }
     const std::uint64_t key = key_of(frame);
     std::size_t i = slots_.find(key);
-    if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+    if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) abandon(i);
 
     const unsigned number = frame_number(frame);
     i = number == 0 ? put_first(key, frame, size, now) : put_later(key, frame, size, now);
@@ -205,12 +205,12 @@ void FastPackets::fill_message(const Slot& slot, const N2KMsg& frame) {
 
 void FastPackets::sweep(const Moment& now) {
     for (std::size_t i = slots_.size(); i-- > 0;) {
-        if (timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+        if (timed_out(slots_[i].last, now, longest_silence)) abandon(i);
     }
 }
 
 void FastPackets::finish() {
-    while (slots_.size() > 0) give_up(0);
+    while (slots_.size() > 0) abandon(0);
 }
 
 }  // namespace vistel

@@ -3,14 +3,14 @@
 #include <bitset>
 #include <cstdint>
 
-#include "assembly/counters.h"
-#include "assembly/moment.h"
-#include "assembly/slot_table.h"
 #include "pgn_vistel/n2k_msg.h"
+#include "reassembly/counters.h"
+#include "reassembly/moment.h"
+#include "reassembly/slot_table.h"
 
 namespace vistel {
 
-/// Puts messages of the transport protocol together, as a listener that does not take part. A session is
+/// Reassembles messages of the transport protocol, as a listener that does not take part. A session is
 /// announced on PGN 60416, to everyone (BAM) or to one device (RTS), and its packets of 7 bytes come on PGN
 /// 60160. Each pair of addresses has one session at a time. One that is complete is remembered for a while,
 /// as packets may be asked for again although they were heard here.
@@ -18,15 +18,15 @@ class Transports {
   public:
     static constexpr std::uint32_t control_pgn = 60416, data_pgn = 60160;
 
-    explicit Transports(AssemblyCounters& counters) : counters_(counters) {}
+    explicit Transports(ReassemblyCounters& counters) : counters_(counters) {}
 
     /// Takes a frame of either PGN. The message that it completes, valid until the next call, or null.
     const N2KMsg* put(const N2KMsg& frame, const Moment& now);
 
-    /// Gives up what has timed out.
+    /// Abandons what has timed out.
     void sweep(const Moment& now);
 
-    /// Gives up everything.
+    /// Abandons everything.
     void finish();
 
   private:
@@ -46,9 +46,9 @@ class Transports {
     void announce(const N2KMsg& frame, const Moment& now);
     void control(const N2KMsg& frame, const Moment& now);
     const N2KMsg* data(const N2KMsg& frame, const Moment& now);
-    void give_up(std::size_t i);
+    void abandon(std::size_t i);
 
-    AssemblyCounters& counters_;
+    ReassemblyCounters& counters_;
     Slots slots_;
 };
 

@@ -3,10 +3,10 @@
 #include <bitset>
 #include <cstdint>
 
-#include "assembly/counters.h"
-#include "assembly/moment.h"
-#include "assembly/slot_table.h"
 #include "pgn_vistel/n2k_msg.h"
+#include "reassembly/counters.h"
+#include "reassembly/moment.h"
+#include "reassembly/slot_table.h"
 
 namespace vistel {
 
@@ -27,12 +27,12 @@ class FastPacketPgns {
     std::bitset<last - first + 1> fast_;
 };
 
-/// Puts fast packets together: up to 32 frames, each beginning with a byte of sequence (3 bits) and frame
+/// Reassembles fast packets: up to 32 frames, each beginning with a byte of sequence (3 bits) and frame
 /// number (5 bits). Frame 0 has the length of the message as its second byte and 6 bytes of it, the others
 /// have 7.
 ///
 /// A device numbers its messages by sequence, so that the pieces of two of them do not mix. Frames may come
-/// in any order and more than once. A message that misses some is given up when its sequence is begun again
+/// in any order and more than once. A message that misses some is abandoned when its sequence is begun again
 /// or by far overtaken, and after 750 ms.
 class FastPackets {
   public:
@@ -40,15 +40,15 @@ class FastPackets {
     static constexpr unsigned bytes_in_first = 6;
     static constexpr unsigned bytes_in_later = 7;
 
-    explicit FastPackets(AssemblyCounters& counters) : counters_(counters) {}
+    explicit FastPackets(ReassemblyCounters& counters) : counters_(counters) {}
 
     /// Takes a frame. The message that it completes, valid until the next call, or null.
     const N2KMsg* put(const N2KMsg& frame, const Moment& now);
 
-    /// Gives up what has timed out.
+    /// Abandons what has timed out.
     void sweep(const Moment& now);
 
-    /// Gives up everything.
+    /// Abandons everything.
     void finish();
 
   private:
@@ -75,13 +75,13 @@ class FastPackets {
     using Slots = SlotTable<Slot, 256>;
 
     std::size_t open(std::uint64_t key);
-    void give_up(std::size_t i);
+    void abandon(std::size_t i);
     void overtake(std::uint64_t key);
     std::size_t put_first(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now);
     std::size_t put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now);
     void fill_message(const Slot& slot, const N2KMsg& frame);
 
-    AssemblyCounters& counters_;
+    ReassemblyCounters& counters_;
     Slots slots_;
     N2KMsg message_{};
 };

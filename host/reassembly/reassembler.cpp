@@ -1,15 +1,15 @@
-#include "assembly/assembler.h"
+#include "reassembly/reassembler.h"
 
 namespace vistel {
 
-void Assembler::give(const N2KMsg& msg, const RecordTime& time) {
+void Reassembler::emit(const N2KMsg& msg, const RecordTime& time) {
     ++counters_.messages;
     sink_(msg, time);
 }
 
-void Assembler::put(const Record& record) {
+void Reassembler::put(const Record& record) {
     if (record.kind == Record::Kind::message) {
-        give(record.msg, record.time);
+        emit(record.msg, record.time);
         return;
     }
     constexpr std::uint64_t frames_between_sweeps = 256;
@@ -20,19 +20,19 @@ void Assembler::put(const Record& record) {
     }
 
     const std::uint32_t pgn = record.msg.pgn;
-    const N2KMsg* assembled = nullptr;
+    const N2KMsg* reassembled = nullptr;
     if (fast_packet_pgns_.contains(pgn)) {
-        assembled = fast_packets_.put(record.msg, now);
+        reassembled = fast_packets_.put(record.msg, now);
     } else {
-        give(record.msg, record.time);
+        emit(record.msg, record.time);
         if (pgn == Transports::control_pgn || pgn == Transports::data_pgn) {
-            assembled = transports_.put(record.msg, now);
+            reassembled = transports_.put(record.msg, now);
         }
     }
-    if (assembled != nullptr) give(*assembled, record.time);
+    if (reassembled != nullptr) emit(*reassembled, record.time);
 }
 
-void Assembler::finish() {
+void Reassembler::finish() {
     fast_packets_.finish();
     transports_.finish();
 }

@@ -1,4 +1,4 @@
-#include "assembly/transport.h"
+#include "reassembly/transports.h"
 
 #include <algorithm>
 #include <cstring>
@@ -31,7 +31,7 @@ std::uint32_t announced_pgn(const N2KMsg& control) {
 
 }  // namespace
 
-void Transports::give_up(std::size_t i) {
+void Transports::abandon(std::size_t i) {
     if (!slots_[i].complete()) ++counters_.incomplete_transports;
     slots_.remove(i);
 }
@@ -50,14 +50,14 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
             ++counters_.repeated_frames;
             return;
         }
-        give_up(i);
+        abandon(i);
     }
     if (length == 0 || length > N2K_MAX_PAYLOAD || packets != (length + packet_bytes - 1) / packet_bytes ||
         pgn > max_pgn) {
         ++counters_.incomplete_transports;
         return;
     }
-    if (slots_.full()) give_up(slots_.oldest());
+    if (slots_.full()) abandon(slots_.oldest());
     Slot& slot = slots_[slots_.add(key)];
     slot.last = now;
     slot.packets = packets;
@@ -86,13 +86,13 @@ void Transports::control(const N2KMsg& frame, const Moment& now) {
             if (answered != Slots::none) slots_[answered].last = now;
             break;
         case end_of_message:
-            if (answered != Slots::none) give_up(answered);
+            if (answered != Slots::none) abandon(answered);
             break;
         case abort_session:
             if (const std::size_t own = session(frame.source, frame.destination); own != Slots::none) {
-                give_up(own);
+                abandon(own);
             } else if (answered != Slots::none) {
-                give_up(answered);
+                abandon(answered);
             }
             break;
     }
@@ -120,7 +120,7 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
         } else {
             // The next session, whose announcement is lost, must not be mixed with this one.
             ++counters_.orphan_frames;
-            give_up(i);
+            abandon(i);
         }
         return nullptr;
     }
@@ -139,12 +139,12 @@ const N2KMsg* Transports::put(const N2KMsg& frame, const Moment& now) {
 
 void Transports::sweep(const Moment& now) {
     for (std::size_t i = slots_.size(); i-- > 0;) {
-        if (timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+        if (timed_out(slots_[i].last, now, longest_silence)) abandon(i);
     }
 }
 
 void Transports::finish() {
-    while (slots_.size() > 0) give_up(0);
+    while (slots_.size() > 0) abandon(0);
 }
 
 }  // namespace vistel
