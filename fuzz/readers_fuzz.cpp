@@ -10,7 +10,7 @@
 #include <span>
 #include <string_view>
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 #include "readers/recording.h"
 #include "reassembly/reassembler.h"
 

@@ -4,13 +4,16 @@
 #include <cstring>
 #include <iterator>
 
+#include "can/identifier.h"
 #include "encode/number_entry.h"
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
-#include "readers/can_identifier.h"
 #include "reassembly/fast_packets.h"
+#include "text/characters.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 
@@ -37,7 +40,7 @@ NumberedLabel numbered(std::string_view label) {
     if (sign == label.npos) return {label, 0};
     int round = 0;
     for (const char c : label.substr(sign + 2)) {
-        if (c < '0' || c > '9' || round > N2K_MAX_PAYLOAD) return {label, 0};
+        if (!is_digit(c) || round > N2K_MAX_PAYLOAD) return {label, 0};
         round = round * 10 + (c - '0');
     }
     return round > 0 ? NumberedLabel{label.substr(0, sign), round} : NumberedLabel{label, 0};

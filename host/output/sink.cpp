@@ -6,6 +6,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "text/hex.h"
+
 namespace vistel {
 
 void Sink::put_slowly(std::string_view text) {
@@ -54,11 +56,10 @@ void Sink::put_number(double number) {
 }
 
 void Sink::put_hex(const std::uint8_t* bytes, int count) {
-    constexpr char digits[] = "0123456789ABCDEF";
     char* at = reserve(2 * static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
-        *at++ = digits[bytes[i] >> 4];
-        *at++ = digits[bytes[i] & 15];
+        *at++ = hex_digits[bytes[i] >> 4];
+        *at++ = hex_digits[bytes[i] & 15];
     }
     commit(at);
 }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "output/utf8.h"
+#include "text/utf8.h"
 
 namespace vistel {
 

@@ -4,8 +4,8 @@
 #include "readers/candump_format.h"
 #include "readers/line_reader.h"
 #include "readers/plain_format.h"
-#include "readers/scan.h"
 #include "readers/yacht_devices_format.h"
+#include "text/words.h"
 
 namespace vistel {
 namespace {
@@ -17,7 +17,7 @@ std::size_t find_line_like(std::string_view head, bool whole) {
         const std::size_t at = head.size() - text.size();
         if (!take_line(text, line)) {
             if (!whole || text.empty()) return std::string_view::npos;
-            line = trim_blanks(text);
+            line = trimmed(text);
             text = {};
         }
         if (!line.empty() && line[0] != '#' && TextFormat::resembles(line)) return at;

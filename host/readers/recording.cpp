@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "readers/scan.h"
+#include "text/characters.h"
+#include "text/quotes.h"
 
 namespace vistel {
 namespace {

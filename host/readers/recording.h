@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "can/record.h"
 #include "readers/byte_source.h"
 #include "readers/day_clock.h"
 #include "readers/formats.h"
 #include "readers/problem.h"
-#include "readers/record.h"
 #include "readers/record_reader.h"
 
 namespace vistel {

@@ -4,29 +4,23 @@
 #include <bit>
 #include <cstring>
 
+#include "can/fast_packet.h"
+#include "can/identifier.h"
 #include "pgn_vistel/catalogue.h"
-#include "readers/can_identifier.h"
 
 namespace vistel {
+
+using namespace fast_packet;
+
 namespace {
 
-constexpr unsigned bytes_in_first = FastPackets::bytes_in_first;
-constexpr unsigned bytes_in_later = FastPackets::bytes_in_later;
 constexpr unsigned sequence_bits = 3;
 constexpr std::int64_t longest_silence = 750 * milliseconds;
 
 /// By sequence in the lowest bits, so that the keys of one kind of message are neighbours.
 std::uint64_t key_of(const N2KMsg& frame) {
     return std::uint64_t{frame.pgn} << 19 | std::uint64_t{frame.source} << 11 |
-           std::uint64_t{frame.destination} << 3 | frame.data[0] >> 5;
-}
-
-constexpr unsigned offset_of(unsigned number) {
-    return number == 0 ? 0 : bytes_in_first + (number - 1) * bytes_in_later;
-}
-
-unsigned frame_number(const N2KMsg& frame) {
-    return frame.data[0] & 31u;
+           std::uint64_t{frame.destination} << 3 | sequence_of(frame.data[0]);
 }
 
 /// The catalogue has these as multi-frame, but all of them fill one frame exactly and devices send them so:
@@ -143,7 +137,7 @@ std::size_t FastPackets::put_first(std::uint64_t key, const N2KMsg& frame, unsig
 /// Takes a frame other than 0. Position of its message, or none.
 std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now) {
     constexpr unsigned header = 1;
-    const unsigned number = frame_number(frame);
+    const unsigned number = number_of(frame.data[0]);
     const std::uint8_t* const bytes = frame.data + header;
     const unsigned count = size - header;
     std::size_t i = slots_.find(key);
@@ -179,7 +173,7 @@ const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
     std::size_t i = slots_.find(key);
     if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) abandon(i);
 
-    const unsigned number = frame_number(frame);
+    const unsigned number = number_of(frame.data[0]);
     i = number == 0 ? put_first(key, frame, size, now) : put_later(key, frame, size, now);
     if (i == Slots::none) return nullptr;
     Slot& slot = slots_[i];

@@ -3,6 +3,7 @@
 #include <bitset>
 #include <cstdint>
 
+#include "can/fast_packet.h"
 #include "pgn_vistel/n2k_msg.h"
 #include "reassembly/counters.h"
 #include "reassembly/moment.h"
@@ -27,19 +28,13 @@ class FastPacketPgns {
     std::bitset<last - first + 1> fast_;
 };
 
-/// Reassembles fast packets: up to 32 frames, each beginning with a byte of sequence (3 bits) and frame
-/// number (5 bits). Frame 0 has the length of the message as its second byte and 6 bytes of it, the others
-/// have 7.
+/// Reassembles fast packets.
 ///
 /// A device numbers its messages by sequence, so that the pieces of two of them do not mix. Frames may come
 /// in any order and more than once. A message that misses some is abandoned when its sequence is begun again
 /// or by far overtaken, and after 750 ms.
 class FastPackets {
   public:
-    static constexpr unsigned most_bytes = 223;
-    static constexpr unsigned bytes_in_first = 6;
-    static constexpr unsigned bytes_in_later = 7;
-
     explicit FastPackets(ReassemblyCounters& counters) : counters_(counters) {}
 
     /// Takes a frame. The message that it completes, valid until the next call, or null.
@@ -52,17 +47,15 @@ class FastPackets {
     void finish();
 
   private:
-    static constexpr unsigned most_frames = 32;
-
     struct Slot {
         Moment last;
         std::uint32_t received;  // bit k: frame k is here
         std::uint8_t total;      // bytes of the message, once frame 0 is here
         std::uint8_t priority;
-        std::uint8_t last_number;         // of the frame that came last
-        std::uint8_t overtaken_by;        // later messages of the same kind that have begun
-        std::uint8_t given[most_frames];  // bytes in each frame
-        std::uint8_t data[most_bytes];
+        std::uint8_t last_number;                      // of the frame that came last
+        std::uint8_t overtaken_by;                     // later messages of the same kind that have begun
+        std::uint8_t given[fast_packet::most_frames];  // bytes in each frame
+        std::uint8_t data[fast_packet::most_bytes];
 
         bool has(unsigned number) const { return (received >> number & 1) != 0; }
         bool announced() const { return has(0); }

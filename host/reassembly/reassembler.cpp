@@ -25,7 +25,7 @@ void Reassembler::put(const Record& record) {
         reassembled = fast_packets_.put(record.msg, now);
     } else {
         emit(record.msg, record.time);
-        if (pgn == Transports::control_pgn || pgn == Transports::data_pgn) {
+        if (pgn == transport_protocol::control_pgn || pgn == transport_protocol::data_pgn) {
             reassembled = transports_.put(record.msg, now);
         }
     }

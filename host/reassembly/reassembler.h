@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "readers/record.h"
+#include "can/record.h"
 #include "reassembly/counters.h"
 #include "reassembly/fast_packets.h"
 #include "reassembly/transports.h"

@@ -3,23 +3,16 @@
 #include <algorithm>
 #include <cstring>
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 
 namespace vistel {
-namespace {
 
-constexpr unsigned packet_bytes = 7;
+using namespace transport_protocol;
+
+namespace {
 
 /// The longest pause that the protocol allows, which is the one of addressed sessions.
 constexpr std::int64_t longest_silence = 1250 * milliseconds;
-
-enum ControlByte : std::uint8_t {
-    request_to_send = 16,
-    clear_to_send = 17,
-    end_of_message = 19,
-    broadcast_announce = 32,
-    abort_session = 255,
-};
 
 std::uint64_t key_of(std::uint8_t sender, std::uint8_t receiver) {
     return std::uint64_t{sender} << 8 | receiver;
@@ -52,8 +45,7 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
         }
         abandon(i);
     }
-    if (length == 0 || length > N2K_MAX_PAYLOAD || packets != (length + packet_bytes - 1) / packet_bytes ||
-        pgn > max_pgn) {
+    if (length == 0 || length > N2K_MAX_PAYLOAD || packets != packets_of(length) || pgn > max_pgn) {
         ++counters_.incomplete_transports;
         return;
     }
@@ -106,8 +98,8 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
         return nullptr;
     }
     Slot& slot = slots_[i];
-    const unsigned offset = (number - 1) * packet_bytes;
-    const unsigned count = std::min(packet_bytes, slot.message.length - offset);
+    const unsigned offset = (number - 1) * bytes_in_packet;
+    const unsigned count = std::min(bytes_in_packet, slot.message.length - offset);
     const std::uint8_t* const bytes = frame.data + 1;
     if (frame.length < 1 + count) {
         ++counters_.orphan_frames;

@@ -6,12 +6,12 @@
 #include <set>
 #include <tuple>
 
+#include "can/identifier.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
 #include "encode/number_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
-#include "readers/can_identifier.h"
 #include "reassembly/fast_packets.h"
 
 using namespace pgn_vistel;

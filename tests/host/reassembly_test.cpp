@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "readers/record.h"
+#include "can/record.h"
 #include "reassembly/reassembler.h"
 
 namespace vistel {
@@ -108,7 +108,8 @@ class Script {
     Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) {
         ++all_messages_;
         EXPECT_TRUE(time == time_);
-        if (msg.source < 90 && msg.pgn != Transports::control_pgn && msg.pgn != Transports::data_pgn) {
+        if (msg.source < 90 && msg.pgn != transport_protocol::control_pgn &&
+            msg.pgn != transport_protocol::data_pgn) {
             long_messages_.push_back(msg);
         }
     }};
