@@ -8,7 +8,7 @@ file(GLOB table_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/data/*.tsv
 
 # Named, so that what includes a changed fragment is compiled in the same build.
 set(tables_fragments availability dd_class_0 dd_class_10000 dd_class_2436 df_conv_list df_conv_table df_self_conv_list
-    dictionary_table enum_pairs enum_sets field_table format_class_table format_functions format_table parser_table
+    dictionary_table enum_pairs enum_sets fast_packet_ranges field_table format_class_table format_functions format_table parser_table
     parser_units pgn_table quantity_rows repeat_set_table stream_key_table unit_format_table unit_names)
 list(TRANSFORM tables_fragments REPLACE "(.+)" "${tables_dir}/\\1.inc")
 

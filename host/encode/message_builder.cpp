@@ -10,7 +10,6 @@
 #include "encode/text_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
-#include "reassembly/fast_packets.h"
 #include "text/characters.h"
 #include "text/quotes.h"
 #include "text/words.h"
@@ -342,9 +341,8 @@ BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnD
         return result;
     }
     if (has_payload && rest.empty()) return result;  // as it is, however short
-    static const FastPacketPgns fast;
-    constexpr std::uint32_t iso_request = 59904;  // of three bytes, by ISO 11783-3
-    const bool fills_frame = !fast.contains(number) && !has_payload && number != iso_request;
+    constexpr std::uint32_t iso_request = 59904;     // of three bytes, by ISO 11783-3
+    const bool fills_frame = !is_fast_packet(number) && !has_payload && number != iso_request;
     std::optional<BuiltMessage> best;
     for (const Bytes& variant : has_payload ? std::vector<Bytes>{payload} : variants_of(*pgn)) {
         BuiltMessage built;

@@ -6,7 +6,7 @@
 #include "can/fast_packet.h"
 #include "can/identifier.h"
 #include "can/transport_protocol.h"
-#include "reassembly/fast_packets.h"
+#include "pgn_vistel/catalogue.h"
 #include "text/hex.h"
 
 namespace vistel {
@@ -79,16 +79,11 @@ class Frames {
     std::string before_;
 };
 
-const FastPacketPgns& fast_packets() {
-    static const FastPacketPgns pgns;
-    return pgns;
-}
-
 }  // namespace
 
 std::string plain_lines(const N2KMsg& msg, std::string_view time) {
     std::string line;
-    if (msg.length <= max_frame_bytes && fast_packets().contains(msg.pgn)) line = "# format=FAST\n";
+    if (msg.length <= max_frame_bytes && pgn_vistel::is_fast_packet(msg.pgn)) line = "# format=FAST\n";
     line += time;
     for (const unsigned number : {unsigned{msg.priority}, unsigned{msg.pgn}, unsigned{msg.source},
                                   unsigned{msg.destination}, unsigned{msg.length}})
@@ -103,7 +98,7 @@ std::string plain_lines(const N2KMsg& msg, std::string_view time) {
 
 std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong) {
     Frames frames(msg, time);
-    if (fast_packets().contains(msg.pgn) && msg.length <= fast_packet::most_bytes) {
+    if (pgn_vistel::is_fast_packet(msg.pgn) && msg.length <= fast_packet::most_bytes) {
         frames.put_fast(sequence);
     } else if (msg.length <= max_frame_bytes) {
         frames.put_single();

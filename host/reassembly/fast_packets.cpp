@@ -6,7 +6,6 @@
 
 #include "can/fast_packet.h"
 #include "can/identifier.h"
-#include "pgn_vistel/catalogue.h"
 
 namespace vistel {
 
@@ -23,23 +22,7 @@ std::uint64_t key_of(const N2KMsg& frame) {
            std::uint64_t{frame.destination} << 3 | sequence_of(frame.data[0]);
 }
 
-/// The catalogue has these as multi-frame, but all of them fill one frame exactly and devices send them so:
-/// heartbeat, heave, load controller state, the AC, converter and DC measurements. Taken as pieces they would
-/// make up messages that nobody sent.
-constexpr std::uint32_t sent_as_single_frames[] = {126993, 127252, 127500, 127744, 127745, 127746,
-                                                   127747, 127748, 127749, 127750, 127751};
-
 }  // namespace
-
-FastPacketPgns::FastPacketPgns() {
-    constexpr std::uint32_t proprietary_addressed = 0x1EF00, first_proprietary = 0x1FF00;
-    for (std::uint32_t pgn = first; pgn <= last; ++pgn) {
-        const pgn_vistel::PgnDef* row = pgn_vistel::find_pgn_def(pgn);
-        const bool proprietary = pgn == proprietary_addressed || pgn >= first_proprietary;
-        fast_[pgn - first] = proprietary || (row != nullptr && row->single_frame == 0);
-    }
-    for (const std::uint32_t pgn : sent_as_single_frames) fast_[pgn - first] = false;
-}
 
 /// Whether a stored frame other than 0 belongs to the announced message, with all that is due to it.
 bool FastPackets::Slot::fits(unsigned number) const {

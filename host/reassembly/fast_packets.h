@@ -1,6 +1,5 @@
 #pragma once
 
-#include <bitset>
 #include <cstdint>
 
 #include "can/fast_packet.h"
@@ -10,23 +9,6 @@
 #include "reassembly/slot_table.h"
 
 namespace vistel {
-
-/// Which PGNs come as fast packets. The bus does not tell, the catalogue does, except that
-///   - below 126208 nothing is a fast packet,
-///   - 126720 and 130816..131071, the proprietary ones, always are,
-///   - a few that the catalogue has wrong are put right, and
-///   - PGNs in between that the catalogue does not know are taken as single frames.
-/// A wrong guess of the last kind still shows all bytes, while single frames taken as pieces would be lost.
-class FastPacketPgns {
-  public:
-    FastPacketPgns();
-
-    bool contains(std::uint32_t pgn) const { return pgn >= first && pgn <= last && fast_[pgn - first]; }
-
-  private:
-    static constexpr std::uint32_t first = 0x1ED00, last = 0x1FFFF;
-    std::bitset<last - first + 1> fast_;
-};
 
 /// Reassembles fast packets.
 ///

@@ -1,5 +1,7 @@
 #include "reassembly/reassembler.h"
 
+#include "pgn_vistel/catalogue.h"
+
 namespace vistel {
 
 void Reassembler::emit(const N2KMsg& msg, const RecordTime& time) {
@@ -21,7 +23,7 @@ void Reassembler::put(const Record& record) {
 
     const std::uint32_t pgn = record.msg.pgn;
     const N2KMsg* reassembled = nullptr;
-    if (fast_packet_pgns_.contains(pgn)) {
+    if (pgn_vistel::is_fast_packet(pgn)) {
         reassembled = fast_packets_.put(record.msg, now);
     } else {
         emit(record.msg, record.time);

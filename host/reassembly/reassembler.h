@@ -37,7 +37,6 @@ class Reassembler {
 
     Sink sink_;
     ReassemblyCounters counters_;
-    FastPacketPgns fast_packet_pgns_;
     FastPackets fast_packets_{counters_};
     Transports transports_{counters_};
 };

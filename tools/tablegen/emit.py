@@ -1,6 +1,6 @@
 """The C++ include fragments. Each is text for the inside of one initialiser or macro list."""
 
-from tables import DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
+from tables import ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
@@ -21,6 +21,7 @@ def fragments(tables):
 
     result = {
         "pgn_table.inc": ("pgns.tsv", [*map(pgn_line, tables.pgns), PGN_CLOSING_ROW]),
+        "fast_packet_ranges.inc": ("pgns.tsv", fast_packet_ranges(tables.pgns)),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
         "format_functions.inc": ("formats.tsv", filter(None, map(format_function, tables.formats))),
         "format_table.inc": ("formats.tsv", [format_line(row, parsers[row.df])
@@ -75,6 +76,16 @@ def pgn_line(row):
     addressed = (row.pgn >> 8) & 0xFF < 240 or 130816 <= row.pgn <= 131071
     return (f"{{{row.pgn}, {keys(row)}, {narrow(row.name)}, {int(addressed)}, "
             f"{int(row.listed == 'yes')}, {row.priority}, {int(row.frames == 'single')}}},")
+
+
+def fast_packet_ranges(rows):
+    """{first, last} of the PGNs that are fast packets, catalogued or not."""
+    pgns = {row.pgn for row in rows if row.packet == "fast"}
+    for first, last in ALWAYS_FAST:
+        pgns.update(range(first, last + 1))
+    firsts = sorted(pgn for pgn in pgns if pgn - 1 not in pgns)
+    lasts = sorted(pgn for pgn in pgns if pgn + 1 not in pgns)
+    return [f"{{{first}, {last}}}," for first, last in zip(firsts, lasts)]
 
 
 def keys(row):
