@@ -63,7 +63,7 @@ Recording::State Recording::prepare(ByteSource::Wait wait) {
     for (;;) {
         if (reader_) return State::ready;
         const std::string_view head = source_.unread();
-        if (const Format* format = recognise_format(head, source_.ended())) {
+        if (const Format* format = recognise_format(head, passed_, source_.ended())) {
             use(*format);
         } else if (source_.ended() || head.size() >= most_head) {
             return State::unknown_format;

@@ -69,6 +69,7 @@ class Recording {
     ReadResult explain_end();
 
     ByteSource source_;
+    std::size_t passed_ = 0;  // bytes of the head that speak for no format
     const Format* format_ = nullptr;
     std::unique_ptr<RecordReader> reader_;
     DayClock day_clock_;
