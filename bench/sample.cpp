@@ -3,12 +3,12 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "assembly/assembler.h"
 #include "readers/recording.h"
+#include "reassembly/reassembler.h"
 
 std::vector<SampleMessage> load_sample(const std::string& path) {
     std::vector<SampleMessage> sample;
-    vistel::Assembler assembler([&sample](const N2KMsg& msg, const vistel::RecordTime& time) {
+    vistel::Reassembler reassembler([&sample](const N2KMsg& msg, const vistel::RecordTime& time) {
         sample.push_back({msg, time});
     });
     vistel::Recording recording;
@@ -19,6 +19,6 @@ std::vector<SampleMessage> load_sample(const std::string& path) {
     vistel::Record record;
     for (auto result = recording.next(record); result != vistel::ReadResult::end;
          result = recording.next(record))
-        if (result == vistel::ReadResult::record) assembler.put(record);
+        if (result == vistel::ReadResult::record) reassembler.put(record);
     return sample;
 }

@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "can/record.h"
 #include "pgn_vistel/n2k_msg.h"
-#include "readers/record.h"
 
-/// The messages of a recording, assembled.
+/// The messages of a recording, reassembled.
 struct SampleMessage {
     N2KMsg msg;
     vistel::RecordTime time;

@@ -8,7 +8,7 @@ file(GLOB table_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/data/*.tsv
 
 # Named, so that what includes a changed fragment is compiled in the same build.
 set(tables_fragments availability catalogued_formats dd_class_0 dd_class_10000 dd_class_2436 df_conv_list df_conv_table
-    dictionary_formats dictionary_table enum_index enum_pairs enum_plans enum_sets enum_texts field_plans
+    dictionary_formats dictionary_table enum_index enum_pairs enum_plans enum_sets enum_texts fast_packet_ranges field_plans
     field_table format_class_table format_plans format_table parser_table parser_units pgn_plans pgn_rules
     pgn_table powers_double powers_single quantity_rows repeat_set_table special_fields stream_key_table
     table_sizes text_pool unit_factors unit_format_table unit_names unit_rule_names unit_texts)

@@ -1,6 +1,6 @@
-// Bytes as a recording, read to the end and put together to messages. The first byte chooses the format: 0
+// Bytes as a recording, read to the end and reassembled into messages. The first byte chooses the format: 0
 // has it recognised, 1.. are the known ones in their order, the next value takes the bytes as bare frames,
-// which reach the assembler's corners sooner. Its highest bit has them come by a pipe.
+// which reach the reassembler's corners sooner. Its highest bit has them come by a pipe.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -10,9 +10,9 @@
 #include <span>
 #include <string_view>
 
-#include "assembly/assembler.h"
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 #include "readers/recording.h"
+#include "reassembly/reassembler.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
     Recording recording;
     const int descriptor = by_pipe && bytes.size() <= pipe_holds ? pipe_of(bytes) : file_of(bytes);
     require(recording.attach(descriptor, {.format = std::string(format), .patience_ms = -1}));
-    Assembler assembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
+    Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
     Record record;
     std::uint64_t last_line = 0;
     // Every call takes a line or ends, and what is there never makes one wait.
@@ -56,7 +56,7 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
         switch (recording.next(record)) {
             case ReadResult::record:
                 check(record.msg);
-                assembler.put(record);
+                reassembler.put(record);
                 break;
             case ReadResult::problem:
                 require(recording.problem().line >= last_line && !recording.problem().text.empty() &&
@@ -64,7 +64,7 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
                 last_line = recording.problem().line;
                 break;
             case ReadResult::nothing: break;
-            case ReadResult::end: assembler.finish(); return;
+            case ReadResult::end: reassembler.finish(); return;
         }
     }
     std::abort();
@@ -72,7 +72,7 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
 
 /// 16 bytes each: identifier (4), length, time origin, time step in milliseconds (2, signed), data (8).
 void put_frames(std::span<const std::uint8_t> bytes) {
-    Assembler assembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
+    Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
     std::int64_t milliseconds = 0;
     for (; bytes.size() >= 16; bytes = bytes.subspan(16)) {
         std::uint32_t identifier = 0;
@@ -85,9 +85,9 @@ void put_frames(std::span<const std::uint8_t> bytes) {
         record.msg.length = bytes[4] % 9;
         std::memcpy(record.msg.data, bytes.data() + 8, record.msg.length);
         record.time = {(milliseconds += step) * 1'000'000, static_cast<RecordTime::Origin>(bytes[5] % 4)};
-        assembler.put(record);
+        reassembler.put(record);
     }
-    assembler.finish();
+    reassembler.finish();
 }
 
 }  // namespace

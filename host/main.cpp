@@ -6,7 +6,7 @@
 #include "commands/decode.h"
 #include "commands/encode.h"
 #include "commands/monitor.h"
-#include "commands/usage_error.h"
+#include "command_line/usage_error.h"
 #include "readers/formats.h"
 
 namespace {

@@ -10,12 +10,12 @@
 #include <memory>
 #include <optional>
 
-#include "assembly/assembler.h"
 #include "commands/interrupt.h"
 #include "commands/progress.h"
 #include "commands/statistics.h"
 #include "output/writers.h"
 #include "readers/recording.h"
+#include "reassembly/reassembler.h"
 
 namespace vistel {
 
@@ -53,7 +53,7 @@ class Decoding {
     const std::string name_;
     core::UnitSelection units_;
     Recording recording_;
-    Assembler assembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
+    Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
     Sink out_{STDOUT_FILENO};
     std::unique_ptr<MessageWriter> writer_;
     std::optional<Progress> progress_;
@@ -94,7 +94,7 @@ bool Decoding::report_problem() {
 }
 
 void Decoding::report_losses() const {
-    const AssemblyCounters& c = assembler_.counters();
+    const ReassemblyCounters& c = reassembler_.counters();
     const auto tell = [](const char* what, std::uint64_t count) {
         if (count > 0) std::fprintf(stderr, "vistel: %s: %" PRIu64 "\n", what, count);
     };
@@ -104,7 +104,7 @@ void Decoding::report_losses() const {
 }
 
 void Decoding::print_statistics() const {
-    const AssemblyCounters& c = assembler_.counters();
+    const ReassemblyCounters& c = reassembler_.counters();
     const auto line = [](const char* what, std::uint64_t count) {
         std::fprintf(stderr, "%s: %" PRIu64 "\n", what, count);
     };
@@ -143,7 +143,7 @@ int Decoding::run() {
         if (recording_.would_wait()) out_.flush();
         switch (recording_.next(record)) {
             case ReadResult::record:
-                assembler_.put(record);
+                reassembler_.put(record);
                 progress_->update(recording_.bytes_read());
                 break;
             case ReadResult::problem: readable = report_problem() && readable; break;
@@ -152,7 +152,7 @@ int Decoding::run() {
         }
     }
     // Messages that the user broke off are not missing anything.
-    if (!more) assembler_.finish();
+    if (!more) reassembler_.finish();
     out_.flush();
     progress_->clear();
     if (!out_.is_open() && out_.error() != EPIPE) {
@@ -162,7 +162,7 @@ int Decoding::run() {
     report_losses();
     if (options_.statistics) print_statistics();
     if (!readable) return EXIT_FAILED;
-    const AssemblyCounters& c = assembler_.counters();
+    const ReassemblyCounters& c = reassembler_.counters();
     const bool lost = problems_ + c.incomplete_fast_packets + c.incomplete_transports + c.orphan_frames > 0;
     return lost ? EXIT_SKIPPED : EXIT_CLEAN;
 }

@@ -11,7 +11,7 @@ namespace vistel {
 /// Exit statuses of the program.
 enum ExitStatus {
     EXIT_CLEAN = 0,    ///< everything was read
-    EXIT_SKIPPED = 1,  ///< some of the input could not be read or put together
+    EXIT_SKIPPED = 1,  ///< some of the input could not be read or reassembled
     EXIT_FAILED = 2,   ///< bad usage, or a file that cannot be read or written
 };
 

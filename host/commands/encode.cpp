@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "can/identifier.h"
 #include "commands/decode.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
@@ -15,10 +16,11 @@
 #include "encode/number_entry.h"
 #include "encode/suggestions.h"
 #include "output/unit_names.h"
-#include "output/utf8.h"
-#include "readers/can_identifier.h"
-#include "readers/problem.h"
 #include "readers/timestamp.h"
+#include "text/hex.h"
+#include "text/quotes.h"
+#include "text/utf8.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 
@@ -145,8 +147,8 @@ int list_fields(const EncodeOptions& options, const PgnDef& row) {
     for (const auto& variant : variants_of(row)) {
         std::string beginning = variant.empty() ? " anything" : "";
         for (const std::uint8_t byte : variant) {
-            constexpr char digits[] = "0123456789ABCDEF";
-            beginning.append({' ', digits[byte >> 4], digits[byte & 15]});
+            beginning += ' ';
+            append_hex(beginning, byte, 2);
         }
         std::string fields;
         bool repeats = false;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "output/unit_names.h"
+#include "text/words.h"
 
 using namespace pgn_vistel::core;
 
@@ -30,17 +31,11 @@ constexpr Choice metric[] = {
     {quantity::mass, unit::gram},
 };
 
-std::string concat(std::initializer_list<std::string_view> parts) {
-    std::string result;
-    for (const std::string_view part : parts) result += part;
-    return result;
-}
-
 }  // namespace
 
 std::string select_unit(UnitSelection& selection, std::string_view choice) {
     const std::size_t sign = choice.find('=');
-    if (sign == choice.npos) return concat({"'", choice, "' is not of the form QUANTITY=UNIT"});
+    if (sign == choice.npos) return concat("'", choice, "' is not of the form QUANTITY=UNIT");
     const std::string_view name = choice.substr(0, sign);
     const std::string_view text = choice.substr(sign + 1);
 
@@ -50,14 +45,14 @@ std::string select_unit(UnitSelection& selection, std::string_view choice) {
     if (row == rows.end()) {
         std::vector<std::string> labels;
         for (const QuantityRow& r : rows) labels.emplace_back(r.label);
-        return concat({"no quantity '", name, "'; there are: ", joined(labels)});
+        return concat("no quantity '", name, "'; there are: ", joined(labels));
     }
     const auto units = offered_units(row->quantity);
     const UnitId found = find_unit(units, text);
     if (found < 0) {
         std::vector<std::string> names;
         for (const UnitId u : units) names.push_back(unit_text(u));
-        return concat({"no unit '", text, "' for ", row->label, "; there are: ", joined(names)});
+        return concat("no unit '", text, "' for ", row->label, "; there are: ", joined(names));
     }
     selection.select(row->quantity, found);
     return {};
@@ -65,7 +60,7 @@ std::string select_unit(UnitSelection& selection, std::string_view choice) {
 
 std::string select_units(UnitSelection& selection, std::string_view name) {
     if (name != "default" && name != "metric")
-        return concat({"no set of units '", name, "'; there are: default, metric"});
+        return concat("no set of units '", name, "'; there are: default, metric");
     for (DispDataType q = 0; q < quantity::count; ++q) selection.select(q, *available_units(q));
     if (name == "metric")
         for (const Choice& c : metric) selection.select(c.quantity, c.unit);

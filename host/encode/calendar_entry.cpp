@@ -3,9 +3,10 @@
 #include <cmath>
 
 #include "encode/number_entry.h"
-#include "encode/suggestions.h"
 #include "output/unit_names.h"
-#include "output/utf8.h"
+#include "text/quotes.h"
+#include "text/utf8.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 

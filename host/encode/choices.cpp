@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include "encode/number_entry.h"
-
 #include "output/unit_names.h"
-#include "output/utf8.h"
+#include "text/utf8.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 

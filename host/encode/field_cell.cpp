@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "output/utf8.h"
 #include "output/wide_label.h"
+#include "text/utf8.h"
 
 using namespace pgn_vistel;
 

@@ -4,13 +4,15 @@
 #include <cstring>
 #include <iterator>
 
-#include "assembly/fast_packet.h"
+#include "can/identifier.h"
 #include "encode/number_entry.h"
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
-#include "readers/can_identifier.h"
+#include "text/characters.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 
@@ -37,7 +39,7 @@ NumberedLabel numbered(std::string_view label) {
     if (sign == label.npos) return {label, 0};
     int round = 0;
     for (const char c : label.substr(sign + 2)) {
-        if (c < '0' || c > '9' || round > N2K_MAX_PAYLOAD) return {label, 0};
+        if (!is_digit(c) || round > N2K_MAX_PAYLOAD) return {label, 0};
         round = round * 10 + (c - '0');
     }
     return round > 0 ? NumberedLabel{label.substr(0, sign), round} : NumberedLabel{label, 0};
@@ -339,9 +341,8 @@ BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnD
         return result;
     }
     if (has_payload && rest.empty()) return result;  // as it is, however short
-    static const FastPacketPgns fast;
-    constexpr std::uint32_t iso_request = 59904;  // of three bytes, by ISO 11783-3
-    const bool fills_frame = !fast.contains(number) && !has_payload && number != iso_request;
+    constexpr std::uint32_t iso_request = 59904;     // of three bytes, by ISO 11783-3
+    const bool fills_frame = !is_fast_packet(number) && !has_payload && number != iso_request;
     std::optional<BuiltMessage> best;
     for (const Bytes& variant : has_payload ? std::vector<Bytes>{payload} : variants_of(*pgn)) {
         BuiltMessage built;

@@ -1,23 +1,19 @@
 #include "encode/message_lines.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <span>
 
-#include "assembly/fast_packet.h"
-#include "readers/can_identifier.h"
+#include "can/fast_packet.h"
+#include "can/identifier.h"
+#include "can/transport_protocol.h"
+#include "pgn_vistel/core/catalogue.h"
+#include "text/hex.h"
 
 namespace vistel {
 
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
-
-void append_hex(std::string& text, unsigned value, int digits) {
-    char area[9];
-    std::snprintf(area, sizeof area, "%0*X", digits, value);
-    text += area;
-}
 
 class Frames {
   public:
@@ -33,29 +29,26 @@ class Frames {
     void put_fast(unsigned sequence) {
         Bytes rest = bytes_;
         for (unsigned number = 0; number == 0 || !rest.empty(); ++number) {
-            const std::uint8_t counter = static_cast<std::uint8_t>(sequence << 5 | number);
-            const std::uint8_t header[] = {counter, static_cast<std::uint8_t>(bytes_.size())};
+            const std::uint8_t header[] = {fast_packet::first_byte(sequence, number),
+                                           static_cast<std::uint8_t>(bytes_.size())};
             put_piece(rest, Bytes(header, number == 0 ? 2 : 1),
-                      number == 0 ? FastPackets::bytes_in_first : FastPackets::bytes_in_later);
+                      number == 0 ? fast_packet::bytes_in_first : fast_packet::bytes_in_later);
         }
     }
 
     /// An announcement, then packets of seven bytes.
     void put_broadcast() {
-        constexpr std::uint32_t connection_management = 60416, data_transfer = 60160;
-        constexpr std::uint8_t announcement = 32;
-        constexpr unsigned bytes_in_packet = 7;
+        using namespace transport_protocol;
         const auto size = static_cast<unsigned>(bytes_.size());
         const std::uint32_t pgn = header_.pgn;
-        const unsigned frame[] = {
-            announcement, size & 0xFF, size >> 8,       (size + bytes_in_packet - 1) / bytes_in_packet,
-            0xFF,         pgn & 0xFF,  pgn >> 8 & 0xFF, pgn >> 16};
+        const unsigned frame[] = {broadcast_announce, size & 0xFF,     size >> 8, packets_of(size), 0xFF,
+                                  pgn & 0xFF,         pgn >> 8 & 0xFF, pgn >> 16};
         std::uint8_t announced[max_frame_bytes];
         std::ranges::transform(frame, announced,
                                [](unsigned byte) { return static_cast<std::uint8_t>(byte); });
-        header_.pgn = connection_management;
+        header_.pgn = control_pgn;
         put({}, announced);
-        header_.pgn = data_transfer;
+        header_.pgn = data_pgn;
         Bytes rest = bytes_;
         for (std::uint8_t number = 1; !rest.empty(); ++number)
             put_piece(rest, Bytes(&number, 1), bytes_in_packet);
@@ -86,16 +79,11 @@ class Frames {
     std::string before_;
 };
 
-const FastPacketPgns& fast_packets() {
-    static const FastPacketPgns pgns;
-    return pgns;
-}
-
 }  // namespace
 
 std::string plain_lines(const N2KMsg& msg, std::string_view time) {
     std::string line;
-    if (msg.length <= max_frame_bytes && fast_packets().contains(msg.pgn)) line = "# format=FAST\n";
+    if (msg.length <= max_frame_bytes && pgn_vistel::core::is_fast_packet(msg.pgn)) line = "# format=FAST\n";
     line += time;
     for (const unsigned number : {unsigned{msg.priority}, unsigned{msg.pgn}, unsigned{msg.source},
                                   unsigned{msg.destination}, unsigned{msg.length}})
@@ -110,7 +98,7 @@ std::string plain_lines(const N2KMsg& msg, std::string_view time) {
 
 std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong) {
     Frames frames(msg, time);
-    if (fast_packets().contains(msg.pgn) && msg.length <= FastPackets::most_bytes) {
+    if (pgn_vistel::core::is_fast_packet(msg.pgn) && msg.length <= fast_packet::most_bytes) {
         frames.put_fast(sequence);
     } else if (msg.length <= max_frame_bytes) {
         frames.put_single();

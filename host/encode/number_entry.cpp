@@ -6,8 +6,10 @@
 #include <cstring>
 #include <limits>
 
-#include "encode/suggestions.h"
 #include "output/unit_names.h"
+#include "text/characters.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 
@@ -176,12 +178,6 @@ UnitFound unit_for(FieldCell& cell, std::string_view text) {
 
 }  // namespace
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    if (first == text.npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 bool shows(const FieldCell& cell, std::string_view text) {
     return trimmed(cell.shown(true)) == text || trimmed(cell.shown()) == text;
 }
@@ -192,7 +188,6 @@ std::optional<double> take_number(std::string_view& text) {
     if (negative || digits.starts_with('+')) digits.remove_prefix(1);
     const bool hexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
     if (hexadecimal) digits.remove_prefix(2);
-    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
     const bool fraction = digits.size() > 1 && digits[0] == '.' && is_digit(digits[1]);
     if (!hexadecimal && !fraction && (digits.empty() || !is_digit(digits[0]))) return {};
     double value = 0;
@@ -249,7 +244,7 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
     const std::optional<double> number = take_number(rest);
     if (!number) return {};
     const std::string_view digits = text.substr(0, text.size() - rest.size());
-    if (rest.size() > 1 && rest[0] == ',' && rest[1] >= '0' && rest[1] <= '9')
+    if (rest.size() > 1 && rest[0] == ',' && is_digit(rest[1]))
         return in_quotes(text) + " has a comma: a fraction is typed with a point, as in 1.5";
     rest = trimmed(rest);
     std::string_view in_parentheses;

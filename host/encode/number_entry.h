@@ -25,6 +25,4 @@ std::optional<double> take_number(std::string_view& text);
 /// Whether decoding shows the field so, with its unit or without.
 bool shows(const FieldCell& cell, std::string_view text);
 
-std::string_view trimmed(std::string_view text);
-
 }  // namespace vistel

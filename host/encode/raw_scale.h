@@ -10,7 +10,8 @@ namespace vistel {
 /// The values that the raw numbers of a field stand for in one unit, and the way back from value to number.
 ///
 /// Only the conversion knows how numbers become values, so it is asked: the numbers fall into few runs along
-/// which the values rise (or fall, as those of negative floats do), and runs can be searched by halving.
+/// which the values rise (or fall, as those of negative floats do), and a binary search finds its way in a
+/// run.
 class RawScale {
   public:
     static constexpr double single_rounding = 0x1p-24;

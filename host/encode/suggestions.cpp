@@ -5,6 +5,8 @@
 #include <numeric>
 
 #include "output/unit_names.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 namespace vistel {
 
@@ -37,16 +39,6 @@ bool is_longer_form(std::string_view text, std::string_view abbreviated) {
 }
 
 }  // namespace
-
-std::string in_quotes(std::string_view typed) {
-    constexpr std::size_t most = 60;
-    std::size_t size = std::min(typed.size(), most);
-    while (size < typed.size() && size > 0 && (typed[size] & 0xC0) == 0x80) --size;  // whole characters
-    std::string result = "'";
-    for (const char c : typed.substr(0, size))
-        result += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-    return result + (size < typed.size() ? "...'" : "'");
-}
 
 std::string suggestion(std::string_view typed, const std::vector<std::string>& choices,
                        std::string_view otherwise) {

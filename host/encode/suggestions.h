@@ -6,9 +6,6 @@
 
 namespace vistel {
 
-/// A typed text between quotes, shortened and without control characters, for messages.
-std::string in_quotes(std::string_view typed);
-
 /// What could have been meant: "did you mean 'a' or 'b'?", or "there are: a, b, c" where there are few, or
 /// `otherwise`.
 std::string suggestion(std::string_view typed, const std::vector<std::string>& choices,

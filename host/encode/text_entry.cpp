@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "encode/number_entry.h"
-#include "encode/suggestions.h"
-#include "output/utf8.h"
+#include "text/hex.h"
+#include "text/quotes.h"
+#include "text/utf8.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 
@@ -92,14 +93,11 @@ std::string enter_bytes(FieldCell& cell, std::string_view text) {
 }  // namespace
 
 std::optional<std::vector<std::uint8_t>> bytes_of(std::string_view text) {
-    const auto digit = [](char c) {
-        return c >= '0' && c <= '9' ? c - '0' : (c | 32) >= 'a' && (c | 32) <= 'f' ? (c | 32) - 'a' + 10 : -1;
-    };
     std::vector<std::uint8_t> bytes;
     for (text = trimmed(text); !text.empty(); text = trimmed(text)) {
-        const int high = digit(text[0]), low = text.size() > 1 ? digit(text[1]) : -1;
-        if (high < 0 || low < 0) return {};
-        bytes.push_back(static_cast<std::uint8_t>(high << 4 | low));
+        std::uint32_t byte = 0;
+        if (text.size() < 2 || !parse_hex(text.substr(0, 2), byte)) return {};
+        bytes.push_back(static_cast<std::uint8_t>(byte));
         text.remove_prefix(2);
     }
     return bytes;

@@ -6,6 +6,8 @@
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "output/unit_names.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 using namespace pgn_vistel;
 

@@ -7,9 +7,8 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
-#include "commands/usage_error.h"
+#include "command_line/usage_error.h"
 #include "monitor/window.h"
-#include "readers/formats.h"
 
 namespace {
 

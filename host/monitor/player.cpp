@@ -15,7 +15,7 @@ bool Player::open(std::string& error) {
         error = recording_->problem().text;
         return false;
     }
-    assembler_ = std::make_unique<Assembler>([this](const N2KMsg& msg, const RecordTime& time) {
+    reassembler_ = std::make_unique<Reassembler>([this](const N2KMsg& msg, const RecordTime& time) {
         constexpr std::int64_t time_stamp_unit = 10'000'000;  // nanoseconds
         const std::int64_t since_start = std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
         N2KMsg stamped = msg;
@@ -43,7 +43,7 @@ bool Player::read_record() {
 
 // At the end: from the start again, or over.
 void Player::rewind() {
-    assembler_->finish();
+    reassembler_->finish();
     start_.reset();
     std::string error;
     if (!options_.loop || options_.file == "-" || counters_.messages == 0 || !open(error)) ended_ = true;
@@ -68,7 +68,7 @@ void Player::advance(LatestMessages& latest) {
             started_ = Clock::now();
         }
         if (!is_due(record_.time)) return;
-        assembler_->put(record_);
+        reassembler_->put(record_);
         has_record_ = false;
     }
 }

@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "assembly/assembler.h"
 #include "monitor/latest.h"
 #include "readers/recording.h"
+#include "reassembly/reassembler.h"
 
 namespace vistel {
 
@@ -53,7 +53,7 @@ class Player {
 
     PlayOptions options_;
     std::unique_ptr<Recording> recording_;
-    std::unique_ptr<Assembler> assembler_;
+    std::unique_ptr<Reassembler> reassembler_;
     LatestMessages* latest_ = nullptr;
     Record record_;
     bool has_record_ = false;          // read, but not yet due

@@ -3,19 +3,13 @@
 #include <algorithm>
 
 #include "output/unit_spellings.h"
+#include "text/words.h"
 
 namespace core = pgn_vistel::core;
 using core::DispDataType, core::UnitId;
 namespace unit = core::unit;
 
 namespace vistel {
-
-std::string lower_case(std::string_view text) {
-    std::string result(text);
-    for (char& c : result)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return result;
-}
 
 std::string simplified(std::string_view text) {
     constexpr std::string_view degree_sign = "\u00B0";
@@ -48,15 +42,6 @@ UnitId find_unit(const std::vector<UnitId>& units, std::string_view text) {
     };
     const UnitId found = only(is_alike);
     return found >= 0 ? found : only([text](UnitId u) { return is_spelling_of(text, unit_text(u)); });
-}
-
-std::string joined(const std::vector<std::string>& texts) {
-    std::string result;
-    for (const std::string& text : texts) {
-        if (!result.empty()) result += ", ";
-        result += text;
-    }
-    return result;
 }
 
 }  // namespace vistel

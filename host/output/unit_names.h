@@ -18,12 +18,6 @@ std::vector<pgn_vistel::core::UnitId> offered_units(pgn_vistel::core::DispDataTy
 /// and degree signs, or in another spelling ("knots"). -1 for none.
 pgn_vistel::core::UnitId find_unit(const std::vector<pgn_vistel::core::UnitId>& units, std::string_view text);
 
-/// Texts with commas between them, as in "ft, m, ftm".
-std::string joined(const std::vector<std::string>& texts);
-
-/// With ASCII letters in lower case.
-std::string lower_case(std::string_view text);
-
 /// ASCII lower case without degree signs: what people type for a unit or a quantity.
 std::string simplified(std::string_view text);
 

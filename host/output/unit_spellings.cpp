@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "output/unit_names.h"
+#include "text/words.h"
 
 namespace vistel {
 

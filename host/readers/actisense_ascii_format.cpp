@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <string>
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 #include "readers/scan.h"
+#include "text/characters.h"
+#include "text/hex.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 namespace vistel {
 namespace {

@@ -2,8 +2,12 @@
 
 #include <algorithm>
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 #include "readers/scan.h"
+#include "text/characters.h"
+#include "text/hex.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 namespace vistel {
 namespace {
@@ -17,7 +21,7 @@ struct Shape {
 };
 
 std::string_view last_word(std::string_view text) {
-    text = trim_blanks(text);
+    text = trimmed(text);
     std::size_t start = text.size();
     while (start > 0 && !is_blank(text[start - 1])) --start;
     return text.substr(start);
@@ -37,7 +41,7 @@ bool take_spaced(std::string_view line, Shape& shape) {
             shape.identifier = shape.identifier.substr(3, shape.identifier.size() - 4);
         }
         shape.length = line.substr(open + 1, close - open - 1);
-        shape.data = trim_blanks(line.substr(close + 1));
+        shape.data = trimmed(line.substr(close + 1));
         // A length of two digits is how flexible data rate frames of any size are printed.
         shape.kind = shape.length.size() == 1 ? Shape::Kind::spaced : Shape::Kind::flexible_rate;
         return true;
@@ -93,7 +97,7 @@ LineResult read_spaced(const Shape& shape, N2KMsg& msg, Problem& problem) {
 LineResult read_packed(const Shape& shape, N2KMsg& msg, Problem& problem) {
     const std::size_t size = std::min(shape.data.find_first_of(" \t"), shape.data.size());
     const std::string_view bytes = shape.data.substr(0, size);
-    const std::string_view direction = trim_blanks(shape.data.substr(size));
+    const std::string_view direction = trimmed(shape.data.substr(size));
     if (bytes.starts_with('R')) return LineResult::foreign;
     if (!direction.empty() && direction != "R" && direction != "T") {
         describe(problem, quoted(direction), " follows the data");
@@ -119,7 +123,7 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
         describe(problem, "the parenthesis of the time is not closed");
         return false;
     }
-    const std::string_view text = trim_blanks(line.substr(1, close - 1));
+    const std::string_view text = trimmed(line.substr(1, close - 1));
     line.remove_prefix(close + 1);
     if (text.find(':') == std::string_view::npos) {
         if (parse_seconds(text, time)) return true;
@@ -137,7 +141,7 @@ LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& p
     if (!take_time(line, record.time, problem)) return LineResult::problem;
     const Shape shape = shape_of(line);
     if (shape.kind == Shape::Kind::none) {
-        describe(problem, quoted(trim_blanks(line)), " has neither [length] nor # before its data");
+        describe(problem, quoted(trimmed(line)), " has neither [length] nor # before its data");
         return LineResult::problem;
     }
     if (shape.kind == Shape::Kind::flexible_rate) {

@@ -1,28 +1,16 @@
 #include "readers/formats.h"
 
+#include <cassert>
+
 #include "readers/actisense_ascii_format.h"
 #include "readers/candump_format.h"
 #include "readers/line_reader.h"
 #include "readers/plain_format.h"
-#include "readers/scan.h"
 #include "readers/yacht_devices_format.h"
+#include "text/words.h"
 
 namespace vistel {
 namespace {
-
-template <class TextFormat>
-std::size_t find_line_like(std::string_view head, bool whole) {
-    std::string_view text = without_mark(head), line;
-    for (;;) {
-        const std::size_t at = head.size() - text.size();
-        if (!take_line(text, line)) {
-            if (!whole || text.empty()) return std::string_view::npos;
-            line = trim_blanks(text);
-            text = {};
-        }
-        if (!line.empty() && line[0] != '#' && TextFormat::resembles(line)) return at;
-    }
-}
 
 template <class TextFormat>
 std::unique_ptr<RecordReader> open_lines(ByteSource& source) {
@@ -31,7 +19,7 @@ std::unique_ptr<RecordReader> open_lines(ByteSource& source) {
 
 template <class TextFormat>
 constexpr Format text_format(std::string_view name, std::string_view about) {
-    return {name, about, find_line_like<TextFormat>, open_lines<TextFormat>};
+    return {name, about, TextFormat::resembles, open_lines<TextFormat>};
 }
 
 constexpr Format formats[] = {
@@ -54,17 +42,22 @@ const Format* find_format(std::string_view name) {
     return nullptr;
 }
 
-const Format* recognise_format(std::string_view head, bool whole) {
-    const Format* best = nullptr;
-    std::size_t first = std::string_view::npos;
-    for (const Format& format : formats) {
-        const std::size_t at = format.find_sign(head, whole);
-        if (at < first) {
-            first = at;
-            best = &format;
+const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole) {
+    assert(passed <= head.size());
+    std::string_view rest = head.substr(passed), line;
+    for (;;) {
+        passed = head.size() - rest.size();
+        if (passed == 0) rest = without_mark(rest);
+        if (!take_line(rest, line)) {
+            if (!whole || rest.empty()) return nullptr;
+            line = trimmed(rest);
+            rest = {};
+        }
+        if (line.empty() || line[0] == '#') continue;
+        for (const Format& format : formats) {
+            if (format.resembles(line)) return &format;
         }
     }
-    return best;
 }
 
 std::string format_names() {

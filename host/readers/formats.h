@@ -15,9 +15,8 @@ struct Format {
     std::string_view name;   ///< as given to --format
     std::string_view about;  ///< a line for the help text
 
-    /// Position in `head`, the first bytes of a recording, of what speaks for this format; npos for nothing.
-    /// `whole` tells that nothing follows.
-    std::size_t (*find_sign)(std::string_view head, bool whole);
+    /// Whether a line speaks for this format.
+    bool (*resembles)(std::string_view line);
 
     std::unique_ptr<RecordReader> (*open)(ByteSource& source);
 };
@@ -27,8 +26,11 @@ std::span<const Format> all_formats();
 /// Null for a name that no format has.
 const Format* find_format(std::string_view name);
 
-/// The format whose sign comes first, or null.
-const Format* recognise_format(std::string_view head, bool whole);
+/// The format that the first line of `head` speaks for that speaks for any, or null; of several the one that
+/// comes first among all_formats(). `head` is the beginning of a recording, `whole` tells that nothing
+/// follows. `passed` are its bytes that have been looked at, 0 at first, so that a head which grows is looked
+/// at once.
+const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole);
 
 /// "plain, candump, ..."
 std::string format_names();

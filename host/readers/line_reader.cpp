@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "readers/scan.h"
+#include "text/words.h"
 
 namespace vistel {
 
 bool take_line(std::string_view& text, std::string_view& line) {
     const std::size_t end = text.find('\n');
     if (end == std::string_view::npos) return false;
-    line = trim_blanks(text.substr(0, end));
+    line = trimmed(text.substr(0, end));
     text.remove_prefix(end + 1);
     return true;
 }
@@ -102,7 +102,7 @@ ReadResult LineReader::read_line(Record& record, Problem& problem) {
     searched_ = 0;
     problem.line = ++line_;
     if (line_ == 1) line = without_mark(line);
-    line = trim_blanks(line);
+    line = trimmed(line);
     if (line.empty()) return ReadResult::nothing;
     if (line[0] == '#') {
         format_->comment(line);

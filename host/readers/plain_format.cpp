@@ -2,8 +2,12 @@
 
 #include <algorithm>
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 #include "readers/scan.h"
+#include "text/characters.h"
+#include "text/hex.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 namespace vistel {
 namespace {
@@ -133,7 +137,7 @@ LineResult PlainFormat::read(std::string_view line, Record& record, Problem& pro
 
 void PlainFormat::comment(std::string_view line) {
     line.remove_prefix(1);
-    if (trim_blanks(line) == "format=FAST") whole_messages_ = true;
+    if (trimmed(line) == "format=FAST") whole_messages_ = true;
 }
 
 }  // namespace vistel

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <string>
-#include <string_view>
+
+#include "text/words.h"
 
 namespace vistel {
 
@@ -13,23 +13,11 @@ struct Problem {
     std::string text;
 };
 
-/// `bytes` between backticks: at most 32 of them, unprintable ones as \xNN.
-std::string quoted(std::string_view bytes);
-
-namespace detail {
-inline void append(std::string& text, std::string_view part) {
-    text += part;
-}
-inline void append(std::string& text, std::unsigned_integral auto part) {
-    text += std::to_string(part);
-}
-}  // namespace detail
-
 /// Sets the text: `describe(problem, "priority ", 9u, " is above ", 7u)` -> "priority 9 is above 7".
 template <class... Parts>
 void describe(Problem& problem, const Parts&... parts) {
     problem.text.clear();
-    (detail::append(problem.text, parts), ...);
+    (append_part(problem.text, parts), ...);
 }
 
 }  // namespace vistel

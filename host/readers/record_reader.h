@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
+#include "can/record.h"
 #include "readers/problem.h"
-#include "readers/record.h"
 
 namespace vistel {
 

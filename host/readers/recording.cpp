@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "readers/scan.h"
+#include "text/characters.h"
+#include "text/quotes.h"
 
 namespace vistel {
 namespace {
@@ -62,7 +63,7 @@ Recording::State Recording::prepare(ByteSource::Wait wait) {
     for (;;) {
         if (reader_) return State::ready;
         const std::string_view head = source_.unread();
-        if (const Format* format = recognise_format(head, source_.ended())) {
+        if (const Format* format = recognise_format(head, passed_, source_.ended())) {
             use(*format);
         } else if (source_.ended() || head.size() >= most_head) {
             return State::unknown_format;
@@ -72,11 +73,11 @@ Recording::State Recording::prepare(ByteSource::Wait wait) {
     }
 }
 
-ReadResult Recording::give_up() {
+ReadResult Recording::explain_end() {
     const std::string_view head = source_.unread();
-    if (given_up_ || (source_.ended() && source_.error().empty() && only_blank_lines(head)))
+    if (end_explained_ || (source_.ended() && source_.error().empty() && only_blank_lines(head)))
         return ReadResult::end;
-    given_up_ = true;
+    end_explained_ = true;
     problem_.line = 0;
     if (!source_.error().empty()) {
         describe(problem_, "cannot read on: ", source_.error());
@@ -89,7 +90,7 @@ ReadResult Recording::give_up() {
 ReadResult Recording::next(Record& record) {
     switch (prepare(ByteSource::Wait::yes)) {
         case State::idle: return ReadResult::nothing;
-        case State::unknown_format: return give_up();
+        case State::unknown_format: return explain_end();
         case State::ready: break;
     }
     N2KMsg& msg = record.msg;

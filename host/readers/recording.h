@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "can/record.h"
 #include "readers/byte_source.h"
 #include "readers/day_clock.h"
 #include "readers/formats.h"
 #include "readers/problem.h"
-#include "readers/record.h"
 #include "readers/record_reader.h"
 
 namespace vistel {
@@ -66,14 +66,15 @@ class Recording {
     bool start(bool opened, const RecordingOptions& options);
     State prepare(ByteSource::Wait wait);
     void use(const Format& format);
-    ReadResult give_up();
+    ReadResult explain_end();
 
     ByteSource source_;
+    std::size_t passed_ = 0;  // bytes of the head that speak for no format
     const Format* format_ = nullptr;
     std::unique_ptr<RecordReader> reader_;
     DayClock day_clock_;
     Problem problem_;
-    bool given_up_ = false;
+    bool end_explained_ = false;
 };
 
 }  // namespace vistel

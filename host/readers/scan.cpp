@@ -1,29 +1,11 @@
 #include "readers/scan.h"
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
+#include "text/characters.h"
+#include "text/hex.h"
+#include "text/quotes.h"
 
 namespace vistel {
-
-bool parse_hex(std::string_view text, std::uint32_t& value) {
-    if (text.empty() || text.size() > 8) return false;
-    std::uint32_t result = 0;
-    for (const char c : text) {
-        const std::uint8_t digit = hex_digit(c);
-        if (digit == not_hex) return false;
-        result = result << 4 | digit;
-    }
-    value = result;
-    return true;
-}
-
-std::string_view take_word(std::string_view& text) {
-    text = trim_blanks(text);
-    std::size_t size = 0;
-    while (size < text.size() && !is_blank(text[size])) ++size;
-    const std::string_view word = text.substr(0, size);
-    text = trim_blanks(text.substr(size));
-    return word;
-}
 
 bool read_spaced_bytes(std::string_view text, unsigned most, N2KMsg& msg, Problem& problem) {
     unsigned count = 0;

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstring>
 
-#include "readers/scan.h"
+#include "text/characters.h"
 
 namespace vistel {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "readers/record.h"
+#include "can/record.h"
 
 namespace vistel {
 

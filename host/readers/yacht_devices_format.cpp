@@ -1,7 +1,9 @@
 #include "readers/yacht_devices_format.h"
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 #include "readers/scan.h"
+#include "text/quotes.h"
+#include "text/words.h"
 
 namespace vistel {
 

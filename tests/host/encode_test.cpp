@@ -6,13 +6,12 @@
 #include <set>
 #include <tuple>
 
-#include "assembly/fast_packet.h"
+#include "can/identifier.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
 #include "encode/number_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
-#include "readers/can_identifier.h"
 
 using namespace pgn_vistel;
 
@@ -45,8 +44,7 @@ std::vector<TypedField> shown_fields(const N2KMsg& message) {
 }
 
 bool is_one_frame(std::uint32_t pgn) {
-    static const FastPacketPgns fast;
-    return !fast.contains(pgn);
+    return !is_fast_packet(pgn);
 }
 
 /// A message with everything at random but the texts, three rounds of what repeats.

@@ -17,9 +17,9 @@ from test_tablegen import good_tables, lines  # noqa: E402
 def tables():
     """File -> lines. Blanks part the cells, tildes stand for blanks; line 1 is the header."""
     return good_tables() | {
-        "pgns.tsv": lines("pgn name key1 key2 key3 priority frames listed",
-                          "127000 One~frame - - - 6 single yes", "127001 Group - - - 6 multi yes",
-                          "127002 Long - - - 6 multi yes", "130817 Own 137 4:* - 6 multi no"),
+        "pgns.tsv": lines("pgn name key1 key2 key3 priority frames packet listed",
+                          "127000 One~frame - - - 6 single single yes", "127001 Group - - - 6 multi fast yes",
+                          "127002 Long - - - 6 multi fast yes", "130817 Own 137 4:* - 6 multi fast no"),
         "dictionary.tsv": lines("dd name df size", "1 Reserved~field 52 -", "2 State 52 4b", "3 Speed 35 -",
                                 "4 Name 50 -", "5 Count 53 -", "6 Angle 4 2B", "7 Bits 52 -", "8 Nine 52 9b",
                                 "9 Power 2452 -"),

@@ -1,6 +1,7 @@
 """Rules between the rows of the tables. They run on tables whose cells are all well formed."""
 
-from tables import CLASS_COUNT, DD_RANGES, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS, UNIT_COUNT
+from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
+                    UNIT_COUNT)
 
 PARSED_BYTES = {kind: int(kind[1:]) // 8 for kind in PARSED_KINDS}
 
@@ -43,6 +44,19 @@ def check_dense(rows, column, count, report):
 def check_catalogue(tables, report):
     check_ascending(tables.pgns, "pgn", report, strict=False)
     check_ascending(tables.stream_keys, "pgn", report, strict=True)
+    check_packets(tables.pgns, report)
+
+
+def check_packets(rows, report):
+    packets = {}
+    for row in rows:
+        always = any(first <= row.pgn <= last for first, last in ALWAYS_FAST)
+        if row.packet == "fast" and row.pgn not in FAST_PGNS:
+            report.add(row.place, f"pgn {row.pgn} cannot be a fast packet")
+        elif row.packet != "fast" and always:
+            report.add(row.place, f"pgn {row.pgn} is always a fast packet")
+        elif packets.setdefault(row.pgn, row.packet) != row.packet:
+            report.add(row.place, f"pgn {row.pgn} has packet {packets[row.pgn]} in a row before")
 
 
 def check_dictionary(tables, report):

@@ -2,7 +2,7 @@
 
 from plans import format_lines, id_lines, make_plans, rule_lines, special_lines
 from powers import power_lines
-from tables import DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
+from tables import ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
@@ -25,6 +25,7 @@ def fragments(tables):
         "pgn_plans.inc": ("pgns.tsv", plans.pgn_lines),
         "pgn_rules.inc": ("pgn_rules.tsv", rule_lines(tables)),
         "special_fields.inc": ("special_fields.tsv", special_lines(tables)),
+        "fast_packet_ranges.inc": ("pgns.tsv", fast_packet_ranges(tables.pgns)),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
         "format_plans.inc": ("formats.tsv", format_lines(tables)),
         "catalogued_formats.inc": ("formats.tsv", [f"{row.df}," for row in catalogued(tables)]),
@@ -94,6 +95,16 @@ def pgn_line(row):
     addressed = (row.pgn >> 8) & 0xFF < 240 or 130816 <= row.pgn <= 131071
     return (f"{{{row.pgn}, {keys(row)}, {narrow(row.name)}, {int(addressed)}, "
             f"{int(row.listed == 'yes')}, {row.priority}, {int(row.frames == 'single')}}},")
+
+
+def fast_packet_ranges(rows):
+    """{first, last} of the PGNs that are fast packets, catalogued or not."""
+    pgns = {row.pgn for row in rows if row.packet == "fast"}
+    for first, last in ALWAYS_FAST:
+        pgns.update(range(first, last + 1))
+    firsts = sorted(pgn for pgn in pgns if pgn - 1 not in pgns)
+    lasts = sorted(pgn for pgn in pgns if pgn + 1 not in pgns)
+    return [f"{{{first}, {last}}}," for first, last in zip(firsts, lasts)]
 
 
 def keys(row):

@@ -7,6 +7,8 @@ from types import SimpleNamespace as Row
 
 MAX_PGN = 0x3FFFF  # 18 significant bits
 MAX_U32 = 0xFFFFFFFF
+FAST_PGNS = range(126208, 131072)  # below no message is a fast packet
+ALWAYS_FAST = ((126720, 126720), (130816, 131071))  # proprietary ranges, catalogued or not
 MAX_PAYLOAD = 1785
 MAX_LABEL = 127  # characters of a label that the views keep
 MAX_NAME = 1023
@@ -249,7 +251,8 @@ KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
 FIELD_COLUMNS = {"pgn": PGN, "field": FIELD, "label": LABEL, "size": size, "dd": DD, **KEYS}
 COLUMNS = {
     "pgns": {"pgn": PGN, "name": ascii_text(MAX_NAME), **KEYS, "priority": number(0, 7),
-             "frames": choice("single", "multi"), "listed": choice("yes", "no")},
+             "frames": choice("single", "multi"), "packet": choice("single", "fast", "transport"),
+             "listed": choice("yes", "no")},
     "stream_keys": {"pgn": PGN, "key1": first_stream_key, "key2": stream_key,
                     "key3": stream_key, "key4": stream_key},
     "dictionary": {"dd": DD, "name": text(MAX_NAME, dash_is_empty=True), "df": DF, "size": size},

@@ -7,7 +7,6 @@ GLOBAL = 255
 BIT_RATE = 250_000
 FRAME_GAP = 0.0007  # a device hands over the next frame of a fast packet after this time
 MAX_FAST = 223
-HEARTBEAT = 126993  # listed with the messages of several frames, but devices send its eight bytes in one
 PAUSES = {"broadcast": 0.05, "answer": 0.008, "data": 0.0025}  # of a transport session, seconds
 WINDOW = 8  # packets that a receiver lets come at once
 
@@ -28,12 +27,12 @@ class Bus:
 
     def send(self, time, source, pgn, payload, destination=GLOBAL):
         """Puts a message on the wire in the way its number and length ask for."""
-        priority, several = self._catalogue.pgns.get(pgn, (6, pgn >= 130816))
+        priority, packet = self._catalogue.pgns.get(pgn, (6, "fast" if pgn >= 130816 else "single"))
         self.messages[pgn] = self.messages.get(pgn, 0) + 1
-        if not several or pgn == HEARTBEAT:
+        if packet == "single":
             payload = payload if pgn == 59904 else payload.ljust(8, b"\xff")
             self._frame(time, priority, pgn, source, destination, payload)
-        elif len(payload) > MAX_FAST or pgn == 65240:  # ISO messages know no fast packets
+        elif len(payload) > MAX_FAST or packet == "transport":
             self._transport(time, source, pgn, payload, destination)
         else:
             self._fast_packet(time, priority, pgn, source, destination, payload)

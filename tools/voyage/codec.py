@@ -52,9 +52,9 @@ class Catalogue:
         self._formats = {int(row["df"]): row for row in rows(data / "formats.tsv")}
         self._repeats = {(int(row["pgn"]), row["selector"]): range(int(row["first"]), int(row["last"]) + 1)
                          for row in rows(data / "repeat_sets.tsv")}
-        self.pgns = {}  # number -> (priority, several frames)
+        self.pgns = {}  # number -> (priority, packet)
         for row in rows(data / "pgns.tsv"):
-            self.pgns.setdefault(int(row["pgn"]), (int(row["priority"]), row["frames"] == "multi"))
+            self.pgns.setdefault(int(row["pgn"]), (int(row["priority"]), row["packet"]))
         dictionary = {row["dd"]: row for row in rows(data / "dictionary.tsv")}
         self._variants = {}  # number -> keys -> fields
         for path in sorted(data.glob("fields/*.tsv")):

@@ -24,7 +24,7 @@ def turned(angle):
 def fast_pgns():
     table = (ROOT / "data" / "pgns.tsv").read_text(encoding="utf-8")
     cells = [line.split("\t") for line in table.split("\n")]
-    return {int(row[0]) for row in cells if len(row) > 6 and row[6] == "multi"} - {126993} | {130950}
+    return {int(row[0]) for row in cells if len(row) > 7 and row[7] == "fast"} | {130950}
 
 
 class Recording:

@@ -123,6 +123,11 @@ const PgnDef* find_pgn_def(std::uint32_t pgn);
 /// The name that users see: one for all variants. "Unknown" for null.
 std::string_view pgn_name(const PgnDef* row);
 
+/// Whether messages of a PGN travel as fast packets, which the bus does not tell. PGNs that the table does
+/// not have are taken as single frames, but for the proprietary ranges of fast packets: a wrong guess still
+/// shows all bytes, while single frames taken as pieces would be lost.
+bool is_fast_packet(std::uint32_t pgn);
+
 /// Stream keys of a message. The keys come in preset to 255; 1 when the PGN has any, else 0. Only keys that
 /// are not zero on entry are written. `payload` must hold 1786 bytes.
 int extract_stream_keys(std::uint32_t pgn, const std::uint8_t* payload, std::uint8_t* key1,

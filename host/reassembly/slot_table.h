@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <utility>
 
-#include "assembly/moment.h"
+#include "reassembly/moment.h"
 
 namespace vistel {
 
-/// The messages that are being put together, by key, at most `capacity` at a time. `Slot` has a member
+/// The messages that are being reassembled, by key, at most `capacity` at a time. `Slot` has a member
 /// `Moment last`. On a healthy bus only a few are open at once, hence the plain search.
 template <class Slot, std::size_t capacity>
 class SlotTable {

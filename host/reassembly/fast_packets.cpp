@@ -1,51 +1,28 @@
-#include "assembly/fast_packet.h"
+#include "reassembly/fast_packets.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
 
-#include "pgn_vistel/core/catalogue.h"
-#include "readers/can_identifier.h"
+#include "can/fast_packet.h"
+#include "can/identifier.h"
 
 namespace vistel {
+
+using namespace fast_packet;
+
 namespace {
 
-constexpr unsigned bytes_in_first = FastPackets::bytes_in_first;
-constexpr unsigned bytes_in_later = FastPackets::bytes_in_later;
 constexpr unsigned sequence_bits = 3;
 constexpr std::int64_t longest_silence = 750 * milliseconds;
 
 /// By sequence in the lowest bits, so that the keys of one kind of message are neighbours.
 std::uint64_t key_of(const N2KMsg& frame) {
     return std::uint64_t{frame.pgn} << 19 | std::uint64_t{frame.source} << 11 |
-           std::uint64_t{frame.destination} << 3 | frame.data[0] >> 5;
+           std::uint64_t{frame.destination} << 3 | sequence_of(frame.data[0]);
 }
-
-constexpr unsigned offset_of(unsigned number) {
-    return number == 0 ? 0 : bytes_in_first + (number - 1) * bytes_in_later;
-}
-
-unsigned frame_number(const N2KMsg& frame) {
-    return frame.data[0] & 31u;
-}
-
-/// The catalogue has these as multi-frame, but all of them fill one frame exactly and devices send them so:
-/// heartbeat, heave, load controller state, the AC, converter and DC measurements. Taken as pieces they would
-/// make up messages that nobody sent.
-constexpr std::uint32_t sent_as_single_frames[] = {126993, 127252, 127500, 127744, 127745, 127746,
-                                                   127747, 127748, 127749, 127750, 127751};
 
 }  // namespace
-
-FastPacketPgns::FastPacketPgns() {
-    constexpr std::uint32_t proprietary_addressed = 0x1EF00, first_proprietary = 0x1FF00;
-    for (std::uint32_t pgn = first; pgn <= last; ++pgn) {
-        const pgn_vistel::core::PgnDef* row = pgn_vistel::core::find_pgn_def(pgn);
-        const bool proprietary = pgn == proprietary_addressed || pgn >= first_proprietary;
-        fast_[pgn - first] = proprietary || (row != nullptr && row->single_frame == 0);
-    }
-    for (const std::uint32_t pgn : sent_as_single_frames) fast_[pgn - first] = false;
-}
 
 /// Whether a stored frame other than 0 belongs to the announced message, with all that is due to it.
 bool FastPackets::Slot::fits(unsigned number) const {
@@ -71,14 +48,14 @@ bool FastPackets::Slot::complete() const {
 }
 
 std::size_t FastPackets::open(std::uint64_t key) {
-    if (slots_.full()) give_up(slots_.oldest());
+    if (slots_.full()) abandon(slots_.oldest());
     const std::size_t i = slots_.add(key);
     slots_[i].received = 0;
     slots_[i].overtaken_by = 0;
     return i;
 }
 
-void FastPackets::give_up(std::size_t i) {
+void FastPackets::abandon(std::size_t i) {
     const Slot& slot = slots_[i];
     if (slot.announced()) {
         ++counters_.incomplete_fast_packets;
@@ -94,7 +71,7 @@ void FastPackets::overtake(std::uint64_t key) {
     constexpr unsigned most = 4;
     for (std::size_t i = slots_.size(); i-- > 0;) {
         const bool other_sequence = slots_.key(i) != key && (slots_.key(i) ^ key) >> sequence_bits == 0;
-        if (other_sequence && ++slots_[i].overtaken_by >= most) give_up(i);
+        if (other_sequence && ++slots_[i].overtaken_by >= most) abandon(i);
     }
 }
 
@@ -114,16 +91,16 @@ std::size_t FastPackets::put_first(std::uint64_t key, const N2KMsg& frame, unsig
                 ++counters_.repeated_frames;
                 return Slots::none;
             }
-            give_up(i);
+            abandon(i);
         } else if (!adjacent(slot.last, now)) {
-            give_up(i);
+            abandon(i);
         }
     }
     overtake(key);
     i = slots_.find(key);
     if (total > most_bytes || count < std::min<unsigned>(total, bytes_in_first)) {
         ++counters_.incomplete_fast_packets;
-        if (i != Slots::none) give_up(i);
+        if (i != Slots::none) abandon(i);
         return Slots::none;
     }
     if (i == Slots::none) i = open(key);
@@ -143,7 +120,7 @@ std::size_t FastPackets::put_first(std::uint64_t key, const N2KMsg& frame, unsig
 /// Takes a frame other than 0. Position of its message, or none.
 std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now) {
     constexpr unsigned header = 1;
-    const unsigned number = frame_number(frame);
+    const unsigned number = number_of(frame.data[0]);
     const std::uint8_t* const bytes = frame.data + header;
     const unsigned count = size - header;
     std::size_t i = slots_.find(key);
@@ -155,7 +132,7 @@ std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsig
             ++counters_.repeated_frames;
             return Slots::none;
         }
-        give_up(i);  // the next message of this sequence, whose frame 0 is late or lost
+        abandon(i);  // the next message of this sequence, whose frame 0 is late or lost
         i = Slots::none;
     }
     if (i == Slots::none) i = open(key);
@@ -177,9 +154,9 @@ const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
     }
     const std::uint64_t key = key_of(frame);
     std::size_t i = slots_.find(key);
-    if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+    if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) abandon(i);
 
-    const unsigned number = frame_number(frame);
+    const unsigned number = number_of(frame.data[0]);
     i = number == 0 ? put_first(key, frame, size, now) : put_later(key, frame, size, now);
     if (i == Slots::none) return nullptr;
     Slot& slot = slots_[i];
@@ -205,12 +182,12 @@ void FastPackets::fill_message(const Slot& slot, const N2KMsg& frame) {
 
 void FastPackets::sweep(const Moment& now) {
     for (std::size_t i = slots_.size(); i-- > 0;) {
-        if (timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+        if (timed_out(slots_[i].last, now, longest_silence)) abandon(i);
     }
 }
 
 void FastPackets::finish() {
-    while (slots_.size() > 0) give_up(0);
+    while (slots_.size() > 0) abandon(0);
 }
 
 }  // namespace vistel

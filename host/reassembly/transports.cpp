@@ -1,25 +1,18 @@
-#include "assembly/transport.h"
+#include "reassembly/transports.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "readers/can_identifier.h"
+#include "can/identifier.h"
 
 namespace vistel {
-namespace {
 
-constexpr unsigned packet_bytes = 7;
+using namespace transport_protocol;
+
+namespace {
 
 /// The longest pause that the protocol allows, which is the one of addressed sessions.
 constexpr std::int64_t longest_silence = 1250 * milliseconds;
-
-enum ControlByte : std::uint8_t {
-    request_to_send = 16,
-    clear_to_send = 17,
-    end_of_message = 19,
-    broadcast_announce = 32,
-    abort_session = 255,
-};
 
 std::uint64_t key_of(std::uint8_t sender, std::uint8_t receiver) {
     return std::uint64_t{sender} << 8 | receiver;
@@ -31,7 +24,7 @@ std::uint32_t announced_pgn(const N2KMsg& control) {
 
 }  // namespace
 
-void Transports::give_up(std::size_t i) {
+void Transports::abandon(std::size_t i) {
     if (!slots_[i].complete()) ++counters_.incomplete_transports;
     slots_.remove(i);
 }
@@ -50,14 +43,13 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
             ++counters_.repeated_frames;
             return;
         }
-        give_up(i);
+        abandon(i);
     }
-    if (length == 0 || length > N2K_MAX_PAYLOAD || packets != (length + packet_bytes - 1) / packet_bytes ||
-        pgn > max_pgn) {
+    if (length == 0 || length > N2K_MAX_PAYLOAD || packets != packets_of(length) || pgn > max_pgn) {
         ++counters_.incomplete_transports;
         return;
     }
-    if (slots_.full()) give_up(slots_.oldest());
+    if (slots_.full()) abandon(slots_.oldest());
     Slot& slot = slots_[slots_.add(key)];
     slot.last = now;
     slot.packets = packets;
@@ -86,13 +78,13 @@ void Transports::control(const N2KMsg& frame, const Moment& now) {
             if (answered != Slots::none) slots_[answered].last = now;
             break;
         case end_of_message:
-            if (answered != Slots::none) give_up(answered);
+            if (answered != Slots::none) abandon(answered);
             break;
         case abort_session:
             if (const std::size_t own = session(frame.source, frame.destination); own != Slots::none) {
-                give_up(own);
+                abandon(own);
             } else if (answered != Slots::none) {
-                give_up(answered);
+                abandon(answered);
             }
             break;
     }
@@ -106,8 +98,8 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
         return nullptr;
     }
     Slot& slot = slots_[i];
-    const unsigned offset = (number - 1) * packet_bytes;
-    const unsigned count = std::min(packet_bytes, slot.message.length - offset);
+    const unsigned offset = (number - 1) * bytes_in_packet;
+    const unsigned count = std::min(bytes_in_packet, slot.message.length - offset);
     const std::uint8_t* const bytes = frame.data + 1;
     if (frame.length < 1 + count) {
         ++counters_.orphan_frames;
@@ -120,7 +112,7 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
         } else {
             // The next session, whose announcement is lost, must not be mixed with this one.
             ++counters_.orphan_frames;
-            give_up(i);
+            abandon(i);
         }
         return nullptr;
     }
@@ -139,12 +131,12 @@ const N2KMsg* Transports::put(const N2KMsg& frame, const Moment& now) {
 
 void Transports::sweep(const Moment& now) {
     for (std::size_t i = slots_.size(); i-- > 0;) {
-        if (timed_out(slots_[i].last, now, longest_silence)) give_up(i);
+        if (timed_out(slots_[i].last, now, longest_silence)) abandon(i);
     }
 }
 
 void Transports::finish() {
-    while (slots_.size() > 0) give_up(0);
+    while (slots_.size() > 0) abandon(0);
 }
 
 }  // namespace vistel

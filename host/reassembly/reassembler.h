@@ -4,10 +4,10 @@
 #include <functional>
 #include <utility>
 
-#include "assembly/counters.h"
-#include "assembly/fast_packet.h"
-#include "assembly/transport.h"
-#include "readers/record.h"
+#include "can/record.h"
+#include "reassembly/counters.h"
+#include "reassembly/fast_packets.h"
+#include "reassembly/transports.h"
 
 namespace vistel {
 
@@ -15,29 +15,28 @@ namespace vistel {
 /// transport protocol pass through too, ahead of the message that they complete.
 ///
 /// Memory is bounded and taken once; no call allocates.
-class Assembler {
+class Reassembler {
   public:
     /// Gets every message with the time of its last frame. The message is valid during the call, which must
     /// not put a record itself.
     using Sink = std::function<void(const N2KMsg& msg, const RecordTime& time)>;
 
-    explicit Assembler(Sink sink) : sink_(std::move(sink)) {}
-    Assembler(const Assembler&) = delete;
-    Assembler& operator=(const Assembler&) = delete;
+    explicit Reassembler(Sink sink) : sink_(std::move(sink)) {}
+    Reassembler(const Reassembler&) = delete;
+    Reassembler& operator=(const Reassembler&) = delete;
 
     void put(const Record& record);
 
-    /// Counts what is still open as incomplete. The assembler is then as new, but for its counters.
+    /// Counts what is still open as incomplete. The reassembler is then as new, but for its counters.
     void finish();
 
-    const AssemblyCounters& counters() const { return counters_; }
+    const ReassemblyCounters& counters() const { return counters_; }
 
   private:
-    void give(const N2KMsg& msg, const RecordTime& time);
+    void emit(const N2KMsg& msg, const RecordTime& time);
 
     Sink sink_;
-    AssemblyCounters counters_;
-    FastPacketPgns fast_packet_pgns_;
+    ReassemblyCounters counters_;
     FastPackets fast_packets_{counters_};
     Transports transports_{counters_};
 };

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "readers/record.h"
+#include "can/record.h"
 
 namespace vistel {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "assembly/assembler.h"
-#include "readers/record.h"
+#include "can/record.h"
+#include "reassembly/reassembler.h"
 
 namespace vistel {
 namespace {
@@ -64,7 +64,7 @@ bool same(const N2KMsg& a, const N2KMsg& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-/// What an assembler is told by a script of words, and what it gives out.
+/// What a reassembler is told by a script of words, and what it emits.
 class Script {
   public:
     using Pieces = std::map<std::string, Record>;
@@ -84,7 +84,7 @@ class Script {
                 for (int i = std::stoi(word.substr(1)); i > 0; --i)
                     put(frame({127250, 2, 99, 255}, payload(8, 1)));
             } else if (word == "finish") {
-                assembler_.finish();
+                reassembler_.finish();
             } else {
                 put(pieces_.at(word));
             }
@@ -92,23 +92,24 @@ class Script {
     }
 
     const std::vector<N2KMsg>& long_messages() const { return long_messages_; }
-    const AssemblyCounters& counters() const { return assembler_.counters(); }
+    const ReassemblyCounters& counters() const { return reassembler_.counters(); }
     std::uint64_t messages() const { return all_messages_; }
 
   private:
     void put(Record record) {
         record.time = time_;
-        assembler_.put(record);
+        reassembler_.put(record);
     }
 
     const Pieces& pieces_;
     std::vector<N2KMsg> long_messages_;
     std::uint64_t all_messages_ = 0;
     RecordTime time_{12'345 * ms, RecordTime::Origin::epoch};
-    Assembler assembler_{[this](const N2KMsg& msg, const RecordTime& time) {
+    Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) {
         ++all_messages_;
         EXPECT_TRUE(time == time_);
-        if (msg.source < 90 && msg.pgn != Transports::control_pgn && msg.pgn != Transports::data_pgn) {
+        if (msg.source < 90 && msg.pgn != transport_protocol::control_pgn &&
+            msg.pgn != transport_protocol::data_pgn) {
             long_messages_.push_back(msg);
         }
     }};
@@ -123,7 +124,7 @@ struct Case {
 
 /// Plays every case and compares what comes out with `messages`, by letter.
 void check(const std::vector<Case>& cases, const Script::Pieces& pieces,
-           const std::map<char, Record>& messages, std::uint64_t AssemblyCounters::*incomplete) {
+           const std::map<char, Record>& messages, std::uint64_t ReassemblyCounters::*incomplete) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Script script(pieces);
@@ -145,7 +146,7 @@ void check(const std::vector<Case>& cases, const Script::Pieces& pieces,
     }
 }
 
-TEST(Assembly, PutsFastPacketsTogether) {
+TEST(Reassembly, PutsFastPacketsTogether) {
     const struct {
         char letter;
         Header header;
@@ -227,10 +228,10 @@ TEST(Assembly, PutsFastPacketsTogether) {
         {"open at the end", "a0 b1 b2 finish", "", 1, 2, 0},
         {"as new after the end", "a0 a1 finish a2", "", 1, 1, 0},
     };
-    check(cases, pieces, messages, &AssemblyCounters::incomplete_fast_packets);
+    check(cases, pieces, messages, &ReassemblyCounters::incomplete_fast_packets);
 }
 
-TEST(Assembly, PutsTransportsTogether) {
+TEST(Reassembly, PutsTransportsTogether) {
     const struct {
         char letter;
         Header header;  // of the announcement
@@ -300,8 +301,8 @@ TEST(Assembly, PutsTransportsTogether) {
         {"another one begun", "a! a1 1! a2 11", "1", 1, 1, 0},
         {"successive", "a! a1 a2 a3 A! A1 A2 A3", "aA", 0, 0, 0},
         {"next announcement missing", "a! a1 a2 A1 A2 A3", "", 1, 3, 0},
-        {"sender gives up", "c! c1 cstop c2 c3", "", 1, 2, 0},
-        {"receiver gives up", "c! c1 crefuse c2 c3", "", 1, 2, 0},
+        {"sender aborts", "c! c1 cstop c2 c3", "", 1, 2, 0},
+        {"receiver aborts", "c! c1 crefuse c2 c3", "", 1, 2, 0},
         {"the other direction goes on", "c! d! c1 dstop c2 c3 d1", "c", 1, 1, 0},
         {"the other direction refused", "c! d! c1 drefuse d1", "", 2, 0, 0},
         {"abort of something else", "a! a1 other_stop a2 a3", "a", 0, 0, 0},
@@ -319,17 +320,17 @@ TEST(Assembly, PutsTransportsTogether) {
         {"bad packets", "a! packet0 packet4 cut1 empty a1 a2 a3", "a", 0, 4, 0},
         {"nothing behind the end", "a! a1 a2 short3", "a", 0, 0, 0},
     };
-    check(cases, pieces, messages, &AssemblyCounters::incomplete_transports);
+    check(cases, pieces, messages, &ReassemblyCounters::incomplete_transports);
 
     // The frames are shown as well, ahead of the message.
     std::string order;
-    Assembler assembler(
+    Reassembler reassembler(
         [&](const N2KMsg& msg, const RecordTime&) { order += std::to_string(msg.pgn) + ' '; });
-    for (const char* name : {"a!", "a1", "a2", "a3"}) assembler.put(pieces.at(name));
+    for (const char* name : {"a!", "a1", "a2", "a3"}) reassembler.put(pieces.at(name));
     EXPECT_EQ(order, "60416 60160 60160 60160 65240 ");
 }
 
-TEST(Assembly, KnowsFastPackets) {
+TEST(Reassembly, KnowsFastPackets) {
     const struct {
         std::uint32_t pgn;
         bool fast;
@@ -342,43 +343,43 @@ TEST(Assembly, KnowsFastPackets) {
     };
     for (const auto& c : cases) {
         int length = 0;
-        Assembler assembler([&](const N2KMsg& msg, const RecordTime&) { length = msg.length; });
-        assembler.put(frame({c.pgn, 6, 1, 255}, {0x20, 5, 1, 2, 3, 4, 5, 0xFF}));
+        Reassembler reassembler([&](const N2KMsg& msg, const RecordTime&) { length = msg.length; });
+        reassembler.put(frame({c.pgn, 6, 1, 255}, {0x20, 5, 1, 2, 3, 4, 5, 0xFF}));
         EXPECT_EQ(length, c.fast ? 5 : 8) << c.pgn;
     }
 }
 
-TEST(Assembly, LeavesWholeMessagesAlone) {
+TEST(Reassembly, LeavesWholeMessagesAlone) {
     for (const std::uint32_t pgn : {129029u, 60416u, 60160u, 127250u}) {
         Record record = frame({pgn, 3, 1, 255}, announcement(32, 20, 3, 65240));
         record.kind = Record::Kind::message;
         std::vector<N2KMsg> messages;
-        Assembler assembler([&](const N2KMsg& msg, const RecordTime&) { messages.push_back(msg); });
-        assembler.put(record);
-        assembler.finish();
+        Reassembler reassembler([&](const N2KMsg& msg, const RecordTime&) { messages.push_back(msg); });
+        reassembler.put(record);
+        reassembler.finish();
         ASSERT_EQ(messages.size(), 1u);
         EXPECT_TRUE(same(messages[0], record.msg));
-        EXPECT_EQ(assembler.counters(), (AssemblyCounters{.messages = 1}));
+        EXPECT_EQ(reassembler.counters(), (ReassemblyCounters{.messages = 1}));
     }
 }
 
-TEST(Assembly, GivesUpTheOldestWhenTooManyAreOpen) {
+TEST(Reassembly, AbandonsTheOldestWhenTooManyAreOpen) {
     const auto begin = [](unsigned i, unsigned piece) {
         const Header header{129029, 3, static_cast<std::uint8_t>(i), 255};
         return fast_frames(header, i >> 8, payload(10, i))[piece];
     };
     std::vector<unsigned> delivered;
-    Assembler assembler([&](const N2KMsg& msg, const RecordTime&) { delivered.push_back(msg.source); });
-    for (unsigned i = 0; i < 256; ++i) assembler.put(begin(i, 0));
-    assembler.put(begin(0, 0));    // repeated: no longer the oldest
-    assembler.put(begin(256, 0));  // source 0 with another sequence, in place of source 1
-    assembler.put(begin(257, 1));  // without a first, in place of source 2
-    EXPECT_EQ(assembler.counters().incomplete_fast_packets, 2u);
-    for (const unsigned i : {0u, 3u, 255u, 256u, 1u}) assembler.put(begin(i, 1));
+    Reassembler reassembler([&](const N2KMsg& msg, const RecordTime&) { delivered.push_back(msg.source); });
+    for (unsigned i = 0; i < 256; ++i) reassembler.put(begin(i, 0));
+    reassembler.put(begin(0, 0));    // repeated: no longer the oldest
+    reassembler.put(begin(256, 0));  // source 0 with another sequence, in place of source 1
+    reassembler.put(begin(257, 1));  // without a first, in place of source 2
+    EXPECT_EQ(reassembler.counters().incomplete_fast_packets, 2u);
+    for (const unsigned i : {0u, 3u, 255u, 256u, 1u}) reassembler.put(begin(i, 1));
     EXPECT_EQ(delivered, (std::vector<unsigned>{0, 3, 255, 0}));
 
     delivered.clear();
-    Assembler transports([&](const N2KMsg& msg, const RecordTime&) {
+    Reassembler transports([&](const N2KMsg& msg, const RecordTime&) {
         if (msg.pgn == 65240) delivered.push_back(msg.source);
     });
     for (unsigned i = 0; i < 100; ++i) {
@@ -390,23 +391,23 @@ TEST(Assembly, GivesUpTheOldestWhenTooManyAreOpen) {
     EXPECT_EQ(delivered, (std::vector<unsigned>{36, 99}));
 }
 
-TEST(Assembly, TimeOutsAreCountedWhileOthersTalk) {
-    Assembler assembler([](const N2KMsg&, const RecordTime&) {});
+TEST(Reassembly, TimeOutsAreCountedWhileOthersTalk) {
+    Reassembler reassembler([](const N2KMsg&, const RecordTime&) {});
     const auto put = [&](Record record, std::int64_t time) {
         record.time = {time * ms, RecordTime::Origin::start};
-        assembler.put(record);
+        reassembler.put(record);
     };
     put(fast_frames({129029, 3, 1, 255}, 0, payload(20, 1))[0], 1);
     put(fast_frames({129029, 3, 2, 255}, 0, payload(20, 1))[1], 1);
     put(frame({60416, 7, 1, 255}, announcement(32, 20, 3, 65240)), 1);
     for (int i = 0; i < 256; ++i) put(frame({127250, 2, 3, 255}, payload(8, 1)), 1300);
-    EXPECT_EQ(assembler.counters().incomplete_fast_packets, 1u);
-    EXPECT_EQ(assembler.counters().orphan_frames, 1u);
-    EXPECT_EQ(assembler.counters().incomplete_transports, 1u);
+    EXPECT_EQ(reassembler.counters().incomplete_fast_packets, 1u);
+    EXPECT_EQ(reassembler.counters().orphan_frames, 1u);
+    EXPECT_EQ(reassembler.counters().incomplete_transports, 1u);
 }
 
 /// Devices that all talk at once over a line that loses, repeats and swaps frames.
-TEST(Assembly, DeliversExactlyWhatArrivedWhole) {
+TEST(Reassembly, DeliversExactlyWhatArrivedWhole) {
     for (unsigned seed = 1; seed <= 20; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
@@ -456,14 +457,14 @@ TEST(Assembly, DeliversExactlyWhatArrivedWhole) {
         }
 
         std::vector<N2KMsg> delivered;
-        Assembler assembler([&](const N2KMsg& msg, const RecordTime&) { delivered.push_back(msg); });
+        Reassembler reassembler([&](const N2KMsg& msg, const RecordTime&) { delivered.push_back(msg); });
         std::int64_t time = 0;
         for (Sent& next : line) {
             next.record.time = {time += ms / 2, RecordTime::Origin::start};
-            assembler.put(next.record);
-            if (chance(2)) assembler.put(next.record);  // as buses do, at once
+            reassembler.put(next.record);
+            if (chance(2)) reassembler.put(next.record);  // as buses do, at once
         }
-        assembler.finish();
+        reassembler.finish();
         const auto bytes_of = [](const N2KMsg& msg) {
             return std::string(reinterpret_cast<const char*>(&msg), sizeof msg);
         };
@@ -477,7 +478,7 @@ TEST(Assembly, DeliversExactlyWhatArrivedWhole) {
         }
         for (const N2KMsg& msg : delivered) got.insert(bytes_of(msg));
         EXPECT_TRUE(got == expected) << got.size() << " instead of " << expected.size();
-        EXPECT_LE(assembler.counters().incomplete_fast_packets, broken);
+        EXPECT_LE(reassembler.counters().incomplete_fast_packets, broken);
     }
 }
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <concepts>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vistel {
+
+/// Without the blanks around it.
+std::string_view trimmed(std::string_view text);
+
+/// Cuts the first run of other than blanks off `text`, together with the blanks around it. Empty at the end.
+std::string_view take_word(std::string_view& text);
+
+/// With ASCII letters in lower case.
+std::string lower_case(std::string_view text);
+
+/// Texts with commas between them, as in "ft, m, ftm".
+std::string joined(const std::vector<std::string>& texts);
+
+/// @{ a text, or a number in decimal digits
+inline void append_part(std::string& text, std::string_view part) {
+    text += part;
+}
+inline void append_part(std::string& text, std::unsigned_integral auto part) {
+    text += std::to_string(part);
+}
+/// @}
+
+/// `concat("priority ", 9u, " is above ", 7u)` -> "priority 9 is above 7".
+template <class... Parts>
+std::string concat(const Parts&... parts) {
+    std::string text;
+    (append_part(text, parts), ...);
+    return text;
+}
+
+}  // namespace vistel
