@@ -47,10 +47,6 @@ core::FieldShape shape_of(const N2KMsg& msg, const DDDef& dd, int bytes, int bit
             core::is_text(format->reading)};
 }
 
-core::DDDef core_entry(const DDDef& dd) {
-    return {dd.dd, dd.name, static_cast<DF>(dd.format->df), dd.bytes, dd.bits};
-}
-
 }  // namespace
 
 QV_N2K_PGN_DB_c::QV_N2K_PGN_DB_c() : sel_unit_(new_selection()) {}
@@ -151,10 +147,10 @@ int QV_N2K_PGN_DB_c::get_field_str(wchar_t* buf, int size, N2KMsg* msg, int fiel
             *source_byte = msg->data[pressure_source_byte];
 
         const core::FieldShape shape = shape_of(*msg, *entry, bytes, bits);
-        core::FieldReading reading;
-        core::read(shape, core_entry(*entry), {msg->data, length}, at, selection_or_default(sel_unit_), unit,
+        core::FieldValue reading;
+        core::read(shape, entry->dd, {msg->data, length}, at.byte * 8 + at.bit, selection_or_default(sel_unit_), unit,
                    shared_scratch(), reading);
-        next = reading.next;
+        next = {reading.next >> 3, reading.next & 7};
         // Where a unit's rule sets nothing but the type, what is left is a value that is not available.
         ConvValue own{CV_NOT_AVAILABLE, {}};
         own.value.u64 = core::Value::no_number;

@@ -304,6 +304,8 @@ void apply_unit_rule(UnitRule rule, float value, UnitId u, TextScratch& scratch,
         store_none(out);
         out.type = ValueType::single;
         out.is_left = true;
+    } else if (u == unit::raw_count) {
+        store_single(out, value);
     } else if (const float factor = unit_factor(rule, u); factor != 0) {
         store_single(out, static_cast<double>(value) * static_cast<double>(factor));
     } else if (rule == UnitRule::duration_s) {
@@ -372,14 +374,15 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
                 store_date(static_cast<std::uint16_t>(raw.bits), u, scratch, out);
             return 2;
         case Reading::run_time: convert_run_time(raw, u, scratch, out); return 4;
-        case Reading::period_minutes:
+        case Reading::period_minutes: {
             // The code for "out of range" is handed on as the clock type's own, whatever the unit.
+            static constexpr FormatPlan minutes{0, Reading::scaled, 16, 0, UnitRule::duration_s, 60, 0xFFFD, 0};
             if (low_bits(raw, 16) == 0xFFFE)
                 store_integer(out, ValueType::seconds, 0xFFFFFFFE);
             else
-                convert_scaled({format.df, Reading::scaled, 16, 0, UnitRule::duration_s, 60, 0}, low_bits(raw, 16), u,
-                               scratch, out);
+                convert_scaled(minutes, low_bits(raw, 16), u, scratch, out);
             return 2;
+        }
         case Reading::bit_field: {
             const int bytes = raw.bytes >= 1 && raw.bytes <= 8 ? raw.bytes : 8;
             store_integer(out, ValueType::u64, widened(raw.bits, 8 * bytes, false));

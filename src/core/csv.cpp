@@ -93,28 +93,29 @@ void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime&
 
 char* CsvRenderer::write(char* at, char* limit) {
     const Payload payload{msg_->data, payload_length(*msg_)};
+    Stepping::State& walk = Stepping::state(walk_);
     const auto write_head = [this](char* to) {
         return copy_blocks(to, head_.data(), static_cast<std::size_t>(head_size_));
     };
     if (stage_ == Stage::head) stage_ = Stage::fields;
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
-        if (!Stepping::next(walk_)) {
+        if (!Stepping::next(walk)) {
             stage_ = Stage::rest;
             break;
         }
-        const FieldPlan& plan = Stepping::plan(walk_);
-        const PayloadPosition from = walk_.position;
+        const FieldPlan& plan = Stepping::plan(walk);
+        const int from = walk.position;
         FieldParts parts;
-        read_parts(plan, walk_, payload, *walk_.field().dd, units_, scratch_, parts);
-        at = write_field(write_head(at), plan, Stepping::repeat(walk_), parts);
+        read_parts(walk, payload, units_, scratch_, parts);
+        at = write_field(write_head(at), plan, Stepping::round(walk), parts);
         at = write_raw(at, payload, from, parts.reading.next);
         *at++ = '\n';
         any_ = true;
     }
     if (stage_ == Stage::rest) {
         // A message must not vanish: the bytes that no field covers, or an empty row for an empty message.
-        if (walk_.has_undecoded_rest() || !any_) {
+        if (walk.rest || !any_) {
             at = write_text(write_head(at), ",Data,,,,");
             at = write_hex_bytes(at, payload.data, payload.length);
             *at++ = '\n';

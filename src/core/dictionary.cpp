@@ -137,9 +137,7 @@ const DDstrings* find_enumeration(std::uint32_t dd) {
     return set != no_set ? &enum_sets[set] : nullptr;
 }
 
-std::uint16_t find_entry(std::uint8_t index, std::uint32_t value) {
-    const SetPlan& plan = set_plans[index];
-    if (value < plan.index_size) return entry_index[plan.index + value];
+std::uint16_t search_entry(std::uint8_t index, std::uint32_t value) {
     const DDstrings& set = enum_sets[index];
     const ValueText* entry = set.pairs;
     if (set.count == 0) {

@@ -62,19 +62,23 @@ void put_round(Out& out, int round) {
     out.put(": ");
 }
 
-/// Value and unit of the field that the walk has come to; the walk goes behind it.
+/// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the unit
+/// that follows, negative for none.
 template <class Out>
-UnitId put_field(Out& out, const FieldPlan& plan, MessageWalk& walk, const Payload& payload, const FieldDef& row,
-                 const UnitSelection& units, TextScratch& scratch, bool plain_numbers) {
-    FieldReading reading;
-    read(FieldShape::of(plan), *row.dd, payload, walk.position, units, unit::selected, scratch, reading);
-    walk.position = reading.next;
-    if (reading.cut_off) {
+[[gnu::always_inline]] inline UnitId put_field(Out& out, Stepping::State& walk, const Payload& payload,
+                                               const UnitSelection& units, TextScratch& scratch,
+                                               bool plain_numbers) {
+    const FieldPlan& plan = Stepping::plan(walk);
+    if ((plan.flags & numbered) != 0) put_round(out, Stepping::round(walk));
+    FieldValue field;
+    read_planned(walk.row, payload, walk.position, units, scratch, field);
+    walk.position = field.next;
+    if (field.cut_off) {
         out.put('-');
-        return reading.unit;
+        return field.unit;
     }
-    const Shown shown{plan.form, plan.enumeration, reading.quantity, reading.unit, plain_numbers};
-    return put_value(out, shown, reading.value) ? reading.unit : UnitId{unit::selected};
+    const Shown shown{plan.form, plan.enumeration, field.quantity, field.unit, plain_numbers};
+    return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
 }
 
 }  // namespace
@@ -113,11 +117,11 @@ int StreamLines::next(wchar_t* buf, int size) {
         case Stage::over: return -1;
     }
     const Payload payload{msg_.data, payload_length(msg_)};
-    if (Stepping::next(walk_)) {
-        const FieldPlan& plan = Stepping::plan(walk_);
+    Stepping::State& walk = Stepping::state(walk_);
+    if (Stepping::next(walk)) {
+        const FieldPlan& plan = Stepping::plan(walk);
         out.put_pooled(text_pool + plan.texts + indent, static_cast<std::size_t>(plan.line_size - indent));
-        if ((plan.flags & numbered) != 0) put_round(out, Stepping::repeat(walk_));
-        const UnitId unit = put_field(out, plan, walk_, payload, walk_.field(), units_, scratch_, plain_numbers_);
+        const UnitId unit = put_field(out, walk, payload, units_, scratch_, plain_numbers_);
         if (unit >= 0) {
             out.put(' ');
             out.put(std::wstring_view(unit_name(unit)));
@@ -164,17 +168,17 @@ char* TextRenderer::write(char* at, char* limit) {
         stage_ = Stage::fields;
     }
     const Payload payload{msg_->data, payload_length(*msg_)};
+    Stepping::State& walk = Stepping::state(walk_);
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
-        if (!Stepping::next(walk_)) {
-            stage_ = walk_.has_undecoded_rest() ? Stage::rest : Stage::over;
+        if (!Stepping::next(walk)) {
+            stage_ = walk.rest ? Stage::rest : Stage::over;
             break;
         }
-        const FieldPlan& plan = Stepping::plan(walk_);
+        const FieldPlan& plan = Stepping::plan(walk);
         Utf8Out out(at);
         out.put_pooled(text_pool + plan.texts, plan.line_size);
-        if ((plan.flags & numbered) != 0) put_round(out, Stepping::repeat(walk_));
-        const UnitId unit = put_field(out, plan, walk_, payload, walk_.field(), units_, scratch_, plain_numbers_);
+        const UnitId unit = put_field(out, walk, payload, units_, scratch_, plain_numbers_);
         if (unit >= 0) {
             const UnitTexts& texts = unit_texts[unit];
             out.put_pooled(text_pool + texts.line, static_cast<std::size_t>(texts.line_size) + 1);  // and line end

@@ -1,5 +1,6 @@
 #include "core/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -40,6 +41,29 @@ char* write_large(char* at, float value) {
 
 }  // namespace
 
+namespace {
+
+constexpr std::uint64_t limit_of_eight = 100'000'000;
+
+/// Decimal digits of a number, none for 0.
+inline int count_digits(std::uint32_t number) {
+    const int estimate = std::bit_width(number) * 1233 >> 12;  // of the logarithm
+    return estimate + (number != 0 && number >= powers_of_ten[estimate]);
+}
+
+/// A number without a point, which goes in front of its last `precision` digits.
+char* write_decimal(char* at, std::uint64_t number, int precision) {
+    if (precision == 0) return write_unsigned(at, number);
+    const std::uint64_t before = number / powers_of_ten[precision];
+    const auto behind = static_cast<std::uint32_t>(number - before * powers_of_ten[precision]);
+    at = write_unsigned(at, before);
+    *at = '.';
+    write_eight(at + 1, behind * powers_of_ten[8 - precision]);
+    return at + 1 + precision;
+}
+
+}  // namespace
+
 char* write_significant(char* at, float value, int digits) {
     const auto bits = std::bit_cast<std::uint32_t>(value);
     const std::uint32_t exponent_field = bits >> 23 & 0xFF;
@@ -62,26 +86,28 @@ char* write_significant(char* at, float value, int digits) {
         return at + 2;
     }
 
+    // Below 2^23 from here on. The digits in front of the point are counted, the rest become decimals.
     const auto whole = shift < 32 ? static_cast<std::uint32_t>(mantissa >> shift) : 0u;
-    int precision = digits;
-    for (; precision > 0 && whole >= powers_of_ten[digits - precision]; --precision) {
-    }
+    const int precision = std::max(digits - count_digits(whole), 0);
     // Times a power of ten it stays below 2^51; the part behind the binary point decides how to round.
     const std::uint64_t product = mantissa * powers_of_ten[precision];
     std::uint64_t rounded = 0;
     if (shift < 64) {
         rounded = product >> shift;
-        const std::uint64_t rest = product & ((std::uint64_t{1} << shift) - 1);
-        const std::uint64_t half = std::uint64_t{1} << (shift - 1);
+        const std::uint64_t rest = product << (64 - shift);
+        constexpr std::uint64_t half = std::uint64_t{1} << 63;
         rounded += rest > half || (rest == half && (rounded & 1) != 0);
     }
-    if (precision == 0) return write_unsigned(at, rounded);
-    const std::uint64_t before = rounded / powers_of_ten[precision];
-    const auto behind = static_cast<std::uint32_t>(rounded - before * powers_of_ten[precision]);
-    at = write_unsigned(at, before);
-    *at = '.';
-    write_eight(at + 1, behind * powers_of_ten[8 - precision]);
-    return at + 1 + precision;
+    if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]] return write_decimal(at, rounded, precision);
+    // The point goes between the digits of one word.
+    const std::uint64_t text = detail::eight_digits(static_cast<std::uint32_t>(rounded)) | detail::zeros;
+    const int before = std::max(count_digits(static_cast<std::uint32_t>(rounded)) - precision, 1);
+    const std::uint64_t front = text >> 8 * (8 - precision - before);
+    const std::uint64_t behind = text >> 8 * (8 - precision);
+    std::memcpy(at, &front, 8);
+    at[before] = '.';
+    std::memcpy(at + before + 1, &behind, 8);
+    return at + before + 1 + precision;
 }
 
 // ---- shortest form ----
@@ -202,7 +228,7 @@ bool find_shortest(typename Width::Bits bits, Decimal& found) {
     return true;
 }
 
-int count_digits(std::uint64_t number) {
+int count_long(std::uint64_t number) {
     int count = 1;
     for (std::uint64_t limit = 10; count < 19 && number >= limit; limit *= 10) ++count;
     return count;
@@ -225,7 +251,7 @@ char* write_shortest_of(char* at, Float value) {
     Decimal d;
     if (!find_shortest<Width>(std::bit_cast<typename Width::Bits>(magnitude), d)) return general();
     for (; d.digits % 10 == 0; d.digits /= 10) ++d.exponent;
-    const int count = count_digits(d.digits);
+    const int count = count_long(d.digits);
     // Fixed point, unless the scientific form is shorter.
     const int single = count == 1 ? 1 : 0;
     const bool is_fixed = d.exponent >= -(count + 3) + single && d.exponent <= 5 - single;

@@ -98,6 +98,12 @@ inline char* write_hex_bytes(char* at, const std::uint8_t* bytes, int count) {
     return at;
 }
 
+/// All the digits of a number of so many bytes.
+inline char* write_hex_number(char* at, std::uint32_t number, int bytes) {
+    for (int i = bytes; i-- > 0;) at = write_hex_byte(at, static_cast<std::uint8_t>(number >> 8 * i));
+    return at;
+}
+
 /// Upper-case hexadecimal digits, `least` of them at the least.
 inline char* write_hex(char* at, std::uint64_t number, int least) {
     const int significant = (std::bit_width(number) + 3) / 4;

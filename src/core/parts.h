@@ -11,7 +11,7 @@ namespace pgn_vistel::core {
 
 /// One field for outputs that want its parts instead of a line.
 struct FieldParts {
-    FieldReading reading;
+    FieldValue reading;
     bool available = false;
     bool is_text = false;  ///< the value is a text
     int unit = -1;         ///< none beside a text of the catalogue
@@ -24,7 +24,7 @@ struct FieldParts {
 
 inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
     using Meaning = FieldParts::Meaning;
-    const FieldReading& reading = parts.reading;
+    const FieldValue& reading = parts.reading;
     switch (plan.form) {
         case Form::pgn_name:
             parts.unit = -1;
@@ -43,7 +43,7 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
             const DDstrings& set = enum_sets[plan.enumeration];
             const std::uint16_t entry = find_entry(plan.enumeration, enumeration_value(reading.value));
             if (entry != no_entry) {
-                parts.entry = &entry_texts[set_plans[plan.enumeration].first_entry + entry];
+                parts.entry = &texts_of_entry(plan.enumeration, entry);
                 parts.meaning = Meaning::entry;
             } else if (set.kind == ENUM_RESERVED || set.kind == ENUM_UNKNOWN) {
                 parts.word = set.kind == ENUM_RESERVED ? "Reserved" : "Unknown";
@@ -59,9 +59,10 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
 }
 
 /// Reads the field that the walk has come to; the walk goes behind it.
-inline void read_parts(const FieldPlan& plan, MessageWalk& walk, const Payload& payload, const DDDef& dd,
-                       const UnitSelection& units, TextScratch& scratch, FieldParts& parts) {
-    read(FieldShape::of(plan), dd, payload, walk.position, units, unit::selected, scratch, parts.reading);
+[[gnu::always_inline]] inline void read_parts(Stepping::State& walk, const Payload& payload,
+                                              const UnitSelection& units, TextScratch& scratch, FieldParts& parts) {
+    const FieldPlan& plan = Stepping::plan(walk);
+    read_planned(walk.row, payload, walk.position, units, scratch, parts.reading);
     walk.position = parts.reading.next;
     parts.available = is_available(parts.reading.value);
     parts.is_text = parts.reading.value.type == ValueType::text;
@@ -95,11 +96,10 @@ inline char* write_number(char* at, const FieldParts& parts) {
     }
 }
 
-/// The field's bits as hexadecimal bytes, the low ones first.
-inline char* write_raw(char* at, const Payload& payload, PayloadPosition from, PayloadPosition to) {
-    const int first = from.byte * 8 + from.bit;
-    const int bits = std::min(to.byte * 8 + to.bit, payload.length * 8) - first;
-    if (from.bit == 0 && bits % 8 == 0) return write_hex_bytes(at, payload.data + from.byte, std::max(0, bits / 8));
+/// The field's bits as hexadecimal bytes, the low ones first. Positions are counted in bits.
+inline char* write_raw(char* at, const Payload& payload, int from, int to) {
+    const int bits = std::min(to, payload.length * 8) - from;
+    if (((from | bits) & 7) == 0) return write_hex_bytes(at, payload.data + from / 8, std::max(0, bits / 8));
     std::uint64_t word = gather_bits(payload.data, from, std::min(bits, 64));
     for (int i = 0; i < std::clamp((bits + 7) / 8, 0, 8); ++i, word >>= 8)
         at = write_hex_byte(at, static_cast<std::uint8_t>(word));

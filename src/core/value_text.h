@@ -103,8 +103,8 @@ void put_pgn(Out& out, std::uint32_t number) {
 }
 
 template <class Out>
-void put_entry(Out& out, const DDstrings& set, std::uint16_t entry) {
-    const EntryTexts& texts = entry_texts[set_plans[&set - enum_sets].first_entry + entry];
+void put_entry(Out& out, std::uint8_t set, std::uint16_t entry) {
+    const EntryTexts& texts = texts_of_entry(set, entry);
     out.put_pooled(text_pool + texts.plain, texts.plain_size);
 }
 
@@ -114,7 +114,7 @@ void put_flags(Out& out, std::uint8_t index, std::uint32_t value) {
     const auto start = out.mark();
     for (std::uint32_t i = 0; i < set.count && i < 32; ++i) {
         if ((value >> i & 1) == 0) continue;
-        put_entry(out, set, static_cast<std::uint16_t>(i));
+        put_entry(out, index, static_cast<std::uint16_t>(i));
         out.put(", ");
     }
     out.remove_comma(start);
@@ -126,7 +126,7 @@ bool put_enumeration(Out& out, std::uint8_t index, std::uint32_t value) {
     const DDstrings& set = enum_sets[index];
     const std::uint16_t entry = find_entry(index, value);
     if (entry != no_entry)
-        put_entry(out, set, entry);
+        put_entry(out, index, entry);
     else if (set.kind == ENUM_RESERVED)
         out.put("Reserved");
     else if (set.kind == ENUM_UNKNOWN)
@@ -233,16 +233,18 @@ void put_hexadecimal(Out& out, const Value& v) {
 /// as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
     const std::int64_t number = integer_of(v);
-    if (v.type == ValueType::u64)
-        at = write_unsigned(at, v.number.u64);
-    else
-        at = write_signed(at, number);
+    at = v.type == ValueType::u64 ? write_unsigned(at, v.number.u64) : write_signed(at, number);
     if (plain || v.type == ValueType::i64) return at;
-    int least = 2;
-    if (v.type == ValueType::u16) least = 4;
-    if (v.type == ValueType::u32 || v.type == ValueType::i32) least = 8;
     std::memcpy(at, " (0x", 4);
-    at = write_hex(at + 4, static_cast<std::uint32_t>(number), least);
+    at += 4;
+    const auto low = static_cast<std::uint32_t>(number);
+    switch (v.type) {
+        case ValueType::u8: at = write_hex_byte(at, static_cast<std::uint8_t>(low)); break;
+        case ValueType::u16: at = write_hex_number(at, low, 2); break;
+        case ValueType::u32:
+        case ValueType::i32: at = write_hex_number(at, low, 4); break;
+        default: at = low < 0x100 ? write_hex_byte(at, static_cast<std::uint8_t>(low)) : write_hex(at, low, 2); break;
+    }
     *at = ')';
     return at + 1;
 }

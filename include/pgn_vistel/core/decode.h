@@ -85,23 +85,28 @@ class MessageWalk {
     /// @}
 
     /// Whether the walk ended before the payload was covered.
-    bool has_undecoded_rest() const { return rest_; }
+    bool has_undecoded_rest() const { return state_.rest; }
 
     PayloadPosition position;  ///< the caller moves it behind the field that it has decoded
 
   private:
     friend struct Stepping;
 
-    const std::uint8_t* data_ = nullptr;
-    int length_ = 0;
-    std::uint16_t next_row_ = 0xFFFF;  // the row to look at next, or the one handed out
-    bool fresh_ = true;       // no field has been handed out yet
-    bool rest_ = false;
-    std::uint8_t filter_ = 0;  // of a proprietary message: which of a row's verdicts counts
-    int limit_ = 2048;         // field number that ends the walk
-    int round_ = 1;
-    PayloadPosition started_;        // where the handed-out field began
-    PayloadPosition group_started_;  // where the group's latest round began
+    /// Positions are counted in bits here.
+    struct State {
+        const std::uint8_t* data = nullptr;
+        int end = 0;                 // of the message
+        std::uint16_t row = 0xFFFF;  // the one to look at next, or the one handed out
+        bool fresh = true;           // no field has been handed out yet
+        bool rest = false;           // the walk ended before the payload was covered
+        std::uint8_t filter = 0;     // of a proprietary message: which of a row's verdicts counts
+        int limit = 2048;            // field number that ends the walk
+        int round = 1;
+        int position = 0;
+        int started = 0;        // where the handed-out field began
+        int group_started = 0;  // where the group's latest round began
+    };
+    State state_;
 };
 
 }  // namespace pgn_vistel::core
