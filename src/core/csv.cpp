@@ -31,7 +31,7 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
         case Meaning::none: return at;
         case Meaning::entry: return copy_blocks(at, text_pool + parts.entry->csv, parts.entry->csv_size);
         case Meaning::word:
-        case Meaning::pgn_name: return write_cell(at, parts.word);
+        case Meaning::pgn_name: return write_cell(at, parts.word_text());
         case Meaning::flags: break;
     }
     char area[part_limit + pool_slack];

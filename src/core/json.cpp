@@ -32,7 +32,7 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
         case Meaning::none: return write_text(at, "null");
         case Meaning::entry: return copy_blocks(at, text_pool + parts.entry->json, parts.entry->json_size);
         case Meaning::word:
-        case Meaning::pgn_name: return write_string(at, parts.word);
+        case Meaning::pgn_name: return write_string(at, parts.word_text());
         case Meaning::flags: break;
     }
     const std::uint32_t value = enumeration_value(parts.reading.value);

@@ -229,9 +229,8 @@ bool find_shortest(typename Width::Bits bits, Decimal& found) {
 }
 
 int count_long(std::uint64_t number) {
-    int count = 1;
-    for (std::uint64_t limit = 10; count < 19 && number >= limit; limit *= 10) ++count;
-    return count;
+    return number <= UINT32_MAX ? count_digits(static_cast<std::uint32_t>(number))
+                                : 8 + count_long(number / limit_of_eight);
 }
 
 /// Below this every integer is a number of the width, so that the digits with zeros behind are exact.
@@ -250,7 +249,10 @@ char* write_shortest_of(char* at, Float value) {
     }
     Decimal d;
     if (!find_shortest<Width>(std::bit_cast<typename Width::Bits>(magnitude), d)) return general();
-    for (; d.digits % 10 == 0; d.digits /= 10) ++d.exponent;
+    while (d.digits % 2 == 0 && d.digits % 10 == 0) {
+        d.digits /= 10;
+        ++d.exponent;
+    }
     const int count = count_long(d.digits);
     // Fixed point, unless the scientific form is shorter.
     const int single = count == 1 ? 1 : 0;
@@ -268,7 +270,14 @@ char* write_shortest_of(char* at, Float value) {
         return write_unsigned(at + 2 + behind - count, d.digits);
     }
     char* const end = write_unsigned(at, d.digits);
-    std::memmove(end - behind + 1, end - behind, static_cast<std::size_t>(behind));
+    constexpr int block = 8;
+    if (behind <= block) {
+        std::uint64_t decimals;
+        std::memcpy(&decimals, end - behind, block);
+        std::memcpy(end - behind + 1, &decimals, block);
+    } else {
+        std::memmove(end - behind + 1, end - behind, static_cast<std::size_t>(behind));
+    }
     end[-behind] = '.';
     return end + 1;
 }

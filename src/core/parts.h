@@ -12,14 +12,24 @@ namespace pgn_vistel::core {
 /// One field for outputs that want its parts instead of a line.
 struct FieldParts {
     FieldValue reading;
-    bool available = false;
-    bool is_text = false;  ///< the value is a text
-    int unit = -1;         ///< none beside a text of the catalogue
+    bool available;
+    bool is_text;  ///< the value is a text
+    int unit;      ///< negative for none, as beside a text of the catalogue
 
     /// What the value means, as a text beside it.
-    enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning = Meaning::none;
-    const EntryTexts* entry = nullptr;
-    std::string_view word;  ///< of `word` and `pgn_name`
+    enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning;
+    union {
+        const EntryTexts* entry;
+        const char* word;  ///< of `word` and `pgn_name`
+    };
+    int word_size;
+
+    std::string_view word_text() const { return {word, static_cast<std::size_t>(word_size)}; }
+    void set_word(Meaning what, std::string_view text) {
+        meaning = what;
+        word = text.data();
+        word_size = static_cast<int>(text.size());
+    }
 };
 
 inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
@@ -29,8 +39,8 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
         case Form::pgn_name:
             parts.unit = -1;
             if (const PgnDef* const row = parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
-                parts.word = pgn_name(row);
-                if (!parts.word.empty()) parts.meaning = Meaning::pgn_name;
+                if (const std::string_view name = pgn_name(row); !name.empty())
+                    parts.set_word(Meaning::pgn_name, name);
             }
             break;
         case Form::flags:
@@ -46,8 +56,7 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
                 parts.entry = &texts_of_entry(plan.enumeration, entry);
                 parts.meaning = Meaning::entry;
             } else if (set.kind == ENUM_RESERVED || set.kind == ENUM_UNKNOWN) {
-                parts.word = set.kind == ENUM_RESERVED ? "Reserved" : "Unknown";
-                parts.meaning = Meaning::word;
+                parts.set_word(Meaning::word, set.kind == ENUM_RESERVED ? "Reserved" : "Unknown");
             } else {
                 break;
             }
@@ -67,6 +76,7 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
     parts.available = is_available(parts.reading.value);
     parts.is_text = parts.reading.value.type == ValueType::text;
     parts.unit = parts.reading.unit;
+    parts.meaning = FieldParts::Meaning::none;
     if (plan.form != Form::plain) find_meaning(plan, parts);
 }
 

@@ -38,10 +38,10 @@ struct FieldShape {
 /// One field cut out and converted. Positions are counted in bits here.
 struct FieldValue {
     Value value;
-    DispDataType quantity = quantity::no_quantity;
-    UnitId unit = unit::raw_count;
-    int next = 0;          ///< behind the field
-    bool cut_off = false;  ///< the message ends inside the number
+    DispDataType quantity;
+    UnitId unit;
+    int next;      ///< behind the field
+    bool cut_off;  ///< the message ends inside the number
 };
 
 /// Eight bytes, of which those behind the `available` ones are 0.
@@ -102,6 +102,7 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     out.quantity = plan.quantity;
     out.unit = units[plan.quantity];
     out.next = next;
+    out.cut_off = false;
     const std::uint64_t mask = ~std::uint64_t{0} >> (64 - plan.bits);
     if (format.reading == Reading::bit_field) {
         store_integer(out.value, ValueType::u64, static_cast<std::int64_t>(bits & mask));
