@@ -31,6 +31,15 @@ UnitId unit_at(DispDataType quantity, int position) {
     return -1;
 }
 
+/// Calls `act(quantity, its choice)` for each row that is built.
+template <class Act>
+void for_each_row(wxComboBox* const* choices, Act act) {
+    for (const QuantityRow& row : quantity_rows()) {
+        if (choices == nullptr || *choices == nullptr) return;
+        act(row.quantity, **choices++);
+    }
+}
+
 }  // namespace
 
 PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c() {
@@ -151,17 +160,11 @@ void PGN_VistelUnitDlg_c::AssignUnitChangeApply(void (*callback)()) {
 }
 
 void PGN_VistelUnitDlg_c::db2disp() {
-    if (choices_ == nullptr) return;
-    wxComboBox** choice = choices_;
-    for (const QuantityRow& row : quantity_rows()) {
-        const int selected = state_->db->GetSelectUnit(row.quantity);
-        for (int i = 0; unit_at(row.quantity, i) >= 0; ++i) {
-            if (unit_at(row.quantity, i) != selected) continue;
-            (*choice)->SetSelection(i);
-            break;
-        }
-        ++choice;
-    }
+    for_each_row(choices_, [this](DispDataType quantity, wxComboBox& choice) {
+        const int selected = state_->db->GetSelectUnit(quantity);
+        for (int i = 0; unit_at(quantity, i) >= 0; ++i)
+            if (unit_at(quantity, i) == selected) return choice.SetSelection(i);
+    });
 }
 
 void PGN_VistelUnitDlg_c::OnShow(wxShowEvent& event) {
@@ -172,7 +175,7 @@ void PGN_VistelUnitDlg_c::OnShow(wxShowEvent& event) {
 void PGN_VistelUnitDlg_c::OnInitDialog(wxInitDialogEvent&) {}
 
 void PGN_VistelUnitDlg_c::OnClose(wxCloseEvent&) {
-    Hide();
+    if (GetHandle() != nullptr) Hide();
 }
 
 void PGN_VistelUnitDlg_c::OnButtonClose(wxCommandEvent&) {
@@ -182,18 +185,18 @@ void PGN_VistelUnitDlg_c::OnButtonClose(wxCommandEvent&) {
 
 void PGN_VistelUnitDlg_c::OnButtonApply(wxCommandEvent&) {
     int applied = 0;
-    wxComboBox** choice = choices_;
-    for (const QuantityRow& row : quantity_rows()) {
+    for_each_row(choices_, [&](DispDataType quantity, const wxComboBox& choice) {
         // A text that was typed is no selection; its row keeps its unit.
-        const UnitId unit = unit_at(row.quantity, (*choice++)->GetSelection());
-        if (unit < 0) continue;
-        state_->db->SelectUnit(row.quantity, unit);
+        const UnitId unit = unit_at(quantity, choice.GetSelection());
+        if (unit < 0) return;
+        state_->db->SelectUnit(quantity, unit);
         ++applied;
-    }
+    });
     if (applied > 0 && state_->apply_callback != nullptr) state_->apply_callback();
 }
 
 void PGN_VistelUnitDlg_c::OnButtonLDF(wxCommandEvent&) {
+    if (state_ == nullptr || state_->db == nullptr) return;
     // The first eight quantities alone, on purpose: the others keep what the user chose.
     for (DispDataType q = 0; q <= quantity::elevation; ++q) state_->db->SelectUnit(q, *available_units(q));
     db2disp();

@@ -134,6 +134,28 @@ TEST_F(MonitorDialog, CreatedLater) {
     EXPECT_EQ(Parts(later).filter->GetPosition().x, 70);
 }
 
+/// What the user does in a dialog, without the buttons that a window would have for it.
+struct PressedDialog : PGN_VistelDlg_c {
+    void press_all() {
+        wxCommandEvent click;
+        wxCloseEvent close;
+        OnButtonClear(click);
+        OnButtonPause(click);
+        OnButtonUnit(click);
+        OnClose(close);
+        s_OnTextEnter(this, 0, "7");
+    }
+};
+
+TEST_F(MonitorDialog, WithoutAWindowButtonsDoNothing) {
+    PressedDialog later;
+    later.press_all();
+    later.Create(dialog_.get(), nullptr, 1, 0);
+    N2KMsg msg = message_from(1);
+    EXPECT_EQ(later.PutMsg(&msg), 0) << "neither paused nor filtered";
+    EXPECT_EQ(blocks_of(*Parts(later).tree).size(), 1u);
+}
+
 TEST_F(MonitorDialog, FiltersBySource) {
     bring_up(*dialog_);
     EXPECT_TRUE(shows(1));

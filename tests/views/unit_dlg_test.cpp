@@ -169,5 +169,26 @@ TEST_F(UnitDialog, EveryWayOfCreation) {
     EXPECT_EQ(children_of<wxComboBox>(native).size(), 22u);
 }
 
+/// What the user does in a dialog, without the buttons that a window would have for it.
+struct PressedUnitDialog : PGN_VistelUnitDlg_c {
+    void press_all() {
+        wxCommandEvent click;
+        wxShowEvent shown;
+        OnButtonLDF(click);
+        OnButtonApply(click);
+        OnButtonClose(click);
+        OnShow(shown);
+    }
+};
+
+TEST_F(UnitDialog, WithoutAWindowButtonsDoNothing) {
+    PressedUnitDialog later;
+    later.AssignUnitChangeApply(count_apply);
+    later.press_all();
+    EXPECT_EQ(applied, 0);
+    later.Create(&parent_, &db_, 0);
+    EXPECT_EQ(children_of<wxComboBox>(later).size(), 22u);
+}
+
 }  // namespace
 }  // namespace pgn_vistel::test
