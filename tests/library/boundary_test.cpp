@@ -69,6 +69,8 @@ const Entry entries[] = {
     {"tree with a database", Switching::once,
      [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, &o.db, 1, 0)); }},
     {"tree's destructor", Switching::once, [](Objects& o) { o.tree.reset(); }},
+    {"tree's copy", Switching::never, [](Objects& o) { o.made.reset(new PGN_VistelTree_c(*o.tree)); }},
+    {"tree's assignment", Switching::once, [](Objects& o) { *o.tree = *o.tree; }},
     {"OnInit", Switching::once, [](Objects& o) { o.tree->OnInit(); }},
     {"OnSize", Switching::once, [](Objects& o) { o.tree->OnSize(); }},
     {"Pause", Switching::once, [](Objects& o) { o.tree->Pause(1); }},

@@ -183,6 +183,24 @@ TYPED_TEST(Tree, CollapsesAndExpands) {
     EXPECT_EQ(expanded(), (States{false})) << "neither clearing nor starting over forgets the choice";
 }
 
+TYPED_TEST(Tree, CopiesShareWhatTheyShow) {
+    TypeParam other(3);
+    {
+        PGN_VistelTree_c copy(this->tree_), assigned(other.tree);
+        assigned = copy;
+        assigned = *&assigned;
+        other.tree = this->tree_;  // its own state goes
+        N2KMsg msg = message_from(1);
+        EXPECT_EQ(copy.PutMsg(&msg), 0);
+        EXPECT_EQ(assigned.PutMsg(&msg), 0);
+        EXPECT_EQ(this->blocks().size(), 1u);
+        EXPECT_TRUE(other.blocks().empty());
+        this->tree_ = assigned;
+    }
+    EXPECT_EQ(this->put(message_from(2)), 0) << "the last one keeps it";
+    EXPECT_EQ(this->blocks().size(), 2u);
+}
+
 TEST(TreeForm, Toolkit) {
     wxFrame frame(nullptr, wxID_ANY, "Host");
     wxTreeCtrl control(&frame);
