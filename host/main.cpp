@@ -148,7 +148,7 @@ int main(int argc, char** argv) {
         return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
     }
 
-    if (app.got_subcommand("monitor")) return vistel::run_monitor(arguments.monitor);
+    if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table);
     if (arguments.json) arguments.decode.form = vistel::DecodeOptions::Form::json;
