@@ -7,7 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
-#include "commands/usage_error.h"
+#include "commands/command_line.h"
 #include "monitor/window.h"
 #include "readers/formats.h"
 
@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
     app.add_flag("--loop", options.loop, "From the start again at the end");
     app.failure_message(vistel::usage_error);
     try {
-        app.parse(argc, argv);
+        app.parse(vistel::words(argc, argv));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : bad_usage;
     }
@@ -78,6 +78,8 @@ int main(int argc, char** argv) {
         return bad_usage;
     }
     wxApp::SetInstance(new MonitorApp(std::move(player)));
-    int no_arguments = 1;
-    return wxEntry(no_arguments, argv);
+    char name[] = "vistel-monitor";
+    char* name_alone[] = {name, nullptr};
+    int count = 1;
+    return wxEntry(count, name_alone);
 }

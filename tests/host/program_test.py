@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The program vistel as a user runs it: VISTEL program_test.py. Recordings are made on the spot."""
+"""The program vistel as a user runs it. Recordings are made on the spot. VISTEL is the program, NO_ARGUMENTS what has
+main called without arguments."""
 
 import csv
 import io
@@ -13,6 +14,7 @@ from pathlib import Path
 
 VISTEL = os.environ["VISTEL"]
 MONITOR = VISTEL + "-monitor"  # not built without windows
+NO_ARGUMENTS = os.environ["NO_ARGUMENTS"]
 # Runs a program by a name of one's choice in a folder, where there is no /proc: FOLDER PATH NAME PROGRAM ARGUMENT...
 WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
                 'mount -t tmpfs none /proc && cd "$0" && PATH=$1 name=$2 && shift 2 && exec -a "$name" "$@"']
@@ -304,6 +306,13 @@ class ProgramTest(unittest.TestCase):
                     result = without_display(*WITHOUT_PROC, folder, path, name, program, "monitor", "none.log")
                     self.assertEqual((result.returncode, result.stdout), (2, ""))
                     self.assertRegex(result.stderr, f"^vistel: {message}.*'vistel decode' shows the messages as text$")
+
+    def test_no_argument_at_all(self):
+        for program, message in [(VISTEL, "A subcommand is required"), (MONITOR, "no display")]:
+            if os.path.exists(program):
+                result = without_display(program, LD_PRELOAD=NO_ARGUMENTS)
+                self.assertEqual((result.returncode, result.stdout), (2, ""), result.stderr)
+                self.assertIn(f"vistel: {message}", result.stderr)
 
     def test_catalogue(self):
         for table, column, rows in [("pgns", "pgn", 309), ("dictionary", "dd", 535), ("formats", "df", 177),
