@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 
 #include "commands/command_line.h"
 #include "monitor/window.h"
@@ -62,7 +63,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : bad_usage;
     }
-    options.speed = speed == "max" ? 0 : std::stod(speed);
+    options.speed = speed == "max" ? 0 : std::strtod(speed.c_str(), nullptr);
 
     // The toolkit would end the program with a message of its own.
     GdkDisplay* const display = gdk_display_open(nullptr);

@@ -280,10 +280,11 @@ class ProgramTest(unittest.TestCase):
             self.assertTrue(result.stderr.startswith("vistel: "), (arguments, result.stderr))
 
     def test_the_window_needs_a_display(self):
-        result = without_display(VISTEL, "monitor", "none.log")
-        self.assertEqual(result.returncode, 2)
-        self.assertEqual(len(result.stderr.splitlines()), 1)
-        self.assertIn("'vistel decode' shows the messages as text", result.stderr)
+        for arguments in (["none.log"], ["--speed", "1e-310"]):
+            result = without_display(VISTEL, "monitor", *arguments)
+            self.assertEqual(result.returncode, 2)
+            self.assertEqual(len(result.stderr.splitlines()), 1)
+            self.assertIn("'vistel decode' shows the messages as text", result.stderr)
 
     @unittest.skipUnless(os.path.exists(MONITOR), "built without windows")
     def test_the_window_is_never_looked_for_in_the_working_directory(self):
