@@ -109,6 +109,9 @@ void MonitorWindow::show_status() {
     wxString text = wxString::Format(
         "%llu messages, %llu of them replaced by later ones before they were shown",
         static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(c.replaced));
+    if (latest_.dropped() > 0)
+        text << wxString::Format(", %llu dropped because of too many streams",
+                                 static_cast<unsigned long long>(latest_.dropped()));
     if (c.problems > 0)
         text << wxString::Format(", %llu errors", static_cast<unsigned long long>(c.problems));
     if (refused_ > 0)

@@ -55,6 +55,28 @@ TEST(Player, HandsOverTheLatestOfEachStream) {
     EXPECT_TRUE(shown(latest).empty());
 }
 
+TEST(Player, CountsWhatTooManyStreamsPushOut) {
+    std::string text;
+    const int sources = 252, instances = 17;  // of batteries: 4,284 streams
+    for (int i = 0; i < sources * instances; ++i) {
+        char line[64];
+        std::snprintf(line, sizeof line, "00:00:00.00,6,127508,%d,255,8,%02x,ff,ff,ff,ff,ff,ff,ff\n",
+                      i % sources, i / sources);
+        text += line;
+    }
+    const TemporaryFile file(text);
+    Player player({.file = file.name(), .format = {}, .speed = 0});
+    std::string error;
+    ASSERT_TRUE(player.open(error)) << error;
+    LatestMessages latest;
+    while (!player.ended()) player.advance(latest);
+    EXPECT_EQ(latest.dropped(), 4096u);
+    EXPECT_EQ(shown(latest).size(), sources * instances - 4096u);
+    EXPECT_EQ(player.counters().replaced, 0u);
+    latest.clear();
+    EXPECT_EQ(latest.dropped(), 0u);
+}
+
 TEST(Player, WaitsForWhatIsNotDueAndStandsStillWhilePaused) {
     const TemporaryFile file(
         "00:00:00.00,2,127250,7,255,8,01,10,27,ff,7f,ff,7f,fd\n"
