@@ -84,7 +84,7 @@ void MonitorWindow::build_menu() {
         dialog_->Bind(
             wxEVT_MENU, [act](wxCommandEvent& e) { act(e); }, id);
     };
-    on(id_open, [this](wxCommandEvent&) { open(); });
+    on(id_open, [this](wxCommandEvent&) { choose_recording(); });
     on(id_save, [this](wxCommandEvent&) { save(); });
     on(id_copy, [this](wxCommandEvent&) { copy(); });
     on(id_pause, [this](wxCommandEvent& event) { player_->pause(event.IsChecked()); });
@@ -131,24 +131,27 @@ void MonitorWindow::show_source() {
                       " - PGN Vistel");
 }
 
-void MonitorWindow::open() {
+void MonitorWindow::choose_recording() {
     wxFileDialog chooser(dialog_, "Open a recording", wxEmptyString, wxEmptyString,
                          wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
     if (chooser.ShowModal() != wxID_OK) return;
+    if (std::string error; !open(chooser.GetPath().ToStdString(wxConvUTF8), error))
+        wxMessageBox(wxString::FromUTF8(error), "Cannot open the recording", wxOK | wxICON_ERROR, dialog_);
+}
+
+bool MonitorWindow::open(const std::string& file, std::string& error) {
     PlayOptions options = player_->options();
-    options.file = chooser.GetPath().ToStdString(wxConvUTF8);
+    options.file = file;
     options.format.clear();
     auto next = std::make_unique<Player>(options);
-    std::string error;
-    if (!next->open(error)) {
-        wxMessageBox(wxString::FromUTF8(error), "Cannot open the recording", wxOK | wxICON_ERROR, dialog_);
-        return;
-    }
+    if (!next->open(error)) return false;
     player_ = std::move(next);
     latest_.clear();
+    refused_ = 0;
     dialog_->ClearMsg();
     dialog_->GetMenuBar()->Check(id_pause, false);
     show_source();
+    return true;
 }
 
 void MonitorWindow::save() {
