@@ -140,9 +140,11 @@ TYPED_TEST(Tree, IsFull) {
     for (std::uint8_t source : {5, 6, 7}) EXPECT_EQ(this->put(message_from(source)), 0);
     EXPECT_EQ(this->put(message_from(8)), -1);
 
-    TypeParam none(0);
-    N2KMsg msg = message_from(1);
-    EXPECT_EQ(none.tree.PutMsg(&msg), -1);
+    for (const unsigned long capacity : {0ul, ~0ul}) {  // no memory has room for the second
+        TypeParam none(capacity);
+        N2KMsg msg = message_from(1);
+        EXPECT_EQ(none.tree.PutMsg(&msg), -1);
+    }
 }
 
 TYPED_TEST(Tree, Pauses) {
