@@ -1,68 +1,49 @@
 #include "monitor/window.h"
 
+#include <wx/filename.h>
 #include <wx/frame.h>
 
-#include <filesystem>
-#include <fstream>
-
+#include "host/temporary_recording.h"
 #include "views/windows.h"
 
 namespace vistel {
 namespace {
 
 using namespace pgn_vistel::test;
+using namespace vistel::test;
 
-/// The window on a recording that is played as fast as possible.
-class Window : public testing::Test {
-  protected:
-    Window() { std::filesystem::create_directory(folder_); }
-    ~Window() override { std::filesystem::remove_all(folder_); }
-
-    std::string recording(const char* name, int sources, int instances) {
-        std::ofstream file(folder_ / name);
-        for (int i = 0; i < sources * instances; ++i)
-            file << "00:00:00.00,6,127508," << i % sources << ",255,1," << std::hex << 0x10 + i / sources
-                 << std::dec << '\n';
-        return folder_ / name;
-    }
-    void play(const std::string& file) {
-        auto player = std::make_unique<Player>(PlayOptions{.file = file, .format = {}, .speed = 0});
-        std::string error;
-        ASSERT_TRUE(player->open(error)) << error;
-        window_ = std::make_unique<MonitorWindow>(std::move(player));
-        window_->show();
-        const auto name = std::filesystem::path(file).filename().string();
-        frame_ = dynamic_cast<wxFrame*>(wxWindow::FindWindowByLabel(name + " - PGN Vistel"));
-        ASSERT_NE(frame_, nullptr);
-    }
-    wxString status() const { return frame_->GetStatusBar()->GetStatusText(); }
+TEST(Window, SaysWhatIsNotShown) {
+    const TemporaryRecording full(batteries(2100)), many(batteries(4200)), few(batteries(2));
+    const auto title = [](const TemporaryRecording& file) {
+        return wxFileName(file.name()).GetFullName() + " - PGN Vistel";
+    };
+    auto player = std::make_unique<Player>(PlayOptions{.file = full.name(), .format = {}, .speed = 0});
+    std::string error;
+    ASSERT_TRUE(player->open(error)) << error;
+    MonitorWindow window(std::move(player));
+    window.show();
+    auto* const frame = dynamic_cast<wxFrame*>(wxWindow::FindWindowByLabel(title(full)));
+    ASSERT_NE(frame, nullptr);
     /// The status at the end of the recording that is playing.
-    wxString final_status() const {
-        frame_->SetStatusText("");
+    const auto final_status = [frame] {
+        frame->SetStatusText("");
+        const auto status = [frame] { return frame->GetStatusBar()->GetStatusText(); };
         EXPECT_TRUE(eventually([&] { return status().EndsWith(" - end"); })) << status();
         return status();
-    }
+    };
 
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("window_test_" + std::to_string(::getpid()));
-    std::unique_ptr<MonitorWindow> window_;
-    wxFrame* frame_ = nullptr;
-};
-
-TEST_F(Window, SaysWhatIsNotShown) {
-    play(recording("full.log", 252, 9));
     const wxString seen = ", 0 of them replaced by later ones before they were shown";
-    EXPECT_EQ(final_status(), "2268 messages" + seen + ", 268 without room - end");
-    std::string error;
-    EXPECT_FALSE(window_->open(folder_ / "none.log", error));
+    EXPECT_EQ(final_status(), "2100 messages" + seen + ", 100 without room - end");
+    EXPECT_FALSE(window.open("/none.log", error));
     EXPECT_NE(error, "");
-    EXPECT_TRUE(window_->open(recording("many.log", 252, 17), error)) << error;
-    EXPECT_EQ(frame_->GetTitle(), "many.log - PGN Vistel");
-    EXPECT_TRUE(final_status().StartsWith("4284 messages" + seen + ", ")) << status();
-    EXPECT_TRUE(status().Contains(" dropped because of too many streams")) << status();
-    EXPECT_TRUE(window_->open(recording("few.log", 2, 1), error)) << error;
+    EXPECT_TRUE(window.open(many.name(), error)) << error;
+    EXPECT_EQ(frame->GetTitle(), title(many));
+    const wxString of_many = final_status();
+    EXPECT_TRUE(of_many.StartsWith("4200 messages" + seen + ", ")) << of_many;
+    EXPECT_TRUE(of_many.Contains(" dropped because of too many streams")) << of_many;
+    EXPECT_TRUE(window.open(few.name(), error)) << error;
     EXPECT_EQ(final_status(), "2 messages" + seen + " - end") << "of this recording alone";
-    frame_->Close();
+    frame->Close();
     EXPECT_TRUE(eventually([] { return wxTopLevelWindows.empty(); }));
 }
 
