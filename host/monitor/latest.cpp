@@ -10,7 +10,11 @@ bool LatestMessages::put(const N2KMsg& msg) {
                                     &key.keys[3]);
     auto found = streams_.find(key);
     if (found == streams_.end()) {
-        if (streams_.size() >= most_streams) clear();
+        if (streams_.size() >= most_streams) {
+            dropped_ += pending_.size();
+            streams_.clear();
+            pending_.clear();
+        }
         found = streams_.try_emplace(key).first;
     }
     Entry& entry = found->second;
@@ -24,8 +28,7 @@ bool LatestMessages::put(const N2KMsg& msg) {
 }
 
 void LatestMessages::clear() {
-    streams_.clear();
-    pending_.clear();
+    *this = LatestMessages();
 }
 
 }  // namespace vistel
