@@ -8,7 +8,8 @@ import sys
 def database_functions(file):
     """Those of the database class that the file defines. A file without symbols, of which nothing can be told, is an
     error."""
-    told = subprocess.run(["nm", "--demangle", "--defined-only", file], check=True, capture_output=True, text=True).stdout
+    told = subprocess.run(["nm", "--demangle", "--defined-only", file],
+                          check=True, capture_output=True, text=True).stdout
     if " T " not in told:
         sys.exit(f"{file} has no symbols")
     return re.findall(r" [TW] (QV_N2K_PGN_DB_c::.*)", told)
