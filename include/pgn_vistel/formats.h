@@ -49,7 +49,7 @@ ConvFunction find_conversion(DF df);
 ConvFunction find_self_described(DF df);
 
 /// Converts one field; see `QV_N2K_PGN_DB_c::conv_DF`.
-int convert_field(DF df, ConvValue* out, const void* raw, UnitId unit);
+int convert_field(DF df, ConvValue* out, const void* at, UnitId unit);
 
 /// Quantity of a format by the format's own list, or -1.
 DispDataType quantity_of_format(DF df);
