@@ -51,6 +51,7 @@ std::string select_unit(UnitSelection& selection, std::string_view choice) {
     const UnitId found = find_unit(units, text);
     if (found < 0) {
         std::vector<std::string> names;
+        names.reserve(units.size());
         for (const UnitId u : units) names.push_back(unit_text(u));
         return concat("no unit '", text, "' for ", row->label, "; there are: ", joined(names));
     }

@@ -71,6 +71,6 @@ std::span<const DDDef> all_dictionary_rows();
 ConvFunction find_conversion(DF df);
 
 /// Converts one field; see `QV_N2K_PGN_DB_c::conv_DF`.
-int convert_field(DF df, ConvValue* out, const void* raw, UnitId unit);
+int convert_field(DF df, ConvValue* out, const void* at, UnitId unit);
 
 }  // namespace pgn_vistel
