@@ -19,10 +19,10 @@ namespace quantity = core::quantity;
 
 /// Turns the raw bytes of a field into a value in a unit.
 ///
-/// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. `unit` is
-/// a `UnitId` or one of the pseudo units raw_count and raw_bits; a unit that a numeric format does not serve
-/// gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it receives the number of bytes that the field
-/// takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has.
+/// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. `unit`
+/// is a `UnitId` or one of the pseudo units raw_count and raw_bits; a unit that a numeric format does not
+/// serve gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it receives the number of bytes that the
+/// field takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has.
 ///
 /// Texts are left in a static area of the format's conversion, so one thread at a time may convert.
 using ConvFunction = void (*)(ConvValue* out, const void* raw, UnitId unit, int* count);

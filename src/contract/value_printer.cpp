@@ -18,8 +18,8 @@ struct TypeFormats {
     const wchar_t* with_hex;
 };
 
-// By tag, as the text interface has them: "%I64" without a letter, and two hexadecimal digits at the least where
-// the types CV_I16 and CV_U64 have more.
+// By tag, as the text interface has them: "%I64" without a letter, and two hexadecimal digits at the least
+// where the types CV_I16 and CV_U64 have more.
 constexpr TypeFormats type_formats[] = {
     {L"%5q", L"%5q"},
     {L"%5q", L"%5q"},

@@ -63,15 +63,17 @@ void store_date(std::uint16_t days, UnitId u, TextScratch& scratch, Value& out) 
 // ---- readings ----
 
 /// Number, reserved codes, raw forms, resolution, unit.
-void convert_scaled(const FormatPlan& format, std::int64_t number, UnitId u, TextScratch& scratch, Value& out) {
+void convert_scaled(const FormatPlan& format, std::int64_t number, UnitId u, TextScratch& scratch,
+                    Value& out) {
     const bool is_signed = format.is_signed != 0;
     if (u == unit::raw_bits)
         store_integer(out, integer_type(format.width, is_signed), number);
     else if (is_refused(number, format.width, is_signed))
         store_none(out);
     else if (u == unit::raw_count)
-        store_single(out, format.width == 64 && !is_signed ? static_cast<double>(static_cast<std::uint64_t>(number))
-                                                           : static_cast<double>(number));
+        store_single(out, format.width == 64 && !is_signed
+                              ? static_cast<double>(static_cast<std::uint64_t>(number))
+                              : static_cast<double>(number));
     else
         apply_unit_rule(format.rule,
                         format.width == 64 && !is_signed
@@ -152,8 +154,8 @@ void convert_double_plain(const RawField& raw, UnitId u, Value& out) {
     } else if (u == unit::raw_count) {
         store_single(out, value);
     } else {
-        // Tagged single, stored double: a reader of the tag sees the low half. The way back from text tells by
-        // it that only the raw form can be inverted.
+        // Tagged single, stored double: a reader of the tag sees the low half. The way back from text tells
+        // by it that only the raw form can be inverted.
         store_real(out, value);
         out.type = ValueType::single;
     }
@@ -174,8 +176,8 @@ void convert_ac_power(const RawField& raw, UnitId u, TextScratch& scratch, Value
     else if (is_refused(number, 32, false))
         store_none(out);
     else
-        apply_unit_rule(UnitRule::power_w, static_cast<float>(static_cast<std::int32_t>(number - 2000000000u)), u,
-                        scratch, out);
+        apply_unit_rule(UnitRule::power_w,
+                        static_cast<float>(static_cast<std::int32_t>(number - 2000000000u)), u, scratch, out);
 }
 
 /// A number with an offset, in a unit that its factor stands for.
@@ -220,8 +222,9 @@ int convert_self_described(DF df, std::uint64_t bits, UnitId u, TextScratch& scr
 enum SentEncoding : std::uint8_t { sent_utf16 = 0, sent_ascii = 1 };
 
 /// Keeps a text up to its end or its first zero. What `available` does not cover is zero.
-template <int size>
-void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8_t* text, int available, int most) {
+template <std::size_t size>
+void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8_t* text, int available,
+          int most) {
     const int step = encoding == sent_ascii ? 1 : 2;
     const int bytes = std::clamp(available, 0, most * step);
     std::memcpy(kept.bytes.data(), text, static_cast<std::size_t>(bytes));
@@ -236,7 +239,7 @@ void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8
     while (kept.count < whole && !is_zero(kept.count)) ++kept.count;
 }
 
-template <int size>
+template <std::size_t size>
 void store_kept(const TextScratch::Kept<size>& kept, Value& out) {
     store_text(out, kept.bytes.data(), kept.count, kept.encoding);
 }
@@ -337,10 +340,18 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::float_plain: convert_float_plain(raw, u, out); return 4;
         case Reading::double_distance: convert_double_distance(raw, u, scratch, out); return 8;
         case Reading::double_plain: convert_double_plain(raw, u, out); return 8;
-        case Reading::latitude_32: convert_position(32, unit::deg_lat, degrees_per_count_32, raw, u, out); return 4;
-        case Reading::longitude_32: convert_position(32, unit::deg_long, degrees_per_count_32, raw, u, out); return 4;
-        case Reading::latitude_64: convert_position(64, unit::deg_lat, degrees_per_count_64, raw, u, out); return 8;
-        case Reading::longitude_64: convert_position(64, unit::deg_long, degrees_per_count_64, raw, u, out); return 8;
+        case Reading::latitude_32:
+            convert_position(32, unit::deg_lat, degrees_per_count_32, raw, u, out);
+            return 4;
+        case Reading::longitude_32:
+            convert_position(32, unit::deg_long, degrees_per_count_32, raw, u, out);
+            return 4;
+        case Reading::latitude_64:
+            convert_position(64, unit::deg_lat, degrees_per_count_64, raw, u, out);
+            return 8;
+        case Reading::longitude_64:
+            convert_position(64, unit::deg_long, degrees_per_count_64, raw, u, out);
+            return 8;
         case Reading::percent_absolute: convert_served_code(low_bits(raw, 8), 8, true, u, out); return 1;
         case Reading::peukert:
             // Exponents start at 1.0 and go up in steps of 0.002.
@@ -358,7 +369,8 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::format_number: convert_served_code(low_bits(raw, 16), 16, true, u, out); return 2;
         case Reading::device_address:
             // Eight bytes of which 48 bits carry the value.
-            convert_integer(ValueType::u64, static_cast<std::int64_t>(raw.bits), raw.bits >= 0xFFFFFFFFFFFD, u, out);
+            convert_integer(ValueType::u64, static_cast<std::int64_t>(raw.bits), raw.bits >= 0xFFFFFFFFFFFD,
+                            u, out);
             return 8;
         case Reading::ac_power: convert_ac_power(raw, u, scratch, out); return 4;
         case Reading::power_factor:
@@ -376,7 +388,8 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::run_time: convert_run_time(raw, u, scratch, out); return 4;
         case Reading::period_minutes: {
             // The code for "out of range" is handed on as the clock type's own, whatever the unit.
-            static constexpr FormatPlan minutes{0, Reading::scaled, 16, 0, UnitRule::duration_s, 60, 0xFFFD, 0};
+            static constexpr FormatPlan minutes{0,  Reading::scaled, 16, 0, UnitRule::duration_s,
+                                                60, 0xFFFD,          0};
             if (low_bits(raw, 16) == 0xFFFE)
                 store_integer(out, ValueType::seconds, 0xFFFFFFFE);
             else
@@ -402,7 +415,8 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::can_frame_id: store_integer(out, ValueType::u32, low_bits(raw, 29)); return -1;
         case Reading::self_described:
             return convert_self_described(static_cast<DF>(raw.bits), raw.bits >> 16, u, scratch, out);
-        case Reading::self_described_before: return convert_self_described(raw.before, raw.bits, u, scratch, out);
+        case Reading::self_described_before:
+            return convert_self_described(raw.before, raw.bits, u, scratch, out);
         case Reading::never_available: break;
         case Reading::text_short:
         case Reading::text_medium:
@@ -418,7 +432,9 @@ int convert_text(const FormatPlan& format, const std::uint8_t* field, int availa
     switch (format.reading) {
         case Reading::text_short: return convert_short_text(field, available, scratch, out);
         case Reading::text_medium: return convert_medium_text(field, available, scratch, out);
-        case Reading::text_fixed: convert_fixed_text(field, std::min({bytes, available, N2K_MAX_PAYLOAD}), out); break;
+        case Reading::text_fixed:
+            convert_fixed_text(field, std::min({bytes, available, N2K_MAX_PAYLOAD}), out);
+            break;
         default: convert_hex_dump(field, std::min(bytes, available), scratch, out); break;
     }
     return -1;

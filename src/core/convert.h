@@ -18,8 +18,8 @@ struct RawField {
     int bytes = 0;             ///< that a bit field has; it takes 8 where this is not 1 .. 8
 };
 
-// What follows stores the value of a field in a unit, and returns the bytes that the field takes by its format,
-// or -1 where the format does not say. Units: see `FieldReading`.
+// What follows stores the value of a field in a unit, and returns the bytes that the field takes by its
+// format, or -1 where the format does not say. Units: see `FieldReading`.
 
 /// Formats of numbers and codes: all but those of texts.
 int convert(const FormatPlan& format, const RawField& raw, UnitId unit, TextScratch& scratch, Value& out);
@@ -80,7 +80,8 @@ inline std::int64_t widened(std::uint64_t bits, int width, bool is_signed) {
 /// they are refused together.
 inline bool is_refused(std::int64_t number, int width, bool is_signed) {
     const std::uint64_t top = ~std::uint64_t{0} >> (64 - width + (is_signed ? 1 : 0));
-    return is_signed ? number >= static_cast<std::int64_t>(top) - 2 : static_cast<std::uint64_t>(number) >= top - 2;
+    return is_signed ? number >= static_cast<std::int64_t>(top) - 2
+                     : static_cast<std::uint64_t>(number) >= top - 2;
 }
 
 /// The scale is a single precision constant, applied in double precision and rounded once.

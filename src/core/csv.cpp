@@ -67,7 +67,8 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
 }  // namespace
 
 char* CsvRenderer::write_header(char* at) {
-    return write_text(at, "time,absolute,pgn,name,priority,source,destination,field,label,value,unit,text,raw\n");
+    return write_text(at,
+                      "time,absolute,pgn,name,priority,source,destination,field,label,value,unit,text,raw\n");
 }
 
 void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {

@@ -107,7 +107,8 @@ DispDataType quantity_of_dd(int dd, const std::uint8_t* raw) {
     const SpecialField* const special =
         dd > 0 && raw != nullptr ? find_special_field(static_cast<std::uint32_t>(dd), 0, 0) : nullptr;
     if (special != nullptr && special->quantity != 0) {
-        const std::uint8_t* const at = special->quantity == quantity_of_format_inside ? raw : raw - sizeof(DF);
+        const std::uint8_t* const at =
+            special->quantity == quantity_of_format_inside ? raw : raw - sizeof(DF);
         const DispDataType quantity = quantity_of_format(static_cast<DF>(at[0] | at[1] << 8));
         if (quantity >= 0) return quantity;
     }
@@ -128,7 +129,8 @@ std::uint8_t find_set(std::uint32_t dd) {
     const auto last = enum_sets + sorted_sets;
     auto set = std::lower_bound(enum_sets, last, dd,
                                 [](const DDstrings& s, std::uint32_t sought) { return s.dd < sought; });
-    if (set == last || set->dd != dd) set = std::find_if(last, std::end(enum_sets), [dd](const DDstrings& s) { return s.dd == dd; });
+    if (set == last || set->dd != dd)
+        set = std::find_if(last, std::end(enum_sets), [dd](const DDstrings& s) { return s.dd == dd; });
     return set != std::end(enum_sets) ? static_cast<std::uint8_t>(set - enum_sets) : no_set;
 }
 
@@ -148,7 +150,8 @@ std::uint16_t search_entry(std::uint8_t index, std::uint32_t value) {
     entry = std::lower_bound(set.pairs, last, value,
                              [](const ValueText& pair, std::uint32_t sought) { return pair.value < sought; });
     if (entry != last && entry->value == value) return static_cast<std::uint16_t>(entry - set.pairs);
-    if (set.kind == ENUM_ENTRY_BELOW && entry != set.pairs) return static_cast<std::uint16_t>(entry - set.pairs - 1);
+    if (set.kind == ENUM_ENTRY_BELOW && entry != set.pairs)
+        return static_cast<std::uint16_t>(entry - set.pairs - 1);
     return no_entry;
 }
 

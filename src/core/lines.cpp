@@ -7,7 +7,7 @@ namespace pgn_vistel::core {
 
 namespace {
 
-constexpr int indent = 4;  // blanks in front of a label in the pool, which windows do not show
+constexpr int indent = 4;        // blanks in front of a label in the pool, which windows do not show
 constexpr int payload_byte = 3;  // characters of one: " 0F"
 
 constexpr std::string_view source_label = "Source Address: 0x";
@@ -62,8 +62,8 @@ void put_round(Out& out, int round) {
     out.put(": ");
 }
 
-/// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the unit
-/// that follows, negative for none.
+/// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the
+/// unit that follows, negative for none.
 template <class Out>
 [[gnu::always_inline]] inline UnitId put_field(Out& out, Stepping::State& walk, const Payload& payload,
                                                const UnitSelection& units, TextScratch& scratch,
@@ -97,8 +97,8 @@ int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* p
     return out.finish();
 }
 
-StreamLines::StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units, TextScratch& scratch,
-                         bool plain_numbers)
+StreamLines::StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units,
+                         TextScratch& scratch, bool plain_numbers)
     : msg_(msg), units_(units), scratch_(scratch), plain_numbers_(plain_numbers), walk_(pgn, msg) {}
 
 int StreamLines::next(wchar_t* buf, int size) {
@@ -181,7 +181,8 @@ char* TextRenderer::write(char* at, char* limit) {
         const UnitId unit = put_field(out, walk, payload, units_, scratch_, plain_numbers_);
         if (unit >= 0) {
             const UnitTexts& texts = unit_texts[unit];
-            out.put_pooled(text_pool + texts.line, static_cast<std::size_t>(texts.line_size) + 1);  // and line end
+            out.put_pooled(text_pool + texts.line,
+                           static_cast<std::size_t>(texts.line_size) + 1);  // and line end
         } else {
             out.put('\n');
         }

@@ -22,7 +22,8 @@ char* write_fixed(char* at, double value, int precision) {
     char area[general_size];
     if (std::signbit(value)) *at++ = '-';
     const double magnitude = std::fabs(value);
-    const auto end = std::to_chars(area, area + general_size, magnitude, std::chars_format::fixed, precision).ptr;
+    const auto end =
+        std::to_chars(area, area + general_size, magnitude, std::chars_format::fixed, precision).ptr;
     std::memcpy(at, area, static_cast<std::size_t>(end - area));
     return at + (end - area);
 }
@@ -47,7 +48,7 @@ constexpr std::uint64_t limit_of_eight = 100'000'000;
 
 /// Decimal digits of a number, none for 0.
 inline int count_digits(std::uint32_t number) {
-    const int estimate = std::bit_width(number) * 1233 >> 12;  // of the logarithm
+    const int estimate = static_cast<int>(std::bit_width(number)) * 1233 >> 12;  // of the logarithm
     return estimate + (number != 0 && number >= powers_of_ten[estimate]);
 }
 
@@ -68,7 +69,8 @@ char* write_significant(char* at, float value, int digits) {
     const auto bits = std::bit_cast<std::uint32_t>(value);
     const std::uint32_t exponent_field = bits >> 23 & 0xFF;
     constexpr std::uint32_t exponent_of_2_pow_32 = 127 + 32;
-    if (exponent_field >= exponent_of_2_pow_32) [[unlikely]] return write_large(at, value);
+    if (exponent_field >= exponent_of_2_pow_32) [[unlikely]]
+        return write_large(at, value);
     if (static_cast<std::int32_t>(bits) < 0) *at++ = '-';
 
     // The number is mantissa / 2^shift.
@@ -81,7 +83,8 @@ char* write_significant(char* at, float value, int digits) {
     if (shift <= 0) {
         const std::uint64_t number = mantissa << -shift;
         at = write_unsigned(at, number);
-        if (digits < 8 || number >= powers_of_ten[7]) return at;  // from 2^23 on there are seven digits at least
+        if (digits < 8 || number >= powers_of_ten[7])
+            return at;  // from 2^23 on there are seven digits at least
         std::memcpy(at, ".0", 2);
         return at + 2;
     }
@@ -98,7 +101,8 @@ char* write_significant(char* at, float value, int digits) {
         constexpr std::uint64_t half = std::uint64_t{1} << 63;
         rounded += rest > half || (rest == half && (rounded & 1) != 0);
     }
-    if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]] return write_decimal(at, rounded, precision);
+    if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]]
+        return write_decimal(at, rounded, precision);
     // The point goes between the digits of one word.
     const std::uint64_t text = detail::eight_digits(static_cast<std::uint32_t>(rounded)) | detail::zeros;
     const int before = std::max(count_digits(static_cast<std::uint32_t>(rounded)) - precision, 1);
@@ -112,10 +116,10 @@ char* write_significant(char* at, float value, int digits) {
 
 // ---- shortest form ----
 //
-// A number c * 2^q owns the interval up to the middles between it and its neighbours. Scaled by a power of ten
-// such that the interval is at least 2 and less than 20 wide, either a multiple of ten lies in it or the number
-// itself is rounded to a whole one. The power is taken from a table, with so many bits that the product, its
-// lowest bit standing for all that is cut off, compares as the exact one would.
+// A number c * 2^q owns the interval up to the middles between it and its neighbours. Scaled by a power of
+// ten such that the interval is at least 2 and less than 20 wide, either a multiple of ten lies in it or the
+// number itself is rounded to a whole one. The power is taken from a table, with so many bits that the
+// product, its lowest bit standing for all that is cut off, compares as the exact one would.
 
 namespace {
 
@@ -186,7 +190,8 @@ struct Double {
         __extension__ typedef unsigned __int128 uint128;
         const Power& power = double_powers[e - first_double_power];
         const auto low = static_cast<uint128>(power.low) * number;
-        const auto product = static_cast<uint128>(power.high) * number + static_cast<std::uint64_t>(low >> 64);
+        const auto product =
+            static_cast<uint128>(power.high) * number + static_cast<std::uint64_t>(low >> 64);
         return static_cast<Bits>(product >> 64) | (static_cast<Bits>(product) > 1);
     }
 };
@@ -224,7 +229,8 @@ bool find_shortest(typename Width::Bits bits, Decimal& found) {
     const bool down = low <= 4 * s;
     const bool up = 4 * s + 4 <= high;
     const bool nearer_up = middle > 4 * s + 2 || (middle == 4 * s + 2 && (s & 1) != 0);
-    found = {s + (down != up ? up : nearer_up), k};
+    const bool rounds_up = down != up ? up : nearer_up;
+    found = {s + (rounds_up ? 1u : 0u), k};
     return true;
 }
 
@@ -257,7 +263,8 @@ char* write_shortest_of(char* at, Float value) {
     // Fixed point, unless the scientific form is shorter.
     const int single = count == 1 ? 1 : 0;
     const bool is_fixed = d.exponent >= -(count + 3) + single && d.exponent <= 5 - single;
-    if (!is_fixed || (d.exponent > 0 && static_cast<double>(magnitude) >= exact_integers<Width>)) return general();
+    if (!is_fixed || (d.exponent > 0 && static_cast<double>(magnitude) >= exact_integers<Width>))
+        return general();
 
     if (d.exponent >= 0) {
         at = write_unsigned(at, d.digits);

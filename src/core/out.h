@@ -83,11 +83,12 @@ class Utf8Out {
     char* at_;
 };
 
-/// Wide characters into a caller's buffer of any size; what does not fit is dropped. `finish` terminates the text.
-/// A buffer of size 0 or a null buffer takes nothing.
+/// Wide characters into a caller's buffer of any size; what does not fit is dropped. `finish` terminates the
+/// text. A buffer of size 0 or a null buffer takes nothing.
 class WideOut {
   public:
-    WideOut(wchar_t* buf, int size) : begin_(buf), at_(buf), end_(buf), terminable_(buf != nullptr && size > 0) {
+    WideOut(wchar_t* buf, int size)
+        : begin_(buf), at_(buf), end_(buf), terminable_(buf != nullptr && size > 0) {
         if (terminable_) end_ = buf + (size - 1);
     }
 

@@ -38,7 +38,8 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
     switch (plan.form) {
         case Form::pgn_name:
             parts.unit = -1;
-            if (const PgnDef* const row = parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
+            if (const PgnDef* const row =
+                    parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
                 if (const std::string_view name = pgn_name(row); !name.empty())
                     parts.set_word(Meaning::pgn_name, name);
             }
@@ -69,7 +70,8 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
 
 /// Reads the field that the walk has come to; the walk goes behind it.
 [[gnu::always_inline]] inline void read_parts(Stepping::State& walk, const Payload& payload,
-                                              const UnitSelection& units, TextScratch& scratch, FieldParts& parts) {
+                                              const UnitSelection& units, TextScratch& scratch,
+                                              FieldParts& parts) {
     const FieldPlan& plan = Stepping::plan(walk);
     read_planned(walk.row, payload, walk.position, units, scratch, parts.reading);
     walk.position = parts.reading.next;
@@ -97,7 +99,8 @@ inline char* write_number(char* at, const FieldParts& parts) {
     if (!parts.available) return nullptr;
     const Value& v = parts.reading.value;
     switch (v.type) {
-        case ValueType::single: return std::isfinite(v.number.f32) ? write_shortest(at, v.number.f32) : nullptr;
+        case ValueType::single:
+            return std::isfinite(v.number.f32) ? write_shortest(at, v.number.f32) : nullptr;
         case ValueType::real: return std::isfinite(v.number.f64) ? write_shortest(at, v.number.f64) : nullptr;
         case ValueType::text:
         case ValueType::none: return nullptr;

@@ -61,7 +61,8 @@ const PgnPlan& plan_of(const PgnDef& row) {
 std::string_view pgn_name(const PgnDef* row) {
     if (row == nullptr) return "Unknown";
     const PgnPlan& plan = plan_of(*row);
-    return {text_pool + plan.texts + PgnPlan::name_at, static_cast<std::size_t>(plan.line_size - PgnPlan::name_at)};
+    return {text_pool + plan.texts + PgnPlan::name_at,
+            static_cast<std::size_t>(plan.line_size - PgnPlan::name_at)};
 }
 
 const RepeatSetDef* find_repeat_set(std::uint32_t pgn) {

@@ -7,9 +7,9 @@
 
 namespace pgn_vistel::core {
 
-// What reading and printing need beside the rows of the catalogue: computed by the generator, constant, without
-// a pointer. Texts are named by their offset in one pool; those who copy them may read `pool_slack` bytes too
-// far.
+// What reading and printing need beside the rows of the catalogue: computed by the generator, constant,
+// without a pointer. Texts are named by their offset in one pool; those who copy them may read `pool_slack`
+// bytes too far.
 
 /// How the raw bits of a format become a value.
 enum class Reading : std::uint8_t {
@@ -73,15 +73,15 @@ struct FormatPlan {
     std::uint8_t width;      ///< bits of the number, 0 where the reading knows
     std::uint8_t is_signed;  ///< 0 or 1
     UnitRule rule;
-    float scale;             ///< to the rule's base unit; single precision
+    float scale;                  ///< to the rule's base unit; single precision
     std::int64_t first_reserved;  ///< the lowest of the three reserved codes; of widths below 64
     std::uint8_t described;       ///< 1 where a value may name the format itself
 };
 
 /// How a value is shown, as far as the dictionary entry and the place of the field decide.
 enum class Form : std::uint8_t {
-    plain,        ///< by quantity and type
-    pgn_name,     ///< the name of the PGN that the value is
+    plain,     ///< by quantity and type
+    pgn_name,  ///< the name of the PGN that the value is
     database_version,
     enumeration,  ///< a text of the entry's set, else plain
     flags,        ///< the texts of the bits that are set
@@ -98,10 +98,10 @@ enum FieldFlag : std::uint16_t {
     in_group = 1,
     first_of_group = 2,
     last_of_group = 4,
-    numbered = 8,  ///< the label is followed by the number of the round
-    quoted = 16,   ///< a numbered label that CSV quotes
-    string = 32,   ///< ends the walk where it takes no byte
-    text = 64,     ///< shows what is there where the message cuts it off
+    numbered = 8,       ///< the label is followed by the number of the round
+    quoted = 16,        ///< a numbered label that CSV quotes
+    string = 32,        ///< ends the walk where it takes no byte
+    text = 64,          ///< shows what is there where the message cuts it off
     whole_bytes = 128,  ///< sized in bytes, or without a size
     quick = 256,        ///< a whole number of up to 64 bits whose quantity is known
 };

@@ -11,7 +11,8 @@ std::uint16_t bytes_before(const std::uint8_t* data, int byte) {
 }
 
 /// The quantity where the payload tells it.
-DispDataType dynamic_quantity(std::uint8_t how, const RawField& raw, const std::uint8_t* data, std::uint32_t dd) {
+DispDataType dynamic_quantity(std::uint8_t how, const RawField& raw, const std::uint8_t* data,
+                              std::uint32_t dd) {
     if (how == air_pressure_if_source_0) {
         constexpr int source_byte = 2;
         return data[source_byte] == 0 ? quantity::atmospheric_pressure : quantity::pressure;
@@ -27,8 +28,8 @@ DispDataType dynamic_quantity(std::uint8_t how, const RawField& raw, const std::
 int convert_moved_text(const FieldShape& shape, std::uint64_t bits, TextScratch& scratch, Value& out) {
     scratch.moved.fill(0);
     std::memcpy(scratch.moved.data(), &bits, sizeof bits);
-    return convert_text(*shape.format, scratch.moved.data(), static_cast<int>(scratch.moved.size()), shape.bytes,
-                        scratch, out);
+    return convert_text(*shape.format, scratch.moved.data(), static_cast<int>(scratch.moved.size()),
+                        shape.bytes, scratch, out);
 }
 
 }  // namespace
@@ -74,11 +75,11 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     }
 }
 
-FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at, const UnitSelection& units,
-                        UnitId unit, TextScratch& scratch) {
+FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at,
+                        const UnitSelection& units, UnitId unit, TextScratch& scratch) {
     FieldValue v;
-    read(FieldShape::of(plan_of(field)), field.dd->dd, {msg.data, payload_length(msg)}, at.byte * 8 + at.bit, units,
-         unit, scratch, v);
+    read(FieldShape::of(plan_of(field)), field.dd->dd, {msg.data, payload_length(msg)}, at.byte * 8 + at.bit,
+         units, unit, scratch, v);
     return {v.quantity, v.unit, {v.next >> 3, v.next & 7}, v.cut_off, v.value};
 }
 

@@ -70,8 +70,8 @@ inline std::uint64_t gather_bits(const std::uint8_t* data, int position, int bit
     return word << (64 - bits) >> (64 - bits);
 }
 
-/// What an integer keeps of its bits under the field's size. The size counts modulo 256, so a field of 32 bytes
-/// keeps none: the numbers of the product information message, which are given that size, read as 0.
+/// What an integer keeps of its bits under the field's size. The size counts modulo 256, so a field of 32
+/// bytes keeps none: the numbers of the product information message, which are given that size, read as 0.
 inline std::uint64_t size_mask(int bits) {
     const int count = bits % 256;
     return count < 64 ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
@@ -81,7 +81,8 @@ inline std::uint64_t size_mask(int bits) {
 void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int position,
           const UnitSelection& units, UnitId unit, TextScratch& scratch, FieldValue& out);
 
-/// `read` for the fields of a walk, in the selected units: the bulk of them, whole numbers of a known size, in line.
+/// `read` for the fields of a walk, in the selected units: the bulk of them, whole numbers of a known size,
+/// in line.
 [[gnu::always_inline]] inline void read_planned(std::uint16_t row, const Payload& payload, int position,
                                                 const UnitSelection& units, TextScratch& scratch,
                                                 FieldValue& out) {
@@ -89,7 +90,8 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     const int next = position + plan.bits;
     const bool whole = (plan.flags & whole_bytes) != 0;
     const auto read_slowly = [&] {
-        read(FieldShape::of(plan), field_row(row).dd->dd, payload, position, units, unit::selected, scratch, out);
+        read(FieldShape::of(plan), field_row(row).dd->dd, payload, position, units, unit::selected, scratch,
+             out);
     };
     if ((plan.flags & quick) == 0 || next > payload.length * 8 || (whole && (position & 7) != 0)) {
         read_slowly();

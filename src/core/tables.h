@@ -11,8 +11,9 @@ namespace pgn_vistel::core {
 
 extern const DDDef dictionary[dictionary_size];
 
-/// The row of a PGN that the binary search of the whole table meets first, or -1. Where a PGN has several rows,
-/// names shown to users and the repeating group that serves them all depend on this very order of steps.
+/// The row of a PGN that the binary search of the whole table meets first, or -1. Where a PGN has several
+/// rows, names shown to users and the repeating group that serves them all depend on this very order of
+/// steps.
 template <class Row, std::size_t size>
 constexpr int binary_search(const Row (&table)[size], std::uint32_t pgn) {
     int low = 0;

@@ -63,12 +63,14 @@ constexpr bool is_control(std::uint32_t c) {
 }
 
 inline void put_text(Utf8Out& out, const Text& text, int most) {
-    for_each_character(text, most, [&out](std::uint32_t c) { out.put_character(is_control(c) ? replacement : c); });
+    for_each_character(text, most,
+                       [&out](std::uint32_t c) { out.put_character(is_control(c) ? replacement : c); });
 }
 
 /// Windows get the units as they are.
 inline void put_text(WideOut& out, const Text& text, int most) {
-    for (int i = 0; i < std::min(text.count, most) && out.room() > 0; ++i) out.put_character(unit_of(text, i));
+    for (int i = 0; i < std::min(text.count, most) && out.room() > 0; ++i)
+        out.put_character(unit_of(text, i));
 }
 
 inline double number_of(const Value& v) {
@@ -178,7 +180,8 @@ bool put_duration(Out& out, UnitId unit, const Value& v) {
     out.put_number([quotient](char* at) { return write_signed(at, quotient); });
     out.put(':');
     out.put_number([&](char* at) {
-        return write_fixed(at, value - static_cast<double>(static_cast<std::uint32_t>(quotient) * 60u), decimals);
+        return write_fixed(at, value - static_cast<double>(static_cast<std::uint32_t>(quotient) * 60u),
+                           decimals);
     });
     return true;
 }
@@ -229,8 +232,8 @@ void put_hexadecimal(Out& out, const Value& v) {
     }
 }
 
-/// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the least
-/// as the form of the type says.
+/// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the
+/// least as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
     const std::int64_t number = integer_of(v);
     at = v.type == ValueType::u64 ? write_unsigned(at, v.number.u64) : write_signed(at, number);
@@ -243,7 +246,9 @@ inline char* write_integer(char* at, const Value& v, bool plain) {
         case ValueType::u16: at = write_hex_number(at, low, 2); break;
         case ValueType::u32:
         case ValueType::i32: at = write_hex_number(at, low, 4); break;
-        default: at = low < 0x100 ? write_hex_byte(at, static_cast<std::uint8_t>(low)) : write_hex(at, low, 2); break;
+        default:
+            at = low < 0x100 ? write_hex_byte(at, static_cast<std::uint8_t>(low)) : write_hex(at, low, 2);
+            break;
     }
     *at = ')';
     return at + 1;
@@ -279,9 +284,7 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers) {
             out.put_number([&v](char* at) { return write_hours(at, v.number.u32); });
             break;
         case ValueType::text: put_text(out, v.text, text_limit); break;
-        default:
-            out.put_number([&](char* at) { return write_integer(at, v, plain_numbers); });
-            break;
+        default: out.put_number([&](char* at) { return write_integer(at, v, plain_numbers); }); break;
     }
 }
 
@@ -291,9 +294,8 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
     switch (shown.form) {
         case Form::pgn_name: put_pgn(out, v.number.u32); return true;
         case Form::database_version:
-            out.put_number([&v](char* at) {
-                return write_fixed(at, v.number.u16 * static_cast<double>(0.001f), 3);
-            });
+            out.put_number(
+                [&v](char* at) { return write_fixed(at, v.number.u16 * static_cast<double>(0.001f), 3); });
             return true;
         case Form::flags:
             put_flags(out, shown.set, enumeration_value(v));  // no flag set is a text, too: an empty one

@@ -27,8 +27,8 @@ MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
     switch (plan.walk) {
         case PgnWalk::plain: w.row = plan.first_row; break;
         case PgnWalk::group_function: {
-            // Requests and commands have a fixed head; what follows depends on the PGN that they are about and
-            // stays undecoded. The functions above acknowledge are not shown by field.
+            // Requests and commands have a fixed head; what follows depends on the PGN that they are about
+            // and stays undecoded. The functions above acknowledge are not shown by field.
             constexpr int request = 0, command = 1, acknowledge = 2, first_pair = 6;
             const int code = length > 0 ? w.data[0] : -1;
             if (code >= request && code <= acknowledge)
@@ -38,8 +38,9 @@ MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
             break;
         }
         case PgnWalk::proprietary:
-            // The header of anybody's message is shown, and the fields that identify our own. The variants of what
-            // follows cannot be told apart by their first rows, so it stays undecoded; that is deliberate.
+            // The header of anybody's message is shown, and the fields that identify our own. The variants of
+            // what follows cannot be told apart by their first rows, so it stays undecoded; that is
+            // deliberate.
             if (length < 2) {
                 w.rest = true;  // not even the header
                 break;

@@ -4,9 +4,9 @@
 #include <wx/sizer.h>
 
 #include "contract/exported_entry.h"
+#include "pgn_vistel/core/units.h"
 #include "pgn_vistel/pgn_tree.h"
 #include "pgn_vistel/unit_dlg.h"
-#include "pgn_vistel/core/units.h"
 #include "platform/platform.h"
 #include "views/focus_ctrl.h"
 #include "views/images.h"

@@ -111,7 +111,8 @@ struct StreamKeyDef {
     } bits[4];                      ///< the part of the byte that is the key
 };
 
-static_assert(sizeof(void*) != 4 || (sizeof(PgnDef) == 36 && sizeof(FieldDef) == 36 && sizeof(DDstrings) == 16));
+static_assert(sizeof(void*) != 4 ||
+              (sizeof(PgnDef) == 36 && sizeof(FieldDef) == 36 && sizeof(DDstrings) == 16));
 static_assert(sizeof(RepeatSetDef) == 12);
 
 // ---- PGNs ----

@@ -34,7 +34,7 @@ int payload_length(const N2KMsg& msg);
 /// A short or medium text whose header cannot be shows the last good one of its format: each is kept here.
 struct TextScratch {
     /// The last good text of a format.
-    template <int size>
+    template <std::size_t size>
     struct Kept {
         int count = 0;
         Encoding encoding = Encoding::code_page;
@@ -57,8 +57,8 @@ struct FieldReading {
 
 /// Cuts the field at `at` out of the message and converts it. `unit` above 139 or negative: the selected one.
 /// A field that starts inside the message ends with it; one beyond the end is read from the record as it is.
-FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at, const UnitSelection& units,
-                        UnitId unit, TextScratch& scratch);
+FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at,
+                        const UnitSelection& units, UnitId unit, TextScratch& scratch);
 
 /// The number that an enumeration is asked for: the value's low bits, by its type.
 std::uint32_t enumeration_value(const Value& value);

@@ -34,20 +34,21 @@ struct MessageTime {
     std::int64_t absolute = 0;  ///< since 1970, UTC
 };
 
-/// The line of a message's stream as a terminated text: time stamp in seconds, PGN and the PGN's name. Returns the
-/// characters written.
+/// The line of a message's stream as a terminated text: time stamp in seconds, PGN and the PGN's name.
+/// Returns the characters written.
 int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* pgn);
 
-/// The lines under a stream's line, one after the other, for windows: source, destination, the fields, and the
-/// whole payload where the fields do not cover it.
+/// The lines under a stream's line, one after the other, for windows: source, destination, the fields, and
+/// the whole payload where the fields do not cover it.
 class StreamLines {
   public:
-    /// `pgn` is the message's catalogue row, or null. `plain_numbers`: without their hexadecimal form. Message,
-    /// units and scratch must outlive the object.
+    /// `pgn` is the message's catalogue row, or null. `plain_numbers`: without their hexadecimal form.
+    /// Message, units and scratch must outlive the object.
     StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units, TextScratch& scratch,
                 bool plain_numbers);
 
-    /// Prints the next line, terminated, into `size` characters; -1 after the last, else the characters written.
+    /// Prints the next line, terminated, into `size` characters; -1 after the last, else the characters
+    /// written.
     int next(wchar_t* buf, int size);
 
   private:
@@ -61,8 +62,8 @@ class StreamLines {
     Stage stage_ = Stage::source;
 };
 
-/// What the renderers share. One object serves any number of messages, one after the other; each thread has its
-/// own. The units are copied.
+/// What the renderers share. One object serves any number of messages, one after the other; each thread has
+/// its own. The units are copied.
 class Renderer {
   public:
     /// Whether all of the message has been written.
@@ -87,11 +88,12 @@ class Renderer {
     std::array<char, 11> date_;     // "2026-09-10T"
 };
 
-/// The lines of the monitor: a message's own, then its fields indented by four blanks. Control characters off the
-/// bus become U+FFFD.
+/// The lines of the monitor: a message's own, then its fields indented by four blanks. Control characters off
+/// the bus become U+FFFD.
 class TextRenderer : public Renderer {
   public:
-    TextRenderer(const UnitSelection& units, bool plain_numbers) : Renderer(units), plain_numbers_(plain_numbers) {}
+    TextRenderer(const UnitSelection& units, bool plain_numbers)
+        : Renderer(units), plain_numbers_(plain_numbers) {}
 
     /// Begins a message, which must outlive its writing. `time_stamp` is in units of 10 ms.
     void start(const N2KMsg& msg, const PgnDef* pgn, std::uint32_t time_stamp);

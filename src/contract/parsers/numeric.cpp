@@ -8,11 +8,11 @@
 #include <span>
 #include <variant>
 
-#include "contract/store.h"
 #include "contract/parsers/inverse.h"
 #include "contract/parsers/raw_kind.h"
 #include "contract/parsers/scan.h"
 #include "contract/parsers/unit_factors.h"
+#include "contract/store.h"
 
 namespace pgn_vistel {
 

@@ -1,8 +1,8 @@
-#include "contract/store.h"
 #include "contract/parsers/raw_kind.h"
 #include "contract/parsers/scan.h"
 #include "contract/parsers/special.h"
 #include "contract/parsers/unit_factors.h"
+#include "contract/store.h"
 
 namespace pgn_vistel {
 

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <iterator>
 
-#include "contract/store.h"
 #include "contract/parsers/special.h"
+#include "contract/store.h"
 #include "contract/text_copy.h"
 #include "pgn_vistel/core/value.h"
 
@@ -14,10 +14,10 @@ namespace {
 enum Encoding : std::uint8_t { utf16 = 0, ascii = 1 };
 
 /// Copies a text into an area and shows it, for formats that are just that.
-template <int size>
+template <std::size_t size>
 ConvValue* keep_text(ConvValue* out, char (&area)[size], const char* text) {
     if (out == nullptr) return out;
-    copy_narrow(area, text, size);
+    copy_narrow(area, text, static_cast<int>(size));
     store_text(out, area);
     return out;
 }
