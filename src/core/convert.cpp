@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/clock_text.h"
+#include "core/numbers.h"
 
 namespace pgn_vistel::core {
 
@@ -219,17 +220,15 @@ int convert_self_described(DF df, std::uint64_t bits, UnitId u, TextScratch& scr
 
 // ---- texts ----
 
-enum SentEncoding : std::uint8_t { sent_utf16 = 0, sent_ascii = 1 };
-
 /// Keeps a text up to its end or its first zero. What `available` does not cover is zero.
 template <std::size_t size>
 void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8_t* text, int available,
           int most) {
-    const int step = encoding == sent_ascii ? 1 : 2;
+    const int step = encoding == SentEncoding::ascii ? 1 : 2;
     const int bytes = std::clamp(available, 0, most * step);
     std::memcpy(kept.bytes.data(), text, static_cast<std::size_t>(bytes));
     kept.bytes[static_cast<std::size_t>(bytes)] = 0;  // the other half of a character that is cut
-    kept.encoding = encoding == sent_ascii ? Encoding::code_page : Encoding::utf16;
+    kept.encoding = encoding == SentEncoding::ascii ? Encoding::code_page : Encoding::utf16;
     const auto is_zero = [&](int i) {
         const std::uint8_t* const at = kept.bytes.data() + step * i;
         return at[0] == 0 && (step == 1 || at[1] == 0);
@@ -247,11 +246,11 @@ void store_kept(const TextScratch::Kept<size>& kept, Value& out) {
 int convert_short_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
     constexpr int header = 2, most = 125, longest = 252;
     const int length = available > 0 ? field[0] : 0;  // counts itself and the encoding byte
-    const int encoding = available > 1 ? field[1] : 0;
-    if (length >= header && length <= longest && encoding <= sent_ascii) {
-        const int room = encoding == sent_ascii ? length - header : (length - header) / 2;
-        keep(scratch.short_text, static_cast<SentEncoding>(encoding), field + header,
-             std::min(available, length) - header, std::min(room, most));
+    const auto encoding = static_cast<SentEncoding>(available > 1 ? field[1] : 0);
+    if (length >= header && length <= longest && encoding <= SentEncoding::ascii) {
+        const int room = encoding == SentEncoding::ascii ? length - header : (length - header) / 2;
+        keep(scratch.short_text, encoding, field + header, std::min(available, length) - header,
+             std::min(room, most));
     }
     store_kept(scratch.short_text, out);
     return length;
@@ -260,12 +259,12 @@ int convert_short_text(const std::uint8_t* field, int available, TextScratch& sc
 int convert_medium_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
     constexpr int header = 3, most = 891;
     const int length = (available > 0 ? field[0] : 0) | (available > 1 ? field[1] << 8 : 0);
-    const int encoding = available > 2 ? field[2] : 0;
-    if (length >= header && length <= N2K_MAX_PAYLOAD && encoding <= sent_ascii) {
+    const auto encoding = static_cast<SentEncoding>(available > 2 ? field[2] : 0);
+    if (length >= header && length <= N2K_MAX_PAYLOAD && encoding <= SentEncoding::ascii) {
         // Of UTF-16 the last character is left out.
-        const int room = encoding == sent_ascii ? length - header : std::max((length - 2) / 2 - 1, 0);
-        keep(scratch.medium_text, static_cast<SentEncoding>(encoding), field + header, available - header,
-             std::min(room, most));
+        const int room =
+            encoding == SentEncoding::ascii ? length - header : std::max((length - 2) / 2 - 1, 0);
+        keep(scratch.medium_text, encoding, field + header, available - header, std::min(room, most));
     }
     store_kept(scratch.medium_text, out);
     return length;
@@ -280,11 +279,9 @@ void convert_fixed_text(const std::uint8_t* field, int length, Value& out) {
 
 void convert_hex_dump(const std::uint8_t* field, int length, TextScratch& scratch, Value& out) {
     constexpr int most = 84;  // bytes: 252 characters
-    constexpr char digits[] = "0123456789ABCDEF";
     char* at = scratch.made.data();
     for (int i = 0; i < std::min(length, most); ++i) {
-        *at++ = digits[field[i] >> 4];
-        *at++ = digits[field[i] & 15];
+        at = write_hex_byte(at, field[i]);
         *at++ = ' ';
     }
     const int count = static_cast<int>(at - scratch.made.data());

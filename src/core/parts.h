@@ -94,19 +94,17 @@ inline Text text_of(const FieldParts& parts) {
     return text;
 }
 
-/// The number of a value that is one. Nothing for texts and for values that are not available; null then.
+/// The number of a value that is one; null for texts, for infinities and for values that are not available.
 inline char* write_number(char* at, const FieldParts& parts) {
     if (!parts.available) return nullptr;
-    const Value& v = parts.reading.value;
-    switch (v.type) {
-        case ValueType::single:
-            return std::isfinite(v.number.f32) ? write_shortest(at, v.number.f32) : nullptr;
-        case ValueType::real: return std::isfinite(v.number.f64) ? write_shortest(at, v.number.f64) : nullptr;
-        case ValueType::text:
-        case ValueType::none: return nullptr;
-        case ValueType::u64: return write_unsigned(at, v.number.u64);
-        default: return write_signed(at, integer_of(v));
-    }
+    return visit_number(parts.reading.value, static_cast<char*>(nullptr), [at](auto number) {
+        if constexpr (std::is_floating_point_v<decltype(number)>)
+            return std::isfinite(number) ? write_shortest(at, number) : nullptr;
+        else if constexpr (std::is_signed_v<decltype(number)>)
+            return write_signed(at, number);
+        else
+            return write_unsigned(at, number);
+    });
 }
 
 /// The field's bits as hexadecimal bytes, the low ones first. Positions are counted in bits.

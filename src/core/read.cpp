@@ -84,13 +84,11 @@ FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPositio
 }
 
 std::uint32_t enumeration_value(const Value& value) {
-    switch (value.type) {
-        case ValueType::u8:
-        case ValueType::i8: return value.number.u8;
-        case ValueType::u16:
-        case ValueType::i16: return value.number.u16;
-        default: return value.number.u32;
-    }
+    return visit_number(value, value.number.u32, [&value](auto number) {
+        return sizeof number == 1   ? value.number.u8
+               : sizeof number == 2 ? value.number.u16
+                                    : value.number.u32;
+    });
 }
 
 }  // namespace pgn_vistel::core

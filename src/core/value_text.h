@@ -73,13 +73,14 @@ inline void put_text(WideOut& out, const Text& text, int most) {
         out.put_character(unit_of(text, i));
 }
 
+/// A double is taken with the precision of a single: the wide range of a double would not fit a line.
 inline double number_of(const Value& v) {
-    switch (v.type) {
-        case ValueType::single: return v.number.f32;
-        case ValueType::real: return static_cast<float>(v.number.f64);
-        case ValueType::u64: return static_cast<double>(v.number.u64);
-        default: return static_cast<double>(integer_of(v));
-    }
+    return visit_number(v, static_cast<double>(v.number.i64), [](auto number) {
+        if constexpr (std::is_floating_point_v<decltype(number)>)
+            return static_cast<double>(static_cast<float>(number));
+        else
+            return static_cast<double>(number);
+    });
 }
 
 inline std::int32_t truncated(double number) {
