@@ -32,7 +32,7 @@ struct Anchor {
 
 struct TreeState {
     int owners = 1;                      // copies of the tree; user-interface thread only, so no atomic
-    std::optional<ToolkitTree> toolkit;  // one of the two is set
+    std::optional<ToolkitTree> toolkit;  // at most one of the two
     std::optional<NativeTree> native;
     HWND native_parent = nullptr;
     CTreeCtrl* native_control = nullptr;

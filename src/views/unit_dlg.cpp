@@ -198,7 +198,7 @@ void PGN_VistelUnitDlg_c::OnButtonApply(wxCommandEvent&) {
 
 void PGN_VistelUnitDlg_c::OnButtonLDF(wxCommandEvent&) {
     if (state_ == nullptr || state_->db == nullptr) return;
-    // The first eight quantities alone, on purpose: the others keep what the user chose.
+    // The defaults are those of the first eight quantities; the others keep what the user chose.
     for (DispDataType q = 0; q <= quantity::elevation; ++q) state_->db->SelectUnit(q, *available_units(q));
     db2disp();
 }

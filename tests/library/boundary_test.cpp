@@ -1,5 +1,5 @@
-// The library's edge towards its host, on a platform that keeps book: the order of loading, which entries
-// switch the module state in, and what a host gets when memory runs out.
+// The library's edge towards its host, on a platform that records its calls: the order of loading, which
+// entries switch the module state in, and what a host gets when memory runs out.
 
 #include <gtest/gtest.h>
 #include <wx/frame.h>

@@ -6,7 +6,7 @@
 
 class wxBitmap;
 
-/// A platform that keeps book of what the library asks of it. Its native windows are the toolkit's own.
+/// A platform that records what the library asks of it. Its native windows are the toolkit's own.
 namespace pgn_vistel::test {
 
 /// From here on the module state that is current now is the host's.
