@@ -22,6 +22,7 @@ struct PayloadPosition {
     int byte = 0;  ///< from 0
     int bit = 0;   ///< 0 .. 7, the lowest first
 
+    /// The same place.
     friend bool operator==(PayloadPosition, PayloadPosition) = default;
 };
 
@@ -38,12 +39,12 @@ struct TextScratch {
     /// The last good text of a format.
     template <std::size_t size>
     struct Kept {
-        int count = 0;
-        Encoding encoding = Encoding::code_page;
+        int count = 0;                             ///< of characters, see `Text`
+        Encoding encoding = Encoding::code_page;   ///< of the bytes
         std::array<std::uint8_t, size + 1> bytes;  ///< one more, for half a character
     };
-    Kept<252> short_text;
-    Kept<N2K_MAX_PAYLOAD> medium_text;
+    Kept<252> short_text;                 ///< length and encoding in a byte each
+    Kept<N2K_MAX_PAYLOAD> medium_text;    ///< length in two bytes
     std::array<char, 256> made;           ///< dates, clock times, hexadecimal dumps
     std::array<std::uint8_t, 256> moved;  ///< the bytes of a text that does not start on a byte
 };

@@ -74,6 +74,7 @@ class Renderer {
     [[nodiscard]] bool is_done() const { return stage_ == Stage::over; }
 
   protected:
+    /// @cond
     enum class Stage : std::uint8_t { head, fields, rest, over };
 
     explicit Renderer(const UnitSelection& units) : units_(units) {}
@@ -86,6 +87,7 @@ class Renderer {
     const PgnDef* pgn_ = nullptr;
     MessageWalk walk_;
     Stage stage_ = Stage::over;
+    /// @endcond
 
   private:
     std::int64_t day_ = INT64_MIN;  // whose date stands in `date_`
@@ -96,6 +98,7 @@ class Renderer {
 /// the bus become U+FFFD.
 class TextRenderer : public Renderer {
   public:
+    /// `plain_numbers`: without their hexadecimal form.
     TextRenderer(const UnitSelection& units, bool plain_numbers)
         : Renderer(units), plain_numbers_(plain_numbers) {}
 
@@ -117,12 +120,14 @@ class TextRenderer : public Renderer {
 ///
 ///     {"time":0.250000,"absolute":"2026-09-10T08:00:00.250000Z","pgn":127250,"name":"Vessel Heading",
 ///      "priority":2,"source":3,"destination":255,"fields":[
-///      {"number":2,"label":"Heading Sensor Reading","value":123.39791,"unit":"°M","text":null,"raw":"2154"}]}
+///      {"number":2,"label":"Heading Sensor
+///      Reading","value":123.39791,"unit":"°M","text":null,"raw":"2154"}]}
 ///
 /// `value` is a number, a text, or null where it is not available, `text` the meaning of a code, `raw` the
 /// field's bits, the low byte first. `data` has the payload where the fields do not cover it.
 class JsonRenderer : public Renderer {
   public:
+    /// Values come in these units.
     explicit JsonRenderer(const UnitSelection& units) : Renderer(units) {}
 
     /// Begins a message, which must outlive its writing. `pgn` is its catalogue row, or null.
@@ -140,6 +145,7 @@ class JsonRenderer : public Renderer {
 /// One row a field; a message without fields has a row for its bytes.
 class CsvRenderer : public Renderer {
   public:
+    /// Values come in these units.
     explicit CsvRenderer(const UnitSelection& units) : Renderer(units) {}
 
     /// The header line, which comes once, in front of all messages. Needs `piece_room` bytes; returns the

@@ -66,6 +66,7 @@ constexpr char16_t character_of(std::uint8_t byte) {
 struct Value {
     /// One member for each kind of number; all bits above it are copies of its sign, or 0.
     union Number {
+        /// @{ valid where `type` says so
         float f32;
         double f64;
         std::uint8_t u8;
@@ -76,18 +77,20 @@ struct Value {
         std::int32_t i32;
         std::uint64_t u64;
         std::int64_t i64;
+        /// @}
     };
 
     ValueType type = ValueType::none;  ///< says which member of `number` is valid, or that `text` is
     /// The rule of the unit has no number for it (kilograms): the value is not available, and whoever keeps
     /// records of values keeps the number that was there.
     bool is_left = false;
-    Number number{.u64 = no_number};
-    Text text{};
+    Number number{.u64 = no_number};  ///< of every type but `text`
+    Text text{};                      ///< of the type `text`
 
     static constexpr std::uint64_t no_number = 0x7FFFFFFF;  ///< a single precision NaN in the low half
 };
 
+/// One of the eight integer types; a count of seconds is none.
 constexpr bool is_integer(ValueType type) {
     return type >= ValueType::u8 && type <= ValueType::i64;
 }
