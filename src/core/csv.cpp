@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "core/parts.h"
 
 namespace pgn_vistel::core {
@@ -93,6 +95,7 @@ void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime&
 }
 
 char* CsvRenderer::write(char* at, char* limit) {
+    assert(msg_ != nullptr && limit - at >= static_cast<std::ptrdiff_t>(piece_room));
     const Payload payload{msg_->data, payload_length(*msg_)};
     Stepping::State& walk = Stepping::state(walk_);
     const auto write_head = [this](char* to) {

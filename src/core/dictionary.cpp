@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <iterator>
 
 #include "core/tables.h"
@@ -156,6 +157,7 @@ std::uint16_t search_entry(std::uint8_t index, std::uint32_t value) {
 }
 
 const char* enumeration_text(const DDstrings& set, std::uint32_t value) {
+    assert(is_row_of(enum_sets, set));
     const std::uint16_t entry = find_entry(static_cast<std::uint8_t>(&set - enum_sets), value);
     if (entry != no_entry) return set.pairs[entry].text;
     switch (set.kind) {

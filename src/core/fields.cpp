@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 
 #include "core/tables.h"
@@ -52,6 +53,7 @@ constexpr char text_pool[] =
     ;
 
 const FieldPlan& plan_of(const FieldDef& row) {
+    assert(is_row_of(field_table, row) && &row != sentinel);
     return field_plans[&row - field_table];
 }
 

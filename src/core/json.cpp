@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "core/parts.h"
 
 namespace pgn_vistel::core {
@@ -102,6 +104,7 @@ char* JsonRenderer::write_head(char* at) {
 }
 
 char* JsonRenderer::write(char* at, char* limit) {
+    assert(msg_ != nullptr && limit - at >= static_cast<std::ptrdiff_t>(piece_room));
     if (stage_ == Stage::head) {
         at = write_head(at);
         stage_ = Stage::fields;

@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "core/read.h"
 #include "core/value_text.h"
 #include "core/walk.h"
@@ -163,6 +165,7 @@ char* TextRenderer::write_head(char* at) const {
 }
 
 char* TextRenderer::write(char* at, char* limit) {
+    assert(msg_ != nullptr && limit - at >= static_cast<std::ptrdiff_t>(piece_room));
     if (stage_ == Stage::head) {
         at = write_head(at);
         stage_ = Stage::fields;

@@ -1,4 +1,5 @@
 #include <array>
+#include <cassert>
 #include <iterator>
 
 #include "core/tables.h"
@@ -55,6 +56,7 @@ const PgnDef* find_pgn_def(std::uint32_t pgn) {
 }
 
 const PgnPlan& plan_of(const PgnDef& row) {
+    assert(is_row_of(pgn_table, row));
     return pgn_plans[&row - pgn_table];
 }
 

@@ -1,5 +1,7 @@
 #include "core/read.h"
 
+#include <cassert>
+
 #include "core/tables.h"
 
 namespace pgn_vistel::core {
@@ -77,6 +79,7 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
 
 FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at,
                         const UnitSelection& units, UnitId unit, TextScratch& scratch) {
+    assert(at.byte >= 0 && at.byte < payload_area && at.bit >= 0 && at.bit <= 7);
     FieldValue v;
     read(FieldShape::of(plan_of(field)), field.dd->dd, {msg.data, payload_length(msg)}, at.byte * 8 + at.bit,
          units, unit, scratch, v);

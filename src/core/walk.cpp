@@ -1,6 +1,7 @@
 #include "core/walk.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace pgn_vistel::core {
 
@@ -57,10 +58,12 @@ bool MessageWalk::next() {
 }
 
 const FieldDef& MessageWalk::field() const {
+    assert(state_.row != end_row);
     return field_row(state_.row);
 }
 
 int MessageWalk::repeat() const {
+    assert(state_.row != end_row);
     return Stepping::round(state_);
 }
 

@@ -38,9 +38,9 @@ class Decoding(Host):
                          r"0\.05 +130306, Wind Data", r"Wind Speed: 14\.948 kt",
                          r"0\.10 +128267, Water Depth", r"Water Depth, Transducer: 25\.262 ft",
                          r"Wind Speed: 7\.6900 m/s", r"Water Depth, Transducer: 7\.7000 m",
+                         r"value of Wind Speed: 7\.69 m/s", r"value of Wind Reference: Apparent Wind .*",
                          r"Wind Speed: format 35, quantity 2 in kt, kph, mph, m/s",
-                         r"selected: 5\.0000 m/s", r"in miles: 11\.185 mph", "in volts: no value",
-                         "not available: no value")
+                         r"deepest water: 8\.66 m")
 
     def test_input(self):
         lines = ["128267 4 255 3 01 F4 01 00 00 2C 01 FF", "128267 4 255 3 01 F4 zz", "128267 4 255", "1 2 3 4 100",

@@ -36,11 +36,12 @@ enum class Encoding : std::uint8_t {
     wide,       ///< `wchar_t`
 };
 
-/// A text of a payload: a view, never terminated. It does not own what it shows.
+/// A text of a payload: a view, never terminated. It does not own what it shows, and nothing in it is to be
+/// trusted: there may be control characters in it, and halves of UTF-16 pairs.
 struct Text {
-    const void* data;
-    int count;  ///< characters, of UTF-16 units
-    Encoding encoding;
+    const void* data;   ///< first character; may be null where `count` is 0
+    int count;          ///< characters; of `utf16` units of two bytes
+    Encoding encoding;  ///< of a field never `wide`
 };
 
 /// What a short or medium text says of its own bytes, as sent.
@@ -59,10 +60,13 @@ constexpr char16_t character_of(std::uint8_t byte) {
 }
 
 /// A field's value in some unit. Nothing in it is owned: a text lies in the payload or in the scratch that
-/// the field was read with.
+/// the field was read with, and holds as long as both are left alone.
+///
+/// Ask `is_available` before the number: a value that is not available has one, too, a reserved code or NaN.
 struct Value {
     /// One member for each kind of number; all bits above it are copies of its sign, or 0.
     union Number {
+        /// @{ valid where `type` says so
         float f32;
         double f64;
         std::uint8_t u8;
@@ -73,18 +77,20 @@ struct Value {
         std::int32_t i32;
         std::uint64_t u64;
         std::int64_t i64;
+        /// @}
     };
 
-    ValueType type = ValueType::none;
+    ValueType type = ValueType::none;  ///< says which member of `number` is valid, or that `text` is
     /// The rule of the unit has no number for it (kilograms): the value is not available, and whoever keeps
     /// records of values keeps the number that was there.
     bool is_left = false;
-    Number number{.u64 = no_number};
-    Text text{};
+    Number number{.u64 = no_number};  ///< of every type but `text`
+    Text text{};                      ///< of the type `text`
 
-    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  // a single precision NaN in the low half
+    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  ///< a single precision NaN in the low half
 };
 
+/// One of the eight integer types; a count of seconds is none.
 constexpr bool is_integer(ValueType type) {
     return type >= ValueType::u8 && type <= ValueType::i64;
 }
@@ -109,8 +115,9 @@ constexpr Result visit_number(const Value& v, Result otherwise, Act act) {
     }
 }
 
-/// Neither a reserved code of an integer type, nor a NaN, nor nothing.
-inline bool is_available(const Value& v) {
+/// Neither a reserved code of an integer type, nor a NaN, nor nothing. A text is available even where it is
+/// empty.
+[[nodiscard]] inline bool is_available(const Value& v) {
     return visit_number(v, v.type == ValueType::text, [](auto number) {
         using Number = decltype(number);
         if constexpr (std::is_floating_point_v<Number>)
@@ -121,7 +128,7 @@ inline bool is_available(const Value& v) {
 }
 
 /// The integer of a value that holds one; of `u64` its bits.
-inline std::int64_t integer_of(const Value& v) {
+[[nodiscard]] inline std::int64_t integer_of(const Value& v) {
     return visit_number(v, v.number.i64, [](auto number) { return static_cast<std::int64_t>(number); });
 }
 
