@@ -51,7 +51,7 @@ bool put_hosts_own(WideOut& out, const core::Shown& shown, const ConvValue& v) {
         out.put('-');
     } else if (!core::put_by_quantity(
                    out, shown,
-                   v.type == CV_CHAR ? core::Value{.type = core::ValueType::u64, .number{.u64 = v.value.u64}}
+                   v.type == CV_CHAR ? core::Value{.type = core::ValueType::i64, .number{.i64 = v.value.i64}}
                                      : number)) {
         wchar_t text[print_limit];
         if (print_format_default(v.type) == nullptr)

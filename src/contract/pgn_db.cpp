@@ -3,10 +3,11 @@
 #include <algorithm>
 
 #include "contract/exported_entry.h"
+#include "contract/field_reading.h"
 #include "contract/field_text.h"
+#include "contract/store.h"
 #include "contract/text_copy.h"
 #include "contract/units.h"
-#include "contract/values.h"
 
 using namespace pgn_vistel;
 
@@ -29,25 +30,8 @@ void* untyped(const void* p) {
 /// and a position within the record.
 bool is_decodable(const N2KMsg& msg, int field, const DDDef* dd, core::PayloadPosition at) {
     return msg.pgn != 0 && msg.pgn != 0xFFFFFFFF && field != 0 && dd != nullptr && dd->format != nullptr &&
-           dd->format->conv != nullptr &&
-           core::find_format_plan(static_cast<DF>(dd->format->df)) != nullptr && at.byte >= 0 &&
-           at.byte < core::payload_area && at.bit >= 0 && at.bit <= 7;
-}
-
-/// What the catalogue's plan says of a field that has one.
-core::FieldShape shape_of(const N2KMsg& msg, const DDDef& dd, int bytes, int bits) {
-    constexpr int size_limit = 65535;  // larger sizes cannot come from any table
-    const core::FormatPlan* const format = core::find_format_plan(static_cast<DF>(dd.format->df));
-    const core::SpecialField* const special = core::find_special_field(dd.dd, 0, 0);
-    const DispDataType own = core::quantity_of_dd(static_cast<int>(dd.dd));
-    auto quantity =
-        static_cast<std::uint8_t>(core::is_quantity(own) ? own : DispDataType{core::quantity::no_quantity});
-    if (special != nullptr && special->quantity != 0) quantity = special->quantity;
-    if (const std::uint8_t of_pgn = core::pressure_quantity(msg.pgn);
-        of_pgn != 0 && quantity == core::quantity::pressure)
-        quantity = of_pgn;
-    return {format, std::clamp(bytes, 0, size_limit), std::clamp(bits, 0, size_limit), quantity,
-            core::is_text(format->reading)};
+           dd->format->conv != nullptr && at.byte >= 0 && at.byte < core::payload_area && at.bit >= 0 &&
+           at.bit <= 7;
 }
 
 }  // namespace
@@ -150,16 +134,13 @@ int QV_N2K_PGN_DB_c::get_field_str(wchar_t* buf, int size, N2KMsg* msg, int fiel
             source_byte != nullptr)
             *source_byte = msg->data[pressure_source_byte];
 
-        const core::FieldShape shape = shape_of(*msg, *entry, bytes, bits);
-        core::FieldValue reading;
-        core::read(shape, entry->dd, {msg->data, length}, at.byte * 8 + at.bit,
-                   selection_or_default(sel_unit_), unit, shared_scratch(), reading);
-        next = {reading.next >> 3, reading.next & 7};
         // Where a unit's rule sets nothing but the type, what is left is a value that is not available.
-        ConvValue own{CV_NOT_AVAILABLE, {}};
-        own.value.u64 = core::Value::no_number;
+        ConvValue own;
+        store_not_available(&own);
         auto* const record = value != nullptr ? static_cast<ConvValue*>(value) : &own;
-        store_value(record, reading.value, shape.format->reading);
+        const ReadField reading =
+            read_field(*msg, {entry, bytes, bits, at, unit}, selection_or_default(sel_unit_), record);
+        next = reading.next;
         const FieldContext context{static_cast<int>(entry->dd),
                                    reading.quantity,
                                    reading.unit,

@@ -27,18 +27,9 @@ void store_integer(ConvValue* out, ConvType type, Integer value) {
     out->value.i64 = static_cast<std::int64_t>(value);
 }
 
-inline void store_text(ConvValue* out, const wchar_t* text) {
-    out->type = CV_TEXT;
-    out->value.wide = text;
-}
-
 inline void store_text(ConvValue* out, const char* text) {
     out->type = CV_TEXT_NARROW;
     out->value.narrow = text;
-}
-
-inline void store_count(int* count, int bytes) {
-    if (count != nullptr) *count = bytes;
 }
 
 }  // namespace pgn_vistel

@@ -98,7 +98,7 @@ Value value_of(const ConvValue& record) {
         case CV_CHAR: value.type = ValueType::u8; break;
         default:
             if (is_hosts_own(record))
-                value.type = ValueType::u64;
+                value.type = ValueType::i64;
             else
                 value.type = static_cast<ValueType>(std::min<std::int32_t>(record.type, CV_NOT_AVAILABLE));
             break;

@@ -31,11 +31,10 @@ char* write_fixed(char* at, double value, int precision) {
 namespace {
 
 /// The rare values: infinite, or with more digits than a word holds.
-char* write_large(char* at, float value) {
+char* write_large(char* at, float value, int digits) {
     if (!std::isinf(value)) return write_fixed(at, static_cast<double>(value), 0);
-    constexpr int width = 5;  // that the number of digits asks for
     const bool negative = value < 0;
-    for (int i = negative ? 4 : 3; i < width; ++i) *at++ = ' ';
+    for (int i = negative ? 4 : 3; i < digits; ++i) *at++ = ' ';
     std::memcpy(at, negative ? "-inf" : "inf", 4);
     return at + (negative ? 4 : 3);
 }
@@ -70,7 +69,7 @@ char* write_significant(char* at, float value, int digits) {
     const std::uint32_t exponent_field = bits >> 23 & 0xFF;
     constexpr std::uint32_t exponent_of_2_pow_32 = 127 + 32;
     if (exponent_field >= exponent_of_2_pow_32) [[unlikely]]
-        return write_large(at, value);
+        return write_large(at, value, digits);
     if (static_cast<std::int32_t>(bits) < 0) *at++ = '-';
 
     // The number is mantissa / 2^shift.
