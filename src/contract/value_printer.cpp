@@ -240,7 +240,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
         while ((*at >= L'0' && *at <= L'9') || *at == L'.') side.put(*at++);
         side.finish();
         if (*at == L'q') {
-            // A sign flag is lost here, and stays so: "%+5q" prints without a plus sign.
+            // A sign flag is not carried over: "%+5q" prints without a plus sign.
             const Decimals d = decimals_for(read_figures(figures), value);
             const FormatArg numbers[] = {d.width, d.precision};
             format_wide(rewritten, L"%d.%df", numbers);

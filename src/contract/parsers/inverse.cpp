@@ -48,7 +48,7 @@ int invert_double(void* out, float value, UnitId unit, int available, ConvFuncti
     const Probe zero(conversion, 0.0, unit, available);
     if (zero.value.type != CV_DOUBLE) return -1;  // it is one as raw bits alone
     const Probe one(conversion, 1.0, unit, available);
-    // Not a double: a single, and the number of the unit in its high half. Hosts know it so; whoever calls
+    // Not a double: a single, and the number of the unit in its high half; whoever calls
     // this has to take the first four bytes.
     const struct {
         float raw;
