@@ -19,6 +19,10 @@ class PlainFormat final : public LineFormat {
     bool wants_look_ahead() const override { return !whole_messages_; }
 
   private:
+    const char* read_usual_header(std::string_view line, Record& record, unsigned& length) const;
+    LineResult read_header(std::string_view line, Record& record, unsigned& length, std::string_view& payload,
+                           Problem& problem);
+
     bool whole_messages_ = false;
     TimestampParser timestamps_;
 };

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "text/characters.h"
+#include "text/fixed_digits.h"
 
 namespace vistel {
 namespace {
@@ -12,6 +13,13 @@ constexpr std::int64_t second = 1'000'000'000;
 constexpr std::int64_t minute = 60 * second;
 constexpr std::int64_t hour = 60 * minute;
 constexpr std::int64_t day = 24 * hour;
+
+constexpr std::int64_t last_second = 9'214'646'399;  // end of 2261, as for dates
+
+RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
+    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
+    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+}
 
 constexpr unsigned not_a_number = 1000;
 
@@ -131,19 +139,47 @@ bool TimestampParser::parse(std::string_view text, RecordTime& time, const char*
     if (separator != 'T' && separator != '-' && separator != 'Z' && separator != ' ') return false;
     if (std::memcmp(text.data(), date_, date_size) != 0 && !parse_date(text, why)) return false;
     if (!parse_time_of_day(text.substr(date_size + 1), time.nanoseconds, why)) return false;
+    const unsigned hours = two_digits(text.data() + 11), minutes = two_digits(text.data() + 14);
+    minute_start_ = midnight_ + hours * hour + minutes * minute;
+    std::memcpy(minute_, text.data(), minute_size);
     time.nanoseconds += midnight_;
     time.origin = RecordTime::Origin::epoch;
     return true;
 }
 
+const char* TimestampParser::read_usual(const char* p, RecordTime& time) const {
+    constexpr DigitShape shape("0:00.000");  // from the last digit of the minute on
+    std::uint64_t digits = 0;
+    if (std::memcmp(p, minute_, minute_size) != 0 || !shape.read(p + minute_size - 2, digits)) return nullptr;
+    const std::uint64_t pairs = pairs_of(digits);
+    const std::int64_t seconds = pairs >> 16 & 0xFF;
+    const std::int64_t thousandths = (digits >> 40 & 0xFF) * 100 + (pairs >> 48 & 0xFF);
+    if (seconds > 60) return nullptr;
+    time.nanoseconds = minute_start_ + seconds * second + thousandths * (second / 1000);
+    time.origin = RecordTime::Origin::epoch;
+    return p + (p[23] == 'Z' ? 24 : 23);
+}
+
+bool read_usual_seconds(const char* p, RecordTime& time) {
+    constexpr DigitShape first("00000000"), end(".000000)");
+    std::uint64_t digits = 0, decimals = 0;
+    if (!first.read(p, digits) || !end.read(p + 10, decimals) || !is_digit(p[8]) || !is_digit(p[9]))
+        return false;
+    const std::int64_t seconds =
+        std::int64_t{number_of_digits(digits)} * 100 + (p[8] - '0') * 10 + (p[9] - '0');
+    if (seconds > last_second) return false;
+    const std::uint32_t tens_of_nanoseconds = number_of_digits(decimals >> 8);
+    time.nanoseconds = seconds * second + tens_of_nanoseconds * std::int64_t{10};
+    time.origin = origin_of_seconds(seconds);
+    return true;
+}
+
 bool parse_seconds(std::string_view text, RecordTime& time) {
-    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
-    constexpr std::int64_t last = 9'214'646'399;          // end of 2261, as for dates
     std::int64_t seconds = 0;
     std::size_t size = 0;
     for (; size < text.size() && is_digit(text[size]); ++size) {
         seconds = seconds * 10 + (text[size] - '0');
-        if (seconds > last) return false;
+        if (seconds > last_second) return false;
     }
     if (size == 0) return false;
     text.remove_prefix(size);
@@ -154,7 +190,7 @@ bool parse_seconds(std::string_view text, RecordTime& time) {
         if (!take_fraction(text, fraction) || !text.empty()) return false;
     }
     time.nanoseconds = seconds * second + fraction;
-    time.origin = seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+    time.origin = origin_of_seconds(seconds);
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iterator>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -431,6 +432,78 @@ TEST(Readers, TellWholeMessagesFromFrames) {
         };
         EXPECT_EQ(kinds(read_file(c.text)), c.in_file) << c.text;
         EXPECT_EQ(kinds(read_pipe(c.text)), c.in_pipe) << c.text;
+    }
+}
+
+/// What the lines come to, all of them in one recording.
+Contents read_lines(const Lines& lines, const std::string& format) {
+    std::string text = "# format=FAST\n";
+    for (const std::string& line : lines) text += line + "\n";
+    return read_file(text, format);
+}
+
+std::string mutated(std::string line, std::mt19937& random) {
+    static const std::string others = "0123456789abcdefABCDEF,.:#()[]<>Z -+xRTgG\t\r'\x01\xFF";
+    for (unsigned count = random() % 4; count > 0; --count) {
+        const std::size_t at = random() % (line.size() + 1);
+        const char other = others[random() % others.size()];
+        switch (random() % 4) {
+            case 0: line.insert(at, 1, other); break;
+            case 1: line.erase(at, 1 + random() % 3); break;
+            case 2: line.insert(at, line.substr(random() % (line.size() + 1), random() % 4)); break;
+            default: line.replace(at, at < line.size(), 1, other); break;
+        }
+    }
+    return line;
+}
+
+/// Lines of the usual shapes are read in a way of their own, which must not be seen. Other ones that say the
+/// same are: those in another minute than the one before, and those with tabs.
+TEST(Readers, ReadUsualLinesAsAllOthers) {
+    const struct {
+        const char* format;
+        Lines lines;
+    } cases[] = {
+        {"plain",
+         {"2016-02-28T19:57:02.364Z,2,127250,7,255,8,ff,10,3B,ff,7f,ce,F5,fc",
+          "2016-02-28T19:57:60.999,7,262143,255,0,0,", "2016-02-28T19:57:59.000Z,0,59904,0,14,3,14,f0,01",
+          "2016-02-28T19:57:00.001Z,6,129029,12,255,19,00,11,22,33,44,55,66,77,88,99,aa,bb,cc,dd,ee,ff,01,02,"
+          "03"}},
+        {"candump",
+         {"(1502979132.106111) can0 09F50374#000A00FF00000000", "(0000000001.000001) vcan12 19F0127F#",
+          "(1502979132.999999)  can0  09F8027F   [8]  00 FC 01 02 03 04 05 06",
+          "can0  09F8027F   [3]  00 fc 01", "<0x18eeff01> [8] 05 a0 be 1c 00 a0 a0 c0",
+          "(9214646399.999999) can0 1FFFFFFF#FF"}},
+    };
+    for (const auto& c : cases) {
+        const bool plain = c.format == std::string("plain");
+        std::mt19937 random(1);
+        Lines usual, other;
+        for (int i = 0; i < 20'000; ++i) {
+            std::string line = mutated(c.lines[random() % c.lines.size()], random);
+            usual.insert(usual.end(), {plain ? "2016-02-28T19:57:00Z,2,127250,7,255,0" : "", line});
+            if (!plain) std::replace(line.begin(), line.end(), ' ', '\t');
+            other.insert(other.end(), {plain ? "2001-01-01T00:00:00Z,2,127250,7,255,0" : "", line});
+        }
+        const auto outcome = [&](const Lines& lines) {
+            Contents contents = read_lines(lines, c.format);
+            for (std::string& shown : contents.shown) {
+                for (std::size_t at; !plain && (at = shown.find("\\x09")) != std::string::npos;)
+                    shown.replace(at, 4, " ");
+            }
+            for (const Record& record : contents.records) {
+                contents.shown.push_back(std::to_string(record.time.nanoseconds) + " " +
+                                         std::to_string(static_cast<int>(record.time.origin)));
+            }
+            std::erase_if(contents.shown, [](const std::string& text) {
+                return text == "978307200000000000 3" || text == "1456689420000000000 3";
+            });
+            return contents;
+        };
+        const Contents a = outcome(usual), b = outcome(other);
+        EXPECT_EQ(a.foreign, b.foreign);
+        const auto [x, y] = std::ranges::mismatch(a.shown, b.shown);
+        EXPECT_EQ(x == a.shown.end() ? "" : *x, y == b.shown.end() ? "" : *y);
     }
 }
 
