@@ -10,3 +10,4 @@ if [ "$(dpkg --print-architecture)" = amd64 ]; then test_packages="$test_package
 package_packages="dpkg-dev file"
 try_packages="debootstrap"
 docs_packages="doxygen"
+bench_packages="valgrind"
