@@ -1,9 +1,9 @@
-#include "values/parsers/scan.h"
+#include "contract/parsers/scan.h"
 
 #include <cmath>
 #include <limits>
 
-#include "support/testing.h"
+#include "contract/records.h"
 
 namespace pgn_vistel::test {
 namespace {
