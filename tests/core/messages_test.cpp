@@ -2,6 +2,7 @@
 #include <cmath>
 #include <memory>
 #include <optional>
+#include <sstream>
 
 #include "core/value_text.h"
 #include "support/testing.h"
@@ -334,8 +335,13 @@ TEST(Renderers, JsonAndCsvSayWhatTheFieldsAre) {
             if (random() % 8 != 0) return;
             const PgnDef* const pgn = find_pgn_def(msg.pgn);
             const MessageTime time{1'500'000'000, false, 0};
+            TextRenderer text(units, plain);
             JsonRenderer json(units);
             CsvRenderer csv(units);
+            text.start(msg, pgn, 0);
+            std::istringstream lines(rendered(text, one_window));
+            std::string line;
+            for (int head = 0; head < 3; ++head) std::getline(lines, line);
             json.start(msg, pgn, time);
             csv.start(msg, pgn, time);
             std::string data;
@@ -356,6 +362,8 @@ TEST(Renderers, JsonAndCsvSayWhatTheFieldsAre) {
                 Parts parts = parts_of(msg, walk.field(), walk.repeat(), at, reading);
                 ASSERT_TRUE(i < fields.size() && i < rows.size());
                 ASSERT_EQ(fields[i], parts);
+                std::getline(lines, line);
+                EXPECT_TRUE(line.starts_with("    " + parts[1] + ": ")) << line;
                 std::ranges::replace(parts, "null", "");
                 row.resize(shared);
                 row.insert(row.end(), parts.begin(), parts.end());

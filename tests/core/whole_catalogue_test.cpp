@@ -223,24 +223,6 @@ std::wstring widened(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
-TEST(WholeCatalogue, EveryFieldHasItsLine) {
-    for (const auto& [pgn, written] : written_messages()) {
-        SCOPED_TRACE("PGN " + std::to_string(pgn));
-        const auto lines = field_lines(written.msg, plain);
-        ASSERT_EQ(lines.size(), written.items.size()) << "and no line for undecoded bytes";
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            const Item& item = written.items[i];
-            const SpecialField* const special = find_special_field(item.row->dd->dd, pgn, item.row->field);
-            std::string label =
-                special != nullptr && special->label != nullptr ? special->label : item.row->name;
-            if (item.round > 0 && label.find("First") != std::string::npos)
-                label = label.substr(6) + " #" + std::to_string(item.round);
-            const std::wstring start = widened(label) + L": " + item.text;
-            EXPECT_EQ(lines[i].substr(0, start.size()), start);
-        }
-    }
-}
-
 TEST(WholeCatalogue, EveryListedValueHasItsText) {
     std::map<std::uint32_t, std::pair<const Written*, std::size_t>> fields;  // that have a set, by entry
     for (const auto& [pgn, written] : written_messages())
