@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "encode/sent_text.h"
+
 using namespace pgn_vistel::core;
 
 namespace vistel {
@@ -37,7 +39,8 @@ std::string label_of(const FieldDef& field, int repeat) {
 
 FieldCell::FieldCell(ReadingContext& context, N2KMsg& msg, const MessageWalk& walk)
     : context_(context), msg_(msg), row_(walk.field()), repeat_(walk.repeat()), at_(walk.position) {
-    normalise_field_size(&row_, row_.pgn, &bytes_, &bits_);
+    int bits;
+    normalise_field_size(&row_, row_.pgn, &bytes_, &bits);
 }
 
 std::string FieldCell::shown(bool with_unit, UnitId unit) const {
@@ -100,14 +103,10 @@ int FieldCell::end() const {
 
 void FieldCell::clear() {
     switch (dd().df) {
-        case format::text_short: {
-            constexpr std::uint8_t empty[] = {2, 1};  // length of all, ASCII
-            std::copy_n(empty, std::min(std::size(empty), bytes().size()), bytes().data());
-            return;
-        }
+        case format::text_short:
         case format::text_medium: {
-            constexpr std::uint8_t empty[] = {3, 0, 1};
-            std::copy_n(empty, std::min(std::size(empty), bytes().size()), bytes().data());
+            const std::vector<std::uint8_t> empty = sent_text(dd().df, u"");
+            std::copy_n(empty.begin(), std::min(empty.size(), bytes().size()), bytes().begin());
             return;
         }
         case format::text_fixed:

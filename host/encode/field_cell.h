@@ -64,7 +64,7 @@ class FieldCell {
     const pgn_vistel::core::FieldDef& row_;
     const int repeat_;
     const pgn_vistel::core::PayloadPosition at_;
-    int bytes_, bits_;  // size; both 0 where only the value tells
+    int bytes_;  // size; 0 where it is one in bits, or only the value tells it
     int written_ = -1;
 };
 

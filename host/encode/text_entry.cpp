@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "encode/sent_text.h"
 #include "text/hex.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
@@ -12,47 +13,6 @@ using namespace pgn_vistel::core;
 namespace vistel {
 
 namespace {
-
-/// The 8-bit code that decoding shows as this character, 0 for none.
-std::uint8_t code_of(char16_t c) {
-    if (c < 0x80) return static_cast<std::uint8_t>(c);
-    std::uint8_t code = 0xFF;
-    while (code >= 0x80 && character_of(code) != c) --code;
-    return code >= 0x80 ? code : std::uint8_t{0};
-}
-
-/// The text in 8 bits a character, or nothing where there are others.
-std::optional<std::vector<std::uint8_t>> narrowed(const std::u16string& text) {
-    std::vector<std::uint8_t> result;
-    for (const char16_t c : text) {
-        const std::uint8_t code = code_of(c);
-        if (code == 0) return {};
-        result.push_back(code);
-    }
-    return result;
-}
-
-/// The field as sent: length, encoding, text. ASCII where that is enough.
-std::vector<std::uint8_t> prefixed(const std::u16string& text, DF df) {
-    enum : std::uint8_t { utf16 = 0, ascii = 1 };
-    std::vector<std::uint8_t> body;
-    const auto narrow = narrowed(text);
-    if (narrow) {
-        body = *narrow;
-    } else {
-        for (const char16_t c : text)
-            body.insert(body.end(), {static_cast<std::uint8_t>(c), static_cast<std::uint8_t>(c >> 8)});
-        // Of these decoding leaves out the last character.
-        if (df == format::text_medium) body.insert(body.end(), {0, 0});
-    }
-    const std::size_t header = df == format::text_medium ? 3 : 2;
-    const std::size_t length = body.size() + header;
-    std::vector<std::uint8_t> field = {static_cast<std::uint8_t>(length)};
-    if (df == format::text_medium) field.push_back(static_cast<std::uint8_t>(length >> 8));
-    field.push_back(narrow ? ascii : utf16);
-    field.insert(field.end(), body.begin(), body.end());
-    return field;
-}
 
 /// Bytes of the field where its size is fixed.
 std::size_t room_of(FieldCell& cell) {
@@ -112,11 +72,12 @@ std::string enter_text(FieldCell& cell, std::string_view text) {
         for (const char16_t c : characters) field.push_back(c < 0x100 ? static_cast<std::uint8_t>(c) : 0);
         field.resize(room, 0xFF);
     } else {
-        constexpr std::size_t longest = 250;  // characters, in any of the two
-        if (characters.size() > longest && df == format::text_short)
-            return "holds 125 characters only: " + in_quotes(text) + " is longer";
-        field = prefixed(characters, df);
-        if (df == format::text_short && field.size() > 252)
+        constexpr std::size_t longest = sent_short_text.longest;
+        if (df == format::text_short && characters.size() > longest - sent_short_text.header)
+            return "holds " + std::to_string(sent_short_text.characters) +
+                   " characters only: " + in_quotes(text) + " is longer";
+        field = sent_text(df, characters);
+        if (df == format::text_short && field.size() > longest)
             return in_quotes(text) + " is too long for the field";
         if (field.size() > cell.bytes().size())
             return in_quotes(text) + " does not fit into the " + std::to_string(N2K_MAX_PAYLOAD) +
