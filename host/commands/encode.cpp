@@ -22,7 +22,7 @@
 #include "text/utf8.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -40,7 +40,7 @@ int print(const std::string& text) {
 }
 
 std::string name_of(const PgnDef& row) {
-    return utf8_of(pgn_def_name(&row));
+    return std::string(pgn_name(&row));
 }
 
 /// A PGN by number or name.
@@ -80,11 +80,9 @@ Chosen choose_pgn(const std::string& text) {
 std::string size_text(const FieldCell& cell) {
     const PayloadPosition from = cell.start(), to = cell.next();
     const int bits = (to.byte - from.byte) * 8 + to.bit - from.bit;
-    if (cell.dd().format->df == short_text || cell.dd().format->df == medium_text)
-        return "text of any length";
-    const std::string what = cell.dd().format->df == hex_dump ? "bytes as 01 02 FF"
-                             : cell.holds_text()              ? "text"
-                                                              : "";
+    const DF df = cell.dd().df;
+    if (df == format::text_short || df == format::text_medium) return "text of any length";
+    const std::string what = df == format::hex_dump ? "bytes as 01 02 FF" : cell.holds_text() ? "text" : "";
     if (bits == 0) return served_units(cell).empty() ? "as the field before it says" : "8 bytes at the end";
     const bool whole = bits % 8 == 0;
     const int count = whole ? bits / 8 : bits;
@@ -94,12 +92,10 @@ std::string size_text(const FieldCell& cell) {
 
 std::string values_text(FieldCell& cell) {
     constexpr std::uint64_t some_day = 20706;
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     const bool is_date = reading.quantity == quantity::date;
     cell.put(is_date ? some_day : 0);
-    cell.read(value);
-    if (is_date || reading.quantity == quantity::time_of_day || value.type == CV_TIME_OF_DAY)
+    if (is_date || reading.quantity == quantity::time_of_day || cell.read().value.type == ValueType::seconds)
         return "as in " + std::string(trimmed(cell.shown(true)));
     const std::vector<UnitId> units = served_units(cell);
     if (units.empty()) return "";
@@ -117,8 +113,7 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
     out += "  " + cell.label() + ": " + size_text(cell);
     const std::vector<CodedChoice> choices = choices_of(cell);
     const DDstrings* const set = find_enumeration(cell.dd().dd);
-    ConvValue value;
-    const bool measured = cell.read(value).quantity < quantity::no_quantity;
+    const bool measured = cell.read().quantity < quantity::no_quantity;
     const bool any_number =
         !cell.holds_text() &&
         (choices.empty() || (measured && (set->kind == ENUM_NUMBER || set->kind == ENUM_NUMBER_TOO)));
@@ -136,7 +131,7 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
         out += "      ... and " + std::to_string(choices.size() - shown) + " more, with --all-choices\n";
 }
 
-int list_fields(const EncodeOptions& options, const PgnDef& row) {
+int list_fields(const EncodeOptions& options, ReadingContext& context, const PgnDef& row) {
     std::string out =
         std::to_string(row.pgn) + ", " + name_of(row) + ", pri=" + std::to_string(row.priority) + '\n';
     // Variants that decoding shows alike are listed once.
@@ -152,7 +147,7 @@ int list_fields(const EncodeOptions& options, const PgnDef& row) {
         }
         std::string fields;
         bool repeats = false;
-        visit_fields(qv_n2k_pgn_db, row, variant, [&](FieldCell& cell) {
+        visit_fields(context, row, variant, [&](FieldCell& cell) {
             if (cell.repeat() > 0 && !repeats) fields += " as often as needed:\n";
             repeats = cell.repeat() > 0;
             list_field(fields, cell, options.all_choices);
@@ -215,7 +210,8 @@ std::vector<std::string> encode_formats() {
 }
 
 int run_encode(const EncodeOptions& options) {
-    if (const std::string wrong = select_units(qv_n2k_pgn_db, options.units); !wrong.empty())
+    ReadingContext context;
+    if (const std::string wrong = select_units(context.units, options.units); !wrong.empty())
         return fail(wrong);
     if (!utf16_of(options.pgn)) return fail(quoted(options.pgn) + " is not UTF-8 text");
     const Chosen pgn = choose_pgn(options.pgn);
@@ -223,7 +219,7 @@ int run_encode(const EncodeOptions& options) {
     if (options.list) {
         if (!options.fields.empty()) return fail("--list takes no fields");
         if (pgn.row == nullptr) return fail("PGN " + options.pgn + " is not in the catalogue");
-        return list_fields(options, *pgn.row);
+        return list_fields(options, context, *pgn.row);
     }
     std::vector<TypedField> fields;
     std::string wrong = parse_fields(options, fields);
@@ -231,7 +227,7 @@ int run_encode(const EncodeOptions& options) {
     if (wrong.empty()) wrong = check_header(options, pgn.number, time);
     if (!wrong.empty()) return fail(wrong);
 
-    BuiltMessage built = build_message(qv_n2k_pgn_db, pgn.number, pgn.row, fields);
+    BuiltMessage built = build_message(context, pgn.number, pgn.row, fields);
     constexpr std::size_t most_errors = 20;
     for (std::size_t i = 0; i < std::min(built.errors.size(), most_errors); ++i) fail(built.errors[i]);
     if (built.errors.size() > most_errors)

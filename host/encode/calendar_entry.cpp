@@ -5,10 +5,9 @@
 #include "encode/number_entry.h"
 #include "output/unit_names.h"
 #include "text/quotes.h"
-#include "text/utf8.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -39,7 +38,7 @@ enum class Fraction { rounded, cut_off };  // how decoding shows what is less th
 Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit, Fraction fraction) {
     const RawScale scale = scale_of(cell, unit);
     if (scale.empty()) return "has no values that could be encoded";
-    std::uint64_t raw = scale.nearest(value, {});
+    std::uint64_t raw = scale.nearest(value);
     // Just below a whole second would show the one before.
     constexpr int most = 4096;  // numbers that single precision may give one value
     if (fraction == Fraction::cut_off && value == std::floor(value))
@@ -50,26 +49,20 @@ Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId un
 }
 
 bool is_counted_as_clock(FieldCell& cell, UnitId unit) {
-    ConvValue value;
     cell.put(0);
-    cell.read(value, unit);
-    return value.type == CV_TIME_OF_DAY;
+    return cell.read(unit).value.type == ValueType::seconds;
 }
 
 /// One date in the unit's layout, without its name.
-std::wstring date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
-    ConvValue value;
+std::string date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
     cell.put(raw);
-    cell.read(value, unit);
-    const bool is_text = value.type >= CV_TEXT_WIDE && value.type <= CV_TEXT;
-    return is_text ? value.value.wide : L"";
+    return cell.read(unit).value.type == ValueType::text ? cell.shown(false, unit) : "";
 }
 
 }  // namespace
 
 Outcome enter_clock(FieldCell& cell, std::string_view text) {
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     const bool of_day = reading.quantity == quantity::time_of_day;
     // Seconds that a format shows as a clock, whatever they are said to be.
     const bool counted = !of_day && is_counted_as_clock(cell, reading.unit);
@@ -111,8 +104,7 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
 }
 
 Outcome enter_date(FieldCell& cell, std::string_view text) {
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     if (reading.quantity != quantity::date) return {};
     std::vector<UnitId> layouts = {reading.unit};
     for (const UnitId u :
@@ -124,15 +116,13 @@ Outcome enter_date(FieldCell& cell, std::string_view text) {
         const std::string name = unit_text(u);
         if (!name.empty() && typed.ends_with(name))
             typed = trimmed(typed.substr(0, typed.size() - name.size()));
-        const std::wstring wanted(typed.begin(), typed.end());  // dates are ASCII
         for (std::uint64_t raw = 0; raw < days; ++raw)
-            if (!wanted.empty() && date_in(cell, raw, u) == wanted) return "";
+            if (!typed.empty() && date_in(cell, raw, u) == typed) return "";
     }
     constexpr std::uint64_t some_day = 20706;
-    return in_quotes(text) + " is not a date from " + utf8_of(date_in(cell, 0, reading.unit)) + " to " +
-           utf8_of(date_in(cell, days - 4, reading.unit)) + ", as in " +
-           utf8_of(date_in(cell, some_day, reading.unit)) + " " + unit_text(reading.unit) + " or " +
-           utf8_of(date_in(cell, some_day, unit::date_ymd));
+    return in_quotes(text) + " is not a date from " + date_in(cell, 0, reading.unit) + " to " +
+           date_in(cell, days - 4, reading.unit) + ", as in " + date_in(cell, some_day, reading.unit) + " " +
+           unit_text(reading.unit) + " or " + date_in(cell, some_day, unit::date_ymd);
 }
 
 }  // namespace vistel

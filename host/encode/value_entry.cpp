@@ -9,7 +9,7 @@
 #include "text/quotes.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -19,8 +19,7 @@ namespace {
 bool means_not_available(const FieldCell& cell, std::string_view text) {
     if (!text.starts_with('-')) return false;
     text = trimmed(text.substr(1));
-    ConvValue value;
-    return text.empty() || text == unit_text(cell.read(value).unit);
+    return text.empty() || text == unit_text(cell.read().unit);
 }
 
 /// Displays with rules of their own: the number that is shown so is found by trying all of them.
@@ -48,7 +47,7 @@ std::string no_such_choice(const FieldCell& cell, std::string_view text) {
 std::string enter_value(FieldCell& cell, std::string_view typed) {
     const std::string_view text = trimmed(typed);
     if (cell.holds_text()) {
-        if (text == "-" && cell.dd().format->df == hex_dump) return cell.clear(), "";
+        if (text == "-" && cell.dd().df == format::hex_dump) return cell.clear(), "";
         return enter_text(cell, typed);
     }
     if (means_not_available(cell, text)) return cell.clear(), "";

@@ -243,8 +243,8 @@ void store_kept(const TextScratch::Kept<size>& kept, Value& out) {
 }
 
 int convert_short_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
-    constexpr int header = 2, most = 125, longest = 252;
-    const int length = available > 0 ? field[0] : 0;  // counts itself and the encoding byte
+    const auto [header, longest, most] = sent_short_text;
+    const int length = available > 0 ? field[0] : 0;
     const auto encoding = static_cast<SentEncoding>(available > 1 ? field[1] : 0);
     if (length >= header && length <= longest && encoding <= SentEncoding::ascii) {
         const int room = encoding == SentEncoding::ascii ? length - header : (length - header) / 2;
@@ -256,10 +256,10 @@ int convert_short_text(const std::uint8_t* field, int available, TextScratch& sc
 }
 
 int convert_medium_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
-    constexpr int header = 3, most = 891;
+    const auto [header, longest, most] = sent_medium_text;
     const int length = (available > 0 ? field[0] : 0) | (available > 1 ? field[1] << 8 : 0);
     const auto encoding = static_cast<SentEncoding>(available > 2 ? field[2] : 0);
-    if (length >= header && length <= N2K_MAX_PAYLOAD && encoding <= SentEncoding::ascii) {
+    if (length >= header && length <= longest && encoding <= SentEncoding::ascii) {
         // Of UTF-16 the last character is left out.
         const int room =
             encoding == SentEncoding::ascii ? length - header : std::max((length - 2) / 2 - 1, 0);

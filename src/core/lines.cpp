@@ -10,6 +10,7 @@ namespace pgn_vistel::core {
 namespace {
 
 constexpr int indent = 4;        // blanks in front of a label in the pool, which windows do not show
+constexpr int label_end = 2;     // characters of ": "
 constexpr int payload_byte = 3;  // characters of one: " 0F"
 
 constexpr std::string_view source_label = "Source Address: 0x";
@@ -65,6 +66,19 @@ void put_round(Out& out, int round) {
     out.put(": ");
 }
 
+/// The value without its unit, which is returned: negative where none follows. `Reading` is a `FieldReading`
+/// or a `FieldValue`.
+template <class Out, class Reading>
+[[gnu::always_inline]] inline UnitId put_reading(Out& out, const FieldPlan& plan, const Reading& field,
+                                                 bool plain_numbers) {
+    if (field.cut_off) {
+        out.put('-');
+        return field.unit;
+    }
+    const Shown shown{plan.form, plan.enumeration, field.quantity, field.unit, plain_numbers};
+    return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
+}
+
 /// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the
 /// unit that follows, negative for none.
 template <class Out>
@@ -76,12 +90,17 @@ template <class Out>
     FieldValue field;
     read_planned(walk.row, payload, walk.position, units, scratch, field);
     walk.position = field.next;
-    if (field.cut_off) {
-        out.put('-');
-        return field.unit;
-    }
-    const Shown shown{plan.form, plan.enumeration, field.quantity, field.unit, plain_numbers};
-    return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
+    return put_reading(out, plan, field, plain_numbers);
+}
+
+/// Texts with all their characters, for those who compare them.
+class UnmaskedOut : public Utf8Out {
+  public:
+    using Utf8Out::Utf8Out;
+};
+
+void put_text(UnmaskedOut& out, const Text& text, int most) {
+    for_each_character(text, most, [&out](std::uint32_t c) { out.put_character(c); });
 }
 
 }  // namespace
@@ -208,6 +227,26 @@ char* TextRenderer::write(char* at, char* limit) {
         stage_ = Stage::over;
     }
     return at;
+}
+
+// ---- parts of a line ----
+
+char* write_label(char* at, const FieldDef& field, int repeat) {
+    const FieldPlan& plan = plan_of(field);
+    Utf8Out out(at);
+    out.put_pooled(text_pool + plan.texts + indent, static_cast<std::size_t>(plan.line_size - indent));
+    if ((plan.flags & numbered) != 0) put_round(out, repeat);
+    return out.at() - label_end;
+}
+
+char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit) {
+    UnmaskedOut out(at);
+    const UnitId unit = put_reading(out, plan_of(field), reading, false);
+    if (with_unit && unit >= 0) {
+        out.put(' ');
+        out.put(unit_text(unit));
+    }
+    return out.at();
 }
 
 }  // namespace pgn_vistel::core

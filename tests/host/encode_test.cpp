@@ -13,13 +13,14 @@
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 namespace {
 
-QV_N2K_PGN_DB_c& db() {
-    return qv_n2k_pgn_db;
+ReadingContext& context() {
+    static ReadingContext with_default_units;
+    return with_default_units;
 }
 
 /// Every field of the message as decoding shows it, and the payload where it does so.
@@ -28,7 +29,7 @@ std::vector<TypedField> shown_fields(const N2KMsg& message) {
     std::vector<TypedField> result;
     MessageWalk walk(find_pgn_def(msg.pgn), msg);
     while (walk.next()) {
-        const FieldCell cell(db(), msg, walk.field(), walk.position);
+        const FieldCell cell(context(), msg, walk);
         result.push_back({cell.label(), cell.shown(true)});
         walk.position = cell.next();
     }
@@ -59,11 +60,11 @@ N2KMsg random_message(std::uint32_t pgn, const std::vector<std::uint8_t>& varian
     MessageWalk walk(find_pgn_def(pgn), msg);
     int length = 0;
     constexpr int rounds = 3;
-    while (walk.next() && walk.field().repeat <= rounds) {
-        FieldCell cell(db(), msg, walk.field(), walk.position);
-        const std::uint32_t df = cell.dd().format->df;
-        if (cell.holds_text() && df != hex_dump) {
-            const bool fixed = df == fixed_text;
+    while (walk.next() && walk.repeat() <= rounds) {
+        FieldCell cell(context(), msg, walk);
+        const DF df = cell.dd().df;
+        if (cell.holds_text() && df != format::hex_dump) {
+            const bool fixed = df == format::text_fixed;
             EXPECT_EQ(enter_value(cell, fixed ? "T" : texts[random() % texts.size()]), "");
         }
         walk.position = cell.next();
@@ -79,8 +80,7 @@ N2KMsg random_message(std::uint32_t pgn, const std::vector<std::uint8_t>& varian
 
 std::set<std::uint32_t> pgns() {
     std::set<std::uint32_t> numbers;
-    for (const FieldDef& row : all_fields())
-        if (row.field != 0) numbers.insert(row.pgn);
+    for (const FieldDef& row : all_fields()) numbers.insert(row.pgn);
     return numbers;
 }
 
@@ -93,7 +93,7 @@ TEST(Encode, WhatDecodingShowsCanBeTyped) {
             for (int i = 0; i < 10; ++i) {
                 const N2KMsg msg = random_message(pgn, variant, random);
                 const auto typed = shown_fields(msg);
-                const BuiltMessage built = build_message(db(), pgn, row, typed);
+                const BuiltMessage built = build_message(context(), pgn, row, typed);
                 for (const std::string& error : built.errors) ADD_FAILURE() << pgn << ": " << error;
                 if (!built.errors.empty()) continue;
                 const auto shown = shown_fields(built.msg);
@@ -115,7 +115,7 @@ void for_every_kind(Check check) {
         const PgnDef* const row = find_pgn_def(pgn);
         if (row == nullptr) continue;
         for (const auto& variant : variants_of(*row))
-            visit_fields(db(), *row, variant, [&](FieldCell& cell) {
+            visit_fields(context(), *row, variant, [&](FieldCell& cell) {
                 if (!met.emplace(cell.dd().dd, cell.row().bytes, cell.row().bits).second) return;
                 SCOPED_TRACE(std::to_string(pgn) + " " + cell.label());
                 check(cell);
@@ -131,10 +131,8 @@ TEST(Encode, FieldsThatAreNotGivenAreNotAvailable) {
         if (low_half(cell.row().key1) != no_selector && cell.start().byte < 2)
             return;  // what tells the variant
         const std::uint64_t all = ~std::uint64_t{0} >> (64 - cell.bits());
-        ConvValue value;
-        cell.read(value, unit::raw_count);
         const bool whole_number = cell.bits() % 8 == 0 && cell.dd().bits == 0 && cell.row().bits == 0;
-        const std::uint32_t df = cell.dd().format->df;
+        const DF df = cell.dd().df;
         const bool without_code = df == 52 || (df >= 60010 && df <= 60019) || cell.row().pgn == 126996 ||
                                   (cell.start().bit != 0 && whole_number);
         if (cell.holds_text()) {
@@ -142,7 +140,7 @@ TEST(Encode, FieldsThatAreNotGivenAreNotAvailable) {
         } else if (!whole_number) {
             EXPECT_EQ(cell.raw(), all);
         } else if (!without_code) {
-            EXPECT_FALSE(is_available(value)) << cell.shown();
+            EXPECT_FALSE(is_available(cell.read(unit::raw_count).value)) << cell.shown();
         }
     });
 }
@@ -179,25 +177,24 @@ TEST(Encode, EveryUnitOfEveryNumber) {
             const std::string name = unit_text(unit);
             for (int i = 0; i < 20; ++i) {
                 cell.put(random() >> random() % 64);
-                ConvValue before, after;
-                cell.read(before, unit);
+                const Value before = cell.read(unit).value;
+                if (!is_available(before) || is_integer(before.type)) continue;
                 char typed[64];
-                if (!is_available(before)) continue;
-                if (before.type == CV_FLOAT || before.type == CV_FLOAT_PLAIN)
-                    std::snprintf(typed, sizeof typed, "%.9g %s", static_cast<double>(before.value.f32),
+                if (before.type == ValueType::single)
+                    std::snprintf(typed, sizeof typed, "%.9g %s", static_cast<double>(before.number.f32),
                                   name.c_str());
-                else if (before.type == CV_DOUBLE)
-                    std::snprintf(typed, sizeof typed, "%.17g %s", before.value.f64, name.c_str());
+                else if (before.type == ValueType::real)
+                    std::snprintf(typed, sizeof typed, "%.17g %s", before.number.f64, name.c_str());
                 else
                     continue;
                 cell.clear();
                 EXPECT_EQ(enter_value(cell, typed), "") << typed;
-                cell.read(after, unit);
+                const Value after = cell.read(unit).value;
                 EXPECT_EQ(after.type, before.type) << typed;
-                if (after.type == CV_DOUBLE) {
-                    EXPECT_EQ(after.value.f64, before.value.f64) << typed;
+                if (after.type == ValueType::real) {
+                    EXPECT_EQ(after.number.f64, before.number.f64) << typed;
                 } else {
-                    EXPECT_EQ(after.value.f32, before.value.f32) << typed;
+                    EXPECT_EQ(after.number.f32, before.number.f32) << typed;
                 }
                 ++entered;
             }
@@ -219,7 +216,7 @@ std::string hex(const N2KMsg& msg) {
 }
 
 BuiltMessage built(std::uint32_t pgn, const std::vector<TypedField>& fields) {
-    return build_message(db(), pgn, find_pgn_def(pgn), fields);
+    return build_message(context(), pgn, find_pgn_def(pgn), fields);
 }
 
 TEST(Encode, Payloads) {
@@ -240,6 +237,22 @@ TEST(Encode, Payloads) {
          127250,
          {{"Heading Sensor Reading", "0.0086 \u00B0"}},
          "FF0200FF7FFF7FFF"},
+        {"half a step goes to zero",
+         65014,
+         {{"Utility Phase A Line-Neutral AC RMS Voltage", "44.5"}},
+         "FFFF2C00FFFFFFFF"},
+        {"of numbers that single precision takes for one, that with the typed digits",
+         65018,
+         {{"Generator Total kW Hours Export", "923468097"}, {"Generator Total kW Hours Import", "1e9"}},
+         "41010B3700CA9A3B"},
+        {"the same with a negative number, and with zero in the middle",
+         65007,
+         {{"Utility Phase C Real Power", "-500060179 W"}},
+         "ED436759FFFFFFFF"},
+        {"a field that changes the variant",
+         126720,
+         {{"Data", "83 98"}, {"Manufacturer Code", "Keldor"}, {"Product Code", "1"}},
+         "89980100FFFF"},
         {"hours and minutes west of Greenwich",
          129033,
          {{"Local Offset, Minutes", "-3:30"}},

@@ -29,6 +29,17 @@ struct PayloadPosition {
 /// Payload bytes that count: the record's length, at most 1785.
 [[nodiscard]] int payload_length(const N2KMsg& msg);
 
+/// A text that tells its own length, as sent: the length of all, low byte first, a `SentEncoding`, the text.
+struct SentText {
+    int header;      ///< bytes in front of the text: one for the encoding, the others for the length
+    int longest;     ///< bytes of all
+    int characters;  ///< that are read at the most
+};
+/// @{ of `format::text_short` and `format::text_medium`
+inline constexpr SentText sent_short_text{2, 252, 125};
+inline constexpr SentText sent_medium_text{3, N2K_MAX_PAYLOAD, 891};
+/// @}
+
 /// Where reading puts the texts that it makes. What a field shows holds until the next field is read with the
 /// same scratch.
 ///
@@ -43,10 +54,10 @@ struct TextScratch {
         Encoding encoding = Encoding::code_page;   ///< of the bytes
         std::array<std::uint8_t, size + 1> bytes;  ///< one more, for half a character
     };
-    Kept<252> short_text;                 ///< length and encoding in a byte each
-    Kept<N2K_MAX_PAYLOAD> medium_text;    ///< length in two bytes
-    std::array<char, 256> made;           ///< dates, clock times, hexadecimal dumps
-    std::array<std::uint8_t, 256> moved;  ///< the bytes of a text that does not start on a byte
+    Kept<sent_short_text.longest> short_text;    ///< of `format::text_short`
+    Kept<sent_medium_text.longest> medium_text;  ///< of `format::text_medium`
+    std::array<char, 256> made;                  ///< dates, clock times, hexadecimal dumps
+    std::array<std::uint8_t, 256> moved;         ///< the bytes of a text that does not start on a byte
 };
 
 /// One field cut out of a message and converted, not yet a text.

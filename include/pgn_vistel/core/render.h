@@ -66,6 +66,16 @@ class StreamLines {
     Stage stage_ = Stage::source;
 };
 
+/// The label of a field of the catalogue as the lines show it, without the colon: in a repeating group that
+/// numbers its labels, with the number of the round. Writes UTF-8 to `at`, which has room for `piece_room`
+/// bytes, and returns its end.
+[[nodiscard]] char* write_label(char* at, const FieldDef& field, int repeat);
+
+/// The value of a field as the lines show it, with its unit or alone; `reading` is what `read_field` gave for
+/// the field, in any unit. Control characters of a text are written as they are: this is for those who
+/// compare values. Memory and result are as those of `write_label`.
+[[nodiscard]] char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit);
+
 /// What the renderers share. One object serves any number of messages, one after the other; each thread has
 /// its own. The units are copied, and a scratch is contained: about three kilobytes.
 class Renderer {
