@@ -11,11 +11,13 @@
 
 #include "library/recording_platform.h"
 #include "library/scarce_memory.h"
+#include "pgn_vistel/core/units.h"
 #include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/pgn_vistel.h"
-#include "pgn_vistel/units.h"
 #include "support/testing.h"
 #include "views/images.h"
+
+using namespace pgn_vistel::core;
 
 namespace pgn_vistel::test {
 namespace {

@@ -7,9 +7,11 @@
 
 #include <memory>
 
+#include "pgn_vistel/core/units.h"
 #include "pgn_vistel/product_name.h"
-#include "pgn_vistel/units.h"
 #include "views/windows.h"
+
+using namespace pgn_vistel::core;
 
 PGN_VISTEL_PRODUCT_NAME("Kartentisch für 2")
 

@@ -6,6 +6,8 @@
 
 #include "views/windows.h"
 
+using namespace pgn_vistel::core;
+
 namespace pgn_vistel::test {
 namespace {
 
@@ -242,8 +244,8 @@ N2KMsg any_message(std::mt19937& random) {
     for (std::uint8_t& byte : msg.data) byte = static_cast<std::uint8_t>(random());
     if (pick(2) == 0) msg.data[0] = static_cast<std::uint8_t>(pick(8));  // group functions
     if (pick(8) == 0) {
-        msg.data[0] = static_cast<std::uint8_t>(maker_header & 0xFF);
-        msg.data[1] = static_cast<std::uint8_t>(maker_header >> 8);
+        msg.data[0] = static_cast<std::uint8_t>(own_header & 0xFF);
+        msg.data[1] = static_cast<std::uint8_t>(own_header >> 8);
     }
     return msg;
 }

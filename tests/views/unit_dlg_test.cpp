@@ -7,8 +7,10 @@
 #include <map>
 #include <memory>
 
-#include "pgn_vistel/units.h"
+#include "pgn_vistel/core/units.h"
 #include "views/windows.h"
+
+using namespace pgn_vistel::core;
 
 namespace pgn_vistel::test {
 namespace {
