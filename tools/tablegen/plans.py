@@ -217,7 +217,7 @@ def plan_fields(tables, plans):
             f"{{{texts}, {next_row(rows, i, 1)}, {next_row(rows, i, first - last) if row.field == last else END_ROW}, "
             f"{field_bits(row, entry, rule)}, {row.field}, {formats[entry.df]}, "
             f"{quantity(tables, row, classes, rule)}, Form::{form}, {enumeration}, "
-            f"{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}, "
+            f"{{{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
 
 
