@@ -33,7 +33,8 @@ TEST(Formats, ConversionOfOneField) {
         int expected;
         // clang-format off
     } cases[] = {
-        {54, plain_65, 2}, {54, 139, -1}, {9, 139, -1}, {69, 139, 2}, {69, 140, -1}, {54, -1, -1}, {6, -1, 4}, {52, 0, INT32_MAX},
+        {54, plain_65, 2}, {54, 139, -1}, {9, 139, -1}, {69, 139, 2}, {69, 140, -1}, {54, -1, -1}, {6, -1, 4},
+        {52, 0, INT32_MAX},
         {24, raw_count, -1}, {37, raw_bits, -1}, {118, 0, -2}, {2445, 0, -2}, {60030, 0, -2}, {50, m, 10}, {51, m, 10},
         // clang-format on
     };
@@ -56,9 +57,11 @@ TEST(Formats, Records) {
     } cases[] = {
         {57, 0x80, raw_bits, CV_I8, ~std::uint64_t{0x7F}, 1}, {54, 0xFFFF, plain_65, CV_NOT_AVAILABLE, 0x7FFFFFFF, 2},
         {105, 0xFFFFFE, raw_bits, CV_U32, 0xFFFFFE, 3}, {114, 0xFFFFFE, raw_bits, CV_I32, ~std::uint64_t{1}, 3},
-        {67, 3600, seconds, CV_TIME_OF_DAY, 3600, 4}, {52, ~0ull, m, CV_U64, ~0ull, untouched}, {60010, 0xAB, m, CV_U8, 0xB, untouched},
+        {67, 3600, seconds, CV_TIME_OF_DAY, 3600, 4}, {52, ~0ull, m, CV_U64, ~0ull, untouched},
+        {60010, 0xAB, m, CV_U8, 0xB, untouched},
         // a double where the unit is wrong, and a double that is tagged as a single
-        {23, 1, V, CV_NOT_AVAILABLE, 0x7FFFFFFFFFFFFFFF, 4}, {62, 0x3FB999999999999A, m, CV_FLOAT, 0x3FB999999999999A, 8},
+        {23, 1, V, CV_NOT_AVAILABLE, 0x7FFFFFFFFFFFFFFF, 4},
+        {62, 0x3FB999999999999A, m, CV_FLOAT, 0x3FB999999999999A, 8},
         // kilograms leave the number as it was
         {104, 1, kg, CV_FLOAT, 0x7FFFFFFF, 4}, {60007, 0x0023, kph, CV_NOT_AVAILABLE, 0x7FFFFFFF, untouched},
         // clang-format on

@@ -23,12 +23,16 @@ TEST(FormatQ, SignificantDigits) {
         const wchar_t* expected;
         // clang-format off
     } cases[] = {
-        {L"%5q", 12.3456f, L"12.346"}, {L"%5q", 123456, L"123456"}, {L"%8.2q", 3.14159f, L"3.14"}, {L"%5q", 0, L"0.00000"},
-        {L"%5q", 9.99999f, L"10.0000"}, {L"%5q", 99999, L"99999"}, {L"%5q", -0.25f, L"-0.25000"}, {L"%+5q", 12.5f, L"12.500"},
-        {L"%q", 3.7f, L" 4"}, {L"%q", 0.25f, L"0"}, {L"%1q", 0.25f, L"0.2"}, {L"%.3q", 3.75f, L" 4"}, {L"%3.5q", 0.12345f, L"0.123"},
+        {L"%5q", 12.3456f, L"12.346"}, {L"%5q", 123456, L"123456"}, {L"%8.2q", 3.14159f, L"3.14"},
+        {L"%5q", 0, L"0.00000"},
+        {L"%5q", 9.99999f, L"10.0000"}, {L"%5q", 99999, L"99999"}, {L"%5q", -0.25f, L"-0.25000"},
+        {L"%+5q", 12.5f, L"12.500"},
+        {L"%q", 3.7f, L" 4"}, {L"%q", 0.25f, L"0"}, {L"%1q", 0.25f, L"0.2"}, {L"%.3q", 3.75f, L" 4"},
+        {L"%3.5q", 0.12345f, L"0.123"},
         {L"%5.0q", 1.5f, L"1.5000"}, {L"%10q", 2147483648.0f, L"2147483648"}, {L"%12q", 1e12f, L"999999995904.00"},
         {L"a %5q b %% c", 1.5f, L"a 1.5000 b % c"}, {L"%5q", NAN, L"-"}, {L"%d", 3.9f, L"3"}, {L"%ld", -3.9f, L"-3"},
-        {L"%lu", 4294967040.0f, L"4294967040"}, {L"%.1f", 2.25f, L"2.2"}, {L"no conversion", 1, L"no conversion"}, {L"100%", 1, L"100"},
+        {L"%lu", 4294967040.0f, L"4294967040"}, {L"%.1f", 2.25f, L"2.2"},
+        {L"no conversion", 1, L"no conversion"}, {L"100%", 1, L"100"},
         {L"%5", 1, L""},
     };
     // clang-format on
@@ -51,15 +55,19 @@ TEST(ValuePrinter, TypesAndReservedCodes) {
         const wchar_t* expected;
         // clang-format off
     } cases[] = {
-        {whole(CV_U8, 252), L"252"}, {whole(CV_U8, 253), L"-"}, {whole(CV_I8, -128), L"-128"}, {whole(CV_I8, 125), L"-"},
+        {whole(CV_U8, 252), L"252"}, {whole(CV_U8, 253), L"-"}, {whole(CV_I8, -128), L"-128"},
+        {whole(CV_I8, 125), L"-"},
         {whole(CV_U16, 0xFFFD), L"-"}, {whole(CV_I16, 0x7FFC), L"32764"}, {whole(CV_I16, 0x7FFD), L"-"},
-        {whole(CV_U32, 0xFFFFFFFC), L"4294967292"}, {whole(CV_U32, 0xFFFFFFFD), L"-"}, {whole(CV_I32, INT32_MIN), L"-2147483648"},
+        {whole(CV_U32, 0xFFFFFFFC), L"4294967292"}, {whole(CV_U32, 0xFFFFFFFD), L"-"},
+        {whole(CV_I32, INT32_MIN), L"-2147483648"},
         {whole(CV_I32, 0x7FFFFFFD), L"-"}, {whole(CV_U64, -4), L"18446744073709551612"}, {whole(CV_U64, -3), L"-"},
         {whole(CV_I64, INT64_MIN), L"-9223372036854775808"}, {whole(CV_I64, INT64_MAX - 2), L"-"},
         {whole(CV_TIME_OF_DAY, 3725), L" 1:02:05"}, {whole(CV_TIME_OF_DAY, 0xFFFFFFFC), L"1193046:28:12"},
-        {whole(CV_TIME_OF_DAY, 0xFFFFFFFD), L"-"}, {single(12.3456f), L"12.346"}, {single(12.3456f, CV_FLOAT_PLAIN), L"12.346"},
+        {whole(CV_TIME_OF_DAY, 0xFFFFFFFD), L"-"}, {single(12.3456f), L"12.346"},
+        {single(12.3456f, CV_FLOAT_PLAIN), L"12.346"},
         {single(NAN), L"-"}, {real(47.123456789), L"47.123455"}, {real(NAN), L"-"}, {whole(CV_CHAR, 0x81), L"\x03A9"},
-        {whole(CV_WCHAR, 0x103A9), L"\x03A9"}, {whole(CV_WCHAR_PLAIN, 'y'), L"y"}, {narrow("caf\xE9 \x80"), L"caf\x00E9 \x0080"},
+        {whole(CV_WCHAR, 0x103A9), L"\x03A9"}, {whole(CV_WCHAR_PLAIN, 'y'), L"y"},
+        {narrow("caf\xE9 \x80"), L"caf\x00E9 \x0080"},
         {wide(L"wide", CV_TEXT_WIDE), L"wide"}, {wide(L"wide"), L"wide"}, {whole(CV_NOT_AVAILABLE, 5), L"-"},
         {whole(18, 5), L""}, {whole(CV_RAW_FIELD, 0), L""}, {whole(INT32_MAX, 5), L"-"},
     };

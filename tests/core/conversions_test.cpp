@@ -190,31 +190,41 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
     } cases[] = {
         {0, 0x12345678, {{bits, U32, 0x12345678}, {counts, NA, 0}}}, {24, 1, {{bits, NA, 0}}},
         // floating angles, numbers and distances
-        {3, f32(1), {{deg, F, 57.29578}, {counts, F, 1}, {bits, F, 1}, {V, NA, 0}}}, {70, f32(NAN), {{bits, F, NAN}, {deg, NA, 0}}},
+        {3, f32(1), {{deg, F, 57.29578}, {counts, F, 1}, {bits, F, 1}, {V, NA, 0}}},
+        {70, f32(NAN), {{bits, F, NAN}, {deg, NA, 0}}},
         {61, f32(-1.5), {{ppm, F, -1.5}, {counts, F, -1.5}}}, {61, f32(NAN), {{bits, F, NAN}, {ppm, NA, 0}}},
         {12, std::bit_cast<std::uint64_t>(1852.0), {{nm, F, 1}, {bits, D, 1852}, {counts, F, 1852}, {V, NA, 0}}},
         {62, std::bit_cast<std::uint64_t>(0.1), {{bits, D, 0.1}, {counts, F, 0.1f}}},
         {62, std::bit_cast<std::uint64_t>(double{NAN}), {{bits, D, NAN}, {counts, NA, 0}, {m, NA, 0}}},
         // positions
         {23, 600000000, {{deg_lat, D, 60}, {counts, D, 6e8}, {bits, I32, 6e8}, {deg_long, NA, 0}}},
-        {23, 0x7FFFFFFD, {{deg_lat, NA, 0}, {counts, NA, 0}, {bits, I32, 0x7FFFFFFD}}}, {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}},
-        {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}}, {77, -10000000000000000ull, {{deg_long, D, -1}}},
+        {23, 0x7FFFFFFD, {{deg_lat, NA, 0}, {counts, NA, 0}, {bits, I32, 0x7FFFFFFD}}},
+        {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}},
+        {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}},
+        {77, -10000000000000000ull, {{deg_long, D, -1}}},
         // dates, run times, periods: 0xFFFE of a period is a code of the clock in every unit
         {41, 65532, {{days, U16, 65532}, {hours, NA, 0}}}, {41, 65533, {{bits, U16, 65533}, {date_ymd, NA, 0}}},
         {67, 5400, {{hours, F, 1.5}, {seconds, TIME, 5400}, {bits, TIME, 5400}}},
         {67, 0xFFFFFFFD, {{hours, NA, 0}, {counts, NA, 0}, {bits, TIME, 4294967293}}},
-        {98, 90, {{hours, F, 1.5}, {counts, F, 90}, {bits, U16, 90}}}, {98, 0xFFFE, {{V, TIME, 4294967294}}}, {98, 0xFFFD, {{minutes, NA, 0}}},
+        {98, 90, {{hours, F, 1.5}, {counts, F, 90}, {bits, U16, 90}}}, {98, 0xFFFE, {{V, TIME, 4294967294}}},
+        {98, 0xFFFD, {{minutes, NA, 0}}},
         // 48 bits in 8 bytes
-        {117, 0xFFFFFFFFFFFC, {{plain_65, U64, 0xFFFFFFFFFFFC}, {V, NA, 0}}}, {117, 0xFFFFFFFFFFFD, {{counts, NA, 0}, {bits, U64, 0xFFFFFFFFFFFD}}},
+        {117, 0xFFFFFFFFFFFC, {{plain_65, U64, 0xFFFFFFFFFFFC}, {V, NA, 0}}},
+        {117, 0xFFFFFFFFFFFD, {{counts, NA, 0}, {bits, U64, 0xFFFFFFFFFFFD}}},
         {117, 0x1000000000000, {{counts, NA, 0}}},
         // codes
-        {93, 252, {{tonf_uk, U8, 252}}}, {93, 253, {{percent, NA, 0}, {bits, U8, 253}}}, {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}},
-        {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}}, {60010, ones, {{V, U8, 15}}}, {60012, ones, {{V, U8, 3}}},
-        {60016, ones, {{V, U8, 63}}}, {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}}, {60019, ones, {{V, U64, 0x1p64}}},
+        {93, 252, {{tonf_uk, U8, 252}}}, {93, 253, {{percent, NA, 0}, {bits, U8, 253}}},
+        {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}},
+        {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}}, {60010, ones, {{V, U8, 15}}},
+        {60012, ones, {{V, U8, 3}}},
+        {60016, ones, {{V, U8, 63}}}, {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}},
+        {60019, ones, {{V, U64, 0x1p64}}},
         // offsets
-        {2452, 2000001500, {{W, F, 1500}, {counts, F, 1500}, {bits, I32, 2000001500}, {V, NA, 0}}}, {2456, 1999999000, {{kVAR, F, -1}}},
+        {2452, 2000001500, {{W, F, 1500}, {counts, F, 1500}, {bits, I32, 2000001500}, {V, NA, 0}}},
+        {2456, 1999999000, {{kVAR, F, -1}}},
         {2464, 32768, {{plain_64, F, 1}, {counts, F, 16384}, {bits, U16, 32768}}}, {2464, 0xFFFD, {{plain_64, NA, 0}}},
-        {2516, 2560, {{deg, F, -180}, {rad, F, -pi}, {counts, F, -23040}, {deg_true, NA, 0}}}, {101, 0, {{plain_66, F, 1}}}, {101, 250, {{V, F, 1.5}}},
+        {2516, 2560, {{deg, F, -180}, {rad, F, -pi}, {counts, F, -23040}, {deg_true, NA, 0}}},
+        {101, 0, {{plain_66, F, 1}}}, {101, 250, {{V, F, 1.5}}},
         // values that name their format: 500 mm/s, and a format that none may name
         {60007, 0x01F40024, {{kph, F, 1.8}, {V, NA, 0}}}, {60007, 0x01F40023, {{kph, NA, 0}}},
         // clang-format on
@@ -267,9 +277,11 @@ TEST(Texts, EveryFormat) {
     } cases[] = {
         {50, {5, 1, 'A', 'b', 'c', 'd'}, "Abc"}, {50, {8, 1, 'A', 'b', 0, 'd', 'e', 'f'}, "Ab"}, {50, {2, 1, 'A'}, ""},
         {50, {7, 1, 0x80, 0x81, 0x8C, 0x9C, 0xE9}, "\u20AC\u03A9\u0152\u0153\u00E9"}, {50, {20, 1, 'a', 'b'}, "ab"},
-        {50, {6, 0, 'A', 0, 0xA9, 0x03, 'c', 0}, "A\u03A9"}, {50, {7, 0, 'A', 0, 'b', 0, 'c'}, "Ab"}, {50, {8, 0, 'A', 0, 'b'}, "Ab"},
+        {50, {6, 0, 'A', 0, 0xA9, 0x03, 'c', 0}, "A\u03A9"}, {50, {7, 0, 'A', 0, 'b', 0, 'c'}, "Ab"},
+        {50, {8, 0, 'A', 0, 'b'}, "Ab"},
         {50, {6, 0, 0x3D, 0xD8, 0x00, 0xDE}, "\U0001F600"}, {50, {6, 0, 0x3D, 0xD8, 'a', 0}, "\uFFFDa"},
-        {51, {6, 0, 1, 'A', 'b', 'c'}, "Abc"}, {51, {9, 0, 0, 'A', 0, 'b', 0, 'c', 0}, "Ab"}, {51, {3, 0, 1}, ""}, {51, {5, 0, 0, 'A', 0}, ""},
+        {51, {6, 0, 1, 'A', 'b', 'c'}, "Abc"}, {51, {9, 0, 0, 'A', 0, 'b', 0, 'c', 0}, "Ab"},
+        {51, {3, 0, 1}, ""}, {51, {5, 0, 0, 'A', 0}, ""},
         // clang-format on
     };
     for (const auto& c : cases) EXPECT_EQ(text_of(c.df, c.field), c.expected);

@@ -104,11 +104,11 @@ TEST(EveryMessage, TinyBuffersHoldTheBeginning) {
 
 // ---- the renderers ----
 
-/// What a started renderer writes with windows of `room` bytes, each on the heap so that a step too far is
-/// seen.
-template <class Renderer>
-std::string rendered(Renderer& renderer, std::size_t room) {
-    const auto window = std::make_unique_for_overwrite<char[]>(room);
+/// What a started renderer writes with windows of `room` bytes, which end where the heap's own do, so that a
+/// step too far is seen.
+template <std::size_t room, class Renderer>
+std::string rendered(Renderer& renderer) {
+    static const auto window = std::make_unique<char[]>(room);
     std::string all;
     do {
         char* const end = renderer.write(window.get(), window.get() + room);
@@ -118,7 +118,10 @@ std::string rendered(Renderer& renderer, std::size_t room) {
     return all;
 }
 
-constexpr std::size_t one_window = std::size_t{2} << 20;
+template <class Renderer>
+std::string rendered(Renderer& renderer) {
+    return rendered<std::size_t{2} << 20>(renderer);
+}
 
 /// As UTF-8; what could steer a terminal and what is no character is U+FFFD.
 std::string utf8(const std::wstring& text) {
@@ -146,7 +149,7 @@ TEST(Renderers, Utf8LinesAreTheWideOnes) {
             // A text that is refused shows none, and not that of the message before.
             TextRenderer fresh(units, plain);
             fresh.start(stamped, pgn, stamped.time_stamp);
-            ASSERT_EQ(rendered(fresh, one_window), expected);
+            ASSERT_EQ(rendered(fresh), expected);
         });
     }
 }
@@ -157,7 +160,7 @@ TEST(Renderers, PiecesMakeTheWhole) {
             auto other = renderer;
             renderer.start(start...);
             other.start(start...);
-            ASSERT_EQ(rendered(renderer, piece_room), rendered(other, one_window));
+            ASSERT_EQ(rendered<piece_room>(renderer), rendered(other));
         };
         for_all_messages([&](const N2KMsg& msg, std::mt19937& random) {
             if (random() % (msg.length < 223 ? 16 : 3) != 0) return;
@@ -339,14 +342,14 @@ TEST(Renderers, JsonAndCsvSayWhatTheFieldsAre) {
             JsonRenderer json(units);
             CsvRenderer csv(units);
             text.start(msg, pgn, 0);
-            std::istringstream lines(rendered(text, one_window));
+            std::istringstream lines(rendered(text));
             std::string line;
             for (int head = 0; head < 3; ++head) std::getline(lines, line);
             json.start(msg, pgn, time);
             csv.start(msg, pgn, time);
             std::string data;
-            const auto fields = read_json(rendered(json, one_window), msg, pgn_name(pgn), data);
-            const auto rows = read_csv(rendered(csv, one_window));
+            const auto fields = read_json(rendered(json), msg, pgn_name(pgn), data);
+            const auto rows = read_csv(rendered(csv));
             const std::string all = hexadecimal(msg, 0, payload_length(msg) * 8);
             std::vector<std::string> row = {
                 "1.500000", "", std::to_string(msg.pgn), std::string(pgn_name(pgn)), "3", "35", "255"};
@@ -391,7 +394,7 @@ TEST(Renderers, AbsoluteTimes) {
           {std::int64_t{1'709'210'096'250'999'999}, "2024-02-29T12:34:56.250999Z"},
           {std::int64_t{1'709'210'097'000'000'000}, "2024-02-29T12:34:57.000000Z"}}) {
         json.start(msg, nullptr, {nanoseconds, true, nanoseconds});
-        EXPECT_NE(rendered(json, one_window).find(expected), std::string::npos) << expected;
+        EXPECT_NE(rendered(json).find(expected), std::string::npos) << expected;
     }
 }
 

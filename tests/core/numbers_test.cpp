@@ -105,7 +105,7 @@ TEST(Numbers, RandomValues) {
         for (int i = 0; i < trials(300); ++i)
             compare(std::bit_cast<double>((random() & 0x800FFFFFFFFFFFFF) | exponent << 52));
     for (int i = 0; i < trials(500000); ++i) {  // as fields have them: few digits, or a number times a factor
-        const auto number = static_cast<double>(random() >> (64 - random() % 33));
+        const auto number = static_cast<double>(random() >> (63 - random() % 33));
         const double power = std::pow(10.0, static_cast<double>(random() % 10));
         compare(static_cast<float>(number / power));
         compare(number / power);

@@ -32,7 +32,7 @@ std::string everything(unsigned seed) {
         const PgnDef* const row = find_pgn_def(pgn);
         text.start(msg, row, seed);
         take(text);
-        json.start(msg, row, {seed, true, static_cast<std::int64_t>(random()) * 86'400'000'000});
+        json.start(msg, row, {seed, true, static_cast<std::int64_t>(random()) * 1'000'000'000});
         take(json);
         csv.start(msg, row, {seed, false, 0});
         take(csv);

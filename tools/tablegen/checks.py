@@ -1,9 +1,14 @@
 """Rules between the rows of the tables. They run on tables whose cells are all well formed."""
 
+from plans import END_ROW, find_by_binary_search, label_forms, next_row, pgn_forms, shown_label, unit_forms
 from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
                     UNIT_COUNT)
 
 PARSED_BYTES = {kind: int(kind[1:]) // 8 for kind in PARSED_KINDS}
+CODED_RULES = ("temperature_k", "any")  # have no factors, or those of every unit
+LAST_ID = {"unit": ("selected", "count"), "quantity": ("no_quantity", "count")}  # names that the generator adds
+MAX_FORM = 255  # bytes of a text in one of its forms
+MAX_FLAGS = 1000  # characters of all texts of a set of flags, so that they fit a line
 
 
 def check_tables(tables, report):
@@ -15,6 +20,9 @@ def check_tables(tables, report):
     check_fields(tables, report)
     check_repeat_sets(tables, report)
     check_sets(tables, report)
+    check_ids(tables, report)
+    check_special_fields(tables, report)
+    check_forms(tables, report)
 
 
 def check_ascending(rows, column, report, strict):
@@ -24,6 +32,14 @@ def check_ascending(rows, column, report, strict):
             report.add(row.place, f"{column} {new} stands after {old}")
         elif strict and new == old:
             report.add(row.place, f"{column} {new} stands twice")
+
+
+def check_unique(rows, column, report):
+    seen = set()
+    for row in rows:
+        if getattr(row, column) in seen:
+            report.add(row.place, f"{column} {getattr(row, column)} stands twice")
+        seen.add(getattr(row, column))
 
 
 def check_known(rows, column, known, what, report):
@@ -76,21 +92,22 @@ def check_formats(tables, report):
             report.add(tables.formats[-1].place, f"no row for df {df}")
     generated = {f"convert_df_{row.df}" for row in tables.formats if row.rule[0] != "special"}
     listed = {row.df for row in tables.format_list}
+    rules = {*CODED_RULES, *(row.rule for row in tables.unit_factors)}
     for row in tables.formats:
-        check_format_rule(row, generated, report)
+        check_format_rule(row, generated, rules, report)
         if row.df > LAST_INDEXED_FORMAT and row.df not in listed:
             report.add(row.place, f"df {row.df} is not in format_list.tsv")
     for rows in (tables.format_list, tables.self_described, tables.format_classes):
         check_known(rows, "df", formats, "unknown df", report)
-        seen = set()
-        for row in rows:
-            if row.df in seen:
-                report.add(row.place, f"df {row.df} stands twice")
-            seen.add(row.df)
+        check_unique(rows, "df", report)
 
 
-def check_format_rule(row, generated, report):
+def check_format_rule(row, generated, rules, report):
     kind, name = row.rule
+    if kind == "scaled" and name.removeprefix("unit_rule_") not in rules:
+        report.add(row.place, f"no factors for {name}")
+    if kind != "special" and row.kind in ("f32", "f64"):
+        report.add(row.place, f"{row.kind} takes a conversion of its own")
     if kind in ("special", "integer") and row.scale != "1.0f":
         report.add(row.place, f"scale has no effect with {name}")
     if kind != "special" and row.kind is None:
@@ -140,6 +157,20 @@ def check_parser_rule(row, report):
 def check_units(tables, report):
     check_dense(tables.units, "unit", UNIT_COUNT, report)
     check_dense(tables.availability, "class", CLASS_COUNT, report)
+    for kind, rows in (("unit", tables.units), ("quantity", tables.availability)):
+        check_unique(rows, "id", report)
+        for row in rows:
+            if row.id in LAST_ID[kind]:
+                report.add(row.place, f"id {row.id} has a meaning of its own")
+    seen = set()
+    for before, row in zip([None, *tables.unit_factors], tables.unit_factors):
+        if (row.rule, row.unit) in seen:
+            report.add(row.place, f"unit {row.unit} of {row.rule} stands twice")
+        elif before and before.rule != row.rule and any(rule == row.rule for rule, _ in seen):
+            report.add(row.place, f"rule {row.rule} goes on behind {before.rule}")
+        seen.add((row.rule, row.unit))
+        if row.rule in CODED_RULES or row.rule.startswith("listed_"):
+            report.add(row.place, f"rule {row.rule} has a meaning of its own")
 
 
 def check_fields(tables, report):
@@ -174,6 +205,14 @@ def check_repeat_sets(tables, report):
     check_known(tables.repeat_sets, "pgn", {row.pgn for row in tables.pgns}, "unknown pgn", report)
     with_rows = {row.pgn for row in tables.fields}
     fields = {(row.pgn, row.field) for row in tables.fields}
+    rows = sorted(tables.fields, key=lambda row: row.pgn)
+    pgns = [row.pgn for row in tables.repeat_sets]
+    for i, row in enumerate(rows):
+        found = find_by_binary_search(pgns, row.pgn)
+        group = tables.repeat_sets[found] if found is not None else None
+        if (group and row.field == group.last and (row.pgn, group.first) in fields and group.first <= group.last
+                and next_row(rows, i, group.first - group.last) == END_ROW):
+            report.add(row.place, f"no way back from field {group.last} to field {group.first}")
     for row in tables.repeat_sets:
         if row.first > row.last:
             report.add(row.place, f"first {row.first} is above last {row.last}")
@@ -199,12 +238,68 @@ def check_sets(tables, report):
 def check_entries(found, report):
     if not found.entries:
         report.add(found.place, f"dd {found.dd} has no entries")
-    elif found.kind == 1 and found.entries[0].value != 0:
-        report.add(found.entries[0].place, f"value {found.entries[0].value} where 0 is due")
-    if found.kind == 3:
+    elif found.stored_order:
+        if found.kind in (1, 3):
+            report.add(found.place, f"kind {found.kind} has an order of its own")
+        check_unique(found.entries, "value", report)
+    elif found.kind == 3:
         for bit, entry in enumerate(found.entries):
             if entry.value != 1 << bit:
                 report.add(entry.place, f"value {entry.value} where bit {bit} is due")
-    elif not found.stored_order:
+        if sum(len(entry.text) + 2 for entry in found.entries) > MAX_FLAGS:
+            report.add(found.place, f"the texts of all bits have more than {MAX_FLAGS} characters")
+    else:
+        if found.kind == 1 and found.entries[0].value != 0:
+            report.add(found.entries[0].place, f"value {found.entries[0].value} where 0 is due")
         # The same value twice is legal: the search takes the first, values between take the last.
         check_ascending(found.entries, "value", report, strict=False)
+
+
+def known_dds(tables):
+    """Those with an entry, and those that only a quantity is known of."""
+    return {row.dd for row in (*tables.dictionary, *tables.disp_data_types)}
+
+
+def check_ids(tables, report):
+    known = {"pgn": {row.pgn for row in tables.pgns}, "dd": known_dds(tables),
+             "df": {row.df for row in tables.formats}}
+    for kind, numbers in known.items():
+        rows = [row for row in tables.ids if row.kind == kind]
+        check_known(rows, "number", numbers, f"unknown {kind}", report)
+        check_unique(rows, "number", report)
+        check_unique(rows, "id", report)
+
+
+def check_special_fields(tables, report):
+    pgns = {row.pgn for row in tables.pgns}
+    check_ascending(tables.pgn_rules, "pgn", report, strict=True)
+    check_known(tables.pgn_rules, "pgn", pgns, "unknown pgn", report)
+    check_known(tables.special_fields, "dd", known_dds(tables), "unknown dd", report)
+    proprietary = {row.pgn for row in tables.pgn_rules if row.walk == "proprietary"}
+    fields = {(row.pgn, row.field, row.dd) for row in tables.fields}
+    for row in tables.special_fields:
+        if (row.pgn is None) != (row.field is None):
+            report.add(row.place, "pgn and field go together")
+        elif row.pgn is not None and row.pgn not in pgns:
+            report.add(row.place, f"unknown pgn {row.pgn}")
+        elif row.pgn is not None and (row.pgn, row.field, row.dd) not in fields:
+            report.add(row.place, f"field {row.field} of pgn {row.pgn} has no dd {row.dd}")
+        if row.shown and row.pgn not in proprietary:
+            report.add(row.place, "shown has no effect without the walk of a proprietary message")
+        if not any((row.label, row.form, row.quantity, row.shown)):
+            report.add(row.place, "says nothing")
+
+
+def check_forms(tables, report):
+    """What leaves as text, JSON and CSV is counted in one byte each. Entries of sets are short enough in any form."""
+    def check(place, column, forms):
+        size = max(len(form.encode()) for form in forms)
+        if size > MAX_FORM:
+            report.add(place, f"{column} has a form of {size} bytes, {MAX_FORM} fit")
+
+    for row in tables.fields:
+        check(row.place, "label", label_forms(row.field, shown_label(tables, row), False))
+    for row in (*tables.pgns, *(row for row in tables.pgn_rules if row.name)):
+        check(row.place, "name", pgn_forms(row.pgn, row.name))
+    for row in tables.units:
+        check(row.place, "name", unit_forms(row.name))

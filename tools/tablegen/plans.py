@@ -92,12 +92,19 @@ def plan_units(tables, plans):
     pool = plans.pool
     plans.unit_lines = []
     for row in tables.units:
-        text = f" {row.name}"
-        json = f',"unit":{json_text(row.name) if row.name else "null"},"text":'
-        csv = f",{csv_cell(row.name)},"
+        line, json, csv = unit_forms(row.name)
         # The line's end stands behind the text: whoever copies blocks gets it for nothing.
-        plans.unit_lines.append(f"{{{pool.add(text + chr(10))}, {pool.add(json)}, {pool.add(csv)}, "
-                                f"{len(text.encode())}, {len(json.encode())}, {len(csv.encode())}}},")
+        plans.unit_lines.append(f"{{{pool.add(line + chr(10))}, {pool.add(json)}, {pool.add(csv)}, "
+                                f"{sizes(line, json, csv)}}},")
+
+
+def unit_forms(name):
+    json = f',"unit":{json_text(name) if name else "null"},"text":'
+    return f" {name}", json, f",{csv_cell(name)},"
+
+
+def sizes(*forms):
+    return ", ".join(str(len(form.encode())) for form in forms)
 
 
 def plan_rules(tables, plans):
@@ -159,8 +166,12 @@ def plan_sets(plans):
 
 
 def entry_line(text, pool):
-    json, csv = json_text(text), csv_cell(text)
-    return f"{{{pool.add(text)}, {pool.add(json)}, {pool.add(csv)}, {len(text)}, {len(json)}, {len(csv)}}},"
+    forms = entry_forms(text)
+    return f"{{{', '.join(str(pool.add(form)) for form in forms)}, {sizes(*forms)}}},"
+
+
+def entry_forms(text):
+    return text, json_text(text), csv_cell(text)
 
 
 def entry_index(found):
@@ -203,9 +214,9 @@ def plan_fields(tables, plans):
         first, last = ((tables.repeat_sets[found].first, tables.repeat_sets[found].last)
                        if found is not None else (0, 0))
         repeats = first <= row.field <= last
-        label = special_row(tables, row.pgn, row.field, row.dd, "label") or row.label
+        label = shown_label(tables, row)
         numbered = repeats and label == row.label and FIRST in label
-        texts = label_texts(row.field, label, numbered, plans.pool)
+        forms = label_forms(row.field, label, numbered)
         enumeration = sets.get(row.dd, NO_SET)
         form = special_row(tables, row.pgn, row.field, row.dd, "form")
         if form is None:
@@ -226,22 +237,25 @@ def plan_fields(tables, plans):
             "quick": 0 < bits <= 64 and kind_of_quantity <= NO_CLASS and is_quick(format_rows[entry.df]),
         }
         plans.field_lines.append(
-            f"{{{texts}, {next_row(rows, i, 1)}, {next_row(rows, i, first - last) if row.field == last else END_ROW}, "
+            f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {next_row(rows, i, 1)}, "
+            f"{next_row(rows, i, first - last) if row.field == last else END_ROW}, "
             f"{bits}, {row.field}, {formats[entry.df]}, "
             f"{kind_of_quantity}, Form::{form}, {enumeration}, "
             f"{{{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
 
 
-def label_texts(field, label, numbered, pool):
-    """Offset and sizes of the forms of a label, which stand behind each other. A numbered label is left open: the
-    number of the round follows."""
+def shown_label(tables, row):
+    return special_row(tables, row.pgn, row.field, row.dd, "label") or row.label
+
+
+def label_forms(field, label, numbered):
+    """In the pool they stand behind each other. A numbered label is left open: the number of the round follows."""
     name = label[FIRST_WORD:] if numbered else label
     line = f"    {name}" + ("" if numbered else ": ")
     json = f'{{"number":{field},"label":{json_text(name)[:-1]}' + ("" if numbered else '","value":')
     cell = csv_cell(name)[:-1] if numbered and is_quoted_in_csv(label) else csv_cell(name)
-    csv = f"{field},{cell}" + ("" if numbered else ",")
-    return f"{pool.add(line + json + csv)}, {len(line)}, {len(json)}, {len(csv)}"
+    return line, json, f"{field},{cell}" + ("" if numbered else ",")
 
 
 def field_bits(row, entry, rule, formats):
@@ -312,13 +326,15 @@ def plan_pgns(tables, plans):
     plans.pgn_lines = []
     for pgn, name in [*((row.pgn, row.name) for row in tables.pgns), (CLOSING_PGN, "")]:
         name = names.get(pgn, name)
-        line = f"     {pgn:6}, {name}"
-        json = f',"pgn":{pgn},"name":{json_text(name)},"priority":'
-        csv = f",{pgn},{csv_cell(name)},"
-        at = plans.pool.add(f"{line}\n{json}{csv}")
+        line, json, csv = forms = pgn_forms(pgn, name)
         plans.pgn_lines.append(
-            f"{{{at}, {len(line)}, {len(json)}, {len(csv)}, {first_rows.get(pgn, END_ROW)}, "
+            f"{{{plans.pool.add(f'{line}{chr(10)}{json}{csv}')}, {sizes(*forms)}, {first_rows.get(pgn, END_ROW)}, "
             f"PgnWalk::{walks.get(pgn) or 'plain'}, {int(pgn in repeats)}}},")
+
+
+def pgn_forms(pgn, name):
+    json = f',"pgn":{pgn},"name":{json_text(name)},"priority":'
+    return f"     {pgn:6}, {name}", json, f",{pgn},{csv_cell(name)},"
 
 
 def special_lines(tables):

@@ -20,12 +20,12 @@ def good_tables():
         "pgns.tsv": lines("pgn name key1 key2 key3 priority frames packet listed",
                           "59904 Ask - - - 6 single single yes",
                           "126208 Read 3 - - 3 multi fast yes",
-                          '126720 Own~"Big"?\u00b0 137 4:0xF000 1:* 6 multi fast no',
+                          '126720 Own~"Big"? 137 4:0xF000 1:* 6 multi fast no',
                           "129025 Fix - - - 2 single single yes", "130816 Far - - - 6 multi fast no"),
         "stream_keys.tsv": lines("pgn key1 key2 key3 key4",
                                  "59904 0[4:4] - 2 -", "126720 header 3 - -"),
         "dictionary.tsv": lines("dd name df size", "1 Reserved~field 52 -", "9 PGN 54 24b",
-                                "172 - 2436 2B"),
+                                "172 - 2436 2B", "173 Format 54 -"),
         "disp_data_types.tsv": lines("dd class", "9 28", "10001 50"),
         "repeat_sets.tsv": lines("pgn selector first last", "126208 3 1 2", "126720 137 1 1"),
         "formats.tsv": lines(
@@ -44,14 +44,20 @@ def good_tables():
         "format_list.tsv": lines("df", "2444", "2436"),
         "self_described.tsv": lines("df", "4", "1"),
         "format_classes.tsv": lines("df class", "4 7", "1 25"),
-        "units.tsv": ["unit\tname\tmeaning", "0\t\u00b0C\t-",
-                      *(f"{unit}\t-\t-" for unit in range(1, 140))],
-        "availability.tsv": lines("class units quantity", "0 1,0 depth",
-                                  *(f"{number} - none" for number in range(1, 65))),
+        "units.tsv": lines("unit id name meaning", "0 celsius \u00b0C -",
+                           *(f"{unit} unit_{unit} - -" for unit in range(1, 140))),
+        "unit_factors.tsv": lines("rule unit factor", "plain 0 2", "plain 1 0.5", "other 0 1e-3"),
+        "availability.tsv": lines("class id units quantity", "0 depth 1,0 depth",
+                                  *(f"{number} class_{number} - none" for number in range(1, 65))),
         "quantities.tsv": lines("label class", "Depth 0", "Course~made 8"),
+        "ids.tsv": lines("kind number id", "pgn 59904 ask", "dd 9 pgn_number", "df 2444 ask"),
+        "pgn_rules.tsv": lines("pgn name walk size pressure", "126720 Proprietary proprietary - -",
+                               "129025 - - 2B air"),
+        "special_fields.tsv": lines("pgn field dd label form quantity shown", "- - 9 Number pgn_name - -",
+                                    "126720 1 172 - - format_inside all"),
         "enums/a.tsv": lines("set 9 0 PGN", "4 Second", "4 Third", "6 Last guess",
                              "set 172 3 -", "1 Low", "2 High"),
-        "enums/b.tsv": lines("set 1 1 Reserved~field", "0 ~\u00f8"),
+        "enums/b.tsv": lines("set 1 1 Reserved~field", "0 ~'o,", "set 173 4 Format stored_order", "5 Five", "4 Four"),
         "fields/a.tsv": lines("pgn field label size dd key1 key2 key3",
                               "59904 1 PGN 24b 9 - - -", "59904 2 Rest 2B 1 - - -",
                               "126720 1 Maker - 172 137 4:1 -"),
@@ -67,8 +73,8 @@ BAD_ROWS = (
      " frames packet listed'"),
     ("pgns.tsv", 3, "126208 Read", "has 2 cells, not 9"),
     ("pgns.tsv", 4, "262144 Own - - - 6 multi fast no", "pgn '262144' is not a number from 0 to 262143"),
-    ("pgns.tsv", 4, "126720 \u2126 - - - 6 multi fast no",
-     "name '\u2126' has a character outside Latin-1"),
+    ("pgns.tsv", 4, "126720 \u00d8 - - - 6 multi fast no", "name '\u00d8' has a character outside ASCII"),
+    ("pgns.tsv", 4, f"126720 {'x' * 243} - - - 6 multi fast no", "name has a form of 278 bytes, 255 fit"),
     ("pgns.tsv", 4, "126720 Own x - - 6 multi fast no", "key1 'x' is not a number from 0 to 65535"),
     ("pgns.tsv", 4, "126720 Own 1 4 - 6 multi fast no", "key2 '4' is neither - nor LOW:HIGH"),
     ("pgns.tsv", 4, "126720 Own - - - 8 multi fast no", "priority '8' is not a number from 0 to 7"),
@@ -85,8 +91,9 @@ BAD_ROWS = (
     ("stream_keys.tsv", 3, "126720 - header - -",
      "key2 'header' is neither - nor N nor N[SHIFT:WIDTH]"),
     ("stream_keys.tsv", 3, "59904 header 3 - -", "pgn 59904 stands twice"),
-    ("dictionary.tsv", 5, "9 PGN 54 24b", "dd 9 stands after 172"),
-    ("dictionary.tsv", 5, "172 - 54 -", "dd 172 stands twice"),
+    ("dictionary.tsv", 6, "9 PGN 54 24b", "dd 9 stands after 173"),
+    ("dictionary.tsv", 6, "173 Format 54 -", "dd 173 stands twice"),
+    ("dictionary.tsv", 6, "174 \u2126 54 -", "name '\u2126' has a character outside Latin-1"),
     ("dictionary.tsv", 4, "172 - 2444 2B", "unknown df 2444"),
     ("disp_data_types.tsv", 3, "10001 65", "class '65' is not a number from 0 to 64"),
     ("disp_data_types.tsv", 2, "411 28", "no class is kept for dd 411"),
@@ -95,7 +102,9 @@ BAD_ROWS = (
     ("repeat_sets.tsv", 2, "126207 3 1 2", "unknown pgn 126207"),
     ("repeat_sets.tsv", 4, "126208 3 1 2", "pgn 126208 stands after 126720"),
     ("formats.tsv", 3, "1 u12 - any yes",
-     "kind 'u12' is not one of u8, i8, u16, i16, u24, i24, u32, i32, u64, i64"),
+     "kind 'u12' is not one of u8, i8, u16, i16, u24, i24, u32, i32, u64, i64, f32, f64"),
+    ("formats.tsv", 3, "1 f32 - any yes", "f32 takes a conversion of its own"),
+    ("formats.tsv", 3, "1 u8 - unit_rule_plane yes", "no factors for unit_rule_plane"),
     ("formats.tsv", 3, "1 - - any yes", "kind is missing"),
     ("formats.tsv", 3, "1 u8 1.f any yes", "scale '1.f' is not a positive decimal number"),
     ("formats.tsv", 3, "1 u8 2 unit_rule_integer yes",
@@ -126,12 +135,40 @@ BAD_ROWS = (
     ("format_list.tsv", 4, "2437", "unknown df 2437"),
     ("self_described.tsv", 4, "4", "df 4 stands twice"),
     ("format_classes.tsv", 4, "118 0", "unknown df 118"),
-    ("units.tsv", 5, "4 m -", "unit 4 where 3 is due"),
-    ("units.tsv", 5, "3 \U0001d504 -",
+    ("units.tsv", 5, "4 m m -", "unit 4 where 3 is due"),
+    ("units.tsv", 5, "3 celsius m -", "id celsius stands twice"),
+    ("units.tsv", 5, "3 count m -", "id count has a meaning of its own"),
+    ("units.tsv", 5, "3 m/s m/s -", "id 'm/s' is no name for code"),
+    ("units.tsv", 5, f"3 m {'m' * 300} -", "name has a form of 318 bytes, 255 fit"),
+    ("units.tsv", 5, "3 m \U0001d504 -",
      "name '\U0001d504' has a character that a wide text of 16 bits cannot keep"),
-    ("availability.tsv", 2, "0 1,2,3,4,5,6,7,8 x", "units names 8 units, 7 fit"),
-    ("availability.tsv", 2, "0 140 depth", "units '140' is not a number from 0 to 139"),
-    ("availability.tsv", 3, "2 0 depth", "class 2 where 1 is due"),
+    ("unit_factors.tsv", 5, "other 0 1", "unit 0 of other stands twice"),
+    ("unit_factors.tsv", 5, "plain 2 1", "rule plain goes on behind other"),
+    ("unit_factors.tsv", 5, "any 2 1", "rule any has a meaning of its own"),
+    ("unit_factors.tsv", 5, "other 1 0", "factor '0' is not a positive decimal number"),
+    ("unit_factors.tsv", 5, "other 140 1", "unit '140' is not a number from 0 to 139"),
+    ("availability.tsv", 2, "0 depth 1,2,3,4,5,6,7,8 x", "units names 8 units, 7 fit"),
+    ("availability.tsv", 2, "0 depth 140 depth", "units '140' is not a number from 0 to 139"),
+    ("availability.tsv", 3, "2 width 0 width", "class 2 where 1 is due"),
+    ("availability.tsv", 3, "1 depth 0 width", "id depth stands twice"),
+    ("availability.tsv", 3, "1 no_quantity 0 width", "id no_quantity has a meaning of its own"),
+    ("ids.tsv", 5, "pgn 59905 other", "unknown pgn 59905"),
+    ("ids.tsv", 5, "dd 8 other", "unknown dd 8"),
+    ("ids.tsv", 5, "df 118 other", "unknown df 118"),
+    ("ids.tsv", 5, "pgn 59904 other", "number 59904 stands twice"),
+    ("ids.tsv", 5, "pgn 126208 ask", "id ask stands twice"),
+    ("ids.tsv", 5, "unit 0 ask", "kind 'unit' is not one of pgn, dd, df"),
+    ("pgn_rules.tsv", 3, "126721 - - 2B -", "unknown pgn 126721"),
+    ("pgn_rules.tsv", 4, "129025 - - 4B -", "pgn 129025 stands twice"),
+    ("pgn_rules.tsv", 3, "129025 - - 2 -", "size '2' is neither - nor bits (4b) nor bytes (2B)"),
+    ("pgn_rules.tsv", 3, "129025 - fast - -", "walk 'fast' is not one of group_function, proprietary"),
+    ("special_fields.tsv", 4, "- - 8 - pgn_name - -", "unknown dd 8"),
+    ("special_fields.tsv", 4, "126721 1 172 - pgn_name - -", "unknown pgn 126721"),
+    ("special_fields.tsv", 4, "126720 2 172 - pgn_name - -", "field 2 of pgn 126720 has no dd 172"),
+    ("special_fields.tsv", 4, "126720 - 172 - pgn_name - -", "pgn and field go together"),
+    ("special_fields.tsv", 4, "59904 1 9 - - - all",
+     "shown has no effect without the walk of a proprietary message"),
+    ("special_fields.tsv", 4, "59904 1 9 - - - -", "says nothing"),
     ("quantities.tsv", 2, "Depth 65", "class '65' is not a number from 0 to 64"),
     ("enums/a.tsv", 4, "3 Last", "value 3 stands after 4"),
     ("enums/a.tsv", 4, "4294967296 Last",
@@ -139,7 +176,11 @@ BAD_ROWS = (
     ("enums/a.tsv", 4, "6 Last doubt", "has 3 cells, not 2"),
     ("enums/a.tsv", 7, "3 High", "value 3 where bit 1 is due"),
     ("enums/a.tsv", 5, "set 8 3 -", "dd 8 stands after 9"),
-    ("enums/a.tsv", 8, "set 173 0 -", "dd 173 has no entries"),
+    ("enums/a.tsv", 8, "set 174 0 -", "dd 174 has no entries"),
+    ("enums/a.tsv", 6, f"1 {'x' * 121}", "text has 121 characters, 1 to 120 are allowed"),
+    ("enums/a.tsv", 6, "1 \u00b0", "text '\u00b0' has a character outside ASCII"),
+    ("enums/b.tsv", 3, "set 173 1 Format stored_order", "kind 1 has an order of its own"),
+    ("enums/b.tsv", 5, "5 Four", "value 5 stands twice"),
     ("enums/b.tsv", 1, "set 1 6 Reserved~field", "kind '6' is not a number from 0 to 5"),
     ("enums/b.tsv", 1, "set 1 1 Other", "dd 1 is named 'Reserved field'"),
     ("enums/b.tsv", 1, "set 9 1 PGN", "dd 9 has a set at DATA/enums/a.tsv:1, too"),
@@ -149,7 +190,9 @@ BAD_ROWS = (
     ("fields/a.tsv", 2, "59904 0 PGN 24b 9 - - -", "field '0' is not a number from 1 to 65535"),
     ("fields/a.tsv", 2, f"59904 1 {'x' * 128} 24b 9 - - -",
      "label has 128 characters, 1 to 127 are allowed"),
-    ("fields/a.tsv", 2, "59904 1 PGN 24b 9999 - - -", "unknown dd 9999"),
+    ("fields/a.tsv", 3, "59904 2 R\u00e9st 2B 1 - - -", "label 'R\u00e9st' has a character outside ASCII"),
+    ("fields/a.tsv", 3, f"59904 2 {chr(34) * 120} 2B 1 - - -", "label has a form of 271 bytes, 255 fit"),
+    ("fields/a.tsv", 3, "59904 2 Rest 2B 9999 - - -", "unknown dd 9999"),
     ("fields/a.tsv", 3, "59904 3 Rest 2B 1 - - -", "field 3 where 2 is due"),
     ("fields/a.tsv", 5, "126721 1 Maker - 172 - - -", "unknown pgn 126721"),
     ("fields/a.tsv", 5, "59904 3 Late - 1 - - -", "pgn 59904 stands after 126720"),
@@ -162,25 +205,21 @@ FRAGMENT_LINES = {
     "pgn_table.inc": [
         '{59904, 0x80008000u, 0x80008000u, 0x80008000u, "Ask", 1, 1, 6, 1},',
         '{126208, 0x80000003u, 0x80008000u, 0x80008000u, "Read", 1, 1, 3, 0},',
-        '{126720, 0x80000089u, 0xF0000004u, 0x80000001u, "Own \\"Big\\"\\?\\260", 1, 0, 6, 0},',
+        '{126720, 0x80000089u, 0xF0000004u, 0x80000001u, "Own \\"Big\\"\\?", 1, 0, 6, 0},',
         '{129025, 0x80008000u, 0x80008000u, 0x80008000u, "Fix", 0, 1, 2, 1},',
         '{130816, 0x80008000u, 0x80008000u, 0x80008000u, "Far", 1, 0, 6, 0},',
         '{25, 0, 0, 0, "", 0, 1, 7, 1},'],
+    "pgn_rules.inc": ["{129025, 2, 0, 11},"],
+    "special_fields.inc": ['{0, 0, 9, "Number", Form::pgn_name, 0},', "{126720, 1, 172, nullptr, Form::plain, 67},"],
     "fast_packet_ranges.inc": ["{126208, 126208},", "{126720, 126720},", "{130816, 131071},"],
     "stream_key_table.inc": [
         "{59904, {0, -1, 2, -1}, {{4, 4}, {0, 0}, {0, 0}, {0, 0}}},",
         "{126720, {-3, 3, -1, -1}, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}},"],
-    "dictionary_table.inc": [
-        '{1, "Reserved field", &format_table[52], 0, 0},',
-        '{9, "PGN", &format_table[54], 0, 24},', '{172, "", &format_table[118], 2, 0},'],
     "repeat_set_table.inc": ["{126208, 3, 1, 2, 0},", "{126720, 137, 1, 1, 0},"],
-    "df_conv_list.inc": ["{2444, &convert_df_2436},", "{2436, &convert_df_2436},"],
-    "df_self_conv_list.inc": ["{4, &convert_df_4},", "{1, &convert_df_1},"],
-    "format_class_table.inc": ["{4, 7},", "{1, 25},"],
+    "df_conv_list.inc": ["{2444, &convert_df<2436>},", "{2436, &convert_df<2436>},"],
     "parser_units.inc": ["{22, steps(times(60.0f), over(360.0f))},",
                          "{68, steps(times(60.0f), over(360.0f))},", "{23, steps()},",
                          "{29, steps()},"],
-    "unit_format_table.inc": ["{0, 4},", "{3, 9},"],
     "field_table.inc": [
         '{59904, 1, "PGN", 0, 24, &dictionary[1], 0x80008000u, 0x80008000u, 0x80008000u, 0},',
         '{59904, 2, "Rest", 2, 0, &dictionary[0], 0x80008000u, 0x80008000u, 0x80008000u, 0},',
@@ -189,10 +228,12 @@ FRAGMENT_LINES = {
         '{126208, 2, "C", 0, 4, &dictionary[0], 0x80000003u, 0x80008000u, 0x80008000u, 0},',
         '{126720, 1, "Maker", 0, 0, &dictionary[2], 0x80000089u, 0x00010004u, 0x80008000u, 0},',
         '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'],
-    "enum_pairs.inc": ['{0u, " \\370"},', '{4u, "Second"},', '{4u, "Third"},', '{6u, "Last"},',
-                       '{1u, "Low"},', '{2u, "High"},'],
-    "enum_sets.inc": ["{1, 1, &enum_pairs[0], 1},", "{9, 0, &enum_pairs[1], 3},",
-                      "{172, 3, &enum_pairs[4], 2},"],
+    "enum_pairs.inc": ['{0u, " \'o,"},', '{4u, "Second"},', '{4u, "Third"},', '{6u, "Last"},', '{1u, "Low"},',
+                       '{2u, "High"},', '{5u, "Five"},', '{4u, "Four"},', "{0xFFFFFFFFu, nullptr},"],
+    "enum_sets.inc": ["{1, 1, &enum_pairs[0], 1},", "{9, 0, &enum_pairs[1], 3},", "{172, 3, &enum_pairs[4], 2},",
+                      "{173, 4, &enum_pairs[6], 0},"],
+    "enum_index.inc": [*["0,"], *["65535,"] * 4, "0,", "65535,", "2,", *["65535,"] * 4, "1,", "0,"],
+    "unit_rule_names.inc": ["plain,", "other,", "temperature_k,", "any,", "listed_65_66,"],
     "dd_class_10000.inc": ["65,", "50,", *["65,"] * 74],
     "unit_names.inc": ['L"\\x00B0" L"C",', *['L"",'] * 139],
     "quantity_rows.inc": ['{"Depth", 0},', '{"Course made", 8},'],
@@ -236,16 +277,23 @@ class TablegenTest(unittest.TestCase):
                 self.assertEqual(status, 1)
                 self.assertFalse(self.out.exists())
 
-    def test_every_format_has_a_parser(self):
-        self.write(good_tables() | {"parsers.tsv": good_tables()["parsers.tsv"][:-1]})
-        self.assertEqual(self.run_tool()[2],
-                         f"{self.data}/parsers.tsv:119: no row for df 2436\n")
+    def test_tables_that_do_not_fit_each_other(self):
+        cases = (
+            ({"parsers.tsv": good_tables()["parsers.tsv"][:-1]}, "parsers.tsv:119: no row for df 2436"),
+            ({"enums/a.tsv": lines("set 172 3 -", *(f"{1 << bit} {'x' * 30}" for bit in range(32)))},
+             "enums/a.tsv:1: the texts of all bits have more than 1000 characters"),
+            ({"fields/b.tsv": lines(good_tables()["fields/b.tsv"][0], "126208 1 A - 1 3 - -", "126208 3 C - 1 3 - -"),
+              "repeat_sets.tsv": lines("pgn selector first last", "126208 3 1 3")},
+             "fields/b.tsv:3: no way back from field 3 to field 1"))
+        for tables, message in cases:
+            self.write(good_tables() | tables)
+            self.assertEqual(self.run_tool()[2], f"{self.data}/{message}\n")
 
     def test_all_bad_rows_are_told_at_once(self):
         self.write(good_tables() | {"format_list.tsv": lines("df", "x", "2436", "y"),
                                     "enums/b.tsv": lines("0 Early"),
                                     "format_classes.tsv": lines("df class")})
-        (self.data / "units.tsv").write_bytes(b"unit\tname\tmeaning\n0\t\xb0C\t-\n")
+        (self.data / "units.tsv").write_bytes(b"unit\tid\tname\tmeaning\n0\tc\t\xb0C\t-\n")
         (self.data / "repeat_sets.tsv").unlink()
         status, _, messages = self.run_tool()
         for place in ("format_list.tsv:2", "format_list.tsv:4", "enums/b.tsv:1",
@@ -262,15 +310,19 @@ class TablegenTest(unittest.TestCase):
                 self.assertRegex(
                     banner, r"^// Generated by tools/tablegen from data/\S+; do not edit$")
                 self.assertEqual(content, expected)
-        functions = self.fragment("format_functions.inc")[52:57]
-        self.assertEqual(functions, [
-            "SCALED_FORMAT(51, u16, 0.5f, unit_rule_plain)", "INTEGER_FORMAT(53, u8)",
-            "LISTED_FORMAT(54, u16, 10.0f, 65, 66)", "OPEN_FORMAT(55, i16, 1e-7f)",
-            "SCALED_FORMAT(56, u16, 1.0f, unit_rule_plain)"])
+        plans = self.fragment("format_plans.inc")
+        self.assertEqual(plans[52:57] + plans[-1:], [
+            "{51, Reading::scaled, 16, 0, UnitRule::plain, 0.5f, 0xFFFD, 0},",
+            "{52, Reading::bits, 0, 0, UnitRule::any, 1.0f, 0x0, 0},",
+            "{53, Reading::integer, 8, 0, UnitRule::any, 1.0f, 0xFD, 0},",
+            "{54, Reading::scaled, 16, 0, UnitRule::listed_65_66, 10.0f, 0xFFFD, 0},",
+            "{55, Reading::scaled, 16, 1, UnitRule::any, 1e-7f, 0x7FFD, 0},",
+            "{2444, Reading::scaled, 16, 0, UnitRule::plain, 1.0f, 0xFFFD, 0},"])
+        self.assertTrue(self.fragment("unit_factors.inc")[1].startswith("{2.0f, 0.5f, 0, 0,"))
+        self.assertIn("    celsius = 0,", self.fragment("pgn_vistel/core/ids.h"))
         table = self.fragment("format_table.inc")
-        self.assertEqual(table[2], '{1, "DF01", &convert_df_1, &parse_text},')
-        self.assertEqual(table[53], '{52, "DF52", &convert_bits, &parse_numeric<52>},')
-        self.assertEqual(table[-1], '{2436, "DF2436", &convert_df_2436, &parse_numeric<2436>},')
+        self.assertEqual(table[2], '{1, "DF01", &convert_df<1>, &parse_text},')
+        self.assertEqual(table[-1], '{2436, "DF2436", &convert_df<2436>, &parse_numeric<2436>},')
         kind = "&raw_kind::"
         self.assertEqual(self.fragment("parser_table.inc")[1:9], [
             f"{{0, {kind}u8, NeverRead{{}}, steps(), {kind}u8, {{}}, 0u}},",
@@ -291,8 +343,8 @@ class TablegenTest(unittest.TestCase):
             os.utime(path, (1, 1))
         self.write({"repeat_sets.tsv": good_tables()["repeat_sets.tsv"][:2]})
         self.run_tool("--out", str(self.out))
-        changed = [path.name for path in self.out.iterdir() if path.stat().st_mtime > 1]
-        self.assertEqual(changed, ["repeat_set_table.inc"])
+        changed = {path.name for path in self.out.iterdir() if path.is_file() and path.stat().st_mtime > 1}
+        self.assertEqual(changed, {"repeat_set_table.inc", "field_plans.inc", "pgn_plans.inc"})
 
     def test_summary_tells_changes_of_content_only(self):
         self.write(good_tables())
