@@ -28,9 +28,9 @@ bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
 }
 
 bool apply_units(core::UnitSelection& units, const UnitOptions& options) {
-    const std::string wrong = select_units(units, options);
-    if (!wrong.empty()) std::fprintf(stderr, "vistel: %s\n", wrong.c_str());
-    return wrong.empty();
+    const Status selected = select_units(units, options);
+    if (!selected) std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+    return static_cast<bool>(selected);
 }
 
 /// One run over a recording.
@@ -78,7 +78,8 @@ void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
     const core::PgnDef* const row = core::find_pgn_def(msg.pgn);
     if (row == nullptr) unknown_.count(msg.pgn, msg.source);
     ++shown_;
-    writer_->write(out_, {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});
+    writer_->write(out_,
+                   {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});
 }
 
 bool Decoding::report_problem() {
