@@ -3,14 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <optional>
 
 #include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "commands/progress.h"
 #include "commands/statistics.h"
 #include "output/writers.h"
@@ -133,6 +132,7 @@ int Decoding::run() {
         return EXIT_FAILED;
     }
     watch_interrupts();
+    ignore_closed_pipes();
     progress_.emplace(recording_.bytes_total());
     writer_ = make_writer();
     writer_->begin(out_);
@@ -156,10 +156,7 @@ int Decoding::run() {
     if (!more) reassembler_.finish();
     out_.flush();
     progress_->clear();
-    if (!out_.is_open() && out_.error() != EPIPE) {
-        std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out_.error()));
-        return EXIT_FAILED;
-    }
+    if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
     report_losses();
     if (options_.statistics) print_statistics();
     if (!readable) return EXIT_FAILED;

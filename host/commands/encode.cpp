@@ -3,13 +3,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
+#include <memory>
 
 #include "can/identifier.h"
 #include "commands/decode.h"
+#include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
 #include "encode/message_lines.h"
@@ -41,9 +42,11 @@ int fail(const Failures& failures) {
 }
 
 int print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
-        return EXIT_CLEAN;
-    return errno == EPIPE ? EXIT_CLEAN : fail(failure("cannot write: ", std::strerror(errno)));
+    ignore_closed_pipes();
+    const auto out = std::make_unique<Sink>(STDOUT_FILENO);
+    out->put(text);
+    out->flush();
+    return output_status(*out);
 }
 
 std::string name_of(const PgnDef& row) {
