@@ -11,6 +11,7 @@
 #include "commands/decode.h"
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
+#include "encode/calendar_entry.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
 #include "encode/message_lines.h"
@@ -98,10 +99,9 @@ std::string size_text(const FieldCell& cell) {
 }
 
 std::string values_text(FieldCell& cell) {
-    constexpr std::uint64_t some_day = 20706;
     const FieldReading reading = cell.read();
     const bool is_date = reading.quantity == quantity::date;
-    cell.put(is_date ? some_day : 0);
+    cell.put(is_date ? example_day : 0);
     if (is_date || reading.quantity == quantity::time_of_day || cell.read().value.type == ValueType::seconds)
         return "as in " + std::string(trimmed(cell.shown(true)));
     const std::vector<UnitId> units = served_units(cell);
@@ -189,7 +189,7 @@ Result<std::vector<TypedField>> parse_fields(const EncodeOptions& options) {
 
 /// Looks whether the message can be sent as its header says. Returns its time.
 Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn) {
-    if (!is_addressed(pgn) && options.destination != 255)
+    if (!is_addressed(pgn) && options.destination != everyone)
         return failure("PGN ", pgn, " goes to everyone; it has no destination");
     if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
         return failure("PGN ", pgn, " is on no bus: the low byte of one with a destination is 0");

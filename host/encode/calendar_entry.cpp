@@ -122,10 +122,10 @@ Outcome enter_date(FieldCell& cell, std::string_view text) {
         for (std::uint64_t raw = 0; raw < days; ++raw)
             if (!typed.empty() && date_in(cell, raw, u) == typed) return done;
     }
-    constexpr std::uint64_t some_day = 20706;
     return failure(in_quotes(text), " is not a date from ", date_in(cell, 0, reading.unit), " to ",
-                   date_in(cell, days - 4, reading.unit), ", as in ", date_in(cell, some_day, reading.unit),
-                   " ", unit_text(reading.unit), " or ", date_in(cell, some_day, unit::date_ymd));
+                   date_in(cell, days - 4, reading.unit), ", as in ",
+                   date_in(cell, example_day, reading.unit), " ", unit_text(reading.unit), " or ",
+                   date_in(cell, example_day, unit::date_ymd));
 }
 
 }  // namespace vistel

@@ -257,9 +257,7 @@ void Building::verify() {
     }
 }
 
-bool begins_with_maker(std::uint16_t selector) {
-    return selector == (own_header & 0x7FF);
-}
+constexpr std::uint16_t maker = own_header & 0x7FF;  // the manufacturer code
 
 }  // namespace
 
@@ -284,8 +282,8 @@ std::vector<Bytes> variants_of(const PgnDef& pgn) {
         if (row.pgn != pgn.pgn || row.field != 1) continue;
         const std::uint16_t selector = low_half(row.key1);
         if (selector == no_selector) continue;
-        const Bytes beginning = begins_with_maker(selector) ? Bytes{own_header & 0xFF, own_header >> 8}
-                                                            : Bytes{static_cast<std::uint8_t>(selector)};
+        const Bytes beginning = selector == maker ? Bytes{own_header & 0xFF, own_header >> 8}
+                                                  : Bytes{static_cast<std::uint8_t>(selector)};
         begin_message(msg, beginning);
         MessageWalk walk(&pgn, msg);
         if (!walk.next() || low_half(walk.field().key1) != selector) continue;

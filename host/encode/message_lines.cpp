@@ -102,7 +102,7 @@ Result<std::string> candump_lines(const N2KMsg& msg, std::string_view time, unsi
         frames.put_fast(sequence);
     } else if (msg.length <= max_frame_bytes) {
         frames.put_single();
-    } else if (msg.destination == 255) {
+    } else if (msg.destination == everyone) {
         frames.put_broadcast();
     } else {
         return failure(
