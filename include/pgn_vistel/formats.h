@@ -2,6 +2,9 @@
 
 /// @file
 /// Data formats and dictionary entries as the exported interface has them: raw bits to values and back.
+///
+/// The types are for hosts that hand such records over or call what `QV_N2K_PGN_DB_c::DF_to_conv_DF` gives.
+/// The functions are the library's own: it does not export them, and `QV_N2K_PGN_DB_c` has what they do.
 
 #include <cstdint>
 #include <span>

@@ -111,7 +111,6 @@ void convert_position(int width, UnitId own_unit, double degrees, const RawField
     }
 }
 
-constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
 constexpr double degrees_per_count_64 = 1e-16;
 
 void convert_float_angle(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {

@@ -84,6 +84,9 @@ inline bool is_refused(std::int64_t number, int width, bool is_signed) {
                      : static_cast<std::uint64_t>(number) >= top - 2;
 }
 
+/// Of a position in 32 bits.
+constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
+
 /// The scale is a single precision constant, applied in double precision and rounded once.
 inline float scaled(std::int64_t number, float factor) {
     return static_cast<float>(static_cast<double>(number) * static_cast<double>(factor));

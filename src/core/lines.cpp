@@ -29,12 +29,13 @@ char* write_address(char* at, std::uint8_t address) {
 
 /// Seconds with two decimals, ten places wide.
 char* write_time_stamp(char* at, std::uint32_t hundredths) {
+    constexpr int places = 10;
     char* const start = at;
     at = write_unsigned(at, hundredths / 100);
     *at++ = '.';
     at = write_pair(at, hundredths % 100);
-    while (at - start < 10) *at++ = ' ';
-    return at;
+    std::memset(at, ' ', places);
+    return std::max(at, start + places);
 }
 
 /// Number and name of a PGN without a row.

@@ -106,12 +106,15 @@ inline char* write_hex_number(char* at, std::uint32_t number, int bytes) {
     return at;
 }
 
-/// Upper-case hexadecimal digits, `least` of them at the least.
-inline char* write_hex(char* at, std::uint64_t number, int least) {
+/// Upper-case hexadecimal digits, `least` of them at the least. Writes beyond its end.
+inline char* write_hex(char* at, std::uint32_t number, int least) {
+    for (; least > 8; --least) *at++ = '0';
     const int significant = (static_cast<int>(std::bit_width(number)) + 3) / 4;
-    for (int i = least > significant ? least : significant; i-- > 0;)
-        *at++ = detail::hex_pairs[2 * (number >> 4 * i & 15) + 1];
-    return at;
+    const int count = least > significant ? least : significant;
+    char digits[16];
+    write_hex_number(digits, number, 4);
+    std::memcpy(at, digits + 8 - count, 8);
+    return at + count;
 }
 
 /// A finite or infinite number with `precision` digits behind the point, exactly rounded (ties to even) as

@@ -111,26 +111,42 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
         return;
     }
     const std::int64_t number = widened(bits, format.width, format.is_signed != 0);
-    if (format.reading == Reading::integer) {
-        if (out.unit != unit::raw_count && out.unit != unit::plain_64)
-            read_slowly();
-        else if (number >= format.first_reserved)
-            store_none(out.value);
-        else
-            store_integer(out.value, integer_type(format.width, format.is_signed != 0),
-                          static_cast<std::int64_t>(static_cast<std::uint64_t>(number) & mask));
-        return;
+    const bool refused = number >= format.first_reserved;
+    switch (format.reading) {
+        case Reading::scaled: {
+            const float factor = unit_factors[static_cast<std::size_t>(format.rule)][out.unit];
+            if (factor == 0 && out.unit != unit::raw_count) break;
+            // The product of two single precision numbers is exact in double precision: rounded once, on
+            // storing.
+            if (refused)
+                store_none(out.value);
+            else if (factor == 0)
+                store_single(out.value, static_cast<double>(number));
+            else
+                store_single(out.value,
+                             static_cast<double>(scaled(number, format.scale)) * static_cast<double>(factor));
+            return;
+        }
+        case Reading::integer:
+            if (out.unit != unit::plain_65 && out.unit != unit::plain_64 && out.unit != unit::raw_count)
+                break;
+            if (refused)
+                store_none(out.value);
+            else
+                store_integer(out.value, integer_type(format.width, format.is_signed != 0),
+                              static_cast<std::int64_t>(static_cast<std::uint64_t>(number) & mask));
+            return;
+        case Reading::latitude_32:
+        case Reading::longitude_32:
+            if (out.unit != (format.reading == Reading::latitude_32 ? unit::deg_lat : unit::deg_long)) break;
+            if (refused)
+                store_none(out.value);
+            else
+                store_real(out.value, static_cast<double>(number) * degrees_per_count_32);
+            return;
+        default: break;
     }
-    const float factor = unit_factors[static_cast<std::size_t>(format.rule)][out.unit];
-    if (factor == 0) {
-        read_slowly();
-    } else if (number >= format.first_reserved) {
-        store_none(out.value);
-    } else {
-        // The product of two single precision numbers is exact in double precision: rounded once, on storing.
-        store_single(out.value,
-                     static_cast<double>(scaled(number, format.scale)) * static_cast<double>(factor));
-    }
+    read_slowly();
 }
 
 }  // namespace pgn_vistel::core

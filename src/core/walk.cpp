@@ -26,16 +26,17 @@ MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
     }
     const PgnPlan& plan = plan_of(*pgn);
     switch (plan.walk) {
-        case PgnWalk::plain: w.row = plan.first_row; break;
+        case PgnWalk::plain: w.upcoming = plan.first_row; break;
         case PgnWalk::group_function: {
             // Requests and commands have a fixed head; what follows depends on the PGN that they are about
             // and stays undecoded. The functions above acknowledge are not shown by field.
             constexpr int request = 0, command = 1, acknowledge = 2, first_pair = 6;
             const int code = length > 0 ? w.data[0] : -1;
             if (code >= request && code <= acknowledge)
-                w.row = first_row_keyed(pgn->pgn, static_cast<std::uint16_t>(code));
+                w.upcoming = first_row_keyed(pgn->pgn, static_cast<std::uint16_t>(code));
             if (code == request || code == command) w.limit = first_pair;
-            w.rest = w.row == end_row;
+            w.rest = w.upcoming == end_row;
+            w.is_picky = !w.rest;
             break;
         }
         case PgnWalk::proprietary:
@@ -47,7 +48,8 @@ MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
                 break;
             }
             w.filter = (w.data[0] | w.data[1] << 8) == own_header ? own : others;
-            w.row = plan.first_row;
+            w.upcoming = plan.first_row;
+            w.is_picky = true;
             break;
     }
 }

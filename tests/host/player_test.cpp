@@ -49,6 +49,8 @@ TEST(Player, HandsOverTheLatestOfEachStream) {
     EXPECT_EQ(counters.replaced, 1u);
     EXPECT_EQ(counters.problems, 1u);
     EXPECT_TRUE(played.shown().empty());
+    EXPECT_FALSE(played.latest.put(messages[0])) << "the one before was shown";
+    EXPECT_EQ(played.shown().size(), 1u);
 }
 
 TEST(Player, CountsWhatTooManyStreamsPushOut) {
@@ -76,8 +78,13 @@ TEST(Player, WaitsForWhatIsNotDueAndStandsStillWhilePaused) {
 }
 
 TEST(Player, LoopsUntilStopped) {
-    Played played("00:00:00.00,2,127250,7,255,8,01,10,27,ff,7f,ff,7f,fd\n", 0, true);
-    while (played.player.counters().messages < 3) played.player.advance(played.latest);
+    Played played(
+        "00:00:00.00,2,127250,7,255,8,01,10,27,ff,7f,ff,7f,fd\n"
+        "00:00:00.05,2,127250,7,255,8,02,10,27,ff,7f,ff,7f,fd\n",
+        1, true);
+    const auto start = std::chrono::steady_clock::now();
+    while (played.player.counters().messages < 6) played.player.advance(played.latest);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(150)) << "at the same pace";
     EXPECT_FALSE(played.player.ended());
     Played nothing("", 0, true);
     nothing.play();  // or it would open the file for ever

@@ -43,6 +43,7 @@ TEST(Window, SaysWhatIsNotShown) {
     EXPECT_TRUE(of_many.Contains(" dropped because of too many streams")) << of_many;
     EXPECT_TRUE(window.open(few.name(), error)) << error;
     EXPECT_EQ(final_status(), "2 messages" + seen + " - end") << "of this recording alone";
+    EXPECT_EQ(blocks_of(*children_of<wxTreeCtrl>(*frame).at(0)).size(), 2u);
     frame->Close();
     EXPECT_TRUE(eventually([] { return wxTopLevelWindows.empty(); }));
 }

@@ -57,7 +57,6 @@ TEST(FocusWatcher, ReportsByIndexOrElseByIdWhereAsked) {
             wxWindow* clicked;  // null: Enter is pressed
             Reports by_index, by_id;
         } steps[] = {{first, {"set 0"}, {"set id 501"}},
-                     {first, {}, {}},  // it has the focus
                      {nullptr, {"enter 0 7"}, {"enter id 501 7"}},
                      {second, {"kill 0 7", "set 1"}, {"kill id 501 7"}},
                      {nullptr, {"enter 1 two"}, {}},
@@ -72,6 +71,8 @@ TEST(FocusWatcher, ReportsByIndexOrElseByIdWhereAsked) {
             step.clicked != nullptr ? click(*step.clicked) : press(WXK_RETURN);
             EXPECT_TRUE(
                 eventually([&] { return step.clicked == nullptr || wxWindow::FindFocus() == step.clicked; }));
+            wxChildFocusEvent again(step.clicked);  // as the toolkit may tell it twice
+            frame.ProcessWindowEvent(again);
             EXPECT_EQ(reports, by_index ? step.by_index : step.by_id);
         }
         reports.clear();

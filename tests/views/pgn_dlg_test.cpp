@@ -153,10 +153,10 @@ TEST_F(MonitorDialog, FiltersBySource) {
     click(*parts_.tree);
     EXPECT_FALSE(shows(5)) << "leaving by the mouse";
 
-    PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 1, "");
     PGN_VistelDlg_c::s_OnTextSetfocus(dialog_.get(), 0);
-    EXPECT_FALSE(shows(5));
     parts_.filter->ChangeValue("9");
+    PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 1, "9");
+    EXPECT_FALSE(shows(9)) << "of another field";
     PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 0, "A");
     EXPECT_TRUE(shows(9)) << "the field's text counts";
     EXPECT_FALSE(shows(10));

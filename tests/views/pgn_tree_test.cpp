@@ -193,6 +193,10 @@ TEST(TreeForm, Toolkit) {
     ASSERT_EQ(blocks.size(), 1u);
     EXPECT_FALSE(blocks[0].expanded);
     EXPECT_EQ(blocks[0].lines, lines_of(msg)) << "with hexadecimal forms";
+    tree.ExpandAll();
+    control.Collapse(wxTreeItemId(const_cast<void*>(blocks[0].item)));
+    tree.PutMsg(&msg);
+    EXPECT_FALSE(blocks_of(control)[0].expanded) << "what the user collapses stays so";
 }
 
 TEST(TreeForm, UnitsAreTheDatabases) {

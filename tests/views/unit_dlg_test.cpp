@@ -159,6 +159,7 @@ TEST_F(UnitDialog, EveryWayOfCreation) {
     PGN_VistelUnitDlg_c nowhere(HWND{}, &db_, 0), native(host.handle(), &db_, 0);
     EXPECT_EQ(nowhere.GetHandle(), nullptr);
     EXPECT_NE(native.GetParent(), nullptr);
+    EXPECT_TRUE(host.owns(native));
     bring_up(native);
     for (const wxWindow* const each : {static_cast<wxWindow*>(&later), static_cast<wxWindow*>(&native)})
         EXPECT_EQ(children_of<wxComboBox>(*each).size(), 22u);

@@ -264,7 +264,7 @@ def is_quick(row):
     """Whether reading takes nothing but number, reserved codes, resolution and factor."""
     kind, name = row.rule
     if kind == "special":
-        return name == "convert_bit_field"
+        return name in ("convert_bit_field", "convert_latitude_32", "convert_longitude_32")
     return int(row.kind[1:]) < 64
 
 

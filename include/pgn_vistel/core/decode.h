@@ -121,14 +121,16 @@ class MessageWalk {
     /// Positions are counted in bits here.
     struct State {
         const std::uint8_t* data = nullptr;
-        int end = 0;                 // of the message
-        std::uint16_t row = 0xFFFF;  // the one to look at next, or the one handed out
-        bool fresh = true;           // no field has been handed out yet
-        bool rest = false;           // the walk ended before the payload was covered
-        std::uint8_t filter = 0;     // of a proprietary message: which of a row's verdicts counts
-        int limit = 2048;            // field number that ends the walk
+        int end = 0;                      // of the message
+        int position = 0;                 // of the reader
+        std::uint16_t row = 0xFFFF;       // the one handed out
+        std::uint16_t upcoming = 0xFFFF;  // the one to look at next
+        bool rest = false;                // the walk ended before the payload was covered
+        bool may_stand_still = false;     // the row handed out may take no byte, or ends a round
+        bool is_picky = false;            // rows are judged: `filter` or `limit` say something
+        std::uint8_t filter = 0;          // of a proprietary message: which of a row's verdicts counts
+        int limit = 2048;                 // field number that ends the walk
         int round = 1;
-        int position = 0;
         int started = 0;        // where the handed-out field began
         int group_started = 0;  // where the group's latest round began
     };

@@ -1,0 +1,297 @@
+#include <cmath>
+
+#include "contract/records.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+using Db = QV_N2K_PGN_DB_c;
+using HostEntry = pgn_vistel::DDDef;
+
+// ---- labels and values ----
+
+std::wstring name(int dd, const wchar_t* label, int repeat, int size = 256) {
+    return printed([&](wchar_t* b, int n) { return Db::print_field_name(b, n, dd, label, repeat, 0, 0); },
+                   size);
+}
+
+TEST(Fields, Names) {
+    EXPECT_EQ(name(7, L"First PGN supported", 0), L"First PGN supported: ");
+    EXPECT_EQ(name(7, L"First PGN supported", 3), L"PGN supported #3: ");
+    EXPECT_EQ(name(7, L"The First one", 1), L"rst one #1: ") << "six characters go from the start";
+    EXPECT_EQ(name(7, L"First", 2), L" #2: ");
+    EXPECT_EQ(name(7, L"Value of first parameter", 2), L"Value of first parameter: ");
+    EXPECT_EQ(name(144, L"First whatever", 2), L"Group Function Code: ");
+    EXPECT_EQ(name(7, nullptr, 1), L": ");
+    for (const int size : {0, 1, 4})
+        EXPECT_EQ(name(7, L"Label", 0, size), std::wstring(L"Lab").substr(0, size > 1 ? 3 : 0));
+}
+
+using namespace core::unit;
+
+const ConvValue none = whole(CV_NOT_AVAILABLE, 0x7FFFFFFF);
+const std::uint8_t raw_field[] = {5, 1, 'A', 'B', 'C', 0};
+const auto as_pointer = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(raw_field));
+
+TEST(Fields, Values) {
+    constexpr unsigned long no_hexadecimal = 2;
+    const struct Shown {
+        int dd, quantity;
+        ConvValue value;
+        UnitId unit;
+        const wchar_t* expected;
+        unsigned long flags = 0;
+        int field = 2;
+        // clang-format off
+    } cases[] = {
+        {9, 28, whole(CV_U64, 59904), -1, L" 59904 (ISO Request)"}, {9, 28, whole(CV_U32, 1), -1, L"     1 (Unknown)"},
+        {7, 28, whole(CV_U16, 2100), -1, L"2.100", 0, 1}, {7, 28, whole(CV_U16, 2100), -1, L"2100 (0x0834) "},
+        // enumerations: the number, the entry below, reserved, unknown, flags
+        {2, 65, whole(CV_U64, 2), -1, L"Error"}, {2, 65, whole(CV_U64, 7), -1, L"7 (0x07) "}, {2, 65, none, -1, L"- "},
+        {176, 28, whole(CV_I8, -1), -1, L"Global address"}, {177, 65, whole(CV_U64, 200), -1, L"Reserved"},
+        {10052, 50, whole(CV_U64, 4), -1, L"Second Stage Alarm"}, {10052, 50, whole(CV_U64, 5), -1, L"Third Stage Alarm"},
+        {37, 65, whole(CV_U64, 9), -1, L"Reserved"}, {37, 65, none, -1, L"Reserved"}, {172, 65, whole(CV_U16, 77), -1, L"Unknown"},
+        {10058, 27, whole(CV_U16, 105), -1, L"DF105 (Temperature)"}, {10058, 27, whole(CV_U16, 2), -1, L"Unknown"},
+        {10023, 50, whole(CV_U64, 0x1001), -1, L"RAM Region 0, Incompatible HW-SW Version"}, {10023, 50, whole(CV_U64, 0), -1, L""},
+        // time of day
+        {0, 21, single(47109), clock_12, L" 1:05:09 PM "}, {0, 21, single(47109), clock_24, L"13:05:09 "},
+        {0, 21, single(0), clock_12, L"12:00:00 AM "}, {0, 21, whole(CV_U32, 3661), clock_24, L" 1:01:01 "},
+        {0, 21, single(1080000), clock_24, L"44:00:00 "}, {0, 21, single(47109), seconds, L"47109 Sec"},
+        {0, 21, wide(L"text"), clock_24, L"text "}, {0, 21, single(NAN), clock_24, L"- "}, {0, 21, whole(CV_U32, -1), clock_12, L"- "},
+        // durations; the remainder of minutes is taken from an unsigned product
+        {0, 22, single(1.5f), -1, L"1.500000 Hr"}, {0, 22, single(90), minutes, L"1:30.000000 Min"},
+        {0, 22, single(-90), minutes, L"-1:-4294967326.000000 Min"}, {0, 22, whole(CV_TIME_OF_DAY, 3600), seconds, L"3600.000000 Sec"},
+        {0, 22, none, -1, L"- Hr"}, {0, 22, single(5), clock_24, L"5.0000 "}, {0, 22, narrow("text"), -1, L"text Hr"},
+        {0, 22, real(1.5), -1, L"1.500000 Hr"}, {0, 22, whole(CV_I64, -2), -1, L"-2.000000 Hr"},
+        {0, 22, whole(CV_U64, 1ll << 40), -1, L"1099511627776.000000 Hr"}, {0, 22, whole(CV_WCHAR, -2), -1, L"-2.000000 Hr"},
+        {0, 22, whole(CV_CHAR, -2), -1, L"-2.000000 Hr"}, {0, 22, whole(-5, -2), -1, L"-2.000000 Hr"},
+        // dates
+        {0, 23, whole(CV_U16, 19000), -1, L"01-08-2022 MMDDYYYY"}, {0, 23, whole(CV_U16, 19000), hours, L"19000 (0x4A38) Hr"},
+        {0, 23, whole(CV_U32, 0x10000 + 19000), date_md, L"01/08 MM/DD"}, {0, 23, whole(CV_U16, 0xFFFE), -1, L"- MMDDYYYY"},
+        // raw hexadecimal
+        {0, 50, single(1), -1, L"0x3F800000 "}, {0, 50, single(1, CV_FLOAT_PLAIN), -1, L" "}, {0, 50, real(0.1), -1, L"0x000000009999999A "},
+        {0, 50, whole(CV_I8, -2), -1, L"0xFFFFFFFE "}, {0, 50, whole(CV_U16, 10), -1, L"0x000A "}, {0, 50, whole(CV_I16, -1), -1, L"0xFFFFFFFF "},
+        {0, 50, whole(CV_U64, 0x1122334455667788), -1, L"0x0000000055667788 "}, {0, 50, whole(CV_I64, 255), -1, L"0x              FF "},
+        {0, 50, whole(CV_TIME_OF_DAY, 5), -1, L" "}, {0, 50, whole(CV_CHAR, 'x'), -1, L" "}, {0, 50, narrow("caf\xE9 \x81"), -1, L"caf\x00E9 \x03A9 "},
+        {0, 50, wide(L"abc", CV_TEXT_WIDE), -1, L"abc "}, {0, 50, whole(CV_RAW_FIELD, as_pointer), -1, L"05 01 41 42 43  "},
+        {0, 50, whole(18, 0), -1, L" "}, {0, 50, none, -1, L" "},
+        // any other
+        {0, 0, single(1.5f), m, L"1.5000 m"}, {0, 0, none, 140, L"- ft"}, {0, 0, whole(CV_U8, 10), 1000, L"10 (0x0A) ft"},
+        {0, 0, whole(CV_U8, 10), -5, L"10 ft", no_hexadecimal}, {0, 65, whole(CV_I64, -63), -1, L"-63 "},
+        {0, 0, single(-INFINITY), -1, L" -inf ft"}, {0, 0, real(-INFINITY), -1, L"    -inf ft"}, {0, 0, narrow("\x80"), -1, L"\x0080 ft"},
+        {0, 0, whole(CV_CHAR, 0x81), -1, L"\x03A9 ft"}, {0, 0, single(2.5f, CV_FLOAT_PLAIN), -1, L"2.5000 ft"},
+        {0, 0, whole(18, 1), -1, L"<Unknown data format> ft"}, {0, 0, whole(25, 1), -1, L"- ft"}, {0, 0, whole(-1, 1), -1, L"<Unknown data format> ft"},
+        {0, 33, whole(CV_U8, 1), -1, L"1 (0x01) "}, {0, -1, whole(CV_U8, 1), -1, L"1 (0x01) "}, {0, INT32_MAX, whole(CV_U8, 1), m, L"1 (0x01) m"},
+        // clang-format on
+    };
+    for (const Shown& s : cases) {
+        SCOPED_TRACE(testing::Message()
+                     << "dd " << s.dd << " quantity " << s.quantity << " type " << s.value.type);
+        const auto data = [&s](int with_unit) {
+            ConvValue v = s.value;
+            return printed([&](wchar_t* b, int n) {
+                return qv_n2k_pgn_db.print_field_data(b, n, s.dd, s.quantity, &v, s.unit, with_unit, s.flags,
+                                                      126996, s.field);
+            });
+        };
+        EXPECT_EQ(data(1), s.expected);
+        EXPECT_TRUE((s.expected + std::wstring(1, L' ')).starts_with(data(0) + L' '))
+            << "the unit comes last";
+    }
+    for (const int with_unit : {0, 1})
+        EXPECT_EQ(printed([&](wchar_t* b, int n) {
+                      return qv_n2k_pgn_db.print_field_data(b, n, 9, 0, nullptr, -1, with_unit, 0, 0, 1);
+                  }),
+                  with_unit ? L" ft" : L"")
+            << "no value: the unit alone";
+}
+
+TEST(Fields, UndecodedBytes) {
+    const Bytes bytes(1000, 0x5A);
+    const auto dump = [](const std::uint8_t* from, int length, int with_label, int size = 4000) {
+        int label = -1;
+        const std::wstring text = printed(
+            [&](wchar_t* b, int n) {
+                return Db::print_field_data_unknown(b, n, from, length, with_label, &label);
+            },
+            size);
+        EXPECT_EQ(label, with_label != 0 ? std::clamp(size - 1, 0, 5) : 0);
+        return text;
+    };
+    EXPECT_EQ(dump(bytes.data(), 2, 1), L"Data: 5A 5A");
+    EXPECT_EQ(dump(bytes.data(), 2, 0), L" 5A 5A");
+    EXPECT_EQ(dump(bytes.data(), -1, 1), L"Data:");
+    EXPECT_EQ(dump(nullptr, 5, 1), L"Data:");
+    for (const std::size_t size : {1, 4, 6, 8, 9, 1024})
+        EXPECT_EQ(dump(bytes.data(), 1000, 1, static_cast<int>(size)),
+                  dump(bytes.data(), 1000, 1).substr(0, size - 1));
+}
+
+// ---- fields of a message ----
+
+const HostEntry* entry(std::uint32_t dd) {
+    for (const HostEntry& row : all_dictionary_rows())
+        if (row.dd == dd) return &row;
+    return nullptr;
+}
+
+struct Read {
+    ConvValue value{CV_NOT_AVAILABLE, {}};
+    std::wstring text;
+    PayloadPosition next;
+};
+
+Read read(N2KMsg msg, const HostEntry* dd, int bytes, int bits, PayloadPosition at, UnitId unit = raw_count,
+          bool own_record = true, int field = 1) {
+    Read r;
+    r.value.value.u64 = Value::no_number;
+    r.next = at;
+    r.text = printed([&](wchar_t* buf, int size) {
+        return qv_n2k_pgn_db.get_field_str(buf, size, &msg, field, const_cast<HostEntry*>(dd), L"L", bytes,
+                                           bits, &r.next.byte, &r.next.bit, nullptr, 0, 1, 2, nullptr,
+                                           own_record ? &r.value : nullptr, unit);
+    });
+    return r;
+}
+
+const HostEntry *const number = entry(7), *const latitude = entry(202), *const text = entry(198);
+
+TEST(Fields, OfAMessage) {
+    N2KMsg msg = message(127250, {1, 2, 3, 4, 5, 6, 7, 8});
+    EXPECT_EQ(read(msg, number, 0, 0, {6, 0}).value.value.u16, 0x0807);
+    EXPECT_EQ(read(msg, number, 0, 0, {6, 0}).next, (PayloadPosition{8, 0}));
+    EXPECT_EQ(read(msg, entry(142), 0, 11, {0, 3}).text, L"L: 64 ") << "0x201 >> 3";
+    EXPECT_EQ(read(msg, entry(142), 0, 11, {0, 3}).next, (PayloadPosition{1, 6}));
+    EXPECT_EQ(read(msg, number, 0, 0, {7, 0}).text, L"L: - ") << "one byte is there";
+    EXPECT_EQ(read(msg, latitude, 0, 0, {1, 0}, deg_lat).text, L"L: - \x00B0 Lat");
+    EXPECT_EQ(read(msg, number, 2, 0, {3, 5}).text, L"L: 0 ") << "whole bytes that begin inside one";
+    EXPECT_EQ(read(msg, number, 2, 0, {6, 4}).text, L"L: - ");
+    EXPECT_EQ(read(msg, entry(142), 3, 8, {7, 0}).text, L"L: 8 ")
+        << "of both sizes the bits say where it ends";
+    msg.length = 400;
+    EXPECT_EQ(read(msg, number, 32, 0, {0, 0}).value.value.u16, 0) << "256 bits keep none";
+    // In kilograms only the caller's own record has a value to show.
+    msg = message(127250, {1, 0, 0, 0});
+    EXPECT_EQ(read(msg, entry(313), 0, 0, {0, 0}, kg, false).text, L"L: - kg");
+    EXPECT_EQ(read(msg, entry(313), 0, 0, {0, 0}, gram, false).text, L"L: 10000000 g");
+    // Texts show what is there.
+    msg = message(127250, {20, 1, 'a', 'b', 'c'});
+    std::memset(msg.data + 5, 'X', 100);
+    EXPECT_EQ(read(msg, entry(4), 0, 0, {0, 0}).text, L"L: abc ");
+    EXPECT_EQ(read(msg, entry(4), 0, 0, {0, 0}).next.byte, 20);
+    EXPECT_EQ(read(msg, entry(192), 8, 0, {2, 0}).text, L"L: abc ");
+    EXPECT_EQ(read(msg, entry(10053), 256, 0, {2, 0}).text, L"L: 61 62 63 ");
+    clear_text_areas();
+    EXPECT_EQ(read(message(127250, {0xFF, 0xFF}), text, 0, 0, {1, 0}).text, L"L:  ") << "half a length";
+}
+
+TEST(Fields, QuantityAndUnitOfAMessage) {
+    // 1013250 of 0.1 Pa: air is shown in inches of mercury, anything else in pounds per square inch.
+    for (const auto& [pgn, source, unit] :
+         {std::tuple{130314u, 0, L"inHg"}, {130314u, 1, L"PSI"}, {130311u, 1, L"inHg"}}) {
+        const N2KMsg msg =
+            message(pgn, {1, 0, static_cast<std::uint8_t>(source), 0x02, 0x76, 0x0F, 0x00, 0xFF});
+        EXPECT_TRUE(read(msg, entry(290), 0, 0, {3, 0}, -1).text.ends_with(unit)) << pgn << unit;
+    }
+    // A pressure that the payload tells is one of the PGN's, too.
+    const HostEntry inside{dd::format_then_value, "", number->format, 0, 0};
+    EXPECT_EQ(read(message(130311, {29, 0}), &inside, 0, 0, {0, 0}, -1).text, L"L: - inHg");
+    // A value behind its format, whatever entry it has.
+    const HostEntry behind{192, "", entry(dd::value_behind_format)->format, 0, 0};
+    EXPECT_EQ(read(message(127250, {36, 0, 0xF4, 0x01}), &behind, 0, 0, {2, 0}, kph).text, L"L: 1.8000 kph");
+    EXPECT_EQ(read(message(127250, {36, 0, 0xF4, 0x01}), &behind, 0, 0, {2, 0}, kph).next.byte, 4);
+
+    for (const std::uint32_t pgn : {130314u, 130315u}) {
+        N2KMsg msg = message(pgn, {1, 0, 1});
+        unsigned char source = 99;
+        wchar_t buf[100];
+        qv_n2k_pgn_db.get_field_str(buf, 100, &msg, 3, const_cast<HostEntry*>(entry(289)), L"S", 1, 0,
+                                    nullptr, nullptr, &source, 0, 1, 0, nullptr, nullptr, -1);
+        EXPECT_EQ(source, pgn == 130314 ? 1 : 99);
+    }
+}
+
+TEST(Fields, AConversionOfTheHost) {
+    const pgn_vistel::DFDef own{61234, "own",
+                                [](ConvValue* out, const void* raw, UnitId u, int* count) {
+                                    const auto* const at = static_cast<const std::uint8_t*>(raw);
+                                    *out = whole(CV_TIME_OF_DAY, at[0] | at[1] << 8 | u << 16 | *count << 24);
+                                    if (*count == 0) *count = 2;
+                                },
+                                nullptr};
+    const HostEntry dd{7, "", &own, 0, 0};
+    const N2KMsg msg = message(127250, {1, 2, 3, 4});
+    EXPECT_EQ(read(msg, &dd, 0, 0, {1, 0}, kph).value.value.u32, 0x00090302u);
+    EXPECT_EQ(read(msg, &dd, 0, 0, {1, 0}, kph).next.byte, 3);
+    EXPECT_EQ(read(msg, &dd, 4, 0, {0, 0}, kph).value.value.u32, 0x04090201u);
+    EXPECT_EQ(read(msg, &dd, 1, 0, {3, 0}, kph).value.value.u32, 0x01090004u)
+        << "behind the message there are zeros";
+    EXPECT_EQ(read(msg, &dd, 0, 0, {3, 0}, kph).text, L"L: - kph");
+}
+
+TEST(Fields, NotDecodable) {
+    const HostEntry no_format{7, "", nullptr, 0, 0};
+    const pgn_vistel::DFDef dead{9999, "DF9999", nullptr, nullptr};
+    const HostEntry no_conversion{7, "", &dead, 0, 0};
+    const N2KMsg msg = message(127250, {1, 0xAB, 0xFF});
+    const PayloadPosition inside{1, 3};
+    std::vector<Read> reads = {read(msg, nullptr, 1, 0, inside), read(msg, &no_format, 1, 0, inside),
+                               read(msg, &no_conversion, 1, 0, inside),
+                               read(msg, number, 1, 0, inside, -1, true, 0)};
+    for (const std::uint32_t pgn : {0u, 0xFFFFFFFFu})
+        reads.push_back(read(message(pgn, {1, 0xAB, 0xFF}), number, 1, 0, inside));
+    for (const int byte : {-1, 1786, INT32_MAX, INT32_MIN})
+        reads.push_back(read(msg, number, 1, 0, {byte, 0}));
+    for (const Read& r : reads) {
+        EXPECT_EQ(r.text, L"Data: 01 AB FF");
+        EXPECT_EQ(r.next, (PayloadPosition{3, 0}));
+    }
+    N2KMsg overlong = message(0, {});
+    overlong.length = 65535;
+    EXPECT_EQ(read(overlong, number, 1, 0, {0, 0}).next.byte, 1785);
+}
+
+TEST(Fields, LabelAndValueApart) {
+    N2KMsg msg = message(127250, {5});
+    wchar_t label[1024], value[1024];
+    for (const auto& [field, label_text, value_text] :
+         {std::tuple{1, L"Count: ", L"5"}, {0, L"Data:", L" 05"}}) {
+        EXPECT_EQ(
+            qv_n2k_pgn_db.get_field_str(label, value, &msg, field, const_cast<HostEntry*>(entry(6)), L"Count",
+                                        0, 0, nullptr, nullptr, nullptr, 0, 0, 2, nullptr, -1),
+            8);
+        EXPECT_STREQ(label, label_text);
+        EXPECT_STREQ(value, value_text);
+    }
+}
+
+TEST(Fields, Lookups) {
+    int bytes = 0, bits = 0;
+    Db::get_bytes_bits(126996, const_cast<HostEntry*>(entry(7)), &bytes, &bits);
+    EXPECT_EQ(bytes, 32);
+    Db::get_bytes_bits(127250, const_cast<HostEntry*>(entry(9)), &(bytes = 0), &bits);
+    EXPECT_EQ(bits, 24);
+    Db::get_bytes_bits(126996, nullptr, nullptr, nullptr);
+    const std::uint8_t raw[] = {105, 0, 36, 0};
+    EXPECT_EQ(Db::get_DispDataTypeX(10059, raw + 2), quantity::temperature);
+    EXPECT_EQ(Db::get_DispDataType(22), quantity::latitude);
+    EXPECT_EQ(qv_n2k_pgn_db.get_field_id(60928, 2, 5), 2);
+    EXPECT_EQ(Db::find_DDstrings(2), find_enumeration(2));
+    EXPECT_EQ(Db::find_DDstrings(0xFFFFFFFF), nullptr);
+    for (int size = 1; size <= 14; ++size) {
+        const auto expected = static_cast<std::size_t>(std::min(size - 1, 11));
+        EXPECT_EQ(printed([](wchar_t* b, int n) { return Db::print_pgn_name(b, n, 59904); }, size),
+                  std::wstring(L"ISO Request").substr(0, expected));
+        char narrow[16] = "???????????????";
+        EXPECT_EQ(Db::print_pgn_name(narrow, size, 59904), static_cast<int>(expected));
+        EXPECT_EQ(narrow, std::string("ISO Request").substr(0, expected));
+        EXPECT_EQ(narrow[expected + 1], '?');
+    }
+    wchar_t buf[16];
+    EXPECT_EQ(Db::print_pgn_name(buf, 0, 59904), -1);
+    EXPECT_EQ(Db::print_pgn_name(buf, 16, 25), -1);
+    EXPECT_EQ(Db::print_pgn_name(static_cast<char*>(nullptr), 16, 59904), -1);
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

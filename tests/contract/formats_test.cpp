@@ -1,0 +1,107 @@
+#include "pgn_vistel/formats.h"
+
+#include <bit>
+
+#include "contract/records.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+using namespace core::unit;
+using Db = QV_N2K_PGN_DB_c;
+
+TEST(Formats, ConversionByNumber) {
+    for (const DF df : {0, 24, 37, 117, 2436, 2444, 3000, 3002, 60001, 60029, 60031, 60044})
+        EXPECT_NE(find_conversion(df), nullptr) << df;
+    for (const DF df : {118, 2435, 2445, 3003, 60000, 60030, 60045, 65535})
+        EXPECT_EQ(find_conversion(df), nullptr) << df;
+    EXPECT_EQ(Db::DF_to_conv_DF(105), reinterpret_cast<void*>(find_conversion(105)));
+    for (const DFDef& format : all_format_rows())
+        EXPECT_EQ(format.conv, find_conversion(static_cast<DF>(format.df)));
+    EXPECT_STREQ(all_format_rows()[9].name, "DF09");
+    EXPECT_STREQ(all_format_rows().back().name, "DF60044");
+    EXPECT_EQ(Db::DF_to_DispDataType(105), quantity::temperature);
+    EXPECT_EQ(Db::DispDataType_to_DF(quantity::temperature), 38);
+    EXPECT_EQ(Db::DispDataType_to_DF(65), 65535);
+}
+
+TEST(Formats, ConversionOfOneField) {
+    const std::uint8_t raw[16] = {10, 0};
+    const struct {
+        DF df;
+        UnitId unit;
+        int expected;
+        // clang-format off
+    } cases[] = {
+        {54, plain_65, 2}, {54, 139, -1}, {9, 139, -1}, {69, 139, 2}, {69, 140, -1}, {54, -1, -1}, {6, -1, 4}, {52, 0, INT32_MAX},
+        {24, raw_count, -1}, {37, raw_bits, -1}, {118, 0, -2}, {2445, 0, -2}, {60030, 0, -2}, {50, m, 10}, {51, m, 10},
+        // clang-format on
+    };
+    ConvValue out{CV_NOT_AVAILABLE, {}};
+    for (const auto& [df, unit, expected] : cases)
+        EXPECT_EQ(Db::conv_DF(df, &out, raw, unit), expected) << df << " in unit " << unit;
+    EXPECT_EQ(Db::conv_DF(118, nullptr, raw, 0), -1);
+    EXPECT_EQ(Db::conv_DF(118, &out, nullptr, 0), -1);
+}
+
+TEST(Formats, Records) {
+    const struct {
+        DF df;
+        std::uint64_t bits;
+        UnitId unit;
+        int type;
+        std::uint64_t value;
+        int count;
+        // clang-format off
+    } cases[] = {
+        {57, 0x80, raw_bits, CV_I8, ~std::uint64_t{0x7F}, 1}, {54, 0xFFFF, plain_65, CV_NOT_AVAILABLE, 0x7FFFFFFF, 2},
+        {105, 0xFFFFFE, raw_bits, CV_U32, 0xFFFFFE, 3}, {114, 0xFFFFFE, raw_bits, CV_I32, ~std::uint64_t{1}, 3},
+        {67, 3600, seconds, CV_TIME_OF_DAY, 3600, 4}, {52, ~0ull, m, CV_U64, ~0ull, untouched}, {60010, 0xAB, m, CV_U8, 0xB, untouched},
+        // a double where the unit is wrong, and a double that is tagged as a single
+        {23, 1, V, CV_NOT_AVAILABLE, 0x7FFFFFFFFFFFFFFF, 4}, {62, 0x3FB999999999999A, m, CV_FLOAT, 0x3FB999999999999A, 8},
+        // kilograms leave the number as it was
+        {104, 1, kg, CV_FLOAT, 0x7FFFFFFF, 4}, {60007, 0x0023, kph, CV_NOT_AVAILABLE, 0x7FFFFFFF, untouched},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const Converted got = convert_bits(c.df, c.bits, c.unit);
+        EXPECT_EQ(got.value.type, c.type) << c.df;
+        EXPECT_EQ(got.value.value.u64, c.value) << c.df;
+        EXPECT_EQ(got.count, c.count) << c.df;
+    }
+    const std::uint8_t raw[32] = {2, 1};
+    for (const DFDef& format : all_format_rows()) {
+        ConvValue out{-1, {}};
+        format.conv(&out, raw + 2, raw_bits, nullptr);
+        EXPECT_NE(out.type, -1) << format.df << ": the count may be missing";
+    }
+}
+
+TEST(Formats, TextsHoldUntilTheNextOfTheirFormat) {
+    const std::uint8_t short_text[] = {5, 1, 'A', 0x80, 'c'}, medium[] = {5, 0, 1, 'o', 'k'},
+                       fixed[] = {'f', 0xE9, 0xFF};
+    const ConvValue texts[] = {
+        convert(50, short_text, V).value,        convert(51, medium, V).value,
+        convert(63, fixed, V, 3).value,          convert(3002, fixed, V, 2).value,
+        convert_bits(41, 19000, date_ymd).value, convert_bits(40, 3725000, clock_24).value};
+    EXPECT_EQ(std::wstring(texts[0].value.wide),
+              L"A\x20AC"
+              L"c");
+    EXPECT_STREQ(texts[1].value.wide, L"ok");
+    EXPECT_STREQ(texts[2].value.narrow, "f\xE9");
+    EXPECT_STREQ(texts[3].value.narrow, "66 E9");
+    EXPECT_STREQ(texts[4].value.wide, L"2022-01-08");
+    EXPECT_STREQ(texts[5].value.wide, L"01:02:05");
+    for (const int i : {0, 1, 4, 5}) EXPECT_EQ(texts[i].type, CV_TEXT);
+    for (const int i : {2, 3}) EXPECT_EQ(texts[i].type, CV_TEXT_NARROW);
+    const std::uint8_t refused[] = {5, 9, 'X', 'Y', 'Z'};
+    EXPECT_STREQ(convert(50, refused, V).value.value.wide, texts[0].value.wide) << "the previous text";
+    EXPECT_EQ(convert(50, refused, V).count, 5);
+    EXPECT_EQ(convert(63, fixed, V, 0).value.value.narrow[0], 0);
+    const Bytes longest(2000, 'z');
+    EXPECT_EQ(std::string(convert(63, longest.data(), V, 5000).value.value.narrow), std::string(1785, 'z'));
+    EXPECT_EQ(std::string(convert(3002, longest.data(), V, 256).value.value.narrow).size(), 84u * 3 - 1);
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

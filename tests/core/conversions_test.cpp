@@ -1,0 +1,310 @@
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <numbers>
+
+#include "core/convert.h"
+#include "core/tables.h"
+#include "core/value_text.h"
+#include "support/testing.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+using namespace unit;
+
+TextScratch scratch;
+
+std::vector<FormatPlan> all_plans() {
+    std::vector<FormatPlan> plans;
+    for (std::uint32_t df = 0; df < 65536; ++df)
+        if (const FormatPlan* const plan = find_format_plan(static_cast<DF>(df))) plans.push_back(*plan);
+    return plans;
+}
+
+struct Converted {
+    Value value;
+    int taken;
+};
+
+Converted convert_bits(DF df, std::uint64_t bits, UnitId u, int bytes = 0, std::uint16_t before = 0) {
+    Converted c;
+    c.taken = convert(*find_format_plan(df), {bits, before, bytes}, u, scratch, c.value);
+    return c;
+}
+
+double number_in(const Value& v) {
+    switch (v.type) {
+        case ValueType::single: return v.number.f32;
+        case ValueType::real: return v.number.f64;
+        case ValueType::u64: return static_cast<double>(v.number.u64);
+        default: return static_cast<double>(integer_of(v));
+    }
+}
+
+std::uint64_t top_code(const FormatPlan& plan) {
+    return ~std::uint64_t{0} >> (64 - plan.width + plan.is_signed);
+}
+
+TEST(Conversions, NumbersAndIdentifiersOfEveryWidth) {
+    int scaled_ones = 0, identifiers = 0;
+    for (const FormatPlan& plan : all_plans()) {
+        const bool scales = plan.reading == Reading::scaled;
+        if (!scales && plan.reading != Reading::integer) continue;
+        ++(scales ? scaled_ones : identifiers);
+        SCOPED_TRACE(plan.df);
+        const ValueType raw_type = integer_type(plan.width, plan.is_signed != 0);
+        const std::uint64_t top = top_code(plan);
+        for (const std::uint64_t refused : {top, top - 1, top - 2}) {
+            EXPECT_EQ(convert_bits(plan.df, refused, raw_count).value.type, ValueType::none);
+            EXPECT_EQ(convert_bits(plan.df, refused, plain_65).value.type, ValueType::none);
+            EXPECT_EQ(convert_bits(plan.df, refused, raw_bits).value.type, raw_type);
+            EXPECT_EQ(convert_bits(plan.df, refused, raw_bits).value.number.u64 & top, refused);
+        }
+        for (const std::uint64_t accepted : {std::uint64_t{0}, top - 3, top + 1}) {
+            if (accepted == top + 1 && plan.is_signed == 0) continue;
+            // top + 1 is the most negative number
+            const auto number = static_cast<std::int64_t>(accepted == top + 1 ? ~top : accepted);
+            const Converted count = convert_bits(plan.df, accepted, raw_count);
+            EXPECT_EQ(count.taken, plan.width / 8);
+            EXPECT_EQ(count.value.type, scales ? ValueType::single : raw_type);
+            const double expected =
+                plan.is_signed != 0 ? static_cast<double>(number) : static_cast<double>(accepted);
+            EXPECT_EQ(number_in(count.value), scales ? static_cast<float>(expected) : expected);
+            EXPECT_EQ(convert_bits(plan.df, accepted, raw_bits).value.number.i64, number);
+        }
+    }
+    EXPECT_GT(scaled_ones, 100);
+    EXPECT_EQ(identifiers, 8);
+}
+
+// What a unit is in the coherent unit of its dimension, from the definitions of the units.
+// clang-format off
+constexpr double pi = std::numbers::pi;
+const std::map<UnitId, double> si = {
+    {m, 1}, {ft, 0.3048}, {ftm, 1.8288}, {nm, 1852}, {stm, 1609.344}, {km, 1000}, {cm, 0.01}, {mm, 0.001},
+    {inch, 0.0254}, {m_s, 1}, {kt, 1852.0 / 3600}, {mph, 0.44704}, {kph, 1 / 3.6}, {mm_s, 0.001},
+    {inch_s, 0.0254}, {ft_s, 0.3048}, {m_min, 1.0 / 60}, {ft_min, 0.3048 / 60}, {gal, 3.785411784},
+    {imp_gal, 4.54609}, {litre, 1}, {m3, 1000}, {gal_hr, 3.785411784}, {imp_gal_hr, 4.54609}, {litre_hr, 1},
+    {m3_hr, 1000}, {V, 1}, {mV, 0.001}, {A, 1}, {mA, 0.001}, {deg, pi / 180}, {rad, 1}, {deg_mag, pi / 180},
+    {deg_true, pi / 180}, {rad_mag, 1}, {rad_true, 1}, {deg_s, pi / 180}, {deg_min, pi / 180 / 60},
+    {rad_s, 1}, {rpm, 2 * pi / 60}, {deg_s2, pi / 180}, {deg_min2, pi / 180 / 3600}, {rad_s2, 1}, {bar, 1e5},
+    {mbar, 100}, {unit::atm, 101325}, {Pa, 1}, {kPa, 1000}, {inHg, 3386.389}, {mmHg, 133.322387},
+    {psi, 6894.757293}, {W, 1}, {kW, 1000}, {mW, 0.001}, {VA, 1}, {kVA, 1000}, {mVA, 0.001}, {VAR, 1},
+    {kVAR, 1000}, {mVAR, 0.001}, {ohm, 1}, {kohm, 1000}, {Mohm, 1e6}, {N, 1}, {kN, 1000}, {kgf, 9.80665},
+    {lbf, 4.4482216152605}, {tf, 9806.65}, {tonf_us, 8896.443230521}, {tonf_uk, 9964.01641818352}, {Nm, 1},
+    {ft_lb, 1.3558179483314}, {lbf_ft, 1.3558179483314}, {in_lb, 0.1129848290276}, {Hz, 1}, {kHz, 1e3},
+    {MHz, 1e6}, {GHz, 1e9}, {hours, 3600}, {minutes, 60}, {seconds, 1}, {m_s2, 1}, {g_force, 9.80665},
+    {ft_s2, 0.3048}, {T, 1}, {mT, 1e-3}, {uT, 1e-6}, {gauss, 1e-4}, {Ah, 3600}, {C, 1}, {Wh, 3600},
+    {kWh, 3.6e6}, {byte, 1}, {KB, 1024.0}, {MB, 1048576.0}, {GB, 1073741824.0}, {TB, 1099511627776.0},
+    {lb, 0.45359237}, {gram, 0.001},
+};
+// clang-format on
+
+// Constants are single precision, and a few are the rounder ones of other displays: a knot of 0.514444 m/s,
+// an inch of mercury of 3386 Pa.
+double tolerance(UnitId u) {
+    return u == inHg ? 1.5e-4 : 2e-6;
+}
+
+TEST(Conversions, AllUnitsOfAFormatAgree) {
+    std::set<UnitId> compared;
+    for (const FormatPlan& plan : all_plans()) {
+        if (is_text(plan.reading) || convert_bits(plan.df, 100, gear).value.type == ValueType::single)
+            continue;
+        if (plan.df == 3 || plan.df == 12 || plan.df == 70)
+            continue;  // 100 is next to nothing as a floating number
+        const bool is_force = is_available(convert_bits(plan.df, 100, N).value);
+        UnitId first = -1;
+        double reference = 0;
+        for (const auto& [u, factor] : si) {
+            const Value value = convert_bits(plan.df, 100, u).value;
+            const bool is_number = value.type == ValueType::single || value.type == ValueType::seconds;
+            if (!is_number || !is_available(value) || (u == lb && is_force)) continue;
+            const double coherent = number_in(value) * factor;
+            if (first < 0) first = u, reference = coherent;
+            EXPECT_NEAR(coherent, reference, std::fabs(reference) * (tolerance(u) + tolerance(first)))
+                << "format " << plan.df << " units " << first << " and " << u;
+            if (u != first) compared.insert({u, first});
+        }
+    }
+    for (const auto& [u, factor] : si)
+        EXPECT_TRUE(compared.contains(u)) << "unit " << u << " is served by nothing";
+}
+
+float apply(UnitRule rule, double value, UnitId u) {
+    Value out;
+    apply_unit_rule(rule, static_cast<float>(value), u, scratch, out);
+    return out.type == ValueType::single ? out.number.f32 : NAN;
+}
+
+TEST(Conversions, Physics) {
+    const struct {
+        UnitRule rule;
+        double base;
+        UnitId unit;
+        double expected;
+        // clang-format off
+    } cases[] = {
+        {UnitRule::speed_mm_s, 1852000.0 / 3600, kt, 1}, {UnitRule::length_cm, 185200, nm, 1},
+        {UnitRule::volume_l, 3.785411784, gal, 1}, {UnitRule::temperature_k, 273.15, celsius, 0},
+        {UnitRule::temperature_k, 273.15, fahrenheit, 32}, {UnitRule::temperature_k, 373.15, fahrenheit, 212},
+        {UnitRule::temperature_k, 233.15, fahrenheit, -40}, {UnitRule::temperature_k, 300, raw_count, 300},
+        {UnitRule::pressure_kpa, 101.325, unit::atm, 1}, {UnitRule::pressure_kpa, 101.325, mbar, 1013.25},
+        {UnitRule::force_n, 9.80665, kg, 1}, {UnitRule::duration_s, 5400, hours, 1.5},
+        // Beaufort: a bound belongs to the higher force
+        {UnitRule::speed_m_s, 0.2, bft, 0}, {UnitRule::speed_m_s, 1, bft, 1}, {UnitRule::speed_m_s, 17.5, bft, 8},
+        {UnitRule::speed_mm_s, 40000, bft, 12}, {UnitRule::speed_m_s, -50, bft, 0}, {UnitRule::speed_m_s, NAN, bft, 12},
+        // clang-format on
+    };
+    for (const auto& c : cases)
+        EXPECT_NEAR(apply(c.rule, c.base, c.unit), c.expected, std::max(2e-6 * std::fabs(c.expected), 4e-5))
+            << "unit " << c.unit << " of " << c.base;
+    const float one_knot = 1 / apply(UnitRule::speed_m_s, 1, kt);
+    EXPECT_EQ(apply(UnitRule::speed_m_s, std::nextafter(one_knot * 3, 4.0f), bft), 2);
+    EXPECT_EQ(apply(UnitRule::speed_m_s, one_knot * 2.99999, bft), 1);
+    for (const FormatPlan& plan : all_plans()) {
+        const auto type = [&plan](UnitId u) { return convert_bits(plan.df, 100, u).value.type; };
+        if (type(raw_count) != ValueType::single || type(ground) != ValueType::none) continue;  // or a time
+        for (const UnitId u : {-1000, -2, 11, int{gear}, 140, 1 << 30})
+            EXPECT_EQ(type(u), ValueType::none) << "format " << plan.df << " unit " << u;
+    }
+}
+
+constexpr std::uint64_t f32(float v) {
+    return std::bit_cast<std::uint32_t>(v);
+}
+
+TEST(Conversions, FormatsWithARuleOfTheirOwn) {
+    constexpr ValueType NA = ValueType::none, TIME = ValueType::seconds, F = ValueType::single,
+                        D = ValueType::real, U8 = ValueType::u8, U16 = ValueType::u16, U32 = ValueType::u32,
+                        U64 = ValueType::u64, I32 = ValueType::i32, I64 = ValueType::i64;
+    constexpr UnitId bits = raw_bits, counts = raw_count;
+    constexpr std::uint64_t ones = ~std::uint64_t{0};
+    const struct {
+        DF df;
+        std::uint64_t raw;
+        std::vector<std::tuple<UnitId, ValueType, double>> outcomes;
+        // clang-format off
+    } cases[] = {
+        {0, 0x12345678, {{bits, U32, 0x12345678}, {counts, NA, 0}}}, {24, 1, {{bits, NA, 0}}},
+        // floating angles, numbers and distances
+        {3, f32(1), {{deg, F, 57.29578}, {counts, F, 1}, {bits, F, 1}, {V, NA, 0}}}, {70, f32(NAN), {{bits, F, NAN}, {deg, NA, 0}}},
+        {61, f32(-1.5), {{ppm, F, -1.5}, {counts, F, -1.5}}}, {61, f32(NAN), {{bits, F, NAN}, {ppm, NA, 0}}},
+        {12, std::bit_cast<std::uint64_t>(1852.0), {{nm, F, 1}, {bits, D, 1852}, {counts, F, 1852}, {V, NA, 0}}},
+        {62, std::bit_cast<std::uint64_t>(0.1), {{bits, D, 0.1}, {counts, F, 0.1f}}},
+        {62, std::bit_cast<std::uint64_t>(double{NAN}), {{bits, D, NAN}, {counts, NA, 0}, {m, NA, 0}}},
+        // positions
+        {23, 600000000, {{deg_lat, D, 60}, {counts, D, 6e8}, {bits, I32, 6e8}, {deg_long, NA, 0}}},
+        {23, 0x7FFFFFFD, {{deg_lat, NA, 0}, {counts, NA, 0}, {bits, I32, 0x7FFFFFFD}}}, {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}},
+        {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}}, {77, -10000000000000000ull, {{deg_long, D, -1}}},
+        // dates, run times, periods: 0xFFFE of a period is a code of the clock in every unit
+        {41, 65532, {{days, U16, 65532}, {hours, NA, 0}}}, {41, 65533, {{bits, U16, 65533}, {date_ymd, NA, 0}}},
+        {67, 5400, {{hours, F, 1.5}, {seconds, TIME, 5400}, {bits, TIME, 5400}}},
+        {67, 0xFFFFFFFD, {{hours, NA, 0}, {counts, NA, 0}, {bits, TIME, 4294967293}}},
+        {98, 90, {{hours, F, 1.5}, {counts, F, 90}, {bits, U16, 90}}}, {98, 0xFFFE, {{V, TIME, 4294967294}}}, {98, 0xFFFD, {{minutes, NA, 0}}},
+        // 48 bits in 8 bytes
+        {117, 0xFFFFFFFFFFFC, {{plain_65, U64, 0xFFFFFFFFFFFC}, {V, NA, 0}}}, {117, 0xFFFFFFFFFFFD, {{counts, NA, 0}, {bits, U64, 0xFFFFFFFFFFFD}}},
+        {117, 0x1000000000000, {{counts, NA, 0}}},
+        // codes
+        {93, 252, {{tonf_uk, U8, 252}}}, {93, 253, {{percent, NA, 0}, {bits, U8, 253}}}, {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}},
+        {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}}, {60010, ones, {{V, U8, 15}}}, {60012, ones, {{V, U8, 3}}},
+        {60016, ones, {{V, U8, 63}}}, {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}}, {60019, ones, {{V, U64, 0x1p64}}},
+        // offsets
+        {2452, 2000001500, {{W, F, 1500}, {counts, F, 1500}, {bits, I32, 2000001500}, {V, NA, 0}}}, {2456, 1999999000, {{kVAR, F, -1}}},
+        {2464, 32768, {{plain_64, F, 1}, {counts, F, 16384}, {bits, U16, 32768}}}, {2464, 0xFFFD, {{plain_64, NA, 0}}},
+        {2516, 2560, {{deg, F, -180}, {rad, F, -pi}, {counts, F, -23040}, {deg_true, NA, 0}}}, {101, 0, {{plain_66, F, 1}}}, {101, 250, {{V, F, 1.5}}},
+        // values that name their format: 500 mm/s, and a format that none may name
+        {60007, 0x01F40024, {{kph, F, 1.8}, {V, NA, 0}}}, {60007, 0x01F40023, {{kph, NA, 0}}},
+        // clang-format on
+    };
+    for (const auto& c : cases)
+        for (const auto& [u, type, expected] : c.outcomes) {
+            SCOPED_TRACE(testing::Message() << "format " << c.df << " raw " << c.raw << " unit " << u);
+            const Value got = convert_bits(c.df, c.raw, u).value;
+            ASSERT_EQ(got.type, type);
+            if (type == NA) continue;
+            const double number = number_in(got);
+            EXPECT_TRUE(std::isnan(expected) ? std::isnan(number)
+                                             : std::fabs(number - expected) <= std::fabs(expected) * 3e-7)
+                << number;
+        }
+    EXPECT_EQ(number_in(convert_bits(60009, 500, kph, 0, 36).value),
+              number_in(convert_bits(36, 500, kph).value));
+    EXPECT_TRUE(convert_bits(104, 1, kg).value.is_left) << "kilograms have no number";
+    for (int bytes = -1; bytes <= 10; ++bytes)
+        EXPECT_EQ(convert_bits(52, ones, V, bytes).value.number.u64,
+                  bytes >= 1 && bytes <= 8 ? ones >> (64 - 8 * bytes) : ones);
+}
+
+// ---- texts ----
+
+std::string text_in(const Value& value) {
+    EXPECT_EQ(value.type, ValueType::text);
+    std::string text;
+    for_each_character(value.text, INT_MAX, [&](std::uint32_t c) {
+        char area[4];
+        text.append(area, static_cast<std::size_t>(write_utf8(area, c) - area));
+    });
+    return text;
+}
+
+std::string text_of(DF df, Bytes field, int available = -1, int bytes = 0, TextScratch& kept = scratch) {
+    if (available < 0) available = static_cast<int>(field.size());
+    field.resize(static_cast<std::size_t>(std::max(available, 0)));  // so that a step too far is seen
+    Value value;
+    convert_text(*find_format_plan(df), field.data(), available, bytes, kept, value);
+    return text_in(value);
+}
+
+TEST(Texts, EveryFormat) {
+    const struct {
+        DF df;
+        Bytes field;
+        std::string expected;
+        // clang-format off
+    } cases[] = {
+        {50, {5, 1, 'A', 'b', 'c', 'd'}, "Abc"}, {50, {8, 1, 'A', 'b', 0, 'd', 'e', 'f'}, "Ab"}, {50, {2, 1, 'A'}, ""},
+        {50, {7, 1, 0x80, 0x81, 0x8C, 0x9C, 0xE9}, "\u20AC\u03A9\u0152\u0153\u00E9"}, {50, {20, 1, 'a', 'b'}, "ab"},
+        {50, {6, 0, 'A', 0, 0xA9, 0x03, 'c', 0}, "A\u03A9"}, {50, {7, 0, 'A', 0, 'b', 0, 'c'}, "Ab"}, {50, {8, 0, 'A', 0, 'b'}, "Ab"},
+        {50, {6, 0, 0x3D, 0xD8, 0x00, 0xDE}, "\U0001F600"}, {50, {6, 0, 0x3D, 0xD8, 'a', 0}, "\uFFFDa"},
+        {51, {6, 0, 1, 'A', 'b', 'c'}, "Abc"}, {51, {9, 0, 0, 'A', 0, 'b', 0, 'c', 0}, "Ab"}, {51, {3, 0, 1}, ""}, {51, {5, 0, 0, 'A', 0}, ""},
+        // clang-format on
+    };
+    for (const auto& c : cases) EXPECT_EQ(text_of(c.df, c.field), c.expected);
+    Bytes longest(1785, 'x');
+    longest[0] = 252, longest[1] = 1;
+    EXPECT_EQ(text_of(50, longest), std::string(125, 'x'));
+    longest[0] = 0xF9, longest[1] = 6, longest[2] = 1;
+    EXPECT_EQ(text_of(51, longest), std::string(891, 'x'));
+    EXPECT_EQ(text_of(63, {'A', 'B', 0xFF, 0xFF}, -1, 4), "AB");
+    EXPECT_EQ(text_of(63, {'A', 0, 'C'}, -1, 3), "A");
+    EXPECT_EQ(text_of(63, {'A', 0xE9}, -1, 10), "A\u00E9") << "what is there";
+    EXPECT_EQ(text_of(63, Bytes(3000, 'z'), -1, 5000), std::string(1785, 'z'));
+    EXPECT_EQ(text_of(3002, {0x01, 0xAB}, -1, 2), "01 AB");
+    EXPECT_EQ(text_of(3002, Bytes(100, 0x7A), -1, 100).size(), 251u);
+    EXPECT_EQ(text_of(3002, {}, 0, 5), "");
+}
+
+TEST(Texts, ARefusedHeaderShowsTheLastTextOfItsScratch) {
+    const auto mine = std::make_unique<TextScratch>(), other = std::make_unique<TextScratch>();
+    EXPECT_EQ(text_of(50, {4, 1, 'o', 'k'}, -1, 0, *mine), "ok");
+    EXPECT_EQ(text_of(51, {6, 0, 1, 'y', 'e', 's'}, -1, 0, *mine), "yes");
+    for (const auto& [length, encoding] : {std::pair{0, 1}, {1, 1}, {253, 1}, {255, 0}, {5, 2}, {5, 255}}) {
+        const Bytes refused = {static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(encoding), 'X',
+                               'Y', 'Z'};
+        EXPECT_EQ(text_of(50, refused, -1, 0, *mine), "ok");
+        EXPECT_EQ(text_of(50, refused, -1, 0, *other), "");
+    }
+    for (const auto& [low, high, encoding] :
+         {std::tuple{0, 0, 1}, {2, 0, 1}, {0xFA, 6, 1}, {0xFF, 0xFF, 0}, {6, 0, 2}}) {
+        const Bytes refused = {static_cast<std::uint8_t>(low), static_cast<std::uint8_t>(high),
+                               static_cast<std::uint8_t>(encoding), 'X', 'Y'};
+        EXPECT_EQ(text_of(51, refused, -1, 0, *mine), "yes");
+        EXPECT_EQ(text_of(51, refused, -1, 0, *other), "");
+    }
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

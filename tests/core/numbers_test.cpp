@@ -1,0 +1,134 @@
+#include "core/numbers.h"
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "support/testing.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+/// What a function writes. It may write beyond the end of the number, but not beyond the size of the largest.
+template <class Write>
+std::string_view written(Write write) {
+    static char area[most_number_size + 8];
+    std::memset(area, '~', sizeof area);
+    const char* const end = write(area);
+    EXPECT_EQ(std::string_view(area + most_number_size, 8), "~~~~~~~~");
+    return {area, static_cast<std::size_t>(end - area)};
+}
+
+char reference[512];
+template <class... What>
+std::string_view printf_form(const char* format, What... what) {
+    return {reference, static_cast<std::size_t>(std::snprintf(reference, sizeof reference, format, what...))};
+}
+
+/// As many decimals as digits are left behind those before the point.
+std::string_view significant(float value, int digits) {
+    int decimals = digits;
+    for (double limit = 1; decimals > 0 && std::fabs(value) >= limit; limit *= 10) --decimals;
+    if (std::isinf(value)) return printf_form("%*f", digits, static_cast<double>(value));
+    return printf_form("%.*f", decimals, static_cast<double>(value));
+}
+
+template <class Float>
+std::string_view shortest(Float value) {
+    return {reference,
+            static_cast<std::size_t>(std::to_chars(reference, reference + 64, value).ptr - reference)};
+}
+
+void compare(float value) {
+    for (const int digits : {5, 8})
+        ASSERT_EQ(written([=](char* at) { return write_significant(at, value, digits); }),
+                  significant(value, digits))
+            << digits;
+    if (std::isfinite(value)) {
+        ASSERT_EQ(written([=](char* at) { return write_shortest(at, value); }), shortest(value));
+    }
+}
+
+void compare(double value) {
+    ASSERT_EQ(written([=](char* at) { return write_shortest(at, value); }), shortest(value));
+}
+
+void compare_fixed(double value) {
+    for (const int precision : {0, 3, 6, 18})
+        if (std::fabs(value) < 1e18) {
+            ASSERT_EQ(written([=](char* at) { return write_fixed(at, value, precision); }),
+                      printf_form("%.*f", precision, value));
+        }
+}
+
+/// A value and those next to it, with both signs.
+template <class Float>
+void compare_around(Float value) {
+    constexpr Float infinity = std::numeric_limits<Float>::infinity();
+    for (const Float v : {std::nextafter(value, -infinity), value, std::nextafter(value, infinity)})
+        for (const Float either : {v, -v})
+            if (std::isfinite(either)) {
+                compare(either);
+                compare_fixed(either);
+            }
+}
+
+TEST(Numbers, PowersTheirNeighboursAndTies) {
+    for (int e = -1074; e <= 1023; ++e) {
+        compare_around(std::ldexp(1.0, e));
+        if (e >= -149 && e <= 127) compare_around(std::ldexp(1.0f, e));
+    }
+    for (int e = -323; e <= 308; ++e)
+        for (const char* const digits : {"1", "5", "9.9999999", "9.999999999999999"}) {
+            const double power = std::strtod((digits + ("e" + std::to_string(e))).c_str(), nullptr);
+            compare_around(power);
+            if (e >= -45 && e <= 38 && power < 3.4e38) compare_around(static_cast<float>(power));
+        }
+    for (int i = 0; i < trials(20000); ++i)  // halfway between two texts for some precision
+        for (int bits = 0; bits <= 8; ++bits)
+            compare_around(std::ldexp(static_cast<float>(2 * i + 1), -bits));
+    compare_around(0.0f);
+    compare_around(0.0);
+    compare_around(std::numeric_limits<float>::max());
+    compare_around(std::numeric_limits<double>::max());
+    for (const float infinite : {INFINITY, -INFINITY}) compare(infinite);
+}
+
+TEST(Numbers, RandomValues) {
+    std::mt19937_64 random(20240229);
+    for (std::uint32_t exponent = 0; exponent < 255; ++exponent)
+        for (int i = 0; i < trials(2000); ++i)
+            compare(
+                std::bit_cast<float>((static_cast<std::uint32_t>(random()) & 0x807FFFFF) | exponent << 23));
+    for (std::uint64_t exponent = 0; exponent < 2047; ++exponent)
+        for (int i = 0; i < trials(300); ++i)
+            compare(std::bit_cast<double>((random() & 0x800FFFFFFFFFFFFF) | exponent << 52));
+    for (int i = 0; i < trials(500000); ++i) {  // as fields have them: few digits, or a number times a factor
+        const auto number = static_cast<double>(random() >> (64 - random() % 33));
+        const double power = std::pow(10.0, static_cast<double>(random() % 10));
+        compare(static_cast<float>(number / power));
+        compare(number / power);
+        compare_fixed(static_cast<double>(static_cast<float>(number)) * 1e-4);
+    }
+}
+
+TEST(Numbers, Integers) {
+    std::mt19937_64 random(7);
+    for (int i = 0; i < trials(500000); ++i) {
+        const std::uint64_t number = random() >> random() % 64;
+        const auto with_sign = static_cast<std::int64_t>(i % 2 == 0 ? number : 0 - number);
+        ASSERT_EQ(written([=](char* at) { return write_unsigned(at, number); }), shortest(number));
+        ASSERT_EQ(written([=](char* at) { return write_signed(at, with_sign); }), shortest(with_sign));
+        for (const int least : {1, 8})
+            ASSERT_EQ(written([=](char* at) { return write_hex(at, number, least); }),
+                      printf_form("%0*llX", least, static_cast<unsigned long long>(number)));
+    }
+    for (std::uint64_t power = 1, i = 0; i < 20; ++i, power *= 10)
+        for (const std::uint64_t n : {power - 1, power, power + 1})
+            EXPECT_EQ(written([=](char* at) { return write_unsigned(at, n); }), shortest(n));
+    EXPECT_EQ(written([](char* at) { return write_signed(at, INT64_MIN); }), "-9223372036854775808");
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

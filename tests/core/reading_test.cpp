@@ -1,0 +1,85 @@
+#include "core/read.h"
+
+#include "support/testing.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+/// A field of any entry, size and place, with the unit as sent.
+FieldReading read_at(const N2KMsg& msg, std::uint32_t dd, int bytes, int bits, PayloadPosition at,
+                     UnitId u = unit::raw_count) {
+    const DDDef& entry = *find_dictionary_entry(dd);
+    const FormatPlan* const format = find_format_plan(entry.df);
+    TextScratch scratch;
+    FieldReading reading;
+    read({format, bytes, bits, quantity::no_quantity, is_text(format->reading)}, entry,
+         {msg.data, payload_length(msg)}, at, UnitSelection{}, u, scratch, reading);
+    reading.value.text.data = nullptr;  // of a scratch that is gone
+    return reading;
+}
+
+constexpr std::uint32_t binary = 142, number = 7, latitude = 202, name = 4;
+
+TEST(Reading, BitsOfEveryWidthAtEveryPosition) {
+    std::mt19937 random(1);
+    for (int bit = 0; bit < 8; ++bit)
+        for (int width = 1; width <= 64; ++width) {
+            SCOPED_TRACE(testing::Message() << width << " bits at bit " << bit);
+            N2KMsg msg = message(127250, random_bytes(random, 1786));
+            constexpr int byte = 5;
+            std::uint64_t expected = 0;
+            for (int i = 0; i < width; ++i) {
+                const int place = byte * 8 + bit + i;
+                expected |= std::uint64_t{msg.data[place / 8] >> place % 8 & 1u} << i;
+            }
+            msg.length = static_cast<std::uint16_t>((byte * 8 + bit + width + 7) / 8);  // ends with the field
+            const FieldReading whole = read_at(msg, binary, 0, width, {byte, bit});
+            EXPECT_EQ(whole.value.type, ValueType::u64);
+            EXPECT_EQ(whole.value.number.u64, expected);
+            EXPECT_EQ(whole.next.byte * 8 + whole.next.bit, byte * 8 + bit + width);
+            EXPECT_LT(whole.next.bit, 8);
+            --msg.length;
+            if (msg.length <= byte) continue;  // does not start in the message
+            const FieldReading cut = read_at(msg, binary, 0, width, {byte, bit});
+            EXPECT_TRUE(cut.cut_off);
+            EXPECT_EQ(cut.value.type, ValueType::none);
+            EXPECT_EQ(cut.next, whole.next);
+        }
+}
+
+TEST(Reading, AtTheEnd) {
+    N2KMsg msg = message(127250, {1, 2, 3, 4, 5, 6, 7, 8});
+    EXPECT_EQ(read_at(msg, number, 0, 0, {6, 0}).value.number.u16, 0x0807);
+    EXPECT_EQ(read_at(msg, number, 0, 0, {6, 0}).next, (PayloadPosition{8, 0}));
+    msg.data[8] = 0x34, msg.data[9] = 0x12;
+    EXPECT_TRUE(read_at(msg, number, 0, 0, {7, 0}).cut_off) << "one byte is there";
+    EXPECT_EQ(read_at(msg, number, 0, 0, {8, 0}).value.number.u16, 0x1234)
+        << "wholly beyond: from the record";
+    EXPECT_EQ(read_at(msg, number, 0, 0, {1785, 0}).value.number.u16, 0);
+    EXPECT_TRUE(read_at(msg, latitude, 0, 0, {1, 0}, unit::deg_lat).cut_off);
+    EXPECT_EQ(read_at(msg, number, 2, 0, {3, 5}).value.number.u64, 0u) << "whole bytes that begin inside one";
+    EXPECT_EQ(read_at(msg, number, 2, 0, {3, 5}).next, (PayloadPosition{5, 5}));
+    EXPECT_TRUE(read_at(msg, number, 2, 0, {6, 4}).cut_off) << "its last four bits are missing";
+    EXPECT_FALSE(read_at(msg, name, 0, 0, {4, 0}).cut_off) << "texts show what is there";
+    // The size masks integers, modulo 256 bits.
+    msg.length = 400;
+    for (const auto& [bytes, expected] : {std::pair{1, 0x01}, {2, 0x0201}, {31, 0x0201}, {32, 0}, {33, 0x01}})
+        EXPECT_EQ(read_at(msg, number, bytes, 0, {0, 0}).value.number.u16, expected) << bytes;
+}
+
+TEST(Reading, PressureOfAir) {
+    for (const auto& [pgn, source, expected] :
+         {std::tuple{130314u, std::uint8_t{0}, int{quantity::atmospheric_pressure}},
+          {130314u, std::uint8_t{1}, int{quantity::pressure}},
+          {130311u, std::uint8_t{1}, int{quantity::atmospheric_pressure}}})
+        for (const FieldDef& row : all_fields()) {
+            if (row.pgn != pgn || quantity_of_dd(static_cast<int>(row.dd->dd)) != quantity::pressure)
+                continue;
+            TextScratch scratch;
+            const N2KMsg msg = message(pgn, {1, 0, source, 0x02, 0x76, 0x0F, 0x00, 0xFF});
+            EXPECT_EQ(read_field(msg, row, {3, 0}, UnitSelection{}, unit::mbar, scratch).quantity, expected);
+        }
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test

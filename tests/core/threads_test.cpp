@@ -1,0 +1,59 @@
+#include <memory>
+#include <thread>
+
+#include "support/testing.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+/// Everything that decoding gives for messages of all PGNs, with a selection of units of its own.
+std::string everything(unsigned seed) {
+    std::mt19937 random(seed);
+    UnitSelection units;
+    for (DispDataType q = 0; q < quantity::count; ++q) {
+        std::vector<UnitId> offered;
+        for (const UnitId* u = available_units(q); *u < unit::count; ++u) offered.push_back(*u);
+        if (!offered.empty()) units.select(q, offered[random() % offered.size()]);
+    }
+    TextRenderer text(units, seed % 2 == 0);
+    JsonRenderer json(units);
+    CsvRenderer csv(units);
+    std::vector<char> area(8 * piece_room);
+    std::string all;
+    const auto take = [&](auto& renderer) {
+        do all.append(area.data(), renderer.write(area.data(), area.data() + area.size()));
+        while (!renderer.is_done());
+    };
+    for (const std::uint32_t pgn : catalogued_pgns()) {
+        Bytes payload = random_bytes(random, 60);
+        if (random() % 2 == 0)
+            for (auto& byte : payload) byte %= 8;  // texts, flags and small numbers
+        const N2KMsg msg = message(pgn, payload);
+        const PgnDef* const row = find_pgn_def(pgn);
+        text.start(msg, row, seed);
+        take(text);
+        json.start(msg, row, {seed, true, static_cast<std::int64_t>(random()) * 86'400'000'000});
+        take(json);
+        csv.start(msg, row, {seed, false, 0});
+        take(csv);
+        for (const std::wstring& line : lines_of(msg, plain, units)) all.append(line.begin(), line.end());
+    }
+    return all;
+}
+
+TEST(Threads, DecodeSideBySide) {
+    constexpr unsigned count = 4;
+    std::string alone[count], together[count];
+    for (unsigned i = 0; i < count; ++i) alone[i] = everything(i);
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < count; ++i)
+        threads.emplace_back([&result = together[i], i] {
+            for (int again = 0; again < 3; ++again) result = everything(i);
+        });
+    for (std::thread& thread : threads) thread.join();
+    for (unsigned i = 0; i < count; ++i) EXPECT_EQ(together[i] == alone[i], true) << i;
+    EXPECT_NE(alone[0], alone[1]);
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test
