@@ -3,13 +3,15 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
+#include <memory>
 
 #include "can/identifier.h"
 #include "commands/decode.h"
+#include "commands/interrupt.h"
+#include "commands/output_status.h"
+#include "encode/calendar_entry.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
 #include "encode/message_lines.h"
@@ -28,15 +30,24 @@ namespace vistel {
 
 namespace {
 
-int fail(const std::string& text) {
-    std::fprintf(stderr, "vistel: %s\n", text.c_str());
+int fail(const Failure& failure) {
+    std::fprintf(stderr, "vistel: %s\n", failure.text.c_str());
     return EXIT_FAILED;
 }
 
+int fail(const Failures& failures) {
+    constexpr std::size_t most = 20;
+    const std::size_t count = failures.texts.size();
+    for (std::size_t i = 0; i < std::min(count, most); ++i) fail({failures.texts[i]});
+    return count > most ? fail(failure("and ", count - most, " more like these")) : EXIT_FAILED;
+}
+
 int print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
-        return EXIT_CLEAN;
-    return errno == EPIPE ? EXIT_CLEAN : fail(std::string("cannot write: ") + std::strerror(errno));
+    ignore_closed_pipes();
+    const auto out = std::make_unique<Sink>(STDOUT_FILENO);
+    out->put(text);
+    out->flush();
+    return output_status(*out);
 }
 
 std::string name_of(const PgnDef& row) {
@@ -47,10 +58,10 @@ std::string name_of(const PgnDef& row) {
 struct Chosen {
     std::uint32_t number = 0;
     const PgnDef* row = nullptr;
-    std::string wrong;
 };
 
-Chosen choose_pgn(const std::string& text) {
+Result<Chosen> choose_pgn(const std::string& text) {
+    if (!utf16_of(text)) return failure(quoted(text), " is not UTF-8 text");
     Chosen chosen;
     const char* const last = text.data() + text.size();
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
@@ -60,19 +71,16 @@ Chosen choose_pgn(const std::string& text) {
         chosen.row = find_pgn_def(chosen.number);
         return chosen;
     }
-    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos) {
-        chosen.wrong = "PGN " + in_quotes(text) + " is above " + std::to_string(max_pgn);
-        return chosen;
-    }
+    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos)
+        return failure("PGN ", in_quotes(text), " is above ", max_pgn);
     std::vector<std::string> names;
     for (const PgnDef& row : all_pgns()) {
         const std::string name = name_of(row);
-        if (simplified(name) == simplified(text)) return {row.pgn, find_pgn_def(row.pgn), {}};
+        if (simplified(name) == simplified(text)) return Chosen{row.pgn, find_pgn_def(row.pgn)};
         if (std::ranges::find(names, name) == names.end()) names.push_back(name);
     }
-    chosen.wrong = "no PGN " + in_quotes(text) + "; " +
-                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names");
-    return chosen;
+    return failure("no PGN ", in_quotes(text), "; ",
+                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names"));
 }
 
 // ---- the list of fields ----
@@ -91,10 +99,9 @@ std::string size_text(const FieldCell& cell) {
 }
 
 std::string values_text(FieldCell& cell) {
-    constexpr std::uint64_t some_day = 20706;
     const FieldReading reading = cell.read();
     const bool is_date = reading.quantity == quantity::date;
-    cell.put(is_date ? some_day : 0);
+    cell.put(is_date ? example_day : 0);
     if (is_date || reading.quantity == quantity::time_of_day || cell.read().value.type == ValueType::seconds)
         return "as in " + std::string(trimmed(cell.shown(true)));
     const std::vector<UnitId> units = served_units(cell);
@@ -167,28 +174,31 @@ int list_fields(const EncodeOptions& options, ReadingContext& context, const Pgn
 
 // ---- the message ----
 
-std::string parse_fields(const EncodeOptions& options, std::vector<TypedField>& fields) {
+Result<std::vector<TypedField>> parse_fields(const EncodeOptions& options) {
+    std::vector<TypedField> fields;
     for (const std::string& argument : options.fields) {
-        if (!utf16_of(argument)) return quoted(argument) + " is not UTF-8 text";
+        if (!utf16_of(argument)) return failure(quoted(argument), " is not UTF-8 text");
         const std::size_t sign = argument.find('=');
-        if (sign == argument.npos) return in_quotes(argument) + " is not of the form LABEL=VALUE";
+        if (sign == argument.npos) return failure(in_quotes(argument), " is not of the form LABEL=VALUE");
         if (trimmed(argument.substr(0, sign)).empty())
-            return in_quotes(argument) + " has no label before the '='";
+            return failure(in_quotes(argument), " has no label before the '='");
         fields.push_back({argument.substr(0, sign), argument.substr(sign + 1)});
     }
-    return {};
+    return fields;
 }
 
-std::string check_header(const EncodeOptions& options, std::uint32_t pgn, RecordTime& time) {
-    if (!is_addressed(pgn) && options.destination != 255)
-        return "PGN " + std::to_string(pgn) + " goes to everyone; it has no destination";
+/// Looks whether the message can be sent as its header says. Returns its time.
+Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn) {
+    if (!is_addressed(pgn) && options.destination != everyone)
+        return failure("PGN ", pgn, " goes to everyone; it has no destination");
     if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
-        return "PGN " + std::to_string(pgn) + " is on no bus: the low byte of one with a destination is 0";
-    if (options.time.empty()) return {};
+        return failure("PGN ", pgn, " is on no bus: the low byte of one with a destination is 0");
+    RecordTime time;
+    if (options.time.empty()) return time;
     TimestampParser parser;
     const char* why = "";
-    if (!parser.parse(options.time, time, why)) return "time " + quoted(options.time) + ": " + why;
-    return {};
+    if (!parser.parse(options.time, time, why)) return failure("time ", quoted(options.time), ": ", why);
+    return time;
 }
 
 /// The time stamp as candump writes it: seconds since 1970 where the day is known.
@@ -211,39 +221,31 @@ std::vector<std::string> encode_formats() {
 
 int run_encode(const EncodeOptions& options) {
     ReadingContext context;
-    if (const std::string wrong = select_units(context.units, options.units); !wrong.empty())
-        return fail(wrong);
-    if (!utf16_of(options.pgn)) return fail(quoted(options.pgn) + " is not UTF-8 text");
-    const Chosen pgn = choose_pgn(options.pgn);
-    if (!pgn.wrong.empty()) return fail(pgn.wrong);
+    if (const Status selected = select_units(context.units, options.units); !selected)
+        return fail(selected.error());
+    Result<Chosen> pgn = choose_pgn(options.pgn);
+    if (!pgn) return fail(pgn.error());
     if (options.list) {
-        if (!options.fields.empty()) return fail("--list takes no fields");
-        if (pgn.row == nullptr) return fail("PGN " + options.pgn + " is not in the catalogue");
-        return list_fields(options, context, *pgn.row);
+        if (!options.fields.empty()) return fail({"--list takes no fields"});
+        if (pgn->row == nullptr) return fail(failure("PGN ", options.pgn, " is not in the catalogue"));
+        return list_fields(options, context, *pgn->row);
     }
-    std::vector<TypedField> fields;
-    std::string wrong = parse_fields(options, fields);
-    RecordTime time;
-    if (wrong.empty()) wrong = check_header(options, pgn.number, time);
-    if (!wrong.empty()) return fail(wrong);
+    Result<std::vector<TypedField>> fields = parse_fields(options);
+    if (!fields) return fail(fields.error());
+    Result<RecordTime> time = check_header(options, pgn->number);
+    if (!time) return fail(time.error());
 
-    BuiltMessage built = build_message(context, pgn.number, pgn.row, fields);
-    constexpr std::size_t most_errors = 20;
-    for (std::size_t i = 0; i < std::min(built.errors.size(), most_errors); ++i) fail(built.errors[i]);
-    if (built.errors.size() > most_errors)
-        fail("and " + std::to_string(built.errors.size() - most_errors) + " more like these");
-    if (!built.errors.empty()) return EXIT_FAILED;
-    N2KMsg& msg = built.msg;
+    BuiltMessage msg = build_message(context, pgn->number, pgn->row, *fields);
+    if (!msg) return fail(msg.error());
     constexpr int usual_priority = 6;
-    const int priority = pgn.row != nullptr ? static_cast<int>(pgn.row->priority) : usual_priority;
-    msg.priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
-    msg.source = static_cast<std::uint8_t>(options.source);
-    msg.destination = static_cast<std::uint8_t>(options.destination);
-    const std::string lines = options.format == "candump"
-                                  ? candump_lines(msg, candump_time(options.time, time),
-                                                  static_cast<unsigned>(options.sequence), wrong)
-                                  : plain_lines(msg, options.time);
-    return wrong.empty() ? print(lines) : fail(wrong);
+    const int priority = pgn->row != nullptr ? static_cast<int>(pgn->row->priority) : usual_priority;
+    msg->priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
+    msg->source = static_cast<std::uint8_t>(options.source);
+    msg->destination = static_cast<std::uint8_t>(options.destination);
+    if (options.format != "candump") return print(plain_lines(*msg, options.time));
+    Result<std::string> lines =
+        candump_lines(*msg, candump_time(options.time, *time), static_cast<unsigned>(options.sequence));
+    return lines ? print(*lines) : fail(lines.error());
 }
 
 }  // namespace vistel

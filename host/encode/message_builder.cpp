@@ -57,10 +57,13 @@ bool means_label(std::string_view typed, std::string_view shown) {
 
 class Building {
   public:
-    Building(ReadingContext& context, const PgnDef& pgn, const std::vector<TypedField>& fields, N2KMsg& msg)
-        : context_(context), pgn_(pgn), fields_(fields), used_(fields.size(), false), msg_(msg) {}
+    Building(ReadingContext& context, const PgnDef& pgn, const std::vector<TypedField>& fields)
+        : context_(context), pgn_(pgn), fields_(fields), used_(fields.size(), false) {
+        msg_.pgn = pgn.pgn;
+    }
 
-    std::vector<std::string> build(const Bytes& beginning, bool fills_frame);
+    BuiltMessage build(const Bytes& beginning, bool fills_frame);
+    const N2KMsg& message() const { return msg_; }
 
   private:
     const TypedField* take(std::string_view label);
@@ -77,7 +80,7 @@ class Building {
     const PgnDef& pgn_;
     const std::vector<TypedField>& fields_;
     std::vector<bool> used_;
-    N2KMsg& msg_;
+    N2KMsg msg_{};
     int given_ = 0;   // bytes of the beginning, which fields that are not given leave alone
     int length_ = 0;  // bytes up to the last field
     int rounds_ = 0;
@@ -139,10 +142,10 @@ void Building::enter(FieldCell& cell) {
     } else if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
         report_full(label);
     } else if (typed != nullptr) {
-        if (std::string wrong = enter_value(cell, typed->value); !wrong.empty()) {
+        if (const Status entered = enter_value(cell, typed->value); !entered) {
             constexpr std::size_t longest_text = 256;
             full_ = cell.holds_text() && cell.bytes().size() < longest_text;
-            errors_.push_back(label + " " + wrong);
+            errors_.push_back(concat(label, " ", entered.error().text));
         }
     } else if (!begun) {
         cell.clear();
@@ -157,8 +160,8 @@ void Building::enter(FieldCell& cell) {
 
 void Building::fill_count() {
     if (!count_ || rounds_ == 0) return;
-    const std::string wrong = enter_value(*count_, std::to_string(rounds_));
-    if (!wrong.empty()) errors_.push_back(count_->label() + " " + wrong);
+    const Status entered = enter_value(*count_, std::to_string(rounds_));
+    if (!entered) errors_.push_back(concat(count_->label(), " ", entered.error().text));
 }
 
 /// Says so of the first field without room.
@@ -208,7 +211,7 @@ void Building::report_unused(const Bytes& beginning) {
     }
 }
 
-std::vector<std::string> Building::build(const Bytes& beginning, bool fills_frame) {
+BuiltMessage Building::build(const Bytes& beginning, bool fills_frame) {
     given_ = static_cast<int>(beginning.size());
     length_ = given_;
     begin_message(msg_, beginning);
@@ -231,7 +234,8 @@ std::vector<std::string> Building::build(const Bytes& beginning, bool fills_fram
     // A payload that was given keeps its length.
     if (fills_frame) msg_.length = std::max<std::uint16_t>(msg_.length, max_frame_bytes);
     if (errors_.empty()) verify();
-    return errors_;
+    if (errors_.empty()) return msg_;
+    return Failures{errors_};
 }
 
 /// Reads the message again. Which fields it has depends on how it begins, which has been written meanwhile;
@@ -253,9 +257,7 @@ void Building::verify() {
     }
 }
 
-bool begins_with_maker(std::uint16_t selector) {
-    return selector == (own_header & 0x7FF);
-}
+constexpr std::uint16_t maker = own_header & 0x7FF;  // the manufacturer code
 
 }  // namespace
 
@@ -280,8 +282,8 @@ std::vector<Bytes> variants_of(const PgnDef& pgn) {
         if (row.pgn != pgn.pgn || row.field != 1) continue;
         const std::uint16_t selector = low_half(row.key1);
         if (selector == no_selector) continue;
-        const Bytes beginning = begins_with_maker(selector) ? Bytes{own_header & 0xFF, own_header >> 8}
-                                                            : Bytes{static_cast<std::uint8_t>(selector)};
+        const Bytes beginning = selector == maker ? Bytes{own_header & 0xFF, own_header >> 8}
+                                                  : Bytes{static_cast<std::uint8_t>(selector)};
         begin_message(msg, beginning);
         MessageWalk walk(&pgn, msg);
         if (!walk.next() || low_half(walk.field().key1) != selector) continue;
@@ -310,55 +312,49 @@ void visit_fields(ReadingContext& context, const PgnDef& pgn, const Bytes& varia
 
 BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const PgnDef* pgn,
                            const std::vector<TypedField>& fields) {
-    BuiltMessage result;
-    result.msg.pgn = number;
     std::vector<TypedField> rest;
-    Bytes payload;
-    bool has_payload = false;
+    std::optional<Bytes> payload;
     for (const TypedField& field : fields) {
         if (!same_label(field.label, payload_label)) {
             rest.push_back(field);
             continue;
         }
         const auto bytes = bytes_of(field.value);
-        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || has_payload) {
-            result.errors.push_back(std::string(payload_label) +
-                                    " takes the bytes of the payload once, at most " +
-                                    std::to_string(N2K_MAX_PAYLOAD) + ", as in 01 02 FF");
-            return result;
-        }
-        payload = *bytes;
-        has_payload = true;
+        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || payload)
+            return Failures{{concat(payload_label, " takes the bytes of the payload once, at most ",
+                                    unsigned{N2K_MAX_PAYLOAD}, ", as in 01 02 FF")}};
+        payload = bytes;
     }
-    begin_message(result.msg, payload);
-    result.msg.length = static_cast<std::uint16_t>(payload.size());
-    if (pgn == nullptr) {
-        if (!rest.empty() || !has_payload)
-            result.errors.push_back(
-                "PGN " + std::to_string(number) +
-                " is not in the catalogue; only its bytes can be given, as in \"Data=01 02 FF\"");
-        return result;
+    if (pgn == nullptr && (!rest.empty() || !payload))
+        return Failures{
+            {concat("PGN ", number, " is not in the catalogue; only its bytes can be given, as in ",
+                    "\"Data=01 02 FF\"")}};
+    if (payload && rest.empty()) {  // as it is, however short
+        N2KMsg msg{};
+        msg.pgn = number;
+        begin_message(msg, *payload);
+        msg.length = static_cast<std::uint16_t>(payload->size());
+        return msg;
     }
-    if (has_payload && rest.empty()) return result;  // as it is, however short
     // An ISO Request has three bytes, by ISO 11783-3.
-    const bool fills_frame = !is_fast_packet(number) && !has_payload && number != pgn::iso_request;
+    const bool fills_frame = !is_fast_packet(number) && !payload && number != pgn::iso_request;
     std::optional<BuiltMessage> best;
+    const auto errors_of = [](const BuiltMessage& built) { return built ? 0 : built.error().texts.size(); };
     const auto build_from = [&](const Bytes& beginning) {
-        BuiltMessage built;
-        built.msg.pgn = number;
-        built.errors = Building(context, *pgn, rest, built.msg).build(beginning, fills_frame);
-        if (!best || built.errors.size() < best->errors.size()) best = built;
+        Building building(context, *pgn, rest);
+        BuiltMessage built = building.build(beginning, fills_frame);
+        if (!best || errors_of(built) < errors_of(*best)) best = std::move(built);
+        return building.message();
     };
-    if (has_payload) {
-        build_from(payload);
-        // Fields may have changed what tells the variant.
-        Bytes changed = payload;
-        constexpr std::size_t header = sizeof own_header;
-        std::copy_n(best->msg.data, std::min(header, changed.size()), changed.begin());
-        if (changed != payload) build_from(changed);
-    } else {
+    if (!payload) {
         for (const Bytes& variant : variants_of(*pgn)) build_from(variant);
+        return *best;
     }
+    const N2KMsg built = build_from(*payload);
+    // Fields may have changed what tells the variant.
+    Bytes changed = *payload;
+    std::copy_n(built.data, std::min(sizeof own_header, changed.size()), changed.begin());
+    if (changed != *payload) build_from(changed);
     return *best;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "encode/field_cell.h"
+#include "text/result.h"
 
 namespace vistel {
 
@@ -17,10 +18,11 @@ struct TypedField {
 /// Label of the payload as bytes, which decoding shows where no field covers it.
 constexpr std::string_view payload_label = "Data";
 
-struct BuiltMessage {
-    N2KMsg msg{};
-    std::vector<std::string> errors;  ///< empty where everything could be entered
+/// Why a message could not be built: all that is wrong with it.
+struct Failures {
+    std::vector<std::string> texts;
 };
+using BuiltMessage = Result<N2KMsg, Failures>;
 
 /// Builds the payload of a message by the walk that decoding does over it.
 ///

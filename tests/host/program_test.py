@@ -239,7 +239,7 @@ class ProgramTest(unittest.TestCase):
                          "\x1b[31mX\n0.00 FORGE")
 
     def test_a_full_disk_is_told(self):
-        for arguments in (["decode"], ["catalogue", "fields"]):
+        for arguments in (["decode"], ["catalogue", "fields"], ["encode", "127250"]):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
                                         encoding="utf-8", timeout=60)
@@ -257,6 +257,15 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(process.stderr.read(), "")
 
     def test_a_closed_pipe_ends_it_quietly(self):
+        for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
+            reader, writer = os.pipe()
+            os.close(reader)
+            result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=writer, stderr=subprocess.PIPE,
+                                    encoding="utf-8", timeout=60)
+            os.close(writer)
+            self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
+
+    def test_a_pipe_that_is_closed_meanwhile_ends_it_quietly(self):
         with subprocess.Popen([VISTEL, "decode", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, encoding="utf-8") as process:
             process.stdout.close()
