@@ -128,6 +128,7 @@ int Decoding::run() {
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
+    how.before_wait = [this] { out_.flush(); };
     if (!recording_.open(options_.file, how)) {
         report_problem();
         return EXIT_FAILED;
@@ -141,7 +142,6 @@ int Decoding::run() {
     bool more = true;
     bool readable = true;
     while (more && out_.is_open() && !interrupted()) {
-        if (recording_.would_wait()) out_.flush();
         switch (recording_.next(record)) {
             case ReadResult::record:
                 reassembler_.put(record);

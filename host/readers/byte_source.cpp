@@ -65,7 +65,11 @@ ByteSource::Fill ByteSource::fill(Wait wait) {
     }
     if (!is_file_) {
         pollfd request{descriptor_, POLLIN, 0};
-        const int ready = ::poll(&request, 1, wait == Wait::yes ? patience_ : 0);
+        int ready = ::poll(&request, 1, 0);
+        if (ready == 0 && wait == Wait::yes && patience_ != 0) {
+            if (before_wait_) before_wait_();
+            ready = ::poll(&request, 1, patience_);
+        }
         if (ready == 0 || (ready < 0 && errno == EINTR)) return Fill::idle;
     }
     const ssize_t size = ::read(descriptor_, buffer_.get() + end_, std::min(chunk, capacity - end_));

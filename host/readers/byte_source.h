@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vistel {
 
@@ -34,6 +36,9 @@ class ByteSource {
     /// Longest wait of one fill() for a pipe or terminal, in milliseconds; negative for no limit.
     void set_patience(int milliseconds) { patience_ = milliseconds; }
 
+    /// Called before every wait for a pipe or terminal.
+    void set_before_wait(std::function<void()> call) { before_wait_ = std::move(call); }
+
     /// Bytes that are there and not consumed. Valid until the next fill().
     std::string_view unread() const { return {buffer_.get() + begin_, end_ - begin_}; }
     void consume(std::size_t size) { begin_ += size; }
@@ -57,6 +62,7 @@ class ByteSource {
     bool is_file_ = false;
     bool ended_ = false;
     int patience_ = -1;
+    std::function<void()> before_wait_;
     std::uint64_t received_ = 0;
     std::uint64_t total_ = 0;
     std::string error_;

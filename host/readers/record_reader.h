@@ -19,6 +19,8 @@ class RecordReader {
   public:
     virtual ~RecordReader() = default;
 
+    /// Fills `record` or `problem`. Of the record, `nothing` leaves the payload and its length as they were,
+    /// `problem` may leave anything.
     virtual ReadResult next(Record& record, Problem& problem) = 0;
 
     /// Whether next() will have to wait for input.

@@ -43,6 +43,7 @@ bool Recording::start(bool opened, const RecordingOptions& options) {
         return false;
     }
     source_.set_patience(options.patience_ms);
+    source_.set_before_wait(options.before_wait);
     if (options.format.empty()) return true;
     const Format* format = find_format(options.format);
     if (format == nullptr) {
@@ -61,10 +62,10 @@ void Recording::use(const Format& format) {
 /// Reads the head of the recording until it shows its format.
 Recording::State Recording::prepare(ByteSource::Wait wait) {
     for (;;) {
-        if (reader_) return State::ready;
         const std::string_view head = source_.unread();
         if (const Format* format = recognise_format(head, passed_, source_.ended())) {
             use(*format);
+            return State::ready;
         } else if (source_.ended() || head.size() >= most_head) {
             return State::unknown_format;
         } else if (source_.fill(wait) == ByteSource::Fill::idle) {
@@ -88,18 +89,20 @@ ReadResult Recording::explain_end() {
 }
 
 ReadResult Recording::next(Record& record) {
-    switch (prepare(ByteSource::Wait::yes)) {
-        case State::idle: return ReadResult::nothing;
-        case State::unknown_format: return explain_end();
-        case State::ready: break;
+    if (!reader_) {
+        switch (prepare(ByteSource::Wait::yes)) {
+            case State::idle: return ReadResult::nothing;
+            case State::unknown_format: return explain_end();
+            case State::ready: break;
+        }
     }
     N2KMsg& msg = record.msg;
     const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
     const ReadResult result = reader_->next(record, problem_);
-    if (result == ReadResult::record) {
+    if (result == ReadResult::record) [[likely]] {
         day_clock_.unroll(record.time);
         if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
-    } else {
+    } else if (result == ReadResult::problem) {
         msg.length = 0;
         std::memset(msg.data, 0, sizeof msg.data);
     }
@@ -107,10 +110,12 @@ ReadResult Recording::next(Record& record) {
 }
 
 bool Recording::would_wait() {
-    switch (prepare(ByteSource::Wait::no)) {
-        case State::idle: return true;
-        case State::unknown_format: return false;
-        case State::ready: break;
+    if (!reader_) {
+        switch (prepare(ByteSource::Wait::no)) {
+            case State::idle: return true;
+            case State::unknown_format: return false;
+            case State::ready: break;
+        }
     }
     return reader_->would_wait();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,6 +18,7 @@ namespace vistel {
 struct RecordingOptions {
     std::string format;    ///< name of a format; empty to tell it by the contents
     int patience_ms = -1;  ///< longest wait of next() for a pipe or terminal; negative for no limit
+    std::function<void()> before_wait = {};  ///< called before every such wait: time to show what there is
 };
 
 /// A recording or a live source, from which records are taken one by one:
@@ -24,7 +26,6 @@ struct RecordingOptions {
 ///     Recording recording;
 ///     if (!recording.open(path)) ...                       // recording.problem().text
 ///     for (Record record;;) {
-///         if (recording.would_wait()) flush_output();
 ///         switch (recording.next(record)) { ... }
 ///     }
 class Recording {
@@ -48,7 +49,7 @@ class Recording {
     /// The last problem met.
     const Problem& problem() const { return problem_; }
 
-    /// Whether next() will have to wait for input, so that it is time to show what there is.
+    /// Whether next() would have to wait for input.
     bool would_wait();
 
     /// Name of the format; empty as long as it is not known.
