@@ -7,7 +7,7 @@ namespace vistel {
 
 /// `timestamp,priority,pgn,source,destination,length,hh,hh,...`, header decimal, payload hexadecimal.
 ///
-/// Numbers from 262144 to 262399 in place of a PGN are a gateway's own messages, which are foreign.
+/// Numbers above those of PGNs, within 32 bits, are a gateway's own messages, which are foreign.
 /// Lines hold whole messages or frames, which a single line does not tell. `# format=FAST` or a line with
 /// more bytes than a frame has means whole messages, from then on; until then every line is a frame.
 class PlainFormat {

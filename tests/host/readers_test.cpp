@@ -143,8 +143,9 @@ TEST(Readers, ReadEachShapeOfLine) {
         {"plain", ",6,65301,255,0,0", "F 6 65301 255 0 "},
         {"plain", ",6,65301,255,0,0,", "F 6 65301 255 0 "},
         {"plain", ",8,127250,7,255,1,ff", "1: priority 8 is above 7"},
-        {"plain", ",2,262400,7,255,1,ff", "1: PGN 262400 is above 262399"},
-        {"plain", ",2,99999999999999999999,7,255,1,ff", "1: PGN 99999999999999999999 is above 262399"},
+        {"plain", ",2,4294967295,7,255,1,ff", ""},
+        {"plain", ",2,4294967296,7,255,1,ff", "1: PGN 4294967296 is above 4294967295"},
+        {"plain", ",2,99999999999999999999,7,255,1,ff", "1: PGN 99999999999999999999 is above 4294967295"},
         {"plain", ",2,127250,256,255,1,ff", "1: source 256 is above 255"},
         {"plain", ",2,127250,7,256,1,ff", "1: destination 256 is above 255"},
         {"plain", ",2,127250,7,255,1786" + most + ",5a", "1: length 1786 is above 1785"},
@@ -562,8 +563,10 @@ TEST(Readers, CountForeignFrames) {
     const Contents contents = read_file("can0 123#00\ncan0 20000004#00\ncan0 18EAFF01#R\ncan0 18EAFF01#00\n");
     EXPECT_EQ(contents.foreign, 3u);
     EXPECT_EQ(contents.records.size(), 1u);
-    const Contents gateway = read_file(",0,262386,0,0,2,01,0e\n,2,127250,7,255,1,ff\n");
-    EXPECT_EQ(gateway.foreign, 1u);
+    const Contents gateway = read_file(
+        ",0,262144,0,0,2,01,0e\n12:00:00,7,4294967295,0,255,8,00,01,02,03,04,05,06,07\n,2,127250,7,255,1,"
+        "ff\n");
+    EXPECT_EQ(gateway.foreign, 2u);
     EXPECT_EQ(gateway.records.size(), 1u);
 }
 
