@@ -129,8 +129,8 @@ int Decoding::run() {
     how.format = options_.format;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_.flush(); };
-    if (!recording_.open(options_.file, how)) {
-        report_problem();
+    if (const auto opened = recording_.open(options_.file, how); !opened) {
+        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.reason().c_str());
         return EXIT_FAILED;
     }
     watch_interrupts();

@@ -191,8 +191,9 @@ std::string check_header(const EncodeOptions& options, std::uint32_t pgn, Record
         return "PGN " + std::to_string(pgn) + " is on no bus: the low byte of one with a destination is 0";
     if (options.time.empty()) return {};
     TimestampParser parser;
-    const char* why = "";
-    if (!parser.parse(options.time, time, why)) return "time " + quoted(options.time) + ": " + why;
+    auto parsed = parser.parse(options.time);
+    if (!parsed) return "time " + quoted(options.time) + ": " + parsed.reason();
+    time = *parsed;
     return {};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -7,12 +8,14 @@
 #include <string_view>
 #include <utility>
 
+#include "text/result.h"
+
 namespace vistel {
 
 /// Bytes of a file, pipe or terminal through one buffer of fixed size.
 class ByteSource {
   public:
-    enum class Fill {
+    enum class [[nodiscard]] Fill{
         data,    ///< there are new bytes
         end,     ///< there will be no more
         failed,  ///< there will be no more, for the reason in error()
@@ -27,11 +30,11 @@ class ByteSource {
     ByteSource(const ByteSource&) = delete;
     ByteSource& operator=(const ByteSource&) = delete;
 
-    /// Opens a file, or standard input for "-". False with the reason in error().
-    bool open(const std::string& path);
+    /// Opens a file, or standard input for "-". Once only.
+    Result<> open(const std::string& path);
 
     /// Reads from an open descriptor, which is closed in the end unless it is standard input.
-    bool attach(int descriptor);
+    Result<> attach(int descriptor);
 
     /// Longest wait of one fill() for a pipe or terminal, in milliseconds; negative for no limit.
     void set_patience(int milliseconds) { patience_ = milliseconds; }
@@ -41,12 +44,16 @@ class ByteSource {
 
     /// Bytes that are there and not consumed. Valid until the next fill().
     std::string_view unread() const { return {buffer_.get() + begin_, end_ - begin_}; }
-    void consume(std::size_t size) { begin_ += size; }
+    void consume(std::size_t size) {
+        assert(size <= end_ - begin_);
+        begin_ += size;
+    }
 
     /// Reads some more. The buffer must not be full.
     Fill fill(Wait wait);
 
     bool ended() const { return ended_; }
+    /// Why a fill() failed; empty as long as none did.
     const std::string& error() const { return error_; }
 
     /// Whether the bytes come from a file, which is there from the first to the last without waiting.
@@ -56,8 +63,6 @@ class ByteSource {
     std::uint64_t total() const { return total_; }  ///< 0 when unknown
 
   private:
-    void fail(int code);
-
     int descriptor_ = -1;
     bool is_file_ = false;
     bool ended_ = false;

@@ -199,10 +199,13 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
         describe(problem, "time ", quoted(text), " is not a number of seconds");
         return false;
     }
-    const char* why = "";
-    if (timestamps_.parse(text, time, why)) return true;
-    describe(problem, "time ", quoted(text), ": ", why);
-    return false;
+    auto parsed = timestamps_.parse(text);
+    if (!parsed) {
+        describe(problem, "time ", quoted(text), ": ", parsed.reason());
+        return false;
+    }
+    time = *parsed;
+    return true;
 }
 
 LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {

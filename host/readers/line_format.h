@@ -8,7 +8,7 @@
 
 namespace vistel {
 
-enum class LineResult {
+enum class [[nodiscard]] LineResult{
     record,
     nothing,  ///< belongs to the format but holds no record
     foreign,  ///< not NMEA 2000: another kind of frame, or a message of the gateway itself

@@ -112,7 +112,7 @@ class LineReader final : public RecordReader {
             if (line[0] == '#') {
                 format_.comment(line);
             } else {
-                format_.read(line, record, problem);
+                (void)format_.read(line, record, problem);
             }
         }
     }

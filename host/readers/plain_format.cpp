@@ -129,9 +129,13 @@ const char* PlainFormat::read_usual_header(std::string_view line, Record& record
     }
     if (comma == 0) {
         record.time = {};
-    } else if (const char* why = ""; !timestamps_.parse(line.substr(0, comma), record.time, why)) {
-        describe(problem, "timestamp ", quoted(line.substr(0, comma)), ": ", why);
-        return LineResult::problem;
+    } else {
+        auto parsed = timestamps_.parse(line.substr(0, comma));
+        if (!parsed) {
+            describe(problem, "timestamp ", quoted(line.substr(0, comma)), ": ", parsed.reason());
+            return LineResult::problem;
+        }
+        record.time = *parsed;
     }
 
     // Gateways log what they say of themselves under numbers of their own, above those of any PGN.

@@ -7,7 +7,7 @@
 
 namespace vistel {
 
-enum class ReadResult {
+enum class [[nodiscard]] ReadResult{
     record,
     problem,  ///< something cannot be understood; reading goes on behind it
     nothing,  ///< a piece without a record was passed, or the wait for input was cut short

@@ -29,29 +29,24 @@ bool only_blank_lines(std::string_view head) {
 
 }  // namespace
 
-bool Recording::open(const std::string& path, const RecordingOptions& options) {
+Result<> Recording::open(const std::string& path, const RecordingOptions& options) {
     return start(source_.open(path), options);
 }
 
-bool Recording::attach(int descriptor, const RecordingOptions& options) {
+Result<> Recording::attach(int descriptor, const RecordingOptions& options) {
     return start(source_.attach(descriptor), options);
 }
 
-bool Recording::start(bool opened, const RecordingOptions& options) {
-    if (!opened) {
-        describe(problem_, source_.error());
-        return false;
-    }
+Result<> Recording::start(Result<> opened, const RecordingOptions& options) {
+    if (!opened) return opened;
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
-    if (options.format.empty()) return true;
+    if (options.format.empty()) return {};
     const Format* format = find_format(options.format);
-    if (format == nullptr) {
-        describe(problem_, "unknown format ", quoted(options.format), "; known are ", format_names());
-        return false;
-    }
+    if (format == nullptr)
+        return failure("unknown format ", quoted(options.format), "; known are ", format_names());
     use(*format);
-    return true;
+    return {};
 }
 
 void Recording::use(const Format& format) {

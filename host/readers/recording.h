@@ -24,7 +24,7 @@ struct RecordingOptions {
 /// A recording or a live source, from which records are taken one by one:
 ///
 ///     Recording recording;
-///     if (!recording.open(path)) ...                       // recording.problem().text
+///     if (const auto opened = recording.open(path); !opened) ...  // opened.reason()
 ///     for (Record record;;) {
 ///         switch (recording.next(record)) { ... }
 ///     }
@@ -34,11 +34,12 @@ class Recording {
     Recording(const Recording&) = delete;
     Recording& operator=(const Recording&) = delete;
 
-    /// Opens a file, or standard input for "-". False with problem() set, its line 0. Once only.
-    bool open(const std::string& path, const RecordingOptions& options = {});
+    /// Opens a file, or standard input for "-". Once only.
+    Result<> open(const std::string& path, const RecordingOptions& options = {});
 
-    /// The same for a descriptor that is open already. It is closed with the recording.
-    bool attach(int descriptor, const RecordingOptions& options = {});
+    /// The same for a descriptor that is open already. It is closed with the recording, unless it is standard
+    /// input.
+    Result<> attach(int descriptor, const RecordingOptions& options = {});
 
     /// Takes the next record, or tells what came instead. A caller goes on after `problem` (problem() then
     /// tells it) and `nothing`, which also stands for a wait that the patience or a signal cut short.
@@ -64,7 +65,7 @@ class Recording {
   private:
     enum class State { ready, unknown_format, idle };
 
-    bool start(bool opened, const RecordingOptions& options);
+    Result<> start(Result<> opened, const RecordingOptions& options);
     State prepare(ByteSource::Wait wait);
     void use(const Format& format);
     ReadResult explain_end();
