@@ -26,9 +26,9 @@ bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
 }
 
 bool apply_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options) {
-    const std::string wrong = select_units(db, options);
-    if (!wrong.empty()) std::fprintf(stderr, "vistel: %s\n", wrong.c_str());
-    return wrong.empty();
+    const Result<> selected = select_units(db, options);
+    if (!selected) std::fprintf(stderr, "vistel: %s\n", selected.reason().c_str());
+    return bool(selected);
 }
 
 /// One run over a recording.

@@ -17,6 +17,7 @@
 #include "encode/suggestions.h"
 #include "output/unit_names.h"
 #include "readers/timestamp.h"
+#include "text/characters.h"
 #include "text/hex.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
@@ -43,36 +44,29 @@ std::string name_of(const PgnDef& row) {
     return utf8_of(pgn_def_name(&row));
 }
 
-/// A PGN by number or name.
+/// A PGN by number or name; without a row where the catalogue does not have it.
 struct Chosen {
     std::uint32_t number = 0;
     const PgnDef* row = nullptr;
-    std::string wrong;
 };
 
-Chosen choose_pgn(const std::string& text) {
-    Chosen chosen;
+Result<Chosen> choose_pgn(const std::string& text) {
+    std::uint32_t number = 0;
     const char* const last = text.data() + text.size();
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     const auto [end, error] =
-        std::from_chars(text.data() + (hexadecimal ? 2 : 0), last, chosen.number, hexadecimal ? 16 : 10);
-    if (end == last && error == std::errc{} && chosen.number <= max_pgn) {
-        chosen.row = find_pgn_def(chosen.number);
-        return chosen;
-    }
-    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos) {
-        chosen.wrong = "PGN " + in_quotes(text) + " is above " + std::to_string(max_pgn);
-        return chosen;
-    }
+        std::from_chars(text.data() + (hexadecimal ? 2 : 0), last, number, hexadecimal ? 16 : 10);
+    if (end == last && error == std::errc{} && number <= max_pgn) return Chosen{number, find_pgn_def(number)};
+    if (!text.empty() && std::ranges::all_of(text, is_digit))
+        return failure("PGN ", in_quotes(text), " is above ", max_pgn);
     std::vector<std::string> names;
     for (const PgnDef& row : all_pgns()) {
         const std::string name = name_of(row);
-        if (simplified(name) == simplified(text)) return {row.pgn, find_pgn_def(row.pgn), {}};
+        if (simplified(name) == simplified(text)) return Chosen{row.pgn, find_pgn_def(row.pgn)};
         if (std::ranges::find(names, name) == names.end()) names.push_back(name);
     }
-    chosen.wrong = "no PGN " + in_quotes(text) + "; " +
-                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names");
-    return chosen;
+    return failure("no PGN ", in_quotes(text), "; ",
+                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names"));
 }
 
 // ---- the list of fields ----
@@ -172,29 +166,30 @@ int list_fields(const EncodeOptions& options, const PgnDef& row) {
 
 // ---- the message ----
 
-std::string parse_fields(const EncodeOptions& options, std::vector<TypedField>& fields) {
+Result<std::vector<TypedField>> parse_fields(const EncodeOptions& options) {
+    std::vector<TypedField> fields;
     for (const std::string& argument : options.fields) {
-        if (!utf16_of(argument)) return quoted(argument) + " is not UTF-8 text";
+        if (!utf16_of(argument)) return failure(quoted(argument), " is not UTF-8 text");
         const std::size_t sign = argument.find('=');
-        if (sign == argument.npos) return in_quotes(argument) + " is not of the form LABEL=VALUE";
+        if (sign == argument.npos) return failure(in_quotes(argument), " is not of the form LABEL=VALUE");
         if (trimmed(argument.substr(0, sign)).empty())
-            return in_quotes(argument) + " has no label before the '='";
+            return failure(in_quotes(argument), " has no label before the '='");
         fields.push_back({argument.substr(0, sign), argument.substr(sign + 1)});
     }
-    return {};
+    return fields;
 }
 
-std::string check_header(const EncodeOptions& options, std::uint32_t pgn, RecordTime& time) {
+/// Checks the header and gives its time.
+Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn) {
     if (!is_addressed(pgn) && options.destination != 255)
-        return "PGN " + std::to_string(pgn) + " goes to everyone; it has no destination";
+        return failure("PGN ", pgn, " goes to everyone; it has no destination");
     if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
-        return "PGN " + std::to_string(pgn) + " is on no bus: the low byte of one with a destination is 0";
-    if (options.time.empty()) return {};
+        return failure("PGN ", pgn, " is on no bus: the low byte of one with a destination is 0");
+    if (options.time.empty()) return RecordTime{};
     TimestampParser parser;
     auto parsed = parser.parse(options.time);
-    if (!parsed) return "time " + quoted(options.time) + ": " + parsed.reason();
-    time = *parsed;
-    return {};
+    if (!parsed) return failure("time ", quoted(options.time), ": ", parsed.reason());
+    return *parsed;
 }
 
 /// The time stamp as candump writes it: seconds since 1970 where the day is known.
@@ -216,23 +211,22 @@ std::vector<std::string> encode_formats() {
 }
 
 int run_encode(const EncodeOptions& options) {
-    if (const std::string wrong = select_units(qv_n2k_pgn_db, options.units); !wrong.empty())
-        return fail(wrong);
+    if (const Result<> selected = select_units(qv_n2k_pgn_db, options.units); !selected)
+        return fail(selected.reason());
     if (!utf16_of(options.pgn)) return fail(quoted(options.pgn) + " is not UTF-8 text");
-    const Chosen pgn = choose_pgn(options.pgn);
-    if (!pgn.wrong.empty()) return fail(pgn.wrong);
+    Result<Chosen> pgn = choose_pgn(options.pgn);
+    if (!pgn) return fail(pgn.reason());
     if (options.list) {
         if (!options.fields.empty()) return fail("--list takes no fields");
-        if (pgn.row == nullptr) return fail("PGN " + options.pgn + " is not in the catalogue");
-        return list_fields(options, *pgn.row);
+        if (pgn->row == nullptr) return fail("PGN " + options.pgn + " is not in the catalogue");
+        return list_fields(options, *pgn->row);
     }
-    std::vector<TypedField> fields;
-    std::string wrong = parse_fields(options, fields);
-    RecordTime time;
-    if (wrong.empty()) wrong = check_header(options, pgn.number, time);
-    if (!wrong.empty()) return fail(wrong);
+    Result<std::vector<TypedField>> fields = parse_fields(options);
+    if (!fields) return fail(fields.reason());
+    Result<RecordTime> time = check_header(options, pgn->number);
+    if (!time) return fail(time.reason());
 
-    BuiltMessage built = build_message(qv_n2k_pgn_db, pgn.number, pgn.row, fields);
+    BuiltMessage built = build_message(qv_n2k_pgn_db, pgn->number, pgn->row, *fields);
     constexpr std::size_t most_errors = 20;
     for (std::size_t i = 0; i < std::min(built.errors.size(), most_errors); ++i) fail(built.errors[i]);
     if (built.errors.size() > most_errors)
@@ -240,15 +234,14 @@ int run_encode(const EncodeOptions& options) {
     if (!built.errors.empty()) return EXIT_FAILED;
     N2KMsg& msg = built.msg;
     constexpr int usual_priority = 6;
-    const int priority = pgn.row != nullptr ? static_cast<int>(pgn.row->priority) : usual_priority;
+    const int priority = pgn->row != nullptr ? static_cast<int>(pgn->row->priority) : usual_priority;
     msg.priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
     msg.source = static_cast<std::uint8_t>(options.source);
     msg.destination = static_cast<std::uint8_t>(options.destination);
-    const std::string lines = options.format == "candump"
-                                  ? candump_lines(msg, candump_time(options.time, time),
-                                                  static_cast<unsigned>(options.sequence), wrong)
-                                  : plain_lines(msg, options.time);
-    return wrong.empty() ? print(lines) : fail(wrong);
+    if (options.format != "candump") return print(plain_lines(msg, options.time));
+    Result<std::string> lines =
+        candump_lines(msg, candump_time(options.time, *time), static_cast<unsigned>(options.sequence));
+    return lines ? print(*lines) : fail(lines.reason());
 }
 
 }  // namespace vistel

@@ -34,9 +34,9 @@ constexpr Choice metric[] = {
 
 }  // namespace
 
-std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice) {
+Result<> select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice) {
     const std::size_t sign = choice.find('=');
-    if (sign == choice.npos) return concat("'", choice, "' is not of the form QUANTITY=UNIT");
+    if (sign == choice.npos) return failure("'", choice, "' is not of the form QUANTITY=UNIT");
     const std::string_view name = choice.substr(0, sign);
     const std::string_view text = choice.substr(sign + 1);
 
@@ -46,34 +46,34 @@ std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice) {
     if (row == rows.end()) {
         std::vector<std::string> labels;
         for (const QuantityRow& r : rows) labels.emplace_back(r.label);
-        return concat("no quantity '", name, "'; there are: ", joined(labels));
+        return failure("no quantity '", name, "'; there are: ", joined(labels));
     }
     const auto units = offered_units(row->quantity);
     const UnitId found = find_unit(units, text);
     if (found < 0) {
         std::vector<std::string> names;
         for (const UnitId u : units) names.push_back(unit_text(u));
-        return concat("no unit '", text, "' for ", row->label, "; there are: ", joined(names));
+        return failure("no unit '", text, "' for ", row->label, "; there are: ", joined(names));
     }
     db.SelectUnit(row->quantity, found);
     return {};
 }
 
-std::string select_units(QV_N2K_PGN_DB_c& db, std::string_view name) {
+Result<> select_units(QV_N2K_PGN_DB_c& db, std::string_view name) {
     if (name != "default" && name != "metric")
-        return concat("no set of units '", name, "'; there are: default, metric");
+        return failure("no set of units '", name, "'; there are: default, metric");
     for (DispDataType q = 0; q < quantity::count; ++q) db.SelectUnit(q, *available_units(q));
     if (name == "metric")
         for (const Choice& c : metric) db.SelectUnit(c.quantity, c.unit);
     return {};
 }
 
-std::string select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options) {
-    std::string wrong;
-    if (!options.set.empty()) wrong = select_units(db, options.set);
+Result<> select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options) {
+    Result<> selected;
+    if (!options.set.empty()) selected = select_units(db, options.set);
     for (const std::string& unit : options.units)
-        if (wrong.empty()) wrong = select_unit(db, unit);
-    return wrong;
+        if (selected) selected = select_unit(db, unit);
+    return selected;
 }
 
 }  // namespace vistel

@@ -5,14 +5,15 @@
 #include <vector>
 
 #include "pgn_vistel/pgn_db.h"
+#include "text/result.h"
 
 namespace vistel {
 
-/// Applies "QUANTITY=UNIT" to the database's selection. Returns what is wrong, or an empty text.
-std::string select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice);
+/// Applies "QUANTITY=UNIT" to the database's selection.
+Result<> select_unit(QV_N2K_PGN_DB_c& db, std::string_view choice);
 
-/// Applies a named choice for every quantity: "default" or "metric". Returns what is wrong, or an empty text.
-std::string select_units(QV_N2K_PGN_DB_c& db, std::string_view name);
+/// Applies a named choice for every quantity: "default" or "metric".
+Result<> select_units(QV_N2K_PGN_DB_c& db, std::string_view name);
 
 /// The units that a command line asks for.
 struct UnitOptions {
@@ -20,7 +21,7 @@ struct UnitOptions {
     std::vector<std::string> units;  ///< QUANTITY=UNIT
 };
 
-/// Applies both. Returns what is wrong, or an empty text.
-std::string select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options);
+/// Applies both.
+Result<> select_units(QV_N2K_PGN_DB_c& db, const UnitOptions& options);
 
 }  // namespace vistel

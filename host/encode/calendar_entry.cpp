@@ -38,15 +38,19 @@ enum class Fraction { rounded, cut_off };  // how decoding shows what is less th
 
 Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit, Fraction fraction) {
     const RawScale scale = scale_of(cell, unit);
-    if (scale.empty()) return "has no values that could be encoded";
+    if (scale.empty()) return failure("has no values that could be encoded");
     std::uint64_t raw = scale.nearest(value, {});
     // Just below a whole second would show the one before.
     constexpr int most = 4096;  // numbers that single precision may give one value
     if (fraction == Fraction::cut_off && value == std::floor(value))
         for (int i = 0; i < most && scale.value_of(raw) < value && scale.value_of(raw + 1); ++i) ++raw;
     cell.put(raw);
-    if (scale.meets(raw, value)) return "";
-    return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+    if (scale.meets(raw, value)) return Result<>();
+    return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));
+}
+
+Failure<> no_time_of_day(std::string_view text) {
+    return failure(in_quotes(text), " is not a time of day, as in 13:05:30 or 1:05:30 PM");
 }
 
 bool is_counted_as_clock(FieldCell& cell, UnitId unit) {
@@ -77,9 +81,8 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     const std::optional<Clock> clock = take_clock(text);
     if (!clock) {
         std::string_view rest = text;
-        return of_day && (!take_number(rest) || trimmed(rest).empty())
-                   ? Outcome(in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM")
-                   : Outcome();
+        if (of_day && (!take_number(rest) || trimmed(rest).empty())) return no_time_of_day(text);
+        return {};
     }
     const auto& [a, b, c] = clock->parts;
     if (!of_day) {
@@ -87,9 +90,9 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
             return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit, Fraction::cut_off);
         const std::string minutes = simplified(unit_text(unit::minutes));
         if (!clock->rest.empty() && simplified(clock->rest) != minutes)
-            return "has no unit " + in_quotes(clock->rest) + " behind a time with colons";
+            return failure("has no unit ", in_quotes(clock->rest), " behind a time with colons");
         if (clock->count == 3) {
-            if (b < 0 || b >= 60 || c < 0 || c >= 60) return in_quotes(text) + " is not h:mm:ss";
+            if (b < 0 || b >= 60 || c < 0 || c >= 60) return failure(in_quotes(text), " is not h:mm:ss");
             return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds,
                             Fraction::rounded);
         }
@@ -102,9 +105,9 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     }
     const std::string half = simplified(clock->rest);
     if (!half.empty() && half != "am" && half != "pm")
-        return in_quotes(text) + " has " + in_quotes(clock->rest) + " where AM or PM could stand";
+        return failure(in_quotes(text), " has ", in_quotes(clock->rest), " where AM or PM could stand");
     if (b < 0 || b >= 60 || c < 0 || c >= 60 || a < 0 || (!half.empty() && (a < 1 || a >= 13)))
-        return in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM";
+        return no_time_of_day(text);
     double hours = a;
     if (!half.empty()) hours = std::fmod(a, 12) + (half == "pm" ? 12 : 0);
     return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds, Fraction::cut_off);
@@ -126,13 +129,13 @@ Outcome enter_date(FieldCell& cell, std::string_view text) {
             typed = trimmed(typed.substr(0, typed.size() - name.size()));
         const std::wstring wanted(typed.begin(), typed.end());  // dates are ASCII
         for (std::uint64_t raw = 0; raw < days; ++raw)
-            if (!wanted.empty() && date_in(cell, raw, u) == wanted) return "";
+            if (!wanted.empty() && date_in(cell, raw, u) == wanted) return Result<>();
     }
     constexpr std::uint64_t some_day = 20706;
-    return in_quotes(text) + " is not a date from " + utf8_of(date_in(cell, 0, reading.unit)) + " to " +
-           utf8_of(date_in(cell, days - 4, reading.unit)) + ", as in " +
-           utf8_of(date_in(cell, some_day, reading.unit)) + " " + unit_text(reading.unit) + " or " +
-           utf8_of(date_in(cell, some_day, unit::date_ymd));
+    return failure(in_quotes(text), " is not a date from ", utf8_of(date_in(cell, 0, reading.unit)), " to ",
+                   utf8_of(date_in(cell, days - 4, reading.unit)), ", as in ",
+                   utf8_of(date_in(cell, some_day, reading.unit)), " ", unit_text(reading.unit), " or ",
+                   utf8_of(date_in(cell, some_day, unit::date_ymd)));
 }
 
 }  // namespace vistel

@@ -140,10 +140,10 @@ void Building::enter(FieldCell& cell) {
     } else if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
         report_full(label);
     } else if (typed != nullptr) {
-        if (std::string wrong = enter_value(cell, typed->value); !wrong.empty()) {
+        if (const Result<> entered = enter_value(cell, typed->value); !entered) {
             constexpr std::size_t longest_text = 256;
             full_ = cell.holds_text() && cell.bytes().size() < longest_text;
-            errors_.push_back(label + " " + wrong);
+            errors_.push_back(label + " " + entered.reason());
         }
     } else if (!begun) {
         cell.clear();
@@ -158,8 +158,8 @@ void Building::enter(FieldCell& cell) {
 
 void Building::fill_count() {
     if (!count_ || rounds_ == 0) return;
-    const std::string wrong = enter_value(*count_, std::to_string(rounds_));
-    if (!wrong.empty()) errors_.push_back(count_->label() + " " + wrong);
+    const Result<> entered = enter_value(*count_, std::to_string(rounds_));
+    if (!entered) errors_.push_back(count_->label() + " " + entered.reason());
 }
 
 /// Says so of the first field without room.

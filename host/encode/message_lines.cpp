@@ -1,6 +1,7 @@
 #include "encode/message_lines.h"
 
 #include <algorithm>
+#include <cassert>
 #include <span>
 
 #include "can/fast_packet.h"
@@ -96,7 +97,8 @@ std::string plain_lines(const N2KMsg& msg, std::string_view time) {
     return line + '\n';
 }
 
-std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong) {
+Result<std::string> candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence) {
+    assert(sequence < fast_packet::sequences);
     Frames frames(msg, time);
     if (pgn_vistel::is_fast_packet(msg.pgn) && msg.length <= fast_packet::most_bytes) {
         frames.put_fast(sequence);
@@ -105,9 +107,10 @@ std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned seq
     } else if (msg.destination == 255) {
         frames.put_broadcast();
     } else {
-        wrong = "a message of " + std::to_string(msg.length) +
-                " bytes to one device takes a dialogue that candump lines alone cannot show; the plain "
-                "format can";
+        return failure(
+            "a message of ", msg.length,
+            " bytes to one device takes a dialogue that candump lines alone cannot show; the plain "
+            "format can");
     }
     return frames.lines;
 }

@@ -144,19 +144,14 @@ bool enter_as_rounded(FieldCell& cell, std::string_view text, double number, std
     return false;
 }
 
-struct UnitFound {
-    UnitId unit;
-    std::string wrong;
-};
-
-UnitFound unit_for(FieldCell& cell, std::string_view text) {
+Result<UnitId> unit_for(FieldCell& cell, std::string_view text) {
     ConvValue value;
     const FieldReading reading = cell.read(value);
     const std::vector<UnitId> served = served_units(cell);
     const std::string name = simplified(unit_text(reading.unit));
     if (text.empty() || (!name.empty() && name == simplified(text))) {
-        if (has_values(cell, reading.unit)) return {reading.unit, {}};
-        if (text.empty() && served.size() == 1) return {served[0], {}};
+        if (has_values(cell, reading.unit)) return reading.unit;
+        if (text.empty() && served.size() == 1) return served[0];
     }
     UnitId found = find_unit(served, text);
     if (found < 0 && !text.empty() && looks_at_unit(cell)) {
@@ -165,15 +160,16 @@ UnitFound unit_for(FieldCell& cell, std::string_view text) {
             if (!unit_text(u).empty() && has_values(cell, u)) all.push_back(u);
         found = find_unit(all, text);
     }
-    if (found >= 0) return {found, {}};
+    if (found >= 0) return found;
     std::vector<std::string> names;
     for (const UnitId u : served)
         if (!unit_text(u).empty()) names.push_back(unit_text(u));
     if (served.empty())
-        return {-1, "has no values that could be encoded; a field before it may have to say how it is coded"};
-    if (names.empty()) return {-1, "takes no unit, but has " + in_quotes(text)};
-    return {-1, (text.empty() ? "needs one of its units" : "has no unit " + in_quotes(text)) +
-                    std::string("; there are: ") + joined(names)};
+        return failure(
+            "has no values that could be encoded; a field before it may have to say how it is coded");
+    if (names.empty()) return failure("takes no unit, but has ", in_quotes(text));
+    return failure(text.empty() ? "needs one of its units" : "has no unit " + in_quotes(text),
+                   "; there are: ", joined(names));
 }
 
 }  // namespace
@@ -245,7 +241,7 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
     if (!number) return {};
     const std::string_view digits = text.substr(0, text.size() - rest.size());
     if (rest.size() > 1 && rest[0] == ',' && is_digit(rest[1]))
-        return in_quotes(text) + " has a comma: a fraction is typed with a point, as in 1.5";
+        return failure(in_quotes(text), " has a comma: a fraction is typed with a point, as in 1.5");
     rest = trimmed(rest);
     std::string_view in_parentheses;
     const bool names_pgn = cell.dd().dd == pgn_number_dd && rest.starts_with('(');
@@ -256,23 +252,24 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
         rest = trimmed(rest.substr(close + 1));
     }
 
-    const auto [unit, wrong] = unit_for(cell, rest);
-    if (unit < 0) return wrong;
+    Result<UnitId> found = unit_for(cell, rest);
+    if (!found) return found.failed();
+    const UnitId unit = *found;
     const std::optional<std::uint64_t> integer = integer_of(digits);
     if (!integer || !enter_integer(cell, *integer, unit)) {
         const RawScale scale = scale_of(cell, unit);
-        if (scale.empty()) return "has no values that could be encoded";
+        if (scale.empty()) return failure("has no values that could be encoded");
         const std::uint64_t raw = scale.nearest(*number, parsed(cell, digits, unit));
         const bool whole = digits.find_first_not_of("+-0123456789") == digits.npos;
         const bool meant = is_meant(cell, scale, raw, *number, whole, unit);
         if (!shows(cell, text) && !enter_as_rounded(cell, text, *number, raw, unit)) {
             cell.put(raw);
-            if (!meant) return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+            if (!meant) return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));
         }
     }
     if (!in_parentheses.empty() && cell.shown().find(in_parentheses) == std::string::npos)
-        return std::string(digits) + " and " + std::string(in_parentheses) + " are different numbers";
-    return "";
+        return failure(digits, " and ", in_parentheses, " are different numbers");
+    return Result<>();
 }
 
 }  // namespace vistel

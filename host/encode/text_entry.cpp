@@ -67,27 +67,26 @@ std::size_t room_of(FieldCell& cell) {
 }
 
 /// Compares what is read with what was typed.
-std::string difference(const FieldCell& cell, std::string_view typed) {
+Result<> check_shown(const FieldCell& cell, std::string_view typed) {
     const std::string shown = cell.shown();
-    if (trimmed(shown) == trimmed(typed)) return "";
+    if (trimmed(shown) == trimmed(typed)) return {};
     if (typed.starts_with(shown)) {
         const auto characters = utf16_of(shown)->size();
         const std::size_t next = shown.size();
         if (next < typed.size() && (typed[next] & 0x80) == 0)
-            return "holds " + std::to_string(characters) + " characters only: " + in_quotes(typed) +
-                   " is longer";
+            return failure("holds ", characters, " characters only: ", in_quotes(typed), " is longer");
     }
-    return in_quotes(typed) + " has characters that the field cannot hold";
+    return failure(in_quotes(typed), " has characters that the field cannot hold");
 }
 
-std::string enter_bytes(FieldCell& cell, std::string_view text) {
+Result<> enter_bytes(FieldCell& cell, std::string_view text) {
     const auto bytes = bytes_of(text);
-    if (!bytes) return in_quotes(text) + " is not bytes, as in 01 02 FF";
+    if (!bytes) return failure(in_quotes(text), " is not bytes, as in 01 02 FF");
     if (const std::size_t room = room_of(cell); bytes->size() > room)
-        return "has " + std::to_string(room) + " bytes, not " + std::to_string(bytes->size());
+        return failure("has ", room, " bytes, not ", bytes->size());
     std::ranges::copy(*bytes, cell.bytes().begin());
     cell.end_behind(static_cast<int>(bytes->size()));
-    return "";
+    return {};
 }
 
 }  // namespace
@@ -103,7 +102,7 @@ std::optional<std::vector<std::uint8_t>> bytes_of(std::string_view text) {
     return bytes;
 }
 
-std::string enter_text(FieldCell& cell, std::string_view text) {
+Result<> enter_text(FieldCell& cell, std::string_view text) {
     const std::uint32_t format = cell.dd().format->df;
     if (format == hex_dump) return enter_bytes(cell, text);
     // Blanks at the end cannot be seen, and decoding puts one of its own there.
@@ -113,22 +112,22 @@ std::string enter_text(FieldCell& cell, std::string_view text) {
     if (format == fixed_text) {
         const std::size_t room = room_of(cell);
         if (characters.size() > room)
-            return "holds " + std::to_string(room) + " characters only: " + in_quotes(text) + " has " +
-                   std::to_string(characters.size());
+            return failure("holds ", room, " characters only: ", in_quotes(text), " has ", characters.size());
         for (const char16_t c : characters) field.push_back(c < 0x100 ? static_cast<std::uint8_t>(c) : 0);
         field.resize(room, 0xFF);
     } else {
         constexpr std::size_t longest = 250;  // characters, in any of the two
         if (characters.size() > longest && format == short_text)
-            return "holds 125 characters only: " + in_quotes(text) + " is longer";
+            return failure("holds 125 characters only: ", in_quotes(text), " is longer");
         field = prefixed(characters, format);
-        if (format == short_text && field.size() > 252) return in_quotes(text) + " is too long for the field";
+        if (format == short_text && field.size() > 252)
+            return failure(in_quotes(text), " is too long for the field");
         if (field.size() > cell.bytes().size())
-            return in_quotes(text) + " does not fit into the " + std::to_string(N2K_MAX_PAYLOAD) +
-                   " bytes of a message";
+            return failure(in_quotes(text), " does not fit into the ", unsigned{N2K_MAX_PAYLOAD},
+                           " bytes of a message");
     }
     std::ranges::copy(field, cell.bytes().begin());
-    return difference(cell, text);
+    return check_shown(cell, text);
 }
 
 }  // namespace vistel
