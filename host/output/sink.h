@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <string_view>
 
@@ -30,6 +31,7 @@ class Sink {
     void put(std::wstring_view text);
     /// An indented line with its end. `indent` has at most 16 characters, `text` at most 4096.
     void put_line(std::string_view indent, std::wstring_view text) {
+        assert(indent.size() <= 16 && text.size() <= 4096);
         char* at = reserve(16 + text.size() * utf8_most + 1);
         at = std::copy(indent.begin(), indent.end(), at);
         at = put_utf8(at, text);
@@ -62,6 +64,7 @@ class Sink {
     void put_slowly(std::string_view text);
     /// Room for `size` bytes, which may be at most an eighth of the buffer.
     char* reserve(std::size_t size) {
+        assert(size <= buffer_.size() / 8);
         if (buffer_.size() - used_ < size) flush();
         return buffer_.data() + used_;
     }
