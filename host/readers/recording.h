@@ -16,8 +16,8 @@
 namespace vistel {
 
 struct RecordingOptions {
-    std::string format;    ///< name of a format; empty to tell it by the contents
-    int patience_ms = -1;  ///< longest wait of next() for a pipe or terminal; negative for no limit
+    std::string format = {};  ///< name of a format; empty to tell it by the contents
+    int patience_ms = -1;     ///< longest wait of next() for a pipe or terminal; negative for no limit
     std::function<void()> before_wait = {};  ///< called before every such wait: time to show what there is
 };
 

@@ -33,6 +33,16 @@ TEST(Pgns, LookupMeetsTheSameVariantAsEver) {
         EXPECT_EQ(find_pgn_def(pgn), nullptr) << pgn;
 }
 
+TEST(Pgns, FastPackets) {
+    for (const std::uint32_t pgn :
+         {126208u, 126464u, 126720u, 126996u, 129029u, 130060u, 130816u, 130999u, 131071u})
+        EXPECT_TRUE(is_fast_packet(pgn)) << pgn;
+    // Below 126208 none is; some fill one frame; unknown ones between are taken as single frames.
+    for (const std::uint32_t pgn : {0u, 59904u, 65240u, 65535u, 126207u, 126993u, 127250u, 127252u, 127744u,
+                                    127751u, 128000u, 130815u, 131072u, 262143u, 0xFFFFFFFFu})
+        EXPECT_FALSE(is_fast_packet(pgn)) << pgn;
+}
+
 TEST(Pgns, ClosingRowAndFormatFlag) {
     const PgnDef& closing = all_pgns().back();
     EXPECT_EQ(all_pgns().size(), 309u);
