@@ -127,8 +127,9 @@ int Decoding::run() {
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
-    if (!recording_.open(options_.file, how)) {
-        report_problem();
+    how.before_wait = [this] { out_.flush(); };
+    if (const auto opened = recording_.open(options_.file, how); !opened) {
+        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.error().text.c_str());
         return EXIT_FAILED;
     }
     watch_interrupts();
@@ -141,7 +142,6 @@ int Decoding::run() {
     bool more = true;
     bool readable = true;
     while (more && out_.is_open() && !interrupted()) {
-        if (recording_.would_wait()) out_.flush();
         switch (recording_.next(record)) {
             case ReadResult::record:
                 reassembler_.put(record);

@@ -193,12 +193,10 @@ Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn)
         return failure("PGN ", pgn, " goes to everyone; it has no destination");
     if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
         return failure("PGN ", pgn, " is on no bus: the low byte of one with a destination is 0");
-    RecordTime time;
-    if (options.time.empty()) return time;
-    TimestampParser parser;
-    const char* why = "";
-    if (!parser.parse(options.time, time, why)) return failure("time ", quoted(options.time), ": ", why);
-    return time;
+    if (options.time.empty()) return RecordTime{};
+    auto time = TimestampParser().parse(options.time);
+    if (!time) return failure("time ", quoted(options.time), ": ", time.error());
+    return *time;
 }
 
 /// The time stamp as candump writes it: seconds since 1970 where the day is known.

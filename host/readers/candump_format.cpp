@@ -1,6 +1,7 @@
 #include "readers/candump_format.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "can/identifier.h"
@@ -144,6 +145,7 @@ bool read_usual_packed_data(const char* p, const char* end, N2KMsg& msg) {
 /// Reads a line as candump prints most of them: seconds or no time, one word for the interface or angles, an
 /// identifier of NMEA 2000, data. False for every other line, and then nothing is known of it.
 bool read_usual_line(std::string_view line, Record& record) {
+    assert(!line.empty() && !is_blank(line.back()));
     const char* p = line.data();
     const char* const end = p + line.size();
     record.time = {};
@@ -199,10 +201,13 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
         describe(problem, "time ", quoted(text), " is not a number of seconds");
         return false;
     }
-    const char* why = "";
-    if (timestamps_.parse(text, time, why)) return true;
-    describe(problem, "time ", quoted(text), ": ", why);
-    return false;
+    auto parsed = timestamps_.parse(text);
+    if (!parsed) {
+        describe(problem, "time ", quoted(text), ": ", parsed.error());
+        return false;
+    }
+    time = *parsed;
+    return true;
 }
 
 LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {

@@ -1,6 +1,7 @@
 #include "readers/plain_format.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "can/identifier.h"
 #include "readers/scan.h"
@@ -21,14 +22,14 @@ struct HeaderField {
 /// Reads the decimal number at `p` up to the next comma, where `p` is left, or the end.
 bool read_number(const char*& p, const char* end, const HeaderField& field, std::uint32_t& value,
                  Problem& problem) {
-    constexpr std::ptrdiff_t most_digits = 9;
+    constexpr std::ptrdiff_t most_digits = 10;  // of 32 bits
     const char* const start = p;
-    std::uint32_t result = 0;
+    std::uint64_t result = 0;
     while (p != end && is_digit(*p) && p - start < most_digits) {
-        result = result * 10 + static_cast<std::uint32_t>(*p++ - '0');
+        result = result * 10 + static_cast<unsigned>(*p++ - '0');
     }
     if (p != start && (p == end || *p == ',') && result <= field.most) [[likely]] {
-        value = result;
+        value = static_cast<std::uint32_t>(result);
         return true;
     }
     const std::string_view text(start, static_cast<std::size_t>(std::find(start, end, ',') - start));
@@ -128,13 +129,17 @@ const char* PlainFormat::read_usual_header(std::string_view line, Record& record
     }
     if (comma == 0) {
         record.time = {};
-    } else if (const char* why = ""; !timestamps_.parse(line.substr(0, comma), record.time, why)) {
-        describe(problem, "timestamp ", quoted(line.substr(0, comma)), ": ", why);
-        return LineResult::problem;
+    } else {
+        auto parsed = timestamps_.parse(line.substr(0, comma));
+        if (!parsed) {
+            describe(problem, "timestamp ", quoted(line.substr(0, comma)), ": ", parsed.error());
+            return LineResult::problem;
+        }
+        record.time = *parsed;
     }
 
-    // Gateways log what they say of themselves under numbers above those of any PGN.
-    constexpr std::uint32_t max_gateway_number = max_pgn + 256;
+    // Gateways log what they say of themselves under numbers of their own, above those of any PGN.
+    constexpr std::uint32_t max_gateway_number = std::numeric_limits<std::uint32_t>::max();
     static constexpr HeaderField fields[] = {{"priority", 7},
                                              {"PGN", max_gateway_number},
                                              {"source", 255},

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "can/record.h"
+#include "text/result.h"
 
 namespace vistel {
 
@@ -14,8 +15,8 @@ namespace vistel {
 /// with up to nine decimals, for the years 1970 to 2261 (nanoseconds in 64 bits end in 2262).
 class TimestampParser {
   public:
-    /// False when `text` is something else; `why` then tells what, as in "there is no such date".
-    bool parse(std::string_view text, RecordTime& time, const char*& why);
+    /// Of a text that is something else the result says so, as in "there is no such date".
+    Result<RecordTime, const char*> parse(std::string_view text);
 
     /// The same for the usual shape, `2016-02-28T19:57:02.364` with or without a Z behind it, and for the
     /// minute that parse() read last. `p` has 24 characters. Where what it read ends, or null for anything
@@ -23,7 +24,7 @@ class TimestampParser {
     const char* read_usual(const char* p, RecordTime& time) const;
 
   private:
-    bool parse_date(std::string_view date, const char*& why);
+    Result<Done, const char*> parse_date(std::string_view date);
 
     // Neighbouring records share their date, so the calendar is consulted once a day, and nearly always their
     // minute.
