@@ -52,21 +52,18 @@ TEST(Fields, Sizes) {
     EXPECT_EQ(normalised(2, 0, 7, 126996), Size(2, 0));
 }
 
-TEST(Fields, FirstRowAndSteps) {
-    EXPECT_STREQ(first_field_row(127250)->name, "Sequence ID");
+TEST(Fields, Rows) {
     EXPECT_STREQ(first_field_row(126208)->name, "Request Group Function Code");
     EXPECT_STREQ(first_field_row_keyed(126208, 1)->name, "Command Group Function Code");
+    EXPECT_EQ(first_field_row_keyed(126208, 7)->field, 0u);
     for (const std::uint32_t pgn : {0u, 25u, 131071u, 9999998u, 0xFFFFFFFFu})
         EXPECT_EQ(first_field_row(pgn)->field, 0u);
-    EXPECT_EQ(first_field_row_keyed(126208, 7)->field, 0u);
-
     const FieldDef* const first = first_field_row(60928);
     EXPECT_EQ(next_field_row(first, -1), nullptr);
     EXPECT_EQ(next_field_row(next_field_row(first, 9), -9), first);
     EXPECT_EQ(next_field_row(first, 10)->field, 0u);
     // Among variants a step lands on the first one of the next field number.
-    const FieldDef* const acknowledgment = first_field_row_keyed(126208, 2);
-    EXPECT_STREQ(next_field_row(acknowledgment, 1)->name, "Requested PGN");
+    EXPECT_STREQ(next_field_row(first_field_row_keyed(126208, 2), 1)->name, "Requested PGN");
 }
 
 TEST(Fields, NumberByPosition) {

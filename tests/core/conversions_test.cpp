@@ -260,11 +260,9 @@ std::string text_in(const Value& value) {
     return text;
 }
 
-std::string text_of(DF df, Bytes field, int available = -1, int bytes = 0, TextScratch& kept = scratch) {
-    if (available < 0) available = static_cast<int>(field.size());
-    field.resize(static_cast<std::size_t>(std::max(available, 0)));  // so that a step too far is seen
+std::string text_of(DF df, const Bytes& field, int bytes = 0, TextScratch& kept = scratch) {
     Value value;
-    convert_text(*find_format_plan(df), field.data(), available, bytes, kept, value);
+    convert_text(*find_format_plan(df), field.data(), static_cast<int>(field.size()), bytes, kept, value);
     return text_in(value);
 }
 
@@ -290,31 +288,31 @@ TEST(Texts, EveryFormat) {
     EXPECT_EQ(text_of(50, longest), std::string(125, 'x'));
     longest[0] = 0xF9, longest[1] = 6, longest[2] = 1;
     EXPECT_EQ(text_of(51, longest), std::string(891, 'x'));
-    EXPECT_EQ(text_of(63, {'A', 'B', 0xFF, 0xFF}, -1, 4), "AB");
-    EXPECT_EQ(text_of(63, {'A', 0, 'C'}, -1, 3), "A");
-    EXPECT_EQ(text_of(63, {'A', 0xE9}, -1, 10), "A\u00E9") << "what is there";
-    EXPECT_EQ(text_of(63, Bytes(3000, 'z'), -1, 5000), std::string(1785, 'z'));
-    EXPECT_EQ(text_of(3002, {0x01, 0xAB}, -1, 2), "01 AB");
-    EXPECT_EQ(text_of(3002, Bytes(100, 0x7A), -1, 100).size(), 251u);
-    EXPECT_EQ(text_of(3002, {}, 0, 5), "");
+    EXPECT_EQ(text_of(63, {'A', 'B', 0xFF, 0xFF}, 4), "AB");
+    EXPECT_EQ(text_of(63, {'A', 0, 'C'}, 3), "A");
+    EXPECT_EQ(text_of(63, {'A', 0xE9}, 10), "A\u00E9") << "what is there";
+    EXPECT_EQ(text_of(63, Bytes(3000, 'z'), 5000), std::string(1785, 'z'));
+    EXPECT_EQ(text_of(3002, {0x01, 0xAB}, 2), "01 AB");
+    EXPECT_EQ(text_of(3002, Bytes(100, 0x7A), 100).size(), 251u);
+    EXPECT_EQ(text_of(3002, {}, 5), "");
 }
 
 TEST(Texts, ARefusedHeaderShowsTheLastTextOfItsScratch) {
     const auto mine = std::make_unique<TextScratch>(), other = std::make_unique<TextScratch>();
-    EXPECT_EQ(text_of(50, {4, 1, 'o', 'k'}, -1, 0, *mine), "ok");
-    EXPECT_EQ(text_of(51, {6, 0, 1, 'y', 'e', 's'}, -1, 0, *mine), "yes");
+    EXPECT_EQ(text_of(50, {4, 1, 'o', 'k'}, 0, *mine), "ok");
+    EXPECT_EQ(text_of(51, {6, 0, 1, 'y', 'e', 's'}, 0, *mine), "yes");
     for (const auto& [length, encoding] : {std::pair{0, 1}, {1, 1}, {253, 1}, {255, 0}, {5, 2}, {5, 255}}) {
         const Bytes refused = {static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(encoding), 'X',
                                'Y', 'Z'};
-        EXPECT_EQ(text_of(50, refused, -1, 0, *mine), "ok");
-        EXPECT_EQ(text_of(50, refused, -1, 0, *other), "");
+        EXPECT_EQ(text_of(50, refused, 0, *mine), "ok");
+        EXPECT_EQ(text_of(50, refused, 0, *other), "");
     }
     for (const auto& [low, high, encoding] :
          {std::tuple{0, 0, 1}, {2, 0, 1}, {0xFA, 6, 1}, {0xFF, 0xFF, 0}, {6, 0, 2}}) {
         const Bytes refused = {static_cast<std::uint8_t>(low), static_cast<std::uint8_t>(high),
                                static_cast<std::uint8_t>(encoding), 'X', 'Y'};
-        EXPECT_EQ(text_of(51, refused, -1, 0, *mine), "yes");
-        EXPECT_EQ(text_of(51, refused, -1, 0, *other), "");
+        EXPECT_EQ(text_of(51, refused, 0, *mine), "yes");
+        EXPECT_EQ(text_of(51, refused, 0, *other), "");
     }
 }
 

@@ -18,7 +18,6 @@ RULE_UNITS = {
 }
 # Conversions that know their scale themselves; all others count ones.
 CONVERSION_MEASURES = {
-    "convert_ac_energy": Measure(1, "kWh", "unsigned"),
     "convert_ac_power": Measure(1, "W", None),
     "convert_date": Measure(1, "day", "unsigned"),
     "convert_double_distance": Measure(1, "m", "float"),
@@ -31,14 +30,14 @@ CONVERSION_MEASURES = {
     "convert_longitude_64": Measure(1e-16, "deg", "signed"),
     "convert_period_minutes": Measure(60, "s", "unsigned"),
     "convert_peukert": Measure(0.002, "", "unsigned"),
-    "convert_position_24": Measure(1e-5, "deg", "signed"),
     "convert_power_factor": Measure(2**-14, "", None),
     "convert_run_time": Measure(1, "s", "unsigned"),
     "convert_text_fixed": Measure(1, "", "text"),
     "convert_text_medium": Measure(1, "", "text"),
     "convert_text_short": Measure(1, "", "text"),
 }
-LISTED_UNITS = {39: "W", 45: "rpm", 46: "dB"}  # the other listed units are plain numbers
+LISTED_UNITS = {28: "deg", 39: "W", 45: "rpm", 46: "dB"}  # the other listed units are plain numbers
+OPEN_UNITS = {2468: "kWh"}  # what formats count that give their number for every unit
 # Units of the sources. A rate has the rule of what flows, and every kind of AC power that of power.
 SOURCE_UNITS = {
     "%": ("", 1), "ppm": ("", 1), "ppt": ("", 1), "Cos Phi": ("", 1), "Ah": ("C", 3600), "L/h": ("L", 1),
@@ -56,7 +55,7 @@ def measure_of_format(row):
     scale = float(row.scale.rstrip("f"))
     if kind == "listed":
         return Measure(scale, LISTED_UNITS.get(detail[0], ""), coding)
-    unit, factor = RULE_UNITS.get(detail, ("", 1))
+    unit, factor = RULE_UNITS.get(detail, (OPEN_UNITS.get(row.df, ""), 1))
     return Measure(scale * factor, unit, coding)
 
 
