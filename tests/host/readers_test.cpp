@@ -323,7 +323,7 @@ TEST(Readers, ReadUsualLinesAsAllOthers) {
          {"(1502979132.106111) can0 09F50374#000A00FF00000000", "(0000000001.000001) vcan12 19F0127F#",
           "(1502979132.999999)  can0  09F8027F   [8]  00 FC 01 02 03 04 05 06",
           "can0  09F8027F   [3]  00 fc 01", "<0x18eeff01> [8] 05 a0 be 1c 00 a0 a0 c0",
-          "(9214646399.999999) can0 1FFFFFFF#FF"}},
+          "(9214646399.999999) can0 1FFFFFFF#FF", "(1502979132.106111) [8] 09F50374#0A"}},
     };
     for (const auto& c : cases) {
         std::mt19937 random(1);
