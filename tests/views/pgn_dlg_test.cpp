@@ -61,7 +61,7 @@ class MonitorDialog : public testing::Test {
     std::uint32_t time_ = 0;
     QV_N2K_PGN_DB_c db_;
     std::unique_ptr<PGN_VistelDlg_c> dialog_ =
-        std::make_unique<PGN_VistelDlg_c>(nullptr, &db_, &created_, 100, plain);
+        std::make_unique<PGN_VistelDlg_c>(nullptr, &db_, &created_, 100, plain_display);
     Parts parts_{*dialog_};
 };
 

@@ -11,8 +11,6 @@ using namespace pgn_vistel::core;
 namespace pgn_vistel::test {
 namespace {
 
-constexpr unsigned long plain_display = 2;  // display flag: numbers without their hexadecimal form
-
 /// The control of a monitor, in a window that is shown.
 struct ToolkitControl {
     wxFrame frame{nullptr, wxID_ANY, "Host"};
@@ -33,7 +31,9 @@ struct ToolkitMonitor : private ToolkitControl {
 
 /// A monitor on a native tree. It has the global database.
 struct NativeMonitor : private CTreeCtrl {
-    explicit NativeMonitor(unsigned long capacity) : tree(nullptr, this, capacity, plain_display) { tree.OnInit(); }
+    explicit NativeMonitor(unsigned long capacity) : tree(nullptr, this, capacity, plain_display) {
+        tree.OnInit();
+    }
     std::vector<Block> blocks() const { return blocks_of(*this); }
 
     PGN_VistelTree_c tree;
