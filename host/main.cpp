@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "commands/catalogue.h"
 #include "command_line/command_line.h"
+#include "commands/catalogue.h"
 #include "commands/decode.h"
 #include "commands/encode.h"
 #include "commands/monitor.h"

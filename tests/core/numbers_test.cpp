@@ -121,8 +121,9 @@ TEST(Numbers, Integers) {
         ASSERT_EQ(written([=](char* at) { return write_unsigned(at, number); }), shortest(number));
         ASSERT_EQ(written([=](char* at) { return write_signed(at, with_sign); }), shortest(with_sign));
         for (const int least : {1, 8, 16})
-            ASSERT_EQ(written([=](char* at) { return write_hex(at, static_cast<std::uint32_t>(number), least); }),
-                      printf_form("%0*X", least, static_cast<std::uint32_t>(number)));
+            ASSERT_EQ(
+                written([=](char* at) { return write_hex(at, static_cast<std::uint32_t>(number), least); }),
+                printf_form("%0*X", least, static_cast<std::uint32_t>(number)));
     }
     for (std::uint64_t power = 1, i = 0; i < 20; ++i, power *= 10)
         for (const std::uint64_t n : {power - 1, power, power + 1})

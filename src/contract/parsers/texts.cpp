@@ -59,7 +59,8 @@ ConvValue* parse_text_medium(ConvValue* out, const char* text, UnitId) {
     static char area[header + bound];
     const int count = copy_narrow(area + header, text, bound);
     // The length leaves out the first two characters instead of counting the header in, so a reader of the
-    // field misses the text's last five: the text interface leaves it to the sender to write the field's length.
+    // field misses the text's last five: the text interface leaves it to the sender to write the field's
+    // length.
     put_u16(reinterpret_cast<std::uint8_t*>(area), static_cast<unsigned>(std::max(count - 2, 0)));
     area[2] = static_cast<char>(core::SentEncoding::ascii);
     store_text(out, area);
