@@ -413,7 +413,7 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
             return convert_self_described(static_cast<DF>(raw.bits), raw.bits >> 16, u, scratch, out);
         case Reading::self_described_before:
             return convert_self_described(raw.before, raw.bits, u, scratch, out);
-        case Reading::never_available: break;
+        case Reading::never_available:
         case Reading::text_short:
         case Reading::text_medium:
         case Reading::text_fixed:

@@ -183,7 +183,7 @@ const FieldDef& field_row(std::uint16_t row);
 std::uint8_t find_set(std::uint32_t dd);
 
 /// Entry that a set has for a value beyond its index, or `no_entry`.
-std::uint16_t search_entry(std::uint8_t set, std::uint32_t value);
+std::uint16_t search_entry(std::uint8_t index, std::uint32_t value);
 
 /// Entry that a set has for a value, or `no_entry`. Not for flags.
 inline std::uint16_t find_entry(std::uint8_t set, std::uint32_t value) {

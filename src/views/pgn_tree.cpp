@@ -126,8 +126,7 @@ PGN_VistelTree_c::PGN_VistelTree_c(wxWindow*, wxWindow* tree, QV_N2K_PGN_DB_c* d
 PGN_VistelTree_c::PGN_VistelTree_c(const PGN_VistelTree_c& other) : state_(share(other.state_)) {}
 
 PGN_VistelTree_c& PGN_VistelTree_c::operator=(const PGN_VistelTree_c& other) {
-    TreeState* const left = std::exchange(state_, share(other.state_));
-    release(left);
+    if (this != &other) release(std::exchange(state_, share(other.state_)));
     return *this;
 }
 
