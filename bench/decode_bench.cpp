@@ -1,79 +1,116 @@
-// Decoding of the sample voyage: CPU time per message and per field, without reading and without writing.
+// Decoding of the sample voyage, step by step: messages and fields a second, without reading and without
+// writing.
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
 
+#include <array>
 #include <memory>
+#include <vector>
 
-#include "output/writers.h"
-#include "pgn_vistel/stream_lines.h"
+#include "pgn_vistel/core/render.h"
 #include "sample.h"
 
 namespace {
 
-using pgn_vistel::find_pgn_def;
-using pgn_vistel::MessageWalk;
+using namespace pgn_vistel::core;
 
-const std::vector<SampleMessage>& sample() {
-    static const auto messages = load_sample(SAMPLE);
-    return messages;
-}
+/// The messages, and where the walk goes in each of them.
+struct Sample {
+    std::vector<SampleMessage> messages = load_sample(SAMPLE);
+    std::vector<PayloadPosition> positions;  // behind each field, one message after the other
 
-std::int64_t count_fields() {
-    std::int64_t fields = 0;
-    for (const SampleMessage& entry : sample()) {
-        MessageWalk walk(find_pgn_def(entry.msg.pgn), entry.msg);
-        for (; walk.next(); ++fields) {
-            ConvValue value{};
-            const auto& field = walk.field();
-            walk.position = read_field(qv_n2k_pgn_db, entry.msg, *field.row->dd, field.bytes, field.bits,
-                                       walk.position, pgn_vistel::unit::selected, &value)
-                                .next;
+    Sample() {
+        TextScratch scratch;
+        for (const SampleMessage& entry : messages) {
+            MessageWalk walk(find_pgn_def(entry.msg.pgn), entry.msg);
+            while (walk.next()) {
+                walk.position =
+                    read_field(entry.msg, walk.field(), walk.position, {}, unit::selected, scratch).next;
+                positions.push_back(walk.position);
+            }
         }
     }
-    return fields;
+};
+
+const Sample& sample() {
+    static const Sample loaded;
+    return loaded;
 }
 
-void report(benchmark::State& state) {
+/// Runs `act` on every message, again and again.
+template <class Act>
+void run(benchmark::State& state, Act act) {
+    const Sample& all = sample();
+    for (auto _ : state)
+        for (const SampleMessage& entry : all.messages) act(entry);
     const auto rounds = static_cast<double>(state.iterations());
     using benchmark::Counter;
-    state.counters["messages"] = Counter(rounds * static_cast<double>(sample().size()), Counter::kIsRate);
-    state.counters["fields"] = Counter(rounds * static_cast<double>(count_fields()), Counter::kIsRate);
+    state.counters["messages"] = Counter(rounds * static_cast<double>(all.messages.size()), Counter::kIsRate);
+    state.counters["fields"] = Counter(rounds * static_cast<double>(all.positions.size()), Counter::kIsRate);
 }
 
-// The lines of the monitor as wide text.
-void lines(benchmark::State& state) {
-    wchar_t line[pgn_vistel::line_size];
-    for (auto _ : state) {
-        for (const SampleMessage& entry : sample()) {
-            const auto* const pgn = find_pgn_def(entry.msg.pgn);
-            benchmark::DoNotOptimize(print_stream_line(line, pgn_vistel::line_size, entry.msg, pgn));
-            pgn_vistel::StreamLines rest(qv_n2k_pgn_db, pgn, entry.msg, 0);
-            while (rest.next(line, pgn_vistel::line_size) >= 0) benchmark::DoNotOptimize(line);
+/// Which field comes next, and nothing of what it says.
+void walk(benchmark::State& state) {
+    const PayloadPosition* position = nullptr;
+    run(state, [&](const SampleMessage& entry) {
+        if (&entry == sample().messages.data()) position = sample().positions.data();
+        MessageWalk walk(find_pgn_def(entry.msg.pgn), entry.msg);
+        for (; walk.next(); walk.position = *position++) benchmark::DoNotOptimize(&walk.field());
+    });
+}
+BENCHMARK(walk)->Unit(benchmark::kMillisecond);
+
+void values(benchmark::State& state) {
+    const UnitSelection units;
+    TextScratch scratch;
+    run(state, [&](const SampleMessage& entry) {
+        MessageWalk walk(find_pgn_def(entry.msg.pgn), entry.msg);
+        while (walk.next()) {
+            const FieldReading reading =
+                read_field(entry.msg, walk.field(), walk.position, units, unit::selected, scratch);
+            walk.position = reading.next;
+            benchmark::DoNotOptimize(&reading);
         }
-    }
-    report(state);
+    });
 }
-BENCHMARK(lines)->Unit(benchmark::kMillisecond);
+BENCHMARK(values)->Unit(benchmark::kMillisecond);
 
-void write_with(benchmark::State& state, vistel::MessageWriter& writer) {
-    const auto sink = std::make_unique<vistel::Sink>(open("/dev/null", O_WRONLY | O_CLOEXEC));
-    for (auto _ : state)
-        for (const SampleMessage& entry : sample())
-            writer.write(*sink, {entry.msg, find_pgn_def(entry.msg.pgn), entry.time.nanoseconds, true,
-                                 entry.time.nanoseconds});
-    report(state);
+/// The lines of the monitor as windows take them.
+void wide_lines(benchmark::State& state) {
+    const UnitSelection units;
+    TextScratch scratch;
+    run(state, [&](const SampleMessage& entry) {
+        wchar_t line[line_size];
+        const PgnDef* const pgn = find_pgn_def(entry.msg.pgn);
+        benchmark::DoNotOptimize(print_stream_line(line, line_size, entry.msg, pgn));
+        StreamLines lines(pgn, entry.msg, units, scratch, false);
+        while (lines.next(line, line_size) >= 0) benchmark::DoNotOptimize(line);
+    });
+}
+BENCHMARK(wide_lines)->Unit(benchmark::kMillisecond);
+
+void start(TextRenderer& renderer, const SampleMessage& entry, const PgnDef* pgn) {
+    renderer.start(entry.msg, pgn, entry.msg.time_stamp);
+}
+template <class R>
+void start(R& renderer, const SampleMessage& entry, const PgnDef* pgn) {
+    renderer.start(entry.msg, pgn, {entry.time.nanoseconds, true, entry.time.nanoseconds});
 }
 
-void to_text(benchmark::State& state) {
-    write_with(state, *vistel::make_text_writer(qv_n2k_pgn_db, 0));
+/// In UTF-8, into one buffer over and over.
+template <class R>
+void render(benchmark::State& state, R renderer) {
+    const auto area = std::make_unique<std::array<char, 4 * piece_room>>();
+    char* const limit = area->data() + area->size();
+    run(state, [&](const SampleMessage& entry) {
+        start(renderer, entry, find_pgn_def(entry.msg.pgn));
+        do benchmark::DoNotOptimize(renderer.write(area->data(), limit));
+        while (!renderer.is_done());
+    });
 }
-BENCHMARK(to_text)->Unit(benchmark::kMillisecond);
-
-void to_json(benchmark::State& state) {
-    write_with(state, *vistel::make_json_writer(qv_n2k_pgn_db));
-}
-BENCHMARK(to_json)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(render, text, TextRenderer(UnitSelection(), false))->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(render, json, JsonRenderer(UnitSelection()))->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(render, csv, CsvRenderer(UnitSelection()))->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -1,13 +1,9 @@
 // make_plain RECORDING TIMES > messages.log
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <ctime>
 
-#include "output/sink.h"
-#include "output/times.h"
 #include "sample.h"
 
 int main(int argc, char** argv) {
@@ -16,23 +12,19 @@ int main(int argc, char** argv) {
         return 2;
     }
     const auto sample = load_sample(argv[1]);
-    const auto out = std::make_unique<vistel::Sink>(STDOUT_FILENO);
     for (int round = std::atoi(argv[2]); round > 0; --round) {
         for (const SampleMessage& entry : sample) {
+            constexpr std::int64_t second = 1'000'000'000;
+            const std::time_t seconds = entry.time.nanoseconds / second;
+            char date[32];
+            std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", std::gmtime(&seconds));
             const N2KMsg& msg = entry.msg;
-            vistel::put_utc(*out, entry.time.nanoseconds);
-            for (const std::uint64_t number :
-                 {std::uint64_t{msg.priority}, std::uint64_t{msg.pgn}, std::uint64_t{msg.source},
-                  std::uint64_t{msg.destination}, std::uint64_t{msg.length}}) {
-                out->put(',');
-                out->put_number(number);
-            }
-            for (int i = 0; i < msg.length; ++i) {
-                out->put(',');
-                out->put_hex(msg.data + i, 1);
-            }
-            out->put('\n');
+            std::printf("%s.%06dZ,%d,%u,%d,%d,%d", date,
+                        static_cast<int>(entry.time.nanoseconds % second / 1000), msg.priority, msg.pgn,
+                        msg.source, msg.destination, msg.length);
+            for (int i = 0; i < msg.length; ++i) std::printf(",%02X", msg.data[i]);
+            std::putchar('\n');
         }
     }
-    out->flush();
+    return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -12,8 +12,8 @@ std::vector<SampleMessage> load_sample(const std::string& path) {
         sample.push_back({msg, time});
     });
     vistel::Recording recording;
-    if (!recording.open(path)) {
-        std::fprintf(stderr, "%s: %s\n", path.c_str(), recording.problem().text.c_str());
+    if (const auto opened = recording.open(path); !opened) {
+        std::fprintf(stderr, "%s: %s\n", path.c_str(), opened.error().text.c_str());
         std::exit(2);
     }
     vistel::Record record;

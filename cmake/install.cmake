@@ -73,9 +73,3 @@ endforeach()
 if(TARGET vistel)
     install(FILES examples/voyage.log DESTINATION ${doc_dir}/examples COMPONENT programs)
 endif()
-
-# Beside its library, wherever the tree lies; where the system looks anyway it needs no hint.
-if(TARGET vistel-monitor AND NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES)
-    file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(vistel-monitor PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
-endif()

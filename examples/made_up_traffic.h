@@ -7,7 +7,7 @@
 #include "pgn_vistel/n2k_msg.h"
 
 /// Messages as a host hands them over, made up: a real host fills them in from its gateway or CAN driver and
-/// puts together what came in several frames.
+/// does the reassembly of those that come in several frames.
 namespace made_up {
 
 inline N2KMsg message(std::uint32_t pgn, std::uint8_t source, std::uint32_t milliseconds,

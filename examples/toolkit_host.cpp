@@ -13,13 +13,13 @@
 #include <thread>
 
 #include "made_up_traffic.h"
+#include "pgn_vistel/core/ids.h"
 #include "pgn_vistel/pgn_dlg.h"
 #include "pgn_vistel/unit_dlg.h"
-#include "pgn_vistel/units.h"
 
 namespace {
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 QV_N2K_PGN_DB_c db;     // a database of its own: the units that users choose here hold here only
 int units_applied = 0;  // the callback has no context

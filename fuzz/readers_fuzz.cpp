@@ -46,7 +46,7 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
     constexpr std::size_t pipe_holds = 65536;
     Recording recording;
     const int descriptor = by_pipe && bytes.size() <= pipe_holds ? pipe_of(bytes) : file_of(bytes);
-    require(recording.attach(descriptor, {.format = std::string(format), .patience_ms = -1}));
+    require(bool(recording.attach(descriptor, {.format = std::string(format), .patience_ms = -1})));
     Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
     Record record;
     std::uint64_t last_line = 0;

@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "command_line/command_line.h"
 #include "commands/catalogue.h"
 #include "commands/decode.h"
 #include "commands/encode.h"
 #include "commands/monitor.h"
-#include "command_line/usage_error.h"
 #include "readers/formats.h"
 
 namespace {
@@ -135,20 +135,22 @@ int main(int argc, char** argv) {
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
-    if (argc > 1 && argv[1][0] != '-' && !has_command(app, argv[1])) return vistel::EXIT_FAILED;
+    std::vector<std::string> words = vistel::words(argc, argv);
+    if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
+        return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.
-    if (std::count(argv + 1, argv + argc, std::string_view()) > 0) {
+    if (std::count(words.begin(), words.end(), "") > 0) {
         std::fputs("vistel: an argument is empty\n", stderr);
         return vistel::EXIT_FAILED;
     }
     try {
-        app.parse(argc, argv);
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         const int status = app.exit(error);
         return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
     }
 
-    if (app.got_subcommand("monitor")) return vistel::run_monitor(arguments.monitor);
+    if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table);
     if (arguments.json) arguments.decode.form = vistel::DecodeOptions::Form::json;

@@ -8,6 +8,7 @@ namespace vistel::fast_packet {
 /// bits). Frame 0 has the length of the message as its second byte and 6 bytes of it, the others have 7.
 constexpr unsigned most_bytes = 223;
 constexpr unsigned most_frames = 32;
+constexpr unsigned sequence_bits = 3, sequences = 1 << sequence_bits;
 constexpr unsigned bytes_in_first = 6;
 constexpr unsigned bytes_in_later = 7;
 

@@ -9,6 +9,7 @@ namespace vistel {
 constexpr std::uint32_t max_pgn = 0x3FFFF;
 constexpr std::uint32_t max_identifier = 0x1FFFFFFF;
 constexpr unsigned max_frame_bytes = 8;
+constexpr std::uint8_t everyone = 255;  ///< as a destination
 
 /// Whether messages of this PGN have a destination: below PDU format 240. From there on they are for
 /// everyone.
@@ -23,7 +24,7 @@ inline void set_header(N2KMsg& msg, std::uint32_t identifier) {
     const std::uint32_t pgn = (identifier >> 8) & max_pgn;
     const bool addressed = is_addressed(pgn);
     msg.pgn = addressed ? pgn & ~std::uint32_t{0xFF} : pgn;
-    msg.destination = addressed ? static_cast<std::uint8_t>(pgn) : std::uint8_t{255};
+    msg.destination = addressed ? static_cast<std::uint8_t>(pgn) : everyone;
     msg.source = static_cast<std::uint8_t>(identifier);
     msg.priority = static_cast<std::uint8_t>((identifier >> 26) & 7);
 }

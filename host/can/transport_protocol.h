@@ -2,10 +2,13 @@
 
 #include <cstdint>
 
+#include "pgn_vistel/core/ids.h"
+
 namespace vistel::transport_protocol {
 
 /// A session is announced on the one PGN, its packets come on the other: a number from 1, then 7 bytes.
-constexpr std::uint32_t control_pgn = 60416, data_pgn = 60160;
+constexpr std::uint32_t control_pgn = pgn_vistel::core::pgn::transport_control;
+constexpr std::uint32_t data_pgn = pgn_vistel::core::pgn::transport_data;
 constexpr unsigned bytes_in_packet = 7;
 constexpr unsigned most_packets = 255;
 

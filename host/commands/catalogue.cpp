@@ -3,11 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
 #include <memory>
 
 #include "commands/decode.h"
+#include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "output/sink.h"
 #include "output/unit_names.h"
 #include "pgn_vistel/core/catalogue.h"
@@ -192,14 +192,11 @@ std::vector<std::string> catalogue_tables() {
 int run_catalogue(const std::string& name) {
     const auto table = std::ranges::find(tables, name, &NamedTable::name);
     if (table == std::end(tables)) return EXIT_FAILED;
+    ignore_closed_pipes();
     const auto out = std::make_unique<Sink>(STDOUT_FILENO);
     table->print(*out);
     out->flush();
-    if (!out->is_open()) {
-        std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out->error()));
-        return EXIT_FAILED;
-    }
-    return EXIT_CLEAN;
+    return output_status(*out);
 }
 
 }  // namespace vistel

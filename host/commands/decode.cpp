@@ -3,14 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <optional>
 
 #include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "commands/progress.h"
 #include "commands/statistics.h"
 #include "output/writers.h"
@@ -28,9 +27,9 @@ bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
 }
 
 bool apply_units(core::UnitSelection& units, const UnitOptions& options) {
-    const std::string wrong = select_units(units, options);
-    if (!wrong.empty()) std::fprintf(stderr, "vistel: %s\n", wrong.c_str());
-    return wrong.empty();
+    const Status selected = select_units(units, options);
+    if (!selected) std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+    return static_cast<bool>(selected);
 }
 
 /// One run over a recording.
@@ -78,7 +77,8 @@ void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
     const core::PgnDef* const row = core::find_pgn_def(msg.pgn);
     if (row == nullptr) unknown_.count(msg.pgn, msg.source);
     ++shown_;
-    writer_->write(out_, {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});
+    writer_->write(out_,
+                   {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});
 }
 
 bool Decoding::report_problem() {
@@ -127,11 +127,13 @@ int Decoding::run() {
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
-    if (!recording_.open(options_.file, how)) {
-        report_problem();
+    how.before_wait = [this] { out_.flush(); };
+    if (const auto opened = recording_.open(options_.file, how); !opened) {
+        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.error().text.c_str());
         return EXIT_FAILED;
     }
     watch_interrupts();
+    ignore_closed_pipes();
     progress_.emplace(recording_.bytes_total());
     writer_ = make_writer();
     writer_->begin(out_);
@@ -140,7 +142,6 @@ int Decoding::run() {
     bool more = true;
     bool readable = true;
     while (more && out_.is_open() && !interrupted()) {
-        if (recording_.would_wait()) out_.flush();
         switch (recording_.next(record)) {
             case ReadResult::record:
                 reassembler_.put(record);
@@ -155,10 +156,7 @@ int Decoding::run() {
     if (!more) reassembler_.finish();
     out_.flush();
     progress_->clear();
-    if (!out_.is_open() && out_.error() != EPIPE) {
-        std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out_.error()));
-        return EXIT_FAILED;
-    }
+    if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
     report_losses();
     if (options_.statistics) print_statistics();
     if (!readable) return EXIT_FAILED;

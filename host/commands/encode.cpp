@@ -3,13 +3,15 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
+#include <memory>
 
 #include "can/identifier.h"
 #include "commands/decode.h"
+#include "commands/interrupt.h"
+#include "commands/output_status.h"
+#include "encode/calendar_entry.h"
 #include "encode/choices.h"
 #include "encode/message_builder.h"
 #include "encode/message_lines.h"
@@ -22,35 +24,44 @@
 #include "text/utf8.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
 namespace {
 
-int fail(const std::string& text) {
-    std::fprintf(stderr, "vistel: %s\n", text.c_str());
+int fail(const Failure& failure) {
+    std::fprintf(stderr, "vistel: %s\n", failure.text.c_str());
     return EXIT_FAILED;
 }
 
+int fail(const Failures& failures) {
+    constexpr std::size_t most = 20;
+    const std::size_t count = failures.texts.size();
+    for (std::size_t i = 0; i < std::min(count, most); ++i) fail({failures.texts[i]});
+    return count > most ? fail(failure("and ", count - most, " more like these")) : EXIT_FAILED;
+}
+
 int print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
-        return EXIT_CLEAN;
-    return errno == EPIPE ? EXIT_CLEAN : fail(std::string("cannot write: ") + std::strerror(errno));
+    ignore_closed_pipes();
+    const auto out = std::make_unique<Sink>(STDOUT_FILENO);
+    out->put(text);
+    out->flush();
+    return output_status(*out);
 }
 
 std::string name_of(const PgnDef& row) {
-    return utf8_of(pgn_def_name(&row));
+    return std::string(pgn_name(&row));
 }
 
 /// A PGN by number or name.
 struct Chosen {
     std::uint32_t number = 0;
     const PgnDef* row = nullptr;
-    std::string wrong;
 };
 
-Chosen choose_pgn(const std::string& text) {
+Result<Chosen> choose_pgn(const std::string& text) {
+    if (!utf16_of(text)) return failure(quoted(text), " is not UTF-8 text");
     Chosen chosen;
     const char* const last = text.data() + text.size();
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
@@ -60,19 +71,16 @@ Chosen choose_pgn(const std::string& text) {
         chosen.row = find_pgn_def(chosen.number);
         return chosen;
     }
-    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos) {
-        chosen.wrong = "PGN " + in_quotes(text) + " is above " + std::to_string(max_pgn);
-        return chosen;
-    }
+    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos)
+        return failure("PGN ", in_quotes(text), " is above ", max_pgn);
     std::vector<std::string> names;
     for (const PgnDef& row : all_pgns()) {
         const std::string name = name_of(row);
-        if (simplified(name) == simplified(text)) return {row.pgn, find_pgn_def(row.pgn), {}};
+        if (simplified(name) == simplified(text)) return Chosen{row.pgn, find_pgn_def(row.pgn)};
         if (std::ranges::find(names, name) == names.end()) names.push_back(name);
     }
-    chosen.wrong = "no PGN " + in_quotes(text) + "; " +
-                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names");
-    return chosen;
+    return failure("no PGN ", in_quotes(text), "; ",
+                   suggestion(text, names, "'vistel catalogue pgns' shows numbers and names"));
 }
 
 // ---- the list of fields ----
@@ -80,11 +88,9 @@ Chosen choose_pgn(const std::string& text) {
 std::string size_text(const FieldCell& cell) {
     const PayloadPosition from = cell.start(), to = cell.next();
     const int bits = (to.byte - from.byte) * 8 + to.bit - from.bit;
-    if (cell.dd().format->df == short_text || cell.dd().format->df == medium_text)
-        return "text of any length";
-    const std::string what = cell.dd().format->df == hex_dump ? "bytes as 01 02 FF"
-                             : cell.holds_text()              ? "text"
-                                                              : "";
+    const DF df = cell.dd().df;
+    if (df == format::text_short || df == format::text_medium) return "text of any length";
+    const std::string what = df == format::hex_dump ? "bytes as 01 02 FF" : cell.holds_text() ? "text" : "";
     if (bits == 0) return served_units(cell).empty() ? "as the field before it says" : "8 bytes at the end";
     const bool whole = bits % 8 == 0;
     const int count = whole ? bits / 8 : bits;
@@ -93,13 +99,10 @@ std::string size_text(const FieldCell& cell) {
 }
 
 std::string values_text(FieldCell& cell) {
-    constexpr std::uint64_t some_day = 20706;
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     const bool is_date = reading.quantity == quantity::date;
-    cell.put(is_date ? some_day : 0);
-    cell.read(value);
-    if (is_date || reading.quantity == quantity::time_of_day || value.type == CV_TIME_OF_DAY)
+    cell.put(is_date ? example_day : 0);
+    if (is_date || reading.quantity == quantity::time_of_day || cell.read().value.type == ValueType::seconds)
         return "as in " + std::string(trimmed(cell.shown(true)));
     const std::vector<UnitId> units = served_units(cell);
     if (units.empty()) return "";
@@ -117,8 +120,7 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
     out += "  " + cell.label() + ": " + size_text(cell);
     const std::vector<CodedChoice> choices = choices_of(cell);
     const DDstrings* const set = find_enumeration(cell.dd().dd);
-    ConvValue value;
-    const bool measured = cell.read(value).quantity < quantity::no_quantity;
+    const bool measured = cell.read().quantity < quantity::no_quantity;
     const bool any_number =
         !cell.holds_text() &&
         (choices.empty() || (measured && (set->kind == ENUM_NUMBER || set->kind == ENUM_NUMBER_TOO)));
@@ -136,7 +138,7 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
         out += "      ... and " + std::to_string(choices.size() - shown) + " more, with --all-choices\n";
 }
 
-int list_fields(const EncodeOptions& options, const PgnDef& row) {
+int list_fields(const EncodeOptions& options, ReadingContext& context, const PgnDef& row) {
     std::string out =
         std::to_string(row.pgn) + ", " + name_of(row) + ", pri=" + std::to_string(row.priority) + '\n';
     // Variants that decoding shows alike are listed once.
@@ -152,7 +154,7 @@ int list_fields(const EncodeOptions& options, const PgnDef& row) {
         }
         std::string fields;
         bool repeats = false;
-        visit_fields(qv_n2k_pgn_db, row, variant, [&](FieldCell& cell) {
+        visit_fields(context, row, variant, [&](FieldCell& cell) {
             if (cell.repeat() > 0 && !repeats) fields += " as often as needed:\n";
             repeats = cell.repeat() > 0;
             list_field(fields, cell, options.all_choices);
@@ -172,28 +174,29 @@ int list_fields(const EncodeOptions& options, const PgnDef& row) {
 
 // ---- the message ----
 
-std::string parse_fields(const EncodeOptions& options, std::vector<TypedField>& fields) {
+Result<std::vector<TypedField>> parse_fields(const EncodeOptions& options) {
+    std::vector<TypedField> fields;
     for (const std::string& argument : options.fields) {
-        if (!utf16_of(argument)) return quoted(argument) + " is not UTF-8 text";
+        if (!utf16_of(argument)) return failure(quoted(argument), " is not UTF-8 text");
         const std::size_t sign = argument.find('=');
-        if (sign == argument.npos) return in_quotes(argument) + " is not of the form LABEL=VALUE";
+        if (sign == argument.npos) return failure(in_quotes(argument), " is not of the form LABEL=VALUE");
         if (trimmed(argument.substr(0, sign)).empty())
-            return in_quotes(argument) + " has no label before the '='";
+            return failure(in_quotes(argument), " has no label before the '='");
         fields.push_back({argument.substr(0, sign), argument.substr(sign + 1)});
     }
-    return {};
+    return fields;
 }
 
-std::string check_header(const EncodeOptions& options, std::uint32_t pgn, RecordTime& time) {
-    if (!is_addressed(pgn) && options.destination != 255)
-        return "PGN " + std::to_string(pgn) + " goes to everyone; it has no destination";
+/// Looks whether the message can be sent as its header says. Returns its time.
+Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn) {
+    if (!is_addressed(pgn) && options.destination != everyone)
+        return failure("PGN ", pgn, " goes to everyone; it has no destination");
     if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
-        return "PGN " + std::to_string(pgn) + " is on no bus: the low byte of one with a destination is 0";
-    if (options.time.empty()) return {};
-    TimestampParser parser;
-    const char* why = "";
-    if (!parser.parse(options.time, time, why)) return "time " + quoted(options.time) + ": " + why;
-    return {};
+        return failure("PGN ", pgn, " is on no bus: the low byte of one with a destination is 0");
+    if (options.time.empty()) return RecordTime{};
+    auto time = TimestampParser().parse(options.time);
+    if (!time) return failure("time ", quoted(options.time), ": ", time.error());
+    return *time;
 }
 
 /// The time stamp as candump writes it: seconds since 1970 where the day is known.
@@ -215,39 +218,32 @@ std::vector<std::string> encode_formats() {
 }
 
 int run_encode(const EncodeOptions& options) {
-    if (const std::string wrong = select_units(qv_n2k_pgn_db, options.units); !wrong.empty())
-        return fail(wrong);
-    if (!utf16_of(options.pgn)) return fail(quoted(options.pgn) + " is not UTF-8 text");
-    const Chosen pgn = choose_pgn(options.pgn);
-    if (!pgn.wrong.empty()) return fail(pgn.wrong);
+    ReadingContext context;
+    if (const Status selected = select_units(context.units, options.units); !selected)
+        return fail(selected.error());
+    Result<Chosen> pgn = choose_pgn(options.pgn);
+    if (!pgn) return fail(pgn.error());
     if (options.list) {
-        if (!options.fields.empty()) return fail("--list takes no fields");
-        if (pgn.row == nullptr) return fail("PGN " + options.pgn + " is not in the catalogue");
-        return list_fields(options, *pgn.row);
+        if (!options.fields.empty()) return fail({"--list takes no fields"});
+        if (pgn->row == nullptr) return fail(failure("PGN ", options.pgn, " is not in the catalogue"));
+        return list_fields(options, context, *pgn->row);
     }
-    std::vector<TypedField> fields;
-    std::string wrong = parse_fields(options, fields);
-    RecordTime time;
-    if (wrong.empty()) wrong = check_header(options, pgn.number, time);
-    if (!wrong.empty()) return fail(wrong);
+    Result<std::vector<TypedField>> fields = parse_fields(options);
+    if (!fields) return fail(fields.error());
+    Result<RecordTime> time = check_header(options, pgn->number);
+    if (!time) return fail(time.error());
 
-    BuiltMessage built = build_message(qv_n2k_pgn_db, pgn.number, pgn.row, fields);
-    constexpr std::size_t most_errors = 20;
-    for (std::size_t i = 0; i < std::min(built.errors.size(), most_errors); ++i) fail(built.errors[i]);
-    if (built.errors.size() > most_errors)
-        fail("and " + std::to_string(built.errors.size() - most_errors) + " more like these");
-    if (!built.errors.empty()) return EXIT_FAILED;
-    N2KMsg& msg = built.msg;
+    BuiltMessage msg = build_message(context, pgn->number, pgn->row, *fields);
+    if (!msg) return fail(msg.error());
     constexpr int usual_priority = 6;
-    const int priority = pgn.row != nullptr ? static_cast<int>(pgn.row->priority) : usual_priority;
-    msg.priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
-    msg.source = static_cast<std::uint8_t>(options.source);
-    msg.destination = static_cast<std::uint8_t>(options.destination);
-    const std::string lines = options.format == "candump"
-                                  ? candump_lines(msg, candump_time(options.time, time),
-                                                  static_cast<unsigned>(options.sequence), wrong)
-                                  : plain_lines(msg, options.time);
-    return wrong.empty() ? print(lines) : fail(wrong);
+    const int priority = pgn->row != nullptr ? static_cast<int>(pgn->row->priority) : usual_priority;
+    msg->priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
+    msg->source = static_cast<std::uint8_t>(options.source);
+    msg->destination = static_cast<std::uint8_t>(options.destination);
+    if (options.format != "candump") return print(plain_lines(*msg, options.time));
+    Result<std::string> lines =
+        candump_lines(*msg, candump_time(options.time, *time), static_cast<unsigned>(options.sequence));
+    return lines ? print(*lines) : fail(lines.error());
 }
 
 }  // namespace vistel

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "can/identifier.h"
 #include "commands/unit_options.h"
 
 namespace vistel {
@@ -16,7 +17,7 @@ struct EncodeOptions {
     std::string time;   ///< empty for none
     int priority = -1;  ///< negative: that of the catalogue
     int source = 0;
-    int destination = 255;
+    int destination = everyone;
     int sequence = 0;  ///< of a fast packet
     UnitOptions units;
 };

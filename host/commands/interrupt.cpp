@@ -10,13 +10,16 @@ volatile std::sig_atomic_t flag = 0;
 
 }  // namespace
 
+void ignore_closed_pipes() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
 void watch_interrupts() {
     struct sigaction action = {};
     action.sa_handler = [](int) { flag = 1; };
     action.sa_flags = SA_RESETHAND;  // a second one ends the program the hard way; reads are not restarted
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
 }
 
 bool interrupted() {

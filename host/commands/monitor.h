@@ -5,8 +5,8 @@
 
 namespace vistel {
 
-/// Goes over into the program with the window, which stands beside this one. Returns only when that cannot be
-/// started.
-int run_monitor(const std::vector<std::string>& arguments);
+/// Replaces this program by the one with the window, which lies beside it. `name` is that by which this one
+/// was started. Returns only when the window cannot be started.
+int run_monitor(const std::string& name, const std::vector<std::string>& arguments);
 
 }  // namespace vistel

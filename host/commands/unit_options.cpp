@@ -33,9 +33,9 @@ constexpr Choice metric[] = {
 
 }  // namespace
 
-std::string select_unit(UnitSelection& selection, std::string_view choice) {
+Status select_unit(UnitSelection& selection, std::string_view choice) {
     const std::size_t sign = choice.find('=');
-    if (sign == choice.npos) return concat("'", choice, "' is not of the form QUANTITY=UNIT");
+    if (sign == choice.npos) return failure("'", choice, "' is not of the form QUANTITY=UNIT");
     const std::string_view name = choice.substr(0, sign);
     const std::string_view text = choice.substr(sign + 1);
 
@@ -45,34 +45,35 @@ std::string select_unit(UnitSelection& selection, std::string_view choice) {
     if (row == rows.end()) {
         std::vector<std::string> labels;
         for (const QuantityRow& r : rows) labels.emplace_back(r.label);
-        return concat("no quantity '", name, "'; there are: ", joined(labels));
+        return failure("no quantity '", name, "'; there are: ", joined(labels));
     }
     const auto units = offered_units(row->quantity);
     const UnitId found = find_unit(units, text);
     if (found < 0) {
         std::vector<std::string> names;
+        names.reserve(units.size());
         for (const UnitId u : units) names.push_back(unit_text(u));
-        return concat("no unit '", text, "' for ", row->label, "; there are: ", joined(names));
+        return failure("no unit '", text, "' for ", row->label, "; there are: ", joined(names));
     }
     selection.select(row->quantity, found);
-    return {};
+    return done;
 }
 
-std::string select_units(UnitSelection& selection, std::string_view name) {
+Status select_units(UnitSelection& selection, std::string_view name) {
     if (name != "default" && name != "metric")
-        return concat("no set of units '", name, "'; there are: default, metric");
+        return failure("no set of units '", name, "'; there are: default, metric");
     for (DispDataType q = 0; q < quantity::count; ++q) selection.select(q, *available_units(q));
     if (name == "metric")
         for (const Choice& c : metric) selection.select(c.quantity, c.unit);
-    return {};
+    return done;
 }
 
-std::string select_units(UnitSelection& selection, const UnitOptions& options) {
-    std::string wrong;
-    if (!options.set.empty()) wrong = select_units(selection, options.set);
+Status select_units(UnitSelection& selection, const UnitOptions& options) {
+    Status status = done;
+    if (!options.set.empty()) status = select_units(selection, options.set);
     for (const std::string& unit : options.units)
-        if (wrong.empty()) wrong = select_unit(selection, unit);
-    return wrong;
+        if (status) status = select_unit(selection, unit);
+    return status;
 }
 
 }  // namespace vistel

@@ -5,14 +5,15 @@
 #include <vector>
 
 #include "pgn_vistel/core/units.h"
+#include "text/result.h"
 
 namespace vistel {
 
-/// Applies "QUANTITY=UNIT" to the selection. Returns what is wrong, or an empty text.
-std::string select_unit(pgn_vistel::core::UnitSelection& selection, std::string_view choice);
+/// Applies "QUANTITY=UNIT" to the selection.
+Status select_unit(pgn_vistel::core::UnitSelection& selection, std::string_view choice);
 
-/// Applies a named choice for every quantity: "default" or "metric". Returns what is wrong, or an empty text.
-std::string select_units(pgn_vistel::core::UnitSelection& selection, std::string_view name);
+/// Applies a named choice for every quantity: "default" or "metric".
+Status select_units(pgn_vistel::core::UnitSelection& selection, std::string_view name);
 
 /// The units that a command line asks for.
 struct UnitOptions {
@@ -20,7 +21,7 @@ struct UnitOptions {
     std::vector<std::string> units;  ///< QUANTITY=UNIT
 };
 
-/// Applies both. Returns what is wrong, or an empty text.
-std::string select_units(pgn_vistel::core::UnitSelection& selection, const UnitOptions& options);
+/// Applies both.
+Status select_units(pgn_vistel::core::UnitSelection& selection, const UnitOptions& options);
 
 }  // namespace vistel

@@ -5,10 +5,9 @@
 #include "encode/number_entry.h"
 #include "output/unit_names.h"
 #include "text/quotes.h"
-#include "text/utf8.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -36,40 +35,38 @@ std::optional<Clock> take_clock(std::string_view text) {
 
 enum class Fraction { rounded, cut_off };  // how decoding shows what is less than a second
 
-Outcome enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit, Fraction fraction) {
+Status enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit, Fraction fraction) {
     const RawScale scale = scale_of(cell, unit);
-    if (scale.empty()) return "has no values that could be encoded";
-    std::uint64_t raw = scale.nearest(value, {});
+    if (scale.empty()) return failure("has no values that could be encoded");
+    std::uint64_t raw = scale.nearest(value);
     // Just below a whole second would show the one before.
     constexpr int most = 4096;  // numbers that single precision may give one value
     if (fraction == Fraction::cut_off && value == std::floor(value))
         for (int i = 0; i < most && scale.value_of(raw) < value && scale.value_of(raw + 1); ++i) ++raw;
     cell.put(raw);
-    if (scale.meets(raw, value)) return "";
-    return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+    if (scale.meets(raw, value)) return done;
+    return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));
 }
 
 bool is_counted_as_clock(FieldCell& cell, UnitId unit) {
-    ConvValue value;
     cell.put(0);
-    cell.read(value, unit);
-    return value.type == CV_TIME_OF_DAY;
+    return cell.read(unit).value.type == ValueType::seconds;
+}
+
+Failure not_of_day(std::string_view text) {
+    return failure(in_quotes(text), " is not a time of day, as in 13:05:30 or 1:05:30 PM");
 }
 
 /// One date in the unit's layout, without its name.
-std::wstring date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
-    ConvValue value;
+std::string date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
     cell.put(raw);
-    cell.read(value, unit);
-    const bool is_text = value.type >= CV_TEXT_WIDE && value.type <= CV_TEXT;
-    return is_text ? value.value.wide : L"";
+    return cell.read(unit).value.type == ValueType::text ? cell.shown(false, unit) : "";
 }
 
 }  // namespace
 
 Outcome enter_clock(FieldCell& cell, std::string_view text) {
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     const bool of_day = reading.quantity == quantity::time_of_day;
     // Seconds that a format shows as a clock, whatever they are said to be.
     const bool counted = !of_day && is_counted_as_clock(cell, reading.unit);
@@ -77,9 +74,8 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     const std::optional<Clock> clock = take_clock(text);
     if (!clock) {
         std::string_view rest = text;
-        return of_day && (!take_number(rest) || trimmed(rest).empty())
-                   ? Outcome(in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM")
-                   : Outcome();
+        if (of_day && (!take_number(rest) || trimmed(rest).empty())) return not_of_day(text);
+        return {};
     }
     const auto& [a, b, c] = clock->parts;
     if (!of_day) {
@@ -87,9 +83,9 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
             return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit, Fraction::cut_off);
         const std::string minutes = simplified(unit_text(unit::minutes));
         if (!clock->rest.empty() && simplified(clock->rest) != minutes)
-            return "has no unit " + in_quotes(clock->rest) + " behind a time with colons";
+            return failure("has no unit ", in_quotes(clock->rest), " behind a time with colons");
         if (clock->count == 3) {
-            if (b < 0 || b >= 60 || c < 0 || c >= 60) return in_quotes(text) + " is not h:mm:ss";
+            if (b < 0 || b >= 60 || c < 0 || c >= 60) return failure(in_quotes(text), " is not h:mm:ss");
             return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds,
                             Fraction::rounded);
         }
@@ -102,17 +98,16 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     }
     const std::string half = simplified(clock->rest);
     if (!half.empty() && half != "am" && half != "pm")
-        return in_quotes(text) + " has " + in_quotes(clock->rest) + " where AM or PM could stand";
+        return failure(in_quotes(text), " has ", in_quotes(clock->rest), " where AM or PM could stand");
     if (b < 0 || b >= 60 || c < 0 || c >= 60 || a < 0 || (!half.empty() && (a < 1 || a >= 13)))
-        return in_quotes(text) + " is not a time of day, as in 13:05:30 or 1:05:30 PM";
+        return not_of_day(text);
     double hours = a;
     if (!half.empty()) hours = std::fmod(a, 12) + (half == "pm" ? 12 : 0);
     return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds, Fraction::cut_off);
 }
 
 Outcome enter_date(FieldCell& cell, std::string_view text) {
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     if (reading.quantity != quantity::date) return {};
     std::vector<UnitId> layouts = {reading.unit};
     for (const UnitId u :
@@ -124,15 +119,13 @@ Outcome enter_date(FieldCell& cell, std::string_view text) {
         const std::string name = unit_text(u);
         if (!name.empty() && typed.ends_with(name))
             typed = trimmed(typed.substr(0, typed.size() - name.size()));
-        const std::wstring wanted(typed.begin(), typed.end());  // dates are ASCII
         for (std::uint64_t raw = 0; raw < days; ++raw)
-            if (!wanted.empty() && date_in(cell, raw, u) == wanted) return "";
+            if (!typed.empty() && date_in(cell, raw, u) == typed) return done;
     }
-    constexpr std::uint64_t some_day = 20706;
-    return in_quotes(text) + " is not a date from " + utf8_of(date_in(cell, 0, reading.unit)) + " to " +
-           utf8_of(date_in(cell, days - 4, reading.unit)) + ", as in " +
-           utf8_of(date_in(cell, some_day, reading.unit)) + " " + unit_text(reading.unit) + " or " +
-           utf8_of(date_in(cell, some_day, unit::date_ymd));
+    return failure(in_quotes(text), " is not a date from ", date_in(cell, 0, reading.unit), " to ",
+                   date_in(cell, days - 4, reading.unit), ", as in ",
+                   date_in(cell, example_day, reading.unit), " ", unit_text(reading.unit), " or ",
+                   date_in(cell, example_day, unit::date_ymd));
 }
 
 }  // namespace vistel

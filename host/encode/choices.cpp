@@ -3,27 +3,15 @@
 #include <algorithm>
 
 #include "output/unit_names.h"
-#include "text/utf8.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
 namespace {
 
 constexpr std::string_view flag_separator = ", ";
-
-/// The text of one entry. Asked of the printer, which knows the code page of the texts.
-std::string text_of(const FieldCell& cell, std::uint32_t value) {
-    wchar_t area[512];
-    ConvValue whole{CV_U32, {}};
-    whole.value.u32 = value;
-    const int length = qv_n2k_pgn_db.print_field_data(area, static_cast<int>(std::size(area)),
-                                                      static_cast<int>(cell.dd().dd), quantity::no_quantity,
-                                                      &whole, unit::raw_count, 0, 0, 0, 0);
-    return utf8_of({area, static_cast<std::size_t>(std::max(0, length))});
-}
 
 /// What people type of a text, and what is compared: without blanks around, in lower case.
 std::string comparable(std::string_view text) {
@@ -73,14 +61,12 @@ bool enter_flags(FieldCell& cell, std::string_view text, std::vector<CodedChoice
 
 /// Whether the field can hold the value so that decoding shows its text. Codes that stand for "not available"
 /// may have one as well ("Do not change offset"), which decoding does not show.
-bool is_choice(FieldCell& cell, std::uint32_t value) {
+bool is_choice(FieldCell& cell, const CodedChoice& choice) {
     const int bits = cell.bits();
-    if (bits < 32 && value >> bits != 0) return false;
+    if (bits < 32 && choice.value >> bits != 0) return false;
     if (holds_flags(cell)) return true;
-    cell.put(value);
-    ConvValue read;
-    cell.read(read, unit::raw_count);
-    return !is_available(read) || cell.shown() == text_of(cell, value);
+    cell.put(choice.value);
+    return !is_available(cell.read(unit::raw_count).value) || cell.shown() == choice.text;
 }
 
 }  // namespace
@@ -98,9 +84,11 @@ std::vector<CodedChoice> choices_of(FieldCell cell) {
     const std::uint64_t before = cell.raw();
     for (std::uint32_t i = 0; set->count == 0 ? set->pairs[i].text != nullptr : i < set->count; ++i) {
         if (flags && i >= 32) break;
-        const std::uint32_t value = flags ? std::uint32_t{1} << i : set->pairs[i].value;
-        const bool again = !result.empty() && result.back().value == value;  // the first of two is shown
-        if (!again && is_choice(cell, value)) result.push_back({value, text_of(cell, value)});
+        const ValueText& entry = set->pairs[i];
+        const CodedChoice choice{flags ? std::uint32_t{1} << i : entry.value, entry.text};
+        const bool again =
+            !result.empty() && result.back().value == choice.value;  // the first of two is shown
+        if (!again && is_choice(cell, choice)) result.push_back(choice);
     }
     cell.put(before);
     return result;

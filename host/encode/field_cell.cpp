@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include "output/wide_label.h"
-#include "text/utf8.h"
+#include "encode/sent_text.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -33,46 +32,37 @@ class Shortened {
 
 }  // namespace
 
-/// One format looks at bytes behind its field. They are still to come, and are none where it is the last.
-int FieldCell::length_for_reading() const {
-    if (msg_.length < N2K_MAX_PAYLOAD || field_.bytes == 0 || at_.bit != 0) return msg_.length;
-    return std::min(at_.byte + field_.bytes, N2K_MAX_PAYLOAD);
+std::string label_of(const FieldDef& field, int repeat) {
+    char area[piece_room];
+    return {area, write_label(area, field, repeat)};
 }
 
-std::string FieldCell::label() const {
-    wchar_t area[160];
-    const int length =
-        QV_N2K_PGN_DB_c::print_field_name(area, static_cast<int>(std::size(area)), static_cast<int>(dd().dd),
-                                          WideLabel(field_.row->name).text, field_.repeat, 0, 0);
-    constexpr int colon = 2;  // with its blank
-    return utf8_of({area, static_cast<std::size_t>(std::max(0, length - colon))});
+FieldCell::FieldCell(ReadingContext& context, N2KMsg& msg, const MessageWalk& walk)
+    : context_(context), msg_(msg), row_(walk.field()), repeat_(walk.repeat()), at_(walk.position) {
+    int bits;
+    normalise_field_size(&row_, row_.pgn, &bytes_, &bits);
 }
 
-std::string FieldCell::shown(bool with_unit) const {
-    wchar_t label[1024], value[1024];
-    PayloadPosition at = at_;
-    const Shortened shortened(msg_, length_for_reading());
-    db_.get_field_str(label, value, &msg_, static_cast<int>(row().field), const_cast<DDDef*>(&dd()), L"",
-                      field_.bytes, field_.bits, &at.byte, &at.bit, nullptr, field_.repeat, with_unit, 0,
-                      nullptr, unit::selected);
-    return utf8_of(value);
+std::string FieldCell::shown(bool with_unit, UnitId unit) const {
+    char area[piece_room];
+    return {area, write_value(area, row_, read(unit), with_unit)};
 }
 
-FieldReading FieldCell::read(ConvValue& value, UnitId unit) const {
-    value = {CV_NOT_AVAILABLE, {}};
-    value.value.u64 = 0x7FFFFFFF;  // what the decoder presets
-    const Shortened shortened(msg_, length_for_reading());
-    return read_field(db_, msg_, dd(), field_.bytes, field_.bits, at_, unit, &value);
+FieldReading FieldCell::read(UnitId unit) const {
+    // One format looks at bytes behind its field. They are still to come, and are none where it is the last.
+    const bool ends_here = msg_.length == N2K_MAX_PAYLOAD && bytes_ > 0 && at_.bit == 0;
+    const Shortened shortened(msg_, ends_here ? std::min(at_.byte + bytes_, N2K_MAX_PAYLOAD) : msg_.length);
+    return read_field(msg_, row_, at_, context_.units, unit, context_.scratch);
 }
 
 PayloadPosition FieldCell::next() const {
-    ConvValue value;
-    return read(value, unit::raw_bits).next;
+    return read(unit::raw_bits).next;
 }
 
 bool FieldCell::holds_text() const {
-    const std::uint32_t df = dd().format->df;
-    return df == short_text || df == medium_text || df == fixed_text || df == hex_dump;
+    const DF df = dd().df;
+    return df == format::text_short || df == format::text_medium || df == format::text_fixed ||
+           df == format::hex_dump;
 }
 
 int FieldCell::bits() const {
@@ -112,19 +102,15 @@ int FieldCell::end() const {
 }
 
 void FieldCell::clear() {
-    switch (dd().format->df) {
-        case short_text: {
-            constexpr std::uint8_t empty[] = {2, 1};  // length of all, ASCII
-            std::copy_n(empty, std::min(std::size(empty), bytes().size()), bytes().data());
+    switch (dd().df) {
+        case format::text_short:
+        case format::text_medium: {
+            const std::vector<std::uint8_t> empty = sent_text(dd().df, u"");
+            std::copy_n(empty.begin(), std::min(empty.size(), bytes().size()), bytes().begin());
             return;
         }
-        case medium_text: {
-            constexpr std::uint8_t empty[] = {3, 0, 1};
-            std::copy_n(empty, std::min(std::size(empty), bytes().size()), bytes().data());
-            return;
-        }
-        case fixed_text:
-        case hex_dump: {
+        case format::text_fixed:
+        case format::hex_dump: {
             const auto count = static_cast<std::size_t>(std::max(0, next().byte - at_.byte));
             std::fill_n(bytes().data(), std::min(count, bytes().size()), std::uint8_t{0xFF});
             return;
@@ -134,9 +120,7 @@ void FieldCell::clear() {
     // All bits set, or for signed numbers all but the sign.
     const auto available = [this](std::uint64_t code) {
         put(code);
-        ConvValue value;
-        read(value, unit::raw_count);
-        return is_available(value);
+        return is_available(read(unit::raw_count).value);
     };
     const std::uint64_t all = ones(bits());
     if (available(all) && available(all >> 1)) put(all);

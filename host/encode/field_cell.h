@@ -4,33 +4,41 @@
 #include <span>
 #include <string>
 
-#include "pgn_vistel/decode.h"
+#include "pgn_vistel/core/render.h"
 
 namespace vistel {
+
+/// What fields are read with: the units that somebody picked, and memory for texts.
+struct ReadingContext {
+    pgn_vistel::core::UnitSelection units;
+    pgn_vistel::core::TextScratch scratch;
+};
+
+/// The label of a field in a round of its repeating group, as decoding shows it.
+std::string label_of(const pgn_vistel::core::FieldDef& field, int repeat);
 
 /// One field of a message under construction, at the place where the walk stands. Everything about it is
 /// asked of the decoder, so that what is written is what will be read. As long as the message has its longest
 /// length it is under construction, and fields are read as if it ended behind them.
 class FieldCell {
   public:
-    FieldCell(QV_N2K_PGN_DB_c& db, N2KMsg& msg, const pgn_vistel::MessageWalk::Field& field,
-              pgn_vistel::PayloadPosition at)
-        : db_(db), msg_(msg), field_(field), at_(at) {}
+    FieldCell(ReadingContext& context, N2KMsg& msg, const pgn_vistel::core::MessageWalk& walk);
 
-    const pgn_vistel::DDDef& dd() const { return *field_.row->dd; }
-    const pgn_vistel::FieldDef& row() const { return *field_.row; }
-    int repeat() const { return field_.repeat; }
-    pgn_vistel::PayloadPosition start() const { return at_; }
+    const pgn_vistel::core::DDDef& dd() const { return *row_.dd; }
+    const pgn_vistel::core::FieldDef& row() const { return row_; }
+    int repeat() const { return repeat_; }
+    pgn_vistel::core::PayloadPosition start() const { return at_; }
 
     /// As decoding shows them, in UTF-8. The value comes with its unit, or alone.
-    std::string label() const;
-    std::string shown(bool with_unit = false) const;
+    std::string label() const { return label_of(row_, repeat_); }
+    std::string shown(bool with_unit = false,
+                      pgn_vistel::core::UnitId unit = pgn_vistel::core::unit::selected) const;
 
     /// The value in a unit (the selected one by default). Where the conversion has none, the value is not
     /// available.
-    pgn_vistel::FieldReading read(ConvValue& value,
-                                  pgn_vistel::UnitId unit = pgn_vistel::unit::selected) const;
-    pgn_vistel::PayloadPosition next() const;
+    pgn_vistel::core::FieldReading read(
+        pgn_vistel::core::UnitId unit = pgn_vistel::core::unit::selected) const;
+    pgn_vistel::core::PayloadPosition next() const;
 
     /// Whether the format is one of texts, whatever is in it.
     bool holds_text() const;
@@ -51,21 +59,13 @@ class FieldCell {
     void clear();
 
   private:
-    int length_for_reading() const;
-
-    QV_N2K_PGN_DB_c& db_;
+    ReadingContext& context_;
     N2KMsg& msg_;
-    const pgn_vistel::MessageWalk::Field field_;
-    const pgn_vistel::PayloadPosition at_;
+    const pgn_vistel::core::FieldDef& row_;
+    const int repeat_;
+    const pgn_vistel::core::PayloadPosition at_;
+    int bytes_;  // size; 0 where it is one in bits, or only the value tells it
     int written_ = -1;
-};
-
-/// The formats whose fields are texts.
-enum TextFormat : std::uint32_t {
-    short_text = 50,   ///< length in a byte, encoding, text
-    medium_text = 51,  ///< length in two bytes, encoding, text
-    fixed_text = 63,
-    hex_dump = 3002,
 };
 
 }  // namespace vistel

@@ -14,7 +14,7 @@
 #include "text/quotes.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -57,14 +57,17 @@ bool means_label(std::string_view typed, std::string_view shown) {
 
 class Building {
   public:
-    Building(QV_N2K_PGN_DB_c& db, const PgnDef& pgn, const std::vector<TypedField>& fields, N2KMsg& msg)
-        : db_(db), pgn_(pgn), fields_(fields), used_(fields.size(), false), msg_(msg) {}
+    Building(ReadingContext& context, const PgnDef& pgn, const std::vector<TypedField>& fields)
+        : context_(context), pgn_(pgn), fields_(fields), used_(fields.size(), false) {
+        msg_.pgn = pgn.pgn;
+    }
 
-    std::vector<std::string> build(const Bytes& beginning, bool fills_frame);
+    BuiltMessage build(const Bytes& beginning, bool fills_frame);
+    const N2KMsg& message() const { return msg_; }
 
   private:
     const TypedField* take(std::string_view label);
-    bool is_wanted(const MessageWalk::Field& group) const;
+    bool is_wanted(const MessageWalk& group) const;
     bool is_count(const FieldCell& cell, const std::string& label) const;
     void enter(FieldCell& cell);
     void fill_count();
@@ -73,11 +76,11 @@ class Building {
     bool is_of_later_round(std::string_view label) const;
     void report_unused(const Bytes& beginning);
 
-    QV_N2K_PGN_DB_c& db_;
+    ReadingContext& context_;
     const PgnDef& pgn_;
     const std::vector<TypedField>& fields_;
     std::vector<bool> used_;
-    N2KMsg& msg_;
+    N2KMsg msg_{};
     int given_ = 0;   // bytes of the beginning, which fields that are not given leave alone
     int length_ = 0;  // bytes up to the last field
     int rounds_ = 0;
@@ -101,13 +104,12 @@ const TypedField* Building::take(std::string_view label) {
 }
 
 /// Whether something is given for the round of a repeating group that begins here, or for a later one.
-bool Building::is_wanted(const MessageWalk::Field& group) const {
+bool Building::is_wanted(const MessageWalk& group) const {
     const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
     for (int i = 0; set != nullptr && i <= set->last - set->first; ++i) {
-        MessageWalk::Field field = group;
-        field.row = next_field_row(group.row, i);
-        if (field.row == nullptr || field.row->field == 0) break;
-        const std::string label = FieldCell(db_, msg_, field, {}).label();
+        const FieldDef* const row = next_field_row(&group.field(), i);
+        if (row == nullptr || row->field == 0) break;
+        const std::string label = label_of(*row, group.repeat());
         const NumberedLabel shown = numbered(label);
         for (std::size_t k = 0; k < fields_.size(); ++k) {
             if (used_[k]) continue;
@@ -140,10 +142,10 @@ void Building::enter(FieldCell& cell) {
     } else if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
         report_full(label);
     } else if (typed != nullptr) {
-        if (std::string wrong = enter_value(cell, typed->value); !wrong.empty()) {
+        if (const Status entered = enter_value(cell, typed->value); !entered) {
             constexpr std::size_t longest_text = 256;
             full_ = cell.holds_text() && cell.bytes().size() < longest_text;
-            errors_.push_back(label + " " + wrong);
+            errors_.push_back(concat(label, " ", entered.error().text));
         }
     } else if (!begun) {
         cell.clear();
@@ -158,8 +160,8 @@ void Building::enter(FieldCell& cell) {
 
 void Building::fill_count() {
     if (!count_ || rounds_ == 0) return;
-    const std::string wrong = enter_value(*count_, std::to_string(rounds_));
-    if (!wrong.empty()) errors_.push_back(count_->label() + " " + wrong);
+    const Status entered = enter_value(*count_, std::to_string(rounds_));
+    if (!entered) errors_.push_back(concat(count_->label(), " ", entered.error().text));
 }
 
 /// Says so of the first field without room.
@@ -199,7 +201,7 @@ void Building::report_unused(const Bytes& beginning) {
             continue;
         }
         if (choices.empty())
-            visit_fields(db_, pgn_, beginning, [&choices](FieldCell& cell) {
+            visit_fields(context_, pgn_, beginning, [&choices](FieldCell& cell) {
                 std::string l = cell.label();
                 if (std::ranges::find(choices, l) == choices.end()) choices.push_back(std::move(l));
             });
@@ -209,19 +211,18 @@ void Building::report_unused(const Bytes& beginning) {
     }
 }
 
-std::vector<std::string> Building::build(const Bytes& beginning, bool fills_frame) {
+BuiltMessage Building::build(const Bytes& beginning, bool fills_frame) {
     given_ = static_cast<int>(beginning.size());
     length_ = given_;
     begin_message(msg_, beginning);
     MessageWalk walk(&pgn_, msg_);
     while (!full_ && walk.next()) {
-        const MessageWalk::Field& field = walk.field();
         const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
-        if (field.repeat > 0 && field.row->field == set->first) {
-            if (walk.position.byte >= given_ && !is_wanted(field)) break;
-            rounds_ = field.repeat;
+        if (walk.repeat() > 0 && walk.field().field == set->first) {
+            if (walk.position.byte >= given_ && !is_wanted(walk)) break;
+            rounds_ = walk.repeat();
         }
-        FieldCell cell(db_, msg_, field, walk.position);
+        FieldCell cell(context_, msg_, walk);
         enter(cell);
         walk.position = cell.next();
     }
@@ -233,7 +234,8 @@ std::vector<std::string> Building::build(const Bytes& beginning, bool fills_fram
     // A payload that was given keeps its length.
     if (fills_frame) msg_.length = std::max<std::uint16_t>(msg_.length, max_frame_bytes);
     if (errors_.empty()) verify();
-    return errors_;
+    if (errors_.empty()) return msg_;
+    return Failures{errors_};
 }
 
 /// Reads the message again. Which fields it has depends on how it begins, which has been written meanwhile;
@@ -245,7 +247,7 @@ void Building::verify() {
             errors_.push_back(labels_[0] + " has a value for which decoding shows other fields, or none");
             return;
         }
-        const FieldCell cell(db_, msg_, walk.field(), walk.position);
+        const FieldCell cell(context_, msg_, walk);
         if (cell.label() != labels_[i] || (!shown_[i].empty() && cell.shown() != shown_[i])) {
             errors_.push_back(labels_[i] + " would be decoded as " +
                               in_quotes(cell.label() + ": " + cell.shown()));
@@ -255,14 +257,13 @@ void Building::verify() {
     }
 }
 
-bool begins_with_maker(std::uint16_t selector) {
-    return selector == (maker_header & 0x7FF);
-}
+constexpr std::uint16_t maker = own_header & 0x7FF;  // the manufacturer code
 
 }  // namespace
 
 std::vector<Bytes> variants_of(const PgnDef& pgn) {
     std::vector<Bytes> result;
+    ReadingContext context;
     N2KMsg msg{};
     msg.pgn = pgn.pgn;
     // Fields that everybody's message has, where those of the maker have more.
@@ -270,7 +271,7 @@ std::vector<Bytes> variants_of(const PgnDef& pgn) {
     MessageWalk anybody(&pgn, msg);
     bool any = false;
     while (anybody.next()) {
-        FieldCell cell(qv_n2k_pgn_db, msg, anybody.field(), anybody.position);
+        FieldCell cell(context, msg, anybody);
         cell.clear();
         anybody.position = cell.next();
         any = true;
@@ -280,26 +281,26 @@ std::vector<Bytes> variants_of(const PgnDef& pgn) {
     for (const FieldDef& row : all_fields()) {
         if (row.pgn != pgn.pgn || row.field != 1) continue;
         const std::uint16_t selector = low_half(row.key1);
-        if (selector == no_selector || row.key1 == 0xFFFFFFFF) continue;
-        const Bytes beginning = begins_with_maker(selector) ? Bytes{maker_header & 0xFF, maker_header >> 8}
-                                                            : Bytes{static_cast<std::uint8_t>(selector)};
+        if (selector == no_selector) continue;
+        const Bytes beginning = selector == maker ? Bytes{own_header & 0xFF, own_header >> 8}
+                                                  : Bytes{static_cast<std::uint8_t>(selector)};
         begin_message(msg, beginning);
         MessageWalk walk(&pgn, msg);
-        if (!walk.next() || low_half(walk.field().row->key1) != selector) continue;
+        if (!walk.next() || low_half(walk.field().key1) != selector) continue;
         if (std::ranges::find(result, beginning) == result.end()) result.push_back(beginning);
     }
     if (result.empty()) result.emplace_back();
     return result;
 }
 
-void visit_fields(QV_N2K_PGN_DB_c& db, const PgnDef& pgn, const Bytes& variant,
+void visit_fields(ReadingContext& context, const PgnDef& pgn, const Bytes& variant,
                   const std::function<void(FieldCell&)>& visit) {
     N2KMsg msg{};
     msg.pgn = pgn.pgn;
     begin_message(msg, variant);
     MessageWalk walk(&pgn, msg);
-    while (walk.next() && walk.field().repeat <= 1) {
-        FieldCell cell(db, msg, walk.field(), walk.position);
+    while (walk.next() && walk.repeat() <= 1) {
+        FieldCell cell(context, msg, walk);
         if (cell.start().byte >= static_cast<int>(variant.size())) cell.clear();
         FieldCell shown = cell;
         const N2KMsg before = msg;
@@ -309,47 +310,51 @@ void visit_fields(QV_N2K_PGN_DB_c& db, const PgnDef& pgn, const Bytes& variant,
     }
 }
 
-BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const PgnDef* pgn,
+BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const PgnDef* pgn,
                            const std::vector<TypedField>& fields) {
-    BuiltMessage result;
-    result.msg.pgn = number;
     std::vector<TypedField> rest;
-    Bytes payload;
-    bool has_payload = false;
+    std::optional<Bytes> payload;
     for (const TypedField& field : fields) {
         if (!same_label(field.label, payload_label)) {
             rest.push_back(field);
             continue;
         }
         const auto bytes = bytes_of(field.value);
-        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || has_payload) {
-            result.errors.push_back(std::string(payload_label) +
-                                    " takes the bytes of the payload once, at most " +
-                                    std::to_string(N2K_MAX_PAYLOAD) + ", as in 01 02 FF");
-            return result;
-        }
-        payload = *bytes;
-        has_payload = true;
+        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || payload)
+            return Failures{{concat(payload_label, " takes the bytes of the payload once, at most ",
+                                    unsigned{N2K_MAX_PAYLOAD}, ", as in 01 02 FF")}};
+        payload = bytes;
     }
-    begin_message(result.msg, payload);
-    result.msg.length = static_cast<std::uint16_t>(payload.size());
-    if (pgn == nullptr) {
-        if (!rest.empty() || !has_payload)
-            result.errors.push_back(
-                "PGN " + std::to_string(number) +
-                " is not in the catalogue; only its bytes can be given, as in \"Data=01 02 FF\"");
-        return result;
+    if (pgn == nullptr && (!rest.empty() || !payload))
+        return Failures{
+            {concat("PGN ", number, " is not in the catalogue; only its bytes can be given, as in ",
+                    "\"Data=01 02 FF\"")}};
+    if (payload && rest.empty()) {  // as it is, however short
+        N2KMsg msg{};
+        msg.pgn = number;
+        begin_message(msg, *payload);
+        msg.length = static_cast<std::uint16_t>(payload->size());
+        return msg;
     }
-    if (has_payload && rest.empty()) return result;  // as it is, however short
-    constexpr std::uint32_t iso_request = 59904;     // of three bytes, by ISO 11783-3
-    const bool fills_frame = !is_fast_packet(number) && !has_payload && number != iso_request;
+    // An ISO Request has three bytes, by ISO 11783-3.
+    const bool fills_frame = !is_fast_packet(number) && !payload && number != pgn::iso_request;
     std::optional<BuiltMessage> best;
-    for (const Bytes& variant : has_payload ? std::vector<Bytes>{payload} : variants_of(*pgn)) {
-        BuiltMessage built;
-        built.msg.pgn = number;
-        built.errors = Building(db, *pgn, rest, built.msg).build(variant, fills_frame);
-        if (!best || built.errors.size() < best->errors.size()) best = built;
+    const auto errors_of = [](const BuiltMessage& built) { return built ? 0 : built.error().texts.size(); };
+    const auto build_from = [&](const Bytes& beginning) {
+        Building building(context, *pgn, rest);
+        BuiltMessage built = building.build(beginning, fills_frame);
+        if (!best || errors_of(built) < errors_of(*best)) best = std::move(built);
+        return building.message();
+    };
+    if (!payload) {
+        for (const Bytes& variant : variants_of(*pgn)) build_from(variant);
+        return *best;
     }
+    const N2KMsg built = build_from(*payload);
+    // Fields may have changed what tells the variant.
+    Bytes changed = *payload;
+    std::copy_n(built.data, std::min(sizeof own_header, changed.size()), changed.begin());
+    if (changed != *payload) build_from(changed);
     return *best;
 }
 

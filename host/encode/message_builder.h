@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "encode/field_cell.h"
+#include "text/result.h"
 
 namespace vistel {
 
@@ -17,10 +18,11 @@ struct TypedField {
 /// Label of the payload as bytes, which decoding shows where no field covers it.
 constexpr std::string_view payload_label = "Data";
 
-struct BuiltMessage {
-    N2KMsg msg{};
-    std::vector<std::string> errors;  ///< empty where everything could be entered
+/// Why a message could not be built: all that is wrong with it.
+struct Failures {
+    std::vector<std::string> texts;
 };
+using BuiltMessage = Result<N2KMsg, Failures>;
 
 /// Builds the payload of a message by the walk that decoding does over it.
 ///
@@ -28,15 +30,15 @@ struct BuiltMessage {
 /// field. Fields that are not given are left not available. A round of a repeating group is written when a
 /// field of it, or of a later one, is given; its count ("nItems", or a "Number of ..." right before the
 /// group) is filled in unless given. `pgn` may be null: only the bytes can be given then.
-BuiltMessage build_message(QV_N2K_PGN_DB_c& db, std::uint32_t number, const pgn_vistel::PgnDef* pgn,
+BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const pgn_vistel::core::PgnDef* pgn,
                            const std::vector<TypedField>& fields);
 
 /// Visits the fields of an empty message, of a repeating group the first round. Of several variants of a PGN,
 /// those of the one that begins with `variant`.
-void visit_fields(QV_N2K_PGN_DB_c& db, const pgn_vistel::PgnDef& pgn,
+void visit_fields(ReadingContext& context, const pgn_vistel::core::PgnDef& pgn,
                   const std::vector<std::uint8_t>& variant, const std::function<void(FieldCell&)>& visit);
 
 /// The payload beginnings that tell the variants of a PGN apart, as far as decoding does.
-std::vector<std::vector<std::uint8_t>> variants_of(const pgn_vistel::PgnDef& pgn);
+std::vector<std::vector<std::uint8_t>> variants_of(const pgn_vistel::core::PgnDef& pgn);
 
 }  // namespace vistel

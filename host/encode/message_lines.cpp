@@ -96,18 +96,19 @@ std::string plain_lines(const N2KMsg& msg, std::string_view time) {
     return line + '\n';
 }
 
-std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong) {
+Result<std::string> candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence) {
     Frames frames(msg, time);
     if (pgn_vistel::core::is_fast_packet(msg.pgn) && msg.length <= fast_packet::most_bytes) {
         frames.put_fast(sequence);
     } else if (msg.length <= max_frame_bytes) {
         frames.put_single();
-    } else if (msg.destination == 255) {
+    } else if (msg.destination == everyone) {
         frames.put_broadcast();
     } else {
-        wrong = "a message of " + std::to_string(msg.length) +
-                " bytes to one device takes a dialogue that candump lines alone cannot show; the plain "
-                "format can";
+        return failure(
+            "a message of ", msg.length,
+            " bytes to one device takes a dialogue that candump lines alone cannot show; the plain "
+            "format can");
     }
     return frames.lines;
 }

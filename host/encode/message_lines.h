@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "pgn_vistel/n2k_msg.h"
+#include "text/result.h"
 
 namespace vistel {
 
@@ -12,7 +13,7 @@ namespace vistel {
 std::string plain_lines(const N2KMsg& msg, std::string_view time);
 
 /// The message as candump shows its frames: one, those of a fast packet with this sequence (0 .. 7), or those
-/// of a broadcast by transport protocol. Empty where it cannot be sent so; `wrong` says why.
-std::string candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence, std::string& wrong);
+/// of a broadcast by transport protocol. Some cannot be sent so.
+Result<std::string> candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence);
 
 }  // namespace vistel

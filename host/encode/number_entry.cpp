@@ -11,49 +11,33 @@
 #include "text/quotes.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
 namespace {
 
-constexpr std::uint32_t pgn_number_dd = 9;
 constexpr double most_exact = 0x1p53;  // whole numbers below are doubles of their own
 
 /// An integer, with its sign in all bits.
-std::optional<std::uint64_t> integer_in(const ConvValue& v) {
+std::optional<std::uint64_t> integer_in(const Value& v) {
+    using Integer = std::optional<std::uint64_t>;
     if (!is_available(v)) return {};
-    const auto widened = [](std::int64_t number) { return static_cast<std::uint64_t>(number); };
-    switch (v.type) {
-        case CV_U8: return v.value.u8;
-        case CV_I8: return widened(v.value.i8);
-        case CV_U16: return v.value.u16;
-        case CV_I16: return widened(v.value.i16);
-        case CV_U32:
-        case CV_TIME_OF_DAY: return v.value.u32;
-        case CV_I32: return widened(v.value.i32);
-        case CV_U64: return v.value.u64;
-        case CV_I64: return widened(v.value.i64);
-        default: return {};
-    }
+    return visit_number(v, Integer(), [](auto number) {
+        return std::is_integral_v<decltype(number)> ? Integer(static_cast<std::uint64_t>(number)) : Integer();
+    });
 }
 
-std::optional<double> number_in(const ConvValue& v) {
+std::optional<double> number_in(const Value& v) {
+    using Number = std::optional<double>;
     if (!is_available(v)) return {};
-    if (v.type == CV_FLOAT || v.type == CV_FLOAT_PLAIN) return v.value.f32;
-    if (v.type == CV_DOUBLE) return v.value.f64;
-    const std::optional<std::uint64_t> integer = integer_in(v);
-    if (!integer) return {};
-    return v.type == CV_U64 ? static_cast<double>(*integer)
-                            : static_cast<double>(static_cast<std::int64_t>(*integer));
+    return visit_number(v, Number(), [](auto number) { return Number(static_cast<double>(number)); });
 }
 
 bool has_values(FieldCell& cell, UnitId unit) {
     for (const std::uint64_t raw : {0, 1}) {
         cell.put(raw);
-        ConvValue value;
-        cell.read(value, unit);
-        if (is_available(value)) return true;
+        if (is_available(cell.read(unit).value)) return true;
     }
     return false;
 }
@@ -92,33 +76,28 @@ std::optional<std::uint64_t> integer_of(std::string_view digits) {
     return negative ? 0 - value : value;
 }
 
+/// The digits of a number without point and exponent, as an integer; 0 where there are too many.
+std::uint64_t significant(std::string_view typed) {
+    std::string digits(typed.substr(0, typed.find_first_of("eE")));
+    std::erase_if(digits, [](char c) { return !is_digit(c); });
+    std::uint64_t value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return value;
+}
+
 /// Integers that decoding shows as they are sent, in all their bits.
 bool enter_integer(FieldCell& cell, std::uint64_t number, UnitId unit) {
-    ConvValue value;
     cell.put(number);
-    cell.read(value, unit);
-    return integer_in(value) == number;
+    return integer_in(cell.read(unit).value) == number;
 }
 
 /// Whether `raw`, the nearest to the number, stands for it but for rounding. `whole` numbers are typed digit
 /// by digit, and integers that can be had so have been tried.
 bool is_meant(FieldCell& cell, const RawScale& scale, std::uint64_t raw, double number, bool whole,
               UnitId unit) {
-    ConvValue value;
     cell.put(raw);
-    cell.read(value, unit);
-    if (!integer_in(value)) return scale.meets(raw, number);
+    if (!integer_in(cell.read(unit).value)) return scale.meets(raw, number);
     return (!whole || std::fabs(number) < most_exact) && scale.meets(raw, number, 0);
-}
-
-/// What the format's own parser makes of the text. It works in single precision and cuts off what is beyond
-/// the last step, so it serves as a hint only.
-std::uint64_t parsed(const FieldCell& cell, std::string_view digits, UnitId unit) {
-    ConvValue value{CV_NOT_AVAILABLE, {}};
-    value.value.u64 = 0;
-    cell.dd().format->parse(&value, std::string(digits).c_str(), unit);
-    const int bits = cell.bits();
-    return bits < 64 ? value.value.u64 & ((std::uint64_t{1} << bits) - 1) : value.value.u64;
 }
 
 /// What decoding shows is rounded, so a text as it is shown may be nearer to a number that shows another one:
@@ -136,27 +115,21 @@ bool enter_as_rounded(FieldCell& cell, std::string_view text, double number, std
     const double next_single = std::fabs(number) * 0x1p-23;
     const std::uint64_t sign = std::uint64_t{1} << (cell.bits() - 1);
     for (const std::uint64_t raw :
-         {shown.nearest(number, {}), nearest - 1, nearest + 1, shown.nearest(number - next_single, {}),
-          shown.nearest(number + next_single, {}), sign, sign | (sign - 1)}) {
+         {shown.nearest(number), nearest - 1, nearest + 1, shown.nearest(number - next_single),
+          shown.nearest(number + next_single), sign, sign | (sign - 1)}) {
         cell.put(raw);
         if (shows(cell, text)) return true;
     }
     return false;
 }
 
-struct UnitFound {
-    UnitId unit;
-    std::string wrong;
-};
-
-UnitFound unit_for(FieldCell& cell, std::string_view text) {
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+Result<UnitId> unit_for(FieldCell& cell, std::string_view text) {
+    const FieldReading reading = cell.read();
     const std::vector<UnitId> served = served_units(cell);
     const std::string name = simplified(unit_text(reading.unit));
     if (text.empty() || (!name.empty() && name == simplified(text))) {
-        if (has_values(cell, reading.unit)) return {reading.unit, {}};
-        if (text.empty() && served.size() == 1) return {served[0], {}};
+        if (has_values(cell, reading.unit)) return reading.unit;
+        if (text.empty() && served.size() == 1) return served[0];
     }
     UnitId found = find_unit(served, text);
     if (found < 0 && !text.empty() && looks_at_unit(cell)) {
@@ -165,15 +138,16 @@ UnitFound unit_for(FieldCell& cell, std::string_view text) {
             if (!unit_text(u).empty() && has_values(cell, u)) all.push_back(u);
         found = find_unit(all, text);
     }
-    if (found >= 0) return {found, {}};
+    if (found >= 0) return found;
     std::vector<std::string> names;
     for (const UnitId u : served)
         if (!unit_text(u).empty()) names.push_back(unit_text(u));
     if (served.empty())
-        return {-1, "has no values that could be encoded; a field before it may have to say how it is coded"};
-    if (names.empty()) return {-1, "takes no unit, but has " + in_quotes(text)};
-    return {-1, (text.empty() ? "needs one of its units" : "has no unit " + in_quotes(text)) +
-                    std::string("; there are: ") + joined(names)};
+        return failure(
+            "has no values that could be encoded; a field before it may have to say how it is coded");
+    if (names.empty()) return failure("takes no unit, but has ", in_quotes(text));
+    return failure(text.empty() ? "needs one of its units" : concat("has no unit ", in_quotes(text)),
+                   "; there are: ", joined(names));
 }
 
 }  // namespace
@@ -209,8 +183,7 @@ std::optional<double> take_number(std::string_view& text) {
 }
 
 std::vector<UnitId> served_units(FieldCell cell) {
-    ConvValue value;
-    const FieldReading reading = cell.read(value);
+    const FieldReading reading = cell.read();
     std::vector<UnitId> units;
     if (reading.quantity == quantity::no_quantity)
         units.push_back(reading.unit);
@@ -225,10 +198,8 @@ std::vector<UnitId> served_units(FieldCell cell) {
 RawScale scale_of(FieldCell& cell, UnitId unit) {
     return RawScale(
         [cell, unit](std::uint64_t raw) mutable {
-            ConvValue value;
             cell.put(raw);
-            cell.read(value, unit);
-            return number_in(value);
+            return number_in(cell.read(unit).value);
         },
         cell.bits());
 }
@@ -245,10 +216,10 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
     if (!number) return {};
     const std::string_view digits = text.substr(0, text.size() - rest.size());
     if (rest.size() > 1 && rest[0] == ',' && is_digit(rest[1]))
-        return in_quotes(text) + " has a comma: a fraction is typed with a point, as in 1.5";
+        return failure(in_quotes(text), " has a comma: a fraction is typed with a point, as in 1.5");
     rest = trimmed(rest);
     std::string_view in_parentheses;
-    const bool names_pgn = cell.dd().dd == pgn_number_dd && rest.starts_with('(');
+    const bool names_pgn = cell.dd().dd == dd::pgn_number && rest.starts_with('(');
     if (names_pgn) {
         rest = {};  // the name follows from the number
     } else if (const std::size_t close = rest.find(')'); rest.starts_with("(0x") && close != rest.npos) {
@@ -256,23 +227,24 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
         rest = trimmed(rest.substr(close + 1));
     }
 
-    const auto [unit, wrong] = unit_for(cell, rest);
-    if (unit < 0) return wrong;
+    Result<UnitId> found = unit_for(cell, rest);
+    if (!found) return found.error();
+    const UnitId unit = *found;
     const std::optional<std::uint64_t> integer = integer_of(digits);
     if (!integer || !enter_integer(cell, *integer, unit)) {
         const RawScale scale = scale_of(cell, unit);
-        if (scale.empty()) return "has no values that could be encoded";
-        const std::uint64_t raw = scale.nearest(*number, parsed(cell, digits, unit));
+        if (scale.empty()) return failure("has no values that could be encoded");
+        const std::uint64_t raw = scale.nearest(*number, significant(digits));
         const bool whole = digits.find_first_not_of("+-0123456789") == digits.npos;
         const bool meant = is_meant(cell, scale, raw, *number, whole, unit);
         if (!shows(cell, text) && !enter_as_rounded(cell, text, *number, raw, unit)) {
             cell.put(raw);
-            if (!meant) return in_quotes(text) + " is out of range: " + range_text(scale, unit);
+            if (!meant) return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));
         }
     }
     if (!in_parentheses.empty() && cell.shown().find(in_parentheses) == std::string::npos)
-        return std::string(digits) + " and " + std::string(in_parentheses) + " are different numbers";
-    return "";
+        return failure(digits, " and ", in_parentheses, " are different numbers");
+    return done;
 }
 
 }  // namespace vistel

@@ -20,8 +20,12 @@ std::uint64_t last_that(std::uint64_t first, std::uint64_t last, Predicate holds
     return first;
 }
 
-/// The number of `first` .. `last` with the most zeros at its end.
-std::uint64_t roundest(std::uint64_t first, std::uint64_t last) {
+/// The number of `first` .. `last` that is these digits and zeros, or else has the most zeros at its end.
+std::uint64_t roundest(std::uint64_t first, std::uint64_t last, std::uint64_t digits) {
+    for (std::uint64_t number = digits; number > 0 && number <= last; number *= 10) {
+        if (number >= first) return number;
+        if (number > last / 10) break;
+    }
     std::uint64_t best = first;
     for (std::uint64_t power = 1; power <= last && last / power * power >= first; power *= 10) {
         best = last / power * power;
@@ -38,8 +42,9 @@ RawScale::RawScale(Conversion value_of, int bits)
           return value && std::isfinite(*value) ? value : std::nullopt;
       }) {
     const std::uint64_t sign = std::uint64_t{1} << (std::max(bits, 1) - 1);
+    all_bits_ = sign | (sign - 1);
     find_runs(0, sign - 1);
-    find_runs(sign, sign + (sign - 1));
+    find_runs(sign, all_bits_);
 }
 
 void RawScale::find_runs(std::uint64_t first, std::uint64_t last) {
@@ -83,43 +88,47 @@ std::uint64_t RawScale::nearest_in(const Run& run, double value) const {
     if (below == run.last) return below;
     const double under = std::fabs(*value_of_(below) - value);
     const double over = std::fabs(*value_of_(below + 1) - value);
-    const std::uint64_t best = under < over ? below : below + 1;
+    const bool is_below = value > 0 ? under <= over : under < over;  // half a step goes to zero
+    return is_below ? below : below + 1;
+}
 
-    // Single precision gives neighbouring numbers one value: the roundest of them is what somebody meant who
-    // typed few digits. Steps that the unit itself has, such as Beaufort's, are much longer and keep their
-    // lower end.
+std::pair<const RawScale::Run*, std::uint64_t> RawScale::nearest_run(double value) const {
+    const Run* best_run = nullptr;
+    std::uint64_t best = 0;
+    double distance = HUGE_VAL;
+    for (const Run& run : runs_) {
+        const std::uint64_t raw = nearest_in(run, value);
+        const double d = std::fabs(*value_of_(raw) - value);
+        if (best_run != nullptr && d >= distance) continue;
+        best_run = &run;
+        best = raw;
+        distance = d;
+    }
+    return {best_run, best};
+}
+
+std::uint64_t RawScale::nearest(double value, std::uint64_t digits) const {
+    const auto [found, best] = nearest_run(value);
+    const Run& run = *found;
     const double v = *value_of_(best);
     const auto beyond = [&](std::uint64_t raw) {
         const double at = *value_of_(raw);
-        return rising ? at < v : at > v;
+        return run.rising() ? at < v : at > v;
     };
     std::uint64_t start = run.first;
     if (beyond(start)) start = last_that(run.first, best, beyond) + 1;
     const std::uint64_t end =
         last_that(best, run.last, [&](std::uint64_t raw) { return *value_of_(raw) == v; });
-    constexpr std::uint64_t rounding = std::uint64_t{1} << 20;  // of the whole run
-    if (end - start > (run.last - run.first) / rounding) return start;
-    if (run.first == 0 || v >= 0) return roundest(start, end);
-    const std::uint64_t zero = 2 * run.first;  // negative numbers count down from there
-    return zero - roundest(zero - end, zero - start);
-}
 
-std::uint64_t RawScale::nearest(double value, std::optional<std::uint64_t> hint) const {
-    std::uint64_t best = runs_.front().first;
-    double distance = HUGE_VAL;
-    for (const Run& run : runs_) {
-        const std::uint64_t raw = nearest_in(run, value);
-        const double d = std::fabs(*value_of_(raw) - value);
-        if (d < distance) {
-            best = raw;
-            distance = d;
-        }
-    }
-    if (hint) {
-        const std::optional<double> v = value_of_(*hint);
-        if (v && std::fabs(*v - value) <= distance) best = *hint;
-    }
-    return best;
+    // Single precision gives neighbouring numbers one value. Steps that the unit itself has, such as
+    // Beaufort's, are much longer and keep their lower end.
+    constexpr std::uint64_t rounding = std::uint64_t{1} << 20;  // of the whole run
+    if (start == end || end - start > (run.last - run.first) / rounding) return start;
+    // Digits are counted from zero, which some formats have in the middle.
+    const std::uint64_t zero = nearest_run(0).second;
+    if (v < 0)
+        return (zero - roundest((zero - end) & all_bits_, (zero - start) & all_bits_, digits)) & all_bits_;
+    return (zero + roundest((start - zero) & all_bits_, (end - zero) & all_bits_, digits)) & all_bits_;
 }
 
 bool RawScale::meets(std::uint64_t raw, double value, double rounding) const {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace vistel {
@@ -26,8 +27,9 @@ class RawScale {
     double lowest() const;
     double highest() const;
 
-    /// The number whose value is nearest, `hint` among equals.
-    std::uint64_t nearest(double value, std::optional<std::uint64_t> hint) const;
+    /// The number whose value is nearest. Of several with one value, the one that consists of these digits
+    /// and zeros, as somebody meant who typed them, or else the roundest.
+    std::uint64_t nearest(double value, std::uint64_t digits = 0) const;
     /// Whether the value of `raw`, the nearest number, is within half a step of `value`, or within the
     /// relative error of its conversion, `rounding`.
     bool meets(std::uint64_t raw, double value, double rounding = single_rounding) const;
@@ -42,9 +44,11 @@ class RawScale {
 
     void find_runs(std::uint64_t first, std::uint64_t last);
     std::uint64_t nearest_in(const Run& run, double value) const;
+    std::pair<const Run*, std::uint64_t> nearest_run(double value) const;
 
     Conversion value_of_;
     std::vector<Run> runs_;
+    std::uint64_t all_bits_;
 };
 
 }  // namespace vistel

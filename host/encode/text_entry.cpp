@@ -2,63 +2,17 @@
 
 #include <algorithm>
 
+#include "encode/sent_text.h"
 #include "text/hex.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
 namespace {
-
-/// The 8-bit code that decoding shows as this character, 0 for none.
-std::uint8_t code_of(char16_t c) {
-    if (c < 0x80) return static_cast<std::uint8_t>(c);
-    const ConvFunction show = find_conversion(short_text);
-    for (unsigned code = 0x80; code <= 0xFF; ++code) {
-        const std::uint8_t field[] = {3, 1, static_cast<std::uint8_t>(code), 0};
-        ConvValue value{CV_NOT_AVAILABLE, {}};
-        show(&value, field, unit::raw_count, nullptr);
-        if (value.type == CV_TEXT && value.value.wide[0] == static_cast<wchar_t>(c))
-            return static_cast<std::uint8_t>(code);
-    }
-    return 0;
-}
-
-/// The text in 8 bits a character, or nothing where there are others.
-std::optional<std::vector<std::uint8_t>> narrowed(const std::u16string& text) {
-    std::vector<std::uint8_t> result;
-    for (const char16_t c : text) {
-        const std::uint8_t code = code_of(c);
-        if (code == 0) return {};
-        result.push_back(code);
-    }
-    return result;
-}
-
-/// The field as sent: length, encoding, text. ASCII where that is enough.
-std::vector<std::uint8_t> prefixed(const std::u16string& text, std::uint32_t format) {
-    enum : std::uint8_t { utf16 = 0, ascii = 1 };
-    std::vector<std::uint8_t> body;
-    const auto narrow = narrowed(text);
-    if (narrow) {
-        body = *narrow;
-    } else {
-        for (const char16_t c : text)
-            body.insert(body.end(), {static_cast<std::uint8_t>(c), static_cast<std::uint8_t>(c >> 8)});
-        // Of these decoding leaves out the last character.
-        if (format == medium_text) body.insert(body.end(), {0, 0});
-    }
-    const std::size_t header = format == medium_text ? 3 : 2;
-    const std::size_t length = body.size() + header;
-    std::vector<std::uint8_t> field = {static_cast<std::uint8_t>(length)};
-    if (format == medium_text) field.push_back(static_cast<std::uint8_t>(length >> 8));
-    field.push_back(narrow ? ascii : utf16);
-    field.insert(field.end(), body.begin(), body.end());
-    return field;
-}
 
 /// Bytes of the field where its size is fixed.
 std::size_t room_of(FieldCell& cell) {
@@ -67,27 +21,26 @@ std::size_t room_of(FieldCell& cell) {
 }
 
 /// Compares what is read with what was typed.
-std::string difference(const FieldCell& cell, std::string_view typed) {
+Status difference(const FieldCell& cell, std::string_view typed) {
     const std::string shown = cell.shown();
-    if (trimmed(shown) == trimmed(typed)) return "";
+    if (trimmed(shown) == trimmed(typed)) return done;
     if (typed.starts_with(shown)) {
         const auto characters = utf16_of(shown)->size();
         const std::size_t next = shown.size();
         if (next < typed.size() && (typed[next] & 0x80) == 0)
-            return "holds " + std::to_string(characters) + " characters only: " + in_quotes(typed) +
-                   " is longer";
+            return failure("holds ", characters, " characters only: ", in_quotes(typed), " is longer");
     }
-    return in_quotes(typed) + " has characters that the field cannot hold";
+    return failure(in_quotes(typed), " has characters that the field cannot hold");
 }
 
-std::string enter_bytes(FieldCell& cell, std::string_view text) {
+Status enter_bytes(FieldCell& cell, std::string_view text) {
     const auto bytes = bytes_of(text);
-    if (!bytes) return in_quotes(text) + " is not bytes, as in 01 02 FF";
+    if (!bytes) return failure(in_quotes(text), " is not bytes, as in 01 02 FF");
     if (const std::size_t room = room_of(cell); bytes->size() > room)
-        return "has " + std::to_string(room) + " bytes, not " + std::to_string(bytes->size());
+        return failure("has ", room, " bytes, not ", bytes->size());
     std::ranges::copy(*bytes, cell.bytes().begin());
     cell.end_behind(static_cast<int>(bytes->size()));
-    return "";
+    return done;
 }
 
 }  // namespace
@@ -103,29 +56,30 @@ std::optional<std::vector<std::uint8_t>> bytes_of(std::string_view text) {
     return bytes;
 }
 
-std::string enter_text(FieldCell& cell, std::string_view text) {
-    const std::uint32_t format = cell.dd().format->df;
-    if (format == hex_dump) return enter_bytes(cell, text);
+Status enter_text(FieldCell& cell, std::string_view text) {
+    const DF df = cell.dd().df;
+    if (df == format::hex_dump) return enter_bytes(cell, text);
     // Blanks at the end cannot be seen, and decoding puts one of its own there.
     text = text.substr(0, text.find_last_not_of(' ') + 1);
     const std::u16string characters = utf16_of(text).value_or(u"");
     std::vector<std::uint8_t> field;
-    if (format == fixed_text) {
+    if (df == format::text_fixed) {
         const std::size_t room = room_of(cell);
         if (characters.size() > room)
-            return "holds " + std::to_string(room) + " characters only: " + in_quotes(text) + " has " +
-                   std::to_string(characters.size());
+            return failure("holds ", room, " characters only: ", in_quotes(text), " has ", characters.size());
         for (const char16_t c : characters) field.push_back(c < 0x100 ? static_cast<std::uint8_t>(c) : 0);
         field.resize(room, 0xFF);
     } else {
-        constexpr std::size_t longest = 250;  // characters, in any of the two
-        if (characters.size() > longest && format == short_text)
-            return "holds 125 characters only: " + in_quotes(text) + " is longer";
-        field = prefixed(characters, format);
-        if (format == short_text && field.size() > 252) return in_quotes(text) + " is too long for the field";
+        constexpr std::size_t longest = sent_short_text.longest;
+        if (df == format::text_short && characters.size() > longest - sent_short_text.header)
+            return failure("holds ", unsigned{sent_short_text.characters},
+                           " characters only: ", in_quotes(text), " is longer");
+        field = sent_text(df, characters);
+        if (df == format::text_short && field.size() > longest)
+            return failure(in_quotes(text), " is too long for the field");
         if (field.size() > cell.bytes().size())
-            return in_quotes(text) + " does not fit into the " + std::to_string(N2K_MAX_PAYLOAD) +
-                   " bytes of a message";
+            return failure(in_quotes(text), " does not fit into the ", unsigned{N2K_MAX_PAYLOAD},
+                           " bytes of a message");
     }
     std::ranges::copy(field, cell.bytes().begin());
     return difference(cell, text);

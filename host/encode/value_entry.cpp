@@ -9,7 +9,7 @@
 #include "text/quotes.h"
 #include "text/words.h"
 
-using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 namespace vistel {
 
@@ -19,8 +19,7 @@ namespace {
 bool means_not_available(const FieldCell& cell, std::string_view text) {
     if (!text.starts_with('-')) return false;
     text = trimmed(text.substr(1));
-    ConvValue value;
-    return text.empty() || text == unit_text(cell.read(value).unit);
+    return text.empty() || text == unit_text(cell.read().unit);
 }
 
 /// Displays with rules of their own: the number that is shown so is found by trying all of them.
@@ -36,38 +35,42 @@ bool enter_as_shown(FieldCell& cell, std::string_view text) {
     return false;
 }
 
-std::string no_such_choice(const FieldCell& cell, std::string_view text) {
+Failure no_such_choice(const FieldCell& cell, std::string_view text) {
     std::vector<std::string> texts;
     for (const CodedChoice& choice : choices_of(cell)) texts.push_back(choice.text);
-    return "has no " + in_quotes(text) + "; " +
-           suggestion(text, texts, "there are " + std::to_string(texts.size()) + ", see --list");
+    return failure("has no ", in_quotes(text), "; ",
+                   suggestion(text, texts, concat("there are ", texts.size(), ", see --list")));
 }
 
 }  // namespace
 
-std::string enter_value(FieldCell& cell, std::string_view typed) {
+Status enter_value(FieldCell& cell, std::string_view typed) {
     const std::string_view text = trimmed(typed);
     if (cell.holds_text()) {
-        if (text == "-" && cell.dd().format->df == hex_dump) return cell.clear(), "";
-        return enter_text(cell, typed);
+        if (text != "-" || cell.dd().df != format::hex_dump) return enter_text(cell, typed);
+        cell.clear();
+        return done;
     }
-    if (means_not_available(cell, text)) return cell.clear(), "";
+    if (means_not_available(cell, text)) {
+        cell.clear();
+        return done;
+    }
     const bool coded = find_enumeration(cell.dd().dd) != nullptr;
-    if (coded && enter_choice(cell, text, Spelling::exact)) return "";
+    if (coded && enter_choice(cell, text, Spelling::exact)) return done;
     if (coded && enter_choice(cell, text, Spelling::alike)) {
         // A code without a text may be shown as "Reserved" where another one is "reserved".
         if (!enter_as_shown(cell, text)) enter_choice(cell, text, Spelling::alike);
-        return "";
+        return done;
     }
-    if (text.empty() && enter_as_shown(cell, text)) return "";
-    if (text.empty()) return "has no value behind the '='; '-' stands for not available";
+    if (text.empty() && enter_as_shown(cell, text)) return done;
+    if (text.empty()) return failure("has no value behind the '='; '-' stands for not available");
     for (const auto enter : {enter_date, enter_clock, enter_number})
-        if (Outcome outcome = enter(cell, text); outcome && (outcome->empty() || !enter_as_shown(cell, text)))
-            return *outcome;
-        else if (outcome)
-            return "";
-    if (enter_as_shown(cell, text)) return "";
-    return coded ? no_such_choice(cell, text) : in_quotes(text) + " does not begin with a number";
+        if (Outcome outcome = enter(cell, text)) {
+            if (*outcome || !enter_as_shown(cell, text)) return *outcome;
+            return done;
+        }
+    if (enter_as_shown(cell, text)) return done;
+    return coded ? no_such_choice(cell, text) : failure(in_quotes(text), " does not begin with a number");
 }
 
 }  // namespace vistel

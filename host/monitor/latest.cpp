@@ -7,10 +7,14 @@ namespace vistel {
 bool LatestMessages::put(const N2KMsg& msg) {
     Key key{msg.pgn, msg.source, {255, 255, 255, 255}};
     pgn_vistel::core::extract_stream_keys(msg.pgn, msg.data, &key.keys[0], &key.keys[1], &key.keys[2],
-                                    &key.keys[3]);
+                                          &key.keys[3]);
     auto found = streams_.find(key);
     if (found == streams_.end()) {
-        if (streams_.size() >= most_streams) clear();
+        if (streams_.size() >= most_streams) {
+            dropped_ += pending_.size();
+            streams_.clear();
+            pending_.clear();
+        }
         found = streams_.try_emplace(key).first;
     }
     Entry& entry = found->second;
@@ -24,8 +28,7 @@ bool LatestMessages::put(const N2KMsg& msg) {
 }
 
 void LatestMessages::clear() {
-    streams_.clear();
-    pending_.clear();
+    *this = LatestMessages();
 }
 
 }  // namespace vistel

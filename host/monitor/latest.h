@@ -10,7 +10,8 @@
 namespace vistel {
 
 /// The latest message of each stream since the last frame of the display, in the order in which the streams
-/// first had one. A stream is what the monitor has a line for: a PGN of a source with its stream keys.
+/// first had one. A stream is a PGN of a source with its stream keys. Memory is bounded: where the streams
+/// become too many, all are forgotten.
 class LatestMessages {
   public:
     /// Takes a message; true when it took the place of an earlier one that was never shown.
@@ -24,6 +25,10 @@ class LatestMessages {
         ++frame_;
     }
 
+    /// Messages that were pending when their streams became too many to keep: they are never shown.
+    std::uint64_t dropped() const { return dropped_; }
+
+    /// As if nothing had been put.
     void clear();
 
   private:
@@ -37,12 +42,13 @@ class LatestMessages {
         N2KMsg msg;
         std::uint64_t frame = 0;  // in which it is pending
     };
-    // A stream more than the window can show is refused there; here the memory is bounded.
+    // More than the window has room for, and a bound for the memory.
     static constexpr std::size_t most_streams = 4096;
 
     std::map<Key, Entry> streams_;
     std::vector<N2KMsg*> pending_;
     std::uint64_t frame_ = 1;
+    std::uint64_t dropped_ = 0;
 };
 
 }  // namespace vistel

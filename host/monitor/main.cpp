@@ -6,8 +6,9 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 
-#include "command_line/usage_error.h"
+#include "command_line/command_line.h"
 #include "monitor/window.h"
 
 namespace {
@@ -57,11 +58,11 @@ int main(int argc, char** argv) {
     app.add_flag("--loop", options.loop, "From the start again at the end");
     app.failure_message(vistel::usage_error);
     try {
-        app.parse(argc, argv);
+        app.parse(vistel::words(argc, argv));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : bad_usage;
     }
-    options.speed = speed == "max" ? 0 : std::stod(speed);
+    options.speed = speed == "max" ? 0 : std::strtod(speed.c_str(), nullptr);
 
     // The toolkit would end the program with a message of its own.
     GdkDisplay* const display = gdk_display_open(nullptr);
@@ -77,6 +78,8 @@ int main(int argc, char** argv) {
         return bad_usage;
     }
     wxApp::SetInstance(new MonitorApp(std::move(player)));
-    int no_arguments = 1;
-    return wxEntry(no_arguments, argv);
+    char name[] = "vistel-monitor";
+    char* name_alone[] = {name, nullptr};
+    int count = 1;
+    return wxEntry(count, name_alone);
 }

@@ -11,8 +11,8 @@ bool Player::open(std::string& error) {
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 0;
-    if (!recording_->open(options_.file, how)) {
-        error = recording_->problem().text;
+    if (const auto opened = recording_->open(options_.file, how); !opened) {
+        error = opened.error().text;
         return false;
     }
     reassembler_ = std::make_unique<Reassembler>([this](const N2KMsg& msg, const RecordTime& time) {

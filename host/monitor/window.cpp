@@ -84,7 +84,7 @@ void MonitorWindow::build_menu() {
         dialog_->Bind(
             wxEVT_MENU, [act](wxCommandEvent& e) { act(e); }, id);
     };
-    on(id_open, [this](wxCommandEvent&) { open(); });
+    on(id_open, [this](wxCommandEvent&) { choose_recording(); });
     on(id_save, [this](wxCommandEvent&) { save(); });
     on(id_copy, [this](wxCommandEvent&) { copy(); });
     on(id_pause, [this](wxCommandEvent& event) { player_->pause(event.IsChecked()); });
@@ -109,6 +109,9 @@ void MonitorWindow::show_status() {
     wxString text = wxString::Format(
         "%llu messages, %llu of them replaced by later ones before they were shown",
         static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(c.replaced));
+    if (latest_.dropped() > 0)
+        text << wxString::Format(", %llu dropped because of too many streams",
+                                 static_cast<unsigned long long>(latest_.dropped()));
     if (c.problems > 0)
         text << wxString::Format(", %llu errors", static_cast<unsigned long long>(c.problems));
     if (refused_ > 0)
@@ -128,24 +131,27 @@ void MonitorWindow::show_source() {
                       " - PGN Vistel");
 }
 
-void MonitorWindow::open() {
+void MonitorWindow::choose_recording() {
     wxFileDialog chooser(dialog_, "Open a recording", wxEmptyString, wxEmptyString,
                          wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
     if (chooser.ShowModal() != wxID_OK) return;
+    if (std::string error; !open(chooser.GetPath().ToStdString(wxConvUTF8), error))
+        wxMessageBox(wxString::FromUTF8(error), "Cannot open the recording", wxOK | wxICON_ERROR, dialog_);
+}
+
+bool MonitorWindow::open(const std::string& file, std::string& error) {
     PlayOptions options = player_->options();
-    options.file = chooser.GetPath().ToStdString(wxConvUTF8);
+    options.file = file;
     options.format.clear();
     auto next = std::make_unique<Player>(options);
-    std::string error;
-    if (!next->open(error)) {
-        wxMessageBox(wxString::FromUTF8(error), "Cannot open the recording", wxOK | wxICON_ERROR, dialog_);
-        return;
-    }
+    if (!next->open(error)) return false;
     player_ = std::move(next);
     latest_.clear();
+    refused_ = 0;
     dialog_->ClearMsg();
     dialog_->GetMenuBar()->Check(id_pause, false);
     show_source();
+    return true;
 }
 
 void MonitorWindow::save() {

@@ -11,21 +11,24 @@ class wxTreeCtrl;
 
 namespace vistel {
 
-/// The monitor dialog with a menu and a status line, fed by a player. Deletes itself and ends the program
-/// when the user closes the dialog.
+/// The monitor dialog with a menu and a status line, fed by a player. When the user closes the dialog it is
+/// destroyed and the main loop ends; this object is then good for nothing but to be deleted.
 class MonitorWindow : public wxEvtHandler {
   public:
     explicit MonitorWindow(std::unique_ptr<Player> player);
     ~MonitorWindow() override;
 
     void show();
+    /// Plays another recording from its start, in the same way. False with the reason in `error`, and the
+    /// one that is playing goes on.
+    bool open(const std::string& file, std::string& error);
 
   private:
     void build_menu();
     void show_frame();
     void show_status();
     void show_source();
-    void open();
+    void choose_recording();
     void save();
     void copy();
 
@@ -34,7 +37,7 @@ class MonitorWindow : public wxEvtHandler {
     std::unique_ptr<Player> player_;
     LatestMessages latest_;
     wxTimer timer_;
-    std::uint64_t refused_ = 0;
+    std::uint64_t refused_ = 0;  // messages of this recording
     bool display_paused_ = false;
     unsigned frames_ = 0;
 };

@@ -22,9 +22,10 @@ class MessageWriter {
     virtual void write(Sink& out, const TimedMessage& message) = 0;
 };
 
-/// The lines of the monitor: a message's own, then its fields indented by four blanks. `plain_numbers`: without
-/// their hexadecimal form.
-std::unique_ptr<MessageWriter> make_text_writer(const pgn_vistel::core::UnitSelection& units, bool plain_numbers);
+/// The lines of the monitor: a message's own, then its fields indented by four blanks. `plain_numbers`:
+/// without their hexadecimal form.
+std::unique_ptr<MessageWriter> make_text_writer(const pgn_vistel::core::UnitSelection& units,
+                                                bool plain_numbers);
 
 /// One JSON object a line.
 std::unique_ptr<MessageWriter> make_json_writer(const pgn_vistel::core::UnitSelection& units);

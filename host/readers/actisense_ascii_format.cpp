@@ -35,11 +35,12 @@ LineResult ActisenseAsciiFormat::read(std::string_view line, Record& record, Pro
     }
     char clock[most_time + 2] = {time[1], time[2], ':', time[3], time[4], ':', time[5], time[6]};
     const std::size_t clock_size = 8 + time.substr(7).copy(clock + 8, most_time - 7);
-    const char* why = "";
-    if (!timestamps_.parse({clock, clock_size}, record.time, why)) {
-        describe(problem, "time ", quoted(time), ": ", why);
+    auto parsed = timestamps_.parse({clock, clock_size});
+    if (!parsed) {
+        describe(problem, "time ", quoted(time), ": ", parsed.error());
         return LineResult::problem;
     }
+    record.time = *parsed;
 
     const std::string_view addresses = take_word(line);
     std::uint32_t header = 0;

@@ -8,11 +8,11 @@ namespace vistel {
 /// Whole messages of Actisense gateways as text: `A173321.107 23FF7 1F513 012F...`, that is `A` and the time
 /// of day without colons; source, destination and priority (2, 2 and 1 digits); PGN; payload. All but the
 /// time hexadecimal.
-class ActisenseAsciiFormat final : public LineFormat {
+class ActisenseAsciiFormat : public IndependentLines {
   public:
     static bool resembles(std::string_view line);
 
-    LineResult read(std::string_view line, Record& record, Problem& problem) override;
+    LineResult read(std::string_view line, Record& record, Problem& problem);
 
   private:
     TimestampParser timestamps_;

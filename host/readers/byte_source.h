@@ -1,16 +1,21 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "text/result.h"
 
 namespace vistel {
 
 /// Bytes of a file, pipe or terminal through one buffer of fixed size.
 class ByteSource {
   public:
-    enum class Fill {
+    enum class [[nodiscard]] Fill{
         data,    ///< there are new bytes
         end,     ///< there will be no more
         failed,  ///< there will be no more, for the reason in error()
@@ -25,23 +30,30 @@ class ByteSource {
     ByteSource(const ByteSource&) = delete;
     ByteSource& operator=(const ByteSource&) = delete;
 
-    /// Opens a file, or standard input for "-". False with the reason in error().
-    bool open(const std::string& path);
+    /// Opens a file, or standard input for "-". Once only.
+    Status open(const std::string& path);
 
     /// Reads from an open descriptor, which is closed in the end unless it is standard input.
-    bool attach(int descriptor);
+    Status attach(int descriptor);
 
     /// Longest wait of one fill() for a pipe or terminal, in milliseconds; negative for no limit.
     void set_patience(int milliseconds) { patience_ = milliseconds; }
 
+    /// Called before every wait for a pipe or terminal.
+    void set_before_wait(std::function<void()> call) { before_wait_ = std::move(call); }
+
     /// Bytes that are there and not consumed. Valid until the next fill().
     std::string_view unread() const { return {buffer_.get() + begin_, end_ - begin_}; }
-    void consume(std::size_t size) { begin_ += size; }
+    void consume(std::size_t size) {
+        assert(size <= end_ - begin_);
+        begin_ += size;
+    }
 
     /// Reads some more. The buffer must not be full.
     Fill fill(Wait wait);
 
     bool ended() const { return ended_; }
+    /// Why a fill() failed; empty as long as none did.
     const std::string& error() const { return error_; }
 
     /// Whether the bytes come from a file, which is there from the first to the last without waiting.
@@ -51,12 +63,11 @@ class ByteSource {
     std::uint64_t total() const { return total_; }  ///< 0 when unknown
 
   private:
-    void fail(int code);
-
     int descriptor_ = -1;
     bool is_file_ = false;
     bool ended_ = false;
     int patience_ = -1;
+    std::function<void()> before_wait_;
     std::uint64_t received_ = 0;
     std::uint64_t total_ = 0;
     std::string error_;

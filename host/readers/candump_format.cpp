@@ -1,6 +1,8 @@
 #include "readers/candump_format.h"
 
 #include <algorithm>
+#include <cassert>
+#include <cstring>
 
 #include "can/identifier.h"
 #include "readers/scan.h"
@@ -106,6 +108,75 @@ LineResult read_packed(const Shape& shape, N2KMsg& msg, Problem& problem) {
     return read_packed_bytes(bytes, max_frame_bytes, msg, problem) ? LineResult::record : LineResult::problem;
 }
 
+/// Goes over blanks. Lines do not end with one.
+const char* behind_blanks(const char* p) {
+    while (*p == ' ') ++p;
+    return p;
+}
+
+/// `00 FC` or `00FC` up to the end of the line.
+template <unsigned stride>
+bool read_usual_data(const char* p, unsigned count, N2KMsg& msg) {
+    std::uint8_t data[max_frame_bytes] = {};
+    if (!read_hex_bytes<stride>(p, count, data)) return false;
+    std::memcpy(msg.data, data, sizeof data);
+    msg.length = static_cast<std::uint16_t>(count);
+    return true;
+}
+
+/// `[8]  00 FC` up to the end of the line.
+bool read_usual_length_and_data(const char* p, const char* end, N2KMsg& msg) {
+    if (end - p < 3 || p[0] != '[' || p[2] != ']') return false;
+    const auto count = static_cast<unsigned>(p[1] - '0');
+    p += 3;
+    if (count == 0 || count > max_frame_bytes || p == end) return false;
+    p = behind_blanks(p);
+    if (end - p != 3 * std::ptrdiff_t{count} - 1) return false;
+    return lead_pairs(' ', p - 1, count) && read_usual_data<3>(p, count, msg);
+}
+
+/// `#00FC` up to the end of the line.
+bool read_usual_packed_data(const char* p, const char* end, N2KMsg& msg) {
+    const auto digits = static_cast<std::size_t>(end - ++p);
+    return digits % 2 == 0 && digits <= 2 * max_frame_bytes &&
+           read_usual_data<2>(p, static_cast<unsigned>(digits / 2), msg);
+}
+
+/// Reads a line as candump prints most of them: seconds or no time, one word for the interface or angles, an
+/// identifier of NMEA 2000, data. False for every other line, and then nothing is known of it.
+bool read_usual_line(std::string_view line, Record& record) {
+    assert(!line.empty() && !is_blank(line.back()));
+    const char* p = line.data();
+    const char* const end = p + line.size();
+    record.time = {};
+    if (*p == '(') {
+        constexpr std::ptrdiff_t time_size = sizeof "(1502979132.106111)" - 1;
+        if (end - p <= time_size || !read_usual_seconds(p + 1, record.time)) return false;
+        p = behind_blanks(p + time_size);
+    }
+    const bool in_angles = *p == '<';
+    if (in_angles) {
+        if (end - p < 3 || p[1] != '0' || p[2] != 'x') return false;
+        p += 3;
+    } else {
+        while (*p != ' ') {
+            if (*p == '[' || ++p == end) return false;
+        }
+        p = behind_blanks(p);
+    }
+    constexpr std::ptrdiff_t identifier_size = 8;
+    std::uint32_t identifier = 0;
+    if (end - p <= identifier_size || !read_hex_number(p, identifier) || identifier > max_identifier)
+        return false;
+    p += identifier_size;
+    record.kind = Record::Kind::frame;
+    set_header(record.msg, identifier);
+    if (*p == '#' && !in_angles) return read_usual_packed_data(p, end, record.msg);
+    if (in_angles && *p++ != '>') return false;
+    if (p == end || *p != ' ') return false;
+    return read_usual_length_and_data(behind_blanks(p), end, record.msg);
+}
+
 }  // namespace
 
 bool CandumpFormat::resembles(std::string_view line) {
@@ -130,13 +201,18 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
         describe(problem, "time ", quoted(text), " is not a number of seconds");
         return false;
     }
-    const char* why = "";
-    if (timestamps_.parse(text, time, why)) return true;
-    describe(problem, "time ", quoted(text), ": ", why);
-    return false;
+    auto parsed = timestamps_.parse(text);
+    if (!parsed) {
+        describe(problem, "time ", quoted(text), ": ", parsed.error());
+        return false;
+    }
+    time = *parsed;
+    return true;
 }
 
 LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {
+    if (read_usual_line(line, record)) [[likely]]
+        return LineResult::record;
     if (line.starts_with("interface = ")) return LineResult::nothing;  // the heading of old versions
     if (!take_time(line, record.time, problem)) return LineResult::problem;
     const Shape shape = shape_of(line);

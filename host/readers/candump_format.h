@@ -14,11 +14,11 @@ namespace vistel {
 ///
 /// 11-bit frames, remote requests and the controller's error frames are on a bus for other reasons and are
 /// foreign. CAN FD frames, which cannot occur on an NMEA 2000 bus, are problems.
-class CandumpFormat final : public LineFormat {
+class CandumpFormat : public IndependentLines {
   public:
     static bool resembles(std::string_view line);
 
-    LineResult read(std::string_view line, Record& record, Problem& problem) override;
+    LineResult read(std::string_view line, Record& record, Problem& problem);
 
   private:
     bool take_time(std::string_view& line, RecordTime& time, Problem& problem);

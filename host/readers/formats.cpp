@@ -14,7 +14,7 @@ namespace {
 
 template <class TextFormat>
 std::unique_ptr<RecordReader> open_lines(ByteSource& source) {
-    return std::make_unique<LineReader>(source, std::make_unique<TextFormat>());
+    return std::make_unique<LineReader<TextFormat>>(source);
 }
 
 template <class TextFormat>

@@ -1,9 +1,6 @@
 #include "readers/line_reader.h"
 
 #include <algorithm>
-#include <utility>
-
-#include "text/words.h"
 
 namespace vistel {
 
@@ -21,34 +18,21 @@ std::string_view without_mark(std::string_view text) {
     return text;
 }
 
-LineReader::LineReader(ByteSource& source, std::unique_ptr<LineFormat> format)
-    : source_(source), format_(std::move(format)) {}
-
-/// Shows the format the beginning of a file. What its lines hold is read again later.
-void LineReader::look_ahead() {
+std::string_view Lines::beginning() {
+    if (!source_.is_file()) return {};
     while (source_.unread().size() < ByteSource::capacity &&
            source_.fill(ByteSource::Wait::yes) == ByteSource::Fill::data) {
     }
-    std::string_view text = without_mark(source_.unread()), line;
-    Record record;
-    Problem problem;
-    while (format_->wants_look_ahead() && take_line(text, line)) {
-        if (line.empty()) continue;
-        if (line[0] == '#') {
-            format_->comment(line);
-        } else {
-            format_->read(line, record, problem);
-        }
-    }
+    return without_mark(source_.unread());
 }
 
-LineReader::Found LineReader::find_line(ByteSource::Wait wait) {
+Lines::Found Lines::find(ByteSource::Wait wait) {
     for (;;) {
         const std::string_view unread = source_.unread();
         const std::size_t end = unread.find('\n', searched_);
         if (end != std::string_view::npos) {
             searched_ = 0;
-            line_size_ = end;
+            size_ = end;
             if (!skipping_) return end <= max_line ? Found::line : Found::too_long;
             skipping_ = false;
             source_.consume(end + 1);
@@ -58,7 +42,7 @@ LineReader::Found LineReader::find_line(ByteSource::Wait wait) {
             source_.consume(unread.size());
             searched_ = 0;
         } else {
-            searched_ = line_size_ = unread.size();
+            searched_ = size_ = unread.size();
             if (unread.size() > max_line) return Found::too_long;
         }
         switch (source_.fill(wait)) {
@@ -70,68 +54,48 @@ LineReader::Found LineReader::find_line(ByteSource::Wait wait) {
     }
 }
 
-void LineReader::start() {
-    if (started_) return;
-    started_ = true;
-    if (source_.is_file() && format_->wants_look_ahead()) look_ahead();
-}
-
-bool LineReader::would_wait() {
-    start();
-    if (found_ == Found::idle) found_ = find_line(ByteSource::Wait::no);
+bool Lines::would_wait() {
+    at_line_start_ = false;
+    if (found_ == Found::idle) found_ = find(ByteSource::Wait::no);
     return found_ == Found::idle;
 }
 
-ReadResult LineReader::next(Record& record, Problem& problem) {
-    start();
-    const Found found = found_ == Found::idle ? find_line(ByteSource::Wait::yes) : found_;
+ReadResult Lines::take_any_line(std::string_view& line, Problem& problem) {
+    at_line_start_ = false;
+    const Found found = found_ == Found::idle ? find(ByteSource::Wait::yes) : found_;
     found_ = Found::idle;
     switch (found) {
-        case Found::line: return read_line(record, problem);
-        case Found::too_long: skip_line(problem); return ReadResult::problem;
+        case Found::line: break;
+        case Found::too_long: skip(problem); return ReadResult::problem;
         case Found::idle: return ReadResult::nothing;
         case Found::failed: return report_failure(problem);
         case Found::end: return ReadResult::end;
     }
-    return ReadResult::end;
-}
-
-ReadResult LineReader::read_line(Record& record, Problem& problem) {
-    std::string_view line = source_.unread().substr(0, line_size_);
-    source_.consume(std::min(line_size_ + 1, source_.unread().size()));
+    const std::string_view unread = source_.unread();
+    line = unread.substr(0, size_);
+    source_.consume(std::min(size_ + 1, unread.size()));
     searched_ = 0;
-    problem.line = ++line_;
-    if (line_ == 1) line = without_mark(line);
+    at_line_start_ = true;
+    if (++number_ == 1) line = without_mark(line);
     line = trimmed(line);
-    if (line.empty()) return ReadResult::nothing;
-    if (line[0] == '#') {
-        format_->comment(line);
-        return ReadResult::nothing;
-    }
-    switch (format_->read(line, record, problem)) {
-        case LineResult::record: return ReadResult::record;
-        case LineResult::problem: return ReadResult::problem;
-        case LineResult::foreign: ++foreign_frames_; break;
-        case LineResult::nothing: break;
-    }
-    return ReadResult::nothing;
+    return ReadResult::record;
 }
 
-void LineReader::skip_line(Problem& problem) {
+void Lines::skip(Problem& problem) {
     const std::size_t unread = source_.unread().size();
-    skipping_ = line_size_ == unread;
-    source_.consume(std::min(line_size_ + 1, unread));
+    skipping_ = size_ == unread;
+    source_.consume(std::min(size_ + 1, unread));
     searched_ = 0;
-    problem.line = ++line_;
+    problem.line = ++number_;
     describe(problem, "the line is longer than ", max_line, " bytes");
 }
 
-ReadResult LineReader::report_failure(Problem& problem) {
+ReadResult Lines::report_failure(Problem& problem) {
     if (failure_reported_) return ReadResult::end;
     failure_reported_ = true;
     source_.consume(source_.unread().size());
     searched_ = 0;
-    problem.line = line_ + 1;
+    problem.line = number_ + 1;
     describe(problem, "cannot read on: ", source_.error());
     return ReadResult::problem;
 }

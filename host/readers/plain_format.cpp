@@ -1,10 +1,12 @@
 #include "readers/plain_format.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "can/identifier.h"
 #include "readers/scan.h"
 #include "text/characters.h"
+#include "text/fixed_digits.h"
 #include "text/hex.h"
 #include "text/quotes.h"
 #include "text/words.h"
@@ -18,16 +20,16 @@ struct HeaderField {
 };
 
 /// Reads the decimal number at `p` up to the next comma, where `p` is left, or the end.
-inline bool read_number(const char*& p, const char* end, const HeaderField& field, std::uint32_t& value,
-                        Problem& problem) {
-    constexpr std::ptrdiff_t most_digits = 9;
+bool read_number(const char*& p, const char* end, const HeaderField& field, std::uint32_t& value,
+                 Problem& problem) {
+    constexpr std::ptrdiff_t most_digits = 10;  // of 32 bits
     const char* const start = p;
-    std::uint32_t result = 0;
+    std::uint64_t result = 0;
     while (p != end && is_digit(*p) && p - start < most_digits) {
-        result = result * 10 + static_cast<std::uint32_t>(*p++ - '0');
+        result = result * 10 + static_cast<unsigned>(*p++ - '0');
     }
     if (p != start && (p == end || *p == ',') && result <= field.most) [[likely]] {
-        value = result;
+        value = static_cast<std::uint32_t>(result);
         return true;
     }
     const std::string_view text(start, static_cast<std::size_t>(std::find(start, end, ',') - start));
@@ -42,7 +44,7 @@ inline bool read_number(const char*& p, const char* end, const HeaderField& fiel
 }
 
 /// Explains why `text`, which should be `,hh` once for each of `announced` bytes, is not.
-void describe_payload(Problem& problem, std::string_view text, unsigned announced) {
+[[gnu::noinline]] void describe_payload(Problem& problem, std::string_view text, unsigned announced) {
     const auto given = static_cast<unsigned>(std::count(text.begin(), text.end(), ','));
     if (given != announced) {
         describe(problem, announced, " bytes announced, ", given, " given");
@@ -60,27 +62,18 @@ void describe_payload(Problem& problem, std::string_view text, unsigned announce
     }
 }
 
-/// Reads `,hh` for each of `count` bytes. The loop has no exit of its own: bad bytes are rare, and what is
-/// wrong is found out afterwards.
+/// Reads `,hh` for each of `count` bytes, as `text` should have them.
 bool read_payload(std::string_view text, unsigned count, N2KMsg& msg, Problem& problem) {
-    if (text.size() == 3 * std::size_t{count}) [[likely]] {
-        const char* p = text.data();
-        unsigned bad = 0;
-        for (unsigned i = 0; i < count; ++i, p += 3) {
-            const unsigned high = hex_digit(p[1]), low = hex_digit(p[2]);
-            bad |= ((high | low) & 0xF0) | static_cast<unsigned char>(p[0] ^ ',');
-            msg.data[i] = static_cast<std::uint8_t>(high << 4 | low);
-        }
-        if (bad == 0) [[likely]] {
-            msg.length = static_cast<std::uint16_t>(count);
-            return true;
-        }
-    } else if (count == 0 && text == ",") {
-        msg.length = 0;
-        return true;
+    const bool good =
+        text.size() == 3 * std::size_t{count}
+            ? lead_pairs(',', text.data(), count) && read_hex_bytes<3>(text.data() + 1, count, msg.data)
+            : count == 0 && text == ",";
+    if (!good) [[unlikely]] {
+        describe_payload(problem, text, count);
+        return false;
     }
-    describe_payload(problem, text, count);
-    return false;
+    msg.length = static_cast<std::uint16_t>(count);
+    return true;
 }
 
 }  // namespace
@@ -94,7 +87,41 @@ bool PlainFormat::resembles(std::string_view line) {
     return (timed || time.empty()) && is_digit(line[comma + 1]);
 }
 
-LineResult PlainFormat::read(std::string_view line, Record& record, Problem& problem) {
+/// Reads a header as most lines have it: a time stamp as the last one's date has it or none, and numbers.
+/// Null for every other one, else the comma before the payload.
+const char* PlainFormat::read_usual_header(std::string_view line, Record& record, unsigned& length) const {
+    const char* p = line.data();
+    const char* const end = p + line.size();
+    constexpr std::ptrdiff_t time_size = sizeof "2016-02-28T19:57:02.364Z" - 1;
+    if (end - p < time_size) return nullptr;
+    if (*p == ',') {
+        record.time = {};
+    } else {
+        p = timestamps_.read_usual(p, record.time);
+        if (p == nullptr || *p != ',') return nullptr;
+    }
+    constexpr std::ptrdiff_t longest = sizeof ",2,130900,255,255,1785," - 1;
+    if (end - p < longest) return nullptr;
+    const auto priority = static_cast<unsigned>(p[1] - '0');
+    if (priority > 7 || p[2] != ',') return nullptr;
+    p += 3;
+    std::uint32_t pgn = 0, source = 0, destination = 0;
+    if (!take_number_and_comma<6>(p, pgn) || !take_number_and_comma<3>(p, source) ||
+        !take_number_and_comma<3>(p, destination) || !take_number_and_comma<4>(p, length)) {
+        return nullptr;
+    }
+    if (pgn > max_pgn || source > 255 || destination > 255 || length > N2K_MAX_PAYLOAD) return nullptr;
+    N2KMsg& msg = record.msg;
+    msg.priority = static_cast<std::uint8_t>(priority);
+    msg.pgn = pgn;
+    msg.source = static_cast<std::uint8_t>(source);
+    msg.destination = static_cast<std::uint8_t>(destination);
+    return p - 1;
+}
+
+/// Reads any header. `payload` begins with the comma, or is empty.
+[[gnu::noinline]] LineResult PlainFormat::read_header(std::string_view line, Record& record, unsigned& length,
+                                                      std::string_view& payload, Problem& problem) {
     const std::size_t comma = line.find(',');
     if (comma == std::string_view::npos) {
         describe(problem, quoted(line), " is not timestamp,priority,PGN,source,destination,length,bytes");
@@ -102,13 +129,17 @@ LineResult PlainFormat::read(std::string_view line, Record& record, Problem& pro
     }
     if (comma == 0) {
         record.time = {};
-    } else if (const char* why = ""; !timestamps_.parse(line.substr(0, comma), record.time, why)) {
-        describe(problem, "timestamp ", quoted(line.substr(0, comma)), ": ", why);
-        return LineResult::problem;
+    } else {
+        auto parsed = timestamps_.parse(line.substr(0, comma));
+        if (!parsed) {
+            describe(problem, "timestamp ", quoted(line.substr(0, comma)), ": ", parsed.error());
+            return LineResult::problem;
+        }
+        record.time = *parsed;
     }
 
-    // Gateways log what they say of themselves under numbers above those of any PGN.
-    constexpr std::uint32_t max_gateway_number = max_pgn + 256;
+    // Gateways log what they say of themselves under numbers of their own, above those of any PGN.
+    constexpr std::uint32_t max_gateway_number = std::numeric_limits<std::uint32_t>::max();
     static constexpr HeaderField fields[] = {{"priority", 7},
                                              {"PGN", max_gateway_number},
                                              {"source", 255},
@@ -127,9 +158,22 @@ LineResult PlainFormat::read(std::string_view line, Record& record, Problem& pro
     msg.source = static_cast<std::uint8_t>(header[2]);
     msg.destination = static_cast<std::uint8_t>(header[3]);
     if (msg.pgn > max_pgn) return LineResult::foreign;
-    const std::string_view payload(p, static_cast<std::size_t>(end - p));
-    if (!read_payload(payload, header[4], msg, problem)) return LineResult::problem;
+    length = header[4];
+    payload = {p, static_cast<std::size_t>(end - p)};
+    return LineResult::record;
+}
 
+LineResult PlainFormat::read(std::string_view line, Record& record, Problem& problem) {
+    unsigned length = 0;
+    std::string_view payload;
+    if (const char* const p = read_usual_header(line, record, length); p != nullptr) [[likely]] {
+        payload = {p, static_cast<std::size_t>(line.data() + line.size() - p)};
+    } else if (const LineResult result = read_header(line, record, length, payload, problem);
+               result != LineResult::record) {
+        return result;
+    }
+    N2KMsg& msg = record.msg;
+    if (!read_payload(payload, length, msg, problem)) return LineResult::problem;
     if (msg.length > max_frame_bytes) whole_messages_ = true;
     record.kind = whole_messages_ ? Record::Kind::message : Record::Kind::frame;
     return LineResult::record;

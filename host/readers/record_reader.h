@@ -7,7 +7,7 @@
 
 namespace vistel {
 
-enum class ReadResult {
+enum class [[nodiscard]] ReadResult{
     record,
     problem,  ///< something cannot be understood; reading goes on behind it
     nothing,  ///< a piece without a record was passed, or the wait for input was cut short
@@ -19,6 +19,8 @@ class RecordReader {
   public:
     virtual ~RecordReader() = default;
 
+    /// Fills `record` or `problem`. Of the record, `nothing` leaves the payload and its length as they were,
+    /// `problem` may leave anything.
     virtual ReadResult next(Record& record, Problem& problem) = 0;
 
     /// Whether next() will have to wait for input.

@@ -29,28 +29,24 @@ bool only_blank_lines(std::string_view head) {
 
 }  // namespace
 
-bool Recording::open(const std::string& path, const RecordingOptions& options) {
+Status Recording::open(const std::string& path, const RecordingOptions& options) {
     return start(source_.open(path), options);
 }
 
-bool Recording::attach(int descriptor, const RecordingOptions& options) {
+Status Recording::attach(int descriptor, const RecordingOptions& options) {
     return start(source_.attach(descriptor), options);
 }
 
-bool Recording::start(bool opened, const RecordingOptions& options) {
-    if (!opened) {
-        describe(problem_, source_.error());
-        return false;
-    }
+Status Recording::start(Status opened, const RecordingOptions& options) {
+    if (!opened) return opened;
     source_.set_patience(options.patience_ms);
-    if (options.format.empty()) return true;
+    source_.set_before_wait(options.before_wait);
+    if (options.format.empty()) return done;
     const Format* format = find_format(options.format);
-    if (format == nullptr) {
-        describe(problem_, "unknown format ", quoted(options.format), "; known are ", format_names());
-        return false;
-    }
+    if (format == nullptr)
+        return failure("unknown format ", quoted(options.format), "; known are ", format_names());
     use(*format);
-    return true;
+    return done;
 }
 
 void Recording::use(const Format& format) {
@@ -61,10 +57,10 @@ void Recording::use(const Format& format) {
 /// Reads the head of the recording until it shows its format.
 Recording::State Recording::prepare(ByteSource::Wait wait) {
     for (;;) {
-        if (reader_) return State::ready;
         const std::string_view head = source_.unread();
         if (const Format* format = recognise_format(head, passed_, source_.ended())) {
             use(*format);
+            return State::ready;
         } else if (source_.ended() || head.size() >= most_head) {
             return State::unknown_format;
         } else if (source_.fill(wait) == ByteSource::Fill::idle) {
@@ -88,18 +84,20 @@ ReadResult Recording::explain_end() {
 }
 
 ReadResult Recording::next(Record& record) {
-    switch (prepare(ByteSource::Wait::yes)) {
-        case State::idle: return ReadResult::nothing;
-        case State::unknown_format: return explain_end();
-        case State::ready: break;
+    if (!reader_) {
+        switch (prepare(ByteSource::Wait::yes)) {
+            case State::idle: return ReadResult::nothing;
+            case State::unknown_format: return explain_end();
+            case State::ready: break;
+        }
     }
     N2KMsg& msg = record.msg;
     const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
     const ReadResult result = reader_->next(record, problem_);
-    if (result == ReadResult::record) {
+    if (result == ReadResult::record) [[likely]] {
         day_clock_.unroll(record.time);
         if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
-    } else {
+    } else if (result == ReadResult::problem) {
         msg.length = 0;
         std::memset(msg.data, 0, sizeof msg.data);
     }
@@ -107,10 +105,12 @@ ReadResult Recording::next(Record& record) {
 }
 
 bool Recording::would_wait() {
-    switch (prepare(ByteSource::Wait::no)) {
-        case State::idle: return true;
-        case State::unknown_format: return false;
-        case State::ready: break;
+    if (!reader_) {
+        switch (prepare(ByteSource::Wait::no)) {
+            case State::idle: return true;
+            case State::unknown_format: return false;
+            case State::ready: break;
+        }
     }
     return reader_->would_wait();
 }

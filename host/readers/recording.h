@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,16 +16,16 @@
 namespace vistel {
 
 struct RecordingOptions {
-    std::string format;    ///< name of a format; empty to tell it by the contents
-    int patience_ms = -1;  ///< longest wait of next() for a pipe or terminal; negative for no limit
+    std::string format = {};  ///< name of a format; empty to tell it by the contents
+    int patience_ms = -1;     ///< longest wait of next() for a pipe or terminal; negative for no limit
+    std::function<void()> before_wait = {};  ///< called before every such wait: time to show what there is
 };
 
 /// A recording or a live source, from which records are taken one by one:
 ///
 ///     Recording recording;
-///     if (!recording.open(path)) ...                       // recording.problem().text
+///     if (const auto opened = recording.open(path); !opened) ...  // opened.error().text
 ///     for (Record record;;) {
-///         if (recording.would_wait()) flush_output();
 ///         switch (recording.next(record)) { ... }
 ///     }
 class Recording {
@@ -33,11 +34,12 @@ class Recording {
     Recording(const Recording&) = delete;
     Recording& operator=(const Recording&) = delete;
 
-    /// Opens a file, or standard input for "-". False with problem() set, its line 0. Once only.
-    bool open(const std::string& path, const RecordingOptions& options = {});
+    /// Opens a file, or standard input for "-". Once only.
+    Status open(const std::string& path, const RecordingOptions& options = {});
 
-    /// The same for a descriptor that is open already. It is closed with the recording.
-    bool attach(int descriptor, const RecordingOptions& options = {});
+    /// The same for a descriptor that is open already. It is closed with the recording, unless it is standard
+    /// input.
+    Status attach(int descriptor, const RecordingOptions& options = {});
 
     /// Takes the next record, or tells what came instead. A caller goes on after `problem` (problem() then
     /// tells it) and `nothing`, which also stands for a wait that the patience or a signal cut short.
@@ -48,7 +50,7 @@ class Recording {
     /// The last problem met.
     const Problem& problem() const { return problem_; }
 
-    /// Whether next() will have to wait for input, so that it is time to show what there is.
+    /// Whether next() would have to wait for input.
     bool would_wait();
 
     /// Name of the format; empty as long as it is not known.
@@ -63,7 +65,7 @@ class Recording {
   private:
     enum class State { ready, unknown_format, idle };
 
-    bool start(bool opened, const RecordingOptions& options);
+    Status start(Status opened, const RecordingOptions& options);
     State prepare(ByteSource::Wait wait);
     void use(const Format& format);
     ReadResult explain_end();

@@ -38,15 +38,10 @@ bool read_packed_bytes(std::string_view text, unsigned most, N2KMsg& msg, Proble
         describe(problem, count, " bytes given, at most ", most, " are possible");
         return false;
     }
-    unsigned bad = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const unsigned high = hex_digit(text[2 * i]), low = hex_digit(text[2 * i + 1]);
-        bad |= high | low;
-        msg.data[i] = static_cast<std::uint8_t>(high << 4 | low);
-    }
-    if (bad > 15 || text.size() % 2 != 0) {
+    const bool good = read_hex_bytes<2>(text.data(), static_cast<unsigned>(count), msg.data);
+    if (!good || text.size() % 2 != 0) {
         std::size_t i = 0;
-        while (i < count && (hex_digit(text[2 * i]) | hex_digit(text[2 * i + 1])) <= 15) ++i;
+        while (i < count && hex_pair(text.data() + 2 * i) < not_hex) ++i;
         describe_bad_byte(problem, static_cast<unsigned>(i) + 1, text.substr(2 * i, 2));
         return false;
     }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "text/characters.h"
+#include "text/fixed_digits.h"
 
 namespace vistel {
 namespace {
@@ -12,6 +13,13 @@ constexpr std::int64_t second = 1'000'000'000;
 constexpr std::int64_t minute = 60 * second;
 constexpr std::int64_t hour = 60 * minute;
 constexpr std::int64_t day = 24 * hour;
+
+constexpr std::int64_t last_second = 9'214'646'399;  // end of 2261, as for dates
+
+RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
+    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
+    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+}
 
 constexpr unsigned not_a_number = 1000;
 
@@ -58,92 +66,100 @@ bool parse_zone(std::string_view text, std::int64_t& offset) {
 
 /// `hh:mm:ss`, decimals and zone, as nanoseconds since the midnight that they are counted from, in UTC.
 /// Second 60 is a leap second, which counts as the next one.
-bool parse_time_of_day(std::string_view text, std::int64_t& nanoseconds, const char*& why) {
-    why = "it is not hh:mm:ss";
-    if (text.size() < 8 || text[2] != ':' || text[5] != ':') return false;
+Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
+    constexpr const char* no_time = "it is not hh:mm:ss";
+    if (text.size() < 8 || text[2] != ':' || text[5] != ':') return no_time;
     const unsigned hours = two_digits(text.data());
     const unsigned minutes = two_digits(text.data() + 3);
     const unsigned seconds = two_digits(text.data() + 6);
-    if (hours > 23 || minutes > 59 || seconds > 60) {
-        if (hours < 100 && minutes < 100 && seconds < 100) why = "there is no such time of day";
-        return false;
-    }
-    nanoseconds = hours * hour + minutes * minute + seconds * second;
+    if (hours == not_a_number || minutes == not_a_number || seconds == not_a_number) return no_time;
+    if (hours > 23 || minutes > 59 || seconds > 60) return "there is no such time of day";
+    std::int64_t nanoseconds = hours * hour + minutes * minute + seconds * second;
     text.remove_prefix(8);
     if (!text.empty() && text[0] == '.') {
         text.remove_prefix(1);
         std::int64_t fraction = 0;
-        if (!take_fraction(text, fraction)) {
-            why = "the decimals are missing";
-            return false;
-        }
-        if (!text.empty() && is_digit(text[0])) {
-            why = "it has more than 9 decimals";
-            return false;
-        }
+        if (!take_fraction(text, fraction)) return "the decimals are missing";
+        if (!text.empty() && is_digit(text[0])) return "it has more than 9 decimals";
         nanoseconds += fraction;
     }
-    if (text.empty()) return true;
+    if (text.empty()) return nanoseconds;
     std::int64_t offset = 0;
-    if (!parse_zone(text, offset)) {
-        why = "its end is neither Z nor an offset such as +02:00";
-        return false;
-    }
-    nanoseconds -= offset;
-    return true;
+    if (!parse_zone(text, offset)) return "its end is neither Z nor an offset such as +02:00";
+    return nanoseconds - offset;
 }
 
 }  // namespace
 
-bool TimestampParser::parse_date(std::string_view date, const char*& why) {
+Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const unsigned century = two_digits(date.data()), year_of_century = two_digits(date.data() + 2);
     const unsigned month = two_digits(date.data() + 5), day_of_month = two_digits(date.data() + 8);
-    if (century > 99 || year_of_century > 99 || month > 99 || day_of_month > 99) {
-        why = "it is not yyyy-mm-dd";
-        return false;
-    }
+    if (century > 99 || year_of_century > 99 || month > 99 || day_of_month > 99)
+        return "it is not yyyy-mm-dd";
     const int year = static_cast<int>(century * 100 + year_of_century);
     const auto calendar_day =
         std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day_of_month);
-    if (!calendar_day.ok()) {
-        why = "there is no such date";
-        return false;
-    }
-    if (year < 1970 || year > 2261) {
-        why = "its year is outside 1970..2261";
-        return false;
-    }
+    if (!calendar_day.ok()) return "there is no such date";
+    if (year < 1970 || year > 2261) return "its year is outside 1970..2261";
     midnight_ = std::chrono::sys_days(calendar_day).time_since_epoch().count() * day;
     std::memcpy(date_, date.data(), date_size);
-    return true;
+    return done;
 }
 
-bool TimestampParser::parse(std::string_view text, RecordTime& time, const char*& why) {
+Result<RecordTime, const char*> TimestampParser::parse(std::string_view text) {
     if (text.size() > 2 && text[2] == ':') {
-        if (!parse_time_of_day(text, time.nanoseconds, why)) return false;
-        time.nanoseconds = (time.nanoseconds + day) % day;
-        time.origin = RecordTime::Origin::day;
-        return true;
+        auto time = parse_time_of_day(text);
+        if (!time) return time.error();
+        return RecordTime{(*time + day) % day, RecordTime::Origin::day};
     }
-    why = "it is neither date and time nor time of day";
-    if (text.size() < date_size + 1 || text[4] != '-' || text[7] != '-') return false;
+    constexpr const char* neither = "it is neither date and time nor time of day";
+    if (text.size() < date_size + 1 || text[4] != '-' || text[7] != '-') return neither;
     const char separator = text[date_size];
-    if (separator != 'T' && separator != '-' && separator != 'Z' && separator != ' ') return false;
-    if (std::memcmp(text.data(), date_, date_size) != 0 && !parse_date(text, why)) return false;
-    if (!parse_time_of_day(text.substr(date_size + 1), time.nanoseconds, why)) return false;
-    time.nanoseconds += midnight_;
+    if (separator != 'T' && separator != '-' && separator != 'Z' && separator != ' ') return neither;
+    if (std::memcmp(text.data(), date_, date_size) != 0) {
+        if (const auto date = parse_date(text); !date) return date.error();
+    }
+    auto time = parse_time_of_day(text.substr(date_size + 1));
+    if (!time) return time.error();
+    const unsigned hours = two_digits(text.data() + 11), minutes = two_digits(text.data() + 14);
+    minute_start_ = midnight_ + hours * hour + minutes * minute;
+    std::memcpy(minute_, text.data(), minute_size);
+    return RecordTime{midnight_ + *time, RecordTime::Origin::epoch};
+}
+
+const char* TimestampParser::read_usual(const char* p, RecordTime& time) const {
+    constexpr DigitShape shape("0:00.000");  // from the last digit of the minute on
+    std::uint64_t digits = 0;
+    if (std::memcmp(p, minute_, minute_size) != 0 || !shape.read(p + minute_size - 2, digits)) return nullptr;
+    const std::uint64_t pairs = pairs_of(digits);
+    const std::int64_t seconds = pairs >> 16 & 0xFF;
+    const std::int64_t thousandths = (digits >> 40 & 0xFF) * 100 + (pairs >> 48 & 0xFF);
+    if (seconds > 60) return nullptr;
+    time.nanoseconds = minute_start_ + seconds * second + thousandths * (second / 1000);
     time.origin = RecordTime::Origin::epoch;
+    return p + (p[23] == 'Z' ? 24 : 23);
+}
+
+bool read_usual_seconds(const char* p, RecordTime& time) {
+    constexpr DigitShape first("00000000"), end(".000000)");
+    std::uint64_t digits = 0, decimals = 0;
+    if (!first.read(p, digits) || !end.read(p + 10, decimals) || !is_digit(p[8]) || !is_digit(p[9]))
+        return false;
+    const std::int64_t seconds =
+        std::int64_t{number_of_digits(digits)} * 100 + (p[8] - '0') * 10 + (p[9] - '0');
+    if (seconds > last_second) return false;
+    const std::uint32_t tens_of_nanoseconds = number_of_digits(decimals >> 8);
+    time.nanoseconds = seconds * second + tens_of_nanoseconds * std::int64_t{10};
+    time.origin = origin_of_seconds(seconds);
     return true;
 }
 
 bool parse_seconds(std::string_view text, RecordTime& time) {
-    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
-    constexpr std::int64_t last = 9'214'646'399;          // end of 2261, as for dates
     std::int64_t seconds = 0;
     std::size_t size = 0;
     for (; size < text.size() && is_digit(text[size]); ++size) {
         seconds = seconds * 10 + (text[size] - '0');
-        if (seconds > last) return false;
+        if (seconds > last_second) return false;
     }
     if (size == 0) return false;
     text.remove_prefix(size);
@@ -154,7 +170,7 @@ bool parse_seconds(std::string_view text, RecordTime& time) {
         if (!take_fraction(text, fraction) || !text.empty()) return false;
     }
     time.nanoseconds = seconds * second + fraction;
-    time.origin = seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+    time.origin = origin_of_seconds(seconds);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "can/record.h"
+#include "text/result.h"
 
 namespace vistel {
 
@@ -14,20 +15,32 @@ namespace vistel {
 /// with up to nine decimals, for the years 1970 to 2261 (nanoseconds in 64 bits end in 2262).
 class TimestampParser {
   public:
-    /// False when `text` is something else; `why` then tells what, as in "month 13 is above 12".
-    bool parse(std::string_view text, RecordTime& time, const char*& why);
+    /// Of a text that is something else the result says so, as in "there is no such date".
+    Result<RecordTime, const char*> parse(std::string_view text);
+
+    /// The same for the usual shape, `2016-02-28T19:57:02.364` with or without a Z behind it, and for the
+    /// minute that parse() read last. `p` has 24 characters. Where what it read ends, or null for anything
+    /// else.
+    const char* read_usual(const char* p, RecordTime& time) const;
 
   private:
-    bool parse_date(std::string_view date, const char*& why);
+    Result<Done, const char*> parse_date(std::string_view date);
 
-    // Neighbouring records share their date, so the calendar is consulted once a day.
-    static constexpr std::size_t date_size = 10;
+    // Neighbouring records share their date, so the calendar is consulted once a day, and nearly always their
+    // minute.
+    static constexpr std::size_t date_size = 10, minute_size = sizeof "2016-02-28T19:57:" - 1;
     char date_[date_size] = {};
-    std::int64_t midnight_ = 0;  // of date_, in nanoseconds
+    std::int64_t midnight_ = 0;          // of date_, in nanoseconds
+    char minute_[minute_size] = {'\n'};  // which no time stamp begins with
+    std::int64_t minute_start_ = 0;
 };
 
 /// Seconds with up to nine decimals: `1502979132.106111`. From 1973 on taken as seconds since 1970, below as
 /// seconds since an unknown start.
 bool parse_seconds(std::string_view text, RecordTime& time);
+
+/// The same for the usual shape and the parenthesis behind it, the 18 characters `1502979132.106111)`. False
+/// for anything else.
+bool read_usual_seconds(const char* p, RecordTime& time);
 
 }  // namespace vistel

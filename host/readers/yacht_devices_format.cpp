@@ -15,11 +15,12 @@ bool YachtDevicesFormat::resembles(std::string_view line) {
 
 LineResult YachtDevicesFormat::read(std::string_view line, Record& record, Problem& problem) {
     const std::string_view time = take_word(line);
-    const char* why = "";
-    if (!timestamps_.parse(time, record.time, why)) {
-        describe(problem, "time ", quoted(time), ": ", why);
+    auto parsed = timestamps_.parse(time);
+    if (!parsed) {
+        describe(problem, "time ", quoted(time), ": ", parsed.error());
         return LineResult::problem;
     }
+    record.time = *parsed;
     const std::string_view direction = take_word(line);
     if (direction != "R" && direction != "T") {
         describe(problem, "direction ", quoted(direction), " is neither R nor T");

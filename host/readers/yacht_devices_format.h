@@ -7,11 +7,11 @@ namespace vistel {
 
 /// Frames of Yacht Devices gateways in RAW mode: `19:07:21.014 R 09F8017F 50 C3 ...`. R is for frames
 /// received from the bus, T for those the gateway sent; both were on the bus and both are read.
-class YachtDevicesFormat final : public LineFormat {
+class YachtDevicesFormat : public IndependentLines {
   public:
     static bool resembles(std::string_view line);
 
-    LineResult read(std::string_view line, Record& record, Problem& problem) override;
+    LineResult read(std::string_view line, Record& record, Problem& problem);
 
   private:
     TimestampParser timestamps_;

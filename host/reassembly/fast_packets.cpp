@@ -13,7 +13,6 @@ using namespace fast_packet;
 
 namespace {
 
-constexpr unsigned sequence_bits = 3;
 constexpr std::int64_t longest_silence = 750 * milliseconds;
 
 /// By sequence in the lowest bits, so that the keys of one kind of message are neighbours.
@@ -47,9 +46,9 @@ bool FastPackets::Slot::complete() const {
     return received == static_cast<std::uint32_t>((std::uint64_t{2} << later) - 1);
 }
 
-std::size_t FastPackets::open(std::uint64_t key) {
+std::size_t FastPackets::open(std::uint64_t key, const Moment& now) {
     if (slots_.full()) abandon(slots_.oldest());
-    const std::size_t i = slots_.add(key);
+    const std::size_t i = slots_.add(key, now);
     slots_[i].received = 0;
     slots_[i].overtaken_by = 0;
     return i;
@@ -69,65 +68,66 @@ void FastPackets::abandon(std::size_t i) {
 /// message is on its way any more, and the next one of its sequence is another message's.
 void FastPackets::overtake(std::uint64_t key) {
     constexpr unsigned most = 4;
-    for (std::size_t i = slots_.size(); i-- > 0;) {
-        const bool other_sequence = slots_.key(i) != key && (slots_.key(i) ^ key) >> sequence_bits == 0;
-        if (other_sequence && ++slots_[i].overtaken_by >= most) abandon(i);
-    }
+    slots_.visit_group(key, [&](std::size_t i) {
+        if (slots_.key(i) != key && ++slots_[i].overtaken_by >= most) abandon(i);
+    });
 }
 
-/// Takes frame 0. Position of the message that it begins, or none.
-std::size_t FastPackets::put_first(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now) {
+/// Takes frame 0, for the open slot of its key or none. The slot of the message that it begins, or none.
+std::size_t FastPackets::put_first(std::size_t i, std::uint64_t key, const N2KMsg& frame, unsigned size,
+                                   const Moment& now) {
     constexpr unsigned header = 2;
     const std::uint8_t total = frame.data[1];
     const std::uint8_t* const bytes = frame.data + header;
     const unsigned count = size - header;
-    std::size_t i = slots_.find(key);
     if (i != Slots::none) {
-        Slot& slot = slots_[i];
+        const Slot& slot = slots_[i];
         if (slot.announced()) {
             // A frame that the bus delivers twice comes twice in a row.
             if (slot.last_number == 0 && slot.total == total && slot.holds(0, bytes, count)) {
-                slot.last = now;
+                slots_.touch(i, now);
                 ++counters_.repeated_frames;
                 return Slots::none;
             }
             abandon(i);
-        } else if (!adjacent(slot.last, now)) {
+            i = Slots::none;
+        } else if (!adjacent(slots_.last(i), now)) {
             abandon(i);
+            i = Slots::none;
         }
     }
     overtake(key);
-    i = slots_.find(key);
     if (total > most_bytes || count < std::min<unsigned>(total, bytes_in_first)) {
         ++counters_.incomplete_fast_packets;
         if (i != Slots::none) abandon(i);
         return Slots::none;
     }
-    if (i == Slots::none) i = open(key);
+    if (i == Slots::none) i = open(key, now);
     Slot& slot = slots_[i];
     slot.total = total;
     slot.priority = frame.priority;
-    slot.store(0, bytes, count);
-    for (unsigned number = 1; number < most_frames; ++number) {
-        if (slot.has(number) && !slot.fits(number)) {
+    for (std::uint32_t early = slot.received; early != 0; early &= early - 1) {
+        const auto number = static_cast<unsigned>(std::countr_zero(early));
+        if (!slot.fits(number)) {
             slot.drop(number);
             ++counters_.orphan_frames;
         }
     }
+    slot.store(0, bytes, count);
     return i;
 }
 
-/// Takes a frame other than 0. Position of its message, or none.
-std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now) {
+/// Takes a frame other than 0, for the open slot of its key or none. The slot of its message, or none.
+std::size_t FastPackets::put_later(std::size_t i, std::uint64_t key, const N2KMsg& frame, unsigned size,
+                                   const Moment& now) {
     constexpr unsigned header = 1;
     const unsigned number = number_of(frame.data[0]);
     const std::uint8_t* const bytes = frame.data + header;
     const unsigned count = size - header;
-    std::size_t i = slots_.find(key);
     if (i != Slots::none && slots_[i].has(number)) {
         Slot& slot = slots_[i];
         if (slot.holds(number, bytes, count)) {
-            slot.last = now;
+            slots_.touch(i, now);
             slot.last_number = static_cast<std::uint8_t>(number);
             ++counters_.repeated_frames;
             return Slots::none;
@@ -135,7 +135,7 @@ std::size_t FastPackets::put_later(std::uint64_t key, const N2KMsg& frame, unsig
         abandon(i);  // the next message of this sequence, whose frame 0 is late or lost
         i = Slots::none;
     }
-    if (i == Slots::none) i = open(key);
+    if (i == Slots::none) i = open(key, now);
     Slot& slot = slots_[i];
     slot.store(number, bytes, count);
     if (slot.announced() && !slot.fits(number)) {
@@ -154,13 +154,15 @@ const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
     }
     const std::uint64_t key = key_of(frame);
     std::size_t i = slots_.find(key);
-    if (i != Slots::none && timed_out(slots_[i].last, now, longest_silence)) abandon(i);
-
+    if (i != Slots::none && timed_out(slots_.last(i), now, longest_silence)) {
+        abandon(i);
+        i = Slots::none;
+    }
     const unsigned number = number_of(frame.data[0]);
-    i = number == 0 ? put_first(key, frame, size, now) : put_later(key, frame, size, now);
+    i = number == 0 ? put_first(i, key, frame, size, now) : put_later(i, key, frame, size, now);
     if (i == Slots::none) return nullptr;
+    slots_.touch(i, now);
     Slot& slot = slots_[i];
-    slot.last = now;
     slot.last_number = static_cast<std::uint8_t>(number);
     if (!slot.complete()) return nullptr;
     fill_message(slot, frame);
@@ -181,13 +183,11 @@ void FastPackets::fill_message(const Slot& slot, const N2KMsg& frame) {
 }
 
 void FastPackets::sweep(const Moment& now) {
-    for (std::size_t i = slots_.size(); i-- > 0;) {
-        if (timed_out(slots_[i].last, now, longest_silence)) abandon(i);
-    }
+    slots_.sweep(now, longest_silence, [this](std::size_t i) { abandon(i); });
 }
 
 void FastPackets::finish() {
-    while (slots_.size() > 0) abandon(0);
+    while (slots_.size() > 0) abandon(slots_.oldest());
 }
 
 }  // namespace vistel

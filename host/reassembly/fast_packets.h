@@ -30,7 +30,6 @@ class FastPackets {
 
   private:
     struct Slot {
-        Moment last;
         std::uint32_t received;  // bit k: frame k is here
         std::uint8_t total;      // bytes of the message, once frame 0 is here
         std::uint8_t priority;
@@ -47,13 +46,15 @@ class FastPackets {
         void drop(unsigned number) { received &= ~(std::uint32_t{1} << number); }
         bool complete() const;
     };
-    using Slots = SlotTable<Slot, 256>;
+    using Slots = SlotTable<Slot, 256, fast_packet::sequence_bits>;
 
-    std::size_t open(std::uint64_t key);
+    std::size_t open(std::uint64_t key, const Moment& now);
     void abandon(std::size_t i);
     void overtake(std::uint64_t key);
-    std::size_t put_first(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now);
-    std::size_t put_later(std::uint64_t key, const N2KMsg& frame, unsigned size, const Moment& now);
+    std::size_t put_first(std::size_t i, std::uint64_t key, const N2KMsg& frame, unsigned size,
+                          const Moment& now);
+    std::size_t put_later(std::size_t i, std::uint64_t key, const N2KMsg& frame, unsigned size,
+                          const Moment& now);
     void fill_message(const Slot& slot, const N2KMsg& frame);
 
     ReassemblyCounters& counters_;

@@ -28,11 +28,16 @@ inline bool whole_seconds(const Moment& a, const Moment& b) {
 }
 }  // namespace detail
 
-/// Whether something last heard of `then` has been silent for longer than `limit` now. Times that run
-/// backwards tell nothing.
-inline bool timed_out(const Moment& then, const Moment& now, std::int64_t limit) {
+/// Whether something last heard of `then` has been silent for too long by the number of frames since.
+inline bool overdue(const Moment& then, const Moment& now) {
     constexpr std::uint64_t most_frames = 4096;  // two seconds of a bus without a gap
-    if (now.frame - then.frame > most_frames) return true;
+    return now.frame - then.frame > most_frames;
+}
+
+/// Whether something last heard of `then` has been silent for longer than `limit` now, or overdue. Times that
+/// run backwards tell nothing.
+inline bool timed_out(const Moment& then, const Moment& now, std::int64_t limit) {
+    if (overdue(then, now)) return true;
     if (!detail::same_clock(then, now)) return false;
     return now.time.nanoseconds - then.time.nanoseconds >
            limit + (detail::whole_seconds(then, now) ? detail::second : 0);

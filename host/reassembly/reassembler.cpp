@@ -1,15 +1,20 @@
 #include "reassembly/reassembler.h"
 
+#include <cassert>
+
 #include "pgn_vistel/core/catalogue.h"
 
 namespace vistel {
 
 void Reassembler::emit(const N2KMsg& msg, const RecordTime& time) {
     ++counters_.messages;
+    emitting_ = true;
     sink_(msg, time);
+    emitting_ = false;
 }
 
 void Reassembler::put(const Record& record) {
+    assert(!emitting_);
     if (record.kind == Record::Kind::message) {
         emit(record.msg, record.time);
         return;

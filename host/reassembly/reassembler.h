@@ -36,6 +36,7 @@ class Reassembler {
     void emit(const N2KMsg& msg, const RecordTime& time);
 
     Sink sink_;
+    bool emitting_ = false;
     ReassemblyCounters counters_;
     FastPackets fast_packets_{counters_};
     Transports transports_{counters_};

@@ -39,7 +39,7 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
         Slot& slot = slots_[i];
         if (slot.received == 0 && slot.packets == packets && slot.message.length == length &&
             slot.message.pgn == pgn) {
-            slot.last = now;  // asked once more, as nobody answered
+            slots_.touch(i, now);  // asked once more, as nobody answered
             ++counters_.repeated_frames;
             return;
         }
@@ -50,12 +50,12 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
         return;
     }
     if (slots_.full()) abandon(slots_.oldest());
-    Slot& slot = slots_[slots_.add(key)];
-    slot.last = now;
+    Slot& slot = slots_[slots_.add(key, now)];
     slot.packets = packets;
     slot.received = 0;
-    slot.have.reset();
-    slot.message = {};
+    std::ranges::fill(slot.have, 0);
+    if (slot.message.length > length)  // what its last use left
+        std::memset(slot.message.data + length, 0, slot.message.length - length);
     slot.message.pgn = pgn;
     slot.message.priority = frame.priority;
     slot.message.source = frame.source;
@@ -75,7 +75,7 @@ void Transports::control(const N2KMsg& frame, const Moment& now) {
         case request_to_send:
         case broadcast_announce: announce(frame, now); break;
         case clear_to_send:
-            if (answered != Slots::none) slots_[answered].last = now;
+            if (answered != Slots::none) slots_.touch(answered, now);
             break;
         case end_of_message:
             if (answered != Slots::none) abandon(answered);
@@ -105,8 +105,8 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
         ++counters_.orphan_frames;
         return nullptr;
     }
-    slot.last = now;
-    if (slot.have[number]) {
+    slots_.touch(i, now);
+    if (slot.has(number)) {
         if (std::memcmp(slot.message.data + offset, bytes, count) == 0) {
             ++counters_.repeated_frames;
         } else {
@@ -116,7 +116,7 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
         }
         return nullptr;
     }
-    slot.have.set(number);
+    slot.set(number);
     std::memcpy(slot.message.data + offset, bytes, count);
     ++slot.received;
     return slot.complete() ? &slot.message : nullptr;
@@ -130,13 +130,11 @@ const N2KMsg* Transports::put(const N2KMsg& frame, const Moment& now) {
 }
 
 void Transports::sweep(const Moment& now) {
-    for (std::size_t i = slots_.size(); i-- > 0;) {
-        if (timed_out(slots_[i].last, now, longest_silence)) abandon(i);
-    }
+    slots_.sweep(now, longest_silence, [this](std::size_t i) { abandon(i); });
 }
 
 void Transports::finish() {
-    while (slots_.size() > 0) abandon(0);
+    while (slots_.size() > 0) abandon(slots_.oldest());
 }
 
 }  // namespace vistel

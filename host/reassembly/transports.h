@@ -1,6 +1,5 @@
 #pragma once
 
-#include <bitset>
 #include <cstdint>
 
 #include "can/transport_protocol.h"
@@ -29,16 +28,19 @@ class Transports {
     void finish();
 
   private:
+    static constexpr unsigned word_bits = 64;
+
     struct Slot {
-        Moment last;
         unsigned packets;  // announced
         unsigned received;
-        std::bitset<transport_protocol::most_packets + 1> have;  // by packet number, from 1
+        std::uint64_t have[transport_protocol::most_packets / word_bits + 1];  // by packet number, from 1
         N2KMsg message;
 
+        bool has(unsigned number) const { return (have[number / word_bits] >> number % word_bits & 1) != 0; }
+        void set(unsigned number) { have[number / word_bits] |= std::uint64_t{1} << number % word_bits; }
         bool complete() const { return received == packets; }
     };
-    using Slots = SlotTable<Slot, 64>;
+    using Slots = SlotTable<Slot, 64, 0>;
 
     void announce(const N2KMsg& frame, const Moment& now);
     void control(const N2KMsg& frame, const Moment& now);

@@ -6,8 +6,8 @@ bool parse_hex(std::string_view text, std::uint32_t& value) {
     if (text.empty() || text.size() > 8) return false;
     std::uint32_t result = 0;
     for (const char c : text) {
-        const std::uint8_t digit = hex_digit(c);
-        if (digit == not_hex) return false;
+        const unsigned digit = hex_digit(c);
+        if (digit >= not_hex) return false;
         result = result << 4 | digit;
     }
     value = result;

@@ -1,14 +1,6 @@
 #include "text/words.h"
 
-#include "text/characters.h"
-
 namespace vistel {
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
-    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
-    return text;
-}
 
 std::string_view take_word(std::string_view& text) {
     text = trimmed(text);

@@ -5,10 +5,16 @@
 #include <string_view>
 #include <vector>
 
+#include "text/characters.h"
+
 namespace vistel {
 
 /// Without the blanks around it.
-std::string_view trimmed(std::string_view text);
+constexpr std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+    return text;
+}
 
 /// Cuts the first run of other than blanks off `text`, together with the blanks around it. Empty at the end.
 std::string_view take_word(std::string_view& text);

@@ -2,6 +2,9 @@
 
 /// @file
 /// Data formats and dictionary entries as the exported interface has them: raw bits to values and back.
+///
+/// The types are for hosts that hand such records over or call what `QV_N2K_PGN_DB_c::DF_to_conv_DF` gives.
+/// The functions are the library's own: it does not export them, and `QV_N2K_PGN_DB_c` has what they do.
 
 #include <cstdint>
 #include <span>
@@ -19,10 +22,10 @@ namespace quantity = core::quantity;
 
 /// Turns the raw bytes of a field into a value in a unit.
 ///
-/// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. `unit` is
-/// a `UnitId` or one of the pseudo units raw_count and raw_bits; a unit that a numeric format does not serve
-/// gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it receives the number of bytes that the field
-/// takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has.
+/// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. `unit`
+/// is a `UnitId` or one of the pseudo units raw_count and raw_bits; a unit that a numeric format does not
+/// serve gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it receives the number of bytes that the
+/// field takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has.
 ///
 /// Texts are left in a static area of the format's conversion, so one thread at a time may convert.
 using ConvFunction = void (*)(ConvValue* out, const void* raw, UnitId unit, int* count);
@@ -71,6 +74,6 @@ std::span<const DDDef> all_dictionary_rows();
 ConvFunction find_conversion(DF df);
 
 /// Converts one field; see `QV_N2K_PGN_DB_c::conv_DF`.
-int convert_field(DF df, ConvValue* out, const void* raw, UnitId unit);
+int convert_field(DF df, ConvValue* out, const void* at, UnitId unit);
 
 }  // namespace pgn_vistel

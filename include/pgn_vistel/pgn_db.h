@@ -20,9 +20,9 @@ class UnitSelection;
 /// characters are written and the text is always terminated. Printers without a size argument assume 256
 /// characters (`print_val_unit*`: 513). Results are the number of characters written unless said otherwise.
 ///
-/// A unit argument is a `UnitId` (core/ids.h). Nothing throws. Several operations use static text areas, so one
-/// thread at a time may decode or print; lookups and unit selection are safe beside each other only on that
-/// thread too.
+/// A unit argument is a `UnitId` (core/ids.h). Nothing throws. Several operations use static text areas, so
+/// one thread at a time may decode or print; lookups and unit selection are safe beside each other only on
+/// that thread too.
 class PGN_VISTEL_API QV_N2K_PGN_DB_c {
   public:
     /// Starts from the default units. The selection lives on the heap for the life of the process: there is

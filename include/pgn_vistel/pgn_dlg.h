@@ -58,7 +58,7 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     void Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
     /// @}
 
-    /// 0 shown or filtered out, 2 paused, -1 no room for a new stream or not created yet.
+    /// 0 shown or filtered out, 2 paused, -1 no room for a new stream, not created yet, or null.
     int PutMsg(N2KMsg* msg);
     /// The shape of a message callback, with the dialog as its context.
     static int s_PutMsg(void* context, N2KMsg* msg);

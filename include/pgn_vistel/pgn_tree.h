@@ -37,12 +37,12 @@ class PGN_VISTEL_API PGN_VistelTree_c {
     /// @}
 
     /// @{
-    /// Copies share one state; the class is not meant to be copied.
+    /// Copies are one tree: what is done to one is done to all, and the last one frees the streams.
     PGN_VistelTree_c(const PGN_VistelTree_c&);
     PGN_VistelTree_c& operator=(const PGN_VistelTree_c&);
     /// @}
 
-    /// Frees the streams; leaves the control's items alone.
+    /// Frees the streams, unless a copy has them still; leaves the control's items alone.
     virtual ~PGN_VistelTree_c();
 
     /// Empties and prepares the control. Once before the first message; again to start over.

@@ -2,8 +2,8 @@
 
 /// @file
 /// Everything that the shared library exports. A host that only decodes links the core library instead and
-/// includes what it needs: stream_lines.h for a message as lines, decode.h for its fields as values,
-/// catalogue.h for the tables.
+/// includes what it needs: core/render.h for a message as text, core/decode.h for its fields as values,
+/// core/catalogue.h for the tables.
 
 #include "pgn_vistel/conv_value.h"
 #include "pgn_vistel/n2k_msg.h"

@@ -41,17 +41,22 @@ ReadField read_field(const N2KMsg& msg, const FieldPlace& field, const core::Uni
     const core::Payload payload{msg.data, core::payload_length(msg)};
     const bool is_text = is_text_format(field.dd->format->df);
 
-    std::array<std::uint8_t, look_back + core::payload_area + sizeof(std::uint64_t)> area{};
+    // What a conversion can look at, with zeros behind the message's end: a number, or a text with all that
+    // it may say to have.
+    constexpr int widest_number = sizeof(std::uint64_t);
+    std::array<std::uint8_t, look_back + core::payload_area + widest_number> area;
+    std::fill_n(area.begin(), is_text ? area.size() : look_back + 2 * widest_number, std::uint8_t{0});
     std::uint8_t* const raw = area.data() + look_back;
     int count = bytes;
     if (bits > 0 || bit > 0) {
         // A field sized in bytes that starts inside a byte reads as zeros: the gathering keeps its 0 bits.
-        const std::uint64_t word = core::gather_bits(msg.data, field.at, bits);
+        const std::uint64_t word = core::gather_bits(msg.data, byte * 8 + bit, bits);
         std::memcpy(raw, &word, sizeof word);
     } else {
         const int before = std::min(byte, look_back);
         const int available = payload.end(byte) - byte;
-        std::memcpy(raw - before, msg.data + byte - before, static_cast<std::size_t>(before + available));
+        const int extent = is_text ? available : std::min(available, widest_number);
+        std::memcpy(raw - before, msg.data + byte - before, static_cast<std::size_t>(before + extent));
         if (is_text) count = std::min(count, available);
     }
 

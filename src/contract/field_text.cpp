@@ -39,8 +39,8 @@ void put_bytes(WideOut& out, const std::uint8_t* bytes) {
     }
 }
 
-/// Values of types that no conversion makes: characters, plain singles, fields as sent. Returns whether a unit
-/// follows.
+/// Values of types that no conversion makes: characters, plain singles, fields as sent. Returns whether a
+/// unit follows.
 bool put_hosts_own(WideOut& out, const core::Shown& shown, const ConvValue& v) {
     const core::Value number = value_of(v);
     if (core::put_by_form(out, shown, number)) return false;
@@ -49,7 +49,10 @@ bool put_hosts_own(WideOut& out, const core::Shown& shown, const ConvValue& v) {
         if (is_raw) put_bytes(out, v.value.raw);
     } else if (!is_available(v)) {
         out.put('-');
-    } else if (!core::put_by_quantity(out, shown, v.type == CV_CHAR ? core::Value{.type = core::ValueType::i64, .number{.i64 = v.value.i64}} : number)) {
+    } else if (!core::put_by_quantity(
+                   out, shown,
+                   v.type == CV_CHAR ? core::Value{.type = core::ValueType::i64, .number{.i64 = v.value.i64}}
+                                     : number)) {
         wchar_t text[print_limit];
         if (print_format_default(v.type) == nullptr)
             out.put("<Unknown data format>");
@@ -75,10 +78,11 @@ void put_field_data(WideOut& out, const FieldContext& context, const ConvValue* 
     const auto dd = static_cast<std::uint32_t>(context.dd);
     const core::SpecialField* const special =
         core::find_special_field(dd, context.pgn, static_cast<std::uint32_t>(context.field));
-    core::Shown shown{special != nullptr ? special->form : core::Form::plain, core::find_set(dd), context.quantity,
-                      context.unit, (context.flags & plain_numbers) != 0};
+    core::Shown shown{special != nullptr ? special->form : core::Form::plain, core::find_set(dd),
+                      context.quantity, context.unit, (context.flags & plain_numbers) != 0};
     if (shown.form == core::Form::plain && shown.set != core::no_set)
-        shown.form = core::enum_sets[shown.set].kind == core::ENUM_FLAGS ? core::Form::flags : core::Form::enumeration;
+        shown.form =
+            core::enum_sets[shown.set].kind == core::ENUM_FLAGS ? core::Form::flags : core::Form::enumeration;
     const bool unit_follows = is_hosts_own(*value) ? put_hosts_own(out, shown, *value)
                                                    : core::put_value(out, shown, value_of(*value));
     if (unit_follows) put_unit(out, context);

@@ -65,7 +65,7 @@ void convert(const FormatPlan& plan, ConvValue* out, const void* raw, UnitId uni
     if (count != nullptr && taken >= 0) *count = taken;
 }
 
-/// The conversion of a format with the shape that hosts know. Formats that share one have the same function.
+/// The conversion of a format with the exported shape. Formats that share one have the same function.
 template <DF df>
 void convert_df(ConvValue* out, const void* raw, UnitId unit, int* count) {
     static const FormatPlan& plan = plan_of(df);

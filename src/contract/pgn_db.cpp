@@ -26,11 +26,12 @@ void* untyped(const void* p) {
     return const_cast<void*>(p);
 }
 
-/// Whether there is anything to decode: a real PGN, a field number, an entry whose format has a conversion, and
-/// a position within the record.
+/// Whether there is anything to decode: a real PGN, a field number, an entry whose format has a conversion,
+/// and a position within the record.
 bool is_decodable(const N2KMsg& msg, int field, const DDDef* dd, core::PayloadPosition at) {
     return msg.pgn != 0 && msg.pgn != 0xFFFFFFFF && field != 0 && dd != nullptr && dd->format != nullptr &&
-           dd->format->conv != nullptr && at.byte >= 0 && at.byte < core::payload_area && at.bit >= 0 && at.bit <= 7;
+           dd->format->conv != nullptr && at.byte >= 0 && at.byte < core::payload_area && at.bit >= 0 &&
+           at.bit <= 7;
 }
 
 }  // namespace
@@ -129,7 +130,8 @@ int QV_N2K_PGN_DB_c::get_field_str(wchar_t* buf, int size, N2KMsg* msg, int fiel
         put_field_name(out, static_cast<int>(entry->dd), label, repeat_index);
         if (label_length != nullptr) *label_length = out.count();
         constexpr int pressure_source_byte = 2;
-        if (entry->dd == core::dd::pressure_source && msg->pgn == core::pgn::actual_pressure && source_byte != nullptr)
+        if (entry->dd == core::dd::pressure_source && msg->pgn == core::pgn::actual_pressure &&
+            source_byte != nullptr)
             *source_byte = msg->data[pressure_source_byte];
 
         // Where a unit's rule sets nothing but the type, what is left is a value that is not available.
@@ -139,8 +141,13 @@ int QV_N2K_PGN_DB_c::get_field_str(wchar_t* buf, int size, N2KMsg* msg, int fiel
         const ReadField reading =
             read_field(*msg, {entry, bytes, bits, at, unit}, selection_or_default(sel_unit_), record);
         next = reading.next;
-        const FieldContext context{static_cast<int>(entry->dd), reading.quantity, reading.unit, print_unit_flag != 0,
-                                   flags, msg->pgn, field};
+        const FieldContext context{static_cast<int>(entry->dd),
+                                   reading.quantity,
+                                   reading.unit,
+                                   print_unit_flag != 0,
+                                   flags,
+                                   msg->pgn,
+                                   field};
         if (reading.cut_off) {
             out.put('-');
             put_unit(out, context);

@@ -1,7 +1,6 @@
 #include "contract/text_copy.h"
 
 #include <cstdint>
-#include <initializer_list>
 
 #include "pgn_vistel/core/value.h"
 
@@ -22,7 +21,8 @@ int bounded_copy(To* to, const From* from, int size, Convert convert) {
 }  // namespace
 
 char code_page_to_narrow(wchar_t c) {
-    for (const std::uint8_t special : {0x80, 0x81, 0x8C, 0x9C})
+    constexpr std::uint8_t specials[] = {0x80, 0x81, 0x8C, 0x9C};
+    for (const std::uint8_t special : specials)
         if (static_cast<wchar_t>(core::character_of(special)) == c) return static_cast<char>(special);
     return static_cast<char>(c & 0xFF);
 }

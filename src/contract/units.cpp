@@ -61,7 +61,8 @@ int print_unit_of(const core::UnitSelection* selection, wchar_t* buf, Printable 
     return u < 0 ? -1 : print_unit_name(buf, print_limit, u);
 }
 
-int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw, UnitId u) {
+int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw,
+                UnitId u) {
     if (buf == nullptr || raw == nullptr) return -1;
     u = resolve(selection, what.quantity, u);
     if (u < 0) return -1;
@@ -70,7 +71,8 @@ int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable wh
     return print_conv_value(buf, nullptr, value);
 }
 
-int print_value_and_unit(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw, UnitId u) {
+int print_value_and_unit(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw,
+                         UnitId u) {
     const int value_length = print_value(selection, buf, what, raw, u);
     if (value_length < 1) return value_length;
     const int unit_length = print_unit_of(selection, buf + value_length + 1, what, u);

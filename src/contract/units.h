@@ -33,12 +33,15 @@ struct Printable {
     DispDataType quantity;
 
     static Printable of_format(DF df) { return {df, core::quantity_of_format(df)}; }
-    static Printable of_quantity(DispDataType quantity) { return {core::format_of_quantity(quantity), quantity}; }
+    static Printable of_quantity(DispDataType quantity) {
+        return {core::format_of_quantity(quantity), quantity};
+    }
 };
 
 // Buffers of 256 characters (value and unit: 513); -1 on failure.
 int print_unit_of(const core::UnitSelection* selection, wchar_t* buf, Printable what, UnitId unit);
-int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw, UnitId unit);
+int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw,
+                UnitId unit);
 int print_value_and_unit(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw,
                          UnitId unit);
 

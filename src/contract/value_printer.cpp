@@ -7,6 +7,7 @@
 #include <cwchar>
 
 #include "contract/text_copy.h"
+#include "contract/values.h"
 #include "pgn_vistel/core/value.h"
 
 namespace pgn_vistel {
@@ -18,8 +19,8 @@ struct TypeFormats {
     const wchar_t* with_hex;
 };
 
-// By tag, as the text interface has them: "%I64" without a letter, and two hexadecimal digits at the least where
-// the types CV_I16 and CV_U64 have more.
+// By tag, as the text interface has them: "%I64" without a letter, and two hexadecimal digits at the least
+// where the types CV_I16 and CV_U64 have more.
 constexpr TypeFormats type_formats[] = {
     {L"%5q", L"%5q"},
     {L"%5q", L"%5q"},
@@ -53,18 +54,6 @@ constexpr bool is_integer(int type) {
 // A double is shown with the precision of a single; the wide range of a double would not fit one.
 float float_of(const ConvValue& v) {
     return v.type == CV_DOUBLE ? static_cast<float>(v.value.f64) : v.value.f32;
-}
-
-std::int64_t integer_of(const ConvValue& v) {
-    switch (v.type) {
-        case CV_U8: return v.value.u8;
-        case CV_I8: return v.value.i8;
-        case CV_U16: return v.value.u16;
-        case CV_I16: return v.value.i16;
-        case CV_U32: return v.value.u32;
-        case CV_I32: return v.value.i32;
-        default: return v.value.i64;
-    }
 }
 
 // ---- what a "q" conversion comes to ----
@@ -201,7 +190,7 @@ Arguments arguments_of(const ConvValue& v, int conversions) {
             break;
         case CV_TEXT: args.list[0] = v.value.wide; break;
         default:
-            args.list[0] = args.list[1] = integer_of(v);
+            args.list[0] = args.list[1] = core::integer_of(value_of(v));
             args.count = conversions == 2 ? 2 : 1;
             break;
     }
@@ -219,20 +208,8 @@ const wchar_t* print_format_hex(int type) {
 }
 
 bool is_available(const ConvValue& v) {
-    switch (v.type) {
-        case CV_FLOAT: return !std::isnan(v.value.f32);
-        case CV_DOUBLE: return !std::isnan(v.value.f64);
-        case CV_U8: return v.value.u8 < 0xFD;
-        case CV_I8: return v.value.i8 < 0x7D;
-        case CV_U16: return v.value.u16 < 0xFFFD;
-        case CV_I16: return v.value.i16 < 0x7FFD;
-        case CV_U32:
-        case CV_TIME_OF_DAY: return v.value.u32 < 0xFFFFFFFD;
-        case CV_I32: return v.value.i32 < 0x7FFFFFFD;
-        case CV_U64: return v.value.u64 < 0xFFFFFFFFFFFFFFFD;
-        case CV_I64: return v.value.i64 < 0x7FFFFFFFFFFFFFFD;
-        default: return v.type < CV_NOT_AVAILABLE;
-    }
+    const bool is_text = v.type >= CV_TEXT_NARROW && v.type <= CV_TEXT;
+    return is_text || is_hosts_own(v) || core::is_available(value_of(v));
 }
 
 int print_conv_value(wchar_t* buf, const wchar_t* format, ConvValue v) {
@@ -263,7 +240,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
         while ((*at >= L'0' && *at <= L'9') || *at == L'.') side.put(*at++);
         side.finish();
         if (*at == L'q') {
-            // A sign flag is lost here, and stays so: "%+5q" prints without a plus sign.
+            // A sign flag is not carried over: "%+5q" prints without a plus sign.
             const Decimals d = decimals_for(read_figures(figures), value);
             const FormatArg numbers[] = {d.width, d.precision};
             format_wide(rewritten, L"%d.%df", numbers);

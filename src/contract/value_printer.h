@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pgn_vistel/conv_value.h"
 #include "contract/wide_format.h"
+#include "pgn_vistel/conv_value.h"
 
 namespace pgn_vistel {
 

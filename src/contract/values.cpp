@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <cwchar>
-#include <iterator>
+#include <string>
 
 #include "core/value_text.h"
 
@@ -14,9 +13,11 @@ using core::Reading;
 using core::Value;
 using core::ValueType;
 
-static_assert(static_cast<int>(ValueType::single) == CV_FLOAT && static_cast<int>(ValueType::real) == CV_DOUBLE &&
-              static_cast<int>(ValueType::u8) == CV_U8 && static_cast<int>(ValueType::i64) == CV_I64 &&
-              static_cast<int>(ValueType::seconds) == CV_TIME_OF_DAY && static_cast<int>(ValueType::text) == CV_TEXT &&
+static_assert(static_cast<int>(ValueType::single) == CV_FLOAT &&
+              static_cast<int>(ValueType::real) == CV_DOUBLE && static_cast<int>(ValueType::u8) == CV_U8 &&
+              static_cast<int>(ValueType::i64) == CV_I64 &&
+              static_cast<int>(ValueType::seconds) == CV_TIME_OF_DAY &&
+              static_cast<int>(ValueType::text) == CV_TEXT &&
               static_cast<int>(ValueType::none) == CV_NOT_AVAILABLE);
 
 core::TextScratch& shared_scratch() {
@@ -57,6 +58,12 @@ void store_text(ConvValue* out, const core::Text& text, Reading reading) {
     }
 }
 
+/// Characters of a terminated text; a null text is empty.
+template <class Char>
+int length_of(const Char* text) {
+    return text != nullptr ? static_cast<int>(std::char_traits<Char>::length(text)) : 0;
+}
+
 }  // namespace
 
 void store_value(ConvValue* out, const Value& value, Reading reading) {
@@ -79,12 +86,12 @@ Value value_of(const ConvValue& record) {
     value.number.u64 = record.value.u64;
     switch (record.type) {
         case CV_TEXT_NARROW:
-            value.text = {record.value.narrow, static_cast<int>(std::strlen(record.value.narrow)), Encoding::latin1};
+            value.text = {record.value.narrow, length_of(record.value.narrow), Encoding::latin1};
             value.type = ValueType::text;
             break;
         case CV_TEXT_WIDE:
         case CV_TEXT:
-            value.text = {record.value.wide, static_cast<int>(std::wcslen(record.value.wide)), Encoding::wide};
+            value.text = {record.value.wide, length_of(record.value.wide), Encoding::wide};
             value.type = ValueType::text;
             break;
         case CV_FLOAT_PLAIN: value.type = ValueType::single; break;

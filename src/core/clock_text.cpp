@@ -21,7 +21,8 @@ char* write_two(char* at, std::uint32_t number) {
 }
 
 char* write_year(char* at, int year) {
-    return write_pair(write_pair(at, static_cast<std::uint32_t>(year / 100)), static_cast<std::uint32_t>(year % 100));
+    return write_pair(write_pair(at, static_cast<std::uint32_t>(year / 100)),
+                      static_cast<std::uint32_t>(year % 100));
 }
 
 }  // namespace

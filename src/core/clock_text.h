@@ -21,8 +21,8 @@ Date date_of(std::uint16_t days);
 ///     put_date(area, 19000, unit::date_ymd) -> "2022-01-08"
 int put_date(char* out, std::uint16_t days, UnitId unit);
 
-/// Seconds since midnight as a clock text, not terminated: `unit::clock_12` with AM or PM, every other unit in
-/// 24 hours (which are not reduced modulo 24). "-" for the three reserved codes.
+/// Seconds since midnight as a clock text, not terminated: `unit::clock_12` with AM or PM, every other unit
+/// in 24 hours (which are not reduced modulo 24). "-" for the three reserved codes.
 ///
 ///     put_time_of_day(area, 45296, unit::clock_12) -> "12:34:56 PM"
 int put_time_of_day(char* out, std::uint32_t seconds, UnitId unit);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/clock_text.h"
+#include "core/numbers.h"
 
 namespace pgn_vistel::core {
 
@@ -63,15 +64,17 @@ void store_date(std::uint16_t days, UnitId u, TextScratch& scratch, Value& out) 
 // ---- readings ----
 
 /// Number, reserved codes, raw forms, resolution, unit.
-void convert_scaled(const FormatPlan& format, std::int64_t number, UnitId u, TextScratch& scratch, Value& out) {
+void convert_scaled(const FormatPlan& format, std::int64_t number, UnitId u, TextScratch& scratch,
+                    Value& out) {
     const bool is_signed = format.is_signed != 0;
     if (u == unit::raw_bits)
         store_integer(out, integer_type(format.width, is_signed), number);
     else if (is_refused(number, format.width, is_signed))
         store_none(out);
     else if (u == unit::raw_count)
-        store_single(out, format.width == 64 && !is_signed ? static_cast<double>(static_cast<std::uint64_t>(number))
-                                                           : static_cast<double>(number));
+        store_single(out, format.width == 64 && !is_signed
+                              ? static_cast<double>(static_cast<std::uint64_t>(number))
+                              : static_cast<double>(number));
     else
         apply_unit_rule(format.rule,
                         format.width == 64 && !is_signed
@@ -108,7 +111,6 @@ void convert_position(int width, UnitId own_unit, double degrees, const RawField
     }
 }
 
-constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
 constexpr double degrees_per_count_64 = 1e-16;
 
 void convert_float_angle(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
@@ -152,8 +154,8 @@ void convert_double_plain(const RawField& raw, UnitId u, Value& out) {
     } else if (u == unit::raw_count) {
         store_single(out, value);
     } else {
-        // Tagged single, stored double: a reader of the tag sees the low half. The way back from text tells by
-        // it that only the raw form can be inverted.
+        // Tagged single, stored double: a reader of the tag sees the low half. The way back from text tells
+        // by it that only the raw form can be inverted.
         store_real(out, value);
         out.type = ValueType::single;
     }
@@ -174,8 +176,8 @@ void convert_ac_power(const RawField& raw, UnitId u, TextScratch& scratch, Value
     else if (is_refused(number, 32, false))
         store_none(out);
     else
-        apply_unit_rule(UnitRule::power_w, static_cast<float>(static_cast<std::int32_t>(number - 2000000000u)), u,
-                        scratch, out);
+        apply_unit_rule(UnitRule::power_w,
+                        static_cast<float>(static_cast<std::int32_t>(number - 2000000000u)), u, scratch, out);
 }
 
 /// A number with an offset, in a unit that its factor stands for.
@@ -217,16 +219,15 @@ int convert_self_described(DF df, std::uint64_t bits, UnitId u, TextScratch& scr
 
 // ---- texts ----
 
-enum SentEncoding : std::uint8_t { sent_utf16 = 0, sent_ascii = 1 };
-
 /// Keeps a text up to its end or its first zero. What `available` does not cover is zero.
-template <int size>
-void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8_t* text, int available, int most) {
-    const int step = encoding == sent_ascii ? 1 : 2;
+template <std::size_t size>
+void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8_t* text, int available,
+          int most) {
+    const int step = encoding == SentEncoding::ascii ? 1 : 2;
     const int bytes = std::clamp(available, 0, most * step);
     std::memcpy(kept.bytes.data(), text, static_cast<std::size_t>(bytes));
     kept.bytes[static_cast<std::size_t>(bytes)] = 0;  // the other half of a character that is cut
-    kept.encoding = encoding == sent_ascii ? Encoding::code_page : Encoding::utf16;
+    kept.encoding = encoding == SentEncoding::ascii ? Encoding::code_page : Encoding::utf16;
     const auto is_zero = [&](int i) {
         const std::uint8_t* const at = kept.bytes.data() + step * i;
         return at[0] == 0 && (step == 1 || at[1] == 0);
@@ -236,33 +237,33 @@ void keep(TextScratch::Kept<size>& kept, SentEncoding encoding, const std::uint8
     while (kept.count < whole && !is_zero(kept.count)) ++kept.count;
 }
 
-template <int size>
+template <std::size_t size>
 void store_kept(const TextScratch::Kept<size>& kept, Value& out) {
     store_text(out, kept.bytes.data(), kept.count, kept.encoding);
 }
 
 int convert_short_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
-    constexpr int header = 2, most = 125, longest = 252;
-    const int length = available > 0 ? field[0] : 0;  // counts itself and the encoding byte
-    const int encoding = available > 1 ? field[1] : 0;
-    if (length >= header && length <= longest && encoding <= sent_ascii) {
-        const int room = encoding == sent_ascii ? length - header : (length - header) / 2;
-        keep(scratch.short_text, static_cast<SentEncoding>(encoding), field + header,
-             std::min(available, length) - header, std::min(room, most));
+    const auto [header, longest, most] = sent_short_text;
+    const int length = available > 0 ? field[0] : 0;
+    const auto encoding = static_cast<SentEncoding>(available > 1 ? field[1] : 0);
+    if (length >= header && length <= longest && encoding <= SentEncoding::ascii) {
+        const int room = encoding == SentEncoding::ascii ? length - header : (length - header) / 2;
+        keep(scratch.short_text, encoding, field + header, std::min(available, length) - header,
+             std::min(room, most));
     }
     store_kept(scratch.short_text, out);
     return length;
 }
 
 int convert_medium_text(const std::uint8_t* field, int available, TextScratch& scratch, Value& out) {
-    constexpr int header = 3, most = 891;
+    const auto [header, longest, most] = sent_medium_text;
     const int length = (available > 0 ? field[0] : 0) | (available > 1 ? field[1] << 8 : 0);
-    const int encoding = available > 2 ? field[2] : 0;
-    if (length >= header && length <= N2K_MAX_PAYLOAD && encoding <= sent_ascii) {
+    const auto encoding = static_cast<SentEncoding>(available > 2 ? field[2] : 0);
+    if (length >= header && length <= longest && encoding <= SentEncoding::ascii) {
         // Of UTF-16 the last character is left out.
-        const int room = encoding == sent_ascii ? length - header : std::max((length - 2) / 2 - 1, 0);
-        keep(scratch.medium_text, static_cast<SentEncoding>(encoding), field + header, available - header,
-             std::min(room, most));
+        const int room =
+            encoding == SentEncoding::ascii ? length - header : std::max((length - 2) / 2 - 1, 0);
+        keep(scratch.medium_text, encoding, field + header, available - header, std::min(room, most));
     }
     store_kept(scratch.medium_text, out);
     return length;
@@ -277,11 +278,9 @@ void convert_fixed_text(const std::uint8_t* field, int length, Value& out) {
 
 void convert_hex_dump(const std::uint8_t* field, int length, TextScratch& scratch, Value& out) {
     constexpr int most = 84;  // bytes: 252 characters
-    constexpr char digits[] = "0123456789ABCDEF";
     char* at = scratch.made.data();
     for (int i = 0; i < std::min(length, most); ++i) {
-        *at++ = digits[field[i] >> 4];
-        *at++ = digits[field[i] & 15];
+        at = write_hex_byte(at, field[i]);
         *at++ = ' ';
     }
     const int count = static_cast<int>(at - scratch.made.data());
@@ -304,6 +303,8 @@ void apply_unit_rule(UnitRule rule, float value, UnitId u, TextScratch& scratch,
         store_none(out);
         out.type = ValueType::single;
         out.is_left = true;
+    } else if (u == unit::raw_count) {
+        store_single(out, value);
     } else if (const float factor = unit_factor(rule, u); factor != 0) {
         store_single(out, static_cast<double>(value) * static_cast<double>(factor));
     } else if (rule == UnitRule::duration_s) {
@@ -335,10 +336,18 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::float_plain: convert_float_plain(raw, u, out); return 4;
         case Reading::double_distance: convert_double_distance(raw, u, scratch, out); return 8;
         case Reading::double_plain: convert_double_plain(raw, u, out); return 8;
-        case Reading::latitude_32: convert_position(32, unit::deg_lat, degrees_per_count_32, raw, u, out); return 4;
-        case Reading::longitude_32: convert_position(32, unit::deg_long, degrees_per_count_32, raw, u, out); return 4;
-        case Reading::latitude_64: convert_position(64, unit::deg_lat, degrees_per_count_64, raw, u, out); return 8;
-        case Reading::longitude_64: convert_position(64, unit::deg_long, degrees_per_count_64, raw, u, out); return 8;
+        case Reading::latitude_32:
+            convert_position(32, unit::deg_lat, degrees_per_count_32, raw, u, out);
+            return 4;
+        case Reading::longitude_32:
+            convert_position(32, unit::deg_long, degrees_per_count_32, raw, u, out);
+            return 4;
+        case Reading::latitude_64:
+            convert_position(64, unit::deg_lat, degrees_per_count_64, raw, u, out);
+            return 8;
+        case Reading::longitude_64:
+            convert_position(64, unit::deg_long, degrees_per_count_64, raw, u, out);
+            return 8;
         case Reading::percent_absolute: convert_served_code(low_bits(raw, 8), 8, true, u, out); return 1;
         case Reading::peukert:
             // Exponents start at 1.0 and go up in steps of 0.002.
@@ -356,7 +365,8 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::format_number: convert_served_code(low_bits(raw, 16), 16, true, u, out); return 2;
         case Reading::device_address:
             // Eight bytes of which 48 bits carry the value.
-            convert_integer(ValueType::u64, static_cast<std::int64_t>(raw.bits), raw.bits >= 0xFFFFFFFFFFFD, u, out);
+            convert_integer(ValueType::u64, static_cast<std::int64_t>(raw.bits), raw.bits >= 0xFFFFFFFFFFFD,
+                            u, out);
             return 8;
         case Reading::ac_power: convert_ac_power(raw, u, scratch, out); return 4;
         case Reading::power_factor:
@@ -372,14 +382,16 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
                 store_date(static_cast<std::uint16_t>(raw.bits), u, scratch, out);
             return 2;
         case Reading::run_time: convert_run_time(raw, u, scratch, out); return 4;
-        case Reading::period_minutes:
+        case Reading::period_minutes: {
             // The code for "out of range" is handed on as the clock type's own, whatever the unit.
+            static constexpr FormatPlan minutes{0,  Reading::scaled, 16, 0, UnitRule::duration_s,
+                                                60, 0xFFFD,          0};
             if (low_bits(raw, 16) == 0xFFFE)
                 store_integer(out, ValueType::seconds, 0xFFFFFFFE);
             else
-                convert_scaled({format.df, Reading::scaled, 16, 0, UnitRule::duration_s, 60, 0}, low_bits(raw, 16), u,
-                               scratch, out);
+                convert_scaled(minutes, low_bits(raw, 16), u, scratch, out);
             return 2;
+        }
         case Reading::bit_field: {
             const int bytes = raw.bytes >= 1 && raw.bytes <= 8 ? raw.bytes : 8;
             store_integer(out, ValueType::u64, widened(raw.bits, 8 * bytes, false));
@@ -399,7 +411,8 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::can_frame_id: store_integer(out, ValueType::u32, low_bits(raw, 29)); return -1;
         case Reading::self_described:
             return convert_self_described(static_cast<DF>(raw.bits), raw.bits >> 16, u, scratch, out);
-        case Reading::self_described_before: return convert_self_described(raw.before, raw.bits, u, scratch, out);
+        case Reading::self_described_before:
+            return convert_self_described(raw.before, raw.bits, u, scratch, out);
         case Reading::never_available: break;
         case Reading::text_short:
         case Reading::text_medium:
@@ -415,7 +428,9 @@ int convert_text(const FormatPlan& format, const std::uint8_t* field, int availa
     switch (format.reading) {
         case Reading::text_short: return convert_short_text(field, available, scratch, out);
         case Reading::text_medium: return convert_medium_text(field, available, scratch, out);
-        case Reading::text_fixed: convert_fixed_text(field, std::min({bytes, available, N2K_MAX_PAYLOAD}), out); break;
+        case Reading::text_fixed:
+            convert_fixed_text(field, std::min({bytes, available, N2K_MAX_PAYLOAD}), out);
+            break;
         default: convert_hex_dump(field, std::min(bytes, available), scratch, out); break;
     }
     return -1;

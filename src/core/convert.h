@@ -18,8 +18,8 @@ struct RawField {
     int bytes = 0;             ///< that a bit field has; it takes 8 where this is not 1 .. 8
 };
 
-// What follows stores the value of a field in a unit, and returns the bytes that the field takes by its format,
-// or -1 where the format does not say. Units: see `FieldReading`.
+// What follows stores the value of a field in a unit, and returns the bytes that the field takes by its
+// format, or -1 where the format does not say. Units: see `FieldReading`.
 
 /// Formats of numbers and codes: all but those of texts.
 int convert(const FormatPlan& format, const RawField& raw, UnitId unit, TextScratch& scratch, Value& out);
@@ -29,7 +29,7 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId unit, TextScra
 int convert_text(const FormatPlan& format, const std::uint8_t* field, int available, int bytes,
                  TextScratch& scratch, Value& out);
 
-/// Whether the quantity's rule goes on to a unit by a factor alone.
+/// What one base unit of a rule is in a unit; 0 where it takes more than a factor, or the unit is not served.
 inline float unit_factor(UnitRule rule, UnitId unit) {
     if (!is_unit(unit)) return rule == UnitRule::any ? 1.0f : 0.0f;
     return unit_factors[static_cast<std::size_t>(rule)][unit];
@@ -80,32 +80,16 @@ inline std::int64_t widened(std::uint64_t bits, int width, bool is_signed) {
 /// they are refused together.
 inline bool is_refused(std::int64_t number, int width, bool is_signed) {
     const std::uint64_t top = ~std::uint64_t{0} >> (64 - width + (is_signed ? 1 : 0));
-    return is_signed ? number >= static_cast<std::int64_t>(top) - 2 : static_cast<std::uint64_t>(number) >= top - 2;
+    return is_signed ? number >= static_cast<std::int64_t>(top) - 2
+                     : static_cast<std::uint64_t>(number) >= top - 2;
 }
+
+/// Of a position in 32 bits.
+constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
 
 /// The scale is a single precision constant, applied in double precision and rounded once.
 inline float scaled(std::int64_t number, float factor) {
     return static_cast<float>(static_cast<double>(number) * static_cast<double>(factor));
-}
-
-/// The bulk of all numbers; `convert` in line.
-inline int convert_quickly(const FormatPlan& format, const RawField& raw, UnitId unit, TextScratch& scratch,
-                           Value& out) {
-    if (format.reading != Reading::scaled || format.width == 64 || unit == unit::raw_bits || unit == unit::raw_count)
-        return convert(format, raw, unit, scratch, out);
-    const std::int64_t number = widened(raw.bits, format.width, format.is_signed != 0);
-    if (is_refused(number, format.width, format.is_signed != 0)) {
-        store_none(out);
-    } else {
-        const float base = scaled(number, format.scale);
-        const float factor = unit_factor(format.rule, unit);
-        // The product of two single precision numbers is exact in double precision: rounded once, on storing.
-        if (factor != 0)
-            store_single(out, static_cast<double>(base) * static_cast<double>(factor));
-        else
-            apply_unit_rule(format.rule, base, unit, scratch, out);
-    }
-    return format.width / 8;
 }
 
 }  // namespace pgn_vistel::core

@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "core/parts.h"
 
 namespace pgn_vistel::core {
@@ -31,7 +33,7 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
         case Meaning::none: return at;
         case Meaning::entry: return copy_blocks(at, text_pool + parts.entry->csv, parts.entry->csv_size);
         case Meaning::word:
-        case Meaning::pgn_name: return write_cell(at, parts.word);
+        case Meaning::pgn_name: return write_cell(at, parts.word_text());
         case Meaning::flags: break;
     }
     char area[part_limit + pool_slack];
@@ -67,7 +69,8 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
 }  // namespace
 
 char* CsvRenderer::write_header(char* at) {
-    return write_text(at, "time,absolute,pgn,name,priority,source,destination,field,label,value,unit,text,raw\n");
+    return write_text(at,
+                      "time,absolute,pgn,name,priority,source,destination,field,label,value,unit,text,raw\n");
 }
 
 void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
@@ -92,29 +95,31 @@ void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime&
 }
 
 char* CsvRenderer::write(char* at, char* limit) {
+    assert(msg_ != nullptr && limit - at >= static_cast<std::ptrdiff_t>(piece_room));
     const Payload payload{msg_->data, payload_length(*msg_)};
+    Stepping::State& walk = Stepping::state(walk_);
     const auto write_head = [this](char* to) {
         return copy_blocks(to, head_.data(), static_cast<std::size_t>(head_size_));
     };
     if (stage_ == Stage::head) stage_ = Stage::fields;
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
-        if (!Stepping::next(walk_)) {
+        if (!Stepping::next(walk)) {
             stage_ = Stage::rest;
             break;
         }
-        const FieldPlan& plan = Stepping::plan(walk_);
-        const PayloadPosition from = walk_.position;
+        const FieldPlan& plan = Stepping::plan(walk);
+        const int from = walk.position;
         FieldParts parts;
-        read_parts(plan, walk_, payload, *walk_.field().dd, units_, scratch_, parts);
-        at = write_field(write_head(at), plan, Stepping::repeat(walk_), parts);
+        read_parts(walk, payload, units_, scratch_, parts);
+        at = write_field(write_head(at), plan, Stepping::round(walk), parts);
         at = write_raw(at, payload, from, parts.reading.next);
         *at++ = '\n';
         any_ = true;
     }
     if (stage_ == Stage::rest) {
         // A message must not vanish: the bytes that no field covers, or an empty row for an empty message.
-        if (walk_.has_undecoded_rest() || !any_) {
+        if (walk.rest || !any_) {
             at = write_text(write_head(at), ",Data,,,,");
             at = write_hex_bytes(at, payload.data, payload.length);
             *at++ = '\n';

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <iterator>
 
 #include "core/tables.h"
@@ -107,7 +108,8 @@ DispDataType quantity_of_dd(int dd, const std::uint8_t* raw) {
     const SpecialField* const special =
         dd > 0 && raw != nullptr ? find_special_field(static_cast<std::uint32_t>(dd), 0, 0) : nullptr;
     if (special != nullptr && special->quantity != 0) {
-        const std::uint8_t* const at = special->quantity == quantity_of_format_inside ? raw : raw - sizeof(DF);
+        const std::uint8_t* const at =
+            special->quantity == quantity_of_format_inside ? raw : raw - sizeof(DF);
         const DispDataType quantity = quantity_of_format(static_cast<DF>(at[0] | at[1] << 8));
         if (quantity >= 0) return quantity;
     }
@@ -128,7 +130,8 @@ std::uint8_t find_set(std::uint32_t dd) {
     const auto last = enum_sets + sorted_sets;
     auto set = std::lower_bound(enum_sets, last, dd,
                                 [](const DDstrings& s, std::uint32_t sought) { return s.dd < sought; });
-    if (set == last || set->dd != dd) set = std::find_if(last, std::end(enum_sets), [dd](const DDstrings& s) { return s.dd == dd; });
+    if (set == last || set->dd != dd)
+        set = std::find_if(last, std::end(enum_sets), [dd](const DDstrings& s) { return s.dd == dd; });
     return set != std::end(enum_sets) ? static_cast<std::uint8_t>(set - enum_sets) : no_set;
 }
 
@@ -137,9 +140,7 @@ const DDstrings* find_enumeration(std::uint32_t dd) {
     return set != no_set ? &enum_sets[set] : nullptr;
 }
 
-std::uint16_t find_entry(std::uint8_t index, std::uint32_t value) {
-    const SetPlan& plan = set_plans[index];
-    if (value < plan.index_size) return entry_index[plan.index + value];
+std::uint16_t search_entry(std::uint8_t index, std::uint32_t value) {
     const DDstrings& set = enum_sets[index];
     const ValueText* entry = set.pairs;
     if (set.count == 0) {
@@ -150,11 +151,13 @@ std::uint16_t find_entry(std::uint8_t index, std::uint32_t value) {
     entry = std::lower_bound(set.pairs, last, value,
                              [](const ValueText& pair, std::uint32_t sought) { return pair.value < sought; });
     if (entry != last && entry->value == value) return static_cast<std::uint16_t>(entry - set.pairs);
-    if (set.kind == ENUM_ENTRY_BELOW && entry != set.pairs) return static_cast<std::uint16_t>(entry - set.pairs - 1);
+    if (set.kind == ENUM_ENTRY_BELOW && entry != set.pairs)
+        return static_cast<std::uint16_t>(entry - set.pairs - 1);
     return no_entry;
 }
 
 const char* enumeration_text(const DDstrings& set, std::uint32_t value) {
+    assert(is_row_of(enum_sets, set));
     const std::uint16_t entry = find_entry(static_cast<std::uint8_t>(&set - enum_sets), value);
     if (entry != no_entry) return set.pairs[entry].text;
     switch (set.kind) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 
 #include "core/tables.h"
@@ -52,6 +53,7 @@ constexpr char text_pool[] =
     ;
 
 const FieldPlan& plan_of(const FieldDef& row) {
+    assert(is_row_of(field_table, row) && &row != sentinel);
     return field_plans[&row - field_table];
 }
 
@@ -80,8 +82,8 @@ const FieldDef* next_field_row(const FieldDef* row, int delta) {
     const int target = static_cast<int>(row->field) + delta;
     if (target < 1) return nullptr;
     // The first guess is `delta` rows away. Among keyed variants a step forward therefore lands on the first
-    // variant of the next field number, whichever variant it started from: the text interface shows the fields
-    // behind the first one as those of the first variant.
+    // variant of the next field number, whichever variant it started from: the text interface shows the
+    // fields behind the first one as those of the first variant.
     const std::ptrdiff_t index = row - field_table + delta;
     if (index < 0 || index >= std::ssize(field_table)) return sentinel;
     const int step = delta < 0 ? -1 : 1;
@@ -151,7 +153,8 @@ int field_at(std::uint32_t pgn, int byte_position, int bit_position) {
 
 const SpecialField* find_special_field(std::uint32_t dd, std::uint32_t pgn, std::uint32_t field) {
     for (const SpecialField& row : special_fields)
-        if (row.dd == dd && (row.pgn == 0 || row.pgn == pgn) && (row.field == 0 || row.field == field)) return &row;
+        if (row.dd == dd && (row.pgn == 0 || row.pgn == pgn) && (row.field == 0 || row.field == field))
+            return &row;
     return nullptr;
 }
 

@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "core/parts.h"
 
 namespace pgn_vistel::core {
@@ -32,7 +34,7 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
         case Meaning::none: return write_text(at, "null");
         case Meaning::entry: return copy_blocks(at, text_pool + parts.entry->json, parts.entry->json_size);
         case Meaning::word:
-        case Meaning::pgn_name: return write_string(at, parts.word);
+        case Meaning::pgn_name: return write_string(at, parts.word_text());
         case Meaning::flags: break;
     }
     const std::uint32_t value = enumeration_value(parts.reading.value);
@@ -44,7 +46,7 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
 }
 
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
-                  PayloadPosition from) {
+                  int from) {
     at = copy_blocks(at, text_pool + plan.texts + plan.line_size, plan.json_size);
     if ((plan.flags & numbered) != 0) {
         at = write_text(at, " #");
@@ -102,28 +104,30 @@ char* JsonRenderer::write_head(char* at) {
 }
 
 char* JsonRenderer::write(char* at, char* limit) {
+    assert(msg_ != nullptr && limit - at >= static_cast<std::ptrdiff_t>(piece_room));
     if (stage_ == Stage::head) {
         at = write_head(at);
         stage_ = Stage::fields;
     }
     const Payload payload{msg_->data, payload_length(*msg_)};
+    Stepping::State& walk = Stepping::state(walk_);
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
-        if (!Stepping::next(walk_)) {
+        if (!Stepping::next(walk)) {
             stage_ = Stage::rest;
             break;
         }
-        const FieldPlan& plan = Stepping::plan(walk_);
-        const PayloadPosition from = walk_.position;
+        const FieldPlan& plan = Stepping::plan(walk);
+        const int from = walk.position;
         FieldParts parts;
-        read_parts(plan, walk_, payload, *walk_.field().dd, units_, scratch_, parts);
+        read_parts(walk, payload, units_, scratch_, parts);
         if (!first_) *at++ = ',';
         first_ = false;
-        at = write_field(at, plan, Stepping::repeat(walk_), parts, payload, from);
+        at = write_field(at, plan, Stepping::round(walk), parts, payload, from);
     }
     if (stage_ == Stage::rest) {
         *at++ = ']';
-        if (walk_.has_undecoded_rest()) {
+        if (walk.rest) {
             at = write_text(at, R"(,"data":")");
             at = write_hex_bytes(at, payload.data, payload.length);
             *at++ = '"';

@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "core/read.h"
 #include "core/value_text.h"
 #include "core/walk.h"
@@ -7,7 +9,8 @@ namespace pgn_vistel::core {
 
 namespace {
 
-constexpr int indent = 4;  // blanks in front of a label in the pool, which windows do not show
+constexpr int indent = 4;        // blanks in front of a label in the pool, which windows do not show
+constexpr int label_end = 2;     // characters of ": "
 constexpr int payload_byte = 3;  // characters of one: " 0F"
 
 constexpr std::string_view source_label = "Source Address: 0x";
@@ -26,12 +29,13 @@ char* write_address(char* at, std::uint8_t address) {
 
 /// Seconds with two decimals, ten places wide.
 char* write_time_stamp(char* at, std::uint32_t hundredths) {
+    constexpr int places = 10;
     char* const start = at;
     at = write_unsigned(at, hundredths / 100);
     *at++ = '.';
     at = write_pair(at, hundredths % 100);
-    while (at - start < 10) *at++ = ' ';
-    return at;
+    std::memset(at, ' ', places);
+    return std::max(at, start + places);
 }
 
 /// Number and name of a PGN without a row.
@@ -62,19 +66,41 @@ void put_round(Out& out, int round) {
     out.put(": ");
 }
 
-/// Value and unit of the field that the walk has come to; the walk goes behind it.
-template <class Out>
-UnitId put_field(Out& out, const FieldPlan& plan, MessageWalk& walk, const Payload& payload, const FieldDef& row,
-                 const UnitSelection& units, TextScratch& scratch, bool plain_numbers) {
-    FieldReading reading;
-    read(FieldShape::of(plan), *row.dd, payload, walk.position, units, unit::selected, scratch, reading);
-    walk.position = reading.next;
-    if (reading.cut_off) {
+/// The value without its unit, which is returned: negative where none follows. `Reading` is a `FieldReading`
+/// or a `FieldValue`.
+template <class Out, class Reading>
+[[gnu::always_inline]] inline UnitId put_reading(Out& out, const FieldPlan& plan, const Reading& field,
+                                                 bool plain_numbers) {
+    if (field.cut_off) {
         out.put('-');
-        return reading.unit;
+        return field.unit;
     }
-    const Shown shown{plan.form, plan.enumeration, reading.quantity, reading.unit, plain_numbers};
-    return put_value(out, shown, reading.value) ? reading.unit : UnitId{unit::selected};
+    const Shown shown{plan.form, plan.enumeration, field.quantity, field.unit, plain_numbers};
+    return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
+}
+
+/// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the
+/// unit that follows, negative for none.
+template <class Out>
+[[gnu::always_inline]] inline UnitId put_field(Out& out, Stepping::State& walk, const Payload& payload,
+                                               const UnitSelection& units, TextScratch& scratch,
+                                               bool plain_numbers) {
+    const FieldPlan& plan = Stepping::plan(walk);
+    if ((plan.flags & numbered) != 0) put_round(out, Stepping::round(walk));
+    FieldValue field;
+    read_planned(walk.row, payload, walk.position, units, scratch, field);
+    walk.position = field.next;
+    return put_reading(out, plan, field, plain_numbers);
+}
+
+/// Texts with all their characters, for those who compare them.
+class UnmaskedOut : public Utf8Out {
+  public:
+    using Utf8Out::Utf8Out;
+};
+
+void put_text(UnmaskedOut& out, const Text& text, int most) {
+    for_each_character(text, most, [&out](std::uint32_t c) { out.put_character(c); });
 }
 
 }  // namespace
@@ -93,8 +119,8 @@ int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* p
     return out.finish();
 }
 
-StreamLines::StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units, TextScratch& scratch,
-                         bool plain_numbers)
+StreamLines::StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units,
+                         TextScratch& scratch, bool plain_numbers)
     : msg_(msg), units_(units), scratch_(scratch), plain_numbers_(plain_numbers), walk_(pgn, msg) {}
 
 int StreamLines::next(wchar_t* buf, int size) {
@@ -113,11 +139,11 @@ int StreamLines::next(wchar_t* buf, int size) {
         case Stage::over: return -1;
     }
     const Payload payload{msg_.data, payload_length(msg_)};
-    if (Stepping::next(walk_)) {
-        const FieldPlan& plan = Stepping::plan(walk_);
+    Stepping::State& walk = Stepping::state(walk_);
+    if (Stepping::next(walk)) {
+        const FieldPlan& plan = Stepping::plan(walk);
         out.put_pooled(text_pool + plan.texts + indent, static_cast<std::size_t>(plan.line_size - indent));
-        if ((plan.flags & numbered) != 0) put_round(out, Stepping::repeat(walk_));
-        const UnitId unit = put_field(out, plan, walk_, payload, walk_.field(), units_, scratch_, plain_numbers_);
+        const UnitId unit = put_field(out, walk, payload, units_, scratch_, plain_numbers_);
         if (unit >= 0) {
             out.put(' ');
             out.put(std::wstring_view(unit_name(unit)));
@@ -159,25 +185,27 @@ char* TextRenderer::write_head(char* at) const {
 }
 
 char* TextRenderer::write(char* at, char* limit) {
+    assert(msg_ != nullptr && limit - at >= static_cast<std::ptrdiff_t>(piece_room));
     if (stage_ == Stage::head) {
         at = write_head(at);
         stage_ = Stage::fields;
     }
     const Payload payload{msg_->data, payload_length(*msg_)};
+    Stepping::State& walk = Stepping::state(walk_);
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
-        if (!Stepping::next(walk_)) {
-            stage_ = walk_.has_undecoded_rest() ? Stage::rest : Stage::over;
+        if (!Stepping::next(walk)) {
+            stage_ = walk.rest ? Stage::rest : Stage::over;
             break;
         }
-        const FieldPlan& plan = Stepping::plan(walk_);
+        const FieldPlan& plan = Stepping::plan(walk);
         Utf8Out out(at);
         out.put_pooled(text_pool + plan.texts, plan.line_size);
-        if ((plan.flags & numbered) != 0) put_round(out, Stepping::repeat(walk_));
-        const UnitId unit = put_field(out, plan, walk_, payload, walk_.field(), units_, scratch_, plain_numbers_);
+        const UnitId unit = put_field(out, walk, payload, units_, scratch_, plain_numbers_);
         if (unit >= 0) {
             const UnitTexts& texts = unit_texts[unit];
-            out.put_pooled(text_pool + texts.line, static_cast<std::size_t>(texts.line_size) + 1);  // and line end
+            out.put_pooled(text_pool + texts.line,
+                           static_cast<std::size_t>(texts.line_size) + 1);  // and line end
         } else {
             out.put('\n');
         }
@@ -199,6 +227,26 @@ char* TextRenderer::write(char* at, char* limit) {
         stage_ = Stage::over;
     }
     return at;
+}
+
+// ---- parts of a line ----
+
+char* write_label(char* at, const FieldDef& field, int repeat) {
+    const FieldPlan& plan = plan_of(field);
+    Utf8Out out(at);
+    out.put_pooled(text_pool + plan.texts + indent, static_cast<std::size_t>(plan.line_size - indent));
+    if ((plan.flags & numbered) != 0) put_round(out, repeat);
+    return out.at() - label_end;
+}
+
+char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit) {
+    UnmaskedOut out(at);
+    const UnitId unit = put_reading(out, plan_of(field), reading, false);
+    if (with_unit && unit >= 0) {
+        out.put(' ');
+        out.put(unit_text(unit));
+    }
+    return out.at();
 }
 
 }  // namespace pgn_vistel::core

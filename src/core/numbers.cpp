@@ -1,5 +1,6 @@
 #include "core/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -21,7 +22,8 @@ char* write_fixed(char* at, double value, int precision) {
     char area[general_size];
     if (std::signbit(value)) *at++ = '-';
     const double magnitude = std::fabs(value);
-    const auto end = std::to_chars(area, area + general_size, magnitude, std::chars_format::fixed, precision).ptr;
+    const auto end =
+        std::to_chars(area, area + general_size, magnitude, std::chars_format::fixed, precision).ptr;
     std::memcpy(at, area, static_cast<std::size_t>(end - area));
     return at + (end - area);
 }
@@ -39,11 +41,35 @@ char* write_large(char* at, float value, int digits) {
 
 }  // namespace
 
+namespace {
+
+constexpr std::uint64_t limit_of_eight = 100'000'000;
+
+/// Decimal digits of a number, none for 0.
+inline int count_digits(std::uint32_t number) {
+    const int estimate = static_cast<int>(std::bit_width(number)) * 1233 >> 12;  // of the logarithm
+    return estimate + (number != 0 && number >= powers_of_ten[estimate]);
+}
+
+/// A number without a point, which goes in front of its last `precision` digits.
+char* write_decimal(char* at, std::uint64_t number, int precision) {
+    if (precision == 0) return write_unsigned(at, number);
+    const std::uint64_t before = number / powers_of_ten[precision];
+    const auto behind = static_cast<std::uint32_t>(number - before * powers_of_ten[precision]);
+    at = write_unsigned(at, before);
+    *at = '.';
+    write_eight(at + 1, behind * powers_of_ten[8 - precision]);
+    return at + 1 + precision;
+}
+
+}  // namespace
+
 char* write_significant(char* at, float value, int digits) {
     const auto bits = std::bit_cast<std::uint32_t>(value);
     const std::uint32_t exponent_field = bits >> 23 & 0xFF;
     constexpr std::uint32_t exponent_of_2_pow_32 = 127 + 32;
-    if (exponent_field >= exponent_of_2_pow_32) [[unlikely]] return write_large(at, value, digits);
+    if (exponent_field >= exponent_of_2_pow_32) [[unlikely]]
+        return write_large(at, value, digits);
     if (static_cast<std::int32_t>(bits) < 0) *at++ = '-';
 
     // The number is mantissa / 2^shift.
@@ -56,39 +82,43 @@ char* write_significant(char* at, float value, int digits) {
     if (shift <= 0) {
         const std::uint64_t number = mantissa << -shift;
         at = write_unsigned(at, number);
-        if (digits < 8 || number >= powers_of_ten[7]) return at;  // from 2^23 on there are seven digits at least
+        if (digits < 8 || number >= powers_of_ten[7])
+            return at;  // from 2^23 on there are seven digits at least
         std::memcpy(at, ".0", 2);
         return at + 2;
     }
 
+    // Below 2^23 from here on. The digits in front of the point are counted, the rest become decimals.
     const auto whole = shift < 32 ? static_cast<std::uint32_t>(mantissa >> shift) : 0u;
-    int precision = digits;
-    for (; precision > 0 && whole >= powers_of_ten[digits - precision]; --precision) {
-    }
+    const int precision = std::max(digits - count_digits(whole), 0);
     // Times a power of ten it stays below 2^51; the part behind the binary point decides how to round.
     const std::uint64_t product = mantissa * powers_of_ten[precision];
     std::uint64_t rounded = 0;
     if (shift < 64) {
         rounded = product >> shift;
-        const std::uint64_t rest = product & ((std::uint64_t{1} << shift) - 1);
-        const std::uint64_t half = std::uint64_t{1} << (shift - 1);
+        const std::uint64_t rest = product << (64 - shift);
+        constexpr std::uint64_t half = std::uint64_t{1} << 63;
         rounded += rest > half || (rest == half && (rounded & 1) != 0);
     }
-    if (precision == 0) return write_unsigned(at, rounded);
-    const std::uint64_t before = rounded / powers_of_ten[precision];
-    const auto behind = static_cast<std::uint32_t>(rounded - before * powers_of_ten[precision]);
-    at = write_unsigned(at, before);
-    *at = '.';
-    write_eight(at + 1, behind * powers_of_ten[8 - precision]);
-    return at + 1 + precision;
+    if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]]
+        return write_decimal(at, rounded, precision);
+    // The point goes between the digits of one word.
+    const std::uint64_t text = detail::eight_digits(static_cast<std::uint32_t>(rounded)) | detail::zeros;
+    const int before = std::max(count_digits(static_cast<std::uint32_t>(rounded)) - precision, 1);
+    const std::uint64_t front = text >> 8 * (8 - precision - before);
+    const std::uint64_t behind = text >> 8 * (8 - precision);
+    std::memcpy(at, &front, 8);
+    at[before] = '.';
+    std::memcpy(at + before + 1, &behind, 8);
+    return at + before + 1 + precision;
 }
 
 // ---- shortest form ----
 //
-// A number c * 2^q owns the interval up to the middles between it and its neighbours. Scaled by a power of ten
-// such that the interval is at least 2 and less than 20 wide, either a multiple of ten lies in it or the number
-// itself is rounded to a whole one. The power is taken from a table, with so many bits that the product, its
-// lowest bit standing for all that is cut off, compares as the exact one would.
+// A number c * 2^q owns the interval up to the middles between it and its neighbours. Scaled by a power of
+// ten such that the interval is at least 2 and less than 20 wide, either a multiple of ten lies in it or the
+// number itself is rounded to a whole one. The power is taken from a table, with so many bits that the
+// product, its lowest bit standing for all that is cut off, compares as the exact one would.
 
 namespace {
 
@@ -159,7 +189,8 @@ struct Double {
         __extension__ typedef unsigned __int128 uint128;
         const Power& power = double_powers[e - first_double_power];
         const auto low = static_cast<uint128>(power.low) * number;
-        const auto product = static_cast<uint128>(power.high) * number + static_cast<std::uint64_t>(low >> 64);
+        const auto product =
+            static_cast<uint128>(power.high) * number + static_cast<std::uint64_t>(low >> 64);
         return static_cast<Bits>(product >> 64) | (static_cast<Bits>(product) > 1);
     }
 };
@@ -197,14 +228,14 @@ bool find_shortest(typename Width::Bits bits, Decimal& found) {
     const bool down = low <= 4 * s;
     const bool up = 4 * s + 4 <= high;
     const bool nearer_up = middle > 4 * s + 2 || (middle == 4 * s + 2 && (s & 1) != 0);
-    found = {s + (down != up ? up : nearer_up), k};
+    const bool rounds_up = down != up ? up : nearer_up;
+    found = {s + (rounds_up ? 1u : 0u), k};
     return true;
 }
 
-int count_digits(std::uint64_t number) {
-    int count = 1;
-    for (std::uint64_t limit = 10; count < 19 && number >= limit; limit *= 10) ++count;
-    return count;
+int count_long(std::uint64_t number) {
+    return number <= UINT32_MAX ? count_digits(static_cast<std::uint32_t>(number))
+                                : 8 + count_long(number / limit_of_eight);
 }
 
 /// Below this every integer is a number of the width, so that the digits with zeros behind are exact.
@@ -223,12 +254,16 @@ char* write_shortest_of(char* at, Float value) {
     }
     Decimal d;
     if (!find_shortest<Width>(std::bit_cast<typename Width::Bits>(magnitude), d)) return general();
-    for (; d.digits % 10 == 0; d.digits /= 10) ++d.exponent;
-    const int count = count_digits(d.digits);
+    while (d.digits % 2 == 0 && d.digits % 10 == 0) {
+        d.digits /= 10;
+        ++d.exponent;
+    }
+    const int count = count_long(d.digits);
     // Fixed point, unless the scientific form is shorter.
     const int single = count == 1 ? 1 : 0;
     const bool is_fixed = d.exponent >= -(count + 3) + single && d.exponent <= 5 - single;
-    if (!is_fixed || (d.exponent > 0 && static_cast<double>(magnitude) >= exact_integers<Width>)) return general();
+    if (!is_fixed || (d.exponent > 0 && static_cast<double>(magnitude) >= exact_integers<Width>))
+        return general();
 
     if (d.exponent >= 0) {
         at = write_unsigned(at, d.digits);
@@ -241,7 +276,14 @@ char* write_shortest_of(char* at, Float value) {
         return write_unsigned(at + 2 + behind - count, d.digits);
     }
     char* const end = write_unsigned(at, d.digits);
-    std::memmove(end - behind + 1, end - behind, static_cast<std::size_t>(behind));
+    constexpr int block = 8;
+    if (behind <= block) {
+        std::uint64_t decimals;
+        std::memcpy(&decimals, end - behind, block);
+        std::memcpy(end - behind + 1, &decimals, block);
+    } else {
+        std::memmove(end - behind + 1, end - behind, static_cast<std::size_t>(behind));
+    }
     end[-behind] = '.';
     return end + 1;
 }

@@ -33,16 +33,18 @@ inline constexpr auto hex_pairs = [] {
     return pairs;
 }();
 
-inline constexpr std::uint32_t powers_of_ten[] = {1,       10,        100,        1'000,         10'000,
+inline constexpr std::uint32_t powers_of_ten[] = {1,       10,        100,        1'000,       10'000,
                                                   100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
 
-/// The eight decimal digits of a number below 10^8, the first in the lowest byte: halves, quarters and eighths of
-/// the word are divided side by side.
+/// The eight decimal digits of a number below 10^8, the first in the lowest byte: halves, quarters and
+/// eighths of the word are divided side by side.
 inline std::uint64_t eight_digits(std::uint32_t number) {
     const std::uint64_t halves = number / 10000 | static_cast<std::uint64_t>(number % 10000) << 32;
-    const std::uint64_t hundreds = (halves * 10486) >> 20 & 0x0000007F0000007F;  // of each half, exact below 10^4
+    const std::uint64_t hundreds =
+        (halves * 10486) >> 20 & 0x0000007F0000007F;  // of each half, exact below 10^4
     const std::uint64_t quarters = hundreds | (halves - hundreds * 100) << 16;
-    const std::uint64_t tens = (quarters * 103) >> 10 & 0x000F000F000F000F;  // of each quarter, exact below 100
+    const std::uint64_t tens =
+        (quarters * 103) >> 10 & 0x000F000F000F000F;  // of each quarter, exact below 100
     return tens | (quarters - tens * 10) << 8;
 }
 
@@ -98,28 +100,37 @@ inline char* write_hex_bytes(char* at, const std::uint8_t* bytes, int count) {
     return at;
 }
 
-/// Upper-case hexadecimal digits, `least` of them at the least.
-inline char* write_hex(char* at, std::uint64_t number, int least) {
-    const int significant = (std::bit_width(number) + 3) / 4;
-    for (int i = least > significant ? least : significant; i-- > 0;)
-        *at++ = detail::hex_pairs[2 * (number >> 4 * i & 15) + 1];
+/// All the digits of a number of so many bytes.
+inline char* write_hex_number(char* at, std::uint32_t number, int bytes) {
+    for (int i = bytes; i-- > 0;) at = write_hex_byte(at, static_cast<std::uint8_t>(number >> 8 * i));
     return at;
+}
+
+/// Upper-case hexadecimal digits, `least` of them at the least. Writes beyond its end.
+inline char* write_hex(char* at, std::uint32_t number, int least) {
+    for (; least > 8; --least) *at++ = '0';
+    const int significant = (static_cast<int>(std::bit_width(number)) + 3) / 4;
+    const int count = least > significant ? least : significant;
+    char digits[16];
+    write_hex_number(digits, number, 4);
+    std::memcpy(at, digits + 8 - count, 8);
+    return at + count;
 }
 
 /// A finite or infinite number with `precision` digits behind the point, exactly rounded (ties to even) as
 /// "%.*f" would be. `precision` is at most 18; the number of digits is bounded by the caller's room.
 char* write_fixed(char* at, double value, int precision);
 
-/// A number with `digits` significant ones, 1 to 8, and all that stand before its point: what "%5q" of the text
-/// interface stands for. Not for NaN. Writes beyond its end.
+/// A number with `digits` significant ones, 1 to 8, and all that stand before its point: what "%5q" of the
+/// text interface stands for. Not for NaN. Writes beyond its end.
 ///
 ///     write_significant(at, 12.3456f, 5) -> "12.346"
 ///     write_significant(at, 0.5f, 5)     -> "0.50000"
 ///     write_significant(at, 123456.f, 5) -> "123456"
 char* write_significant(char* at, float value, int digits);
 
-/// @{ The shortest form that reads back as the same number, for finite numbers: that of `std::to_chars`. Writes
-/// beyond its end.
+/// @{ The shortest form that reads back as the same number, for finite numbers: that of `std::to_chars`.
+/// Writes beyond its end.
 char* write_shortest(char* at, float value);
 char* write_shortest(char* at, double value);
 /// @}

@@ -7,7 +7,9 @@ void WideOut::put_pooled(const char* text, std::size_t size) {
     const char* const end = text + size;
     while (text < end && at_ < end_) {
         const auto lead = static_cast<unsigned char>(*text++);
-        const auto tail = [&text] { return static_cast<unsigned>(static_cast<unsigned char>(*text++) & 0x3F); };
+        const auto tail = [&text] {
+            return static_cast<unsigned>(static_cast<unsigned char>(*text++) & 0x3F);
+        };
         std::uint32_t c = lead;
         if (lead >= 0xE0) {
             c = (lead & 0x0Fu) << 12 | tail() << 6;

@@ -40,8 +40,17 @@ inline char* write_utf8(char* at, std::uint32_t c) {
     return at;
 }
 
-/// Copies in blocks; reads and writes up to `block` - 1 bytes too far.
+/// Copies in blocks; reads and writes up to `block` bytes too far. Most texts are one block.
 inline char* copy_blocks(char* at, const char* from, std::size_t size) {
+    constexpr std::size_t block = 32;
+    static_assert(block <= pool_slack);
+    std::memcpy(at, from, block);
+    for (std::size_t i = block; i < size; i += block) std::memcpy(at + i, from + i, block);
+    return at + size;
+}
+
+/// The same for the short texts of units.
+inline char* copy_short(char* at, const char* from, std::size_t size) {
     constexpr std::size_t block = 16;
     for (std::size_t i = 0; i < size; i += block) std::memcpy(at + i, from + i, block);
     return at + size;
@@ -74,11 +83,12 @@ class Utf8Out {
     char* at_;
 };
 
-/// Wide characters into a caller's buffer of any size; what does not fit is dropped. `finish` terminates the text.
-/// A buffer of size 0 or a null buffer takes nothing.
+/// Wide characters into a caller's buffer of any size; what does not fit is dropped. `finish` terminates the
+/// text. A buffer of size 0 or a null buffer takes nothing.
 class WideOut {
   public:
-    WideOut(wchar_t* buf, int size) : begin_(buf), at_(buf), end_(buf), terminable_(buf != nullptr && size > 0) {
+    WideOut(wchar_t* buf, int size)
+        : begin_(buf), at_(buf), end_(buf), terminable_(buf != nullptr && size > 0) {
         if (terminable_) end_ = buf + (size - 1);
     }
 

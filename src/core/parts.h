@@ -11,26 +11,37 @@ namespace pgn_vistel::core {
 
 /// One field for outputs that want its parts instead of a line.
 struct FieldParts {
-    FieldReading reading;
-    bool available = false;
-    bool is_text = false;  ///< the value is a text
-    int unit = -1;         ///< none beside a text of the catalogue
+    FieldValue reading;
+    bool available;
+    bool is_text;  ///< the value is a text
+    int unit;      ///< negative for none, as beside a text of the catalogue
 
     /// What the value means, as a text beside it.
-    enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning = Meaning::none;
-    const EntryTexts* entry = nullptr;
-    std::string_view word;  ///< of `word` and `pgn_name`
+    enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning;
+    union {
+        const EntryTexts* entry;
+        const char* word;  ///< of `word` and `pgn_name`
+    };
+    int word_size;
+
+    std::string_view word_text() const { return {word, static_cast<std::size_t>(word_size)}; }
+    void set_word(Meaning what, std::string_view text) {
+        meaning = what;
+        word = text.data();
+        word_size = static_cast<int>(text.size());
+    }
 };
 
 inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
     using Meaning = FieldParts::Meaning;
-    const FieldReading& reading = parts.reading;
+    const FieldValue& reading = parts.reading;
     switch (plan.form) {
         case Form::pgn_name:
             parts.unit = -1;
-            if (const PgnDef* const row = parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
-                parts.word = pgn_name(row);
-                if (!parts.word.empty()) parts.meaning = Meaning::pgn_name;
+            if (const PgnDef* const row =
+                    parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
+                if (const std::string_view name = pgn_name(row); !name.empty())
+                    parts.set_word(Meaning::pgn_name, name);
             }
             break;
         case Form::flags:
@@ -43,11 +54,10 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
             const DDstrings& set = enum_sets[plan.enumeration];
             const std::uint16_t entry = find_entry(plan.enumeration, enumeration_value(reading.value));
             if (entry != no_entry) {
-                parts.entry = &entry_texts[set_plans[plan.enumeration].first_entry + entry];
+                parts.entry = &texts_of_entry(plan.enumeration, entry);
                 parts.meaning = Meaning::entry;
             } else if (set.kind == ENUM_RESERVED || set.kind == ENUM_UNKNOWN) {
-                parts.word = set.kind == ENUM_RESERVED ? "Reserved" : "Unknown";
-                parts.meaning = Meaning::word;
+                parts.set_word(Meaning::word, set.kind == ENUM_RESERVED ? "Reserved" : "Unknown");
             } else {
                 break;
             }
@@ -59,13 +69,16 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
 }
 
 /// Reads the field that the walk has come to; the walk goes behind it.
-inline void read_parts(const FieldPlan& plan, MessageWalk& walk, const Payload& payload, const DDDef& dd,
-                       const UnitSelection& units, TextScratch& scratch, FieldParts& parts) {
-    read(FieldShape::of(plan), dd, payload, walk.position, units, unit::selected, scratch, parts.reading);
+[[gnu::always_inline]] inline void read_parts(Stepping::State& walk, const Payload& payload,
+                                              const UnitSelection& units, TextScratch& scratch,
+                                              FieldParts& parts) {
+    const FieldPlan& plan = Stepping::plan(walk);
+    read_planned(walk.row, payload, walk.position, units, scratch, parts.reading);
     walk.position = parts.reading.next;
     parts.available = is_available(parts.reading.value);
     parts.is_text = parts.reading.value.type == ValueType::text;
     parts.unit = parts.reading.unit;
+    parts.meaning = FieldParts::Meaning::none;
     if (plan.form != Form::plain) find_meaning(plan, parts);
 }
 
@@ -81,25 +94,23 @@ inline Text text_of(const FieldParts& parts) {
     return text;
 }
 
-/// The number of a value that is one. Nothing for texts and for values that are not available; null then.
+/// The number of a value that is one; null for texts, for infinities and for values that are not available.
 inline char* write_number(char* at, const FieldParts& parts) {
     if (!parts.available) return nullptr;
-    const Value& v = parts.reading.value;
-    switch (v.type) {
-        case ValueType::single: return std::isfinite(v.number.f32) ? write_shortest(at, v.number.f32) : nullptr;
-        case ValueType::real: return std::isfinite(v.number.f64) ? write_shortest(at, v.number.f64) : nullptr;
-        case ValueType::text:
-        case ValueType::none: return nullptr;
-        case ValueType::u64: return write_unsigned(at, v.number.u64);
-        default: return write_signed(at, integer_of(v));
-    }
+    return visit_number(parts.reading.value, static_cast<char*>(nullptr), [at](auto number) {
+        if constexpr (std::is_floating_point_v<decltype(number)>)
+            return std::isfinite(number) ? write_shortest(at, number) : nullptr;
+        else if constexpr (std::is_signed_v<decltype(number)>)
+            return write_signed(at, number);
+        else
+            return write_unsigned(at, number);
+    });
 }
 
-/// The field's bits as hexadecimal bytes, the low ones first.
-inline char* write_raw(char* at, const Payload& payload, PayloadPosition from, PayloadPosition to) {
-    const int first = from.byte * 8 + from.bit;
-    const int bits = std::min(to.byte * 8 + to.bit, payload.length * 8) - first;
-    if (from.bit == 0 && bits % 8 == 0) return write_hex_bytes(at, payload.data + from.byte, std::max(0, bits / 8));
+/// The field's bits as hexadecimal bytes, the low ones first. Positions are counted in bits.
+inline char* write_raw(char* at, const Payload& payload, int from, int to) {
+    const int bits = std::min(to, payload.length * 8) - from;
+    if (((from | bits) & 7) == 0) return write_hex_bytes(at, payload.data + from / 8, std::max(0, bits / 8));
     std::uint64_t word = gather_bits(payload.data, from, std::min(bits, 64));
     for (int i = 0; i < std::clamp((bits + 7) / 8, 0, 8); ++i, word >>= 8)
         at = write_hex_byte(at, static_cast<std::uint8_t>(word));

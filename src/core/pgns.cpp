@@ -1,4 +1,5 @@
 #include <array>
+#include <cassert>
 #include <iterator>
 
 #include "core/tables.h"
@@ -55,13 +56,15 @@ const PgnDef* find_pgn_def(std::uint32_t pgn) {
 }
 
 const PgnPlan& plan_of(const PgnDef& row) {
+    assert(is_row_of(pgn_table, row));
     return pgn_plans[&row - pgn_table];
 }
 
 std::string_view pgn_name(const PgnDef* row) {
     if (row == nullptr) return "Unknown";
     const PgnPlan& plan = plan_of(*row);
-    return {text_pool + plan.texts + PgnPlan::name_at, static_cast<std::size_t>(plan.line_size - PgnPlan::name_at)};
+    return {text_pool + plan.texts + PgnPlan::name_at,
+            static_cast<std::size_t>(plan.line_size - PgnPlan::name_at)};
 }
 
 const RepeatSetDef* find_repeat_set(std::uint32_t pgn) {

@@ -7,9 +7,9 @@
 
 namespace pgn_vistel::core {
 
-// What reading and printing need beside the rows of the catalogue: computed by the generator, constant, without
-// a pointer. Texts are named by their offset in one pool; those who copy them may read `pool_slack` bytes too
-// far.
+// What reading and printing need beside the rows of the catalogue: computed by the generator, constant,
+// without a pointer. Texts are named by their offset in one pool; those who copy them may read `pool_slack`
+// bytes too far.
 
 /// How the raw bits of a format become a value.
 enum class Reading : std::uint8_t {
@@ -73,14 +73,15 @@ struct FormatPlan {
     std::uint8_t width;      ///< bits of the number, 0 where the reading knows
     std::uint8_t is_signed;  ///< 0 or 1
     UnitRule rule;
-    float scale;             ///< to the rule's base unit; single precision
-    std::uint8_t described;  ///< 1 where a value may name the format itself
+    float scale;                  ///< to the rule's base unit; single precision
+    std::int64_t first_reserved;  ///< the lowest of the three reserved codes; of widths below 64
+    std::uint8_t described;       ///< 1 where a value may name the format itself
 };
 
 /// How a value is shown, as far as the dictionary entry and the place of the field decide.
 enum class Form : std::uint8_t {
-    plain,        ///< by quantity and type
-    pgn_name,     ///< the name of the PGN that the value is
+    plain,     ///< by quantity and type
+    pgn_name,  ///< the name of the PGN that the value is
     database_version,
     enumeration,  ///< a text of the entry's set, else plain
     flags,        ///< the texts of the bits that are set
@@ -93,14 +94,16 @@ constexpr std::uint8_t air_pressure_if_source_0 = quantity::no_quantity + 1, qua
 constexpr std::uint16_t end_row = 0xFFFF;
 constexpr std::uint8_t no_set = 255;
 
-enum FieldFlag : std::uint8_t {
+enum FieldFlag : std::uint16_t {
     in_group = 1,
     first_of_group = 2,
     last_of_group = 4,
-    numbered = 8,  ///< the label is followed by the number of the round
-    quoted = 16,   ///< a numbered label that CSV quotes
-    string = 32,   ///< ends the walk where it takes no byte
-    text = 64,     ///< shows what is there where the message cuts it off
+    numbered = 8,       ///< the label is followed by the number of the round
+    quoted = 16,        ///< a numbered label that CSV quotes
+    string = 32,        ///< ends the walk where it takes no byte
+    text = 64,          ///< shows what is there where the message cuts it off
+    whole_bytes = 128,  ///< sized in bytes, or without a size
+    quick = 256,        ///< a whole number of up to 64 bits whose quantity is known
 };
 
 struct FieldPlan {
@@ -108,14 +111,14 @@ struct FieldPlan {
     std::uint8_t line_size, json_size, csv_size;
     std::uint16_t next;   ///< row of the next field number
     std::uint16_t again;  ///< of the last field of a repeating group: row of the first
-    std::uint16_t bits;   ///< size; 0 where only the value tells. Whole bytes count as bytes
+    std::uint16_t bits;   ///< size, be it the format's; 0 where only the value tells
     std::uint16_t number;
     std::uint8_t format;    ///< index of the plan
     std::uint8_t quantity;  ///< or how the payload tells it
     Form form;
     std::uint8_t enumeration;  ///< index of the set, or `no_set`
     std::uint8_t verdicts[2];  ///< in a proprietary message of others, and of our own: see `Verdict`
-    std::uint8_t flags;
+    std::uint16_t flags;
 };
 
 /// What becomes of a row in the walk of a proprietary message.
@@ -179,8 +182,18 @@ const FieldDef& field_row(std::uint16_t row);
 /// The set of a dictionary entry as an index, or `no_set`.
 std::uint8_t find_set(std::uint32_t dd);
 
+/// Entry that a set has for a value beyond its index, or `no_entry`.
+std::uint16_t search_entry(std::uint8_t set, std::uint32_t value);
+
 /// Entry that a set has for a value, or `no_entry`. Not for flags.
-std::uint16_t find_entry(std::uint8_t set, std::uint32_t value);
+inline std::uint16_t find_entry(std::uint8_t set, std::uint32_t value) {
+    const SetPlan& plan = set_plans[set];
+    return value < plan.index_size ? entry_index[plan.index + value] : search_entry(set, value);
+}
+
+inline const EntryTexts& texts_of_entry(std::uint8_t set, std::uint16_t entry) {
+    return entry_texts[set_plans[set].first_entry + entry];
+}
 
 /// What goes for a field beside its dictionary entry, where it has no plan.
 struct SpecialField {

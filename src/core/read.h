@@ -29,10 +29,19 @@ struct FieldShape {
     bool is_text;           ///< shows what is there where the message cuts it off
 
     static FieldShape of(const FieldPlan& plan) {
-        const bool whole = plan.bits % 8 == 0;
+        const bool whole = (plan.flags & whole_bytes) != 0;
         return {&format_plans[plan.format], whole ? plan.bits / 8 : 0, whole ? 0 : plan.bits, plan.quantity,
                 (plan.flags & text) != 0};
     }
+};
+
+/// One field cut out and converted. Positions are counted in bits here.
+struct FieldValue {
+    Value value;
+    DispDataType quantity;
+    UnitId unit;
+    int next;      ///< behind the field
+    bool cut_off;  ///< the message ends inside the number
 };
 
 /// Eight bytes, of which those behind the `available` ones are 0.
@@ -51,72 +60,93 @@ inline std::uint64_t load_bytes(const std::uint8_t* data, int byte, int availabl
 }
 
 /// The bits of a field that does not start or end on a byte, moved to the bottom of a word.
-inline std::uint64_t gather_bits(const std::uint8_t* data, PayloadPosition at, int bits) {
+inline std::uint64_t gather_bits(const std::uint8_t* data, int position, int bits) {
     if (bits <= 0 || bits > 64) return 0;
-    std::uint64_t word = load_bytes(data, at.byte, payload_area - at.byte) >> at.bit;
     constexpr int next = 8;
-    if (at.bit + bits > 64 && at.byte + next < payload_area)
-        word |= static_cast<std::uint64_t>(data[at.byte + next]) << (64 - at.bit);
+    const int byte = position >> 3, bit = position & 7;
+    std::uint64_t word = load_bytes(data, byte, payload_area - byte) >> bit;
+    if (bit + bits > 64 && byte + next < payload_area)
+        word |= static_cast<std::uint64_t>(data[byte + next]) << (64 - bit);
     return word << (64 - bits) >> (64 - bits);
 }
 
-/// What an integer keeps of its bits under the field's size. The size counts modulo 256, so a field of 32 bytes
-/// keeps none: the numbers of the product information message, which are given that size, read as 0.
+/// What an integer keeps of its bits under the field's size. The size counts modulo 256, so a field of 32
+/// bytes keeps none: the numbers of the product information message, which are given that size, read as 0.
 inline std::uint64_t size_mask(int bits) {
     const int count = bits % 256;
     return count < 64 ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
 }
 
-inline std::uint16_t bytes_before(const std::uint8_t* data, int byte) {
-    return static_cast<std::uint16_t>((byte > 1 ? data[byte - 2] : 0) | (byte > 0 ? data[byte - 1] << 8 : 0));
-}
+/// Cuts a field out of a payload and converts it. `dd` is asked for its quantity where the payload tells it.
+void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int position,
+          const UnitSelection& units, UnitId unit, TextScratch& scratch, FieldValue& out);
 
-/// The quantity where the payload tells it.
-DispDataType dynamic_quantity(std::uint8_t how, const RawField& raw, const std::uint8_t* data, const DDDef& dd);
-
-/// A text that starts or ends inside a byte. The message's bytes are not looked at beyond its bits.
-int convert_moved_text(const FieldShape& shape, std::uint64_t bits, TextScratch& scratch, Value& out);
-
-/// Cuts a field out of a payload and converts it. `out.value` comes in as `Value{}`.
-inline void read(const FieldShape& shape, const DDDef& dd, const Payload& payload, PayloadPosition at,
-                 const UnitSelection& units, UnitId unit, TextScratch& scratch, FieldReading& out) {
-    const int available = payload.end(at.byte) - at.byte;
-    const bool aligned = shape.bits == 0 && at.bit == 0;
-    int bytes = shape.bytes;
-    RawField raw{0, 0, bytes};
-    if (aligned)
-        raw.bits = load_bytes(payload.data, at.byte, available);
-    else
-        // A field sized in bytes that starts inside a byte reads as zeros: the gathering keeps its 0 bits.
-        raw.bits = gather_bits(payload.data, at, shape.bits);
-
-    if (shape.quantity <= quantity::no_quantity) {
-        out.quantity = shape.quantity;
-    } else {
-        if (aligned) raw.before = bytes_before(payload.data, at.byte);
-        out.quantity = dynamic_quantity(shape.quantity, raw, payload.data, dd);
+/// `read` for the fields of a walk, in the selected units: the bulk of them, whole numbers of a known size,
+/// in line.
+[[gnu::always_inline]] inline void read_planned(std::uint16_t row, const Payload& payload, int position,
+                                                const UnitSelection& units, TextScratch& scratch,
+                                                FieldValue& out) {
+    const FieldPlan& plan = field_plans[row];
+    const int next = position + plan.bits;
+    const bool whole = (plan.flags & whole_bytes) != 0;
+    const auto read_slowly = [&] {
+        read(FieldShape::of(plan), field_row(row).dd->dd, payload, position, units, unit::selected, scratch,
+             out);
+    };
+    if ((plan.flags & quick) == 0 || next > payload.length * 8 || (whole && (position & 7) != 0)) {
+        read_slowly();
+        return;
     }
-    out.unit = is_unit(unit) ? unit : units[out.quantity];
-
-    int taken;
-    if (!shape.is_text)
-        taken = convert_quickly(*shape.format, raw, out.unit, scratch, out.value);
-    else if (aligned)
-        taken = convert_text(*shape.format, payload.data + at.byte, available, bytes, scratch, out.value);
-    else
-        taken = convert_moved_text(shape, raw.bits, scratch, out.value);
-    if (bytes == 0 && shape.bits == 0 && taken > 0) bytes = taken;
-
-    const int size = shape.bits + 8 * bytes;
-    if (!shape.is_text && at.byte < payload.length && at.byte + (at.bit + size + 7) / 8 > payload.length) {
-        store_none(out.value);
-        out.value.is_left = false;
-        out.cut_off = true;
-    } else if (is_integer(out.value.type) && size > 0) {
-        out.value.number.u64 &= size_mask(size);
+    const FormatPlan& format = format_plans[plan.format];
+    const int byte = position >> 3;
+    const std::uint64_t bits = whole ? load_bytes(payload.data, byte, payload.length - byte)
+                                     : gather_bits(payload.data, position, plan.bits);
+    out.quantity = plan.quantity;
+    out.unit = units[plan.quantity];
+    out.next = next;
+    out.cut_off = false;
+    const std::uint64_t mask = ~std::uint64_t{0} >> (64 - plan.bits);
+    if (format.reading == Reading::bit_field) {
+        store_integer(out.value, ValueType::u64, static_cast<std::int64_t>(bits & mask));
+        return;
     }
-    const int next_bit = at.bit + shape.bits;
-    out.next = {at.byte + (shape.bits > 0 ? 0 : bytes) + (next_bit >> 3), next_bit & 7};
+    const std::int64_t number = widened(bits, format.width, format.is_signed != 0);
+    const bool refused = number >= format.first_reserved;
+    switch (format.reading) {
+        case Reading::scaled: {
+            const float factor = unit_factors[static_cast<std::size_t>(format.rule)][out.unit];
+            if (factor == 0 && out.unit != unit::raw_count) break;
+            // The product of two single precision numbers is exact in double precision: rounded once, on
+            // storing.
+            if (refused)
+                store_none(out.value);
+            else if (factor == 0)
+                store_single(out.value, static_cast<double>(number));
+            else
+                store_single(out.value,
+                             static_cast<double>(scaled(number, format.scale)) * static_cast<double>(factor));
+            return;
+        }
+        case Reading::integer:
+            if (out.unit != unit::plain_65 && out.unit != unit::plain_64 && out.unit != unit::raw_count)
+                break;
+            if (refused)
+                store_none(out.value);
+            else
+                store_integer(out.value, integer_type(format.width, format.is_signed != 0),
+                              static_cast<std::int64_t>(static_cast<std::uint64_t>(number) & mask));
+            return;
+        case Reading::latitude_32:
+        case Reading::longitude_32:
+            if (out.unit != (format.reading == Reading::latitude_32 ? unit::deg_lat : unit::deg_long)) break;
+            if (refused)
+                store_none(out.value);
+            else
+                store_real(out.value, static_cast<double>(number) * degrees_per_count_32);
+            return;
+        default: break;
+    }
+    read_slowly();
 }
 
 }  // namespace pgn_vistel::core

@@ -29,7 +29,9 @@ bool is_own(const std::uint8_t* payload) {
 std::uint8_t first_key(const StreamKeyDef& row, const std::uint8_t* payload) {
     if (row.position[0] == header_rule) {
         // Only these messages have a known layout: the message number, or the command.
-        return is_own(payload) ? payload[static_cast<std::uint32_t>(row.pgn) == pgn::proprietary_single ? 2 : 6] : no_key;
+        return is_own(payload)
+                   ? payload[static_cast<std::uint32_t>(row.pgn) == pgn::proprietary_single ? 2 : 6]
+                   : no_key;
     }
     if (row.position[0] != label_rule) return no_key;
     // The label is a short text: length (which counts itself and the encoding), encoding, characters. The

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 #include "core/plan.h"
 #include "pgn_vistel/core/catalogue.h"
@@ -11,8 +12,15 @@ namespace pgn_vistel::core {
 
 extern const DDDef dictionary[dictionary_size];
 
-/// The row of a PGN that the binary search of the whole table meets first, or -1. Where a PGN has several rows,
-/// names shown to users and the repeating group that serves them all depend on this very order of steps.
+/// Whether a row stands in the table: its place there is what is known of it.
+template <class Row, std::size_t size>
+bool is_row_of(const Row (&table)[size], const Row& row) {
+    return std::less_equal<>()(table, &row) && std::less<>()(&row, table + size);
+}
+
+/// The row of a PGN that the binary search of the whole table meets first, or -1. Where a PGN has several
+/// rows, names shown to users and the repeating group that serves them all depend on this very order of
+/// steps.
 template <class Row, std::size_t size>
 constexpr int binary_search(const Row (&table)[size], std::uint32_t pgn) {
     int low = 0;

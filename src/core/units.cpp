@@ -58,7 +58,8 @@ std::span<const QuantityRow> quantity_rows() {
 }
 
 UnitSelection::UnitSelection() {
-    for (DispDataType q = 0; q <= quantity::no_quantity; ++q) units_[static_cast<std::size_t>(q)] = default_unit(q);
+    for (DispDataType q = 0; q <= quantity::no_quantity; ++q)
+        units_[static_cast<std::size_t>(q)] = default_unit(q);
 }
 
 }  // namespace pgn_vistel::core

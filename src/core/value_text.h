@@ -63,21 +63,24 @@ constexpr bool is_control(std::uint32_t c) {
 }
 
 inline void put_text(Utf8Out& out, const Text& text, int most) {
-    for_each_character(text, most, [&out](std::uint32_t c) { out.put_character(is_control(c) ? replacement : c); });
+    for_each_character(text, most,
+                       [&out](std::uint32_t c) { out.put_character(is_control(c) ? replacement : c); });
 }
 
 /// Windows get the units as they are.
 inline void put_text(WideOut& out, const Text& text, int most) {
-    for (int i = 0; i < std::min(text.count, most) && out.room() > 0; ++i) out.put_character(unit_of(text, i));
+    for (int i = 0; i < std::min(text.count, most) && out.room() > 0; ++i)
+        out.put_character(unit_of(text, i));
 }
 
+/// A double is taken with the precision of a single: the wide range of a double would not fit a line.
 inline double number_of(const Value& v) {
-    switch (v.type) {
-        case ValueType::single: return v.number.f32;
-        case ValueType::real: return static_cast<float>(v.number.f64);
-        case ValueType::u64: return static_cast<double>(v.number.u64);
-        default: return static_cast<double>(integer_of(v));
-    }
+    return visit_number(v, static_cast<double>(v.number.i64), [](auto number) {
+        if constexpr (std::is_floating_point_v<decltype(number)>)
+            return static_cast<double>(static_cast<float>(number));
+        else
+            return static_cast<double>(number);
+    });
 }
 
 inline std::int32_t truncated(double number) {
@@ -103,8 +106,8 @@ void put_pgn(Out& out, std::uint32_t number) {
 }
 
 template <class Out>
-void put_entry(Out& out, const DDstrings& set, std::uint16_t entry) {
-    const EntryTexts& texts = entry_texts[set_plans[&set - enum_sets].first_entry + entry];
+void put_entry(Out& out, std::uint8_t set, std::uint16_t entry) {
+    const EntryTexts& texts = texts_of_entry(set, entry);
     out.put_pooled(text_pool + texts.plain, texts.plain_size);
 }
 
@@ -114,7 +117,7 @@ void put_flags(Out& out, std::uint8_t index, std::uint32_t value) {
     const auto start = out.mark();
     for (std::uint32_t i = 0; i < set.count && i < 32; ++i) {
         if ((value >> i & 1) == 0) continue;
-        put_entry(out, set, static_cast<std::uint16_t>(i));
+        put_entry(out, index, static_cast<std::uint16_t>(i));
         out.put(", ");
     }
     out.remove_comma(start);
@@ -126,7 +129,7 @@ bool put_enumeration(Out& out, std::uint8_t index, std::uint32_t value) {
     const DDstrings& set = enum_sets[index];
     const std::uint16_t entry = find_entry(index, value);
     if (entry != no_entry)
-        put_entry(out, set, entry);
+        put_entry(out, index, entry);
     else if (set.kind == ENUM_RESERVED)
         out.put("Reserved");
     else if (set.kind == ENUM_UNKNOWN)
@@ -178,7 +181,8 @@ bool put_duration(Out& out, UnitId unit, const Value& v) {
     out.put_number([quotient](char* at) { return write_signed(at, quotient); });
     out.put(':');
     out.put_number([&](char* at) {
-        return write_fixed(at, value - static_cast<double>(static_cast<std::uint32_t>(quotient) * 60u), decimals);
+        return write_fixed(at, value - static_cast<double>(static_cast<std::uint32_t>(quotient) * 60u),
+                           decimals);
     });
     return true;
 }
@@ -229,20 +233,24 @@ void put_hexadecimal(Out& out, const Value& v) {
     }
 }
 
-/// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the least
-/// as the form of the type says.
+/// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the
+/// least as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
     const std::int64_t number = integer_of(v);
-    if (v.type == ValueType::u64)
-        at = write_unsigned(at, v.number.u64);
-    else
-        at = write_signed(at, number);
+    at = v.type == ValueType::u64 ? write_unsigned(at, v.number.u64) : write_signed(at, number);
     if (plain || v.type == ValueType::i64) return at;
-    int least = 2;
-    if (v.type == ValueType::u16) least = 4;
-    if (v.type == ValueType::u32 || v.type == ValueType::i32) least = 8;
     std::memcpy(at, " (0x", 4);
-    at = write_hex(at + 4, static_cast<std::uint32_t>(number), least);
+    at += 4;
+    const auto low = static_cast<std::uint32_t>(number);
+    switch (v.type) {
+        case ValueType::u8: at = write_hex_byte(at, static_cast<std::uint8_t>(low)); break;
+        case ValueType::u16: at = write_hex_number(at, low, 2); break;
+        case ValueType::u32:
+        case ValueType::i32: at = write_hex_number(at, low, 4); break;
+        default:
+            at = low < 0x100 ? write_hex_byte(at, static_cast<std::uint8_t>(low)) : write_hex(at, low, 2);
+            break;
+    }
     *at = ')';
     return at + 1;
 }
@@ -277,9 +285,7 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers) {
             out.put_number([&v](char* at) { return write_hours(at, v.number.u32); });
             break;
         case ValueType::text: put_text(out, v.text, text_limit); break;
-        default:
-            out.put_number([&](char* at) { return write_integer(at, v, plain_numbers); });
-            break;
+        default: out.put_number([&](char* at) { return write_integer(at, v, plain_numbers); }); break;
     }
 }
 
@@ -289,9 +295,8 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
     switch (shown.form) {
         case Form::pgn_name: put_pgn(out, v.number.u32); return true;
         case Form::database_version:
-            out.put_number([&v](char* at) {
-                return write_fixed(at, v.number.u16 * static_cast<double>(0.001f), 3);
-            });
+            out.put_number(
+                [&v](char* at) { return write_fixed(at, v.number.u16 * static_cast<double>(0.001f), 3); });
             return true;
         case Form::flags:
             put_flags(out, shown.set, enumeration_value(v));  // no flag set is a text, too: an empty one

@@ -1,6 +1,7 @@
 #include "core/walk.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace pgn_vistel::core {
 
@@ -14,49 +15,58 @@ int payload_length(const N2KMsg& msg) {
     return std::min<int>(msg.length, N2K_MAX_PAYLOAD);
 }
 
-MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg)
-    : data_(msg.data), length_(payload_length(msg)), next_row_(end_row) {
+MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
+    State& w = state_;
+    const int length = payload_length(msg);
+    w.data = msg.data;
+    w.end = length * 8;
     if (pgn == nullptr) {
-        rest_ = true;
+        w.rest = true;
         return;
     }
     const PgnPlan& plan = plan_of(*pgn);
     switch (plan.walk) {
-        case PgnWalk::plain: next_row_ = plan.first_row; break;
+        case PgnWalk::plain: w.upcoming = plan.first_row; break;
         case PgnWalk::group_function: {
-            // Requests and commands have a fixed head; what follows depends on the PGN that they are about and
-            // stays undecoded. The functions above acknowledge are not shown by field.
+            // Requests and commands have a fixed head; what follows depends on the PGN that they are about
+            // and stays undecoded. The functions above acknowledge are not shown by field.
             constexpr int request = 0, command = 1, acknowledge = 2, first_pair = 6;
-            const int code = length_ > 0 ? data_[0] : -1;
+            const int code = length > 0 ? w.data[0] : -1;
             if (code >= request && code <= acknowledge)
-                next_row_ = first_row_keyed(pgn->pgn, static_cast<std::uint16_t>(code));
-            if (code == request || code == command) limit_ = first_pair;
-            rest_ = next_row_ == end_row;
+                w.upcoming = first_row_keyed(pgn->pgn, static_cast<std::uint16_t>(code));
+            if (code == request || code == command) w.limit = first_pair;
+            w.rest = w.upcoming == end_row;
+            w.is_picky = !w.rest;
             break;
         }
         case PgnWalk::proprietary:
-            // The header of anybody's message is shown, and the fields that identify our own. The variants of what
-            // follows cannot be told apart by their first rows, so it stays undecoded; that is deliberate.
-            if (length_ < 2) {
-                rest_ = true;  // not even the header
+            // The header of anybody's message is shown, and the fields that identify our own. The variants of
+            // what follows cannot be told apart by their first rows, so it stays undecoded; that is
+            // deliberate.
+            if (length < 2) {
+                w.rest = true;  // not even the header
                 break;
             }
-            filter_ = (data_[0] | data_[1] << 8) == own_header ? own : others;
-            next_row_ = plan.first_row;
+            w.filter = (w.data[0] | w.data[1] << 8) == own_header ? own : others;
+            w.upcoming = plan.first_row;
+            w.is_picky = true;
             break;
     }
 }
 
 bool MessageWalk::next() {
-    return Stepping::next(*this);
+    state_.position = position.byte * 8 + position.bit;
+    return Stepping::next(state_);
 }
 
 const FieldDef& MessageWalk::field() const {
-    return field_row(next_row_);
+    assert(state_.row != end_row);
+    return field_row(state_.row);
 }
 
 int MessageWalk::repeat() const {
-    return Stepping::repeat(*this);
+    assert(state_.row != end_row);
+    return Stepping::round(state_);
 }
 
 }  // namespace pgn_vistel::core

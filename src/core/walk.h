@@ -7,49 +7,65 @@ namespace pgn_vistel::core {
 
 /// The steps of a walk, in line for those who print.
 struct Stepping {
-    static const FieldPlan& plan(const MessageWalk& walk) { return field_plans[walk.next_row_]; }
-    static int repeat(const MessageWalk& walk) { return (plan(walk).flags & in_group) != 0 ? walk.round_ : 0; }
+    using State = MessageWalk::State;
 
-    static bool next(MessageWalk& w) {
-        if (w.next_row_ == end_row) return false;
-        if (!w.fresh_ && !leave(w)) return false;
-        w.fresh_ = false;
-        const FieldPlan* p;
-        for (;; w.next_row_ = p->next) {
-            if (w.next_row_ == end_row || w.position.byte >= w.length_) return end(w, false);
-            p = &plan(w);
-            if (p->number >= w.limit_) return end(w, true);
-            if (w.filter_ == 0) break;
-            const std::uint8_t verdict = p->verdicts[w.filter_ - 1];
-            if (verdict == walk_ends) return end(w, true);
-            if (verdict == shown) break;
-        }
-        if ((p->flags & first_of_group) != 0) w.group_started_ = w.position;
-        w.started_ = w.position;
+    static State& state(MessageWalk& walk) { return walk.state_; }
+    static const State& state(const MessageWalk& walk) { return walk.state_; }
+    static const FieldPlan& plan(const State& w) { return field_plans[w.row]; }
+    static int round(const State& w) { return (plan(w).flags & in_group) != 0 ? w.round : 0; }
+
+    static bool next(State& w) {
+        if (w.may_stand_still && !goes_on(w)) return finish(w, true);
+        if (w.is_picky && !pick(w)) return false;
+        if (w.upcoming == end_row) return false;
+        if (w.position >= w.end) return finish(w, false);
+        w.row = w.upcoming;
+        const FieldPlan& p = field_plans[w.row];
+        w.upcoming = p.next;
+        constexpr unsigned remembered = first_of_group | last_of_group | string;
+        if ((p.flags & remembered) != 0) remember(w, p.flags);
         return true;
     }
 
   private:
-    static bool end(MessageWalk& w, bool rest) {
-        w.next_row_ = end_row;
-        w.rest_ = rest;
+    static bool finish(State& w, bool rest) {
+        w.upcoming = end_row;
+        w.rest = rest;
+        w.may_stand_still = w.is_picky = false;
         return false;
     }
 
-    /// Steps behind the field that was handed out last.
-    static bool leave(MessageWalk& w) {
+    static void remember(State& w, unsigned flags) {
+        if ((flags & first_of_group) != 0) w.group_started = w.position;
+        w.started = w.position;
+        w.may_stand_still = (flags & (last_of_group | string)) != 0;
+    }
+
+    /// Behind a field that may end the walk or a round. False where the walk would stand still.
+    static bool goes_on(State& w) {
+        w.may_stand_still = false;
         const FieldPlan& p = plan(w);
         // A text that takes no byte: nothing behind it can be placed.
-        if ((p.flags & string) != 0 && w.position == w.started_) return end(w, true);
-        if ((p.flags & last_of_group) == 0) {
-            w.next_row_ = p.next;
-            return true;
-        }
+        if ((p.flags & string) != 0 && w.position == w.started) return false;
+        if ((p.flags & last_of_group) == 0) return true;
         // A round that takes no byte would come again for ever.
-        if (w.position == w.group_started_) return end(w, true);
-        ++w.round_;
-        w.next_row_ = p.again;
+        if (w.position == w.group_started) return false;
+        ++w.round;
+        w.upcoming = p.again;
         return true;
+    }
+
+    /// Passes over what is not shown of a proprietary message or a group function. False at the walk's end.
+    static bool pick(State& w) {
+        while (w.upcoming != end_row && w.position < w.end) {
+            const FieldPlan& p = field_plans[w.upcoming];
+            if (p.number >= w.limit) return finish(w, true);
+            const std::uint8_t verdict = w.filter == 0 ? std::uint8_t{shown} : p.verdicts[w.filter - 1];
+            if (verdict == shown) return true;
+            if (verdict == walk_ends) return finish(w, true);
+            w.upcoming = p.next;
+        }
+        return finish(w, false);
     }
 };
 

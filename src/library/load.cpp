@@ -1,5 +1,6 @@
-// What exists from load to unload, in the order in which it comes; it goes in the opposite one. All of it
-// stands in this one file because that is what fixes the order.
+// What exists from load to unload, of the shared library or of a program that contains it, in the order of
+// construction; destruction is in the opposite order. All of it stands in this one file because that is what
+// fixes the order.
 
 #include <wx/log.h>
 
@@ -26,7 +27,7 @@ constexpr ModuleSwitch Module::to_this = {
         platform::set_module_state(static_cast<platform::ModuleState*>(previous));
     }};
 
-/// Keeps the toolkit's logging off: it would tell of a missing icon in a message box.
+/// Keeps the toolkit's logging off, which would report a missing icon in a message box.
 class QuietToolkit {
   public:
     QuietToolkit() : was_enabled_(wxLog::EnableLogging(false)) {}

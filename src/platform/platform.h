@@ -10,20 +10,22 @@ class CWinApp;
 
 /// What the library needs of a platform beyond the toolkit: the page for whoever ports it.
 ///
-/// A platform is a folder beside this file. It implements what is declared here, defines `HWND` and
-/// `HINSTANCE` by what it takes for them (native.h), brings the header of its native tree control,
-/// `public/pgn_vistel/native_tree.h`, with at least the members that `views/native_tree.cpp` and `OnSize`
-/// use, and names its sources in `platform.cmake`. Nothing outside the folder knows which platform it is.
+/// A platform is a folder beside this file. It implements what is declared here and brings the header of its
+/// native tree control, `public/pgn_vistel/native_tree.h`, with at least the members that the views use
+/// (`NativeRect`; of `CTreeCtrl` what `views/native_tree.cpp`, `OnInit` and `OnSize` call). What its window
+/// and module handles are is said in native.h, for hosts. `platform.cmake` names its sources and the
+/// libraries that they need. No other code of the library depends on which platform it is.
 ///
 /// Everything is called on the user-interface thread except `set_module_state`, which any thread may call and
-/// which speaks of that thread alone. Nothing throws but std::bad_alloc, and that only where a text or a
-/// window is asked for. Nothing shows a message box.
+/// which speaks of that thread alone; the application object is made and deleted by the thread that loads
+/// and unloads the library. Nothing throws but std::bad_alloc, and that only where a text, a window or an
+/// icon is asked for. Nothing shows a message box.
 namespace pgn_vistel::platform {
 
 // ---- modules ----
 
-/// What the platform's runtime keeps for one loaded module: where it looks for resources, the application
-/// object. The library has one from load to unload; the platform may let it hold more.
+/// What the platform keeps for one loaded module. The library has one from load to unload; a platform whose
+/// runtime wants more of a module than its application object lets it hold more.
 struct ModuleState {
     CWinApp* application = nullptr;
 };
@@ -46,9 +48,9 @@ struct Size {
 /// Inner size of a native window, in pixels; 0 by 0 for null.
 Size client_size(HWND window);
 
-/// A toolkit window that stands for a native one and may be a parent; null when that cannot be had. It is
-/// owned by the toolkit and goes with the native window; asked again for the same window it gives the same.
-/// Starts the toolkit where the host has not, and stops it at unload if so.
+/// A toolkit window that stands for a native one and may be a parent; null when that cannot be had. Nobody
+/// deletes it: it goes with the native window, or with the toolkit. Asked again for the same window it gives
+/// the same. Starts the toolkit where the host has not, and stops it at unload if so.
 wxWindow* wrap_native_window(HWND window);
 
 /// Keeps a window above the native one that it was opened under, where its parent alone does not do that.
@@ -62,8 +64,7 @@ void remove_padding(wxWindow& button);
 
 }  // namespace pgn_vistel::platform
 
-/// The application object of a module: known to the module's state for as long as it lives. It has no name of
-/// its own.
+/// The application object of a module: known to the module's state for as long as it lives.
 class CWinApp {
   public:
     explicit CWinApp(pgn_vistel::platform::ModuleState& module);

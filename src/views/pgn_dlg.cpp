@@ -4,9 +4,9 @@
 #include <wx/sizer.h>
 
 #include "contract/exported_entry.h"
+#include "pgn_vistel/core/units.h"
 #include "pgn_vistel/pgn_tree.h"
 #include "pgn_vistel/unit_dlg.h"
-#include "pgn_vistel/core/units.h"
 #include "platform/platform.h"
 #include "views/focus_ctrl.h"
 #include "views/images.h"
@@ -198,7 +198,7 @@ void PGN_VistelDlg_c::SetModule(HINSTANCE module) {
 }
 
 void PGN_VistelDlg_c::OnClose(wxCloseEvent&) {
-    Hide();
+    if (GetHandle() != nullptr) Hide();
 }
 
 void PGN_VistelDlg_c::OnButtonClear(wxCommandEvent&) {
@@ -206,6 +206,7 @@ void PGN_VistelDlg_c::OnButtonClear(wxCommandEvent&) {
 }
 
 void PGN_VistelDlg_c::OnButtonPause(wxCommandEvent&) {
+    if (tree_ == nullptr) return;
     contained([&] {
         paused_ = paused_ == 0 ? 1 : 0;
         tree_->Pause(paused_);
@@ -225,7 +226,7 @@ void PGN_VistelDlg_c::OnTextKillfocus(long id, const wxString& text) {
 }
 
 void PGN_VistelDlg_c::OnTextEnter(long id, const wxString&) {
-    if (id != filter_field) return;
+    if (tree_ == nullptr || id != filter_field) return;
     contained([&] {
         long address;
         if (!filter_text_.GetLineText(0).ToCLong(&address, 16)) return;

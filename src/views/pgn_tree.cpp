@@ -4,6 +4,7 @@
 
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "contract/exported_entry.h"
 #include "contract/field_text.h"
@@ -30,7 +31,8 @@ struct Anchor {
 }  // namespace
 
 struct TreeState {
-    std::optional<ToolkitTree> toolkit;  // one of the two is set
+    int owners = 1;                      // copies of the tree; user-interface thread only, so no atomic
+    std::optional<ToolkitTree> toolkit;  // at most one of the two
     std::optional<NativeTree> native;
     HWND native_parent = nullptr;
     CTreeCtrl* native_control = nullptr;
@@ -84,6 +86,17 @@ int entry(TreeState* state, Act act) noexcept {
     return contained(-1, [&] { return act(*state); });
 }
 
+TreeState* share(TreeState* state) {
+    if (state != nullptr) ++state->owners;
+    return state;
+}
+
+/// Frees the state where this was its last owner.
+void release(TreeState* state) {
+    const ModuleGuard in_this_module;
+    if (state != nullptr && --state->owners == 0) delete state;
+}
+
 }  // namespace
 
 PGN_VistelTree_c::PGN_VistelTree_c(HWND parent, CTreeCtrl* tree, unsigned long maxStreams,
@@ -110,12 +123,16 @@ PGN_VistelTree_c::PGN_VistelTree_c(wxWindow*, wxWindow* tree, QV_N2K_PGN_DB_c* d
     assign(db, maxStreams, flags);
 }
 
-PGN_VistelTree_c::PGN_VistelTree_c(const PGN_VistelTree_c&) = default;
-PGN_VistelTree_c& PGN_VistelTree_c::operator=(const PGN_VistelTree_c&) = default;
+PGN_VistelTree_c::PGN_VistelTree_c(const PGN_VistelTree_c& other) : state_(share(other.state_)) {}
+
+PGN_VistelTree_c& PGN_VistelTree_c::operator=(const PGN_VistelTree_c& other) {
+    TreeState* const left = std::exchange(state_, share(other.state_));
+    release(left);
+    return *this;
+}
 
 PGN_VistelTree_c::~PGN_VistelTree_c() {
-    const ModuleGuard in_this_module;
-    delete state_;
+    release(state_);
 }
 
 void PGN_VistelTree_c::init() {

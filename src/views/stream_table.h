@@ -46,7 +46,8 @@ struct StreamKey {
 class StreamTable {
   public:
     explicit StreamTable(std::size_t capacity)
-        : entries_(new (std::nothrow) StreamEntry[capacity]), capacity_(entries_ != nullptr ? capacity : 0) {}
+        : entries_(capacity <= most ? new (std::nothrow) StreamEntry[capacity] : nullptr),
+          capacity_(entries_ != nullptr ? capacity : 0) {}
 
     StreamEntry* find(const StreamKey& key) {
         for (std::size_t i = 0; i < count_; ++i)
@@ -67,6 +68,9 @@ class StreamTable {
     StreamEntry* end() { return entries_.get() + count_; }
 
   private:
+    // What new[] would throw for, whatever it is told.
+    static constexpr std::size_t most = PTRDIFF_MAX / sizeof(StreamEntry);
+
     std::unique_ptr<StreamEntry[]> entries_;
     std::size_t capacity_;
     std::size_t count_ = 0;

@@ -9,6 +9,7 @@
 #include "platform/platform.h"
 
 using namespace pgn_vistel;
+using namespace pgn_vistel::core;
 
 struct UnitDlgState {
     QV_N2K_PGN_DB_c* db = nullptr;
@@ -20,15 +21,24 @@ namespace {
 
 constexpr const char* default_title = "Unit Selection";
 constexpr long default_style = wxDEFAULT_DIALOG_STYLE | wxSTAY_ON_TOP;
-constexpr std::size_t choice_slots = core::quantity::count;
+constexpr std::size_t choice_slots = quantity::count;
 constexpr int choice_id = 48;  // of every row
 
 /// The unit at a position of a quantity's list, or -1 beyond its end.
-core::UnitId unit_at(core::DispDataType quantity, int position) {
-    const core::UnitId* const units = core::available_units(quantity);
-    for (int i = 0; units[i] < core::unit::count; ++i)
+UnitId unit_at(DispDataType quantity, int position) {
+    const UnitId* const units = available_units(quantity);
+    for (int i = 0; units[i] < unit::count; ++i)
         if (i == position) return units[i];
     return -1;
+}
+
+/// Calls `act(quantity, its choice)` for each row that is built.
+template <class Act>
+void for_each_row(wxComboBox* const* choices, Act act) {
+    for (const QuantityRow& row : quantity_rows()) {
+        if (choices == nullptr || *choices == nullptr) return;
+        act(row.quantity, **choices++);
+    }
 }
 
 }  // namespace
@@ -93,13 +103,13 @@ void PGN_VistelUnitDlg_c::build() {
     choices_ = new wxComboBox* [choice_slots] {};
     auto* const grid = new wxFlexGridSizer(static_cast<int>(choice_slots), 2, 2, 5);
     std::size_t slot = 0;
-    for (const core::QuantityRow& row : core::quantity_rows()) {
+    for (const QuantityRow& row : quantity_rows()) {
         grid->Add(new wxStaticText(this, wxID_ANY, row.label), 0, wxALIGN_CENTER_VERTICAL | wxLEFT, 5);
         auto* const choice =
             new wxComboBox(this, choice_id, wxEmptyString, wxDefaultPosition, wxDefaultSize, 0, nullptr, 0);
         choices_[slot++] = choice;
-        for (const core::UnitId* unit = core::available_units(row.quantity); *unit < core::unit::count; ++unit)
-            choice->Append(core::unit_name(*unit));
+        for (const UnitId* unit = available_units(row.quantity); *unit < unit::count; ++unit)
+            choice->Append(unit_name(*unit));
         grid->Add(choice, 1, wxEXPAND | wxALIGN_CENTER_VERTICAL, 0);
     }
     db2disp();
@@ -151,17 +161,11 @@ void PGN_VistelUnitDlg_c::AssignUnitChangeApply(void (*callback)()) {
 }
 
 void PGN_VistelUnitDlg_c::db2disp() {
-    if (choices_ == nullptr) return;
-    wxComboBox** choice = choices_;
-    for (const core::QuantityRow& row : core::quantity_rows()) {
-        const int selected = state_->db->GetSelectUnit(row.quantity);
-        for (int i = 0; unit_at(row.quantity, i) >= 0; ++i) {
-            if (unit_at(row.quantity, i) != selected) continue;
-            (*choice)->SetSelection(i);
-            break;
-        }
-        ++choice;
-    }
+    for_each_row(choices_, [this](DispDataType quantity, wxComboBox& choice) {
+        const int selected = state_->db->GetSelectUnit(quantity);
+        for (int i = 0; unit_at(quantity, i) >= 0; ++i)
+            if (unit_at(quantity, i) == selected) return choice.SetSelection(i);
+    });
 }
 
 void PGN_VistelUnitDlg_c::OnShow(wxShowEvent& event) {
@@ -172,7 +176,7 @@ void PGN_VistelUnitDlg_c::OnShow(wxShowEvent& event) {
 void PGN_VistelUnitDlg_c::OnInitDialog(wxInitDialogEvent&) {}
 
 void PGN_VistelUnitDlg_c::OnClose(wxCloseEvent&) {
-    Hide();
+    if (GetHandle() != nullptr) Hide();
 }
 
 void PGN_VistelUnitDlg_c::OnButtonClose(wxCommandEvent&) {
@@ -182,19 +186,19 @@ void PGN_VistelUnitDlg_c::OnButtonClose(wxCommandEvent&) {
 
 void PGN_VistelUnitDlg_c::OnButtonApply(wxCommandEvent&) {
     int applied = 0;
-    wxComboBox** choice = choices_;
-    for (const core::QuantityRow& row : core::quantity_rows()) {
+    for_each_row(choices_, [&](DispDataType quantity, const wxComboBox& choice) {
         // A text that was typed is no selection; its row keeps its unit.
-        const core::UnitId unit = unit_at(row.quantity, (*choice++)->GetSelection());
-        if (unit < 0) continue;
-        state_->db->SelectUnit(row.quantity, unit);
+        const UnitId unit = unit_at(quantity, choice.GetSelection());
+        if (unit < 0) return;
+        state_->db->SelectUnit(quantity, unit);
         ++applied;
-    }
+    });
     if (applied > 0 && state_->apply_callback != nullptr) state_->apply_callback();
 }
 
 void PGN_VistelUnitDlg_c::OnButtonLDF(wxCommandEvent&) {
-    // The first eight quantities alone, on purpose: the others keep what the user chose.
-    for (core::DispDataType q = 0; q <= core::quantity::elevation; ++q) state_->db->SelectUnit(q, *core::available_units(q));
+    if (state_ == nullptr || state_->db == nullptr) return;
+    // The defaults are those of the first eight quantities; the others keep what the user chose.
+    for (DispDataType q = 0; q <= quantity::elevation; ++q) state_->db->SelectUnit(q, *available_units(q));
     db2disp();
 }

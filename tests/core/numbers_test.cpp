@@ -120,9 +120,10 @@ TEST(Numbers, Integers) {
         const auto with_sign = static_cast<std::int64_t>(i % 2 == 0 ? number : 0 - number);
         ASSERT_EQ(written([=](char* at) { return write_unsigned(at, number); }), shortest(number));
         ASSERT_EQ(written([=](char* at) { return write_signed(at, with_sign); }), shortest(with_sign));
-        for (const int least : {1, 8})
-            ASSERT_EQ(written([=](char* at) { return write_hex(at, number, least); }),
-                      printf_form("%0*llX", least, static_cast<unsigned long long>(number)));
+        for (const int least : {1, 8, 16})
+            ASSERT_EQ(
+                written([=](char* at) { return write_hex(at, static_cast<std::uint32_t>(number), least); }),
+                printf_form("%0*X", least, static_cast<std::uint32_t>(number)));
     }
     for (std::uint64_t power = 1, i = 0; i < 20; ++i, power *= 10)
         for (const std::uint64_t n : {power - 1, power, power + 1})

@@ -11,11 +11,11 @@ FieldReading read_at(const N2KMsg& msg, std::uint32_t dd, int bytes, int bits, P
     const DDDef& entry = *find_dictionary_entry(dd);
     const FormatPlan* const format = find_format_plan(entry.df);
     TextScratch scratch;
-    FieldReading reading;
-    read({format, bytes, bits, quantity::no_quantity, is_text(format->reading)}, entry,
-         {msg.data, payload_length(msg)}, at, UnitSelection{}, u, scratch, reading);
-    reading.value.text.data = nullptr;  // of a scratch that is gone
-    return reading;
+    FieldValue v;
+    read({format, bytes, bits, quantity::no_quantity, is_text(format->reading)}, entry.dd,
+         {msg.data, payload_length(msg)}, at.byte * 8 + at.bit, UnitSelection{}, u, scratch, v);
+    v.value.text.data = nullptr;  // of a scratch that is gone
+    return {v.quantity, v.unit, {v.next >> 3, v.next & 7}, v.cut_off, v.value};
 }
 
 constexpr std::uint32_t binary = 142, number = 7, latitude = 202, name = 4;

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The program vistel as a user runs it: VISTEL program_test.py. Recordings are made on the spot."""
+"""The program vistel as a user runs it. Recordings are made on the spot. VISTEL is the program, NO_ARGUMENTS what has
+main called without arguments."""
 
 import csv
 import io
@@ -12,6 +13,11 @@ import unittest
 from pathlib import Path
 
 VISTEL = os.environ["VISTEL"]
+MONITOR = VISTEL + "-monitor"  # not built without windows
+NO_ARGUMENTS = os.environ["NO_ARGUMENTS"]
+# Runs a program by a name of one's choice in a folder, where there is no /proc: FOLDER PATH NAME PROGRAM ARGUMENT...
+WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
+                'mount -t tmpfs none /proc && cd "$0" && PATH=$1 name=$2 && shift 2 && exec -a "$name" "$@"']
 
 HEADING = "2026-09-10T08:00:00.250Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"  # 1.0000 rad magnetic
 CLAIM = "2026-09-10T08:00:01.500Z,6,60928,35,255,8,39,30,20,11,00,96,32,c0\n"
@@ -21,6 +27,11 @@ UNKNOWN = "2026-09-10T08:00:02.500Z,7,131000,9,35,3,01,02,03\n"
 
 def vistel(*arguments, stdin=""):
     return subprocess.run([VISTEL, *arguments], input=stdin, capture_output=True, encoding="utf-8", timeout=60)
+
+
+def without_display(*command, **environment):
+    kept = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+    return subprocess.run(command, env=kept | environment, capture_output=True, encoding="utf-8", timeout=60)
 
 
 class ProgramTest(unittest.TestCase):
@@ -228,7 +239,7 @@ class ProgramTest(unittest.TestCase):
                          "\x1b[31mX\n0.00 FORGE")
 
     def test_a_full_disk_is_told(self):
-        for arguments in (["decode"], ["catalogue", "fields"]):
+        for arguments in (["decode"], ["catalogue", "fields"], ["encode", "127250"]):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
                                         encoding="utf-8", timeout=60)
@@ -246,6 +257,15 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(process.stderr.read(), "")
 
     def test_a_closed_pipe_ends_it_quietly(self):
+        for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
+            reader, writer = os.pipe()
+            os.close(reader)
+            result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=writer, stderr=subprocess.PIPE,
+                                    encoding="utf-8", timeout=60)
+            os.close(writer)
+            self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
+
+    def test_a_pipe_that_is_closed_meanwhile_ends_it_quietly(self):
         with subprocess.Popen([VISTEL, "decode", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, encoding="utf-8") as process:
             process.stdout.close()
@@ -269,12 +289,40 @@ class ProgramTest(unittest.TestCase):
             self.assertTrue(result.stderr.startswith("vistel: "), (arguments, result.stderr))
 
     def test_the_window_needs_a_display(self):
-        without = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        result = subprocess.run([VISTEL, "monitor", "none.log"], env=without, capture_output=True, encoding="utf-8",
-                                timeout=60)
-        self.assertEqual(result.returncode, 2)
-        self.assertEqual(len(result.stderr.splitlines()), 1)
-        self.assertIn("'vistel decode' shows the messages as text", result.stderr)
+        for arguments in (["none.log"], ["--speed", "1e-310"]):
+            result = without_display(VISTEL, "monitor", *arguments)
+            self.assertEqual(result.returncode, 2)
+            self.assertEqual(len(result.stderr.splitlines()), 1)
+            self.assertIn("'vistel decode' shows the messages as text", result.stderr)
+
+    @unittest.skipUnless(os.path.exists(MONITOR), "built without windows")
+    def test_the_window_is_never_looked_for_in_the_working_directory(self):
+        program = Path(VISTEL).resolve()
+        with tempfile.TemporaryDirectory() as folder:
+            other = Path(folder, "vistel-monitor")
+            other.write_text("#!/bin/sh\necho another program\n", encoding="utf-8")
+            other.chmod(0o755)
+            Path(folder, "vistel").symlink_to(program)
+            if without_display(*WITHOUT_PROC, folder, "", "vistel", program, "--version").returncode != 0:
+                self.skipTest("/proc cannot be hidden here")
+            for path, name, message in [("", str(program), "no display"),
+                                        (f"/none:{program.parent}", "vistel", "no display"),
+                                        (folder, "vistel", "no display"),  # a link to the program
+                                        ("", "vistel", "cannot start the window"),
+                                        (":/none:", "vistel", "cannot start the window"),
+                                        (".", "vistel", "cannot start the window"),
+                                        (folder, "", "cannot start the window")]:
+                with self.subTest(path=path, name=name):
+                    result = without_display(*WITHOUT_PROC, folder, path, name, program, "monitor", "none.log")
+                    self.assertEqual((result.returncode, result.stdout), (2, ""))
+                    self.assertRegex(result.stderr, f"^vistel: {message}.*'vistel decode' shows the messages as text$")
+
+    def test_no_argument_at_all(self):
+        for program, message in [(VISTEL, "A subcommand is required"), (MONITOR, "no display")]:
+            if os.path.exists(program):
+                result = without_display(program, LD_PRELOAD=NO_ARGUMENTS)
+                self.assertEqual((result.returncode, result.stdout), (2, ""), result.stderr)
+                self.assertIn(f"vistel: {message}", result.stderr)
 
     def test_catalogue(self):
         for table, column, rows in [("pgns", "pgn", 309), ("dictionary", "dd", 535), ("formats", "df", 177),

@@ -1,5 +1,5 @@
-// The library's edge towards its host, on a platform that keeps book: the order of loading, which entries
-// switch the module state in, and what a host gets when memory runs out.
+// The library's edge towards its host, on a platform that records its calls: the order of loading, which
+// entries switch the module state in, and what a host gets when memory runs out.
 
 #include <gtest/gtest.h>
 #include <wx/frame.h>
@@ -11,11 +11,13 @@
 
 #include "library/recording_platform.h"
 #include "library/scarce_memory.h"
+#include "pgn_vistel/core/units.h"
 #include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/pgn_vistel.h"
-#include "pgn_vistel/units.h"
 #include "support/testing.h"
 #include "views/images.h"
+
+using namespace pgn_vistel::core;
 
 namespace pgn_vistel::test {
 namespace {
@@ -50,94 +52,70 @@ struct Objects {
     std::unique_ptr<PGN_VistelTree_c> tree = std::make_unique<PGN_VistelTree_c>(&frame, &control, &db, 3, 0);
     std::unique_ptr<PGN_VistelTree_c> made;  // by the entry; dialogs go with the frame
     N2KMsg msg = heading();
+    wchar_t text[256];
 };
 
-enum class Switching { never, once, inside };
+enum Times { never = 0, once = 1, several = 2 };
 
 struct Entry {
     const char* name;
-    Switching expected;
+    Times times;  // that it switches the library's module state in
     std::function<void(Objects&)> call;
 };
 
-// `inside`: the entry itself does not switch; the database's and tree's entries that it calls each do.
+// Several: the entry itself does not switch; the database's and tree's entries that it calls each do.
 const Entry entries[] = {
-    {"tree on a native control", Switching::once,
+    {"tree on a native control", once,
      [](Objects& o) { o.made.reset(new PGN_VistelTree_c(native(o.frame), &o.native_control, 1, 0)); }},
-    {"tree on a toolkit control", Switching::once,
+    {"tree on a toolkit control", once,
      [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, 1, 0)); }},
-    {"tree with a database", Switching::once,
+    {"tree with a database", once,
      [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, &o.db, 1, 0)); }},
-    {"tree's destructor", Switching::once, [](Objects& o) { o.tree.reset(); }},
-    {"OnInit", Switching::once, [](Objects& o) { o.tree->OnInit(); }},
-    {"OnSize", Switching::once, [](Objects& o) { o.tree->OnSize(); }},
-    {"Pause", Switching::once, [](Objects& o) { o.tree->Pause(1); }},
-    {"ClearMsg", Switching::once, [](Objects& o) { o.tree->ClearMsg(); }},
-    {"CollapseAll", Switching::once, [](Objects& o) { o.tree->CollapseAll(); }},
-    {"ExpandAll", Switching::once, [](Objects& o) { o.tree->ExpandAll(); }},
-    {"GetDB", Switching::never, [](Objects& o) { o.tree->GetDB(); }},
-    {"tree's SelectUnit", Switching::once, [](Objects& o) { o.tree->SelectUnit(0, 0); }},
-    {"tree's GetSelectUnit", Switching::once, [](Objects& o) { o.tree->GetSelectUnit(0); }},
-    {"PutMsg", Switching::once, [](Objects& o) { o.tree->PutMsg(&o.msg); }},
-    {"PutMsg as a callback", Switching::once,
-     [](Objects& o) { PGN_VistelTree_PutMsg(o.tree.get(), &o.msg); }},
-    {"database", Switching::never, [](Objects&) { QV_N2K_PGN_DB_c(); }},
-    {"SelectUnit", Switching::once, [](Objects& o) { o.db.SelectUnit(0, 0); }},
-    {"GetSelectUnit", Switching::once, [](Objects& o) { o.db.GetSelectUnit(0); }},
-    {"GetAvailableUnit", Switching::once, [](Objects&) { QV_N2K_PGN_DB_c::GetAvailableUnit(0, nullptr, 0); }},
-    {"print_val", Switching::never,
-     [](Objects& o) {
-         wchar_t text[256];
-         o.db.print_val(text, 1, o.msg.data, -1);
-     }},
-    {"dialog under a native window", Switching::once,
-     [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), 1, 0); }},
-    {"dialog under a native window, with a database", Switching::once,
+    {"tree's destructor", once, [](Objects& o) { o.tree.reset(); }},
+    {"tree's copy", never, [](Objects& o) { o.made.reset(new PGN_VistelTree_c(*o.tree)); }},
+    {"tree's assignment", once, [](Objects& o) { *o.tree = *o.tree; }},
+    {"OnInit", once, [](Objects& o) { o.tree->OnInit(); }},
+    {"OnSize", once, [](Objects& o) { o.tree->OnSize(); }},
+    {"Pause", once, [](Objects& o) { o.tree->Pause(1); }},
+    {"ClearMsg", once, [](Objects& o) { o.tree->ClearMsg(); }},
+    {"CollapseAll", once, [](Objects& o) { o.tree->CollapseAll(); }},
+    {"ExpandAll", once, [](Objects& o) { o.tree->ExpandAll(); }},
+    {"GetDB", never, [](Objects& o) { o.tree->GetDB(); }},
+    {"tree's SelectUnit", once, [](Objects& o) { o.tree->SelectUnit(0, 0); }},
+    {"tree's GetSelectUnit", once, [](Objects& o) { o.tree->GetSelectUnit(0); }},
+    {"PutMsg", once, [](Objects& o) { o.tree->PutMsg(&o.msg); }},
+    {"callback", once, [](Objects& o) { PGN_VistelTree_PutMsg(o.tree.get(), &o.msg); }},
+    {"database", never, [](Objects&) { QV_N2K_PGN_DB_c(); }},
+    {"SelectUnit", once, [](Objects& o) { o.db.SelectUnit(0, 0); }},
+    {"GetSelectUnit", once, [](Objects& o) { o.db.GetSelectUnit(0); }},
+    {"GetAvailableUnit", once, [](Objects&) { QV_N2K_PGN_DB_c::GetAvailableUnit(0, nullptr, 0); }},
+    {"print_val", never, [](Objects& o) { o.db.print_val(o.text, 1, o.msg.data, -1); }},
+    {"dialog under a native window", once, [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), 1, 0); }},
+    {"dialog under a native window, with a database", once,
      [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), &o.db, 1, 0); }},
-    {"unit dialog under a native window", Switching::once,
+    {"unit dialog under a native window", once,
      [](Objects& o) { new PGN_VistelUnitDlg_c(native(o.frame), &o.db, 0); }},
-    {"unit dialog under a window", Switching::inside,
-     [](Objects& o) { new PGN_VistelUnitDlg_c(&o.frame, &o.db, 0); }},
-    {"dialog under a window", Switching::inside,
-     [](Objects& o) { new PGN_VistelDlg_c(&o.frame, &o.db, 1, 0); }},
+    {"unit dialog under a window", several, [](Objects& o) { new PGN_VistelUnitDlg_c(&o.frame, &o.db, 0); }},
+    {"dialog under a window", several, [](Objects& o) { new PGN_VistelDlg_c(&o.frame, &o.db, 1, 0); }},
 };
-
-/// How often the library's state took the place of the host's.
-int times_switched_in(std::span<const platform::ModuleState* const> states,
-                      const platform::ModuleState* host) {
-    int times = 0;
-    const platform::ModuleState* before = host;
-    for (const auto* state : states) {
-        times += before == host && state != host;
-        before = state;
-    }
-    return times;
-}
 
 class ModuleGuards : public testing::Test {
   protected:
-    ModuleGuards() : library_(platform::set_module_state(&host_)) {}
-    ~ModuleGuards() override { platform::set_module_state(library_); }
+    ModuleGuards() : before_(platform::set_module_state(&host_)) {}
+    ~ModuleGuards() override { platform::set_module_state(before_); }
 
     platform::ModuleState host_;
-    platform::ModuleState* library_;
+    platform::ModuleState* before_;
 };
 
 TEST_F(ModuleGuards, StandOnExactlyTheEntriesThatNeedThem) {
     for (const Entry& entry : entries) {
         SCOPED_TRACE(entry.name);
         Objects objects;
-        forget_module_states();
+        watch_module_states();
         entry.call(objects);
-        const int times = times_switched_in(module_states(), &host_);
-        switch (entry.expected) {
-            case Switching::never: EXPECT_EQ(times, 0); break;
-            case Switching::once: EXPECT_EQ(times, 1); break;
-            case Switching::inside: EXPECT_GT(times, 1); break;
-        }
-        if (entry.expected != Switching::never) {
-            EXPECT_EQ(module_states().back(), &host_) << "not switched back";
-        }
+        EXPECT_EQ(std::min(times_switched_in(), 2), entry.times);
+        EXPECT_TRUE(is_switched_back());
     }
 }
 
@@ -145,19 +123,17 @@ TEST_F(ModuleGuards, RestoreTheHostsStateWhenAnEntryFails) {
     CTreeCtrl control;
     PGN_VistelTree_c tree(nullptr, &control, 3, 0);
     N2KMsg msg = heading();
-    forget_module_states();
-    {
-        const ScarceMemory none(0);
-        EXPECT_EQ(tree.PutMsg(&msg), -1);
-        EXPECT_TRUE(none.was_short());
-    }
-    ASSERT_FALSE(module_states().empty());
-    EXPECT_EQ(module_states().back(), &host_);
+    watch_module_states();
+    const ScarceMemory none(0);
+    EXPECT_EQ(tree.PutMsg(&msg), -1);
+    EXPECT_TRUE(none.was_short());
+    EXPECT_EQ(times_switched_in(), 1);
+    EXPECT_TRUE(is_switched_back());
 }
 
-std::vector<std::wstring> texts_below(const CTreeCtrl& tree, const _TREEITEM* parent) {
+std::vector<std::wstring> texts_of_first(const CTreeCtrl& tree) {
     std::vector<std::wstring> texts;
-    for (auto* item = tree.GetChildItem(parent); item != nullptr; item = tree.GetNextSiblingItem(item))
+    for (auto* item = tree.GetChildItem(tree.GetChildItem(nullptr)); item != nullptr; item = item->next)
         texts.push_back(item->text);
     return texts;
 }
@@ -189,8 +165,7 @@ TEST(MemoryExhaustion, BecomesAResultOfTheTree) {
         EXPECT_EQ(last_result, was_short ? -1 : 0);
         // With memory again, the tree is as if nothing had been.
         if (tree->GetDB() != nullptr && tree->PutMsg(&msg) == 0) {
-            EXPECT_EQ(texts_below(control, control.GetChildItem(nullptr)),
-                      texts_below(reference_control, reference_control.GetChildItem(nullptr)));
+            EXPECT_EQ(texts_of_first(control), texts_of_first(reference_control));
         } else {
             EXPECT_LT(left, 2) << "only without a state or a stream table";
         }

@@ -1,36 +1,12 @@
 // The library as hosts that load it see it: it comes and goes, and leaves the toolkit as it found it.
 
-#include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <wx/log.h>
+
+#include "library/loaded_module.h"
+#include "pgn_vistel/native.h"
 
 namespace pgn_vistel::test {
 namespace {
-
-class LoadedModule {
-  public:
-    explicit LoadedModule(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
-        EXPECT_NE(handle_, nullptr) << dlerror();
-    }
-    ~LoadedModule() {
-        if (handle_ != nullptr) dlclose(handle_);
-    }
-    template <class Function>
-    Function* function(const char* name) const {
-        void* const address = dlsym(handle_, name);
-        EXPECT_NE(address, nullptr) << name;
-        return reinterpret_cast<Function*>(address);
-    }
-
-  private:
-    void* handle_;
-};
-
-bool is_loaded(const char* path) {
-    void* const handle = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
-    if (handle != nullptr) dlclose(handle);
-    return handle != nullptr;
-}
 
 TEST(Library, KeepsTheToolkitsLoggingOffWhileItIsLoaded) {
     for (const bool before : {true, false, true}) {
@@ -46,11 +22,11 @@ TEST(Library, KeepsTheToolkitsLoggingOffWhileItIsLoaded) {
 
 TEST(Library, WorksEachTimeThatItIsLoaded) {
     for (int round = 0; round < 2; ++round) {
-        SCOPED_TRACE(round);
         {
             const LoadedModule plugin(PLUGIN);
             EXPECT_TRUE(is_loaded(LIBRARY));
-            EXPECT_EQ(plugin.function<int()>("use_library")(), 0);
+            EXPECT_EQ(plugin.function<int(HWND)>("open_monitor")(nullptr), 0) << round;
+            plugin.function<void()>("close_monitor")();
         }
         EXPECT_FALSE(is_loaded(LIBRARY));
     }

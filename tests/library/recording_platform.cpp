@@ -5,10 +5,10 @@
 #include <wx/log.h>
 #include <wx/toplevel.h>
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "pgn_vistel/pgn_db.h"
 
@@ -55,18 +55,22 @@ struct Host {
 };
 [[gnu::init_priority(101)]] Host host;
 
-std::array<const platform::ModuleState*, 1000> states;  // those beyond are not kept
-std::size_t state_count = 0;
-const platform::ModuleState* current = nullptr;
+platform::ModuleState *current_state = nullptr, *host_state = nullptr;
+int switched_in = 0;
 
 }  // namespace
 
-std::span<const platform::ModuleState* const> module_states() {
-    return std::span(states).first(state_count);
+void watch_module_states() {
+    host_state = current_state;
+    switched_in = 0;
 }
 
-void forget_module_states() {
-    state_count = 0;
+int times_switched_in() {
+    return switched_in;
+}
+
+bool is_switched_back() {
+    return current_state == host_state;
 }
 
 std::span<const Step> load_steps() {
@@ -115,10 +119,8 @@ CWinApp::~CWinApp() {
 namespace pgn_vistel::platform {
 
 ModuleState* set_module_state(ModuleState* state) noexcept {
-    auto* const previous = const_cast<ModuleState*>(current);
-    current = state;
-    if (state_count < states.size()) states[state_count++] = state;
-    return previous;
+    switched_in += is_switched_back() && state != host_state;
+    return std::exchange(current_state, state);
 }
 
 std::wstring product_name(HINSTANCE module) {

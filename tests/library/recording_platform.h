@@ -6,12 +6,14 @@
 
 class wxBitmap;
 
-/// A platform that keeps book of what the library asks of it. Its native windows are the toolkit's own.
+/// A platform that records what the library asks of it. Its native windows are the toolkit's own.
 namespace pgn_vistel::test {
 
-/// Module states that became current since they were last forgotten; null is the host's.
-std::span<const platform::ModuleState* const> module_states();
-void forget_module_states();
+/// From here on the module state that is current now is the host's.
+void watch_module_states();
+/// How often another one has taken its place since, and whether it is current again.
+int times_switched_in();
+bool is_switched_back();
 
 /// One step of loading or unloading, with the toolkit's logging switch at that moment.
 struct Step {

@@ -69,7 +69,8 @@ inline std::set<std::uint32_t> catalogued_pgns() {
     return pgns;
 }
 
-constexpr bool plain = true;  ///< of numbers: without their hexadecimal form
+constexpr bool plain = true;                ///< of numbers: without their hexadecimal form
+constexpr unsigned long plain_display = 2;  ///< the display flag for the same
 
 /// All lines below a message's stream line. A walk that does not end fails.
 inline std::vector<std::wstring> lines_of(const N2KMsg& msg, bool plain_numbers = false,

@@ -15,6 +15,12 @@ class TestApp : public wxApp {
         wxEventLoopActivator active(&loop);
         return RUN_ALL_TESTS();
     }
+    // In place of the toolkit's dialog, which would wait for somebody to answer it.
+    void OnAssertFailure(const wxChar* file, int line, const wxChar* function, const wxChar* condition,
+                         const wxChar* message) override {
+        ADD_FAILURE() << wxString::Format("%s:%d: %s: %s %s", file, line, function, condition,
+                                          message != nullptr ? message : L"");
+    }
     // The command line is GoogleTest's.
     void OnInitCmdLine(wxCmdLineParser&) override {}
     bool OnCmdLineParsed(wxCmdLineParser&) override { return true; }

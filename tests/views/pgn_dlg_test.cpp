@@ -7,9 +7,11 @@
 
 #include <memory>
 
+#include "pgn_vistel/core/units.h"
 #include "pgn_vistel/product_name.h"
-#include "pgn_vistel/units.h"
 #include "views/windows.h"
+
+using namespace pgn_vistel::core;
 
 PGN_VISTEL_PRODUCT_NAME("Kartentisch für 2")
 
@@ -18,28 +20,24 @@ namespace {
 
 /// A loaded module's handle; null is the program's own name.
 HINSTANCE module_of(const char* name) {
-    void* const handle = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
-    EXPECT_NE(handle, nullptr);
-    return static_cast<HINSTANCE>(handle);
+    return static_cast<HINSTANCE>(dlopen(name, RTLD_LAZY | RTLD_NOLOAD));
 }
 
 /// The parts of a monitor window, as a user finds them.
 struct Parts {
     explicit Parts(const PGN_VistelDlg_c& dialog)
-        : clear(by_tip(dialog, "Clear data display")),
-          pause(by_tip(dialog, "Pause data display")),
-          filter(child_of<wxTextCtrl>(dialog, [](wxTextCtrl&) { return true; })),
-          unit(child_of<wxButton>(dialog, [](wxButton& b) { return b.GetLabel() == "Unit"; })),
-          tree(child_of<wxTreeCtrl>(dialog, [](wxTreeCtrl&) { return true; })),
-          units(child_of<wxDialog>(dialog, [](wxDialog& d) { return d.GetTitle() == "Unit Selection"; })) {}
-
-    static wxBitmapButton* by_tip(const wxWindow& dialog, const char* tip) {
-        return child_of<wxBitmapButton>(dialog, [&](wxBitmapButton& b) { return b.GetToolTipText() == tip; });
+        : filter(children_of<wxTextCtrl>(dialog).at(0)),
+          unit(wxWindow::FindWindowByLabel("Unit", &dialog)),
+          tree(children_of<wxTreeCtrl>(dialog).at(0)),
+          units(dynamic_cast<wxDialog*>(wxWindow::FindWindowByLabel("Unit Selection", &dialog))) {
+        for (wxBitmapButton* const button : children_of<wxBitmapButton>(dialog)) {
+            if (button->GetToolTipText() == "Clear data display") clear = button;
+            if (button->GetToolTipText() == "Pause data display") pause = button;
+        }
     }
-
-    wxBitmapButton *clear, *pause;
+    wxBitmapButton *clear = nullptr, *pause = nullptr;
     wxTextCtrl* filter;
-    wxButton* unit;
+    wxWindow* unit;
     wxTreeCtrl* tree;
     wxDialog* units;
 };
@@ -58,18 +56,12 @@ class MonitorDialog : public testing::Test {
         EXPECT_EQ(put(source), 0);
         return blocks().size() > before;
     }
-    /// Types into the filter and leaves it by the keyboard.
-    void filter(const char* text) {
-        type_over(*parts_.filter, text);
-        press(WXK_TAB);
-        EXPECT_TRUE(eventually([&] { return wxWindow::FindFocus() != parts_.filter; }));
-    }
 
     int created_ = -1;
     std::uint32_t time_ = 0;
     QV_N2K_PGN_DB_c db_;
     std::unique_ptr<PGN_VistelDlg_c> dialog_ =
-        std::make_unique<PGN_VistelDlg_c>(nullptr, &db_, &created_, 100, plain);
+        std::make_unique<PGN_VistelDlg_c>(nullptr, &db_, &created_, 100, plain_display);
     Parts parts_{*dialog_};
 };
 
@@ -88,10 +80,9 @@ TEST_F(MonitorDialog, StartsHiddenWithItsParts) {
     EXPECT_GE(parts_.tree->GetSize().y, 300);
 
     EXPECT_EQ(put(1), 0);
-    const auto shown = blocks();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_FALSE(shown[0].expanded) << "new streams are collapsed";
-    EXPECT_EQ(shown[0].lines, lines_of(message_from(1), plain));
+    ASSERT_EQ(blocks().size(), 1u);
+    EXPECT_FALSE(blocks()[0].expanded) << "new streams are collapsed";
+    EXPECT_EQ(blocks()[0].lines, lines_of(message_from(1), plain));
     dialog_->ExpandAll();
     EXPECT_TRUE(blocks()[0].expanded);
     dialog_->CollapseAll();
@@ -100,7 +91,20 @@ TEST_F(MonitorDialog, StartsHiddenWithItsParts) {
     EXPECT_EQ(created_, 0);
 }
 
-TEST_F(MonitorDialog, TitleIsTheModulesProductName) {
+/// What the user does in a dialog, without the buttons that a window would have for it.
+struct PressedDialog : PGN_VistelDlg_c {
+    void press_all() {
+        wxCommandEvent click;
+        wxCloseEvent close;
+        OnButtonClear(click);
+        OnButtonPause(click);
+        OnButtonUnit(click);
+        OnClose(close);
+        s_OnTextEnter(this, 0, "7");
+    }
+};
+
+TEST_F(MonitorDialog, CreatedLater) {
     const struct {
         HINSTANCE module;
         const char* title;
@@ -110,110 +114,86 @@ TEST_F(MonitorDialog, TitleIsTheModulesProductName) {
         {module_of("libc.so.6"), ""},  // it has notes, but none of ours
     };
     for (const auto& [module, title] : cases) {
-        PGN_VistelDlg_c later;
+        N2KMsg msg = message_from(1);
+        PressedDialog later;
+        EXPECT_EQ(later.PutMsg(&msg), -1);
+        later.press_all();
         later.SetModule(module);
-        later.Create(dialog_.get(), nullptr, 1, 0);
+        later.Create(dialog_.get(), nullptr, 1, 1);
         EXPECT_EQ(later.GetTitle(), wxString::FromUTF8(title));
+        EXPECT_EQ(Parts(later).unit, nullptr) << "flag bit value 1";
+        EXPECT_EQ(later.PutMsg(&msg), 0) << "what was pressed without a window neither pauses nor filters";
+        EXPECT_EQ(blocks_of(*Parts(later).tree).at(0).lines[2], L"Sequence ID: 5 (0x05) ");
+        msg.source = 2;
+        EXPECT_EQ(later.PutMsg(&msg), -1) << "room for one";
+        EXPECT_EQ(later.ClearMsg(), 0);
+        EXPECT_EQ(later.PutMsg(&msg), 0);
     }
-}
-
-TEST_F(MonitorDialog, CreatedLater) {
-    N2KMsg msg = message_from(1);
-    PGN_VistelDlg_c later;
-    EXPECT_EQ(later.PutMsg(&msg), -1);
-    later.Create(dialog_.get(), nullptr, 1, 1);
-    EXPECT_EQ(later.GetTitle(), "PGN Vistel");
-    EXPECT_EQ(Parts(later).unit, nullptr) << "flag bit value 1";
-    EXPECT_EQ(later.PutMsg(&msg), 0);
-    EXPECT_EQ(blocks_of(*Parts(later).tree).at(0).lines[2], L"Sequence ID: 5 (0x05) ");
-    msg.source = 2;
-    EXPECT_EQ(later.PutMsg(&msg), -1) << "room for one";
-    EXPECT_EQ(later.ClearMsg(), 0);
-    EXPECT_EQ(later.PutMsg(&msg), 0);
-    bring_up(later);
-    EXPECT_EQ(Parts(later).filter->GetPosition().x, 70);
 }
 
 TEST_F(MonitorDialog, FiltersBySource) {
     bring_up(*dialog_);
     EXPECT_TRUE(shows(1));
-    filter("7");
-    EXPECT_FALSE(shows(2));
-    EXPECT_TRUE(shows(7));
-    for (const char* const unreadable : {"", "zz"}) {
-        filter(unreadable);
-        EXPECT_FALSE(shows(2)) << "as before: 7 alone";
+    const struct {
+        const char* typed;                         // and left by the keyboard
+        std::uint8_t hidden, shown;                // 0: none
+    } steps[] = {{"7", 2, 7},   {"", 2, 0},        // unreadable: as before, 7 alone
+                 {"zz", 2, 0},  {"23", 23, 0x23},  // hexadecimal
+                 {"1C4", 0, 2},                    // beyond 255 is all
+                 {"7", 3, 0},   {"-1", 0, 3}};     // its low byte
+    for (const auto& [typed, hidden, shown] : steps) {
+        SCOPED_TRACE(typed);
+        type_over(*parts_.filter, typed);
+        press(WXK_TAB);
+        EXPECT_TRUE(eventually([&] { return wxWindow::FindFocus() != parts_.filter; }));
+        EXPECT_FALSE(hidden != 0 && shows(hidden));
+        EXPECT_TRUE(shown == 0 || shows(shown));
     }
-    filter("23");
-    EXPECT_FALSE(shows(23)) << "hexadecimal";
-    EXPECT_TRUE(shows(0x23));
-    filter("1C4");
-    EXPECT_TRUE(shows(2)) << "beyond 255 is all";
-    filter("7");
-    EXPECT_FALSE(shows(3));
-    filter("-1");
-    EXPECT_TRUE(shows(3)) << "the low byte of -1";
-
-    // Leaving by the mouse does it too; the text itself does not before.
     type_over(*parts_.filter, "8");
     press(WXK_RETURN);
     EXPECT_TRUE(shows(4)) << "the field sends no Enter";
     click(*parts_.tree);
-    EXPECT_FALSE(shows(5));
+    EXPECT_FALSE(shows(5)) << "leaving by the mouse";
 
-    PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 1, "");
     PGN_VistelDlg_c::s_OnTextSetfocus(dialog_.get(), 0);
-    EXPECT_FALSE(shows(5));
     parts_.filter->ChangeValue("9");
+    PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 1, "9");
+    EXPECT_FALSE(shows(9)) << "of another field";
     PGN_VistelDlg_c::s_OnTextEnter(dialog_.get(), 0, "A");
     EXPECT_TRUE(shows(9)) << "the field's text counts";
     EXPECT_FALSE(shows(10));
 }
 
-TEST_F(MonitorDialog, PausesAndClears) {
+TEST_F(MonitorDialog, DoesWhatItsButtonsSay) {
     bring_up(*dialog_);
-    put(1);
+    EXPECT_TRUE(shows(1));
     click(*parts_.pause);
     EXPECT_EQ(parts_.pause->GetLabel(), "Continue");
-    EXPECT_EQ(put(1), 2);
     EXPECT_EQ(put(2), 2);
     EXPECT_EQ(blocks().size(), 1u);
     click(*parts_.pause);
     EXPECT_EQ(parts_.pause->GetLabel(), "Pause");
-    EXPECT_EQ(put(2), 0);
-    EXPECT_EQ(blocks().size(), 2u);
+    EXPECT_TRUE(shows(2));
     click(*parts_.clear);
     EXPECT_TRUE(blocks().empty());
     EXPECT_TRUE(shows(2));
-}
 
-TEST_F(MonitorDialog, OpensTheUnitDialog) {
-    bring_up(*dialog_);
     EXPECT_FALSE(parts_.units->IsShown());
     click(*parts_.unit);
     ASSERT_TRUE(eventually([&] { return parts_.units->IsShownOnScreen(); }));
-    EXPECT_EQ(put(1), 0) << "it is not modal";
-    const auto choices = children_of<wxComboBox>(*parts_.units);
-    ASSERT_EQ(choices.size(), 22u);
-    EXPECT_EQ(choices[10]->GetValue(), unit_name(unit::minutes));
+    EXPECT_TRUE(shows(1)) << "it is not modal";
+    EXPECT_EQ(children_of<wxComboBox>(*parts_.units).at(10)->GetValue(), unit_name(unit::minutes));
     close_by_title_bar(*parts_.units);
     EXPECT_TRUE(eventually([&] { return !parts_.units->IsShown(); }));
-    EXPECT_TRUE(dialog_->IsShown());
-}
 
-TEST_F(MonitorDialog, CloseHides) {
-    bring_up(*dialog_);
-    put(1);
+    EXPECT_TRUE(dialog_->IsShown());
     close_by_title_bar(*dialog_);
     ASSERT_TRUE(eventually([&] { return !dialog_->IsShown(); }));
     EXPECT_EQ(created_, 1);
-    EXPECT_TRUE(shows(2)) << "messages flow on";
-    const std::wstring before = blocks()[0].label;
-    put(1);
-    EXPECT_NE(blocks()[0].label, before);
+    EXPECT_TRUE(shows(3)) << "hidden, messages flow on";
     bring_up(*dialog_);
-    EXPECT_EQ(blocks().size(), 2u);
-    EXPECT_TRUE(shows(3));
+    EXPECT_EQ(blocks().size(), 3u);
+    EXPECT_TRUE(shows(4));
 }
 
 TEST(NativeParent, CarriesADialog) {
@@ -232,7 +212,6 @@ TEST(NativeParent, CarriesADialog) {
         EXPECT_TRUE(host.owns(dialog)) << "a window manager keeps it above";
         bring_up(dialog);
         EXPECT_EQ(dialog.PutMsg(&msg), 0);
-        EXPECT_EQ(blocks_of(*Parts(dialog).tree).size(), 1u);
         click(*Parts(dialog).clear);
         EXPECT_TRUE(blocks_of(*Parts(dialog).tree).empty());
         close_by_title_bar(dialog);

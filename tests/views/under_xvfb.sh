@@ -5,8 +5,9 @@ set -eu
 
 scratch=$(mktemp -d)
 server=
+# shellcheck disable=SC2317 # it is the trap that calls it
 tidy_up() {
-    if [ -n "$server" ]; then kill "$server" 2>/dev/null && wait "$server" || true; fi
+    if [ -n "$server" ] && kill "$server" 2>/dev/null; then wait "$server" || true; fi
     rm -rf "$scratch"
 }
 trap tidy_up EXIT

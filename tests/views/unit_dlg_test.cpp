@@ -4,26 +4,25 @@
 #include <wx/frame.h>
 #include <wx/stattext.h>
 
+#include <map>
 #include <memory>
 
-#include "pgn_vistel/units.h"
+#include "pgn_vistel/core/units.h"
 #include "views/windows.h"
+
+using namespace pgn_vistel::core;
 
 namespace pgn_vistel::test {
 namespace {
 
 int applied;
-void count_apply() {
-    ++applied;
-}
 
 class UnitDialog : public testing::Test {
   protected:
     UnitDialog() {
         applied = 0;
-        dialog_->AssignUnitChangeApply(count_apply);
+        dialog_->AssignUnitChangeApply([] { ++applied; });
     }
-
     /// The choice beside a label.
     wxComboBox& choice(const wxString& label) {
         const auto labels = children_of<wxStaticText>(*dialog_);
@@ -32,15 +31,11 @@ class UnitDialog : public testing::Test {
             if (labels[i]->GetLabel() == label) return *choices[i];
         throw std::runtime_error("no choice");
     }
-    void click_button(const char* label) {
-        click(*child_of<wxButton>(*dialog_, [&](wxButton& b) { return b.GetLabel() == label; }));
-    }
-    /// Walks down a choice with the keyboard.
-    void choose_by_keys(wxComboBox& choice, const wxString& unit) {
-        click(choice);
-        ASSERT_TRUE(eventually([&] { return wxWindow::FindFocus() == &choice; }));
-        for (unsigned i = 0; i < choice.GetCount() && choice.GetValue() != unit; ++i) press(WXK_DOWN);
-        ASSERT_EQ(choice.GetValue(), unit);
+    void click_button(const char* label) { click(*wxWindow::FindWindowByLabel(label, dialog_.get())); }
+    /// For each quantity; `chosen` says which ones have another unit than the first that they offer.
+    void expect_units(const std::map<DispDataType, UnitId>& chosen) {
+        for (DispDataType q = 0; q < quantity::count; ++q)
+            EXPECT_EQ(db_.GetSelectUnit(q), chosen.contains(q) ? chosen.at(q) : *available_units(q)) << q;
     }
 
     int created_ = -1;
@@ -52,7 +47,7 @@ class UnitDialog : public testing::Test {
 
 TEST_F(UnitDialog, HasARowForEachQuantity) {
     EXPECT_EQ(dialog_->GetTitle(), "Unit Selection");
-    EXPECT_EQ(dialog_->GetWindowStyleFlag() & wxSTAY_ON_TOP, wxSTAY_ON_TOP);
+    EXPECT_TRUE(dialog_->HasFlag(wxSTAY_ON_TOP));
     EXPECT_FALSE(dialog_->IsShown());
     const auto labels = children_of<wxStaticText>(*dialog_);
     const auto choices = children_of<wxComboBox>(*dialog_);
@@ -61,69 +56,56 @@ TEST_F(UnitDialog, HasARowForEachQuantity) {
     ASSERT_EQ(labels.size(), 22u);
     ASSERT_EQ(choices.size(), 22u);
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        SCOPED_TRACE(rows[i].label);
+        wxArrayString units;
+        for (const UnitId* unit = available_units(rows[i].quantity); *unit < unit::count; ++unit)
+            units.Add(unit_name(*unit));
         EXPECT_EQ(labels[i]->GetLabel(), rows[i].label);
+        EXPECT_EQ(choices[i]->GetStrings(), units) << rows[i].label;
         EXPECT_EQ(choices[i]->GetId(), 48);
-        unsigned count = 0;
-        for (const UnitId* unit = available_units(rows[i].quantity); *unit < unit::count; ++unit, ++count)
-            EXPECT_EQ(choices[i]->GetString(count), unit_name(*unit));
-        EXPECT_EQ(choices[i]->GetCount(), count);
         EXPECT_EQ(choices[i]->GetSelection(), 0) << "a new database has the default";
     }
 }
 
 TEST_F(UnitDialog, AppliesWhatIsChosen) {
+    db_.SelectUnit(quantity::volume, unit::litre);
     bring_up(*dialog_);
-    choose_by_keys(choice("Time"), unit_name(unit::minutes));
-    EXPECT_NE(db_.GetSelectUnit(quantity::duration), unit::minutes) << "not applied yet";
-    click_button("Apply");
-    EXPECT_EQ(db_.GetSelectUnit(quantity::duration), unit::minutes);
-    EXPECT_EQ(applied, 1);
-    click_button("Apply");
-    EXPECT_EQ(applied, 2) << "no change counts too";
-    for (const QuantityRow& row : quantity_rows()) {
-        if (row.quantity != quantity::duration) {
-            EXPECT_EQ(db_.GetSelectUnit(row.quantity), *available_units(row.quantity)) << row.label;
-        }
+    wxComboBox &time = choice("Time"), &depth = choice("Depth"), &volume = choice("Volume");
+    click(time);  // with the keyboard
+    ASSERT_TRUE(eventually([&] { return wxWindow::FindFocus() == &time; }));
+    for (unsigned i = 0; i < time.GetCount() && time.GetValue() != unit_name(unit::minutes); ++i)
+        press(WXK_DOWN);
+    const wxRect area = depth.GetScreenRect();  // with the mouse, on its arrow
+    click_at(area.GetRight() - 10, area.y + area.height / 2);
+    press(WXK_DOWN);
+    press(WXK_RETURN);
+    EXPECT_TRUE(eventually([&] { return depth.GetValue() == unit_name(unit::m); })) << depth.GetValue();
+    EXPECT_EQ(volume.GetValue(), unit_name(unit::litre));
+    type_over(volume, "furlong");
+    expect_units({{quantity::volume, unit::litre}});
+    EXPECT_EQ(applied, 0);
+
+    for (int time = 1; time <= 2; ++time) {
+        click_button("Apply");
+        expect_units({{quantity::duration, unit::minutes},
+                      {quantity::depth, unit::m},
+                      {quantity::volume, unit::litre}});
+        EXPECT_EQ(applied, time) << "where nothing has changed, too";
     }
     dialog_->AssignUnitChangeApply(nullptr);
     click_button("Apply");
     EXPECT_EQ(applied, 2);
 }
 
-TEST_F(UnitDialog, OpensAListWithTheMouse) {
-    bring_up(*dialog_);
-    wxComboBox& depth = choice("Depth");
-    const wxRect area = depth.GetScreenRect();
-    click_at(area.GetRight() - 10, area.y + area.height / 2);  // its arrow
-    press(WXK_DOWN);
-    press(WXK_RETURN);
-    EXPECT_TRUE(eventually([&] { return depth.GetValue() == unit_name(unit::m); })) << depth.GetValue();
-    click_button("Apply");
-    EXPECT_EQ(db_.GetSelectUnit(quantity::depth), unit::m);
-}
-
-TEST_F(UnitDialog, FreeTextKeepsTheUnit) {
-    db_.SelectUnit(quantity::depth, unit::ftm);
-    bring_up(*dialog_);
-    EXPECT_EQ(choice("Depth").GetValue(), unit_name(unit::ftm));
-    type_over(choice("Depth"), "furlong");
-    click_button("Apply");
-    EXPECT_EQ(db_.GetSelectUnit(quantity::depth), unit::ftm);
-    EXPECT_EQ(applied, 1) << "the other rows";
-}
-
 TEST_F(UnitDialog, LoadsTheDefaultsOfTheFirstEight) {
-    const auto other_unit = [](DispDataType q) {
-        const UnitId* const units = available_units(q);
-        return units[0] < unit::count && units[1] < unit::count ? units[1] : units[0];
-    };
-    for (DispDataType q = 0; q < quantity::count; ++q) db_.SelectUnit(q, other_unit(q));
+    std::map<DispDataType, UnitId> second;
+    for (DispDataType q = 0; q < quantity::count; ++q)
+        if (const UnitId* const units = available_units(q); units[0] < unit::count && units[1] < unit::count)
+            db_.SelectUnit(q, second[q] = units[1]);
     bring_up(*dialog_);
     EXPECT_EQ(choice("Depth").GetSelection(), 1);
     click_button("Load default");
-    for (DispDataType q = 0; q < quantity::count; ++q)
-        EXPECT_EQ(db_.GetSelectUnit(q), q < 8 ? *available_units(q) : other_unit(q)) << "quantity " << q;
+    std::erase_if(second, [](const auto& selected) { return selected.first < 8; });
+    expect_units(second);
     EXPECT_EQ(choice("Depth").GetSelection(), 0);
     EXPECT_EQ(choice("Volume").GetSelection(), 0);
     EXPECT_EQ(choice("Heading").GetSelection(), 1);
@@ -148,25 +130,41 @@ TEST_F(UnitDialog, HidesAndShowsTheSelectionAnew) {
     EXPECT_EQ(created_, 0);
 }
 
+/// What the user does in a dialog, without the buttons that a window would have for it.
+struct PressedUnitDialog : PGN_VistelUnitDlg_c {
+    void press_all() {
+        wxCommandEvent click;
+        wxShowEvent shown;
+        OnButtonLDF(click);
+        OnButtonApply(click);
+        OnButtonClose(click);
+        OnShow(shown);
+    }
+};
+
 TEST_F(UnitDialog, EveryWayOfCreation) {
-    PGN_VistelUnitDlg_c later;
+    PressedUnitDialog later;
+    later.AssignUnitChangeApply([] { ++applied; });
+    later.Create(HWND{}, &db_, 0);
+    EXPECT_EQ(later.GetHandle(), nullptr);
+    later.press_all();
+    EXPECT_EQ(applied, 0);
     later.Create(&parent_, nullptr, 0);
     EXPECT_EQ(later.GetTitle(), "Unit Selection");
+
     PGN_VistelUnitDlg_c named(&parent_, nullptr, 77, "Units", wxDefaultPosition, wxDefaultSize,
                               wxDEFAULT_DIALOG_STYLE, 0);
     EXPECT_EQ(named.GetTitle(), "Units");
     EXPECT_EQ(named.GetId(), 77);
 
-    PGN_VistelUnitDlg_c nowhere(HWND{}, &db_, 0), still_empty;
-    still_empty.Create(HWND{}, &db_, 0);
-    EXPECT_EQ(nowhere.GetHandle(), nullptr);
-    EXPECT_EQ(still_empty.GetHandle(), nullptr);
-
     HostWindow host;
-    PGN_VistelUnitDlg_c native(host.handle(), &db_, 0);
+    PGN_VistelUnitDlg_c nowhere(HWND{}, &db_, 0), native(host.handle(), &db_, 0);
+    EXPECT_EQ(nowhere.GetHandle(), nullptr);
     EXPECT_NE(native.GetParent(), nullptr);
+    EXPECT_TRUE(host.owns(native));
     bring_up(native);
-    EXPECT_EQ(children_of<wxComboBox>(native).size(), 22u);
+    for (const wxWindow* const each : {static_cast<wxWindow*>(&later), static_cast<wxWindow*>(&native)})
+        EXPECT_EQ(children_of<wxComboBox>(*each).size(), 22u);
 }
 
 }  // namespace

@@ -57,12 +57,10 @@ inline void click_at(int x, int y) {
     user.MouseClick();
     settle();
 }
-
 inline void click(const wxWindow& control) {
     const wxRect area = control.GetScreenRect();
     click_at(area.x + area.width / 2, area.y + area.height / 2);
 }
-
 inline void press(int key, int modifiers = wxMOD_NONE) {
     wxUIActionSimulator().Char(key, modifiers);
     settle();
@@ -95,14 +93,6 @@ std::vector<Control*> children_of(const wxWindow& window) {
     return found;
 }
 
-/// The child for which `pick` holds, null when there is none.
-template <class Control, class Pick>
-Control* child_of(const wxWindow& window, Pick pick) {
-    for (Control* const control : children_of<Control>(window))
-        if (pick(*control)) return control;
-    return nullptr;
-}
-
 /// A top-level window of the host's that is not the toolkit's.
 class HostWindow {
   public:
@@ -122,12 +112,11 @@ class HostWindow {
     }
     /// Whether something else lies over what the host shows.
     bool is_covered() const {
-        bool covered = false;
-        GList* const children = gdk_window_get_children(gtk_widget_get_window(window_));
-        for (GList* child = children; child != nullptr; child = child->next)
-            covered |= gdk_window_is_visible(GDK_WINDOW(child->data)) != FALSE;
-        g_list_free(children);
-        return covered;
+        GList* const children = gdk_window_peek_children(gtk_widget_get_window(window_));
+        const auto is_visible = [](const void* child, const void*) -> gint {
+            return !gdk_window_is_visible(GDK_WINDOW(child));
+        };
+        return g_list_find_custom(children, nullptr, is_visible) != nullptr;
     }
     void destroy() {
         if (window_ != nullptr) gtk_widget_destroy(window_);
@@ -153,28 +142,24 @@ inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
     wxTreeItemIdValue cookie;
     for (auto top = tree.GetFirstChild(tree.GetRootItem(), cookie); top.IsOk();
          top = tree.GetNextSibling(top)) {
-        Block& block = blocks.emplace_back(
-            Block{top.GetID(), tree.GetItemText(top).ToStdWstring(), {}, tree.IsExpanded(top)});
-        wxTreeItemIdValue inner;
-        for (auto line = tree.GetFirstChild(top, inner); line.IsOk(); line = tree.GetNextSibling(line))
-            block.lines.push_back(tree.GetItemText(line).ToStdWstring());
+        blocks.push_back({top.GetID(), tree.GetItemText(top).ToStdWstring(), {}, tree.IsExpanded(top)});
+        for (auto line = tree.GetFirstChild(top, cookie); line.IsOk(); line = tree.GetNextSibling(line))
+            blocks.back().lines.push_back(tree.GetItemText(line).ToStdWstring());
     }
     return blocks;
 }
-
 inline std::vector<Block> blocks_of(const CTreeCtrl& tree) {
     std::vector<Block> blocks;
     for (auto* top = tree.GetChildItem(nullptr); top != nullptr; top = tree.GetNextSiblingItem(top)) {
-        Block& block = blocks.emplace_back(Block{top, tree.GetItemText(top), {}, top->expanded});
+        blocks.push_back({top, tree.GetItemText(top), {}, top->expanded});
         for (auto* line = tree.GetChildItem(top); line != nullptr; line = tree.GetNextSiblingItem(line))
-            block.lines.push_back(tree.GetItemText(line));
+            blocks.back().lines.push_back(tree.GetItemText(line));
     }
     return blocks;
 }
 
 inline N2KMsg message_from(std::uint8_t source, std::uint32_t pgn = 127250,
-                           const std::vector<std::uint8_t>& payload = {5, 0x5C, 0x3D, 0xFF, 0x7F, 0xFF, 0x7F,
-                                                                       0xFD}) {
+                           const std::vector<std::uint8_t>& payload = {5, 92, 61, 255, 127, 255, 127, 253}) {
     N2KMsg msg = message(pgn, payload);
     msg.source = source;
     return msg;

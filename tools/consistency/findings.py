@@ -1,6 +1,6 @@
 """What the rules find, and the list of what is known and stays."""
 
-from tables import COLUMNS, read_table, text
+from tables import read_table, text
 
 NAME = text(1000)
 KNOWN_COLUMNS = {"rule": NAME, "subjects": lambda cell: cell.split(","), "what": NAME, "reason": NAME}

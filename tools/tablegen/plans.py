@@ -5,7 +5,7 @@ The forms of a text lie in one pool. A form is named by its offset there, so tha
 
 from types import SimpleNamespace as Row
 
-from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT
+from tables import CLASS_COUNT, NO_CLASS, RAW_BITS, RAW_COUNT, UNIT_COUNT
 
 END_ROW = 0xFFFF
 NO_SET = 255
@@ -14,6 +14,10 @@ CLOSING_PGN = 25
 DYNAMIC_QUANTITIES = {"air-source-0": CLASS_COUNT + 1, "format_inside": CLASS_COUNT + 2,
                       "format_before": CLASS_COUNT + 3}
 PRESSURE, AIR_PRESSURE = 12, 11
+# Conversions that do not say how many bytes they take.
+SIZED_BY_FIELD = {f"convert_{name}" for name in (
+    "bit_field", "ais_spare", "low_4_bits", "low_2_bits", "low_6_bits", "package_type", "can_frame_id",
+    "can_frame_data")}
 FIRST = "First"
 FIRST_WORD = len("First ")
 POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
@@ -109,7 +113,7 @@ def plan_rules(tables, plans):
     for row in tables.unit_factors:
         rules.setdefault(row.rule, {})[row.unit] = row.factor
     rules["temperature_k"] = {}
-    rules["any"] = {unit: "1.0f" for unit in range(UNIT_COUNT)}
+    rules["any"] = {unit: "1.0f" for unit in range(UNIT_COUNT) if unit not in (RAW_COUNT, RAW_BITS)}
     for row in tables.formats:
         kind, detail = row.rule
         if kind == "listed":
@@ -136,8 +140,11 @@ def format_row(row, formats):
         "listed": lambda: ("scaled", listed_rule(detail)),
         "scaled": lambda: ("scaled", detail.removeprefix("unit_rule_")),
     }[kind]()
-    return (f"Reading::{reading}, {width}, {int(bool(row.kind) and row.kind[0] == 'i')}, "
-            f"UnitRule::{rule or 'any'}, {row.scale}")
+    signed = bool(row.kind) and row.kind[0] == "i"
+    # Of the top code of the width and the two below it, the lowest; of 64 bits no comparison of signed numbers tells.
+    first_reserved = (1 << (width - signed)) - 3 if 0 < width < 64 else 0
+    return (f"Reading::{reading}, {width}, {int(signed)}, UnitRule::{rule or 'any'}, {row.scale}, "
+            f"0x{first_reserved:X}")
 
 
 def format_lines(tables):
@@ -200,6 +207,7 @@ def plan_fields(tables, plans):
     sets = {found.dd: i for i, found in enumerate(plans.sets)}
     repeat_pgns = [row.pgn for row in tables.repeat_sets]
     plans.field_lines = []
+    format_rows = {row.df: row for row in tables.formats}
     for i, row in enumerate(rows):
         entry, rule = dictionary[row.dd], rules.get(row.pgn)
         found = find_by_binary_search(repeat_pgns, row.pgn)
@@ -215,6 +223,8 @@ def plan_fields(tables, plans):
             form = ("plain" if enumeration == NO_SET
                     else "flags" if plans.sets[enumeration].kind == 3 else "enumeration")
         filtered = rule is not None and rule.walk == "proprietary"
+        bits = field_bits(row, entry, rule, format_rows)
+        kind_of_quantity = quantity(tables, row, classes, rule)
         flags = {
             "in_group": repeats,
             "first_of_group": row.field == first,
@@ -223,12 +233,14 @@ def plan_fields(tables, plans):
             "quoted": numbered and is_quoted_in_csv(label),
             "string": entry.df in (50, 51, 63),
             "text": entry.df in (50, 51, 63, 3002),
+            "whole_bytes": bits % 8 == 0,
+            "quick": 0 < bits <= 64 and kind_of_quantity <= NO_CLASS and is_quick(format_rows[entry.df]),
         }
         plans.field_lines.append(
             f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {next_row(rows, i, 1)}, "
             f"{next_row(rows, i, first - last) if row.field == last else END_ROW}, "
-            f"{field_bits(row, entry, rule)}, {row.field}, {formats[entry.df]}, "
-            f"{quantity(tables, row, classes, rule)}, Form::{form}, {enumeration}, "
+            f"{bits}, {row.field}, {formats[entry.df]}, "
+            f"{kind_of_quantity}, Form::{form}, {enumeration}, "
             f"{{{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
 
@@ -246,11 +258,28 @@ def label_forms(field, label, numbered):
     return line, json, f"{field},{cell}" + ("" if numbered else ",")
 
 
-def field_bits(row, entry, rule):
-    """The size in bits; 0 where only the value tells. A size in whole bytes counts as one in bytes."""
+def field_bits(row, entry, rule, formats):
+    """The size in bits; 0 where only the value tells. A size in whole bytes counts as one in bytes. Where neither the
+    field nor its entry has one, it is that of the format's number."""
     own = row.size[0] * 8 + row.size[1]
     given = rule.size if rule is not None and rule.size != (0, 0) else entry.size
-    return own or given[0] * 8 + given[1]
+    return own or given[0] * 8 + given[1] or number_bits(formats[entry.df], formats)
+
+
+def number_bits(row, formats):
+    """The bits that a format says it takes; 0 for those that leave it to the field, and for texts."""
+    kind, name = row.rule
+    if kind == "special" and name.startswith("convert_df_"):
+        return number_bits(formats[int(name.removeprefix("convert_df_"))], formats)
+    return 0 if kind == "special" and name in SIZED_BY_FIELD or not row.kind else int(row.kind[1:])
+
+
+def is_quick(row):
+    """Whether reading takes nothing but number, reserved codes, resolution and factor."""
+    kind, name = row.rule
+    if kind == "special":
+        return name in ("convert_bit_field", "convert_latitude_32", "convert_longitude_32")
+    return int(row.kind[1:]) < 64
 
 
 def quantity(tables, row, classes, rule):

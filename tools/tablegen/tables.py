@@ -22,6 +22,7 @@ NO_CLASS = 65
 UNIT_COUNT = 140
 UNITS_PER_CLASS = 7
 RAW_COUNT = 68  # the unit of a number as sent
+RAW_BITS = 83  # the same, reserved codes too
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
 # What a parser may be told to do with a typed number; src/values/parsers has a function for each name.
 PLAIN_PARSER_RULES = ("any", "never", "probe", "whole", "hex")

@@ -312,12 +312,12 @@ class TablegenTest(unittest.TestCase):
                 self.assertEqual(content, expected)
         plans = self.fragment("format_plans.inc")
         self.assertEqual(plans[52:57] + plans[-1:], [
-            "{51, Reading::scaled, 16, 0, UnitRule::plain, 0.5f, 0},",
-            "{52, Reading::bits, 0, 0, UnitRule::any, 1.0f, 0},",
-            "{53, Reading::integer, 8, 0, UnitRule::any, 1.0f, 0},",
-            "{54, Reading::scaled, 16, 0, UnitRule::listed_65_66, 10.0f, 0},",
-            "{55, Reading::scaled, 16, 1, UnitRule::any, 1e-7f, 0},",
-            "{2444, Reading::scaled, 16, 0, UnitRule::plain, 1.0f, 0},"])
+            "{51, Reading::scaled, 16, 0, UnitRule::plain, 0.5f, 0xFFFD, 0},",
+            "{52, Reading::bits, 0, 0, UnitRule::any, 1.0f, 0x0, 0},",
+            "{53, Reading::integer, 8, 0, UnitRule::any, 1.0f, 0xFD, 0},",
+            "{54, Reading::scaled, 16, 0, UnitRule::listed_65_66, 10.0f, 0xFFFD, 0},",
+            "{55, Reading::scaled, 16, 1, UnitRule::any, 1e-7f, 0x7FFD, 0},",
+            "{2444, Reading::scaled, 16, 0, UnitRule::plain, 1.0f, 0xFFFD, 0},"])
         self.assertTrue(self.fragment("unit_factors.inc")[1].startswith("{2.0f, 0.5f, 0, 0,"))
         self.assertIn("    celsius = 0,", self.fragment("pgn_vistel/core/ids.h"))
         table = self.fragment("format_table.inc")

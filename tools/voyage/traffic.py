@@ -1,7 +1,7 @@
 """The ships, marks and aircraft that the AIS receiver hears, each on a way of its own."""
 
 from dataclasses import dataclass
-from math import cos, radians, sin, tau
+from math import cos, sin, tau
 
 from boat import position
 

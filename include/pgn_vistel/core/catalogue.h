@@ -1,7 +1,10 @@
 #pragma once
 
 /// @file
-/// The tables, and what is looked up in them. All of it is constant: any thread may look at any time.
+/// The tables, and what is looked up in them. All of it is constant: any thread may look at any time, and
+/// what is found holds for the life of the process.
+///
+/// Rows are known by where they stand: whoever takes a row wants one that was found here, not a copy of it.
 
 #include <cstdint>
 #include <span>
@@ -111,38 +114,41 @@ struct StreamKeyDef {
     } bits[4];                      ///< the part of the byte that is the key
 };
 
-static_assert(sizeof(void*) != 4 || (sizeof(PgnDef) == 36 && sizeof(FieldDef) == 36 && sizeof(DDstrings) == 16));
+static_assert(sizeof(void*) != 4 ||
+              (sizeof(PgnDef) == 36 && sizeof(FieldDef) == 36 && sizeof(DDstrings) == 16));
 static_assert(sizeof(RepeatSetDef) == 12);
 
 // ---- PGNs ----
 
 /// The row that the catalogue's binary search meets first, or null. For a PGN with variants it is one of
 /// them.
-const PgnDef* find_pgn_def(std::uint32_t pgn);
+[[nodiscard]] const PgnDef* find_pgn_def(std::uint32_t pgn);
 
-/// The name that users see: one for all variants. "Unknown" for null.
-std::string_view pgn_name(const PgnDef* row);
+/// The name that users see: one for all variants. "Unknown" for null. ASCII, not terminated.
+[[nodiscard]] std::string_view pgn_name(const PgnDef* row);
 
 /// Whether messages of a PGN travel as fast packets, which the bus does not tell. PGNs that the table does
 /// not have are taken as single frames, but for the proprietary ranges of fast packets: a wrong guess still
 /// shows all bytes, while single frames taken as pieces would be lost.
-bool is_fast_packet(std::uint32_t pgn);
+[[nodiscard]] bool is_fast_packet(std::uint32_t pgn);
 
-/// Stream keys of a message. The keys come in preset to 255; 1 when the PGN has any, else 0. Only keys that
-/// are not zero on entry are written. `payload` must hold 1786 bytes.
+/// Stream keys of a message: what tells its stream from others of the PGN and source, an instance say. The
+/// keys come in preset to 255; 1 when the PGN has any, else 0. Only keys that are not zero on entry are
+/// written. `payload` must hold 1786 bytes, as `N2KMsg::data` does: the message's length is not asked for.
 int extract_stream_keys(std::uint32_t pgn, const std::uint8_t* payload, std::uint8_t* key1,
                         std::uint8_t* key2, std::uint8_t* key3, std::uint8_t* key4);
 
 // ---- fields ----
 
-/// First row of a PGN, or the end sentinel (field 0).
-const FieldDef* first_field_row(std::uint32_t pgn);
+/// First row of a PGN, or the end sentinel (field 0); never null. Of a PGN with variants the rows of all of
+/// them follow: `MessageWalk` knows which of them a message has.
+[[nodiscard]] const FieldDef* first_field_row(std::uint32_t pgn);
 
 /// The same among the rows whose key1 has this low half.
-const FieldDef* first_field_row_keyed(std::uint32_t pgn, std::uint16_t selector);
+[[nodiscard]] const FieldDef* first_field_row_keyed(std::uint32_t pgn, std::uint16_t selector);
 
 /// The row of field number `row->field + delta` of the same PGN, the end sentinel, or null below field 1.
-const FieldDef* next_field_row(const FieldDef* row, int delta);
+[[nodiscard]] const FieldDef* next_field_row(const FieldDef* row, int delta);
 
 /// @{
 /// Size of a field in one unit, either bytes or bits; both 0 where only the value tells.
@@ -151,45 +157,48 @@ void complete_field_size(std::uint32_t pgn, const DDDef* dd, int* bytes, int* bi
 /// @}
 
 /// The repeating fields of a PGN, or null.
-const RepeatSetDef* find_repeat_set(std::uint32_t pgn);
+[[nodiscard]] const RepeatSetDef* find_repeat_set(std::uint32_t pgn);
 
-/// Number of the field that starts at a payload position, or -1.
-int field_at(std::uint32_t pgn, int byte_position, int bit_position);
+/// Number of the field that starts at a payload position, or -1. By the sizes of the rows alone: fields whose
+/// size only their value tells advance nothing.
+[[nodiscard]] int field_at(std::uint32_t pgn, int byte_position, int bit_position);
 
 // ---- the dictionary ----
 
 /// The entry of this number, or null.
-const DDDef* find_dictionary_entry(std::uint32_t dd);
+[[nodiscard]] const DDDef* find_dictionary_entry(std::uint32_t dd);
 
 /// Physical quantity of a dictionary entry: 0 .. 65, -1 for a number outside the dictionary's ranges.
-DispDataType quantity_of_dd(int dd);
+[[nodiscard]] DispDataType quantity_of_dd(int dd);
 
 /// The same where the payload may say it: entries whose format number stands at `raw` (may be null) or in the
-/// two bytes before.
-DispDataType quantity_of_dd(int dd, const std::uint8_t* raw);
+/// two bytes before, which must be readable for these entries.
+[[nodiscard]] DispDataType quantity_of_dd(int dd, const std::uint8_t* raw);
 
 /// Texts of a dictionary entry's values, or null.
-const DDstrings* find_enumeration(std::uint32_t dd);
+[[nodiscard]] const DDstrings* find_enumeration(std::uint32_t dd);
 
-/// Text that an enumeration has for a value; null where the number itself is to be shown. Not for flags.
-const char* enumeration_text(const DDstrings& set, std::uint32_t value);
+/// Text that an enumeration has for a value; null where the number itself is to be shown. Not for flags,
+/// whose entry i is the text of bit i. `set` is a row of the table; `enumeration_value` (decode.h) gives the
+/// number.
+[[nodiscard]] const char* enumeration_text(const DDstrings& set, std::uint32_t value);
 
 /// Quantity of a format by the format's own list, or -1.
-DispDataType quantity_of_format(DF df);
+[[nodiscard]] DispDataType quantity_of_format(DF df);
 
 /// A format for a quantity, or 65535.
-DF format_of_quantity(DispDataType quantity);
+[[nodiscard]] DF format_of_quantity(DispDataType quantity);
 
 // ---- whole tables, in stored order ----
 
 /// @{ a whole table
-std::span<const PgnDef> all_pgns();
-std::span<const FieldDef> all_fields();
-std::span<const DDDef> all_dictionary_entries();
-std::span<const RepeatSetDef> all_repeat_sets();
-std::span<const DDstrings> all_enumerations();
-std::span<const StreamKeyDef> all_stream_keys();
-std::span<const DF> all_formats();
+[[nodiscard]] std::span<const PgnDef> all_pgns();
+[[nodiscard]] std::span<const FieldDef> all_fields();
+[[nodiscard]] std::span<const DDDef> all_dictionary_entries();
+[[nodiscard]] std::span<const RepeatSetDef> all_repeat_sets();
+[[nodiscard]] std::span<const DDstrings> all_enumerations();
+[[nodiscard]] std::span<const StreamKeyDef> all_stream_keys();
+[[nodiscard]] std::span<const DF> all_formats();
 /// @}
 
 }  // namespace pgn_vistel::core

@@ -5,7 +5,7 @@
 ///
 /// Everything here is reentrant: tables are constant, a selection of units is passed in and only read, texts
 /// lie in the payload or in the caller's scratch. Any number of threads decode side by side with a scratch
-/// each.
+/// each. Nothing allocates, and nothing throws: what a message says wrongly is a value that is not available.
 
 #include <array>
 #include <cstdint>
@@ -22,86 +22,119 @@ struct PayloadPosition {
     int byte = 0;  ///< from 0
     int bit = 0;   ///< 0 .. 7, the lowest first
 
+    /// The same place.
     friend bool operator==(PayloadPosition, PayloadPosition) = default;
 };
 
 /// Payload bytes that count: the record's length, at most 1785.
-int payload_length(const N2KMsg& msg);
+[[nodiscard]] int payload_length(const N2KMsg& msg);
+
+/// A text that tells its own length, as sent: the length of all, low byte first, a `SentEncoding`, the text.
+struct SentText {
+    int header;      ///< bytes in front of the text: one for the encoding, the others for the length
+    int longest;     ///< bytes of all
+    int characters;  ///< that are read at the most
+};
+/// @{ of `format::text_short` and `format::text_medium`
+inline constexpr SentText sent_short_text{2, 252, 125};
+inline constexpr SentText sent_medium_text{3, N2K_MAX_PAYLOAD, 891};
+/// @}
 
 /// Where reading puts the texts that it makes. What a field shows holds until the next field is read with the
 /// same scratch.
 ///
-/// A short or medium text whose header cannot be shows the last good one of its format: each is kept here.
+/// A short or medium text whose header cannot be shows the last good one of its format: each is kept here, so
+/// one scratch serves the messages of one stream of traffic in their order. It has about three kilobytes and
+/// needs no preparation; its members are the reader's own.
 struct TextScratch {
     /// The last good text of a format.
-    template <int size>
+    template <std::size_t size>
     struct Kept {
-        int count = 0;
-        Encoding encoding = Encoding::code_page;
+        int count = 0;                             ///< of characters, see `Text`
+        Encoding encoding = Encoding::code_page;   ///< of the bytes
         std::array<std::uint8_t, size + 1> bytes;  ///< one more, for half a character
     };
-    Kept<252> short_text;
-    Kept<N2K_MAX_PAYLOAD> medium_text;
-    std::array<char, 256> made;           ///< dates, clock times, hexadecimal dumps
-    std::array<std::uint8_t, 256> moved;  ///< the bytes of a text that does not start on a byte
+    Kept<sent_short_text.longest> short_text;    ///< of `format::text_short`
+    Kept<sent_medium_text.longest> medium_text;  ///< of `format::text_medium`
+    std::array<char, 256> made;                  ///< dates, clock times, hexadecimal dumps
+    std::array<std::uint8_t, 256> moved;         ///< the bytes of a text that does not start on a byte
 };
 
 /// One field cut out of a message and converted, not yet a text.
 struct FieldReading {
-    DispDataType quantity = quantity::no_quantity;  ///< what the field is a measure of
+    DispDataType quantity = quantity::no_quantity;  ///< what the field is a measure of, 0 .. 65
     UnitId unit = unit::raw_count;                  ///< that the value is in
-    PayloadPosition next;                           ///< behind the field
+    PayloadPosition next;                           ///< behind the field; may lie beyond the message
     bool cut_off = false;  ///< the message ends inside the number: the value is not available
-    Value value;
+    Value value;           ///< see there how long its text holds
 };
 
-/// Cuts the field at `at` out of the message and converts it. `unit` above 139 or negative: the selected one.
+/// Cuts the field at `at` out of the message and converts it. `field` is a row of the tables, `at` lies
+/// within `N2KMsg::data`. `unit` above 139 or negative (`unit::selected`): the selected one. In a unit that
+/// the field's format does not serve the value is not available.
+///
 /// A field that starts inside the message ends with it; one beyond the end is read from the record as it is.
-FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at, const UnitSelection& units,
-                        UnitId unit, TextScratch& scratch);
+[[nodiscard]] FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at,
+                                      const UnitSelection& units, UnitId unit, TextScratch& scratch);
 
 /// The number that an enumeration is asked for: the value's low bits, by its type.
-std::uint32_t enumeration_value(const Value& value);
+[[nodiscard]] std::uint32_t enumeration_value(const Value& value);
 
 /// Walks the fields of one message in payload order: which row comes next, repeating groups, keyed variants,
 /// what is shown of proprietary messages, and where the rest of the payload stays undecoded.
 ///
 ///     MessageWalk walk(find_pgn_def(msg.pgn), msg);
-///     while (walk.next()) { ... read walk.field(), then walk.position = behind it ... }
-///     if (walk.has_undecoded_rest()) { ... show the payload as bytes ... }
+///     while (walk.next()) {
+///         const FieldReading reading =
+///             read_field(msg, walk.field(), walk.position, units, unit::selected, scratch);
+///         walk.position = reading.next;
+///     }
+///     if (walk.has_undecoded_rest()) ...  // show the payload as bytes
+///
+/// Every walk ends, whatever the message says: a step that takes no byte is the last one.
 class MessageWalk {
   public:
     /// A walk that is over.
     MessageWalk() = default;
-    /// `pgn` is the message's catalogue row, or null. The message must outlive the walk.
+    /// `pgn` is the message's catalogue row, or null: then all of it is undecoded. The message must outlive
+    /// the walk.
     MessageWalk(const PgnDef* pgn, const N2KMsg& msg);
 
-    /// Goes to the next field; false when the walk has ended.
-    bool next();
+    /// Goes to the next field; false when the walk has ended. What its predecessor takes is known only to who
+    /// has read it, so `position` has to stand behind that by now.
+    [[nodiscard]] bool next();
 
-    /// @{ The field that `next` has gone to, and the round of its repeating group from 1, 0 outside.
-    const FieldDef& field() const;
-    int repeat() const;
+    /// @{ The field that `next` has gone to, and the round of its repeating group from 1, 0 outside. Not
+    /// before the first `next`, nor after the last.
+    [[nodiscard]] const FieldDef& field() const;
+    [[nodiscard]] int repeat() const;
     /// @}
 
     /// Whether the walk ended before the payload was covered.
-    bool has_undecoded_rest() const { return rest_; }
+    [[nodiscard]] bool has_undecoded_rest() const { return state_.rest; }
 
-    PayloadPosition position;  ///< the caller moves it behind the field that it has decoded
+    PayloadPosition position;  ///< of the field; the caller moves it behind that, and never backward
 
   private:
     friend struct Stepping;
 
-    const std::uint8_t* data_ = nullptr;
-    int length_ = 0;
-    std::uint16_t next_row_ = 0xFFFF;  // the row to look at next, or the one handed out
-    bool fresh_ = true;       // no field has been handed out yet
-    bool rest_ = false;
-    std::uint8_t filter_ = 0;  // of a proprietary message: which of a row's verdicts counts
-    int limit_ = 2048;         // field number that ends the walk
-    int round_ = 1;
-    PayloadPosition started_;        // where the handed-out field began
-    PayloadPosition group_started_;  // where the group's latest round began
+    /// Positions are counted in bits here.
+    struct State {
+        const std::uint8_t* data = nullptr;
+        int end = 0;                      // of the message
+        int position = 0;                 // of the reader
+        std::uint16_t row = 0xFFFF;       // the one handed out
+        std::uint16_t upcoming = 0xFFFF;  // the one to look at next
+        bool rest = false;                // the walk ended before the payload was covered
+        bool may_stand_still = false;     // the row handed out may take no byte, or ends a round
+        bool is_picky = false;            // rows are judged: `filter` or `limit` say something
+        std::uint8_t filter = 0;          // of a proprietary message: which of a row's verdicts counts
+        int limit = 2048;                 // field number that ends the walk
+        int round = 1;
+        int started = 0;        // where the handed-out field began
+        int group_started = 0;  // where the group's latest round began
+    };
+    State state_;
 };
 
 }  // namespace pgn_vistel::core

@@ -4,13 +4,14 @@
 /// Messages as text: the lines of the monitor (wide for windows, UTF-8 for programs), JSON, CSV.
 ///
 /// The UTF-8 renderers write straight into the caller's memory, nothing is formatted twice and nothing is
-/// allocated:
+/// allocated. A message that is larger than the memory comes in pieces, which end between two fields:
 ///
+///     char area[4 * piece_room];
 ///     JsonRenderer json(units);
 ///     json.start(msg, find_pgn_def(msg.pgn), time);
 ///     do {
-///         char* const at = ...;   // with room for piece_room bytes or more
-///         char* const end = json.write(at, limit);
+///         const char* const end = json.write(area, area + sizeof area);
+///         ...  // take area .. end, which is not terminated
 ///     } while (!json.is_done());
 
 #include <array>
@@ -24,31 +25,35 @@ namespace pgn_vistel::core {
 /// Characters that one line of the monitor has at the most, terminator included.
 constexpr int line_size = 1024;
 
-/// Bytes that a renderer must have room for when it goes on: a field with its texts is never more.
+/// Bytes that a renderer must have room for when it goes on: a field with its texts is never more. What
+/// stands behind the end that it returns is overwritten, too.
 constexpr std::size_t piece_room = 16384;
 
-/// When a message came, in nanoseconds.
+/// When a message came, in nanoseconds; shown in microseconds.
 struct MessageTime {
-    std::int64_t since_start = 0;
-    bool has_absolute = false;
-    std::int64_t absolute = 0;  ///< since 1970, UTC
+    std::int64_t since_start = 0;  ///< since the recording's first message, say; may be negative
+    bool has_absolute = false;     ///< whether the absolute time is known and shown
+    std::int64_t absolute = 0;     ///< since 1970, UTC
 };
 
-/// The line of a message's stream as a terminated text: time stamp in seconds, PGN and the PGN's name. Returns the
-/// characters written.
+/// The line of a message's stream as a terminated text: time stamp in seconds, PGN and the PGN's name. What
+/// does not fit into `size` characters (`line_size` is always enough) is dropped; a null buffer or a size of
+/// 0 takes nothing. `pgn` is the message's catalogue row, or null. Returns the characters written, without
+/// the terminator.
 int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* pgn);
 
-/// The lines under a stream's line, one after the other, for windows: source, destination, the fields, and the
-/// whole payload where the fields do not cover it.
+/// The lines under a stream's line, one after the other, for windows: source, destination, the fields, and
+/// the whole payload where the fields do not cover it.
 class StreamLines {
   public:
-    /// `pgn` is the message's catalogue row, or null. `plain_numbers`: without their hexadecimal form. Message,
-    /// units and scratch must outlive the object.
+    /// `pgn` is the message's catalogue row, or null. `plain_numbers`: without their hexadecimal form.
+    /// Message, units and scratch must outlive the object.
     StreamLines(const PgnDef* pgn, const N2KMsg& msg, const UnitSelection& units, TextScratch& scratch,
                 bool plain_numbers);
 
-    /// Prints the next line, terminated, into `size` characters; -1 after the last, else the characters written.
-    int next(wchar_t* buf, int size);
+    /// Prints the next line, terminated, into `size` characters; -1 after the last, else the characters
+    /// written, as by `print_stream_line`. Control characters off the bus stand in it as they are.
+    [[nodiscard]] int next(wchar_t* buf, int size);
 
   private:
     enum class Stage : std::uint8_t { source, destination, fields, over };
@@ -61,14 +66,25 @@ class StreamLines {
     Stage stage_ = Stage::source;
 };
 
-/// What the renderers share. One object serves any number of messages, one after the other; each thread has its
-/// own. The units are copied.
+/// The label of a field of the catalogue as the lines show it, without the colon: in a repeating group that
+/// numbers its labels, with the number of the round. Writes UTF-8 to `at`, which has room for `piece_room`
+/// bytes, and returns its end.
+[[nodiscard]] char* write_label(char* at, const FieldDef& field, int repeat);
+
+/// The value of a field as the lines show it, with its unit or alone; `reading` is what `read_field` gave for
+/// the field, in any unit. Control characters of a text are written as they are: this is for those who
+/// compare values. Memory and result are as those of `write_label`.
+[[nodiscard]] char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit);
+
+/// What the renderers share. One object serves any number of messages, one after the other; each thread has
+/// its own. The units are copied, and a scratch is contained: about three kilobytes.
 class Renderer {
   public:
-    /// Whether all of the message has been written.
-    bool is_done() const { return stage_ == Stage::over; }
+    /// Whether all of the message has been written. True before the first message, too.
+    [[nodiscard]] bool is_done() const { return stage_ == Stage::over; }
 
   protected:
+    /// @cond
     enum class Stage : std::uint8_t { head, fields, rest, over };
 
     explicit Renderer(const UnitSelection& units) : units_(units) {}
@@ -81,22 +97,27 @@ class Renderer {
     const PgnDef* pgn_ = nullptr;
     MessageWalk walk_;
     Stage stage_ = Stage::over;
+    /// @endcond
 
   private:
     std::int64_t day_ = INT64_MIN;  // whose date stands in `date_`
     std::array<char, 11> date_;     // "2026-09-10T"
 };
 
-/// The lines of the monitor: a message's own, then its fields indented by four blanks. Control characters off the
-/// bus become U+FFFD.
+/// The lines of the monitor: a message's own, then its fields indented by four blanks. Control characters off
+/// the bus become U+FFFD.
 class TextRenderer : public Renderer {
   public:
-    TextRenderer(const UnitSelection& units, bool plain_numbers) : Renderer(units), plain_numbers_(plain_numbers) {}
+    /// `plain_numbers`: without their hexadecimal form.
+    TextRenderer(const UnitSelection& units, bool plain_numbers)
+        : Renderer(units), plain_numbers_(plain_numbers) {}
 
-    /// Begins a message, which must outlive its writing. `time_stamp` is in units of 10 ms.
+    /// Begins a message, which must outlive its writing. `pgn` is its catalogue row, or null. `time_stamp` is
+    /// in units of 10 ms and shown instead of the message's own.
     void start(const N2KMsg& msg, const PgnDef* pgn, std::uint32_t time_stamp);
     /// Writes on, at most up to `limit`, which is `piece_room` bytes behind `at` or more. Returns the end.
-    char* write(char* at, char* limit);
+    /// Not before `start`.
+    [[nodiscard]] char* write(char* at, char* limit);
 
   private:
     char* write_head(char* at) const;
@@ -105,15 +126,24 @@ class TextRenderer : public Renderer {
     std::uint32_t time_stamp_ = 0;
 };
 
-/// One JSON object a line.
+/// One JSON object a line:
+///
+///     {"time":0.250000,"absolute":"2026-09-10T08:00:00.250000Z","pgn":127250,"name":"Vessel Heading",
+///      "priority":2,"source":3,"destination":255,"fields":[
+///      {"number":2,"label":"Heading Sensor
+///      Reading","value":123.39791,"unit":"°M","text":null,"raw":"2154"}]}
+///
+/// `value` is a number, a text, or null where it is not available, `text` the meaning of a code, `raw` the
+/// field's bits, the low byte first. `data` has the payload where the fields do not cover it.
 class JsonRenderer : public Renderer {
   public:
+    /// Values come in these units.
     explicit JsonRenderer(const UnitSelection& units) : Renderer(units) {}
 
-    /// Begins a message, which must outlive its writing.
+    /// Begins a message, which must outlive its writing. `pgn` is its catalogue row, or null.
     void start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time);
     /// See `TextRenderer::write`.
-    char* write(char* at, char* limit);
+    [[nodiscard]] char* write(char* at, char* limit);
 
   private:
     char* write_head(char* at);
@@ -125,14 +155,16 @@ class JsonRenderer : public Renderer {
 /// One row a field; a message without fields has a row for its bytes.
 class CsvRenderer : public Renderer {
   public:
+    /// Values come in these units.
     explicit CsvRenderer(const UnitSelection& units) : Renderer(units) {}
 
-    /// The header line.
-    static char* write_header(char* at);
-    /// Begins a message, which must outlive its writing.
+    /// The header line, which comes once, in front of all messages. Needs `piece_room` bytes; returns the
+    /// end.
+    [[nodiscard]] static char* write_header(char* at);
+    /// Begins a message, which must outlive its writing. `pgn` is its catalogue row, or null.
     void start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time);
     /// See `TextRenderer::write`.
-    char* write(char* at, char* limit);
+    [[nodiscard]] char* write(char* at, char* limit);
 
   private:
     std::array<char, 256> head_;  // the columns that all rows of a message share

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Units and quantities, and a user's choice of units.
+/// Units and quantities, and a user's choice of units. Names are constant; any thread may look at any time.
 
 #include <array>
 #include <span>
@@ -11,6 +11,7 @@
 
 namespace pgn_vistel::core {
 
+/// Whether a number is that of a unit. `unit::selected` is none.
 constexpr bool is_unit(UnitId u) {
     return u >= 0 && u < unit::count;
 }
@@ -19,25 +20,27 @@ constexpr bool is_quantity(DispDataType q) {
     return q >= 0 && q < quantity::count;
 }
 
-/// @{ Name of a unit 0..139 (a few have none: ""); "" for any other number. The second one is UTF-8.
-const wchar_t* unit_name(UnitId unit);
-std::string_view unit_text(UnitId unit);
+/// @{ Name of a unit 0..139 as users see it, "°C" say. The units of plain numbers have none: "", which is the
+/// answer for any other number, too. The second one is UTF-8 and not terminated.
+[[nodiscard]] const wchar_t* unit_name(UnitId unit);
+[[nodiscard]] std::string_view unit_text(UnitId unit);
 /// @}
 
-/// Units that a quantity offers, the default first, ended by `unit::count`.
-const UnitId* available_units(DispDataType quantity);
+/// Units that a quantity offers, the default first, ended by `unit::count`; never null, and empty without a
+/// quantity.
+[[nodiscard]] const UnitId* available_units(DispDataType quantity);
 
 /// The unit that a quantity is shown in until the user picks another; `unit::raw_count` without a quantity.
-UnitId default_unit(DispDataType quantity);
+[[nodiscard]] UnitId default_unit(DispDataType quantity);
 
 /// A quantity as users know it when they pick units.
 struct QuantityRow {
-    const char* label;      ///< for users
+    const char* label;      ///< for users; ASCII, terminated
     DispDataType quantity;  ///< what a unit is picked for
 };
 
 /// The quantities that a user picks a unit for, in the order of display.
-std::span<const QuantityRow> quantity_rows();
+[[nodiscard]] std::span<const QuantityRow> quantity_rows();
 
 /// A unit for each quantity: a value, copied and passed like any other. Decoding only reads it, so any number
 /// of threads may share one that nobody changes.
@@ -53,8 +56,9 @@ class UnitSelection {
         return true;
     }
 
-    /// The unit of a quantity 0 .. 65, where 65 (no quantity) has `unit::raw_count`.
-    UnitId operator[](DispDataType q) const { return units_[static_cast<std::size_t>(q)]; }
+    /// The unit of a quantity 0 .. 65, where 65 (no quantity) has `unit::raw_count`. Any other number is an
+    /// error of the caller's: `quantity_of_dd` and `quantity_of_format` have -1 for what they do not know.
+    [[nodiscard]] UnitId operator[](DispDataType q) const { return units_[static_cast<std::size_t>(q)]; }
 
   private:
     std::array<UnitId, quantity::no_quantity + 1> units_;

@@ -6,6 +6,8 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
+#include <type_traits>
 
 namespace pgn_vistel::core {
 
@@ -34,12 +36,16 @@ enum class Encoding : std::uint8_t {
     wide,       ///< `wchar_t`
 };
 
-/// A text of a payload: a view, never terminated. It does not own what it shows.
+/// A text of a payload: a view, never terminated. It does not own what it shows, and nothing in it is to be
+/// trusted: there may be control characters in it, and halves of UTF-16 pairs.
 struct Text {
-    const void* data;
-    int count;  ///< characters, of UTF-16 units
-    Encoding encoding;
+    const void* data;   ///< first character; may be null where `count` is 0
+    int count;          ///< characters; of `utf16` units of two bytes
+    Encoding encoding;  ///< of a field never `wide`
 };
+
+/// What a short or medium text says of its own bytes, as sent.
+enum class SentEncoding : std::uint8_t { utf16 = 0, ascii = 1 };
 
 /// The character that a byte of a text off the bus stands for: the one of the same number, but for the euro
 /// sign, the Greek capital omega, OE and oe at 0x80, 0x81, 0x8C and 0x9C.
@@ -54,10 +60,13 @@ constexpr char16_t character_of(std::uint8_t byte) {
 }
 
 /// A field's value in some unit. Nothing in it is owned: a text lies in the payload or in the scratch that
-/// the field was read with.
+/// the field was read with, and holds as long as both are left alone.
+///
+/// Ask `is_available` before the number: a value that is not available has one, too, a reserved code or NaN.
 struct Value {
     /// One member for each kind of number; all bits above it are copies of its sign, or 0.
     union Number {
+        /// @{ valid where `type` says so
         float f32;
         double f64;
         std::uint8_t u8;
@@ -68,53 +77,59 @@ struct Value {
         std::int32_t i32;
         std::uint64_t u64;
         std::int64_t i64;
+        /// @}
     };
 
-    ValueType type = ValueType::none;
+    ValueType type = ValueType::none;  ///< says which member of `number` is valid, or that `text` is
     /// The rule of the unit has no number for it (kilograms): the value is not available, and whoever keeps
     /// records of values keeps the number that was there.
     bool is_left = false;
-    Number number{.u64 = no_number};
-    Text text{};
+    Number number{.u64 = no_number};  ///< of every type but `text`
+    Text text{};                      ///< of the type `text`
 
-    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  // a single precision NaN in the low half
+    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  ///< a single precision NaN in the low half
 };
 
+/// One of the eight integer types; a count of seconds is none.
 constexpr bool is_integer(ValueType type) {
     return type >= ValueType::u8 && type <= ValueType::i64;
 }
 
-/// Neither a reserved code of an integer type, nor a NaN, nor nothing.
-inline bool is_available(const Value& v) {
+/// Calls `act` with the number that a value holds, in its own type, and returns what it returns; for a text
+/// or where there is none, `otherwise`.
+template <class Act, class Result>
+constexpr Result visit_number(const Value& v, Result otherwise, Act act) {
     switch (v.type) {
-        case ValueType::single: return !std::isnan(v.number.f32);
-        case ValueType::real: return !std::isnan(v.number.f64);
-        case ValueType::u8: return v.number.u8 < 0xFD;
-        case ValueType::i8: return v.number.i8 < 0x7D;
-        case ValueType::u16: return v.number.u16 < 0xFFFD;
-        case ValueType::i16: return v.number.i16 < 0x7FFD;
+        case ValueType::single: return act(v.number.f32);
+        case ValueType::real: return act(v.number.f64);
+        case ValueType::u8: return act(v.number.u8);
+        case ValueType::i8: return act(v.number.i8);
+        case ValueType::u16: return act(v.number.u16);
+        case ValueType::i16: return act(v.number.i16);
         case ValueType::u32:
-        case ValueType::seconds: return v.number.u32 < 0xFFFFFFFD;
-        case ValueType::i32: return v.number.i32 < 0x7FFFFFFD;
-        case ValueType::u64: return v.number.u64 < 0xFFFFFFFFFFFFFFFD;
-        case ValueType::i64: return v.number.i64 < 0x7FFFFFFFFFFFFFFD;
-        case ValueType::text: return true;
-        default: return false;
+        case ValueType::seconds: return act(v.number.u32);
+        case ValueType::i32: return act(v.number.i32);
+        case ValueType::u64: return act(v.number.u64);
+        case ValueType::i64: return act(v.number.i64);
+        default: return otherwise;
     }
 }
 
+/// Neither a reserved code of an integer type, nor a NaN, nor nothing. A text is available even where it is
+/// empty.
+[[nodiscard]] inline bool is_available(const Value& v) {
+    return visit_number(v, v.type == ValueType::text, [](auto number) {
+        using Number = decltype(number);
+        if constexpr (std::is_floating_point_v<Number>)
+            return !std::isnan(number);
+        else
+            return number < std::numeric_limits<Number>::max() - 2;
+    });
+}
+
 /// The integer of a value that holds one; of `u64` its bits.
-inline std::int64_t integer_of(const Value& v) {
-    switch (v.type) {
-        case ValueType::u8: return v.number.u8;
-        case ValueType::i8: return v.number.i8;
-        case ValueType::u16: return v.number.u16;
-        case ValueType::i16: return v.number.i16;
-        case ValueType::u32:
-        case ValueType::seconds: return v.number.u32;
-        case ValueType::i32: return v.number.i32;
-        default: return v.number.i64;
-    }
+[[nodiscard]] inline std::int64_t integer_of(const Value& v) {
+    return visit_number(v, v.number.i64, [](auto number) { return static_cast<std::int64_t>(number); });
 }
 
 }  // namespace pgn_vistel::core

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "contract/parsers/raw_kind.h"
+#include "contract/values.h"
 
 namespace pgn_vistel {
 
@@ -47,7 +48,7 @@ int invert_double(void* out, float value, UnitId unit, int available, ConvFuncti
     const Probe zero(conversion, 0.0, unit, available);
     if (zero.value.type != CV_DOUBLE) return -1;  // it is one as raw bits alone
     const Probe one(conversion, 1.0, unit, available);
-    // Not a double: a single, and the number of the unit in its high half. Hosts know it so; whoever calls
+    // Not a double: a single, and the number of the unit in its high half; whoever calls
     // this has to take the first four bytes.
     const struct {
         float raw;
@@ -85,23 +86,9 @@ int invert_linear(void* out, float value, UnitId unit, int available, ConvFuncti
 
 float conv_to_float(const ConvValue& v) {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    if (!is_available(v)) return nan;
-    switch (v.type) {
-        case CV_FLOAT:
-        case CV_FLOAT_PLAIN: return v.value.f32;
-        case CV_DOUBLE: return static_cast<float>(v.value.f64);
-        case CV_U8: return v.value.u8;
-        case CV_I8: return v.value.i8;
-        case CV_CHAR: return raw::i8::is_refused(v.value.i8) ? nan : v.value.i8;
-        case CV_U16: return v.value.u16;
-        case CV_I16: return v.value.i16;
-        case CV_U32:
-        case CV_TIME_OF_DAY: return static_cast<float>(v.value.u32);
-        case CV_I32: return static_cast<float>(v.value.i32);
-        case CV_U64: return static_cast<float>(v.value.u64);
-        case CV_I64: return static_cast<float>(v.value.i64);
-        default: return nan;
-    }
+    if (v.type == CV_CHAR) return raw::i8::is_refused(v.value.i8) ? nan : v.value.i8;
+    if (!is_available(v) || (is_hosts_own(v) && v.type != CV_FLOAT_PLAIN)) return nan;
+    return core::visit_number(value_of(v), nan, [](auto number) { return static_cast<float>(number); });
 }
 
 int value_to_raw(void* out, float value, UnitId unit, int available, ConvFunction conversion, int bits) {

@@ -8,11 +8,11 @@
 #include <span>
 #include <variant>
 
-#include "contract/store.h"
 #include "contract/parsers/inverse.h"
 #include "contract/parsers/raw_kind.h"
 #include "contract/parsers/scan.h"
 #include "contract/parsers/unit_factors.h"
+#include "contract/store.h"
 
 namespace pgn_vistel {
 
@@ -170,7 +170,7 @@ struct RawOf {
         const auto typed = number();
         if (!typed) return std::nullopt;
         // The factor of a unit that is not served is NaN, and a NaN ends as the raw number 0: such a field
-        // reads as zero, not as "not available". Hosts know it so.
+        // reads as zero, not as "not available".
         const float factor =
             divided.factor(divided.amount, unit == unit::raw_count ? divided.raw_count_as : unit);
         return format.limits->to_raw(apply(format.steps, *typed) / double{factor});

@@ -17,7 +17,7 @@ inline std::int64_t truncate_64(double number) {
 /// The raw number of a kind, without its fraction; the code of "out of range" beyond the kind's limits.
 ///
 /// Up to 24 bits the three reserved codes lie beyond the limits. With 32 bits the limits are those of the
-/// whole width; hosts know it so. A single has no figures for the top codes, so what is typed near them is
+/// whole width. A single has no figures for the top codes, so what is typed near them is
 /// rounded beyond the limit or falls below them. Neither limit refuses a NaN, which becomes 0.
 template <class Kind>
 std::int64_t saturate(float number) {

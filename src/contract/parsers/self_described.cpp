@@ -41,7 +41,7 @@ ConvValue* parse_self_described(ConvValue* out, const char* text, UnitId unit) {
         return out;
     }
     // A unit that leads to a format need not be one that its parser serves (milliamperes lead to one that
-    // takes amperes alone): the field then says "not available". Hosts know it so.
+    // takes amperes alone): the field then says "not available".
     parse_numeric(row->df, out, text, unit);
     const auto bytes = static_cast<std::size_t>(parsed_bytes(row->df));
     std::memcpy(field.bytes.data(), &row->df, header);

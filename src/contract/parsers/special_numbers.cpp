@@ -1,8 +1,8 @@
-#include "contract/store.h"
 #include "contract/parsers/raw_kind.h"
 #include "contract/parsers/scan.h"
 #include "contract/parsers/special.h"
 #include "contract/parsers/unit_factors.h"
+#include "contract/store.h"
 
 namespace pgn_vistel {
 
@@ -12,7 +12,7 @@ void store_unparsed(ConvValue* out, const RawKind& kind) {
     store_integer(out, kind.type, kind.unparsed);
 }
 
-/// Where a division by the unit's factor is due, the number is multiplied with itself. Hosts know it so: what
+/// Where a division by the unit's factor is due, the number is multiplied with itself: what
 /// a user types in pounds or kilograms does not come out as that mass, and a raw count alone is what it says.
 double mass_count(double number, UnitId u) {
     if (u == unit::raw_count) return number;
@@ -47,7 +47,7 @@ ConvValue* parse_data_size(ConvValue* out, const char* text, UnitId unit) {
     if (out == nullptr) return out;
     store_unparsed(out, raw_kind::f32);
     // The factor is the one that bytes are shown with, not its inverse, and the record holds that number, not
-    // the raw one: it is no field that could be sent. Hosts know it so.
+    // the raw one: it is no field that could be sent.
     double number = raw_kind::f32.unscanned;
     if (scan_real(text, number) != Scanned::nothing) store_float(out, number * data_size_factor(unit));
     return out;

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <iterator>
 
-#include "contract/store.h"
 #include "contract/parsers/special.h"
+#include "contract/store.h"
 #include "contract/text_copy.h"
 #include "pgn_vistel/core/value.h"
 
@@ -11,13 +11,11 @@ namespace pgn_vistel {
 
 namespace {
 
-enum Encoding : std::uint8_t { utf16 = 0, ascii = 1 };
-
 /// Copies a text into an area and shows it, for formats that are just that.
-template <int size>
+template <std::size_t size>
 ConvValue* keep_text(ConvValue* out, char (&area)[size], const char* text) {
     if (out == nullptr) return out;
-    copy_narrow(area, text, size);
+    copy_narrow(area, text, static_cast<int>(size));
     store_text(out, area);
     return out;
 }
@@ -41,13 +39,13 @@ ConvValue* parse_text_short(ConvValue* out, const char* text, UnitId) {
         const auto count = std::min(static_cast<std::size_t>(end - text), room);
         std::memcpy(area + header, text, count);
         area[0] = static_cast<std::uint8_t>(header + count);
-        area[1] = ascii;
+        area[1] = static_cast<std::uint8_t>(core::SentEncoding::ascii);
     } else {
         const auto count = std::min(static_cast<std::size_t>(end - text), room / 2);
         for (std::size_t i = 0; i < count; ++i)
             put_u16(area + header + 2 * i, static_cast<unsigned>(wide(text[i])));
         area[0] = static_cast<std::uint8_t>(header + 2 * count);
-        area[1] = utf16;
+        area[1] = static_cast<std::uint8_t>(core::SentEncoding::utf16);
     }
     out->type = CV_RAW_FIELD;
     out->value.u64 = 0;
@@ -61,9 +59,10 @@ ConvValue* parse_text_medium(ConvValue* out, const char* text, UnitId) {
     static char area[header + bound];
     const int count = copy_narrow(area + header, text, bound);
     // The length leaves out the first two characters instead of counting the header in, so a reader of the
-    // field misses the text's last five. Hosts know it so; whoever sends the field has to write its length.
+    // field misses the text's last five: the text interface leaves it to the sender to write the field's
+    // length.
     put_u16(reinterpret_cast<std::uint8_t*>(area), static_cast<unsigned>(std::max(count - 2, 0)));
-    area[2] = ascii;
+    area[2] = static_cast<char>(core::SentEncoding::ascii);
     store_text(out, area);
     return out;
 }

@@ -38,6 +38,7 @@ class Toolkit {
         /// Without what the toolkit would do to a program of its own: GTK runs already, and would warn, and
         /// the environment and the conversion of file names are the host's.
         bool Initialize(int& argc, wxChar** argv) override {
+            // NOLINTNEXTLINE(bugprone-parent-virtual-call): wxApp's own is what is left out
             if (!wxAppBase::Initialize(argc, argv)) return false;
             wxConvCurrent = &wxConvUTF8;
             g_type_class_ref(GTK_TYPE_WIDGET);  // CleanUp() gives it back

@@ -17,7 +17,7 @@
       gnu::aligned(4)]] PGN_VISTEL_NO_GUARDS static const ::pgn_vistel::ProductNote<sizeof(text)> \
         pgn_vistel_product_note{.name = text};
 
-/// clang's AddressSanitizer would put guards around the note, and nobody would find it any more.
+/// clang's AddressSanitizer would put guards around the note, which then could not be found.
 #if defined(__clang__)
 #define PGN_VISTEL_NO_GUARDS [[clang::no_sanitize("address")]]
 #else

@@ -1,12 +1,14 @@
 // The library is loaded and unloaded, again and again, while a GTK host and its window live on. What the
 // toolkit registers with GTK must neither end with the library nor call what went with it.
 
-#include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <optional>
+
+#include "library/loaded_module.h"
 #include "pgn_vistel/native.h"
 
+namespace pgn_vistel::test {
 namespace {
 
 /// The host's main loop for a while.
@@ -25,16 +27,15 @@ TEST(NativeHost, OutlivesTheLibrary) {
     gtk_widget_show_all(window);
     run(100);
     for (int round = 1; round <= 3; ++round) {
-        void* const plugin = dlopen(PLUGIN, RTLD_NOW);
-        ASSERT_NE(plugin, nullptr) << dlerror();
-        const auto open_monitor = reinterpret_cast<int (*)(HWND)>(dlsym(plugin, "open_monitor"));
-        const auto close_monitor = reinterpret_cast<void (*)()>(dlsym(plugin, "close_monitor"));
-        EXPECT_EQ(open_monitor(reinterpret_cast<HWND>(gtk_widget_get_window(window))), 0);
+        std::optional<LoadedModule> plugin(PLUGIN);
+        const auto handle = reinterpret_cast<HWND>(gtk_widget_get_window(window));
+        EXPECT_EQ(plugin->function<int(HWND)>("open_monitor")(handle), 0);
         run(200);
-        close_monitor();
+        plugin->function<void()>("close_monitor")();
+        EXPECT_TRUE(is_loaded(LIBRARY));
         if (round == 3) run(100);  // what the toolkit put off runs before the library goes, or never
-        dlclose(plugin);
-        EXPECT_EQ(dlopen(LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr) << "it is unloaded";
+        plugin.reset();
+        EXPECT_FALSE(is_loaded(LIBRARY));
         gtk_window_resize(GTK_WINDOW(window), 300 + 10 * round, 200);
         run(100);
     }
@@ -43,3 +44,4 @@ TEST(NativeHost, OutlivesTheLibrary) {
 }
 
 }  // namespace
+}  // namespace pgn_vistel::test

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "output/sink.h"
+
+namespace vistel {
+
+/// The exit status that standard output leads to, when all is written. A reader that has gone (`| head`) has
+/// seen what it wanted; any other failure is told.
+int output_status(const Sink& out);
+
+}  // namespace vistel

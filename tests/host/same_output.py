@@ -1,0 +1,34 @@
+"""same_output.py PROGRAM OTHER: fails unless two builds of vistel show any payloads alike, to the byte."""
+
+import itertools
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+FORMS = [], ["--units", "metric"], ["--json"], ["--csv"]
+
+
+def output(program, form, recording):
+    return subprocess.run([program, "decode", *form, recording], check=True, capture_output=True).stdout
+
+
+def main(program, other):
+    maker = Path(__file__).with_name("any_payloads.py")
+    with tempfile.NamedTemporaryFile() as recording:
+        subprocess.run([sys.executable, maker], check=True, stdout=recording)
+        messages = len(Path(recording.name).read_bytes().splitlines())
+        shown = [output(program, form, recording.name) for form in FORMS]
+        # Nothing compares equal to nothing: every message is there, and each form shows something else.
+        if not 0 < messages == shown[0].count(b"\n    Source Address: "):
+            sys.exit(f"{program} does not show all of {messages} messages")
+        if any(one == another for one, another in itertools.combinations(shown, 2)):
+            sys.exit(f"{program} shows the same in two forms of {FORMS}")
+        different = [form for form, text in zip(FORMS, shown) if output(other, form, recording.name) != text]
+    for form in different:
+        print(" ".join(["decode", *form]) + f": {other} shows something else than {program}", file=sys.stderr)
+    return 1 if different else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
