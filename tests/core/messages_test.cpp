@@ -192,7 +192,7 @@ class Json {
         std::string text;
         expect("\"");
         while (!rest_.empty() && rest_[0] != '"') {
-            EXPECT_GE(static_cast<unsigned char>(rest_[0]), 0x20);
+            EXPECT_TRUE(static_cast<unsigned char>(rest_[0]) >= 0x20 && rest_[0] != 0x7F);
             if (take("\\u00")) {
                 text += static_cast<char>(std::stoi(std::string(rest_.substr(0, 2)), nullptr, 16));
                 rest_.remove_prefix(2);
@@ -383,6 +383,26 @@ TEST(Renderers, JsonAndCsvSayWhatTheFieldsAre) {
                 EXPECT_EQ(rows[i], row);
             }
         });
+}
+
+TEST(Renderers, InfiniteNumbersAreNoneInJson) {
+    const PgnDef* const datum = find_pgn_def(129045);  // has floating numbers behind each other
+    int shown = 0;
+    for (std::size_t first = 0; first < 4; ++first) {
+        Bytes payload(48);
+        for (std::size_t i = first; i + 4 <= payload.size(); i += 4)
+            payload[i + 2] = 0x80, payload[i + 3] = 0x7F;
+        const N2KMsg msg = message(129045, payload);
+        TextRenderer text(UnitSelection{}, plain);
+        JsonRenderer json{UnitSelection{}};
+        CsvRenderer csv{UnitSelection{}};
+        text.start(msg, datum, 0);
+        json.start(msg, datum, {});
+        csv.start(msg, datum, {});
+        shown += rendered(text).find(":   inf ") != std::string::npos;
+        EXPECT_EQ((rendered(json) + rendered(csv)).find("inf"), std::string::npos);
+    }
+    EXPECT_GT(shown, 0);
 }
 
 TEST(Renderers, AbsoluteTimes) {
