@@ -17,8 +17,8 @@ if(PGN_VISTEL_I386)
     target_compile_options(project_options INTERFACE -msse2 -mfpmath=sse)
 endif()
 
-# Decoding a field crosses several small files. Optimising over them makes it a fifth faster; the objects stay usable
-# without it, so whoever links the installed library needs no such option.
+# Decoding a field crosses several small files. Optimising over them makes it faster; the objects stay usable without it,
+# so whoever links the installed library needs no such option.
 if(PGN_VISTEL_LTO)
     target_compile_options(project_options INTERFACE -flto=auto -ffat-lto-objects)
     # g++ 12 warns falsely of std::string and of buffers once it has inlined this far; every file was compiled with
