@@ -5,7 +5,8 @@ target_compile_options(project_options INTERFACE -Wall -Wextra)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     target_compile_options(project_options INTERFACE -Wno-restrict)  # g++ 12 sees overlaps inside std::string
 endif()
-if(PGN_VISTEL_WERROR)
+# With counts g++ 12 inlines further, and warns falsely of buffers; every file is compiled without counts, too.
+if(PGN_VISTEL_WERROR AND NOT PGN_VISTEL_PROFILE)
     target_compile_options(project_options INTERFACE -Werror)
 endif()
 
@@ -24,6 +25,20 @@ if(PGN_VISTEL_LTO)
     # g++ 12 warns falsely of std::string and of buffers once it has inlined this far; every file was compiled with
     # the warnings on.
     target_link_options(project_options INTERFACE -flto=auto -Wno-stringop-overflow -Wno-stringop-overread)
+endif()
+
+# Optimising by counts takes two builds in one folder, since a function is known by its file's path, too. What the
+# training did not run is built as without counts: hosts use more of the library than the program does.
+set(counts ${PROJECT_BINARY_DIR}/counts)
+if(PGN_VISTEL_PROFILE STREQUAL train)
+    target_compile_options(project_options INTERFACE -fprofile-generate=${counts})
+    target_link_options(project_options INTERFACE -fprofile-generate)
+elseif(PGN_VISTEL_PROFILE STREQUAL use)
+    target_compile_options(project_options INTERFACE -fprofile-use=${counts} -fprofile-partial-training
+                                                     -Wno-missing-profile)
+    target_link_options(project_options INTERFACE -fprofile-use=${counts} -fprofile-partial-training)
+elseif(PGN_VISTEL_PROFILE)
+    message(FATAL_ERROR "PGN_VISTEL_PROFILE is train, use or empty")
 endif()
 
 set(CMAKE_CXX_EXTENSIONS OFF)

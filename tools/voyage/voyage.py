@@ -2,6 +2,8 @@
 
     python3 tools/voyage/voyage.py --out examples/voyage.log
     python3 tools/voyage/voyage.py --check examples/voyage.log
+
+Another --seed makes another voyage of the same kind, whose readings waver differently.
 """
 
 import argparse
@@ -44,11 +46,11 @@ DEVICES = {
 }
 
 
-def record():
+def record(seed=SEED):
     """The lines of the log and the number of messages by PGN."""
     catalogue = Catalogue(DATA)
     bus = Bus(catalogue)
-    net = Network(catalogue, bus, Boat(), random.Random(SEED))
+    net = Network(catalogue, bus, Boat(), random.Random(seed))
     on = {name: net.add(Device(*row)) for name, row in DEVICES.items()}
     navigation.motion(net, on["compass"], on["pilot"])
     navigation.satellites(net, on["gnss"])
@@ -76,8 +78,9 @@ def main(arguments):
     choice = parser.add_mutually_exclusive_group(required=True)
     choice.add_argument("--out", type=Path, metavar="FILE", help="write the recording")
     choice.add_argument("--check", type=Path, metavar="FILE", help="fail unless FILE is up to date")
+    parser.add_argument("--seed", type=int, default=SEED, metavar="NUMBER", help="of what is left to chance")
     options = parser.parse_args(arguments)
-    lines, messages = record()
+    lines, messages = record(options.seed)
     if options.check:
         if options.check.read_text(encoding="ascii") != "".join(lines):
             print(f"{options.check} is not what voyage.py writes", file=sys.stderr)
