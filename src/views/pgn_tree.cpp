@@ -125,8 +125,9 @@ PGN_VistelTree_c::PGN_VistelTree_c(wxWindow*, wxWindow* tree, QV_N2K_PGN_DB_c* d
 
 PGN_VistelTree_c::PGN_VistelTree_c(const PGN_VistelTree_c& other) : state_(share(other.state_)) {}
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): what is shared first is not freed
 PGN_VistelTree_c& PGN_VistelTree_c::operator=(const PGN_VistelTree_c& other) {
-    if (this != &other) release(std::exchange(state_, share(other.state_)));
+    release(std::exchange(state_, share(other.state_)));
     return *this;
 }
 

@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "contract/units.h"
 #include "views/windows.h"
 
 using namespace pgn_vistel::core;
@@ -267,7 +268,7 @@ TEST(TreeForm, ShowsAnyTraffic) {
             printed([&](wchar_t* b, int n) { return print_stream_line(b, n, msg, find_pgn_def(msg.pgn)); });
         // Texts that are refused show what the last one left; all three start from the same.
         clear_text_areas();
-        shown[label] = lines_of(msg, plain);
+        shown[label] = lines_of(msg, plain, SelectionAccess::of(qv_n2k_pgn_db));
         clear_text_areas();
         const int result = toolkit.tree.PutMsg(&msg);
         refused += result == -1;
