@@ -131,7 +131,7 @@ bool read_usual_length_and_data(const char* p, const char* end, N2KMsg& msg) {
     p += 3;
     if (count == 0 || count > max_frame_bytes || p == end) return false;
     p = behind_blanks(p);
-    if (end - p != 3 * std::ptrdiff_t{count} - 1) return false;
+    if (end - p != 3 * static_cast<std::ptrdiff_t>(count) - 1) return false;
     return lead_pairs(' ', p - 1, count) && read_usual_data<3>(p, count, msg);
 }
 
