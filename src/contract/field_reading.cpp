@@ -56,7 +56,8 @@ ReadField read_field(const N2KMsg& msg, const FieldPlace& field, const core::Uni
         const int before = std::min(byte, look_back);
         const int available = payload.end(byte) - byte;
         const int extent = is_text ? available : std::min(available, widest_number);
-        std::memcpy(raw - before, msg.data + byte - before, static_cast<std::size_t>(before) + static_cast<std::size_t>(extent));
+        std::memcpy(raw - before, msg.data + byte - before,
+                    static_cast<std::size_t>(before) + static_cast<std::size_t>(extent));
         if (is_text) count = std::min(count, available);
     }
 
