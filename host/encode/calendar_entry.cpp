@@ -33,16 +33,10 @@ std::optional<Clock> take_clock(std::string_view text) {
     return clock;
 }
 
-enum class Fraction { rounded, cut_off };  // how decoding shows what is less than a second
-
-Status enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit, Fraction fraction) {
+Status enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit) {
     const RawScale scale = scale_of(cell, unit);
     if (scale.empty()) return failure("has no values that could be encoded");
-    std::uint64_t raw = scale.nearest(value);
-    // Just below a whole second would show the one before.
-    constexpr int most = 4096;  // numbers that single precision may give one value
-    if (fraction == Fraction::cut_off && value == std::floor(value))
-        for (int i = 0; i < most && scale.value_of(raw) < value && scale.value_of(raw + 1); ++i) ++raw;
+    const std::uint64_t raw = scale.nearest(value);
     cell.put(raw);
     if (scale.meets(raw, value)) return done;
     return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));
@@ -80,21 +74,19 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
     const auto& [a, b, c] = clock->parts;
     if (!of_day) {
         if (counted && clock->count == 3 && clock->rest == unit_text(reading.unit))
-            return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit, Fraction::cut_off);
+            return enter_in(cell, text, a * 3600 + b * 60 + c, reading.unit);
         const std::string minutes = simplified(unit_text(unit::minutes));
         if (!clock->rest.empty() && simplified(clock->rest) != minutes)
             return failure("has no unit ", in_quotes(clock->rest), " behind a time with colons");
         if (clock->count == 3) {
             if (b < 0 || b >= 60 || c < 0 || c >= 60) return failure(in_quotes(text), " is not h:mm:ss");
-            return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds,
-                            Fraction::rounded);
+            return enter_in(cell, text, a * 3600 + std::copysign(b * 60 + c, a), unit::seconds);
         }
-        if (b >= 0 && b < 60)
-            return enter_in(cell, text, a * 60 + std::copysign(b, a), unit::minutes, Fraction::rounded);
+        if (b >= 0 && b < 60) return enter_in(cell, text, a * 60 + std::copysign(b, a), unit::minutes);
         // Decoding takes the remainder from an unsigned product, which makes that of negative ones large.
         const double whole = std::clamp(a, -2147483648.0, 2147483647.0);
         const auto product = static_cast<std::uint32_t>(static_cast<std::int64_t>(whole)) * 60u;
-        return enter_in(cell, text, b + static_cast<double>(product), unit::minutes, Fraction::rounded);
+        return enter_in(cell, text, b + static_cast<double>(product), unit::minutes);
     }
     const std::string half = simplified(clock->rest);
     if (!half.empty() && half != "am" && half != "pm")
@@ -103,7 +95,7 @@ Outcome enter_clock(FieldCell& cell, std::string_view text) {
         return not_of_day(text);
     double hours = a;
     if (!half.empty()) hours = std::fmod(a, 12) + (half == "pm" ? 12 : 0);
-    return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds, Fraction::cut_off);
+    return enter_in(cell, text, hours * 3600 + b * 60 + c, unit::seconds);
 }
 
 Outcome enter_date(FieldCell& cell, std::string_view text) {

@@ -76,12 +76,14 @@ std::optional<std::uint64_t> integer_of(std::string_view digits) {
     return negative ? 0 - value : value;
 }
 
-/// The digits of a number without point and exponent, as an integer; 0 where there are too many.
+/// The digits of a number without point, exponent and zeros at the end, as an integer; 0 where there are too
+/// many.
 std::uint64_t significant(std::string_view typed) {
     std::string digits(typed.substr(0, typed.find_first_of("eE")));
     std::erase_if(digits, [](char c) { return !is_digit(c); });
     std::uint64_t value = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    while (value != 0 && value % 10 == 0) value /= 10;
     return value;
 }
 

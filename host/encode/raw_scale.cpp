@@ -20,7 +20,13 @@ std::uint64_t last_that(std::uint64_t first, std::uint64_t last, Predicate holds
     return first;
 }
 
-/// The number of `first` .. `last` that is these digits and zeros, or else has the most zeros at its end.
+/// Whether a number is these digits with zeros behind them.
+bool consists_of(std::uint64_t number, std::uint64_t digits) {
+    while (number != 0 && number % 10 == 0) number /= 10;
+    return number == digits;
+}
+
+/// The number of `first` .. `last` that consists of these digits, or else has the most zeros at its end.
 std::uint64_t roundest(std::uint64_t first, std::uint64_t last, std::uint64_t digits) {
     for (std::uint64_t number = digits; number > 0 && number <= last; number *= 10) {
         if (number >= first) return number;
@@ -85,50 +91,48 @@ std::uint64_t RawScale::nearest_in(const Run& run, double value) const {
     };
     if (!before(run.first)) return run.first;
     const std::uint64_t below = last_that(run.first, run.last, before);
-    if (below == run.last) return below;
-    const double under = std::fabs(*value_of_(below) - value);
-    const double over = std::fabs(*value_of_(below + 1) - value);
-    const bool is_below = value > 0 ? under <= over : under < over;  // half a step goes to zero
-    return is_below ? below : below + 1;
+    return below < run.last && distance(below + 1, value) < distance(below, value) ? below + 1 : below;
 }
 
 std::pair<const RawScale::Run*, std::uint64_t> RawScale::nearest_run(double value) const {
-    const Run* best_run = nullptr;
-    std::uint64_t best = 0;
-    double distance = HUGE_VAL;
-    for (const Run& run : runs_) {
-        const std::uint64_t raw = nearest_in(run, value);
-        const double d = std::fabs(*value_of_(raw) - value);
-        if (best_run != nullptr && d >= distance) continue;
-        best_run = &run;
-        best = raw;
-        distance = d;
-    }
-    return {best_run, best};
+    std::pair<const Run*, std::uint64_t> best = {&runs_.front(), nearest_in(runs_.front(), value)};
+    for (const Run& run : runs_)
+        if (const std::uint64_t raw = nearest_in(run, value);
+            distance(raw, value) < distance(best.second, value))
+            best = {&run, raw};
+    return best;
+}
+
+std::pair<std::uint64_t, std::uint64_t> RawScale::equals_of(const Run& run, std::uint64_t raw) const {
+    const double v = *value_of_(raw);
+    const auto before = [&](std::uint64_t other) {
+        const double at = *value_of_(other);
+        return run.rising() ? at < v : at > v;
+    };
+    const auto equal = [&](std::uint64_t other) { return *value_of_(other) == v; };
+    return {before(run.first) ? last_that(run.first, raw, before) + 1 : run.first,
+            last_that(raw, run.last, equal)};
 }
 
 std::uint64_t RawScale::nearest(double value, std::uint64_t digits) const {
-    const auto [found, best] = nearest_run(value);
-    const Run& run = *found;
-    const double v = *value_of_(best);
-    const auto beyond = [&](std::uint64_t raw) {
-        const double at = *value_of_(raw);
-        return run.rising() ? at < v : at > v;
-    };
-    std::uint64_t start = run.first;
-    if (beyond(start)) start = last_that(run.first, best, beyond) + 1;
-    const std::uint64_t end =
-        last_that(best, run.last, [&](std::uint64_t raw) { return *value_of_(raw) == v; });
-
-    // Single precision gives neighbouring numbers one value. Steps that the unit itself has, such as
-    // Beaufort's, are much longer and keep their lower end.
-    constexpr std::uint64_t rounding = std::uint64_t{1} << 20;  // of the whole run
-    if (start == end || end - start > (run.last - run.first) / rounding) return start;
     // Digits are counted from zero, which some formats have in the middle.
     const std::uint64_t zero = nearest_run(0).second;
-    if (v < 0)
-        return (zero - roundest((zero - end) & all_bits_, (zero - start) & all_bits_, digits)) & all_bits_;
-    return (zero + roundest((start - zero) & all_bits_, (end - zero) & all_bits_, digits)) & all_bits_;
+    const auto from_zero = [&](std::uint64_t raw) {
+        return (*value_of_(raw) < 0 ? zero - raw : raw - zero) & all_bits_;
+    };
+    auto [run, best] = nearest_run(value);
+    if (best < run->last && distance(best + 1, value) == distance(best, value)) {  // half a step
+        const bool typed = consists_of(from_zero(best), digits);
+        const bool nearer_zero = distance(best + 1, 0) < distance(best, 0);
+        if (consists_of(from_zero(best + 1), digits) || (nearer_zero && !typed)) ++best;
+    }
+    // Single precision gives neighbouring numbers one value. Steps that the unit itself has, such as
+    // Beaufort's, are much longer and keep their lower end.
+    const auto [start, end] = equals_of(*run, best);
+    constexpr std::uint64_t rounding = std::uint64_t{1} << 20;  // of the whole run
+    if (end - start > (run->last - run->first) / rounding) return start;
+    if (*value_of_(best) < 0) return (zero - roundest(from_zero(end), from_zero(start), digits)) & all_bits_;
+    return (zero + roundest(from_zero(start), from_zero(end), digits)) & all_bits_;
 }
 
 bool RawScale::meets(std::uint64_t raw, double value, double rounding) const {

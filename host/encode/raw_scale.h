@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -27,8 +28,9 @@ class RawScale {
     double lowest() const;
     double highest() const;
 
-    /// The number whose value is nearest. Of several with one value, the one that consists of these digits
-    /// and zeros, as somebody meant who typed them, or else the roundest.
+    /// The number whose value is nearest. Of several with one value, the one that is these digits with zeros
+    /// behind them, as somebody meant who typed them, or else the roundest. Half a step goes to such a
+    /// number, too, or else towards zero. `digits` has no zeros at its end.
     std::uint64_t nearest(double value, std::uint64_t digits = 0) const;
     /// Whether the value of `raw`, the nearest number, is within half a step of `value`, or within the
     /// relative error of its conversion, `rounding`.
@@ -44,7 +46,11 @@ class RawScale {
 
     void find_runs(std::uint64_t first, std::uint64_t last);
     std::uint64_t nearest_in(const Run& run, double value) const;
+    /// The nearest number, of two the first, and its run.
     std::pair<const Run*, std::uint64_t> nearest_run(double value) const;
+    /// The first and the last number of the run with the value of this one.
+    std::pair<std::uint64_t, std::uint64_t> equals_of(const Run& run, std::uint64_t raw) const;
+    double distance(std::uint64_t raw, double value) const { return std::fabs(*value_of_(raw) - value); }
 
     Conversion value_of_;
     std::vector<Run> runs_;

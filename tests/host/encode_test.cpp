@@ -75,8 +75,10 @@ N2KMsg random_message(const PgnDef& pgn, const std::vector<std::uint8_t>& varian
     while (walk.next() && walk.repeat() <= rounds) {
         FieldCell cell(context(), msg, walk);
         if (cell.holds_text() && cell.dd().df != format::hex_dump) {
-            const bool fixed = cell.dd().df == format::text_fixed;
-            EXPECT_EQ(error_of(enter_value(cell, fixed ? "T" : texts[random() % std::size(texts)])), "");
+            std::string text = texts[random() % std::size(texts)];
+            if (cell.dd().df == format::text_fixed) text = "T";
+            if (cell.dd().df == format::text_medium) text += std::string(200, 'x');
+            EXPECT_EQ(error_of(enter_value(cell, text)), "");
         }
         walk.position = cell.next();
         length = cell.end();
@@ -225,7 +227,8 @@ TEST(Encode, Payloads) {
         {"half a step goes to zero", 65014, "Utility Phase A Line-Neutral AC RMS Voltage=44.5",
          "FFFF2C00FFFFFFFF"},
         {"of numbers that single precision takes for one, that with the typed digits", 65018,
-         "Generator Total kW Hours Export=923468097|Generator Total kW Hours Import=1e9", "41010B3700CA9A3B"},
+         "Generator Total kW Hours Export=923468097.0|Generator Total kW Hours Import=1e9",
+         "41010B3700CA9A3B"},
         {"the same of a negative number, with zero in the middle", 65007,
          "Utility Phase C Real Power=-500060179 W", "ED436759FFFFFFFF"},
         {"hours and minutes west of Greenwich", 129033, "Local Offset, Minutes=-3:30", "FFFFFFFFFFFF2EFF"},
@@ -239,6 +242,8 @@ TEST(Encode, Payloads) {
          "FFFF0900FFFFFFFFFFFF04000161"},
         {"the count is \"nItems\", not the total behind it", 130071, "Comment=a",
          "FFFF0100FFFFFFFFFFFF04000161"},
+        {"the count is the number right before the group", 129029, "Reference Station ID\"1\"=5",
+         "FFFFFFFFFFFFFFFFFFFFFFFFFFFF7FFFFFFFFFFFFFFF7FFFFFFFFFFFFFFF7FFFFFFFFF7FFF7FFFFFFF7F015F00FFFF"},
         {"a numbered round brings those before it", 126464, "PGN supported #2=129029", "00FFFFFF05F801"},
         {"rounds without their numbers", 126464,
          "PGN supported=129029|PGN supported=59904|PGN supported #3=60928", "0005F80100EA0000EE00"},
