@@ -51,7 +51,8 @@ std::string FieldCell::shown(bool with_unit, UnitId unit) const {
 FieldReading FieldCell::read(UnitId unit) const {
     // One format looks at bytes behind its field. They are still to come, and are none where it is the last.
     const bool ends_here = msg_.length == N2K_MAX_PAYLOAD && bytes_ > 0 && at_.bit == 0;
-    const Shortened shortened(msg_, ends_here ? std::min(at_.byte + bytes_, N2K_MAX_PAYLOAD) : msg_.length);
+    const int end = at_.byte + (written_ >= 0 ? written_ : bytes_);
+    const Shortened shortened(msg_, ends_here ? std::min(end, N2K_MAX_PAYLOAD) : msg_.length);
     return read_field(msg_, row_, at_, context_.units, unit, context_.scratch);
 }
 
