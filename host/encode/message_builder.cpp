@@ -257,7 +257,13 @@ void Building::verify() {
     }
 }
 
-constexpr std::uint16_t maker = own_header & 0x7FF;  // the manufacturer code
+/// How a payload begins that has this selector.
+Bytes beginning_of(const FieldDef& first, std::uint16_t selector) {
+    if (first.dd->dd != dd::manufacturer_code) return {static_cast<std::uint8_t>(selector)};
+    constexpr std::uint16_t code_bits = 0x7FF;
+    const int header = (own_header & ~code_bits) | selector;
+    return {static_cast<std::uint8_t>(header), static_cast<std::uint8_t>(header >> 8)};
+}
 
 }  // namespace
 
@@ -282,8 +288,7 @@ std::vector<Bytes> variants_of(const PgnDef& pgn) {
         if (row.pgn != pgn.pgn || row.field != 1) continue;
         const std::uint16_t selector = low_half(row.key1);
         if (selector == no_selector) continue;
-        const Bytes beginning = selector == maker ? Bytes{own_header & 0xFF, own_header >> 8}
-                                                  : Bytes{static_cast<std::uint8_t>(selector)};
+        const Bytes beginning = beginning_of(row, selector);
         begin_message(msg, beginning);
         MessageWalk walk(&pgn, msg);
         if (!walk.next() || low_half(walk.field().key1) != selector) continue;

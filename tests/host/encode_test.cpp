@@ -257,7 +257,7 @@ TEST(Encode, Payloads) {
         {"control characters", 130818, "Label=a\x01", "8998FFFFFF04016101FF"},
         {"a word of a text in brackets, a number that is a text", 127501,
          "Status 1=on|Status 2=DISABLED|Status 3=2", "FFE1FFFFFFFFFFFF"},
-        {"fewer bytes than the field has", 130816, "Message Data=01 02", "1DFF0102"},
+        {"fewer bytes than the field has", 130816, "Message Data=01 02", "1D990102"},
         {"flags in any case", 127489, "Engine Discrete Status 2=power reduction, Warning Level 2",
          "FFFFFFFFFFFFFFFF7FFF7FFFFFFFFFFFFFFFFFFFFFFF06007F7F"},
         {"texts that are not given are empty", 126998, "Installation Description, Field 2=b",
