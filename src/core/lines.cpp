@@ -79,16 +79,51 @@ template <class Out, class Reading>
     return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
 }
 
+/// A number that takes no rule of its quantity to be shown.
+template <class Out>
+[[gnu::always_inline]] inline UnitId put_quick(Out& out, const FieldPlan& plan, const QuickNumber& number,
+                                               bool plain_numbers) {
+    using Kind = QuickNumber::Kind;
+    switch (number.kind) {
+        case Kind::single:
+            out.put_number([&](char* at) { return write_significant(at, number.single, 5); });
+            break;
+        case Kind::integer: {
+            if (plan.form == Form::enumeration &&
+                put_enumeration(out, plan.enumeration, static_cast<std::uint32_t>(number.bits)))
+                return unit::selected;
+            Value value;
+            number.store(value);
+            out.put_number([&](char* at) { return write_integer(at, value, plain_numbers); });
+            break;
+        }
+        case Kind::real: {
+            const auto value = static_cast<float>(number.real);
+            out.put_number([value](char* at) { return write_significant(at, value, 8); });
+            break;
+        }
+        default: out.put('-'); break;
+    }
+    return number.unit;
+}
+
 /// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the
 /// unit that follows, negative for none.
 template <class Out>
 [[gnu::always_inline]] inline UnitId put_field(Out& out, Stepping::State& walk, const Payload& payload,
                                                const UnitSelection& units, TextScratch& scratch,
                                                bool plain_numbers) {
+    using Kind = QuickNumber::Kind;
     const FieldPlan& plan = Stepping::plan(walk);
     if ((plan.flags & numbered) != 0) put_round(out, Stepping::round(walk));
+    const QuickNumber quick = read_quick(plan, payload, walk.position, units);
+    if (quick.kind != Kind::slow && (plan.flags & plainly) != 0 &&
+        (plan.form == Form::plain || quick.kind == Kind::integer)) [[likely]] {
+        walk.position = quick.next;
+        return put_quick(out, plan, quick, plain_numbers);
+    }
     FieldValue field;
-    read_planned(walk.row, payload, walk.position, units, scratch, field);
+    read_row(walk.row, payload, walk.position, units, scratch, field);
     walk.position = field.next;
     return put_reading(out, plan, field, plain_numbers);
 }

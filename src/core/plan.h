@@ -103,15 +103,17 @@ enum FieldFlag : std::uint16_t {
     string = 32,        ///< ends the walk where it takes no byte
     text = 64,          ///< shows what is there where the message cuts it off
     whole_bytes = 128,  ///< sized in bytes, or without a size
-    quick = 256,        ///< a whole number of up to 64 bits whose quantity is known
+    quick = 256,        ///< a whole number, as wide as its format says, whose quantity is known
+    plainly = 512,      ///< shown as the text of an enumeration or by its type
 };
 
 struct FieldPlan {
     std::uint32_t texts;  ///< in the pool: label of a line, of JSON, of CSV, behind each other
     std::uint8_t line_size, json_size, csv_size;
-    std::uint16_t next;   ///< row of the next field number
-    std::uint16_t again;  ///< of the last field of a repeating group: row of the first
-    std::uint16_t bits;   ///< size, be it the format's; 0 where only the value tells
+    std::uint8_t misplaced;  ///< bits of a position that a quick field does not start at: 7 of whole bytes
+    std::uint16_t next;      ///< row of the next field number
+    std::uint16_t again;     ///< of the last field of a repeating group: row of the first
+    std::uint16_t bits;      ///< size, be it the format's; 0 where only the value tells
     std::uint16_t number;
     std::uint8_t format;    ///< index of the plan
     std::uint8_t quantity;  ///< or how the payload tells it

@@ -81,72 +81,93 @@ inline std::uint64_t size_mask(int bits) {
 void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int position,
           const UnitSelection& units, UnitId unit, TextScratch& scratch, FieldValue& out);
 
-/// `read` for the fields of a walk, in the selected units: the bulk of them, whole numbers of a known size,
-/// in line.
+/// A whole number of a known size, as read in line: the bulk of all fields.
+struct QuickNumber {
+    enum class Kind : std::uint8_t { slow, none, single, real, integer } kind;  ///< `slow`: ask `read`
+    ValueType type;                                                             ///< of an integer
+    UnitId unit;                                                                ///< the selected one
+    int next;            ///< position behind the field, in bits
+    std::uint64_t bits;  ///< as sent
+    union {
+        float single;
+        double real;
+        std::int64_t integer;
+    };
+
+    void store(Value& out) const {
+        switch (kind) {
+            case Kind::single: store_single(out, static_cast<double>(single)); break;
+            case Kind::real: store_real(out, real); break;
+            case Kind::integer: store_integer(out, type, integer); break;
+            default: store_none(out); break;
+        }
+    }
+};
+
+[[gnu::always_inline]] inline QuickNumber read_quick(const FieldPlan& plan, const Payload& payload,
+                                                     int position, const UnitSelection& units) {
+    using Kind = QuickNumber::Kind;
+    QuickNumber out;
+    out.next = position + plan.bits;
+    const int byte = position >> 3, bit = position & 7;
+    const bool is_quick = (plan.flags & quick) != 0;
+    out.kind = Kind::slow;
+    if (!is_quick | ((bit & plan.misplaced) != 0) | (out.next > payload.length * 8)) return out;
+
+    out.unit = units[plan.quantity];
+    const FormatPlan& format = format_plans[plan.format];
+    const std::uint64_t word = load_bytes(payload.data, byte, payload_area - byte);
+    out.bits = word >> bit & ~std::uint64_t{0} >> (64 - plan.bits);
+    if (format.reading == Reading::bit_field) {
+        out.kind = Kind::integer;
+        out.type = ValueType::u64;
+        out.integer = static_cast<std::int64_t>(out.bits);
+        return out;
+    }
+    const float factor = unit_factors[static_cast<std::size_t>(format.rule)][out.unit];
+    if (factor == 0) return out;
+    const std::uint64_t sign = std::uint64_t{format.is_signed} << (plan.bits - 1);
+    const auto number = static_cast<std::int64_t>((out.bits ^ sign) - sign);
+    if (number >= format.first_reserved) {
+        out.kind = Kind::none;
+    } else if (format.reading == Reading::scaled) {
+        out.kind = Kind::single;
+        // The product of two single precision numbers is exact in double precision: rounded once, on storing.
+        out.single = static_cast<float>(static_cast<double>(scaled(number, format.scale)) *
+                                        static_cast<double>(factor));
+    } else if (format.reading == Reading::integer) {
+        out.kind = Kind::integer;
+        out.type = integer_type(format.width, format.is_signed != 0);
+        out.integer = number;
+    } else {
+        out.kind = Kind::real;
+        out.real = static_cast<double>(number) * degrees_per_count_32;
+    }
+    return out;
+}
+
+/// `read` for the field of a row, in the selected units.
+inline void read_row(std::uint16_t row, const Payload& payload, int position, const UnitSelection& units,
+                     TextScratch& scratch, FieldValue& out) {
+    read(FieldShape::of(field_plans[row]), field_row(row).dd->dd, payload, position, units, unit::selected,
+         scratch, out);
+}
+
+/// The same, quickly where that goes.
 [[gnu::always_inline]] inline void read_planned(std::uint16_t row, const Payload& payload, int position,
                                                 const UnitSelection& units, TextScratch& scratch,
                                                 FieldValue& out) {
     const FieldPlan& plan = field_plans[row];
-    const int next = position + plan.bits;
-    const bool whole = (plan.flags & whole_bytes) != 0;
-    const auto read_slowly = [&] {
-        read(FieldShape::of(plan), field_row(row).dd->dd, payload, position, units, unit::selected, scratch,
-             out);
-    };
-    if ((plan.flags & quick) == 0 || next > payload.length * 8 || (whole && (position & 7) != 0)) {
-        read_slowly();
+    const QuickNumber quick = read_quick(plan, payload, position, units);
+    if (quick.kind == QuickNumber::Kind::slow) {
+        read_row(row, payload, position, units, scratch, out);
         return;
     }
-    const FormatPlan& format = format_plans[plan.format];
-    const int byte = position >> 3;
-    const std::uint64_t bits = whole ? load_bytes(payload.data, byte, payload.length - byte)
-                                     : gather_bits(payload.data, position, plan.bits);
+    quick.store(out.value);
     out.quantity = plan.quantity;
-    out.unit = units[plan.quantity];
-    out.next = next;
+    out.unit = quick.unit;
+    out.next = quick.next;
     out.cut_off = false;
-    const std::uint64_t mask = ~std::uint64_t{0} >> (64 - plan.bits);
-    if (format.reading == Reading::bit_field) {
-        store_integer(out.value, ValueType::u64, static_cast<std::int64_t>(bits & mask));
-        return;
-    }
-    const std::int64_t number = widened(bits, format.width, format.is_signed != 0);
-    const bool refused = number >= format.first_reserved;
-    switch (format.reading) {
-        case Reading::scaled: {
-            const float factor = unit_factors[static_cast<std::size_t>(format.rule)][out.unit];
-            if (factor == 0 && out.unit != unit::raw_count) break;
-            // The product of two single precision numbers is exact in double precision: rounded once, on
-            // storing.
-            if (refused)
-                store_none(out.value);
-            else if (factor == 0)
-                store_single(out.value, static_cast<double>(number));
-            else
-                store_single(out.value,
-                             static_cast<double>(scaled(number, format.scale)) * static_cast<double>(factor));
-            return;
-        }
-        case Reading::integer:
-            if (out.unit != unit::plain_65 && out.unit != unit::plain_64 && out.unit != unit::raw_count)
-                break;
-            if (refused)
-                store_none(out.value);
-            else
-                store_integer(out.value, integer_type(format.width, format.is_signed != 0),
-                              static_cast<std::int64_t>(static_cast<std::uint64_t>(number) & mask));
-            return;
-        case Reading::latitude_32:
-        case Reading::longitude_32:
-            if (out.unit != (format.reading == Reading::latitude_32 ? unit::deg_lat : unit::deg_long)) break;
-            if (refused)
-                store_none(out.value);
-            else
-                store_real(out.value, static_cast<double>(number) * degrees_per_count_32);
-            return;
-        default: break;
-    }
-    read_slowly();
 }
 
 }  // namespace pgn_vistel::core

@@ -14,10 +14,13 @@ CLOSING_PGN = 25
 DYNAMIC_QUANTITIES = {"air-source-0": CLASS_COUNT + 1, "format_inside": CLASS_COUNT + 2,
                       "format_before": CLASS_COUNT + 3}
 PRESSURE, AIR_PRESSURE = 12, 11
+FORMED_QUANTITIES = (21, 22, 23, 50)  # times, durations, dates and message identifiers have forms of their own
 # Conversions that do not say how many bytes they take.
 SIZED_BY_FIELD = {f"convert_{name}" for name in (
     "bit_field", "ais_spare", "low_4_bits", "low_2_bits", "low_6_bits", "package_type", "can_frame_id",
     "can_frame_data")}
+# Rules of readings of their own: the units in which they are read in line.
+QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"), "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
 FIRST = "First"
 FIRST_WORD = len("First ")
 POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
@@ -113,6 +116,9 @@ def plan_rules(tables, plans):
     for row in tables.unit_factors:
         rules.setdefault(row.rule, {})[row.unit] = row.factor
     rules["temperature_k"] = {}
+    unit_of = {row.id: row.unit for row in tables.units}
+    for rule, units in QUICK_RULES.items():
+        rules[rule] = {unit_of[unit]: "1.0f" for unit in units}
     rules["any"] = {unit: "1.0f" for unit in range(UNIT_COUNT) if unit not in (RAW_COUNT, RAW_BITS)}
     for row in tables.formats:
         kind, detail = row.rule
@@ -140,6 +146,8 @@ def format_row(row, formats):
         "listed": lambda: ("scaled", listed_rule(detail)),
         "scaled": lambda: ("scaled", detail.removeprefix("unit_rule_")),
     }[kind]()
+    if reading in QUICK_RULES:
+        rule = reading
     signed = bool(row.kind) and row.kind[0] == "i"
     # Of the top code of the width and the two below it, the lowest; of 64 bits no comparison of signed numbers tells.
     first_reserved = (1 << (width - signed)) - 3 if 0 < width < 64 else 0
@@ -225,6 +233,7 @@ def plan_fields(tables, plans):
         filtered = rule is not None and rule.walk == "proprietary"
         bits = field_bits(row, entry, rule, format_rows)
         kind_of_quantity = quantity(tables, row, classes, rule)
+        quick = kind_of_quantity <= NO_CLASS and is_quick(format_rows[entry.df], bits)
         flags = {
             "in_group": repeats,
             "first_of_group": row.field == first,
@@ -234,10 +243,11 @@ def plan_fields(tables, plans):
             "string": entry.df in (50, 51, 63),
             "text": entry.df in (50, 51, 63, 3002),
             "whole_bytes": bits % 8 == 0,
-            "quick": 0 < bits <= 64 and kind_of_quantity <= NO_CLASS and is_quick(format_rows[entry.df]),
+            "quick": quick,
+            "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
         }
         plans.field_lines.append(
-            f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {next_row(rows, i, 1)}, "
+            f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {7 if bits % 8 == 0 else 0}, {next_row(rows, i, 1)}, "
             f"{next_row(rows, i, first - last) if row.field == last else END_ROW}, "
             f"{bits}, {row.field}, {formats[entry.df]}, "
             f"{kind_of_quantity}, Form::{form}, {enumeration}, "
@@ -274,12 +284,16 @@ def number_bits(row, formats):
     return 0 if kind == "special" and name in SIZED_BY_FIELD or not row.kind else int(row.kind[1:])
 
 
-def is_quick(row):
-    """Whether reading takes nothing but number, reserved codes, resolution and factor."""
+def is_quick(row, bits):
+    """Whether reading takes nothing but number, reserved codes, resolution and factor, and the number lies in one word."""
+    if not 0 < bits <= 64 or (bits > 57 and bits % 8 != 0):
+        return False
     kind, name = row.rule
-    if kind == "special":
-        return name in ("convert_bit_field", "convert_latitude_32", "convert_longitude_32")
-    return int(row.kind[1:]) < 64
+    if (kind, name) == ("special", "convert_bit_field"):
+        return True
+    if kind == "special" and name not in ("convert_latitude_32", "convert_longitude_32"):
+        return False
+    return bits == int(row.kind[1:]) < 64
 
 
 def quantity(tables, row, classes, rule):
