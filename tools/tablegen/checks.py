@@ -126,7 +126,7 @@ def check_parsers(tables, report):
             report.add(tables.parsers[-1].place, f"no row for df {df}")
     for row in tables.parsers:
         check_parser_rule(row, report)
-    check_ascending(tables.unit_formats, "unit", report, strict=True)
+    check_unique(tables.unit_formats, "unit", report)
     for row in tables.unit_formats:
         parser = parsers.get(row.df)
         if parser is None or PARSED_BYTES.get(parser.kind, 0) not in (2, 3, 4):

@@ -33,7 +33,7 @@ def fragments(tables):
                                              for row in catalogued(tables)]),
         "parser_units.inc": ("parsers.tsv", parser_units(tables.parsers)),
         "parser_table.inc": ("parsers.tsv", parser_lines(tables.parsers)),
-        "unit_format_table.inc": ("unit_formats.tsv", [f"{{{row.unit}, {row.df}}},"
+        "unit_format_table.inc": ("unit_formats.tsv", [f"{{{row.unit.number}, {row.df}}},"
                                                        for row in tables.unit_formats]),
         "df_conv_table.inc": ("formats.tsv", [f"&{conversion(df, formats)},"
                                               for df in range(LAST_INDEXED_FORMAT + 1)]),
@@ -136,7 +136,7 @@ def format_line(row, parser, formats):
 
 def parser_units(parsers):
     """The units of every parser that lists them, in the order of the parsers."""
-    return [f"{{{unit}, {step_list(chain, parser)}}}," for parser in parsers
+    return [f"{{{unit.number}, {step_list(chain, parser)}}}," for parser in parsers
             if parser.rule[0] == "listed" for unit, chain in parser.rule[1]]
 
 
@@ -163,7 +163,7 @@ def parser_rule(row, offset):
         return f"Mapped{{&{detail}_of}}"
     if kind == "factor":
         factor, amount, raw_count_as = detail
-        return f"Divided{{&{factor}_factor, {constant(amount, row)}, {raw_count_as}}}"
+        return f"Divided{{&{factor}_factor, {constant(amount, row)}, {raw_count_as.number}}}"
     if kind in ("whole", "hex"):
         return f"Whole{{{16 if kind == 'hex' else 10}}}"
     return {"any": "AnyUnit{}", "never": "NeverRead{}", "probe": "Probed{}"}[kind]
@@ -189,7 +189,7 @@ def repeat_set_line(row):
 
 
 def unit_row(units):
-    padded = [*units, *[UNIT_COUNT] * (UNITS_PER_CLASS + 1 - len(units))]
+    padded = [*(unit.number for unit in units), *[UNIT_COUNT] * (UNITS_PER_CLASS + 1 - len(units))]
     return f"{{{', '.join(map(str, padded))}}},"
 
 

@@ -5,7 +5,7 @@ The forms of a text lie in one pool. A form is named by its offset there, so tha
 
 from types import SimpleNamespace as Row
 
-from tables import CLASS_COUNT, NO_CLASS, RAW_BITS, RAW_COUNT, UNIT_COUNT
+from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT
 
 END_ROW = 0xFFFF
 NO_SET = 255
@@ -111,20 +111,20 @@ def plan_rules(tables, plans):
     """The unit rules as rows of factors; lists of units and 'any' are rules whose factors are 1."""
     rules = {}
     for row in tables.unit_factors:
-        rules.setdefault(row.rule, {})[row.unit] = row.factor
+        rules.setdefault(row.rule, {})[row.unit.number] = row.factor
     rules["temperature_k"] = {}
-    rules["any"] = {unit: "1.0f" for unit in range(UNIT_COUNT) if unit not in (RAW_COUNT, RAW_BITS)}
+    rules["any"] = {row.unit: "1.0f" for row in tables.units if row.id not in ("raw_count", "raw_bits")}
     for row in tables.formats:
         kind, detail = row.rule
         if kind == "listed":
-            rules.setdefault(listed_rule(detail), {unit: "1.0f" for unit in detail})
+            rules.setdefault(listed_rule(detail), {unit.number: "1.0f" for unit in detail})
     plans.rules = rules
     plans.rule_lines = [
         "{" + ", ".join(factors.get(unit, "0") for unit in range(UNIT_COUNT)) + "}," for factors in rules.values()]
 
 
 def listed_rule(units):
-    return "listed_" + "_".join(map(str, units))
+    return "listed_" + "_".join(str(unit.number) for unit in units)
 
 
 def format_row(row, formats):
