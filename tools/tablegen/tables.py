@@ -330,7 +330,7 @@ def read_tables(data, report):
 
 
 def read_table(tables, data, name, columns, report):
-    lines = read_lines(tables, data, name, report)
+    lines = read_lines(data, name, report)
     if not lines:
         report.add(data / name, "no header")
         return []
@@ -360,7 +360,7 @@ def read_row(columns, cells, place, report):
 def read_sets(tables, data, name, report):
     """Sets of texts: a line `set DD KIND NAME [stored_order]`, then `VALUE TEXT [guess]` lines."""
     sets = []
-    lines = read_lines(tables, data, name, report)
+    lines = read_lines(data, name, report)
     set_columns = {"set": str, "dd": DD, "kind": number(0, 5), "name": text(MAX_NAME, True)}
     entry_columns = {"value": number(0, MAX_U32), "text": ascii_text(MAX_ENTRY)}
     for place, cells in lines:
@@ -378,7 +378,7 @@ def read_sets(tables, data, name, report):
     return sets
 
 
-def read_lines(tables, data, name, report):
+def read_lines(data, name, report):
     """(place, cells) of every line that is neither empty nor a comment."""
     path = Path(data) / name
     try:
