@@ -1,8 +1,9 @@
 """The C++ include fragments. Each is text for the inside of one initialiser or macro list."""
 
-from plans import format_lines, id_lines, make_plans, rule_lines, special_lines
+from plans import escaped, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal
 from powers import power_lines
-from tables import ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
+from tables import (ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS,
+                    conversion_owner, number_literal)
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
@@ -120,12 +121,10 @@ def stream_key_line(row):
 
 def conversion(df, formats):
     """The contract's conversion. Formats that share one by name have the same function."""
-    kind, name = formats[df].rule
-    if kind == "special" and name.startswith("convert_df_"):
-        return conversion(int(name.removeprefix("convert_df_")), formats)
-    if kind == "special":
-        df = next(row.df for row in formats.values() if row.rule == ("special", name))
-    return f"convert_df<{df}>"
+    owner = conversion_owner(formats[df], formats)
+    if owner.rule[0] == "special":
+        owner = next(row for row in formats.values() if row.rule == owner.rule)
+    return f"convert_df<{owner.df}>"
 
 
 def format_line(row, parser, formats):
@@ -176,7 +175,7 @@ def step_list(chain, row):
 
 def constant(decimal, row):
     """Single precision, but for numbers of 8 bytes, which reach further."""
-    return literal(decimal) + ("" if row.kind in ("u48", "u64", "i64") else "f")
+    return number_literal(decimal) + ("" if row.kind in ("u48", "u64", "i64") else "f")
 
 
 def field_line(row, dictionary_index):
@@ -213,8 +212,7 @@ def set_lines(sets):
 
 
 def narrow(text):
-    """A literal of Latin-1 bytes; octal escapes have three digits, so no digit can join them."""
-    return '"' + "".join(escaped(c) if c < "\x7f" else f"\\{ord(c):03o}" for c in text) + '"'
+    return text_literal(text.encode("latin-1"))
 
 
 def wide(text):
@@ -231,7 +229,3 @@ def wide(text):
     if plain or not pieces:
         pieces.append(plain)
     return " ".join(f'L"{piece}"' for piece in pieces)
-
-
-def escaped(c):
-    return "\\" + c if c in '"\\?' else c

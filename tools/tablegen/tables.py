@@ -23,7 +23,7 @@ NO_CLASS = 65
 UNIT_COUNT = 140
 UNITS_PER_CLASS = 7
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
-# What a parser may be told to do with a typed number; src/values/parsers has a function for each name.
+# What a parser may be told to do with a typed number; src/contract/parsers has a function for each name.
 PLAIN_PARSER_RULES = ("any", "never", "probe", "whole", "hex")
 UNIT_MAPS = ("seconds", "minutes", "kelvin")
 UNIT_FACTORS = ("length", "volume", "voltage", "current", "pressure", "speed")
@@ -103,7 +103,7 @@ def factor(cell):
     """The C++ literal of a unit's factor."""
     if not re.fullmatch(DECIMAL, cell) or not 0 < float(cell) < 1e38:
         raise ValueError(f"'{cell}' is not a positive decimal number")
-    return literal(cell) + "f"
+    return number_literal(cell) + "f"
 
 
 def choice(*words):
@@ -163,14 +163,10 @@ def first_stream_key(cell):
 
 def scale(cell):
     """The C++ literal of a scale."""
-    if cell == "-":
-        return "1.0f"
-    if not re.fullmatch(DECIMAL, cell) or not 0 < float(cell) < 1e38:
-        raise ValueError(f"'{cell}' is not a positive decimal number")
-    return literal(cell) + "f"
+    return "1.0f" if cell == "-" else factor(cell)
 
 
-def literal(decimal):
+def number_literal(decimal):
     """The C++ literal of a number, in double precision."""
     return decimal if "." in decimal or "e" in decimal else f"{decimal}.0"
 
@@ -312,6 +308,13 @@ def columns_with_units(unit):
         "unit_factors": {"rule": identifier, "unit": unit, "factor": factor},
         "availability": {"class": CLASS, "id": identifier, "units": offered_units(unit), "quantity": str},
     }
+
+
+def conversion_owner(row, formats):
+    """The row of the format whose conversion the format of `row` has: another's by convert_df_N, or its own."""
+    kind, name = row.rule
+    shares = kind == "special" and name.startswith("convert_df_")
+    return conversion_owner(formats[int(name.removeprefix("convert_df_"))], formats) if shares else row
 
 
 def read_tables(data, report):

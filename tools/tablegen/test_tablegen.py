@@ -106,6 +106,7 @@ BAD_ROWS = (
     ("repeat_sets.tsv", 2, "126208 3 2 1", "first 2 is above last 1"),
     ("repeat_sets.tsv", 2, "126207 3 1 2", "unknown pgn 126207"),
     ("repeat_sets.tsv", 4, "126208 3 1 2", "pgn 126208 stands after 126720"),
+    ("repeat_sets.tsv", 4, "59904 255 1 2", "pgn 59904 stands after 126720"),
     ("formats.tsv", 3, "1 u12 - any yes",
      "kind 'u12' is not one of u8, i8, u16, i16, u24, i24, u32, i32, u64, i64, f32, f64"),
     ("formats.tsv", 3, "1 f32 - any yes", "f32 takes a conversion of its own"),
