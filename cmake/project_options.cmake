@@ -1,7 +1,7 @@
 # What every target of the project is compiled with: link to project_options.
 add_library(project_options INTERFACE)
 target_compile_features(project_options INTERFACE cxx_std_20)
-target_compile_options(project_options INTERFACE -Wall -Wextra)
+target_compile_options(project_options INTERFACE -Wall -Wextra -Wconversion -Wsign-conversion)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     target_compile_options(project_options INTERFACE -Wno-restrict)  # g++ 12 sees overlaps inside std::string
 endif()

@@ -102,7 +102,7 @@ class Rendering {
     Rendering(int form, const UnitSelection& units, const N2KMsg& msg, const PgnDef* pgn, bool plain_numbers)
         : form_(form), text_(units, plain_numbers), json_(units), csv_(units) {
         const MessageTime time{msg.time_stamp * INT64_C(10'000'000), msg.source % 2 == 0,
-                               msg.time_stamp * -1'000'003};
+                               msg.time_stamp * -INT64_C(1'000'003)};
         text_.start(msg, pgn, msg.time_stamp);
         json_.start(msg, pgn, time);
         csv_.start(msg, pgn, time);

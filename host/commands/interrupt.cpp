@@ -17,7 +17,8 @@ void ignore_closed_pipes() {
 void watch_interrupts() {
     struct sigaction action = {};
     action.sa_handler = [](int) { flag = 1; };
-    action.sa_flags = SA_RESETHAND;  // a second one ends the program the hard way; reads are not restarted
+    // A second one ends the program the hard way; reads are not restarted.
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }

@@ -35,7 +35,7 @@ std::optional<double> number_in(const Value& v) {
 }
 
 bool has_values(FieldCell& cell, UnitId unit) {
-    for (const std::uint64_t raw : {0, 1}) {
+    for (const std::uint64_t raw : {0u, 1u}) {
         cell.put(raw);
         if (is_available(cell.read(unit).value)) return true;
     }

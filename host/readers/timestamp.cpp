@@ -133,9 +133,9 @@ const char* TimestampParser::read_usual(const char* p, RecordTime& time) const {
     if (std::memcmp(p, minute_, minute_size) != 0 || !shape.read(p + minute_size - 2, digits)) return nullptr;
     const std::uint64_t pairs = pairs_of(digits);
     const std::int64_t seconds = pairs >> 16 & 0xFF;
-    const std::int64_t thousandths = (digits >> 40 & 0xFF) * 100 + (pairs >> 48 & 0xFF);
+    const std::int64_t tenths = digits >> 40 & 0xFF, rest = pairs >> 48 & 0xFF;
     if (seconds > 60) return nullptr;
-    time.nanoseconds = minute_start_ + seconds * second + thousandths * (second / 1000);
+    time.nanoseconds = minute_start_ + seconds * second + (tenths * 100 + rest) * (second / 1000);
     time.origin = RecordTime::Origin::epoch;
     return p + (p[23] == 'Z' ? 24 : 23);
 }

@@ -139,7 +139,7 @@ TEST(Fields, UndecodedBytes) {
     EXPECT_EQ(dump(bytes.data(), 2, 0), L" 5A 5A");
     EXPECT_EQ(dump(bytes.data(), -1, 1), L"Data:");
     EXPECT_EQ(dump(nullptr, 5, 1), L"Data:");
-    for (const std::size_t size : {1, 4, 6, 8, 9, 1024})
+    for (const std::size_t size : {1u, 4u, 6u, 8u, 9u, 1024u})
         EXPECT_EQ(dump(bytes.data(), 1000, 1, static_cast<int>(size)),
                   dump(bytes.data(), 1000, 1).substr(0, size - 1));
 }

@@ -11,9 +11,10 @@ using namespace core::unit;
 using Db = QV_N2K_PGN_DB_c;
 
 TEST(Formats, ConversionByNumber) {
-    for (const DF df : {0, 24, 37, 117, 2436, 2444, 3000, 3002, 60001, 60029, 60031, 60044})
+    for (const DF df :
+         std::initializer_list<DF>{0, 24, 37, 117, 2436, 2444, 3000, 3002, 60001, 60029, 60031, 60044})
         EXPECT_NE(find_conversion(df), nullptr) << df;
-    for (const DF df : {118, 2435, 2445, 3003, 60000, 60030, 60045, 65535})
+    for (const DF df : std::initializer_list<DF>{118, 2435, 2445, 3003, 60000, 60030, 60045, 65535})
         EXPECT_EQ(find_conversion(df), nullptr) << df;
     EXPECT_EQ(Db::DF_to_conv_DF(105), reinterpret_cast<void*>(find_conversion(105)));
     for (const DFDef& format : all_format_rows())

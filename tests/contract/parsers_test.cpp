@@ -155,7 +155,7 @@ TEST(Parsers, OtherTexts) {
                   (Bytes{static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length >> 8), 1}));
         EXPECT_EQ(std::string(out.value.narrow + 3), text.substr(0, 1871));
     }
-    for (const DF df : {63, 3002}) {
+    for (const DF df : {core::format::text_fixed, core::format::hex_dump}) {
         for (const std::string& text : {std::string(""), std::string("01 02\x80"), std::string(10000, 'x')}) {
             const ConvValue out = parse(df, text.c_str(), m);
             EXPECT_EQ(out.type, CV_TEXT_NARROW);

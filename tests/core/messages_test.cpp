@@ -90,7 +90,7 @@ TEST(EveryMessage, TinyBuffersHoldTheBeginning) {
     for (const std::uint32_t pgn : catalogued_pgns()) {
         const N2KMsg msg = filled(pgn, Fill::random, 60, random);
         const auto lines = lines_of(msg);
-        for (const std::size_t size : {0, 1, 2, 7, 20, 40}) {
+        for (const std::size_t size : {0u, 1u, 2u, 7u, 20u, 40u}) {
             const auto cut = lines_of(msg, false, {}, static_cast<int>(size));
             ASSERT_EQ(cut.size(), lines.size()) << pgn;
             for (std::size_t i = 0; i < cut.size(); ++i) {

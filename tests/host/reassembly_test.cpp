@@ -36,9 +36,10 @@ Record frame(const Header& header, const Bytes& bytes) {
 }
 
 /// Payload that differs between messages and between the pieces of one.
-Bytes payload(unsigned length, unsigned seed) {
+Bytes payload(std::size_t length, unsigned seed) {
     Bytes bytes(length);
-    for (unsigned i = 0; i < length; ++i) bytes[i] = static_cast<std::uint8_t>(i * 5 + seed * 97 + (i >> 6));
+    for (std::size_t i = 0; i < length; ++i)
+        bytes[i] = static_cast<std::uint8_t>(i * 5 + seed * 97 + (i >> 6));
     return bytes;
 }
 
@@ -350,7 +351,7 @@ TEST(Reassembly, DeliversExactlyWhatArrivedWhole) {
         std::vector<bool> whole;
         Device devices[12]{};
         while (line.size() < 20'000) {
-            const unsigned i = random() % std::size(devices);
+            const std::size_t i = random() % std::size(devices);
             Device& device = devices[i];
             if (device.queue.empty()) {
                 const Header header{i % 2 != 0 ? 129029u : 129038u, 3, static_cast<std::uint8_t>(i / 2), 255};

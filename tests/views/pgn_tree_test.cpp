@@ -114,7 +114,7 @@ TYPED_TEST(Tree, TellsStreamsApart) {
 }
 
 TYPED_TEST(Tree, IsFull) {
-    for (std::uint8_t source : {1, 2, 3}) EXPECT_EQ(this->put(message_from(source)), 0);
+    for (std::uint8_t source = 1; source <= 3; ++source) EXPECT_EQ(this->put(message_from(source)), 0);
     EXPECT_EQ(this->put(message_from(4)), -1);
     EXPECT_EQ(this->blocks().size(), 3u);
     EXPECT_EQ(this->put(message_from(2, 127250, {9})), 0);
@@ -125,7 +125,7 @@ TYPED_TEST(Tree, IsFull) {
     EXPECT_EQ(this->put(message_from(4)), 0) << "room again";
     this->tree_.OnInit();
     EXPECT_TRUE(this->blocks().empty()) << "starting over";
-    for (std::uint8_t source : {5, 6, 7}) EXPECT_EQ(this->put(message_from(source)), 0);
+    for (std::uint8_t source = 5; source <= 7; ++source) EXPECT_EQ(this->put(message_from(source)), 0);
     EXPECT_EQ(this->put(message_from(8)), -1);
     for (const unsigned long capacity : {0ul, ~0ul}) {  // no memory has room for the second
         N2KMsg msg = message_from(1);
@@ -136,7 +136,7 @@ TYPED_TEST(Tree, IsFull) {
 TYPED_TEST(Tree, Pauses) {
     this->put(message_from(1));
     this->tree_.Pause(1);
-    for (std::uint8_t source : {1, 2}) EXPECT_EQ(this->put(message_from(source)), 2);
+    for (std::uint8_t source = 1; source <= 2; ++source) EXPECT_EQ(this->put(message_from(source)), 2);
     this->tree_.ClearMsg();
     EXPECT_EQ(this->put(message_from(2)), 2) << "clearing resumes nothing";
     EXPECT_TRUE(this->blocks().empty());

@@ -36,7 +36,7 @@ CONVERSION_MEASURES = {
     "convert_text_medium": Measure(1, "", "text"),
     "convert_text_short": Measure(1, "", "text"),
 }
-LISTED_UNITS = {28: "deg", 39: "W", 45: "rpm", 46: "dB"}  # the other listed units are plain numbers
+LISTED_UNITS = {"deg_lat": "deg", "W": "W", "rpm": "rpm", "dB": "dB"}  # the other listed units are plain numbers
 OPEN_UNITS = {2468: "kWh"}  # what formats count that give their number for every unit
 # Units of the sources. A rate has the rule of what flows, and every kind of AC power that of power.
 SOURCE_UNITS = {
@@ -54,7 +54,7 @@ def measure_of_format(row):
     coding = {"u": "unsigned", "i": "signed"}[row.kind[0]] if row.kind else None
     scale = float(row.scale.rstrip("f"))
     if kind == "listed":
-        return Measure(scale, LISTED_UNITS.get(detail[0], ""), coding)
+        return Measure(scale, LISTED_UNITS.get(detail[0].id, ""), coding)
     unit, factor = RULE_UNITS.get(detail, (OPEN_UNITS.get(row.df, ""), 1))
     return Measure(scale * factor, unit, coding)
 

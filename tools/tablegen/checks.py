@@ -1,6 +1,6 @@
 """Rules between the rows of the tables. They run on tables whose cells are all well formed."""
 
-from plans import END_ROW, find_by_binary_search, label_forms, next_row, pgn_forms, shown_label, unit_forms
+from plans import END_ROW, label_forms, next_row, pgn_forms, repeating_groups, shown_label, unit_forms
 from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
                     UNIT_COUNT)
 
@@ -126,7 +126,7 @@ def check_parsers(tables, report):
             report.add(tables.parsers[-1].place, f"no row for df {df}")
     for row in tables.parsers:
         check_parser_rule(row, report)
-    check_ascending(tables.unit_formats, "unit", report, strict=True)
+    check_unique(tables.unit_formats, "unit", report)
     for row in tables.unit_formats:
         parser = parsers.get(row.df)
         if parser is None or PARSED_BYTES.get(parser.kind, 0) not in (2, 3, 4):
@@ -206,13 +206,12 @@ def check_repeat_sets(tables, report):
     with_rows = {row.pgn for row in tables.fields}
     fields = {(row.pgn, row.field) for row in tables.fields}
     rows = sorted(tables.fields, key=lambda row: row.pgn)
-    pgns = [row.pgn for row in tables.repeat_sets]
+    groups = repeating_groups(tables)
     for i, row in enumerate(rows):
-        found = find_by_binary_search(pgns, row.pgn)
-        group = tables.repeat_sets[found] if found is not None else None
-        if (group and row.field == group.last and (row.pgn, group.first) in fields and group.first <= group.last
-                and next_row(rows, i, group.first - group.last) == END_ROW):
-            report.add(row.place, f"no way back from field {group.last} to field {group.first}")
+        first, last = groups.get(row.pgn, (0, 0))
+        if (row.field == last and (row.pgn, first) in fields and first <= last
+                and next_row(rows, i, first - last) == END_ROW):
+            report.add(row.place, f"no way back from field {last} to field {first}")
     for row in tables.repeat_sets:
         if row.first > row.last:
             report.add(row.place, f"first {row.first} is above last {row.last}")

@@ -1,8 +1,9 @@
 """The C++ include fragments. Each is text for the inside of one initialiser or macro list."""
 
-from plans import format_lines, id_lines, make_plans, rule_lines, special_lines
+from plans import escaped, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal
 from powers import power_lines
-from tables import ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS, literal
+from tables import (ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS,
+                    conversion_owner, number_literal)
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
@@ -33,7 +34,7 @@ def fragments(tables):
                                              for row in catalogued(tables)]),
         "parser_units.inc": ("parsers.tsv", parser_units(tables.parsers)),
         "parser_table.inc": ("parsers.tsv", parser_lines(tables.parsers)),
-        "unit_format_table.inc": ("unit_formats.tsv", [f"{{{row.unit}, {row.df}}},"
+        "unit_format_table.inc": ("unit_formats.tsv", [f"{{{row.unit.number}, {row.df}}},"
                                                        for row in tables.unit_formats]),
         "df_conv_table.inc": ("formats.tsv", [f"&{conversion(df, formats)},"
                                               for df in range(LAST_INDEXED_FORMAT + 1)]),
@@ -120,12 +121,10 @@ def stream_key_line(row):
 
 def conversion(df, formats):
     """The contract's conversion. Formats that share one by name have the same function."""
-    kind, name = formats[df].rule
-    if kind == "special" and name.startswith("convert_df_"):
-        return conversion(int(name.removeprefix("convert_df_")), formats)
-    if kind == "special":
-        df = next(row.df for row in formats.values() if row.rule == ("special", name))
-    return f"convert_df<{df}>"
+    owner = conversion_owner(formats[df], formats)
+    if owner.rule[0] == "special":
+        owner = next(row for row in formats.values() if row.rule == owner.rule)
+    return f"convert_df<{owner.df}>"
 
 
 def format_line(row, parser, formats):
@@ -136,7 +135,7 @@ def format_line(row, parser, formats):
 
 def parser_units(parsers):
     """The units of every parser that lists them, in the order of the parsers."""
-    return [f"{{{unit}, {step_list(chain, parser)}}}," for parser in parsers
+    return [f"{{{unit.number}, {step_list(chain, parser)}}}," for parser in parsers
             if parser.rule[0] == "listed" for unit, chain in parser.rule[1]]
 
 
@@ -163,7 +162,7 @@ def parser_rule(row, offset):
         return f"Mapped{{&{detail}_of}}"
     if kind == "factor":
         factor, amount, raw_count_as = detail
-        return f"Divided{{&{factor}_factor, {constant(amount, row)}, {raw_count_as}}}"
+        return f"Divided{{&{factor}_factor, {constant(amount, row)}, {raw_count_as.number}}}"
     if kind in ("whole", "hex"):
         return f"Whole{{{16 if kind == 'hex' else 10}}}"
     return {"any": "AnyUnit{}", "never": "NeverRead{}", "probe": "Probed{}"}[kind]
@@ -176,7 +175,7 @@ def step_list(chain, row):
 
 def constant(decimal, row):
     """Single precision, but for numbers of 8 bytes, which reach further."""
-    return literal(decimal) + ("" if row.kind in ("u48", "u64", "i64") else "f")
+    return number_literal(decimal) + ("" if row.kind in ("u48", "u64", "i64") else "f")
 
 
 def field_line(row, dictionary_index):
@@ -189,7 +188,7 @@ def repeat_set_line(row):
 
 
 def unit_row(units):
-    padded = [*units, *[UNIT_COUNT] * (UNITS_PER_CLASS + 1 - len(units))]
+    padded = [*(unit.number for unit in units), *[UNIT_COUNT] * (UNITS_PER_CLASS + 1 - len(units))]
     return f"{{{', '.join(map(str, padded))}}},"
 
 
@@ -213,8 +212,7 @@ def set_lines(sets):
 
 
 def narrow(text):
-    """A literal of Latin-1 bytes; octal escapes have three digits, so no digit can join them."""
-    return '"' + "".join(escaped(c) if c < "\x7f" else f"\\{ord(c):03o}" for c in text) + '"'
+    return text_literal(text.encode("latin-1"))
 
 
 def wide(text):
@@ -231,7 +229,3 @@ def wide(text):
     if plain or not pieces:
         pieces.append(plain)
     return " ".join(f'L"{piece}"' for piece in pieces)
-
-
-def escaped(c):
-    return "\\" + c if c in '"\\?' else c

@@ -5,7 +5,7 @@ The forms of a text lie in one pool. A form is named by its offset there, so tha
 
 from types import SimpleNamespace as Row
 
-from tables import CLASS_COUNT, NO_CLASS, RAW_BITS, RAW_COUNT, UNIT_COUNT
+from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT, conversion_owner
 
 END_ROW = 0xFFFF
 NO_SET = 255
@@ -20,7 +20,10 @@ SIZED_BY_FIELD = {f"convert_{name}" for name in (
     "bit_field", "ais_spare", "low_4_bits", "low_2_bits", "low_6_bits", "package_type", "can_frame_id",
     "can_frame_data")}
 # Rules of readings of their own: the units in which they are read in line.
-QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"), "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
+QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"),
+               "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
+STRING_FORMATS = (50, 51, 63)  # short, medium and fixed
+TEXT_FORMATS = (*STRING_FORMATS, 3002)  # and the hexadecimal dump
 FIRST = "First"
 FIRST_WORD = len("First ")
 POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
@@ -42,11 +45,16 @@ class Pool:
         return self.offsets[data]
 
     def lines(self):
-        return [literal(piece) for piece in self.pieces] + [f'"{"x" * POOL_SLACK}"']
+        return [text_literal(piece) for piece in self.pieces] + [f'"{"x" * POOL_SLACK}"']
 
 
-def literal(data):
-    return '"' + "".join(chr(b) if 0x20 <= b < 0x7F and chr(b) not in '"\\?' else f"\\{b:03o}" for b in data) + '"'
+def text_literal(data):
+    """A literal of these bytes; octal escapes have three digits, so no digit can join them."""
+    return '"' + "".join(escaped(chr(b)) if 0x20 <= b < 0x7F else f"\\{b:03o}" for b in data) + '"'
+
+
+def escaped(c):
+    return "\\" + c if c in '"\\?' else c
 
 
 def json_text(text):
@@ -80,7 +88,6 @@ def make_plans(tables):
     plans.fields = sorted(tables.fields, key=lambda row: row.pgn)  # stable: order within a PGN stays
     plans.sets = sorted((s for s in tables.sets if not s.stored_order), key=lambda found: found.dd)
     plans.sets += [s for s in tables.sets if s.stored_order]
-    plans.formats = tables.formats
     plan_units(tables, plans)
     plan_sets(plans)
     plan_rules(tables, plans)
@@ -114,30 +121,29 @@ def plan_rules(tables, plans):
     """The unit rules as rows of factors; lists of units and 'any' are rules whose factors are 1."""
     rules = {}
     for row in tables.unit_factors:
-        rules.setdefault(row.rule, {})[row.unit] = row.factor
+        rules.setdefault(row.rule, {})[row.unit.number] = row.factor
     rules["temperature_k"] = {}
     unit_of = {row.id: row.unit for row in tables.units}
     for rule, units in QUICK_RULES.items():
         rules[rule] = {unit_of[unit]: "1.0f" for unit in units}
-    rules["any"] = {unit: "1.0f" for unit in range(UNIT_COUNT) if unit not in (RAW_COUNT, RAW_BITS)}
+    rules["any"] = {row.unit: "1.0f" for row in tables.units if row.id not in ("raw_count", "raw_bits")}
     for row in tables.formats:
         kind, detail = row.rule
         if kind == "listed":
-            rules.setdefault(listed_rule(detail), {unit: "1.0f" for unit in detail})
+            rules.setdefault(listed_rule(detail), {unit.number: "1.0f" for unit in detail})
     plans.rules = rules
     plans.rule_lines = [
         "{" + ", ".join(factors.get(unit, "0") for unit in range(UNIT_COUNT)) + "}," for factors in rules.values()]
 
 
 def listed_rule(units):
-    return "listed_" + "_".join(map(str, units))
+    return "listed_" + "_".join(str(unit.number) for unit in units)
 
 
 def format_row(row, formats):
     """How the raw bits of a format become a value."""
+    row = conversion_owner(row, formats)
     kind, detail = row.rule
-    if kind == "special" and detail.startswith("convert_df_"):
-        return format_row(formats[int(detail.removeprefix("convert_df_"))], formats)
     width = int(row.kind[1:]) if row.kind else 0
     reading, rule = {
         "special": lambda: (detail.removeprefix("convert_"), None),
@@ -207,52 +213,66 @@ def special_row(tables, pgn, field, dd, column):
 
 
 def plan_fields(tables, plans):
-    rows = plans.fields
-    dictionary = {row.dd: row for row in tables.dictionary}
-    formats = {row.df: i for i, row in enumerate(tables.formats)}
-    classes = {row.dd: getattr(row, "class") for row in tables.disp_data_types}
-    rules = {row.pgn: row for row in tables.pgn_rules}
-    sets = {found.dd: i for i, found in enumerate(plans.sets)}
-    repeat_pgns = [row.pgn for row in tables.repeat_sets]
-    plans.field_lines = []
-    format_rows = {row.df: row for row in tables.formats}
-    for i, row in enumerate(rows):
-        entry, rule = dictionary[row.dd], rules.get(row.pgn)
-        found = find_by_binary_search(repeat_pgns, row.pgn)
-        first, last = ((tables.repeat_sets[found].first, tables.repeat_sets[found].last)
-                       if found is not None else (0, 0))
-        repeats = first <= row.field <= last
-        label = shown_label(tables, row)
-        numbered = repeats and label == row.label and FIRST in label
-        forms = label_forms(row.field, label, numbered)
-        enumeration = sets.get(row.dd, NO_SET)
-        form = special_row(tables, row.pgn, row.field, row.dd, "form")
-        if form is None:
-            form = ("plain" if enumeration == NO_SET
-                    else "flags" if plans.sets[enumeration].kind == 3 else "enumeration")
-        filtered = rule is not None and rule.walk == "proprietary"
-        bits = field_bits(row, entry, rule, format_rows)
-        kind_of_quantity = quantity(tables, row, classes, rule)
-        quick = kind_of_quantity <= NO_CLASS and is_quick(format_rows[entry.df], bits)
-        flags = {
-            "in_group": repeats,
-            "first_of_group": row.field == first,
-            "last_of_group": row.field == last,
-            "numbered": numbered,
-            "quoted": numbered and is_quoted_in_csv(label),
-            "string": entry.df in (50, 51, 63),
-            "text": entry.df in (50, 51, 63, 3002),
-            "whole_bytes": bits % 8 == 0,
-            "quick": quick,
-            "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
-        }
-        plans.field_lines.append(
-            f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {7 if bits % 8 == 0 else 0}, {next_row(rows, i, 1)}, "
+    lookup = Row(
+        entries={row.dd: row for row in tables.dictionary},
+        formats={row.df: row for row in tables.formats},
+        format_index={row.df: i for i, row in enumerate(tables.formats)},
+        classes={row.dd: getattr(row, "class") for row in tables.disp_data_types},
+        rules={row.pgn: row for row in tables.pgn_rules},
+        sets={found.dd: i for i, found in enumerate(plans.sets)},
+        groups=repeating_groups(tables))
+    plans.field_lines = [field_plan(tables, plans, lookup, i) for i in range(len(plans.fields))]
+
+
+def repeating_groups(tables):
+    """First and last field of the group by PGN. The search may miss one that stands out of order, which is refused."""
+    pgns = [row.pgn for row in tables.repeat_sets]
+    found = {pgn: find_by_binary_search(pgns, pgn) for pgn in pgns}
+    rows = {pgn: tables.repeat_sets[i] for pgn, i in found.items() if i is not None}
+    return {pgn: (row.first, row.last) for pgn, row in rows.items()}
+
+
+def field_plan(tables, plans, lookup, i):
+    rows, row = plans.fields, plans.fields[i]
+    entry, rule = lookup.entries[row.dd], lookup.rules.get(row.pgn)
+    first, last = lookup.groups.get(row.pgn, (0, 0))
+    label = shown_label(tables, row)
+    numbered = first <= row.field <= last and label == row.label and FIRST in label
+    forms = label_forms(row.field, label, numbered)
+    enumeration = lookup.sets.get(row.dd, NO_SET)
+    bits = field_bits(row, entry, rule, lookup.formats)
+    kind_of_quantity = quantity(tables, row, lookup.classes, rule)
+    form = field_form(tables, plans, row, enumeration)
+    quick = kind_of_quantity <= NO_CLASS and is_quick(lookup.formats[entry.df], bits)
+    filtered = rule is not None and rule.walk == "proprietary"
+    flags = {
+        "in_group": first <= row.field <= last,
+        "first_of_group": row.field == first,
+        "last_of_group": row.field == last,
+        "numbered": numbered,
+        "quoted": numbered and is_quoted_in_csv(label),
+        "string": entry.df in STRING_FORMATS,
+        "text": entry.df in TEXT_FORMATS,
+        "whole_bytes": bits % 8 == 0,
+        "quick": quick,
+        "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
+    }
+    misplaced = 7 if bits % 8 == 0 else 0
+    return (f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {misplaced}, {next_row(rows, i, 1)}, "
             f"{next_row(rows, i, first - last) if row.field == last else END_ROW}, "
-            f"{bits}, {row.field}, {formats[entry.df]}, "
-            f"{kind_of_quantity}, Form::{form}, {enumeration}, "
+            f"{bits}, {row.field}, {lookup.format_index[entry.df]}, {kind_of_quantity}, "
+            f"Form::{form}, {enumeration}, "
             f"{{{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
+
+
+def field_form(tables, plans, row, enumeration):
+    form = special_row(tables, row.pgn, row.field, row.dd, "form")
+    if form is not None:
+        return form
+    if enumeration == NO_SET:
+        return "plain"
+    return "flags" if plans.sets[enumeration].kind == 3 else "enumeration"
 
 
 def shown_label(tables, row):
@@ -278,14 +298,13 @@ def field_bits(row, entry, rule, formats):
 
 def number_bits(row, formats):
     """The bits that a format says it takes; 0 for those that leave it to the field, and for texts."""
+    row = conversion_owner(row, formats)
     kind, name = row.rule
-    if kind == "special" and name.startswith("convert_df_"):
-        return number_bits(formats[int(name.removeprefix("convert_df_"))], formats)
     return 0 if kind == "special" and name in SIZED_BY_FIELD or not row.kind else int(row.kind[1:])
 
 
 def is_quick(row, bits):
-    """Whether reading takes nothing but number, reserved codes, resolution and factor, and the number lies in one word."""
+    """Whether reading takes nothing but number, reserved codes, resolution and factor; the number lies in one word."""
     if not 0 < bits <= 64 or (bits > 57 and bits % 8 != 0):
         return False
     kind, name = row.rule
@@ -367,7 +386,7 @@ def rule_lines(tables):
 
 
 def c_text(text):
-    return "nullptr" if text is None else literal(text.encode())
+    return "nullptr" if text is None else text_literal(text.encode())
 
 
 # ---- names for code ----
@@ -408,4 +427,3 @@ def id_lines(tables):
         *block("format", "DF", ids("df")),
         "}  // namespace pgn_vistel::core",
     ]
-

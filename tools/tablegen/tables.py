@@ -4,6 +4,7 @@ import hashlib
 import re
 from pathlib import Path
 from types import SimpleNamespace as Row
+from typing import NamedTuple
 
 MAX_PGN = 0x3FFFF  # 18 significant bits
 MAX_U32 = 0xFFFFFFFF
@@ -21,10 +22,8 @@ CLASS_COUNT = 65
 NO_CLASS = 65
 UNIT_COUNT = 140
 UNITS_PER_CLASS = 7
-RAW_COUNT = 68  # the unit of a number as sent
-RAW_BITS = 83  # the same, reserved codes too
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
-# What a parser may be told to do with a typed number; src/values/parsers has a function for each name.
+# What a parser may be told to do with a typed number; src/contract/parsers has a function for each name.
 PLAIN_PARSER_RULES = ("any", "never", "probe", "whole", "hex")
 UNIT_MAPS = ("seconds", "minutes", "kelvin")
 UNIT_FACTORS = ("length", "volume", "voltage", "current", "pressure", "speed")
@@ -41,7 +40,17 @@ class Report:
         self.messages.append(f"{place}: {text}")
 
 
-# Cell parsers: they take the text of a cell and give its value or raise ValueError.
+class Unit(NamedTuple):
+    """Messages name it by its id, generated tables by its number."""
+    number: int
+    id: str
+
+    def __str__(self):
+        return self.id
+
+
+# Cell parsers: they take the text of a cell and give its value or raise ValueError. Those that read units are made by
+# functions of the parser `unit`, which knows the ids of units.tsv.
 
 def number(low, high):
     def parse(cell):
@@ -94,7 +103,7 @@ def factor(cell):
     """The C++ literal of a unit's factor."""
     if not re.fullmatch(DECIMAL, cell) or not 0 < float(cell) < 1e38:
         raise ValueError(f"'{cell}' is not a positive decimal number")
-    return literal(cell) + "f"
+    return number_literal(cell) + "f"
 
 
 def choice(*words):
@@ -154,34 +163,42 @@ def first_stream_key(cell):
 
 def scale(cell):
     """The C++ literal of a scale."""
-    if cell == "-":
-        return "1.0f"
-    if not re.fullmatch(DECIMAL, cell) or not 0 < float(cell) < 1e38:
-        raise ValueError(f"'{cell}' is not a positive decimal number")
-    return literal(cell) + "f"
+    return "1.0f" if cell == "-" else factor(cell)
 
 
-def literal(decimal):
+def number_literal(decimal):
     """The C++ literal of a number, in double precision."""
     return decimal if "." in decimal or "e" in decimal else f"{decimal}.0"
 
 
-def rule(cell):
+def known_unit(rows):
+    units = {row.id: Unit(row.unit, row.id) for row in rows if hasattr(row, "unit") and hasattr(row, "id")}
+
+    def parse(cell):
+        if cell not in units:
+            raise ValueError(f"'{cell}' is no unit")
+        return units[cell]
+    return parse
+
+
+def unit_list(unit):
+    return lambda cell: [unit(name) for name in cell.split(",")]
+
+
+def format_rule(unit):
     """(kind of rule, its name or its units)."""
-    if cell == "any":
-        return "any", None
-    if cell == "unit_rule_integer":
-        return "integer", cell
-    match = re.fullmatch(r"(unit_rule|convert)_[a-z0-9_]+", cell)
-    if match:
-        return ("scaled" if match[1] == "unit_rule" else "special"), cell
-    if re.fullmatch(r"[0-9]+(,[0-9]+)*", cell):
-        return "listed", unit_list(cell)
-    raise ValueError(f"'{cell}' is no rule")
-
-
-def unit_list(cell):
-    return [] if cell == "-" else [number(0, UNIT_COUNT - 1)(unit) for unit in cell.split(",")]
+    def parse(cell):
+        if cell == "any":
+            return "any", None
+        if cell == "unit_rule_integer":
+            return "integer", cell
+        match = re.fullmatch(r"(unit_rule|convert)_[a-z0-9_]+", cell)
+        if match:
+            return ("scaled" if match[1] == "unit_rule" else "special"), cell
+        if re.fullmatch(r"{[^{}]*}", cell):
+            return "listed", unit_list(unit)(cell[1:-1])
+        raise ValueError(f"'{cell}' is no rule")
+    return parse
 
 
 def steps(most):
@@ -198,27 +215,29 @@ def steps(most):
     return parse
 
 
-def parser_rule(cell):
+def parser_rule(unit):
     """(kind of rule, its details)."""
-    if cell in PLAIN_PARSER_RULES:
-        return cell, None
-    if cell in UNIT_MAPS:
-        return "map", cell
-    if re.fullmatch(r"parse_[a-z_]+", cell):
-        return "special", cell
-    match = re.fullmatch(rf"([a-z]+)(?:@({DECIMAL}))?(?:;68=([0-9]+))?", cell)
-    if match and match[1] in UNIT_FACTORS:
-        raw_count_as = number(0, UNIT_COUNT - 1)(match[3]) if match[3] else RAW_COUNT
-        return "factor", (match[1], match[2] or "1", raw_count_as)
-    if re.fullmatch(r"[0-9][^;]*(;[0-9][^;]*)*", cell):
-        return "listed", [case for group in cell.split(";") for case in unit_cases(group)]
-    raise ValueError(f"'{cell}' is no rule")
+    def parse(cell):
+        if cell in PLAIN_PARSER_RULES:
+            return cell, None
+        if cell in UNIT_MAPS:
+            return "map", cell
+        if re.fullmatch(r"parse_[a-z_]+", cell):
+            return "special", cell
+        match = re.fullmatch(rf"([a-z]+)(?:@({DECIMAL}))?(?:;raw_count=(.*))?", cell)
+        if match and match[1] in UNIT_FACTORS:
+            return "factor", (match[1], match[2] or "1", unit(match[3] or "raw_count"))
+        groups = [re.fullmatch(r"{([^{}]*)}(.*)", group) for group in cell.split(";")]
+        if all(groups):
+            return "listed", [case for group in groups for case in unit_cases(unit, *group.groups())]
+        raise ValueError(f"'{cell}' is no rule")
+    return parse
 
 
-def unit_cases(group):
-    """(unit, steps) of each unit of a group such as 22,24*0.5."""
-    units, chain = re.fullmatch(r"([0-9,]+)(.*)", group).groups()
-    return [(unit, steps(MAX_STEPS)(chain or "-")) for unit in unit_list(units)]
+def unit_cases(unit, names, chain):
+    """(unit, steps) of each unit of a group such as {deg,deg_mag}*0.5."""
+    taken = steps(MAX_STEPS)(chain or "-")
+    return [(each, taken) for each in unit_list(unit)(names)]
 
 
 def parser_range(cell):
@@ -231,11 +250,13 @@ def parser_range(cell):
     return None, bounds.groups()
 
 
-def offered_units(cell):
-    units = unit_list(cell)
-    if len(units) > UNITS_PER_CLASS:
-        raise ValueError(f"names {len(units)} units, {UNITS_PER_CLASS} fit")
-    return units
+def offered_units(unit):
+    def parse(cell):
+        units = [] if cell == "-" else unit_list(unit)(cell)
+        if len(units) > UNITS_PER_CLASS:
+            raise ValueError(f"names {len(units)} units, {UNITS_PER_CLASS} fit")
+        return units
+    return parse
 
 
 PGN = number(0, MAX_PGN)
@@ -250,6 +271,7 @@ LABEL = ascii_text(MAX_LABEL)
 
 KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
 FIELD_COLUMNS = {"pgn": PGN, "field": FIELD, "label": LABEL, "size": size, "dd": DD, **KEYS}
+UNIT_COLUMNS = {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "meaning": str}
 COLUMNS = {
     "pgns": {"pgn": PGN, "name": ascii_text(MAX_NAME), **KEYS, "priority": number(0, 7),
              "frames": choice("single", "multi"), "packet": choice("single", "fast", "transport"),
@@ -259,18 +281,9 @@ COLUMNS = {
     "dictionary": {"dd": DD, "name": text(MAX_NAME, dash_is_empty=True), "df": DF, "size": size},
     "disp_data_types": {"dd": DD, "class": CLASS},
     "repeat_sets": {"pgn": PGN, "selector": number(0, 0xFFFF), "first": FIELD, "last": FIELD},
-    "formats": {"df": DF, "kind": optional(KIND), "scale": scale, "rule": rule,
-                "catalogued": choice("yes", "no")},
-    "parsers": {"df": DF, "kind": optional(choice(*PARSED_KINDS)), "rule": parser_rule,
-                "then": steps(MAX_STEPS), "range": parser_range,
-                "offset": optional(number(1, MAX_U32))},
-    "unit_formats": {"unit": number(0, UNIT_COUNT - 1), "df": DF},
     "format_list": {"df": DF},
     "self_described": {"df": DF},
     "format_classes": {"df": DF, "class": CLASS},
-    "units": {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "meaning": str},
-    "unit_factors": {"rule": identifier, "unit": number(0, UNIT_COUNT - 1), "factor": factor},
-    "availability": {"class": CLASS, "id": identifier, "units": offered_units, "quantity": str},
     "quantities": {"label": text(MAX_LABEL), "class": CLASS},
     "ids": {"kind": choice("pgn", "dd", "df"), "number": number(0, MAX_PGN), "id": identifier},
     "pgn_rules": {"pgn": PGN, "name": optional(ascii_text(MAX_NAME)),
@@ -284,10 +297,31 @@ COLUMNS = {
 }
 
 
+def columns_with_units(unit):
+    return {
+        "formats": {"df": DF, "kind": optional(KIND), "scale": scale, "rule": format_rule(unit),
+                    "catalogued": choice("yes", "no")},
+        "parsers": {"df": DF, "kind": optional(choice(*PARSED_KINDS)), "rule": parser_rule(unit),
+                    "then": steps(MAX_STEPS), "range": parser_range,
+                    "offset": optional(number(1, MAX_U32))},
+        "unit_formats": {"unit": unit, "df": DF},
+        "unit_factors": {"rule": identifier, "unit": unit, "factor": factor},
+        "availability": {"class": CLASS, "id": identifier, "units": offered_units(unit), "quantity": str},
+    }
+
+
+def conversion_owner(row, formats):
+    """The row of the format whose conversion the format of `row` has: another's by convert_df_N, or its own."""
+    kind, name = row.rule
+    shares = kind == "special" and name.startswith("convert_df_")
+    return conversion_owner(formats[int(name.removeprefix("convert_df_"))], formats) if shares else row
+
+
 def read_tables(data, report):
     """All tables under the folder `data`; rows carry the place they stand at."""
     tables = Row(summary=[])
-    for name, columns in COLUMNS.items():
+    tables.units = read_table(tables, data, "units.tsv", UNIT_COLUMNS, report)
+    for name, columns in (COLUMNS | columns_with_units(known_unit(tables.units))).items():
         setattr(tables, name, read_table(tables, data, f"{name}.tsv", columns, report))
     tables.fields = [
         row for path in sorted((data / "fields").glob("*.tsv"))
@@ -299,7 +333,7 @@ def read_tables(data, report):
 
 
 def read_table(tables, data, name, columns, report):
-    lines = read_lines(tables, data, name, report)
+    lines = read_lines(data, name, report)
     if not lines:
         report.add(data / name, "no header")
         return []
@@ -329,7 +363,7 @@ def read_row(columns, cells, place, report):
 def read_sets(tables, data, name, report):
     """Sets of texts: a line `set DD KIND NAME [stored_order]`, then `VALUE TEXT [guess]` lines."""
     sets = []
-    lines = read_lines(tables, data, name, report)
+    lines = read_lines(data, name, report)
     set_columns = {"set": str, "dd": DD, "kind": number(0, 5), "name": text(MAX_NAME, True)}
     entry_columns = {"value": number(0, MAX_U32), "text": ascii_text(MAX_ENTRY)}
     for place, cells in lines:
@@ -347,7 +381,7 @@ def read_sets(tables, data, name, report):
     return sets
 
 
-def read_lines(tables, data, name, report):
+def read_lines(data, name, report):
     """(place, cells) of every line that is neither empty nor a comment."""
     path = Path(data) / name
     try:

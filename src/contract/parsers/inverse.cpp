@@ -93,8 +93,10 @@ float conv_to_float(const ConvValue& v) {
 
 int value_to_raw(void* out, float value, UnitId unit, int available, ConvFunction conversion, int bits) {
     if (out == nullptr || conversion == nullptr || available <= 0) return -1;
-    if (conversion == find_conversion(61)) return invert_float(out, value, unit, available, conversion);
-    if (conversion == find_conversion(62)) return invert_double(out, value, unit, available, conversion);
+    if (conversion == find_conversion(core::format::single_precision))
+        return invert_float(out, value, unit, available, conversion);
+    if (conversion == find_conversion(core::format::double_precision))
+        return invert_double(out, value, unit, available, conversion);
     return invert_linear(out, value, unit, available, conversion, bits);
 }
 
