@@ -126,7 +126,12 @@ class LineReader final : public RecordReader {
         std::string_view text = lines_.beginning(), line;
         Record record;
         Problem problem;
-        while (format_.wants_look_ahead() && take_line(text, line)) {
+        while (format_.wants_look_ahead()) {
+            if (const char* const end = format_.read_usual(text, record); end != nullptr) {
+                text.remove_prefix(static_cast<std::size_t>(end + 1 - text.data()));
+                continue;
+            }
+            if (!take_line(text, line)) break;
             if (line.empty()) continue;
             if (line[0] == '#') {
                 format_.comment(line);
