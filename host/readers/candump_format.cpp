@@ -109,7 +109,7 @@ LineResult read_packed(const Shape& shape, N2KMsg& msg, Problem& problem) {
     return read_packed_bytes(bytes, max_frame_bytes, msg, problem) ? LineResult::record : LineResult::problem;
 }
 
-/// Number of blanks at `p`, which has eight characters: 0 to 7, or 8 or more.
+/// Number of blanks at `p`, which has eight characters.
 unsigned size_of_blanks(const char* p) {
     constexpr std::uint64_t blanks = 0x2020202020202020;
     return static_cast<unsigned>(std::countr_zero(characters_at<std::uint64_t>(p) ^ blanks)) / 8;
@@ -216,7 +216,8 @@ LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& p
             return std::string_view(begin, static_cast<std::size_t>(end - begin));
         };
         const char* const behind = shape.identifier.data() + shape.identifier.size();
-        layout_.learn(timed, part(line.data(), shape.identifier.data()), part(behind, shape.data.data()));
+        Layout& layout = layouts_[next_layout_++ % layouts_.size()];
+        layout.learn(timed, part(line.data(), shape.identifier.data()), part(behind, shape.data.data()));
     }
     return result;
 }
@@ -246,28 +247,31 @@ const char* CandumpFormat::read_usual_time(const char* p, RecordTime& time) cons
 }
 
 const char* CandumpFormat::read_usual(std::string_view text, Record& record) const {
-    constexpr std::size_t room = sizeof "       (2017-08-17 14:32:12.106111222Z)0123456789ABCDEF09F8027F   [8]  "
+    constexpr std::size_t room = sizeof "        (2017-08-17 14:32:12.106111222Z)0123456789ABCDEF09F8027F   [8]  "
                                         "00 11 22 33 44 55 66 77 \r\n" -
                                  1;
-    if (text.size() < room || !layout_.known) return nullptr;
+    if (text.size() < room) return nullptr;
     const char* p = text.data() + size_of_blanks(text.data());
     record.time = {};
-    if ((*p == '(') != layout_.timed) return nullptr;
-    if (layout_.timed) {
+    const bool timed = *p == '(';
+    if (timed) {
         p = read_usual_time(p, record.time);
         if (p == nullptr) return nullptr;
     }
-    if (!layout_.before.matches(p)) return nullptr;
-    p += layout_.before.size();
+    const auto layout = std::find_if(layouts_.begin(), layouts_.end(), [&](const Layout& known) {
+        return known.known && known.timed == timed && known.before.matches(p);
+    });
+    if (layout == layouts_.end()) return nullptr;
+    p += layout->before.size();
     constexpr std::size_t identifier_size = 8;
     std::uint32_t identifier = 0;
     if (!read_hex_number(p, identifier) || identifier > max_identifier) return nullptr;
     p += identifier_size;
-    if (!layout_.behind.matches(p)) return nullptr;
-    const auto count = static_cast<unsigned>(p[layout_.length_at] - '0');
-    p += layout_.behind.size();
+    if (!layout->behind.matches(p)) return nullptr;
+    const auto count = static_cast<unsigned>(p[layout->length_at] - '0');
+    p += layout->behind.size();
     const char* const end =
-        layout_.spaced ? read_usual_spaced_data(p, count, record.msg) : read_usual_packed_data(p, record.msg);
+        layout->spaced ? read_usual_spaced_data(p, count, record.msg) : read_usual_packed_data(p, record.msg);
     if (end == nullptr) return nullptr;
     record.kind = Record::Kind::frame;
     set_header(record.msg, identifier);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "readers/line_format.h"
 #include "readers/timestamp.h"
 #include "text/character_pattern.h"
@@ -23,8 +25,8 @@ class CandumpFormat : public IndependentLines {
     const char* read_usual(std::string_view text, Record& record) const;
 
   private:
-    /// What the line that read() took last has around its identifier; most lines of a recording have the
-    /// same.
+    /// What a line that read() took has around its identifier; most lines of a recording have the same, or
+    /// that of their interface.
     struct Layout {
         void learn(bool has_time, std::string_view before_identifier, std::string_view behind_identifier);
 
@@ -39,7 +41,8 @@ class CandumpFormat : public IndependentLines {
     bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
     const char* read_usual_time(const char* p, RecordTime& time) const;
 
-    Layout layout_;
+    std::array<Layout, 4> layouts_;
+    unsigned next_layout_ = 0;
     TimestampParser timestamps_;
 };
 
