@@ -1,6 +1,7 @@
 #include "readers/candump_format.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cstring>
 
@@ -108,13 +109,21 @@ LineResult read_packed(const Shape& shape, N2KMsg& msg, Problem& problem) {
     return read_packed_bytes(bytes, max_frame_bytes, msg, problem) ? LineResult::record : LineResult::problem;
 }
 
-/// Goes over blanks. Lines do not end with one.
-const char* behind_blanks(const char* p) {
-    while (*p == ' ') ++p;
-    return p;
+/// Number of blanks at `p`, which has eight characters.
+unsigned size_of_blanks(const char* p) {
+    constexpr std::uint64_t blanks = 0x2020202020202020;
+    return static_cast<unsigned>(std::countr_zero(characters_at<std::uint64_t>(p) ^ blanks)) / 8;
 }
 
-/// `00 FC` or `00FC` up to the end of the line.
+/// Goes to the very end of a line that ends at `p`, perhaps behind a blank, or else gives null. `p` has three
+/// characters.
+const char* line_end(const char* p) {
+    if (*p == ' ') ++p;
+    if (*p == '\r') ++p;
+    return *p == '\n' ? p : nullptr;
+}
+
+/// Reads the bytes of a frame, `stride` characters apart.
 template <unsigned stride>
 bool read_usual_data(const char* p, unsigned count, N2KMsg& msg) {
     std::uint8_t data[max_frame_bytes] = {};
@@ -124,57 +133,25 @@ bool read_usual_data(const char* p, unsigned count, N2KMsg& msg) {
     return true;
 }
 
-/// `[8]  00 FC` up to the end of the line.
-bool read_usual_length_and_data(const char* p, const char* end, N2KMsg& msg) {
-    if (end - p < 3 || p[0] != '[' || p[2] != ']') return false;
-    const auto count = static_cast<unsigned>(p[1] - '0');
-    p += 3;
-    if (count == 0 || count > max_frame_bytes || p == end) return false;
-    p = behind_blanks(p);
-    if (end - p != 3 * static_cast<std::ptrdiff_t>(count) - 1) return false;
-    return lead_pairs(' ', p - 1, count) && read_usual_data<3>(p, count, msg);
+/// Reads `00 FC` up to the end of the line, which is returned, or null.
+const char* read_usual_spaced_data(const char* p, unsigned count, N2KMsg& msg) {
+    if (count == 0 || count > max_frame_bytes) return nullptr;
+    const char* const end = line_end(p + 3 * count - 1);
+    if (end == nullptr || !lead_pairs(' ', p - 1, count) || !read_usual_data<3>(p, count, msg))
+        return nullptr;
+    return end;
 }
 
-/// `#00FC` up to the end of the line.
-bool read_usual_packed_data(const char* p, const char* end, N2KMsg& msg) {
-    const auto digits = static_cast<std::size_t>(end - ++p);
-    return digits % 2 == 0 && digits <= 2 * max_frame_bytes &&
-           read_usual_data<2>(p, static_cast<unsigned>(digits / 2), msg);
-}
-
-/// Reads a line as candump prints most of them: seconds or no time, one word for the interface or angles, an
-/// identifier of NMEA 2000, data. False for every other line, and then nothing is known of it.
-bool read_usual_line(std::string_view line, Record& record) {
-    assert(!line.empty() && !is_blank(line.back()));
-    const char* p = line.data();
-    const char* const end = p + line.size();
-    record.time = {};
-    if (*p == '(') {
-        constexpr std::ptrdiff_t time_size = sizeof "(1502979132.106111)" - 1;
-        if (end - p <= time_size || !read_usual_seconds(p + 1, record.time)) return false;
-        p = behind_blanks(p + time_size);
+/// The same of `00FC`.
+const char* read_usual_packed_data(const char* p, N2KMsg& msg) {
+    unsigned count = max_frame_bytes;  // as most have
+    const char* end = line_end(p + 2 * count);
+    if (end == nullptr) {
+        for (count = 0; count < max_frame_bytes && end == nullptr; ++count) end = line_end(p + 2 * count);
+        if (end == nullptr) return nullptr;
+        --count;
     }
-    const bool in_angles = *p == '<';
-    if (in_angles) {
-        if (end - p < 3 || p[1] != '0' || p[2] != 'x') return false;
-        p += 3;
-    } else {
-        while (*p != ' ') {
-            if (*p == '[' || ++p == end) return false;
-        }
-        p = behind_blanks(p);
-    }
-    constexpr std::ptrdiff_t identifier_size = 8;
-    std::uint32_t identifier = 0;
-    if (end - p <= identifier_size || !read_hex_number(p, identifier) || identifier > max_identifier)
-        return false;
-    p += identifier_size;
-    record.kind = Record::Kind::frame;
-    set_header(record.msg, identifier);
-    if (*p == '#' && !in_angles) return read_usual_packed_data(p, end, record.msg);
-    if (in_angles && *p++ != '>') return false;
-    if (p == end || *p != ' ') return false;
-    return read_usual_length_and_data(behind_blanks(p), end, record.msg);
+    return read_usual_data<2>(p, count, msg) ? end : nullptr;
 }
 
 }  // namespace
@@ -211,9 +188,8 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
 }
 
 LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {
-    if (read_usual_line(line, record)) [[likely]]
-        return LineResult::record;
     if (line.starts_with("interface = ")) return LineResult::nothing;  // the heading of old versions
+    const bool timed = line[0] == '(';
     if (!take_time(line, record.time, problem)) return LineResult::problem;
     const Shape shape = shape_of(line);
     if (shape.kind == Shape::Kind::none) {
@@ -232,8 +208,74 @@ LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& p
     }
     record.kind = Record::Kind::frame;
     set_header(record.msg, identifier);
-    return shape.kind == Shape::Kind::spaced ? read_spaced(shape, record.msg, problem)
-                                             : read_packed(shape, record.msg, problem);
+    const bool spaced = shape.kind == Shape::Kind::spaced;
+    const LineResult result =
+        spaced ? read_spaced(shape, record.msg, problem) : read_packed(shape, record.msg, problem);
+    if (result == LineResult::record) {
+        const auto part = [](const char* begin, const char* end) {
+            return std::string_view(begin, static_cast<std::size_t>(end - begin));
+        };
+        const char* const behind = shape.identifier.data() + shape.identifier.size();
+        Layout& layout = layouts_[next_layout_++ % layouts_.size()];
+        layout.learn(timed, part(line.data(), shape.identifier.data()), part(behind, shape.data.data()));
+    }
+    return result;
+}
+
+/// Takes what the lines of a recording have in common from one of them.
+void CandumpFormat::Layout::learn(bool has_time, std::string_view before_identifier,
+                                  std::string_view behind_identifier) {
+    known = before_identifier.size() <= before.room && behind_identifier.size() <= behind.room;
+    if (!known) return;
+    timed = has_time;
+    before.set(before_identifier);
+    behind.set(behind_identifier);
+    const std::size_t bracket = behind_identifier.find('[');
+    spaced = bracket != std::string_view::npos;
+    if (spaced) {
+        length_at = static_cast<unsigned>(bracket) + 1;
+        behind.allow_any(length_at);
+    }
+}
+
+/// Seconds, or date and time as the last line's minute has them, in parentheses. Null for anything else.
+const char* CandumpFormat::read_usual_time(const char* p, RecordTime& time) const {
+    constexpr std::size_t seconds_size = sizeof "(1502979132.106111)" - 1;
+    if (read_usual_seconds(p + 1, time)) return p + seconds_size;
+    p = timestamps_.read_usual(p + 1, time);
+    return p != nullptr && *p == ')' ? p + 1 : nullptr;
+}
+
+const char* CandumpFormat::read_usual(std::string_view text, Record& record) const {
+    constexpr std::size_t room = sizeof "        (2017-08-17 14:32:12.106111222Z)0123456789ABCDEF09F8027F   [8]  "
+                                        "00 11 22 33 44 55 66 77 \r\n" -
+                                 1;
+    if (text.size() < room) return nullptr;
+    const char* p = text.data() + size_of_blanks(text.data());
+    record.time = {};
+    const bool timed = *p == '(';
+    if (timed) {
+        p = read_usual_time(p, record.time);
+        if (p == nullptr) return nullptr;
+    }
+    const auto layout = std::find_if(layouts_.begin(), layouts_.end(), [&](const Layout& known) {
+        return known.known && known.timed == timed && known.before.matches(p);
+    });
+    if (layout == layouts_.end()) return nullptr;
+    p += layout->before.size();
+    constexpr std::size_t identifier_size = 8;
+    std::uint32_t identifier = 0;
+    if (!read_hex_number(p, identifier) || identifier > max_identifier) return nullptr;
+    p += identifier_size;
+    if (!layout->behind.matches(p)) return nullptr;
+    const auto count = static_cast<unsigned>(p[layout->length_at] - '0');
+    p += layout->behind.size();
+    const char* const end =
+        layout->spaced ? read_usual_spaced_data(p, count, record.msg) : read_usual_packed_data(p, record.msg);
+    if (end == nullptr) return nullptr;
+    record.kind = Record::Kind::frame;
+    set_header(record.msg, identifier);
+    return end;
 }
 
 }  // namespace vistel

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
+
 #include "readers/line_format.h"
 #include "readers/timestamp.h"
+#include "text/character_pattern.h"
 
 namespace vistel {
 
@@ -19,10 +22,27 @@ class CandumpFormat : public IndependentLines {
     static bool resembles(std::string_view line);
 
     LineResult read(std::string_view line, Record& record, Problem& problem);
+    const char* read_usual(std::string_view text, Record& record) const;
 
   private:
-    bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
+    /// What a line that read() took has around its identifier; most lines of a recording have the same, or
+    /// that of their interface.
+    struct Layout {
+        void learn(bool has_time, std::string_view before_identifier, std::string_view behind_identifier);
 
+        bool known = false;
+        bool timed = false;
+        bool spaced = false;         ///< `behind` has the length in brackets
+        unsigned length_at = 0;      ///< in `behind`
+        CharacterPattern<2> before;  ///< from behind the time on
+        CharacterPattern<1> behind;  ///< up to the data
+    };
+
+    bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
+    const char* read_usual_time(const char* p, RecordTime& time) const;
+
+    std::array<Layout, 4> layouts_;
+    unsigned next_layout_ = 0;
     TimestampParser timestamps_;
 };
 

@@ -19,19 +19,24 @@ enum class [[nodiscard]] LineResult{
 ///
 /// `resembles` tells whether a line speaks for the format. `read` fills the record or the text of the
 /// problem; of the record, `nothing` and `foreign` leave the payload and its length as they were, `problem`
-/// may leave anything. `comment` gets the lines that begin with `#`, which are comments in every format. As
-/// long as `wants_look_ahead`, lines to come may change how the first ones are understood: where the
-/// recording allows it, its beginning is shown to the format once before it is read.
+/// may leave anything. `read_usual` does the same for a line that it can read without its end being looked
+/// for: `text` begins with it and may go on behind it. It returns the line's end, or null for a line of any
+/// other shape or one that is not there as a whole, which leaves the payload and its length as they were
+/// unless `read` would tell a problem. `comment` gets the lines that begin with `#`, which are comments in
+/// every format. As long as `wants_look_ahead`, lines to come may change how the first ones are understood:
+/// where the recording allows it, its beginning is shown to the format once before it is read.
 template <class Format>
 concept LineFormat = requires(Format format, std::string_view line, Record& record, Problem& problem) {
     { Format::resembles(line) } -> std::same_as<bool>;
     { format.read(line, record, problem) } -> std::same_as<LineResult>;
+    { format.read_usual(line, record) } -> std::same_as<const char*>;
     { format.comment(line) } -> std::same_as<void>;
     { format.wants_look_ahead() } -> std::same_as<bool>;
 };
 
 /// What formats have in common whose lines stand for themselves.
 struct IndependentLines {
+    static const char* read_usual(std::string_view, Record&) { return nullptr; }
     static void comment(std::string_view) {}
     static constexpr bool wants_look_ahead() { return false; }
 };

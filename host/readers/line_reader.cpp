@@ -55,6 +55,7 @@ Lines::Found Lines::find(ByteSource::Wait wait) {
 }
 
 bool Lines::would_wait() {
+    if (at_line_start_ && source_.unread().find('\n') != std::string_view::npos) return false;
     at_line_start_ = false;
     if (found_ == Found::idle) found_ = find(ByteSource::Wait::no);
     return found_ == Found::idle;

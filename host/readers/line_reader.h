@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstring>
 #include <string_view>
 
@@ -30,6 +31,16 @@ class Lines {
         return take_ready_line(line) ? ReadResult::record : take_any_line(line, problem);
     }
     bool would_wait();
+
+    /// What is there from the beginning of the next line on, as far as that is known: else nothing.
+    std::string_view ahead() const { return at_line_start_ ? source_.unread() : std::string_view{}; }
+
+    /// Passes a line of what is ahead, up to its line end.
+    void pass(const char* end) {
+        assert(*end == '\n');
+        source_.consume(static_cast<std::size_t>(end + 1 - source_.unread().data()));
+        ++number_;
+    }
 
     /// Number of the line that was taken last, from 1.
     std::uint64_t number() const { return number_; }
@@ -79,6 +90,18 @@ class LineReader final : public RecordReader {
     }
 
     ReadResult next(Record& record, Problem& problem) override {
+        const char* const end = format_.read_usual(lines_.ahead(), record);
+        if (end == nullptr) [[unlikely]]
+            return next_of_any_shape(record, problem);
+        lines_.pass(end);
+        return ReadResult::record;
+    }
+
+    bool would_wait() override { return lines_.would_wait(); }
+    std::uint64_t foreign_frames() const override { return foreign_frames_; }
+
+  private:
+    [[gnu::noinline]] ReadResult next_of_any_shape(Record& record, Problem& problem) {
         std::string_view line;
         const ReadResult taken = lines_.take(line, problem);
         if (taken != ReadResult::record) return taken;
@@ -98,16 +121,17 @@ class LineReader final : public RecordReader {
         return ReadResult::nothing;
     }
 
-    bool would_wait() override { return lines_.would_wait(); }
-    std::uint64_t foreign_frames() const override { return foreign_frames_; }
-
-  private:
     /// Shows the format the beginning of a file. What its lines hold is read again later.
     void look_ahead() {
         std::string_view text = lines_.beginning(), line;
         Record record;
         Problem problem;
-        while (format_.wants_look_ahead() && take_line(text, line)) {
+        while (format_.wants_look_ahead()) {
+            if (const char* const end = format_.read_usual(text, record); end != nullptr) {
+                text.remove_prefix(static_cast<std::size_t>(end + 1 - text.data()));
+                continue;
+            }
+            if (!take_line(text, line)) break;
             if (line.empty()) continue;
             if (line[0] == '#') {
                 format_.comment(line);

@@ -1,6 +1,7 @@
 #include "readers/plain_format.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 #include "can/identifier.h"
@@ -72,7 +73,6 @@ bool read_payload(std::string_view text, unsigned count, N2KMsg& msg, Problem& p
         describe_payload(problem, text, count);
         return false;
     }
-    msg.length = static_cast<std::uint16_t>(count);
     return true;
 }
 
@@ -87,41 +87,71 @@ bool PlainFormat::resembles(std::string_view line) {
     return (timed || time.empty()) && is_digit(line[comma + 1]);
 }
 
-/// Reads a header as most lines have it: a time stamp as the last one's date has it or none, and numbers.
-/// Null for every other one, else the comma before the payload.
-const char* PlainFormat::read_usual_header(std::string_view line, Record& record, unsigned& length) const {
-    const char* p = line.data();
-    const char* const end = p + line.size();
-    constexpr std::ptrdiff_t time_size = sizeof "2016-02-28T19:57:02.364Z" - 1;
-    if (end - p < time_size) return nullptr;
-    if (*p == ',') {
-        record.time = {};
-    } else {
+/// Reads numbers without a fault. `p` has `room` characters, and as many again.
+bool PlainFormat::Header::read(const char* p) {
+    const char* const start = p;
+    const auto first = static_cast<unsigned>(*p - '0');
+    if (first > 7 || p[1] != ',') return false;
+    p += 2;
+    std::uint32_t number[4];
+    if (!take_number_and_comma<std::uint64_t>(p, number[0]) ||
+        !take_number_and_comma<std::uint32_t>(p, number[1]) ||
+        !take_number_and_comma<std::uint32_t>(p, number[2]) ||
+        !take_number_and_comma<std::uint64_t>(p, number[3])) {
+        return false;
+    }
+    if (number[0] > max_pgn || number[1] > 255 || number[2] > 255 || number[3] > N2K_MAX_PAYLOAD)
+        return false;
+    const auto size = static_cast<std::size_t>(p - start);
+    if (size > characters.room) return false;
+    characters.set({start, size});
+    priority = static_cast<std::uint8_t>(first);
+    pgn = number[0];
+    source = static_cast<std::uint8_t>(number[1]);
+    destination = static_cast<std::uint8_t>(number[2]);
+    length = static_cast<std::uint16_t>(number[3]);
+    return true;
+}
+
+/// The place of the header that begins at `p`, by its PGN and what stands around it.
+std::size_t PlainFormat::place_of(const char* p) {
+    constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;  // 2 to the 64th by the golden ratio
+    return static_cast<std::size_t>(characters_at<std::uint64_t>(p + 2) * multiplier >>
+                                    (64 - std::countr_zero(header_places)));
+}
+
+const char* PlainFormat::read_usual(std::string_view text, Record& record) {
+    constexpr std::size_t room = TimestampParser::usual_room + 2 * Header::room;
+    if (text.size() < room) return nullptr;
+    const char* p = text.data();
+    record.time = {};
+    if (*p != ',') {
         p = timestamps_.read_usual(p, record.time);
         if (p == nullptr || *p != ',') return nullptr;
     }
-    constexpr std::ptrdiff_t longest = sizeof ",2,130900,255,255,1785," - 1;
-    if (end - p < longest) return nullptr;
-    const auto priority = static_cast<unsigned>(p[1] - '0');
-    if (priority > 7 || p[2] != ',') return nullptr;
-    p += 3;
-    std::uint32_t pgn = 0, source = 0, destination = 0;
-    if (!take_number_and_comma<6>(p, pgn) || !take_number_and_comma<3>(p, source) ||
-        !take_number_and_comma<3>(p, destination) || !take_number_and_comma<4>(p, length)) {
-        return nullptr;
-    }
-    if (pgn > max_pgn || source > 255 || destination > 255 || length > N2K_MAX_PAYLOAD) return nullptr;
+    Header& header = headers_[place_of(++p)];
+    if (!header.characters.matches(p) && !header.read(p)) return nullptr;
+    const unsigned length = header.length;
+    if (length == 0) return nullptr;
+    const char* const payload = p + header.characters.size() - 1;
+    const std::size_t left = text.size() - static_cast<std::size_t>(payload - text.data());
+    const std::size_t size = 3 * std::size_t{length};
+    if (left < size + 2) return nullptr;
+    const char* const end = payload + size + (payload[size] == '\r' ? 1 : 0);
+    if (*end != '\n' || !lead_pairs(',', payload, length)) return nullptr;
     N2KMsg& msg = record.msg;
-    msg.priority = static_cast<std::uint8_t>(priority);
-    msg.pgn = pgn;
-    msg.source = static_cast<std::uint8_t>(source);
-    msg.destination = static_cast<std::uint8_t>(destination);
-    return p - 1;
+    if (!read_hex_bytes<3>(payload + 1, length, msg.data)) return nullptr;
+    msg.pgn = header.pgn;
+    msg.priority = header.priority;
+    msg.source = header.source;
+    msg.destination = header.destination;
+    finish(record, length);
+    return end;
 }
 
 /// Reads any header. `payload` begins with the comma, or is empty.
-[[gnu::noinline]] LineResult PlainFormat::read_header(std::string_view line, Record& record, unsigned& length,
-                                                      std::string_view& payload, Problem& problem) {
+LineResult PlainFormat::read_header(std::string_view line, Record& record, unsigned& length,
+                                    std::string_view& payload, Problem& problem) {
     const std::size_t comma = line.find(',');
     if (comma == std::string_view::npos) {
         describe(problem, quoted(line), " is not timestamp,priority,PGN,source,destination,length,bytes");
@@ -166,17 +196,17 @@ const char* PlainFormat::read_usual_header(std::string_view line, Record& record
 LineResult PlainFormat::read(std::string_view line, Record& record, Problem& problem) {
     unsigned length = 0;
     std::string_view payload;
-    if (const char* const p = read_usual_header(line, record, length); p != nullptr) [[likely]] {
-        payload = {p, static_cast<std::size_t>(line.data() + line.size() - p)};
-    } else if (const LineResult result = read_header(line, record, length, payload, problem);
-               result != LineResult::record) {
-        return result;
-    }
-    N2KMsg& msg = record.msg;
-    if (!read_payload(payload, length, msg, problem)) return LineResult::problem;
-    if (msg.length > max_frame_bytes) whole_messages_ = true;
-    record.kind = whole_messages_ ? Record::Kind::message : Record::Kind::frame;
+    const LineResult result = read_header(line, record, length, payload, problem);
+    if (result != LineResult::record) return result;
+    if (!read_payload(payload, length, record.msg, problem)) return LineResult::problem;
+    finish(record, length);
     return LineResult::record;
+}
+
+void PlainFormat::finish(Record& record, unsigned length) {
+    record.msg.length = static_cast<std::uint16_t>(length);
+    if (length > max_frame_bytes) whole_messages_ = true;
+    record.kind = whole_messages_ ? Record::Kind::message : Record::Kind::frame;
 }
 
 void PlainFormat::comment(std::string_view line) {

@@ -137,7 +137,16 @@ const char* TimestampParser::read_usual(const char* p, RecordTime& time) const {
     if (seconds > 60) return nullptr;
     time.nanoseconds = minute_start_ + seconds * second + (tenths * 100 + rest) * (second / 1000);
     time.origin = RecordTime::Origin::epoch;
-    return p + (p[23] == 'Z' ? 24 : 23);
+    p += sizeof "2016-02-28T19:57:02.364" - 1;
+    if (is_digit(*p)) {
+        constexpr unsigned most = 6;
+        const LeadingDigits<std::uint64_t> decimals(p);
+        if (decimals.size() > most) return nullptr;
+        const std::uint64_t others_off = (std::uint64_t{1} << decimals.size_in_bits) - 1;
+        time.nanoseconds += number_of_digits(decimals.digits & others_off) / 100;  // eight, the last two 0
+        p += decimals.size();
+    }
+    return p + (*p == 'Z' ? 1 : 0);
 }
 
 bool read_usual_seconds(const char* p, RecordTime& time) {

@@ -18,9 +18,10 @@ class TimestampParser {
     /// Of a text that is something else the result says so, as in "there is no such date".
     Result<RecordTime, const char*> parse(std::string_view text);
 
-    /// The same for the usual shape, `2016-02-28T19:57:02.364` with or without a Z behind it, and for the
-    /// minute that parse() read last. `p` has 24 characters. Where what it read ends, or null for anything
-    /// else.
+    /// The same for the usual shape, `2016-02-28T19:57:02.364` with three to nine decimals and with or
+    /// without a Z behind them, and for the minute that parse() read last. `p` has `usual_room` characters.
+    /// Where what it read ends, or null for anything else.
+    static constexpr std::size_t usual_room = sizeof "2016-02-28T19:57:02.364123456Z" - 1 + 1;
     const char* read_usual(const char* p, RecordTime& time) const;
 
   private:

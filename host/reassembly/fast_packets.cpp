@@ -13,6 +13,13 @@ using namespace fast_packet;
 
 namespace {
 
+/// The frames of a message, as bits.
+std::uint32_t frames_of(unsigned total) {
+    const unsigned later =
+        total <= bytes_in_first ? 0 : (total - bytes_in_first + bytes_in_later - 1) / bytes_in_later;
+    return static_cast<std::uint32_t>((std::uint64_t{2} << later) - 1);
+}
+
 constexpr std::int64_t longest_silence = 750 * milliseconds;
 
 /// By sequence in the lowest bits, so that the keys of one kind of message are neighbours.
@@ -36,14 +43,12 @@ bool FastPackets::Slot::holds(unsigned number, const std::uint8_t* bytes, unsign
 void FastPackets::Slot::store(unsigned number, const std::uint8_t* bytes, unsigned count) {
     received |= std::uint32_t{1} << number;
     given[number] = static_cast<std::uint8_t>(count);
-    std::memcpy(data + offset_of(number), bytes, count);
-}
-
-bool FastPackets::Slot::complete() const {
-    if (!announced()) return false;
-    const unsigned later =
-        total <= bytes_in_first ? 0 : (total - bytes_in_first + bytes_in_later - 1) / bytes_in_later;
-    return received == static_cast<std::uint32_t>((std::uint64_t{2} << later) - 1);
+    std::uint8_t* const place = data + offset_of(number);
+    if (count == bytes_in_later) [[likely]] {
+        std::memcpy(place, bytes, bytes_in_later);  // without a call, as the number is known
+    } else {
+        std::memcpy(place, bytes, count);
+    }
 }
 
 std::size_t FastPackets::open(std::uint64_t key, const Moment& now) {
@@ -105,6 +110,7 @@ std::size_t FastPackets::put_first(std::size_t i, std::uint64_t key, const N2KMs
     if (i == Slots::none) i = open(key, now);
     Slot& slot = slots_[i];
     slot.total = total;
+    slot.all = frames_of(total);
     slot.priority = frame.priority;
     for (std::uint32_t early = slot.received; early != 0; early &= early - 1) {
         const auto number = static_cast<unsigned>(std::countr_zero(early));

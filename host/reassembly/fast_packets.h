@@ -35,6 +35,7 @@ class FastPackets {
         std::uint8_t priority;
         std::uint8_t last_number;                      // of the frame that came last
         std::uint8_t overtaken_by;                     // later messages of the same kind that have begun
+        std::uint32_t all;                             // what `received` is when the message is complete
         std::uint8_t given[fast_packet::most_frames];  // bytes in each frame
         std::uint8_t data[fast_packet::most_bytes];
 
@@ -44,7 +45,7 @@ class FastPackets {
         bool holds(unsigned number, const std::uint8_t* bytes, unsigned count) const;
         void store(unsigned number, const std::uint8_t* bytes, unsigned count);
         void drop(unsigned number) { received &= ~(std::uint32_t{1} << number); }
-        bool complete() const;
+        bool complete() const { return announced() && received == all; }
     };
     using Slots = SlotTable<Slot, 256, fast_packet::sequence_bits>;
 

@@ -53,24 +53,38 @@ constexpr std::uint32_t number_of_digits(std::uint64_t digits) {
     return static_cast<std::uint32_t>(sums * 10000 + (sums >> 32));
 }
 
-/// Reads the one to `most` digits at `p` up to a comma, and goes behind it. `p` has one character more than
-/// that.
-template <unsigned most>
-inline bool take_number_and_comma(const char*& p, std::uint32_t& value) {
-    std::uint32_t number = static_cast<unsigned>(*p - '0');
-    if (number > 9) return false;
-#pragma GCC unroll 8
-    for (unsigned size = 1; size <= most; ++size) {
-        const auto digit = static_cast<unsigned>(p[size] - '0');
-        if (digit > 9) {
-            if (digit != static_cast<unsigned>(',' - '0')) return false;
-            value = number;
-            p += size + 1;
-            return true;
-        }
-        number = number * 10 + digit;
+/// The same for four.
+constexpr std::uint32_t number_of_digits(std::uint32_t digits) {
+    const std::uint32_t pairs = digits * 10 + (digits >> 8);
+    return (pairs & 0xFF) * 100 + (pairs >> 16 & 0xFF);
+}
+
+/// The digits with which some characters begin.
+template <class Number>
+struct LeadingDigits {
+    static constexpr unsigned bits = 8 * sizeof(Number);
+    static constexpr Number in_each = static_cast<Number>(0x0101010101010101);
+
+    explicit LeadingDigits(const char* p) : digits(characters_at<Number>(p) ^ ('0' * in_each)) {
+        const Number others = ((digits + 6 * in_each) | digits) & (0xF0 * in_each);
+        size_in_bits = static_cast<unsigned>(std::countr_zero(others)) & ~7u;
     }
-    return false;
+
+    unsigned size() const { return size_in_bits / 8; }
+
+    Number digits;  ///< in each byte the value of a digit, up to the first other character
+    unsigned size_in_bits;
+};
+
+/// Reads the digits at `p` up to a comma, and goes behind it. `p` has as many characters as Number has bytes,
+/// which must be enough for the comma too.
+template <class Number>
+inline bool take_number_and_comma(const char*& p, std::uint32_t& value) {
+    const LeadingDigits<Number> leading(p);
+    if (leading.size() - 1 >= sizeof(Number) - 1 || p[leading.size()] != ',') return false;
+    value = number_of_digits(leading.digits << (leading.bits - leading.size_in_bits));
+    p += leading.size() + 1;
+    return true;
 }
 
 }  // namespace vistel
