@@ -21,16 +21,15 @@ TEST(Copies, CodePageBothWays) {
 }
 
 TEST(Copies, Bounds) {
-    for (int size = 0; size <= 6; ++size) {
-        std::wstring area(8, L'?');
-        const int expected = std::clamp(size - 1, 0, 4);
-        EXPECT_EQ(copy_wide(area.data(), L"abcd", size), expected);
-        const std::wstring text = std::wstring(L"abcd").substr(0, static_cast<std::size_t>(expected)) + L'\0';
-        EXPECT_EQ(area, text + std::wstring(8 - text.size(), L'?'));
-    }
+    for (int size = 1; size <= 6; ++size)
+        EXPECT_EQ(printed([](wchar_t* b, int n) { return copy_wide(b, L"abcd", n); }, size),
+                  std::wstring(L"abcd").substr(0, static_cast<std::size_t>(std::clamp(size - 1, 0, 4))));
     wchar_t wide_text[] = L"?";
     EXPECT_EQ(copy_n2w(wide_text, nullptr, 2), 0);
     EXPECT_EQ(wide_text[0], 0);
+    wide_text[0] = L'?';
+    EXPECT_EQ(copy_wide(wide_text, L"a", 0), 0);
+    EXPECT_EQ(wide_text[0], 0) << "always terminated";
     EXPECT_EQ(copy_w2n(nullptr, L"a", 5), -1);
     EXPECT_EQ(copy_narrow(nullptr, "a", 5), -1);
 }

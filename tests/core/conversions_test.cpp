@@ -132,8 +132,7 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
         // positions
         {23, 600000000, {{deg_lat, D, 60}, {counts, D, 6e8}, {bits, I32, 6e8}, {deg_long, NA, 0}}},
         {23, 0x7FFFFFFD, {{deg_lat, NA, 0}, {counts, NA, 0}, {bits, I32, 0x7FFFFFFD}}},
-        {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}},
-        {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}},
+        {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}}, {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}},
         {77, -10000000000000000ull, {{deg_long, D, -1}}},
         // dates, run times, periods: 0xFFFE of a period is a code of the clock in every unit
         {41, 65532, {{days, U16, 65532}, {hours, NA, 0}}}, {41, 65533, {{bits, U16, 65533}, {date_ymd, NA, 0}}},
@@ -147,11 +146,9 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
         {117, 0x1000000000000, {{counts, NA, 0}}},
         // codes
         {93, 252, {{tonf_uk, U8, 252}}}, {93, 253, {{percent, NA, 0}, {bits, U8, 253}}},
-        {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}},
-        {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}}, {60010, ones, {{V, U8, 15}}},
-        {60012, ones, {{V, U8, 3}}},
-        {60016, ones, {{V, U8, 63}}}, {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}},
-        {60019, ones, {{V, U64, 0x1p64}}},
+        {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}}, {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}},
+        {60010, ones, {{V, U8, 15}}}, {60012, ones, {{V, U8, 3}}}, {60016, ones, {{V, U8, 63}}},
+        {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}}, {60019, ones, {{V, U64, 0x1p64}}},
         // offsets
         {2452, 2000001500, {{W, F, 1500}, {counts, F, 1500}, {bits, I32, 2000001500}, {V, NA, 0}}},
         {2456, 1999999000, {{kVAR, F, -1}}},

@@ -86,7 +86,7 @@ inline std::string as_utf8(const std::wstring& line) {
 /// What a started renderer writes with windows of `room` bytes, which end where the heap's own do, so that a
 /// step too far is seen.
 template <class Renderer>
-std::string rendered(Renderer& renderer, std::size_t room = std::size_t{2} << 20) {
+std::string rendered(Renderer& renderer, std::size_t room = 8 * piece_room) {
     const auto window = std::make_unique_for_overwrite<char[]>(room);
     std::string all;
     do {
@@ -155,7 +155,7 @@ inline void check_shown(const N2KMsg& msg, bool plain_numbers, const UnitSelecti
         other.data[i] = static_cast<std::uint8_t>(~other.data[i]);
     const auto lines = lines_of(msg, plain_numbers, units);
     require(lines == lines_of(other, plain_numbers, units), "lines show what is behind the length");
-    const Forms whole = forms_of(msg, plain_numbers, units, std::size_t{2} << 20);
+    const Forms whole = forms_of(msg, plain_numbers, units, 8 * piece_room);
     require(whole == forms_of(other, plain_numbers, units, piece_room), "pieces make another whole");
     require(is_json_line(whole[1]) && is_csv(whole[2]), "broken JSON or CSV");
     std::string expected = as_utf8(stream_line(msg)) + '\n';
