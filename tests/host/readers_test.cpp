@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <iterator>
 #include <random>
 #include <regex>
@@ -375,31 +372,6 @@ TEST(Readers, TellWhenTheyWouldWait) {
         EXPECT_FALSE(recording.would_wait());
         EXPECT_EQ(drain(recording).shown.size(), 1u) << "the half line";
     }
-}
-
-TEST(Readers, TellBeforeTheyWaitAndReturnWhenASignalInterrupts) {
-    struct sigaction action {
-    }, before{};
-    action.sa_handler = [](int) {};
-    ASSERT_EQ(0, ::sigaction(SIGUSR1, &action, &before));
-    int ends[2];
-    ASSERT_EQ(0, ::pipe(ends));
-    Recording recording;
-    Record record;
-    int waits = 0;
-    ASSERT_TRUE(recording.attach(ends[0], {.before_wait = [&waits] { ++waits; }}));
-    std::atomic<bool> returned = false;
-    std::thread other([&, reader = ::pthread_self()] {
-        while (!returned) ::pthread_kill(reader, SIGUSR1);
-    });
-    EXPECT_EQ(recording.next(record), ReadResult::nothing);
-    returned = true;
-    other.join();
-    ::sigaction(SIGUSR1, &before, nullptr);
-    write_all(ends[1], "can0 09F8017F#50\n");
-    EXPECT_EQ(recording.next(record), ReadResult::record);
-    EXPECT_EQ(waits, 1);
-    ::close(ends[1]);
 }
 
 TEST(Readers, ReportWhatCannotBeRead) {

@@ -276,22 +276,6 @@ TEST(Reassembly, EmitsMessagesAndFramesOfSessionsAsTheyAre) {
     EXPECT_EQ(emitted, "129029:8 60416:8 60160:8 65240:7 ");
 }
 
-TEST(Reassembly, KeepsManyKindsOfMessagesApart) {
-    unsigned messages = 0;
-    Reassembler reassembler([&](const N2KMsg&, const RecordTime&) { ++messages; });
-    const auto open = fast_frames({129029, 3, 1, 255}, 0, payload(10, 1));
-    reassembler.put(open[0]);
-    // Each begins and ends with a frame, and none overtakes what another device has begun.
-    for (unsigned i = 0; i < 32'000; ++i) {
-        const Header header{130816 + i / 8 % 16, 3, static_cast<std::uint8_t>(2 + i / 128), 255};
-        reassembler.put(fast_frames(header, i % 8, payload(6, i))[0]);
-        if (i % 800 == 0) reassembler.put(open[0]);
-    }
-    reassembler.put(open[1]);
-    EXPECT_EQ(messages, 32'001u);
-    EXPECT_EQ(reassembler.counters().repeated_frames, 40u);
-}
-
 TEST(Reassembly, AbandonsTheOldestWhenTooManyAreOpen) {
     const auto begin = [](unsigned i, unsigned piece) {
         const Header header{129029, 3, static_cast<std::uint8_t>(i), 255};
