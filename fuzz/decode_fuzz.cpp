@@ -50,7 +50,7 @@ void show_values(QV_N2K_PGN_DB_c& db, const Input& in, const N2KMsg& msg) {
     format.parse(&value, reinterpret_cast<const char*>(field + 8), in.unit % unit::count);
 
     // Types up to CV_WCHAR_PLAIN hold no pointer.
-    value.type = in.mode >> 4;
+    value.type = std::min<int>(in.mode >> 4, CV_WCHAR_PLAIN);
     std::memcpy(&value.value, field, sizeof value.value);
     printed([&](wchar_t* b, int n) {
         return db.print_field_data(b, n, in.number, in.unit % 70, &value, in.unit, 1, 0, msg.pgn, 1);
