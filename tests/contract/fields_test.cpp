@@ -141,21 +141,18 @@ TEST(Fields, UndecodedBytes) {
     const Bytes bytes(1000, 0x5A);
     const auto dump = [](const std::uint8_t* from, int length, int with_label, int size = 4000) {
         int label = -1;
-        const std::wstring text = printed(
-            [&](wchar_t* b, int n) {
-                return Db::print_field_data_unknown(b, n, from, length, with_label, &label);
-            },
-            size);
+        const auto print = [&](wchar_t* b, int n) {
+            return Db::print_field_data_unknown(b, n, from, length, with_label, &label);
+        };
+        const std::wstring text = printed(print, size);
         EXPECT_EQ(label, with_label != 0 ? std::clamp(size - 1, 0, 5) : 0);
         return text;
     };
-    EXPECT_EQ(dump(bytes.data(), 2, 1), L"Data: 5A 5A");
     EXPECT_EQ(dump(bytes.data(), 2, 0), L" 5A 5A");
     EXPECT_EQ(dump(bytes.data(), -1, 1), L"Data:");
     EXPECT_EQ(dump(nullptr, 5, 1), L"Data:");
-    for (const std::size_t size : {1, 4, 6, 8, 1024})
-        EXPECT_EQ(dump(bytes.data(), 1000, 1, static_cast<int>(size)),
-                  dump(bytes.data(), 1000, 1).substr(0, size - 1));
+    for (const int size : {1, 4, 6, 8, 12})
+        EXPECT_EQ(dump(bytes.data(), 1000, 1, size), std::wstring(L"Data: 5A 5A 5A").substr(0, size - 1u));
 }
 
 // ---- fields of a message ----
@@ -275,22 +272,15 @@ TEST(Fields, NotDecodable) {
     const HostEntry no_format{7, "", nullptr, 0, 0};
     const pgn_vistel::DFDef dead{9999, "DF9999", nullptr, nullptr};
     const HostEntry no_conversion{7, "", &dead, 0, 0};
-    const N2KMsg msg = message(127250, {1, 0xAB, 0xFF});
-    const PayloadPosition inside{1, 3};
-    std::vector<Read> reads = {read(msg, nullptr, 1, 0, inside), read(msg, &no_format, 1, 0, inside),
-                               read(msg, &no_conversion, 1, 0, inside),
-                               read(msg, number, 1, 0, inside, -1, true, 0)};
-    for (const std::uint32_t pgn : {0u, 0xFFFFFFFFu})
-        reads.push_back(read(message(pgn, {1, 0xAB, 0xFF}), number, 1, 0, inside));
-    for (const int byte : {-1, 1786, INT32_MAX, INT32_MIN})
-        reads.push_back(read(msg, number, 1, 0, {byte, 0}));
-    for (const Read& r : reads) {
+    const N2KMsg msg = message(127250, {1, 0xAB, 0xFF}), unknown = message(0, {1, 0xAB, 0xFF});
+    for (const Read& r :
+         {read(msg, nullptr, 1, 0, {1, 3}), read(msg, &no_format, 1, 0, {1, 3}),
+          read(msg, &no_conversion, 1, 0, {1, 3}), read(msg, number, 1, 0, {1, 3}, -1, true, 0),
+          read(unknown, number, 1, 0, {1, 3}), read(msg, number, 1, 0, {-1, 0}),
+          read(msg, number, 1, 0, {1786, 0}), read(msg, number, 1, 0, {INT32_MIN, 0})}) {
         EXPECT_EQ(r.text, L"Data: 01 AB FF");
         EXPECT_EQ(r.next, (PayloadPosition{3, 0}));
     }
-    N2KMsg overlong = message(0, {});
-    overlong.length = 65535;
-    EXPECT_EQ(read(overlong, number, 1, 0, {0, 0}).next.byte, 1785);
 }
 
 TEST(Fields, LabelAndValueApart) {
@@ -317,14 +307,17 @@ TEST(Fields, Lookups) {
     EXPECT_EQ(Db::get_DispDataType(22), quantity::latitude);
     EXPECT_EQ(qv_n2k_pgn_db.get_field_id(60928, 2, 5), 2);
     EXPECT_EQ(Db::find_DDstrings(2), find_enumeration(2));
-    for (int size = 1; size <= 14; ++size) {
-        const auto expected = static_cast<std::size_t>(std::min(size - 1, 11));
-        EXPECT_EQ(printed([](wchar_t* b, int n) { return Db::print_pgn_name(b, n, 59904); }, size),
-                  std::wstring(L"ISO Request").substr(0, expected));
+    const std::string name = "ISO Request";
+    for (std::size_t size = 1; size <= 14; ++size) {
+        const std::string expected = name.substr(0, size - 1);
+        EXPECT_EQ(printed([](wchar_t* b, int n) { return Db::print_pgn_name(b, n, 59904); },
+                          static_cast<int>(size)),
+                  std::wstring(expected.begin(), expected.end()));
         char narrow[16] = "???????????????";
-        EXPECT_EQ(Db::print_pgn_name(narrow, size, 59904), static_cast<int>(expected));
-        EXPECT_EQ(narrow, std::string("ISO Request").substr(0, expected));
-        EXPECT_EQ(narrow[expected + 1], '?');
+        EXPECT_EQ(Db::print_pgn_name(narrow, static_cast<int>(size), 59904),
+                  static_cast<int>(expected.size()));
+        EXPECT_EQ(narrow, expected);
+        EXPECT_EQ(narrow[expected.size() + 1], '?');
     }
     wchar_t buf[16];
     EXPECT_EQ(Db::print_pgn_name(buf, 0, 59904), -1);

@@ -59,15 +59,13 @@ TEST(Units, PrintedUnitAndValue) {
     EXPECT_EQ(print([&](wchar_t* b) { return db.print_val_unit_dt(b, quantity::voltage, raw, -1); }), L"100.00 V");
     EXPECT_EQ(print([&](wchar_t* b) { return db.print_val_unit(b, 59, raw, -1); }), L"10000") << "no name, no blank";
     // clang-format on
-
     wchar_t b[513];
     for (const int result :
          {db.print_unit(b, DF{2}, -1), db.print_unit_dt(b, 33, -1), db.print_unit_dt(b, 65, -1),
-          db.print_unit_dt(b, 0, 140), db.print_unit_dt(nullptr, 0, 0), db.print_val(b, 2, raw, -1),
-          db.print_val(b, 118, raw, 0), db.print_val(b, 42, raw, 140), db.print_val(b, 42, raw, unit::A),
-          db.print_val(b, 42, none, -1), db.print_val_unit(b, 42, none, -1),
-          db.print_val_dt(b, quantity::depth, raw, 0), db.print_val(nullptr, 42, raw, 20),
-          db.print_val(b, 42, nullptr, 20)})
+          db.print_unit_dt(nullptr, 0, 0), db.print_val(b, 2, raw, -1), db.print_val(b, 118, raw, 0),
+          db.print_val(b, 42, raw, 140), db.print_val(b, 42, raw, unit::A), db.print_val(b, 42, none, -1),
+          db.print_val_unit(b, 42, none, -1), db.print_val_dt(b, quantity::depth, raw, 0),
+          db.print_val(nullptr, 42, raw, 20), db.print_val(b, 42, nullptr, 20)})
         EXPECT_EQ(result, -1);
 }
 

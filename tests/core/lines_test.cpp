@@ -70,7 +70,8 @@ TEST(Lines, Fields) {
         {61184, {0x88, 0x98, 1, 2}, {L"Manufacturer Code: Unknown", reserved, marine, L"Data: 88 98 01 02"}},
         {61184, {0x89, 0x98, 1, 2, 3, 4, 5, 6}, {keldor, reserved, marine, L"Data: 89 98 01 02 03 04 05 06"}},
         {126720, {0x89, 0x98, 1, 0, 2, 0, 5, 6},
-         {keldor, reserved, marine, L"Product Code: 1 ", L"Keldor Software Code: 2 ", L"Data: 89 98 01 00 02 00 05 06"}},
+         {keldor, reserved, marine, L"Product Code: 1 ", L"Keldor Software Code: 2 ",
+          L"Data: 89 98 01 00 02 00 05 06"}},
         // a value that names its format: 300 K; and a format that a value may not name
         {130840, {0x89, 0x98, 7, 105, 0, 0xE0, 0x93, 0x04},
          {L"...", L"Data Format: DF105 (Temperature)", L"Sensor Data: 80.330 \x00B0" L"F"}},
