@@ -46,7 +46,7 @@ inline constexpr auto hex_pairs = [] {
     for (const char first : digits) {
         for (const char second : digits) {
             const char pair[] = {first, second};
-            values[static_cast<unsigned>(second) << 8 | static_cast<unsigned>(first)] =
+            values[static_cast<std::size_t>(second) << 8 | static_cast<std::size_t>(first)] =
                 static_cast<std::uint16_t>(hex_pair(pair));
         }
     }

@@ -68,7 +68,9 @@ int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable wh
     if (u < 0) return -1;
     ConvValue value{CV_NOT_AVAILABLE, {}};
     if (convert_field(what.df, &value, raw, u) < 1) return -1;
-    return print_conv_value(buf, nullptr, value);
+    core::WideOut out(buf, print_limit);
+    put_conv_value(out, value);
+    return out.finish();
 }
 
 int print_value_and_unit(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw,

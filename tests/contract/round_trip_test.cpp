@@ -63,21 +63,13 @@ std::string text_of(DF df, const ConvValue& v) {
     const auto print = [&](auto... what) {
         return std::string(text, std::to_chars(text, text + sizeof text, what...).ptr);
     };
+    const bool is_signed = v.type >= CV_I8 && v.type <= CV_I64 && (v.type - CV_I8) % 2 == 0;
     if (!is_available(v)) return "";
-    switch (v.type) {
-        case CV_FLOAT: return std::isfinite(v.value.f32) ? print(v.value.f32) : "";
-        case CV_DOUBLE: return std::isfinite(v.value.f64) ? print(v.value.f64) : "";
-        case CV_I8:
-        case CV_I16:
-        case CV_I32:
-        case CV_I64: return print(v.value.i64);
-        case CV_U8:
-        case CV_U16:
-        case CV_U32:
-        case CV_TIME_OF_DAY:
-        case CV_U64: return print(v.value.u64, df == 60019 ? 16 : 10);  // frame data is typed in hexadecimal
-        default: return "";
-    }
+    if (v.type == CV_FLOAT) return std::isfinite(v.value.f32) ? print(v.value.f32) : "";
+    if (v.type == CV_DOUBLE) return std::isfinite(v.value.f64) ? print(v.value.f64) : "";
+    if (is_signed) return print(v.value.i64);
+    if (v.type > CV_I64 && v.type != CV_TIME_OF_DAY) return "";
+    return print(v.value.u64, df == 60019 ? 16 : 10);  // frame data is typed in hexadecimal
 }
 
 std::uint64_t low_bytes(std::uint64_t bits, int bytes) {

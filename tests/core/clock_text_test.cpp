@@ -34,14 +34,13 @@ TEST(ClockText, TimeOfDay) {
 }
 
 TEST(ClockText, DateLayouts) {
-    for (const auto& [u, expected] : {std::pair{UnitId{unit::date_mdy}, "01-08-2022"},
-                                      {UnitId{unit::date_mon_d_y}, "Jan-08-2022"},
-                                      {UnitId{unit::date_dmy}, "08-01-2022"},
-                                      {UnitId{unit::date_d_mon_y}, "08-Jan-2022"},
-                                      {UnitId{unit::date_md}, "01/08"},
-                                      {UnitId{unit::days}, ""},
-                                      {UnitId{-1}, ""}})
-        EXPECT_EQ(date(19000, u), expected);
+    // clang-format off
+    const std::pair<UnitId, const char*> layouts[] = {
+        {unit::date_mdy, "01-08-2022"}, {unit::date_mon_d_y, "Jan-08-2022"}, {unit::date_dmy, "08-01-2022"},
+        {unit::date_d_mon_y, "08-Jan-2022"}, {unit::date_md, "01/08"}, {unit::days, ""}, {-1, ""},
+    };
+    // clang-format on
+    for (const auto& [u, expected] : layouts) EXPECT_EQ(date(19000, u), expected);
     for (const int reserved : {0xFFFD, 0xFFFF}) EXPECT_EQ(date(reserved, unit::date_ymd), "-");
 }
 

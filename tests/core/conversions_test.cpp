@@ -1,8 +1,6 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <map>
-#include <numbers>
 
 #include "core/convert.h"
 #include "core/tables.h"
@@ -43,94 +41,34 @@ double number_in(const Value& v) {
     }
 }
 
-std::uint64_t top_code(const FormatPlan& plan) {
-    return ~std::uint64_t{0} >> (64 - plan.width + plan.is_signed);
-}
-
 TEST(Conversions, NumbersAndIdentifiersOfEveryWidth) {
-    int scaled_ones = 0, identifiers = 0;
+    int checked = 0;
     for (const FormatPlan& plan : all_plans()) {
-        const bool scales = plan.reading == Reading::scaled;
+        const bool scales = plan.reading == Reading::scaled, is_signed = plan.is_signed != 0;
         if (!scales && plan.reading != Reading::integer) continue;
-        ++(scales ? scaled_ones : identifiers);
         SCOPED_TRACE(plan.df);
-        const ValueType raw_type = integer_type(plan.width, plan.is_signed != 0);
-        const std::uint64_t top = top_code(plan);
+        const ValueType raw_type = integer_type(plan.width, is_signed);
+        const std::uint64_t top = ~std::uint64_t{0} >> (64 - plan.width + is_signed);
         for (const std::uint64_t refused : {top, top - 1, top - 2}) {
-            EXPECT_EQ(convert_bits(plan.df, refused, raw_count).value.type, ValueType::none);
-            EXPECT_EQ(convert_bits(plan.df, refused, plain_65).value.type, ValueType::none);
+            for (const UnitId u : {UnitId{raw_count}, UnitId{plain_65}, UnitId{gear}})
+                EXPECT_EQ(convert_bits(plan.df, refused, u).value.type, ValueType::none);
             EXPECT_EQ(convert_bits(plan.df, refused, raw_bits).value.type, raw_type);
             EXPECT_EQ(convert_bits(plan.df, refused, raw_bits).value.number.u64 & top, refused);
         }
         for (const std::uint64_t accepted : {std::uint64_t{0}, top - 3, top + 1}) {
-            if (accepted == top + 1 && plan.is_signed == 0) continue;
+            if (accepted == top + 1 && !is_signed) continue;
             // top + 1 is the most negative number
             const auto number = static_cast<std::int64_t>(accepted == top + 1 ? ~top : accepted);
             const Converted count = convert_bits(plan.df, accepted, raw_count);
             EXPECT_EQ(count.taken, plan.width / 8);
             EXPECT_EQ(count.value.type, scales ? ValueType::single : raw_type);
-            const double expected =
-                plan.is_signed != 0 ? static_cast<double>(number) : static_cast<double>(accepted);
+            const double expected = is_signed ? static_cast<double>(number) : static_cast<double>(accepted);
             EXPECT_EQ(number_in(count.value), scales ? static_cast<float>(expected) : expected);
             EXPECT_EQ(convert_bits(plan.df, accepted, raw_bits).value.number.i64, number);
         }
+        ++checked;
     }
-    EXPECT_GT(scaled_ones, 100);
-    EXPECT_EQ(identifiers, 8);
-}
-
-// What a unit is in the coherent unit of its dimension, from the definitions of the units.
-// clang-format off
-constexpr double pi = std::numbers::pi;
-const std::map<UnitId, double> si = {
-    {m, 1}, {ft, 0.3048}, {ftm, 1.8288}, {nm, 1852}, {stm, 1609.344}, {km, 1000}, {cm, 0.01}, {mm, 0.001},
-    {inch, 0.0254}, {m_s, 1}, {kt, 1852.0 / 3600}, {mph, 0.44704}, {kph, 1 / 3.6}, {mm_s, 0.001},
-    {inch_s, 0.0254}, {ft_s, 0.3048}, {m_min, 1.0 / 60}, {ft_min, 0.3048 / 60}, {gal, 3.785411784},
-    {imp_gal, 4.54609}, {litre, 1}, {m3, 1000}, {gal_hr, 3.785411784}, {imp_gal_hr, 4.54609}, {litre_hr, 1},
-    {m3_hr, 1000}, {V, 1}, {mV, 0.001}, {A, 1}, {mA, 0.001}, {deg, pi / 180}, {rad, 1}, {deg_mag, pi / 180},
-    {deg_true, pi / 180}, {rad_mag, 1}, {rad_true, 1}, {deg_s, pi / 180}, {deg_min, pi / 180 / 60},
-    {rad_s, 1}, {rpm, 2 * pi / 60}, {deg_s2, pi / 180}, {deg_min2, pi / 180 / 3600}, {rad_s2, 1}, {bar, 1e5},
-    {mbar, 100}, {unit::atm, 101325}, {Pa, 1}, {kPa, 1000}, {inHg, 3386.389}, {mmHg, 133.322387},
-    {psi, 6894.757293}, {W, 1}, {kW, 1000}, {mW, 0.001}, {VA, 1}, {kVA, 1000}, {mVA, 0.001}, {VAR, 1},
-    {kVAR, 1000}, {mVAR, 0.001}, {ohm, 1}, {kohm, 1000}, {Mohm, 1e6}, {N, 1}, {kN, 1000}, {kgf, 9.80665},
-    {lbf, 4.4482216152605}, {tf, 9806.65}, {tonf_us, 8896.443230521}, {tonf_uk, 9964.01641818352}, {Nm, 1},
-    {ft_lb, 1.3558179483314}, {lbf_ft, 1.3558179483314}, {in_lb, 0.1129848290276}, {Hz, 1}, {kHz, 1e3},
-    {MHz, 1e6}, {GHz, 1e9}, {hours, 3600}, {minutes, 60}, {seconds, 1}, {m_s2, 1}, {g_force, 9.80665},
-    {ft_s2, 0.3048}, {T, 1}, {mT, 1e-3}, {uT, 1e-6}, {gauss, 1e-4}, {Ah, 3600}, {C, 1}, {Wh, 3600},
-    {kWh, 3.6e6}, {byte, 1}, {KB, 1024.0}, {MB, 1048576.0}, {GB, 1073741824.0}, {TB, 1099511627776.0},
-    {lb, 0.45359237}, {gram, 0.001},
-};
-// clang-format on
-
-// Constants are single precision, and a few are the rounder ones of other displays: a knot of 0.514444 m/s,
-// an inch of mercury of 3386 Pa.
-double tolerance(UnitId u) {
-    return u == inHg ? 1.5e-4 : 2e-6;
-}
-
-TEST(Conversions, AllUnitsOfAFormatAgree) {
-    std::set<UnitId> compared;
-    for (const FormatPlan& plan : all_plans()) {
-        if (is_text(plan.reading) || convert_bits(plan.df, 100, gear).value.type == ValueType::single)
-            continue;
-        if (plan.df == 3 || plan.df == 12 || plan.df == 70)
-            continue;  // 100 is next to nothing as a floating number
-        const bool is_force = is_available(convert_bits(plan.df, 100, N).value);
-        UnitId first = -1;
-        double reference = 0;
-        for (const auto& [u, factor] : si) {
-            const Value value = convert_bits(plan.df, 100, u).value;
-            const bool is_number = value.type == ValueType::single || value.type == ValueType::seconds;
-            if (!is_number || !is_available(value) || (u == lb && is_force)) continue;
-            const double coherent = number_in(value) * factor;
-            if (first < 0) first = u, reference = coherent;
-            EXPECT_NEAR(coherent, reference, std::fabs(reference) * (tolerance(u) + tolerance(first)))
-                << "format " << plan.df << " units " << first << " and " << u;
-            if (u != first) compared.insert({u, first});
-        }
-    }
-    for (const auto& [u, factor] : si)
-        EXPECT_TRUE(compared.contains(u)) << "unit " << u << " is served by nothing";
+    EXPECT_GT(checked, 100);
 }
 
 float apply(UnitRule rule, double value, UnitId u) {
@@ -148,13 +86,13 @@ TEST(Conversions, Physics) {
         // clang-format off
     } cases[] = {
         {UnitRule::speed_mm_s, 1852000.0 / 3600, kt, 1}, {UnitRule::length_cm, 185200, nm, 1},
+        {UnitRule::length_cm, 30.48, ft, 1}, {UnitRule::angle_rad, 3.14159265, deg, 180},
         {UnitRule::volume_l, 3.785411784, gal, 1}, {UnitRule::temperature_k, 273.15, celsius, 0},
         {UnitRule::temperature_k, 273.15, fahrenheit, 32}, {UnitRule::temperature_k, 373.15, fahrenheit, 212},
         {UnitRule::temperature_k, 233.15, fahrenheit, -40}, {UnitRule::temperature_k, 300, raw_count, 300},
         {UnitRule::pressure_kpa, 101.325, unit::atm, 1}, {UnitRule::pressure_kpa, 101.325, mbar, 1013.25},
         {UnitRule::force_n, 9.80665, kg, 1}, {UnitRule::duration_s, 5400, hours, 1.5},
         // Beaufort: a bound belongs to the higher force
-        {UnitRule::speed_m_s, 0.2, bft, 0}, {UnitRule::speed_m_s, 1, bft, 1}, {UnitRule::speed_m_s, 17.5, bft, 8},
         {UnitRule::speed_mm_s, 40000, bft, 12}, {UnitRule::speed_m_s, -50, bft, 0}, {UnitRule::speed_m_s, NAN, bft, 12},
         // clang-format on
     };
@@ -162,14 +100,15 @@ TEST(Conversions, Physics) {
         EXPECT_NEAR(apply(c.rule, c.base, c.unit), c.expected, std::max(2e-6 * std::fabs(c.expected), 4e-5))
             << "unit " << c.unit << " of " << c.base;
     const float one_knot = 1 / apply(UnitRule::speed_m_s, 1, kt);
-    EXPECT_EQ(apply(UnitRule::speed_m_s, std::nextafter(one_knot * 3, 4.0f), bft), 2);
-    EXPECT_EQ(apply(UnitRule::speed_m_s, one_knot * 2.99999, bft), 1);
-    for (const FormatPlan& plan : all_plans()) {
-        const auto type = [&plan](UnitId u) { return convert_bits(plan.df, 100, u).value.type; };
-        if (type(raw_count) != ValueType::single || type(ground) != ValueType::none) continue;  // or a time
-        for (const UnitId u : {-1000, -2, 11, int{gear}, 140, 1 << 30})
-            EXPECT_EQ(type(u), ValueType::none) << "format " << plan.df << " unit " << u;
+    int exact = 0;
+    for (const auto& [knots, force] : {std::pair{1.0f, 1}, {3.0f, 2}, {6.0f, 3}, {10.0f, 4}, {16.0f, 5}}) {
+        float speed = one_knot * knots * 0.9999f;
+        EXPECT_EQ(apply(UnitRule::speed_m_s, speed, bft), force - 1);
+        while (apply(UnitRule::speed_m_s, speed, kt) < knots) speed = std::nextafter(speed, 99.0f);
+        EXPECT_EQ(apply(UnitRule::speed_m_s, speed, bft), force);
+        exact += apply(UnitRule::speed_m_s, speed, kt) == knots;
     }
+    EXPECT_GT(exact, 0);
 }
 
 constexpr std::uint64_t f32(float v) {
@@ -199,8 +138,7 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
         // positions
         {23, 600000000, {{deg_lat, D, 60}, {counts, D, 6e8}, {bits, I32, 6e8}, {deg_long, NA, 0}}},
         {23, 0x7FFFFFFD, {{deg_lat, NA, 0}, {counts, NA, 0}, {bits, I32, 0x7FFFFFFD}}},
-        {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}},
-        {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}},
+        {25, 0xFFFFFFF6, {{deg_long, D, -1e-6}}}, {76, 600000000000000000, {{deg_lat, D, 60}, {bits, I64, 6e17}}},
         {77, -10000000000000000ull, {{deg_long, D, -1}}},
         // dates, run times, periods: 0xFFFE of a period is a code of the clock in every unit
         {41, 65532, {{days, U16, 65532}, {hours, NA, 0}}}, {41, 65533, {{bits, U16, 65533}, {date_ymd, NA, 0}}},
@@ -214,16 +152,14 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
         {117, 0x1000000000000, {{counts, NA, 0}}},
         // codes
         {93, 252, {{tonf_uk, U8, 252}}}, {93, 253, {{percent, NA, 0}, {bits, U8, 253}}},
-        {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}},
-        {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}}, {60010, ones, {{V, U8, 15}}},
-        {60012, ones, {{V, U8, 3}}},
-        {60016, ones, {{V, U8, 63}}}, {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}},
-        {60019, ones, {{V, U64, 0x1p64}}},
+        {112, 350, {{ppm, U16, 350}, {percent, NA, 0}}}, {2518, 3, {{bits, U8, 3}}}, {2530, 4, {{bits, U8, 255}}},
+        {60010, ones, {{V, U8, 15}}}, {60012, ones, {{V, U8, 3}}}, {60016, ones, {{V, U8, 63}}},
+        {60017, ones, {{V, U16, 0xFFFF}}}, {60018, ones, {{V, U32, 0x1FFFFFFF}}}, {60019, ones, {{V, U64, 0x1p64}}},
         // offsets
         {2452, 2000001500, {{W, F, 1500}, {counts, F, 1500}, {bits, I32, 2000001500}, {V, NA, 0}}},
         {2456, 1999999000, {{kVAR, F, -1}}},
         {2464, 32768, {{plain_64, F, 1}, {counts, F, 16384}, {bits, U16, 32768}}}, {2464, 0xFFFD, {{plain_64, NA, 0}}},
-        {2516, 2560, {{deg, F, -180}, {rad, F, -pi}, {counts, F, -23040}, {deg_true, NA, 0}}},
+        {2516, 2560, {{deg, F, -180}, {rad, F, -3.14159265}, {counts, F, -23040}, {deg_true, NA, 0}}},
         {101, 0, {{plain_66, F, 1}}}, {101, 250, {{V, F, 1.5}}},
         // values that name their format: 500 mm/s, and a format that none may name
         {60007, 0x01F40024, {{kph, F, 1.8}, {V, NA, 0}}}, {60007, 0x01F40023, {{kph, NA, 0}}},
@@ -301,16 +237,12 @@ TEST(Texts, ARefusedHeaderShowsTheLastTextOfItsScratch) {
     const auto mine = std::make_unique<TextScratch>(), other = std::make_unique<TextScratch>();
     EXPECT_EQ(text_of(50, {4, 1, 'o', 'k'}, 0, *mine), "ok");
     EXPECT_EQ(text_of(51, {6, 0, 1, 'y', 'e', 's'}, 0, *mine), "yes");
-    for (const auto& [length, encoding] : {std::pair{0, 1}, {1, 1}, {253, 1}, {255, 0}, {5, 2}, {5, 255}}) {
-        const Bytes refused = {static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(encoding), 'X',
-                               'Y', 'Z'};
+    for (const Bytes& refused : {Bytes{0, 1, 'X'}, {1, 1, 'X'}, {253, 1, 'X'}, {255, 0, 'X'}, {5, 2, 'X'}}) {
         EXPECT_EQ(text_of(50, refused, 0, *mine), "ok");
         EXPECT_EQ(text_of(50, refused, 0, *other), "");
     }
-    for (const auto& [low, high, encoding] :
-         {std::tuple{0, 0, 1}, {2, 0, 1}, {0xFA, 6, 1}, {0xFF, 0xFF, 0}, {6, 0, 2}}) {
-        const Bytes refused = {static_cast<std::uint8_t>(low), static_cast<std::uint8_t>(high),
-                               static_cast<std::uint8_t>(encoding), 'X', 'Y'};
+    for (const Bytes& refused :
+         {Bytes{0, 0, 1, 'X'}, {2, 0, 1, 'X'}, {0xFA, 6, 1}, {0xFF, 0xFF, 0}, {6, 0, 2, 'X'}}) {
         EXPECT_EQ(text_of(51, refused, 0, *mine), "yes");
         EXPECT_EQ(text_of(51, refused, 0, *other), "");
     }

@@ -68,10 +68,7 @@ void compare_around(Float value) {
     constexpr Float infinity = std::numeric_limits<Float>::infinity();
     for (const Float v : {std::nextafter(value, -infinity), value, std::nextafter(value, infinity)})
         for (const Float either : {v, -v})
-            if (std::isfinite(either)) {
-                compare(either);
-                compare_fixed(either);
-            }
+            if (std::isfinite(either)) compare(either), compare_fixed(either);
 }
 
 TEST(Numbers, PowersTheirNeighboursAndTies) {
@@ -115,20 +112,19 @@ TEST(Numbers, RandomValues) {
 
 TEST(Numbers, Integers) {
     std::mt19937_64 random(7);
-    for (int i = 0; i < trials(500000); ++i) {
-        const std::uint64_t number = random() >> random() % 64;
-        const auto with_sign = static_cast<std::int64_t>(i % 2 == 0 ? number : 0 - number);
-        ASSERT_EQ(written([=](char* at) { return write_unsigned(at, number); }), shortest(number));
+    std::vector<std::uint64_t> numbers = {0x8000000000000000};
+    for (int i = 0; i < trials(200000); ++i) numbers.push_back(random() >> random() % 64);
+    for (std::uint64_t power = 1, i = 0; i < 20; ++i, power *= 10)
+        numbers.insert(numbers.end(), {power - 1, power, power + 1});
+    for (const std::uint64_t n : numbers) {
+        const auto with_sign = static_cast<std::int64_t>(n % 2 == 0 ? n : 0 - n);
+        const auto low = static_cast<std::uint32_t>(n);
+        ASSERT_EQ(written([=](char* at) { return write_unsigned(at, n); }), shortest(n));
         ASSERT_EQ(written([=](char* at) { return write_signed(at, with_sign); }), shortest(with_sign));
         for (const int least : {1, 8, 16})
-            ASSERT_EQ(
-                written([=](char* at) { return write_hex(at, static_cast<std::uint32_t>(number), least); }),
-                printf_form("%0*X", least, static_cast<std::uint32_t>(number)));
+            ASSERT_EQ(written([=](char* at) { return write_hex(at, low, least); }),
+                      printf_form("%0*X", least, low));
     }
-    for (std::uint64_t power = 1, i = 0; i < 20; ++i, power *= 10)
-        for (const std::uint64_t n : {power - 1, power, power + 1})
-            EXPECT_EQ(written([=](char* at) { return write_unsigned(at, n); }), shortest(n));
-    EXPECT_EQ(written([](char* at) { return write_signed(at, INT64_MIN); }), "-9223372036854775808");
 }
 
 }  // namespace

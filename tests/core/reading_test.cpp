@@ -19,6 +19,7 @@ FieldReading read_at(const N2KMsg& msg, std::uint32_t dd, int bytes, int bits, P
 }
 
 constexpr std::uint32_t binary = 142, number = 7, latitude = 202, name = 4;
+constexpr int none = -1;
 
 TEST(Reading, BitsOfEveryWidthAtEveryPosition) {
     std::mt19937 random(1);
@@ -49,36 +50,34 @@ TEST(Reading, BitsOfEveryWidthAtEveryPosition) {
 
 TEST(Reading, AtTheEnd) {
     N2KMsg msg = message(127250, {1, 2, 3, 4, 5, 6, 7, 8});
-    EXPECT_EQ(read_at(msg, number, 0, 0, {6, 0}).value.number.u16, 0x0807);
-    EXPECT_EQ(read_at(msg, number, 0, 0, {6, 0}).next, (PayloadPosition{8, 0}));
+    const struct {
+        std::uint32_t dd;
+        int bytes;
+        PayloadPosition at;
+        int number;  // or none: cut off
+        PayloadPosition next;
+    } cases[] = {
+        {number, 0, {6, 0}, 0x0807, {8, 0}},  {number, 0, {7, 0}, none, {9, 0}},  // one byte is there
+        {number, 0, {8, 0}, 0x1234, {10, 0}},  // wholly beyond: from the record
+        {number, 0, {1785, 0}, 0, {1787, 0}}, {latitude, 0, {1, 0}, none, {9, 0}},
+        {number, 2, {3, 5}, 0, {5, 5}},     // whole bytes that begin inside one
+        {number, 2, {6, 4}, none, {8, 4}},  // its last four bits are missing
+    };
     msg.data[8] = 0x34, msg.data[9] = 0x12;
-    EXPECT_TRUE(read_at(msg, number, 0, 0, {7, 0}).cut_off) << "one byte is there";
-    EXPECT_EQ(read_at(msg, number, 0, 0, {8, 0}).value.number.u16, 0x1234)
-        << "wholly beyond: from the record";
-    EXPECT_EQ(read_at(msg, number, 0, 0, {1785, 0}).value.number.u16, 0);
-    EXPECT_TRUE(read_at(msg, latitude, 0, 0, {1, 0}, unit::deg_lat).cut_off);
-    EXPECT_EQ(read_at(msg, number, 2, 0, {3, 5}).value.number.u64, 0u) << "whole bytes that begin inside one";
-    EXPECT_EQ(read_at(msg, number, 2, 0, {3, 5}).next, (PayloadPosition{5, 5}));
-    EXPECT_TRUE(read_at(msg, number, 2, 0, {6, 4}).cut_off) << "its last four bits are missing";
+    for (const auto& c : cases) {
+        const FieldReading field = read_at(msg, c.dd, c.bytes, 0, c.at, unit::raw_bits);
+        EXPECT_EQ(field.cut_off, c.number == none) << c.at.byte;
+        EXPECT_EQ(field.value.type == ValueType::none, c.number == none) << c.at.byte;
+        if (c.number != none) {
+            EXPECT_EQ(integer_of(field.value), c.number) << c.at.byte;
+        }
+        EXPECT_EQ(field.next, c.next);
+    }
     EXPECT_FALSE(read_at(msg, name, 0, 0, {4, 0}).cut_off) << "texts show what is there";
     // The size masks integers, modulo 256 bits.
     msg.length = 400;
     for (const auto& [bytes, expected] : {std::pair{1, 0x01}, {2, 0x0201}, {31, 0x0201}, {32, 0}, {33, 0x01}})
         EXPECT_EQ(read_at(msg, number, bytes, 0, {0, 0}).value.number.u16, expected) << bytes;
-}
-
-TEST(Reading, PressureOfAir) {
-    for (const auto& [pgn, source, expected] :
-         {std::tuple{130314u, std::uint8_t{0}, int{quantity::atmospheric_pressure}},
-          {130314u, std::uint8_t{1}, int{quantity::pressure}},
-          {130311u, std::uint8_t{1}, int{quantity::atmospheric_pressure}}})
-        for (const FieldDef& row : all_fields()) {
-            if (row.pgn != pgn || quantity_of_dd(static_cast<int>(row.dd->dd)) != quantity::pressure)
-                continue;
-            TextScratch scratch;
-            const N2KMsg msg = message(pgn, {1, 0, source, 0x02, 0x76, 0x0F, 0x00, 0xFF});
-            EXPECT_EQ(read_field(msg, row, {3, 0}, UnitSelection{}, unit::mbar, scratch).quantity, expected);
-        }
 }
 
 }  // namespace

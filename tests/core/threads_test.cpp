@@ -1,4 +1,3 @@
-#include <memory>
 #include <thread>
 
 #include "support/testing.h"
@@ -15,27 +14,13 @@ std::string everything(unsigned seed) {
         for (const UnitId* u = available_units(q); *u < unit::count; ++u) offered.push_back(*u);
         if (!offered.empty()) units.select(q, offered[random() % offered.size()]);
     }
-    TextRenderer text(units, seed % 2 == 0);
-    JsonRenderer json(units);
-    CsvRenderer csv(units);
-    std::vector<char> area(8 * piece_room);
     std::string all;
-    const auto take = [&](auto& renderer) {
-        do all.append(area.data(), renderer.write(area.data(), area.data() + area.size()));
-        while (!renderer.is_done());
-    };
     for (const std::uint32_t pgn : catalogued_pgns()) {
         Bytes payload = random_bytes(random, 60);
         if (random() % 2 == 0)
             for (auto& byte : payload) byte %= 8;  // texts, flags and small numbers
         const N2KMsg msg = message(pgn, payload);
-        const PgnDef* const row = find_pgn_def(pgn);
-        text.start(msg, row, seed);
-        take(text);
-        json.start(msg, row, {seed, true, static_cast<std::int64_t>(random()) * 1'000'000'000});
-        take(json);
-        csv.start(msg, row, {seed, false, 0});
-        take(csv);
+        for (const std::string& form : forms_of(msg, seed % 2 == 0, units, 8 * piece_room)) all += form;
         for (const std::wstring& line : lines_of(msg, plain, units)) all.append(line.begin(), line.end());
     }
     return all;

@@ -180,11 +180,25 @@ std::wstring text_of(const Value& value) {
     return value.type == ValueType::text ? text : L"(no text)";
 }
 
+/// What is sent as JSON has it: hexadecimal bytes, the low ones first.
+std::string raw_of(const Written& written, int start, int bits) {
+    std::string text = "\"raw\":\"";
+    for (int at = 0; at < bits && start + at < written.msg.length * 8; at += 8) {
+        char digits[3];
+        std::snprintf(digits, 3, "%02X",
+                      static_cast<unsigned>(written.bits_at(start + at, std::min(8, bits - at))));
+        text += digits;
+    }
+    return text + "\"}";
+}
+
 TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
     const UnitSelection units;
     TextScratch scratch;
     for (const auto& [pgn, written] : written_messages()) {
         SCOPED_TRACE("PGN " + std::to_string(pgn));
+        const std::string json = forms_of(written.msg, plain, units, piece_room)[1];
+        std::size_t at = 0;
         MessageWalk walk(find_pgn_def(pgn), written.msg);
         for (const Item& item : written.items) {
             SCOPED_TRACE("field " + std::to_string(item.row->field) + " round " + std::to_string(item.round));
@@ -197,6 +211,9 @@ TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
                 read_field(written.msg, row, walk.position, units, unit::raw_bits, scratch);
             ASSERT_EQ(in_bits(raw.next), item.start + item.bits);
             EXPECT_FALSE(raw.cut_off);
+            at = json.find("\"raw\":", at + 1);
+            const std::string sent = raw_of(written, item.start, item.bits);
+            EXPECT_EQ(std::string_view(json).substr(at, sent.size()), sent);
             if (is_text(reading_of(row.dd->df))) {
                 EXPECT_EQ(text_of(raw.value), item.text);
             } else {

@@ -6,8 +6,10 @@ import csv
 import io
 import json
 import os
+import re
 import signal
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
@@ -21,12 +23,23 @@ WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
 
 HEADING = "2026-09-10T08:00:00.250Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"  # 1.0000 rad magnetic
 CLAIM = "2026-09-10T08:00:01.500Z,6,60928,35,255,8,39,30,20,11,00,96,32,c0\n"
-LABEL = "2026-09-10T08:00:02.000Z,6,130818,9,255,17,89,98,00,00,00,0b,01,50,75,6d,70,2c,20,22,62,22,01\n"  # Pump, "b"
+# Texts of a label, in one byte a character and in UTF-16, with what forms have to quote or must not let through.
+HOSTILE = ('Pump, "b"', "a\rb", "\x1b[31mX\n0.00 FORGE", "\\\x7f", "A\x85\x9bB\u6771")
 UNKNOWN = "2026-09-10T08:00:02.500Z,7,131000,9,35,3,01,02,03\n"
 
 
 def vistel(*arguments, stdin=""):
-    return subprocess.run([VISTEL, *arguments], input=stdin, capture_output=True, encoding="utf-8", timeout=60)
+    result = subprocess.run([VISTEL, *arguments], input=stdin.encode(), capture_output=True, timeout=60)
+    result.stdout, result.stderr = result.stdout.decode(), result.stderr.decode()  # with their line ends
+    return result
+
+
+def label(text):
+    """A label message with a text."""
+    narrow = all(ord(c) < 0x80 for c in text)
+    sent = text.encode("latin-1" if narrow else "utf-16-le")
+    payload = bytes((0x89, 0x98, 0, 0, 0, len(sent) + 2, narrow)) + sent + b"\1"
+    return f",6,130818,9,255,{len(payload)},{payload.hex(',')}\n"
 
 
 def without_display(*command, **environment):
@@ -35,54 +48,61 @@ def without_display(*command, **environment):
 
 
 class ProgramTest(unittest.TestCase):
-    def test_text_is_what_the_monitor_shows(self):
+    def test_text_and_json(self):
         result = vistel("decode", stdin="# format=FAST\n" + HEADING + UNKNOWN)
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(result.stdout.splitlines(), [
-            "0.00           127250, Vessel Heading",
-            "    Source Address: 0x07 (7)",
-            "    Destination: Global, pri=2",
-            "    Sequence ID: 5 (0x05) ",
-            "    Heading Sensor Reading: 57.296 °M",
-            "    Deviation: - °",
-            "    Variation: - °",
-            "    Heading Sensor Reference: Magnetic",
-            "    NMEA Reserved: 63 (0x3F) ",
-            "2.25           131000, Unknown",
-            "    Source Address: 0x09 (9)",
-            "    Destination: 0x23 (35)",
-            "    Data: 01 02 03",
-        ])
-        plain = vistel("decode", "--plain-numbers", stdin=HEADING).stdout
-        self.assertIn("    Sequence ID: 5 \n", plain)
-
-    def test_json(self):
-        result = vistel("decode", "--json", stdin="# format=FAST\n" + HEADING + CLAIM + UNKNOWN)
-        first, second, third = map(json.loads, result.stdout.splitlines())
-        self.assertEqual([first[key] for key in ("time", "absolute", "pgn", "name", "priority", "source", "destination")],
-                         [0, "2026-09-10T08:00:00.250000Z", 127250, "Vessel Heading", 2, 7, 255])
-        fields = {field["label"]: field for field in first["fields"]}
-        self.assertAlmostEqual(fields["Heading Sensor Reading"]["value"], 57.29578, places=4)
-        self.assertEqual(fields["Heading Sensor Reading"]["unit"], "°M")
-        self.assertEqual(fields["Heading Sensor Reading"]["raw"], "1027")
-        self.assertIsNone(fields["Deviation"]["value"])
-        self.assertEqual((fields["Heading Sensor Reference"]["value"], fields["Heading Sensor Reference"]["text"],
-                          fields["Heading Sensor Reference"]["raw"]), (1, "Magnetic", "01"))
+        self.assertEqual(result.stdout.splitlines()[2:5] + result.stdout.splitlines()[-4:], [
+            "    Destination: Global, pri=2", "    Sequence ID: 5 (0x05) ", "    Heading Sensor Reading: 57.296 °M",
+            "2.25           131000, Unknown", "    Source Address: 0x09 (9)", "    Destination: 0x23 (35)",
+            "    Data: 01 02 03"])
+        result = vistel("decode", "--json", stdin="# format=FAST\n" + HEADING + CLAIM)
+        first, second = map(json.loads, result.stdout.splitlines())
+        self.assertEqual([first[key] for key in ("time", "absolute", "name", "priority", "source", "destination")],
+                         [0, "2026-09-10T08:00:00.250000Z", "Vessel Heading", 2, 7, 255])
+        self.assertEqual(first["fields"][1], {"number": 2, "label": "Heading Sensor Reading", "value": 57.29578,
+                                              "unit": "°M", "text": None, "raw": "1027"})
         self.assertEqual(second["time"], 1.25)
-        self.assertEqual([field["number"] for field in second["fields"]], list(range(1, 11)))
-        self.assertEqual((third["name"], third["fields"], third["data"]), ("Unknown", [], "010203"))
+
+    def test_forms_agree(self):
+        """Any payloads: JSON and CSV have the same, and what the text shows."""
+        made = subprocess.run([sys.executable, Path(__file__).with_name("any_payloads.py")], capture_output=True,
+                              encoding="utf-8", check=True).stdout.splitlines(keepends=True)
+        recording = "# format=FAST\n" + "".join(made[::4]) + "".join(map(label, HOSTILE))
+        text, objects, rows = (vistel("decode", form, stdin=recording).stdout
+                               for form in ("--plain-numbers", "--json", "--csv"))
+        lines = iter(text.split("\n"))
+        rows = csv.DictReader(io.StringIO(rows, newline=""))
+        values = []
+        for sent, message in zip(recording.splitlines()[1:], objects.split("\n")):
+            message = json.loads(message, parse_float=str, parse_int=str)
+            self.assertRegex(next(lines), f"^[0-9.]+ +{message['pgn']}, {re.escape(message['name'])}$")
+            self.assertEqual(next(lines), f"    Source Address: 0x{int(message['source']):02X} ({message['source']})")
+            next(lines)
+            for field in message["fields"]:
+                row, line = next(rows), next(lines)
+                row["number"] = row["field"]
+                self.assertEqual({key: value or "" for key, value in field.items()}, {key: row[key] for key in field})
+                start = f"    {field['label']}: "
+                self.assertTrue(line.startswith(start), (line, field))
+                shown, value = line.removeprefix(start), field["value"]
+                values.append(value)
+                if field["text"] is not None:
+                    self.assertIn(field["text"], shown)
+                elif re.fullmatch(r"-?\d+\.\d+ \D*", shown) and value is not None:
+                    self.assertAlmostEqual(float(shown.split()[0]), float(value), delta=1e-5 + 1e-4 * abs(float(value)))
+                self.assertEqual(row["time"], message["time"])
+            if "data" in message or not message["fields"]:
+                row = next(rows)
+                self.assertEqual((row["label"], row["raw"]), ("Data", sent.split(",", 6)[6].replace(",", "").upper()))
+                self.assertEqual(next(lines).replace(" ", ""), "Data:" + message.get("data", ""))
+        self.assertEqual((next(lines), next(rows, None)), ("", None))
+        self.assertLessEqual(set(HOSTILE), set(values))
+        self.assertFalse(re.search("[\x00-\x09\x0b-\x1f\x7f-\x9f]", text), "what could steer a terminal")
 
     def test_csv_names_the_message_and_the_one_it_asks_for(self):
         request = ",6,59904,7,255,3,14,f0,01\n"
         row, = csv.DictReader(io.StringIO(vistel("decode", "--csv", stdin=request).stdout))
         self.assertEqual((row["name"], row["text"]), ("ISO Request", "Product Information"))
-
-    def test_csv_survives_quotes_and_commas(self):
-        result = vistel("decode", "--csv", stdin="# format=FAST\n" + LABEL + UNKNOWN)
-        rows = list(csv.DictReader(io.StringIO(result.stdout)))
-        self.assertIn('Pump, "b"', [row["value"] for row in rows])
-        self.assertEqual((rows[-1]["label"], rows[-1]["raw"], rows[-1]["time"]), ("Data", "010203", "0.500000"))
-        self.assertTrue(all(None not in row and None not in row.values() for row in rows))
 
     def test_choices(self):
         both = "# format=FAST\n" + HEADING + CLAIM
@@ -107,17 +127,15 @@ class ProgramTest(unittest.TestCase):
             path = Path(folder, "a.log")
             path.write_text(HEADING + "\n" + broken + HEADING)
             cases = [
-                (["decode", str(path)], 1, f"{path}:3: "),
-                (["decode", str(Path(folder, "none"))], 2, "No such file"),
-                (["decode", folder], 2, "directory"),
+                (["decode", str(path)], 1, f"{path}:3: "), (["decode", str(Path(folder, "none"))], 2, "No such file"),
+                (["decode", folder], 2, "directory"), (["decode", "--json", "--csv", str(path)], 2, ""),
                 (["decode", "--unit", "Depth=mile", str(path)], 2, "there are: ft, m, ftm"),
-                (["decode", "--unit", "Deep=m", str(path)], 2, "no quantity 'Deep'"),
+                (["decode", "--unit", "Deep=m", "--unit", "Depth=m", str(path)], 2, "no quantity 'Deep'"),
                 (["decode", "--units", "royal", str(path)], 2, "default, metric"),
-                (["decode", "--format", "none", str(path)], 2, "candump"),
-                (["decode", "--json", "--csv", str(path)], 2, ""),
-                (["frobnicate"], 2, "no command 'frobnicate'"),
-                ([], 2, ""),
-                (["catalogue", "none"], 2, "quantities"),
+                (["decode", "--format", "none", str(path)], 2, "candump"), (["catalogue", "none"], 2, "quantities"),
+                (["none"], 2, "vistel: no command 'none'"), ([], 2, "vistel: "), (["decode", "--none"], 2, "vistel: "),
+                (["decode", ""], 2, "vistel: "), (["monitor", "--none"], 2, "vistel: "),
+                (["encode", "127250", "--source", "300"], 2, "vistel: "),
             ]
             for arguments, status, message in cases:
                 result = vistel(*arguments)
@@ -130,34 +148,32 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(vistel("decode").returncode, 0)
 
     def test_encoding_is_decoded_again(self):
-        heading = ["127250", "Heading Sensor Reading=123.4 °", "Heading Sensor Reference=Magnetic"]
-        product = ["126996", "Manufacturer's Model ID=Pump 3"]
-        ack = ["126208", "Group Function Code=Acknowledge Message", "Requested PGN=65240"]
-        address = ["65240", "Unique Number (ISO Identity Number)=77"]
-        many = ["126464"] + [f"PGN supported #{n}=129029" for n in range(1, 101)]
-        short = ["126464", "PGN supported #1=129029"]
+        def pgns(count):
+            return ["126464"] + [f"PGN supported #{n}=129029" for n in range(1, count + 1)]
+        magnetic = ["Heading Sensor Reading=123.4 °", "Heading Sensor Reference=Magnetic"]
         cases = [
-            (heading, [], ["Heading Sensor Reading: 123.40 °M", "Heading Sensor Reference: Magnetic", "Deviation: - °"]),
-            (heading, ["--source", "7", "--priority", "1"], ["Source Address: 0x07 (7)", "Destination: Global, pri=1"]),
-            (product, ["--sequence", "5"], ["Manufacturer's Model ID: Pump 3 "]),
-            (ack, ["--destination", "35"], ["Destination: 0x23 (35)", "Requested PGN:  65240 (ISO Commanded Address)"]),
-            (address, [], ["Unique Number (ISO Identity Number): 77 (0x4D) "]),
-            (many, [], ["PGN supported #100: 129029 (GNSS Position Data)"]),
-            (short, [], ["PGN supported #1: 129029 (GNSS Position Data)"]),
-            (["128267", "Water Depth, Transducer=10"], ["--units", "metric"], ["Water Depth, Transducer: 32.808 ft"]),
-            (["130306", "Wind Speed=5 Bft"], [], ["Wind Speed: 16.017 kt"]),
+            (["127250", *magnetic], ["Heading Sensor Reading: 123.40 °M", "Deviation: - °"]),
+            (["127250", "--source", "7", "--priority", "0"], ["Source Address: 0x07 (7)", "Destination: Global, pri=0"]),
+            (["126996", "Manufacturer's Model ID=Pump 3", "--sequence", "5"], ["Manufacturer's Model ID: Pump 3 "]),
+            (["126208", "Group Function Code=Acknowledge Message", "Requested PGN=65240", "--destination", "35"],
+             ["Destination: 0x23 (35)", "Requested PGN:  65240 (ISO Commanded Address)"]),
+            (["65240", "Unique Number (ISO Identity Number)=77"], ["Unique Number (ISO Identity Number): 77 (0x4D) "]),
+            (pgns(100), ["PGN supported #100: 129029 (GNSS Position Data)"]), (pgns(1), []),
+            (["126464", "Data=0112F10114F00100"], ["PGN supported #2: 126996 (Product Information)"]),  # eight bytes
+            (["128267", "Water Depth, Transducer=10", "--units", "metric"], ["Water Depth, Transducer: 32.808 ft"]),
+            (["130306", "Wind Speed=5 Bft"], ["Wind Speed: 16.017 kt"]),
         ]
-        for fields, options, lines in cases:
+        for arguments, lines in cases:
             for form in ["plain", "candump"]:
-                encoded = vistel("encode", *fields, *options, "--format", form, "--time", "2026-09-10T08:00:00.5Z")
-                self.assertEqual((encoded.returncode, encoded.stderr), (0, ""), fields)
+                encoded = vistel("encode", *arguments, "--format", form, "--time", "2026-09-10T08:00:00.5Z")
+                self.assertEqual((encoded.returncode, encoded.stderr), (0, ""), arguments)
                 decoded = vistel("decode", "--json", stdin=encoded.stdout)
-                self.assertEqual((decoded.returncode, decoded.stderr), (0, ""), fields)
+                self.assertEqual((decoded.returncode, decoded.stderr), (0, ""), arguments)
                 last = json.loads(decoded.stdout.splitlines()[-1])
-                self.assertEqual((last["pgn"], last["absolute"]), (int(fields[0]), "2026-09-10T08:00:00.500000Z"))
-                shown = [line.removeprefix("    ") for line in vistel("decode", stdin=encoded.stdout).stdout.splitlines()]
+                self.assertEqual((last["pgn"], last["absolute"]), (int(arguments[0]), "2026-09-10T08:00:00.500000Z"))
+                shown = vistel("decode", stdin=encoded.stdout).stdout
                 for line in lines:
-                    self.assertIn(line, shown, fields)
+                    self.assertIn(f"    {line}\n", shown, arguments)
 
     def test_frames_of_encoding(self):
         cases = [
@@ -166,7 +182,6 @@ class ProgramTest(unittest.TestCase):
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001"]),
-            (["127250", "--time", "2026-09-10T08:00:00.5Z"], ["(1789027200.500000) can0 09F11200#FFFFFFFF7FFF7FFF"]),
         ]
         for arguments, lines in cases:
             self.assertEqual(vistel("encode", "--format", "candump", *arguments).stdout.splitlines(), lines)
@@ -187,56 +202,43 @@ class ProgramTest(unittest.TestCase):
     def test_hostile_arguments_of_encoding(self):
         long = "x" * 10_000
         cases = [
-            (["127250", "Deviation"], "'Deviation' is not of the form LABEL=VALUE"),
-            (["127250", ""], "an argument is empty"),
-            (["127250", "=1"], "'=1' has no label before the '='"),
-            (["127250", long], "...' is not of the form"),
+            (["127250", ""], "an argument is empty"), (["127250", "Deviation"], "is not of the form LABEL=VALUE"),
+            (["127250", "=1"], "'=1' has no label before the '='"), (["127250", long], "...' is not of the form"),
             (["127250", long + "=1"], "...' in PGN 127250; there are: Sequence ID"),
             (["127250", "Deviation=" + long], "...' does not begin with a number"),
             (["127250", "Deviation=" + "9" * 10_000], "...' is out of range: from -187.74681 to 187.72389 °"),
             (["126998", "Installation Description, Field 1=" + long], "holds 125 characters only: 'xxx"),
-            (["127250", b"Deviation=\xff"], "`Deviation=\\xFF` is not UTF-8 text"),
-            ([b"\xff"], "`\\xFF` is not UTF-8 text"),
-            (["262144"], "PGN '262144' is above 262143"),
-            (["99999999999999999999"], "is above 262143"),
-            (["-1"], "no PGN '-1'"),
-            (["131000"], "PGN 131000 is not in the catalogue"),
+            (["127250", b"Deviation=\xff"], "`Deviation=\\xFF` is not UTF-8 text"), ([b"\xff"], "is not UTF-8 text"),
+            (["262144"], "PGN '262144' is above 262143"), (["99999999999999999999"], "is above 262143"),
+            (["-1"], "no PGN '-1'"), (["131000"], "PGN 131000 is not in the catalogue"),
             (["Vessel Headin"], "did you mean 'Vessel Heading'?"),
             (["127250", "--destination", "5"], "PGN 127250 goes to everyone; it has no destination"),
-            (["127250", "--time", "noon"], "time `noon`: "),
+            (["127250", "--time", "noon"], "time `noon`: "), (["127250", "--units", "royal"], "default, metric"),
             (["127250", "--unit", "Heading=ft"], "no unit 'ft' for Heading; there are: °M, °T"),
-            (["127250", "--units", "royal"], "there are: default, metric"),
             (["--list", "127250", "Deviation=1"], "--list takes no fields"),
             (["--list", "131000"], "PGN 131000 is not in the catalogue"),
             ([*["126464"], *[f"PGN supported #{n}=1" for n in range(600)]], "PGN supported #0"),
             (["126464", "PGN supported #99999999999999999999=1"], "no field"),
             (["126464", "PGN supported #1700=1"], "#1700 does not fit into the 1785 bytes of a message"),
-            (["126996", "--format", "candump", "Data=" + "00" * 1785, "--destination", "255"], None),
             (["126208", "--format", "candump", "Data=" + "02" * 300, "--destination", "3"], "takes a dialogue"),
         ]
         for arguments, message in cases:
             result = subprocess.run([VISTEL, "encode", *arguments], capture_output=True, timeout=60)
             error = result.stderr.decode("utf-8")
-            if message is None:
-                self.assertEqual((result.returncode, error), (0, ""))
-                continue
             self.assertEqual((result.returncode, result.stdout), (2, b""), error)
             self.assertIn(message, error)
             self.assertLess(max(map(len, error.splitlines() or [""])), 400, error)
 
-    def test_incomplete_packets_are_told(self):
-        frames = "(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n"
-        result = vistel("decode", "--stats", stdin=frames)
-        self.assertEqual(result.returncode, 1)
-        self.assertIn("messages that stayed incomplete: 1", result.stderr)
-        self.assertIn("incomplete fast packets: 1", result.stderr)
-
-    def test_texts_off_the_wire_steer_no_terminal(self):
-        forged = "# format=FAST\n,6,126998,3,255,19,13,01,1b,5b,33,31,6d,58,0a,30,2e,30,30,20,46,4f,52,47,45\n"
-        text = vistel("decode", stdin=forged).stdout
-        self.assertIn("\ufffd[31mX\ufffd0.00 FORGE", text)
-        self.assertEqual(json.loads(vistel("decode", "--json", stdin=forged).stdout)["fields"][0]["value"],
-                         "\x1b[31mX\n0.00 FORGE")
+    def test_losses_are_told(self):
+        heading, first, later = "09F11207#05102700FF7FFF7F", "19F01423#0086010203040506", "19F01423#0186010203040506"
+        for frames, told in [([first, heading], "messages that stayed incomplete: 1"),
+                             ([later, heading], "frames that belong to no message: 1")]:
+            result = vistel("decode", "--stats", stdin="".join(f"(1.0) can0 {frame}\n" for frame in frames))
+            self.assertEqual(result.returncode, 1)
+            self.assertIn(f"vistel: {told}\n", result.stderr)
+        other = UNKNOWN.replace(",9,", ",10,")
+        told = vistel("decode", "--stats", stdin="# format=FAST\n" + UNKNOWN * 2 + other + HEADING).stderr
+        self.assertIn("unknown PGNs: 3\n    131000 from source   9: 2\n    131000 from source  10: 1\n", told)
 
     def test_a_full_disk_is_told(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "127250"]):
@@ -260,33 +262,10 @@ class ProgramTest(unittest.TestCase):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
             reader, writer = os.pipe()
             os.close(reader)
-            result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=writer, stderr=subprocess.PIPE,
+            result = subprocess.run([VISTEL, *arguments], input=HEADING * 20000, stdout=writer, stderr=subprocess.PIPE,
                                     encoding="utf-8", timeout=60)
             os.close(writer)
             self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
-
-    def test_a_pipe_that_is_closed_meanwhile_ends_it_quietly(self):
-        with subprocess.Popen([VISTEL, "decode", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, encoding="utf-8") as process:
-            process.stdout.close()
-            try:
-                for _ in range(20000):
-                    process.stdin.write(HEADING)
-            except BrokenPipeError:
-                pass
-            try:
-                process.stdin.close()
-            except BrokenPipeError:
-                pass
-            self.assertEqual(process.wait(timeout=30), 0)
-            self.assertEqual(process.stderr.read(), "")
-
-    def test_bad_usage_is_told_by_the_program(self):
-        for arguments in (["decode", "--none"], ["encode", "127250", "--source", "300"], ["none"], ["decode", ""], [],
-                          ["monitor", "--none"]):
-            result = vistel(*arguments)
-            self.assertEqual((result.returncode, result.stdout), (2, ""), arguments)
-            self.assertTrue(result.stderr.startswith("vistel: "), (arguments, result.stderr))
 
     def test_the_window_needs_a_display(self):
         for arguments in (["none.log"], ["--speed", "1e-310"]):
@@ -325,12 +304,12 @@ class ProgramTest(unittest.TestCase):
                 self.assertIn(f"vistel: {message}", result.stderr)
 
     def test_catalogue(self):
-        for table, column, rows in [("pgns", "pgn", 309), ("dictionary", "dd", 535), ("formats", "df", 177),
-                                    ("units", "unit", 140), ("quantities", "quantity", 65), ("repeats", "pgn", 24)]:
+        for table, column in [("pgns", "pgn"), ("dictionary", "dd"), ("formats", "df"), ("units", "unit"),
+                              ("quantities", "quantity"), ("repeats", "pgn"), ("fields", "pgn")]:
             lines = list(csv.DictReader(io.StringIO(vistel("catalogue", table).stdout), delimiter="\t",
                                         quoting=csv.QUOTE_NONE))
-            self.assertEqual(len(lines), rows, table)
-            self.assertTrue(all(line[column].isdigit() for line in lines), table)
+            self.assertGreater(len(lines), 20, table)
+            self.assertTrue(all(line[column].isdigit() and None not in line.values() for line in lines), table)
         self.assertIn("\t\u2126\n", vistel("catalogue", "units").stdout)
 
 

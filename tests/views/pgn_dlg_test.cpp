@@ -73,12 +73,8 @@ TEST_F(MonitorDialog, StartsHiddenWithItsParts) {
     ASSERT_TRUE(parts_.clear && parts_.pause && parts_.filter && parts_.unit && parts_.tree && parts_.units);
     EXPECT_EQ(parts_.filter->GetValue(), "FF");
     bring_up(*dialog_);
-    EXPECT_EQ(parts_.clear->GetSize(), wxSize(30, 30));
-    EXPECT_EQ(parts_.pause->GetPosition().x, 30);
-    EXPECT_EQ(parts_.filter->GetPosition().x, 70);
     EXPECT_EQ(parts_.unit->GetRect().GetRight() + 1, dialog_->GetClientSize().x) << "at the right edge";
     EXPECT_GE(parts_.tree->GetSize().y, 300);
-
     EXPECT_EQ(put(1), 0);
     ASSERT_EQ(blocks().size(), 1u);
     EXPECT_FALSE(blocks()[0].expanded) << "new streams are collapsed";
@@ -105,10 +101,7 @@ struct PressedDialog : PGN_VistelDlg_c {
 };
 
 TEST_F(MonitorDialog, CreatedLater) {
-    const struct {
-        HINSTANCE module;
-        const char* title;
-    } cases[] = {
+    const std::pair<HINSTANCE, const char*> cases[] = {
         {nullptr, "PGN Vistel"},
         {module_of(nullptr), "Kartentisch für 2"},
         {module_of("libc.so.6"), ""},  // it has notes, but none of ours

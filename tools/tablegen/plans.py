@@ -123,9 +123,8 @@ def plan_rules(tables, plans):
     for row in tables.unit_factors:
         rules.setdefault(row.rule, {})[row.unit.number] = row.factor
     rules["temperature_k"] = {}
-    unit_of = {row.id: row.unit for row in tables.units}
     for rule, units in QUICK_RULES.items():
-        rules[rule] = {unit_of[unit]: "1.0f" for unit in units}
+        rules[rule] = {row.unit: "1.0f" for row in tables.units if row.id in units}
     rules["any"] = {row.unit: "1.0f" for row in tables.units if row.id not in ("raw_count", "raw_bits")}
     for row in tables.formats:
         kind, detail = row.rule

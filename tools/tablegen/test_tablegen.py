@@ -345,6 +345,14 @@ class TablegenTest(unittest.TestCase):
             f"{{8, {kind}u64, Whole{{16}}, steps(), {kind}u64, {{}}, 0u}},"])
         self.assertEqual(len(self.fragment("df_conv_table.inc")), 119)
 
+    def test_first_global_pgn_and_a_backslash(self):
+        """PDU format 240 is the lowest that is not addressed; texts become literals."""
+        self.write({name: [line.replace("129025", "126992").replace("Fix", r"F\x") for line in table]
+                    for name, table in good_tables().items()})
+        self.assertEqual(self.run_tool("--out", str(self.out)), (0, "", ""))
+        self.assertIn(r'{126992, 0x80008000u, 0x80008000u, 0x80008000u, "F\\x", 0, 1, 2, 1},',
+                      self.fragment("pgn_table.inc"))
+
     def test_only_changed_fragments_are_written(self):
         self.write(good_tables())
         self.run_tool("--out", str(self.out))
