@@ -242,7 +242,7 @@ FRAGMENT_LINES = {
     "enum_sets.inc": ["{1, 1, &enum_pairs[0], 1},", "{9, 0, &enum_pairs[1], 3},", "{172, 3, &enum_pairs[4], 2},",
                       "{173, 4, &enum_pairs[6], 0},"],
     "enum_index.inc": [*["0,"], *["65535,"] * 4, "0,", "65535,", "2,", *["65535,"] * 4, "1,", "0,"],
-    "unit_rule_names.inc": ["plain,", "other,", "temperature_k,", "any,", "listed_65_66,"],
+    "unit_rule_names.inc": ["plain,", "other,", "temperature_k,", "integer,", "latitude_32,", "longitude_32,", "any,", "listed_65_66,"],
     "dd_class_10000.inc": ["65,", "50,", *["65,"] * 74],
     "unit_names.inc": ['L"\\x00B0" L"C",', *['L"",'] * 139],
     "quantity_rows.inc": ['{"Depth", 0},', '{"Course made", 8},'],
@@ -323,7 +323,7 @@ class TablegenTest(unittest.TestCase):
         self.assertEqual(plans[52:57] + plans[-1:], [
             "{51, Reading::scaled, 16, 0, UnitRule::plain, 0.5f, 0xFFFD, 0},",
             "{52, Reading::bits, 0, 0, UnitRule::any, 1.0f, 0x0, 0},",
-            "{53, Reading::integer, 8, 0, UnitRule::any, 1.0f, 0xFD, 0},",
+            "{53, Reading::integer, 8, 0, UnitRule::integer, 1.0f, 0xFD, 0},",
             "{54, Reading::scaled, 16, 0, UnitRule::listed_65_66, 10.0f, 0xFFFD, 0},",
             "{55, Reading::scaled, 16, 1, UnitRule::any, 1e-7f, 0x7FFD, 0},",
             "{2444, Reading::scaled, 16, 0, UnitRule::plain, 1.0f, 0xFFFD, 0},"])
