@@ -88,7 +88,7 @@ void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime&
         at = write_text(at, ",Unknown,");
     }
     for (const std::uint8_t number : {msg.priority, msg.source, msg.destination}) {
-        at = write_unsigned(at, number);
+        at = write_byte(at, number);
         *at++ = ',';
     }
     head_size_ = static_cast<int>(at - head_.data());

@@ -95,11 +95,11 @@ char* JsonRenderer::write_head(char* at) {
         at = write_unsigned(at, msg_->pgn);
         at = write_text(at, R"(,"name":"Unknown","priority":)");
     }
-    at = write_unsigned(at, msg_->priority);
+    at = write_byte(at, msg_->priority);
     at = write_text(at, R"(,"source":)");
-    at = write_unsigned(at, msg_->source);
+    at = write_byte(at, msg_->source);
     at = write_text(at, R"(,"destination":)");
-    at = write_unsigned(at, msg_->destination);
+    at = write_byte(at, msg_->destination);
     return write_text(at, R"(,"fields":[)");
 }
 

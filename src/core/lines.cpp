@@ -22,7 +22,7 @@ char* write_address(char* at, std::uint8_t address) {
     at = write_hex_byte(at, address);
     *at++ = ' ';
     *at++ = '(';
-    at = write_unsigned(at, address);
+    at = write_byte(at, address);
     *at++ = ')';
     return at;
 }

@@ -33,6 +33,18 @@ inline constexpr auto hex_pairs = [] {
     return pairs;
 }();
 
+/// The digits of each number of a byte, and how many they are.
+inline constexpr auto byte_digits = [] {
+    std::array<std::array<char, 4>, 256> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::size_t count = i < 10 ? 1 : i < 100 ? 2 : 3;
+        for (std::size_t place = count, rest = i; place-- > 0; rest /= 10)
+            all[i][place] = static_cast<char>('0' + rest % 10);
+        all[i][3] = static_cast<char>(count);
+    }
+    return all;
+}();
+
 inline constexpr std::uint32_t powers_of_ten[] = {1,       10,        100,        1'000,       10'000,
                                                   100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
 
@@ -81,6 +93,13 @@ inline char* write_unsigned(char* at, std::uint64_t number) {
     const std::uint64_t text = (digits | detail::zeros) >> leading;
     std::memcpy(at, &text, 8);
     return at + 8 - leading / 8;
+}
+
+/// A number of a byte. Writes beyond its end.
+inline char* write_byte(char* at, std::uint8_t number) {
+    const auto& digits = detail::byte_digits[number];
+    std::memcpy(at, digits.data(), digits.size());
+    return at + digits[3];
 }
 
 inline char* write_signed(char* at, std::int64_t number) {
