@@ -1,7 +1,8 @@
 // Bytes as one message of any PGN, with any length in its record: as wide lines, UTF-8 text, JSON, CSV and
 // values, which have to agree. Then the same bytes by way of the text interface, as the field of any format,
-// as a typed text and as a record of any type. See Input for the first bytes.
+// as a typed text and as a caller's format. See Input for the first bytes.
 #include "contract/asked_fields.h"
+#include "contract/value_printer.h"
 
 namespace {
 
@@ -52,9 +53,14 @@ void show_values(QV_N2K_PGN_DB_c& db, const Input& in, const N2KMsg& msg) {
     // Types up to CV_WCHAR_PLAIN hold no pointer.
     value.type = std::min<int>(in.mode >> 4, CV_WCHAR_PLAIN);
     std::memcpy(&value.value, field, sizeof value.value);
-    printed([&](wchar_t* b, int n) {
-        return db.print_field_data(b, n, in.number, in.unit % 70, &value, in.unit, 1, 0, msg.pgn, 1);
-    });
+    wchar_t text[200];
+    for (std::size_t i = 0; i < std::size(text); ++i) text[i] = field[8 + i];
+    text[std::size(text) - 1] = 0;
+    if (value.type <= CV_I64 || value.type == CV_TIME_OF_DAY)
+        printed([&](wchar_t* b, int) { return pgn_vistel::print_conv_value(b, text, value); },
+                pgn_vistel::print_limit);
+    printed([&](wchar_t* b, int) { return pgn_vistel::format_q(b, text, value.value.f32); },
+            pgn_vistel::print_limit);
 }
 
 }  // namespace

@@ -53,10 +53,11 @@ bool put_hosts_own(WideOut& out, const core::Shown& shown, const ConvValue& v) {
                    out, shown,
                    v.type == CV_CHAR ? core::Value{.type = core::ValueType::i64, .number{.i64 = v.value.i64}}
                                      : number)) {
-        if (has_form(v.type))
-            put_conv_value(out, v);
-        else
+        wchar_t text[print_limit];
+        if (print_format_default(v.type) == nullptr)
             out.put("<Unknown data format>");
+        else
+            out.put(std::wstring_view(text, static_cast<std::size_t>(print_conv_value(text, nullptr, v))));
     }
     return true;
 }

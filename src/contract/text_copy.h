@@ -10,8 +10,14 @@ namespace pgn_vistel {
 /// euro sign, the Greek capital omega, OE and oe; every other character becomes its low 8 bits.
 int copy_w2n(char* to, const wchar_t* from, int size);
 
+/// Narrow to wide by the same code page.
+int copy_n2w(wchar_t* to, const char* from, int size);
+
 int copy_wide(wchar_t* to, const wchar_t* from, int size);
 int copy_narrow(char* to, const char* from, int size);
+
+/// Each byte becomes the character of the same number. Returns the destination.
+wchar_t* widen(wchar_t* to, const char* from, int size);
 
 /// The code page for one character; the other way is `core::character_of`.
 char code_page_to_narrow(wchar_t c);

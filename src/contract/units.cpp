@@ -68,9 +68,7 @@ int print_value(const core::UnitSelection* selection, wchar_t* buf, Printable wh
     if (u < 0) return -1;
     ConvValue value{CV_NOT_AVAILABLE, {}};
     if (convert_field(what.df, &value, raw, u) < 1) return -1;
-    core::WideOut out(buf, print_limit);
-    put_conv_value(out, value);
-    return out.finish();
+    return print_conv_value(buf, nullptr, value);
 }
 
 int print_value_and_unit(const core::UnitSelection* selection, wchar_t* buf, Printable what, const void* raw,

@@ -1,16 +1,18 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 #include "pgn_vistel/formats.h"
 
 namespace pgn_vistel {
 
-/// The way back through a format of 32 bits that is linear in the raw number, found by probing its
-/// conversion: the raw number of `value`, which is in `unit`, or none where the unit is not served. It is
-/// rounded, positive ones to the nearest, and not tested against the range: of a number that is too large the
-/// low bits are left.
-std::optional<std::uint32_t> probed_raw(DF df, float value, UnitId unit);
+/// Any record as a single precision number; NaN for texts, for reserved codes and where there is no value.
+float conv_to_float(const ConvValue& value);
+
+/// The way back through a conversion that is linear in the raw number, found by probing it: writes the raw
+/// bytes of `value`, which is in `unit`, and returns how many, or -1 where the conversion has no way back.
+///
+/// At most `available` bytes are written. `bits` says how large a raw number the probe may use, 0 or less
+/// leaves the choice to the field's width. The raw number is rounded, positive ones to the nearest. It is not
+/// tested against the field's range: a number that is too large loses its high bytes.
+int value_to_raw(void* out, float value, UnitId unit, int available, ConvFunction conversion, int bits);
 
 }  // namespace pgn_vistel

@@ -178,10 +178,10 @@ struct RawOf {
 
     Result operator()(const Probed&) const {
         const auto typed = number();
-        const auto raw = typed ? probed_raw(format.df, *typed, unit) : std::nullopt;
-        if (!raw) return std::nullopt;
-        return format.kind->type == CV_I32 ? std::int64_t{static_cast<std::int32_t>(*raw)}
-                                           : std::int64_t{*raw};
+        std::uint32_t raw = 0;
+        if (!typed || value_to_raw(&raw, *typed, unit, sizeof raw, find_conversion(format.df), 0) < 0)
+            return std::nullopt;
+        return format.kind->type == CV_I32 ? std::int64_t{static_cast<std::int32_t>(raw)} : std::int64_t{raw};
     }
 
     Result operator()(const Whole& whole) const {

@@ -1,0 +1,130 @@
+#include "contract/parsers/inverse.h"
+
+#include <bit>
+#include <cmath>
+
+#include "contract/records.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+using namespace core::unit;
+
+TEST(Inverse, AnyRecordAsANumber) {
+    const std::pair<ConvValue, double> cases[] = {
+        // clang-format off
+        {single(-1.5f), -1.5}, {single(2, CV_FLOAT_PLAIN), 2}, {single(NAN), NAN}, {real(0.1), 0.1f},
+        {whole(CV_U8, 252), 252}, {whole(CV_U8, 253), NAN}, {whole(CV_I8, -128), -128}, {whole(CV_I16, 32765), NAN},
+        {whole(CV_U32, 0xFFFFFFFC), 0x1p32}, {whole(CV_TIME_OF_DAY, 86400), 86400}, {whole(CV_I32, -7), -7},
+        {whole(CV_U64, -4), 0x1p64}, {whole(CV_U64, -3), NAN}, {whole(CV_I64, -3), -3}, {whole(CV_CHAR, -5), -5},
+        {whole(CV_WCHAR, 65), NAN}, {wide(L"1"), NAN}, {narrow("1"), NAN}, {whole(CV_NOT_AVAILABLE, 1), NAN},
+        {whole(1000, 1), NAN},
+        // clang-format on
+    };
+    for (const auto& [value, expected] : cases) {
+        const float number = conv_to_float(value);
+        EXPECT_TRUE(std::isnan(expected) ? std::isnan(number) : number == expected) << "type " << value.type;
+    }
+}
+
+struct Inverted {
+    int size;
+    std::uint8_t bytes[9] = {0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE};
+    std::int64_t low(int count) const {
+        std::int64_t number;
+        std::memcpy(&number, bytes, sizeof number);
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(number) << (64 - 8 * count)) >>
+               (64 - 8 * count);
+    }
+};
+
+Inverted invert(float value, UnitId u, int available, ConvFunction conversion, int bits = 0) {
+    Inverted result{};
+    result.size = value_to_raw(result.bytes, value, u, available, conversion, bits);
+    EXPECT_EQ(9 - std::count(result.bytes, result.bytes + 9, 0xEE), std::max(result.size, 0))
+        << "bytes written";
+    return result;
+}
+
+template <class Number>
+void half_counts(ConvValue* out, const void* raw, UnitId, int* count) {
+    Number number;
+    std::memcpy(&number, raw, sizeof number);
+    if (count != nullptr) *count = sizeof number;
+    *out = single(static_cast<float>(number) * 0.5f + 10);
+}
+
+TEST(Inverse, ProbesAnyLinearConversion) {
+    const ConvFunction i8 = half_counts<std::int8_t>, i32 = half_counts<std::int32_t>,
+                       i64 = half_counts<std::int64_t>;
+    // Positive raw numbers to the nearest; negative ones are cut to half a count and then go down.
+    // clang-format off
+    const std::pair<float, int> rounding[] = {{10, 0}, {11, 2}, {10.2f, 0}, {10.25f, 1}, {10.75f, 2}, {9, -2},
+        {9.5f, -1},
+                                              {9.76f, 0}, {9.75f, -1}, {9.3f, -1}, {9.25f, -2}, {9.01f, -2}};
+    // clang-format on
+    for (const auto& [value, expected] : rounding)
+        for (const ConvFunction conversion : {i8, i32, i64})
+            EXPECT_EQ(invert(value, m, 8, conversion).low(1), expected) << value;
+    EXPECT_EQ(invert(10, m, 8, i8).size, 1);
+    EXPECT_EQ(invert(0, m, 3, i64).size, 3);
+    EXPECT_EQ(invert(0, m, 8, i64).bytes[7], 0xFF) << "the sign fills the field";
+    EXPECT_EQ(invert(138, m, 4, i8).bytes[0], 0) << "256 counts lose their high byte";
+    EXPECT_EQ(invert(1e30f, m, 4, i32).low(4), 0) << "more than 64 bits: the lowest number, cut";
+    for (const int bits : {-5, 1, 30, 200}) EXPECT_EQ(invert(60, m, 4, i32, bits).low(4), 100) << bits;
+
+    // The library's own conversions: widths, offsets, integers, and those that count or read otherwise.
+    const struct {
+        DF df;
+        UnitId unit;
+        float value;
+        int size;
+        std::int32_t raw;
+        // clang-format off
+    } cases[] = {
+        {60025, Hz, 50, 4, 50000}, {60022, percent, -1, 4, -1000}, {111, seconds, 1, 1, 100},
+        {39, celsius, 0, 2, 27315},
+        {105, celsius, 20, 3, 293150}, {2516, deg, -200, 2, 0}, {53, plain_64, 7, 1, 7}, {52, m, 5, 4, 5},
+        {23, deg_lat, -10, 4, -100000000}, {62, raw_bits, 2.5f, 4, std::bit_cast<std::int32_t>(2.5f)},
+        // not numbers there
+        {1, V, 1, -1, 0}, {50, m, 1, -1, 0}, {0, m, 1, -1, 0}, {62, m, 1, -1, 0}, {60007, m, 1, -1, 0},
+        {40, clock_12, 1, -1, 0},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const Inverted result = invert(c.value, c.unit, 4, find_conversion(c.df));
+        EXPECT_EQ(result.size, c.size) << "format " << c.df;
+        if (c.size > 0) {
+            EXPECT_EQ(result.low(c.size), c.raw) << "format " << c.df;
+        }
+    }
+    const Inverted doubled = invert(2.5f, raw_bits, 100, find_conversion(62));
+    EXPECT_EQ(doubled.size, 8);
+    EXPECT_EQ(doubled.bytes[4], raw_bits) << "the unit's number stands in the high half";
+}
+
+TEST(Inverse, FailsWithoutAWayBack) {
+    const ConvFunction good = half_counts<std::int32_t>;
+    EXPECT_EQ(invert(1, m, 4, nullptr).size, -1);
+    EXPECT_EQ(invert(NAN, m, 4, good).size, -1);
+    for (const int available : {0, -1, INT32_MIN})
+        for (const ConvFunction conversion : {good, find_conversion(61), find_conversion(62)})
+            EXPECT_EQ(invert(1, raw_bits, available, conversion).size, -1);
+    EXPECT_EQ(value_to_raw(nullptr, 1, m, 4, good, 0), -1);
+    const ConvFunction hopeless[] = {
+        [](ConvValue* out, const void*, UnitId, int*) { *out = narrow("none"); },
+        [](ConvValue* out, const void*, UnitId, int* count) { *count = 0, *out = single(3); },
+    };
+    for (const ConvFunction conversion : hopeless) EXPECT_EQ(invert(1, m, 4, conversion).size, -1);
+    const ConvFunction flat = [](ConvValue* out, const void*, UnitId, int* count) {
+        *count = 2, *out = single(3);
+    };
+    EXPECT_EQ(invert(3, m, 4, flat).size, 2) << "a division by zero is no failure";
+    const ConvFunction too_long = [](ConvValue* out, const void*, UnitId, int* count) {
+        *count = INT32_MAX, *out = single(3);
+    };
+    EXPECT_EQ(invert(11, m, 100, too_long).size, 8);
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test
