@@ -4,7 +4,8 @@ find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 set(tables_dir ${CMAKE_CURRENT_BINARY_DIR}/generated)
 set(tables_stamp ${tables_dir}/tables.stamp)
 file(GLOB table_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/data/*.tsv
-     ${CMAKE_CURRENT_SOURCE_DIR}/data/*/*.tsv ${CMAKE_CURRENT_SOURCE_DIR}/tools/tablegen/*.py)
+     ${CMAKE_CURRENT_SOURCE_DIR}/data/*/*.tsv ${CMAKE_CURRENT_SOURCE_DIR}/data/*/*/*.tsv
+     ${CMAKE_CURRENT_SOURCE_DIR}/tools/tablegen/*.py)
 
 # Named, so that what includes a changed fragment is compiled in the same build.
 set(tables_fragments availability catalogued_formats dd_class_0 dd_class_10000 dd_class_2436 df_conv_list df_conv_table

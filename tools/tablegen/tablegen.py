@@ -7,6 +7,7 @@ from pathlib import Path
 
 from checks import check_tables
 from emit import write_fragments
+from overlay import check_overlay, read_overlay
 from tables import Report, read_tables
 
 
@@ -21,8 +22,10 @@ def main(arguments):
 
     report = Report()
     tables = read_tables(options.data, report)
+    overlay = read_overlay(tables, options.data, report)
     if not report.messages:
         check_tables(tables, report)
+        check_overlay(tables, overlay, report)
     summary = "".join(f"{line}\n" for line in tables.summary)
     if options.check_summary and not report.messages:
         check_summary(options.data / "summary.txt", summary, report)

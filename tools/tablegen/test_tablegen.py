@@ -251,7 +251,9 @@ FRAGMENT_LINES = {
 }
 
 
-class TablegenTest(unittest.TestCase):
+class TablesTest(unittest.TestCase):
+    """A data folder of its own for each test."""
+
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -271,6 +273,8 @@ class TablegenTest(unittest.TestCase):
             status = main(["--data", str(self.data), *options])
         return status, printed.getvalue(), messages.getvalue()
 
+
+class TablegenTest(TablesTest):
     def fragment(self, name):
         return (self.out / name).read_text(encoding="ascii").splitlines()
 
