@@ -98,13 +98,12 @@ enum FieldFlag : std::uint16_t {
     in_group = 1,
     first_of_group = 2,
     last_of_group = 4,
-    numbered = 8,       ///< the label is followed by the number of the round
-    quoted = 16,        ///< a numbered label that CSV quotes
-    string = 32,        ///< ends the walk where it takes no byte
-    text = 64,          ///< shows what is there where the message cuts it off
-    whole_bytes = 128,  ///< sized in bytes, or without a size
-    quick = 256,        ///< a whole number, as wide as its format says, whose quantity is known
-    plainly = 512,      ///< shown as the text of an enumeration or by its type
+    numbered = 8,      ///< the label is followed by the number of the round
+    quoted = 16,       ///< a numbered label that CSV quotes
+    text = 32,         ///< shows what is there where the message cuts it off
+    whole_bytes = 64,  ///< sized in bytes, or without a size
+    quick = 128,       ///< a whole number, as wide as its format says, whose quantity is known
+    plainly = 256,     ///< shown as the text of an enumeration or by its type
 };
 
 struct FieldPlan {

@@ -15,15 +15,14 @@ struct Stepping {
     static int round(const State& w) { return (plan(w).flags & in_group) != 0 ? w.round : 0; }
 
     static bool next(State& w) {
-        if (w.may_stand_still && !goes_on(w)) return finish(w, true);
+        if (w.ends_round && !begin_round(w)) return finish(w, true);
         if (w.is_picky && !pick(w)) return false;
         if (w.upcoming == end_row) return false;
         if (w.position >= w.end) return finish(w, false);
         w.row = w.upcoming;
         const FieldPlan& p = field_plans[w.row];
         w.upcoming = p.next;
-        constexpr unsigned remembered = first_of_group | last_of_group | string;
-        if ((p.flags & remembered) != 0) remember(w, p.flags);
+        if ((p.flags & (first_of_group | last_of_group)) != 0) remember(w, p.flags);
         return true;
     }
 
@@ -31,27 +30,21 @@ struct Stepping {
     static bool finish(State& w, bool rest) {
         w.upcoming = end_row;
         w.rest = rest;
-        w.may_stand_still = w.is_picky = false;
+        w.ends_round = w.is_picky = false;
         return false;
     }
 
     static void remember(State& w, unsigned flags) {
         if ((flags & first_of_group) != 0) w.group_started = w.position;
-        w.started = w.position;
-        w.may_stand_still = (flags & (last_of_group | string)) != 0;
+        w.ends_round = (flags & last_of_group) != 0;
     }
 
-    /// Behind a field that may end the walk or a round. False where the walk would stand still.
-    static bool goes_on(State& w) {
-        w.may_stand_still = false;
-        const FieldPlan& p = plan(w);
-        // A text that takes no byte: nothing behind it can be placed.
-        if ((p.flags & string) != 0 && w.position == w.started) return false;
-        if ((p.flags & last_of_group) == 0) return true;
-        // A round that takes no byte would come again for ever.
+    /// Behind the last field of a round. False where that took no byte: it would come again for ever.
+    static bool begin_round(State& w) {
+        w.ends_round = false;
         if (w.position == w.group_started) return false;
         ++w.round;
-        w.upcoming = p.again;
+        w.upcoming = plan(w).again;
         return true;
     }
 

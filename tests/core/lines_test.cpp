@@ -51,9 +51,12 @@ TEST(Lines, Fields) {
         {126464, {0, 0x12, 0xF1, 0x01, 0x00, 0xEA, 0x00, 0x01, 0x02},
          {L"Group Function Code: Transmit PGN List Message", L"PGN supported #1: 127250 (Vessel Heading)",
           L"PGN supported #2:  59904 (ISO Request)", L"PGN supported #3: - "}},
-        // a text that takes no byte ends the walk: what follows it cannot be placed
+        // behind a text that takes no byte the walk goes on at the same place; a round that takes none ends it
         {129285, {0, 0, 1, 0, 1, 0, 2, 0, 0xE8, 3, 1, 'A', 0xFF, 1, 0, 3, 1, 'B'}, {L"...", L"WP Name: B "}},
-        {129285, {0, 0, 1, 0, 1, 0, 2, 0, 0xE8, 0, 1, 'A'}, {L"...", L"Data: 00 00 01 00 01 00 02 00 E8 00 01 41"}},
+        {129285, {0, 0, 1, 0, 1, 0, 2, 0, 0xE8, 0, 1, 'A'},
+         {L"...", L"Route Name:  ", L"NMEA Reserved: 0 ", L"WPID: 16641 "}},
+        {130818, {0x76, 0x99, 1, 2, 3, 0, 0, 9, 9}, {L"...", L"Label:  ", L"Hardware Channel: 0 "}},
+        {129285, {0, 0, 1, 0, 1, 0, 2, 0, 0xE8, 2, 1, 0xFF, 1, 0, 0, 1}, {L"...", L"WP Name:  ", L"WP Latitude: - \x00B0 Lat"}},
         // group functions: what a request is about depends on the PGN asked for; field 6 of an acknowledgment repeats
         {126208, {0, 0x12, 0xF1, 0x01, 0xE8, 0x03, 0, 0, 0xFF, 0xFF, 1, 2, 3},
          {L"Group Function Code: Request Message", L"Requested PGN: 127250 (Vessel Heading)",

@@ -22,8 +22,7 @@ SIZED_BY_FIELD = {f"convert_{name}" for name in (
 # Rules of readings of their own: the units in which they are read in line.
 QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"),
                "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
-STRING_FORMATS = (50, 51, 63)  # short, medium and fixed
-TEXT_FORMATS = (*STRING_FORMATS, 3002)  # and the hexadecimal dump
+TEXT_FORMATS = (50, 51, 63, 3002)  # short, medium and fixed, and the hexadecimal dump
 FIRST = "First"
 FIRST_WORD = len("First ")
 POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
@@ -250,7 +249,6 @@ def field_plan(tables, plans, lookup, i):
         "last_of_group": row.field == last,
         "numbered": numbered,
         "quoted": numbered and is_quoted_in_csv(label),
-        "string": entry.df in STRING_FORMATS,
         "text": entry.df in TEXT_FORMATS,
         "whole_bytes": bits % 8 == 0,
         "quick": quick,

@@ -91,7 +91,8 @@ struct FieldReading {
 ///     }
 ///     if (walk.has_undecoded_rest()) ...  // show the payload as bytes
 ///
-/// Every walk ends, whatever the message says: a step that takes no byte is the last one.
+/// Every walk ends, whatever the message says: behind a field that takes no byte it goes on at the same
+/// place, but a round of a repeating group that takes none is the last one.
 class MessageWalk {
   public:
     /// A walk that is over.
@@ -126,12 +127,11 @@ class MessageWalk {
         std::uint16_t row = 0xFFFF;       // the one handed out
         std::uint16_t upcoming = 0xFFFF;  // the one to look at next
         bool rest = false;                // the walk ended before the payload was covered
-        bool may_stand_still = false;     // the row handed out may take no byte, or ends a round
+        bool ends_round = false;          // the row handed out is the last of a repeating group
         bool is_picky = false;            // rows are judged: `filter` or `limit` say something
         std::uint8_t filter = 0;          // of a proprietary message: which of a row's verdicts counts
         int limit = 2048;                 // field number that ends the walk
         int round = 1;
-        int started = 0;        // where the handed-out field began
         int group_started = 0;  // where the group's latest round began
     };
     State state_;
