@@ -31,9 +31,10 @@ MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
             // Requests and commands have a fixed head; what follows depends on the PGN that they are about
             // and stays undecoded. The functions above acknowledge are not shown by field.
             constexpr int request = 0, command = 1, acknowledge = 2, first_pair = 6;
-            const int code = length > 0 ? w.data[0] : -1;
-            if (code >= request && code <= acknowledge)
-                w.upcoming = first_row_keyed(pgn->pgn, static_cast<std::uint16_t>(code));
+            // Of an empty message the record's first byte counts: where that is a function, nothing follows
+            // the header, as there are no bytes to show.
+            const std::uint8_t code = w.data[0];
+            if (code <= acknowledge) w.upcoming = first_row_keyed(pgn->pgn, code);
             if (code == request || code == command) w.limit = first_pair;
             w.rest = w.upcoming == end_row;
             w.is_picky = !w.rest;

@@ -68,6 +68,8 @@ TEST(Lines, Fields) {
         {126208, {2, 0x12, 0xF1, 0x01, 0, 0, 0, 0, 0, 0, 3, 7, 9},
          {L"...", L"Field number of first requested parameter: 9 "}},
         {126208, {3, 0x12}, {L"Data: 03 12"}}, {126208, {255, 0x12}, {L"Data: FF 12"}},
+        // the record's first byte is the function even of an empty message
+        {126208, {}, {}},
         // proprietary messages: the header, and of the manufacturer's own what identifies them
         {61184, {}, {L"Data:"}}, {126720, {0x89}, {L"Data: 89"}}, {126720, {0x89, 0x98}, {keldor, reserved, marine}},
         {61184, {0x88, 0x98, 1, 2}, {L"Manufacturer Code: Unknown", reserved, marine, L"Data: 88 98 01 02"}},
