@@ -75,8 +75,18 @@ void put_integer(WideWriter& out, const Conversion& c, const FormatArg& arg) {
     }
     if (is_zero_without_digits) digits = end;
     const auto count = static_cast<std::size_t>(end - digits);
-    const std::int64_t zeros = std::max<std::int64_t>(0, c.precision - static_cast<std::int64_t>(count));
+    std::int64_t zeros = std::max<std::int64_t>(0, c.precision - static_cast<std::int64_t>(count));
+    // An alternative octal number begins with a zero.
+    if (c.alternative && c.letter == L'o' && zeros == 0 && (count == 0 || *digits != '0')) zeros = 1;
     put_number(out, c, sign, digits, count, zeros, c.zero && c.precision == Conversion::none);
+}
+
+/// Of a number in scientific form.
+int exponent_of(const char* number, const char* end) {
+    const char* const sign = std::find(number, end, 'e') + 1;
+    int exponent = 0;
+    std::from_chars(sign + 1, end, exponent);
+    return *sign == '-' ? -exponent : exponent;
 }
 
 void put_floating(WideWriter& out, const Conversion& c, const FormatArg& arg) {
@@ -93,13 +103,32 @@ void put_floating(WideWriter& out, const Conversion& c, const FormatArg& arg) {
     // buffer.
     constexpr int precision_limit = 1100;
     char buffer[310 + 1 + precision_limit + 8];
-    const bool scientific = c.letter == L'e' || c.letter == L'E';
-    const bool general = c.letter == L'g' || c.letter == L'G';
-    const auto form = scientific ? std::chars_format::scientific
-                      : general  ? std::chars_format::general
-                                 : std::chars_format::fixed;
-    const auto end =
-        std::to_chars(buffer, std::end(buffer), magnitude, form, std::min(wanted, precision_limit)).ptr;
+    const auto write = [&](std::chars_format form, int precision) {
+        return std::to_chars(buffer, std::end(buffer), magnitude, form, precision).ptr;
+    };
+    int precision = std::min(wanted, precision_limit);
+    auto form = std::chars_format::fixed;
+    if (c.letter == L'e' || c.letter == L'E') form = std::chars_format::scientific;
+    if (c.letter == L'g' || c.letter == L'G') {
+        form = std::chars_format::general;
+        if (c.alternative) {
+            // As the general form, but with all the digits that the precision asks for.
+            precision = std::max(precision, 1);
+            const char* const exponent_end = write(std::chars_format::scientific, precision - 1);
+            const int exponent = exponent_of(buffer, exponent_end);
+            const bool is_fixed = exponent >= -4 && exponent < precision;
+            form = is_fixed ? std::chars_format::fixed : std::chars_format::scientific;
+            precision -= 1 + (is_fixed ? exponent : 0);
+        }
+    }
+    char* end = write(form, precision);
+    if (c.alternative && precision == 0) {
+        // The point stands even where no digit follows it.
+        char* const exponent = std::find(buffer, end, 'e');
+        std::copy_backward(exponent, end, end + 1);
+        *exponent = '.';
+        ++end;
+    }
     if (c.letter == L'E' || c.letter == L'G') std::replace(buffer, end, 'e', 'E');
     put_number(out, c, sign, buffer, static_cast<std::size_t>(end - buffer), 0, c.zero);
 }

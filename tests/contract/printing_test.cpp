@@ -1,4 +1,6 @@
+#include <cfloat>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 #include "contract/records.h"
@@ -123,6 +125,7 @@ TEST(WideFormat, Conversions) {
         {L"%.1f", {1e22}, L"10000000000000000000000.0"}, {L"%ls", {L"wide"}, L"wide"}, {L"%-6s|", {L"ab"}, L"ab    |"},
         {L"%.2s", {L"abc"}, L"ab"}, {L"%c", {FormatArg::of_character(L'\x03A9')}, L"\x03A9"}, {L"%%%d%%", {7}, L"%7%"},
         {L"%#2ld:%02d:%02d %s", {1, 2, 5, L"AM"}, L" 1:02:05 AM"},
+        {L"%#g", {999999.5}, L"1.00000e+06"}, {L"%#.2g", {9.99}, L"10."}, {L"%#.0o", {0}, L"0"},
         // never more than was given, nor of another kind; numbers stand for each other and saturate
         {L"%d %d %s|", {1}, L"1  |"}, {L"%s%s%s", {}, L""}, {L"%s|", {123}, L"|"}, {L"%c|", {L"text"}, L"|"},
         {L"%d|%f|", {L"text", L"text"}, L"||"}, {L"%d|%f", {2.9, 3}, L"2|3.000000"},
@@ -143,6 +146,47 @@ TEST(WideFormat, Conversions) {
     wchar_t guard = L'?';
     for (const int size : {0, -3}) EXPECT_EQ(format_wide(&guard, size, L"abc", {}), 0);
     EXPECT_EQ(guard, L'?');
+}
+
+/// What the C runtime makes of the same.
+template <class Number>
+std::wstring by_the_runtime(const std::string& format, Number number) {
+    char text[1024];
+    const int count = std::snprintf(text, sizeof text, format.c_str(), number);
+    return {text, text + count};
+}
+
+TEST(WideFormat, FlagsAreThoseOfTheRuntime) {
+    const auto check = [](const std::vector<std::string>& flags, const std::string& letters, auto numbers,
+                          auto print) {
+        for (const std::string& flag : flags)
+            for (const char* const width : {"", "1", "14"})
+                for (const char* const precision : {"", ".", ".0", ".1", ".2", ".7", ".30"})
+                    for (const char letter : letters) {
+                        const std::string format = "%" + flag + width + precision + letter;
+                        for (const auto number : numbers)
+                            EXPECT_EQ(print(std::wstring(format.begin(), format.end()), number),
+                                      by_the_runtime(format, number))
+                                << format << " of " << number;
+                    }
+    };
+    const auto print = [](const std::wstring& format, auto number) {
+        return formatted(format.c_str(), {number}, 1024);
+    };
+    const std::vector<std::string> any = {"", "#", "+#", " #", "-#", "#0", "0"};
+    check(any, "fFeE", std::vector{999999.5, 9.9999995, 0.5}, print);
+    check(any, "fFeEgG",
+          std::vector{0.0, -0.0, 12.3, 9.99, 0.96, -0.5, 100.0, 123456.0, 1e-4, 9.9996e-5, 1e-300, 1e22,
+                      DBL_MAX, DBL_TRUE_MIN},
+          print);
+    check(any, "feg", std::vector{HUGE_VAL, -HUGE_VAL}, print);
+    check(any, "oxX", std::vector{0u, 1u, 7u, 8u, 0xFEu, 0xFFFFFFFFu}, print);
+    // of values, which are shown as singles
+    check({"", "#", "+", "#0"}, "fe", std::vector{0.0, 12.25, -0.96875, 100.0, 0x1p100},
+          [](const std::wstring& format, double number) { return text_of(real(number), format.c_str()); });
+    check({"", "#"}, "xX", std::vector{0u, 7u, 255u}, [](const std::wstring& format, unsigned number) {
+        return text_of(whole(CV_U32, number), format.c_str());
+    });
 }
 
 }  // namespace
