@@ -217,7 +217,95 @@ int convert_self_described(DF df, std::uint64_t bits, UnitId u, TextScratch& scr
     return -1;
 }
 
+// ---- numbers of the corrected definitions ----
+
+bool is_none(const FormatPlan& format, const Measure& measure, std::int64_t number) {
+    return number >= format.first_reserved || number == measure.none[0] || number == measure.none[1];
+}
+
+void convert_whole(const FormatPlan& format, const RawField& raw, Value& out) {
+    const std::int64_t number = widened(raw.bits, format.width, format.is_signed != 0);
+    if (is_none(format, measures[format.measure], number))
+        store_none(out);
+    else
+        store_integer(out, integer_type(format.width, format.is_signed != 0), number);
+}
+
+void convert_measured(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch& scratch,
+                      Value& out) {
+    const Measure& measure = measures[format.measure];
+    double number;
+    if (format.reading == Reading::measured_float) {
+        number = (format.width == 64 ? real_in(raw) : static_cast<double>(single_in(raw))) * measure.times /
+                 measure.over;
+        if (std::isnan(number)) return store_none(out);
+    } else {
+        const std::int64_t count = widened(raw.bits, format.width, format.is_signed != 0);
+        if (is_none(format, measure, count)) return store_none(out);
+        number = measured(measure, count);
+    }
+    if (const float factor = unit_factor(format.rule, u); factor != 0)
+        store_measured(out, format.width, factor == 1 ? number : number * static_cast<double>(factor));
+    else if (u == unit::raw_count || u == unit::raw_bits)
+        store_measured(out, format.width, number);
+    else
+        apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);
+}
+
 // ---- texts ----
+
+/// Characters up to a fill character, less the blanks before it. A text of the Automatic Identification
+/// System ends at its first "@", too.
+int filled_length(const std::uint8_t* text, int length, int step, bool ends_at_sign) {
+    const auto unit_at = [=](int i) { return text[step * i] | (step > 1 ? text[step * i + 1] << 8 : 0); };
+    const int fill = step > 1 ? 0xFFFF : 0xFF;
+    int count = 0;
+    while (count < length && unit_at(count) != 0 && unit_at(count) != fill &&
+           !(ends_at_sign && unit_at(count) == '@'))
+        ++count;
+    while (count > 0 && unit_at(count - 1) == ' ') --count;
+    return count;
+}
+
+/// Length of the field, encoding and characters, all of them in the payload.
+int convert_sent_text(const FormatPlan& format, const std::uint8_t* field, int available, Value& out) {
+    const int header = format.width;
+    const bool is_wide_length = header > 2;
+    const int length = available < header ? 0 : field[0] | (is_wide_length ? field[1] << 8 : 0);
+    store_none(out);
+    // A length that does not even count its header: nothing but the header is there.
+    if (length < header) return std::min(header, available);
+    const auto encoding = static_cast<SentEncoding>(field[header - 1]);
+    if (encoding > SentEncoding::ascii) return length;
+    const int step = encoding == SentEncoding::ascii ? 1 : 2;
+    const int characters = (std::min(length, available) - header) / step;
+    store_text(out, field + header, filled_length(field + header, characters, step, format.is_signed != 0),
+               step == 1 ? Encoding::code_page : Encoding::utf16);
+    return length;
+}
+
+/// Length, characters and a zero; in a field of a fixed size the length may say less.
+int convert_counted_text(const std::uint8_t* field, int available, int bytes, Value& out) {
+    const int length = available > 0 ? field[0] : 0;
+    const int room = std::max(std::min(bytes > 0 ? std::min(bytes, available) : available, 1 + length) - 1, 0);
+    store_text(out, field + 1, filled_length(field + 1, room, 1, false), Encoding::code_page);
+    return std::min(length + 2, std::max(available, 1));
+}
+
+void convert_bytes(const std::uint8_t* field, int length, Value& out) {
+    store_text(out, field, std::max(3 * length - 1, 0), Encoding::digits);
+}
+
+/// Two decimal digits a byte; all ones are no number.
+void convert_decimal(const std::uint8_t* field, int length, TextScratch& scratch, Value& out) {
+    store_none(out);
+    char* at = scratch.made.data();
+    for (int i = 0; i < std::min<int>(length, static_cast<int>(scratch.made.size()) / 2); ++i) {
+        if (field[i] > 99) return;
+        at = write_pair(at, field[i]);
+    }
+    store_text(out, scratch.made.data(), static_cast<int>(at - scratch.made.data()), Encoding::latin1);
+}
 
 /// Keeps a text up to its end or its first zero. What `available` does not cover is zero.
 template <std::size_t size>
@@ -385,7 +473,7 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::period_minutes: {
             // The code for "out of range" is handed on as the clock type's own, whatever the unit.
             static constexpr FormatPlan minutes{0,  Reading::scaled, 16, 0, UnitRule::duration_s,
-                                                60, 0xFFFD,          0};
+                                                60, 0xFFFD,          0, 0};
             if (low_bits(raw, 16) == 0xFFFE)
                 store_integer(out, ValueType::seconds, 0xFFFFFFFE);
             else
@@ -413,7 +501,17 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
             return convert_self_described(static_cast<DF>(raw.bits), raw.bits >> 16, u, scratch, out);
         case Reading::self_described_before:
             return convert_self_described(raw.before, raw.bits, u, scratch, out);
+        case Reading::whole: convert_whole(format, raw, out); return format.width / 8;
+        case Reading::measured:
+        case Reading::measured_float:
+            convert_measured(format, raw, u, scratch, out);
+            return format.width / 8;
         case Reading::never_available:
+        case Reading::text_sent:
+        case Reading::text_counted:
+        case Reading::text_padded:
+        case Reading::bytes:
+        case Reading::decimal:
         case Reading::text_short:
         case Reading::text_medium:
         case Reading::text_fixed:
@@ -431,6 +529,19 @@ int convert_text(const FormatPlan& format, const std::uint8_t* field, int availa
         case Reading::text_fixed:
             convert_fixed_text(field, std::min({bytes, available, N2K_MAX_PAYLOAD}), out);
             break;
+        case Reading::text_sent: return convert_sent_text(format, field, available, out);
+        case Reading::text_counted: return convert_counted_text(field, available, bytes, out);
+        case Reading::text_padded: {
+            const int length = std::min(bytes, available);
+            store_text(out, field, filled_length(field, length, 1, true), Encoding::code_page);
+            break;
+        }
+        case Reading::bytes: {
+            const int length = bytes > 0 ? std::min(bytes, available) : available;
+            convert_bytes(field, length, out);
+            return length;
+        }
+        case Reading::decimal: convert_decimal(field, std::min(bytes, available), scratch, out); break;
         default: convert_hex_dump(field, std::min(bytes, available), scratch, out); break;
     }
     return -1;

@@ -87,6 +87,21 @@ inline bool is_refused(std::int64_t number, int width, bool is_signed) {
 /// Of a position in 32 bits.
 constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
 
+/// A number of the corrected definitions, exact but for the one rounding of the division.
+inline double measured(const Measure& measure, std::int64_t number) {
+    return static_cast<double>(number + measure.offset) * measure.times / measure.over;
+}
+
+/// Single precision keeps numbers of up to 24 bits.
+constexpr int widest_single = 24;
+
+inline void store_measured(Value& out, int width, double value) {
+    if (width > widest_single)
+        store_real(out, value);
+    else
+        store_single(out, value);
+}
+
 /// The scale is a single precision constant, applied in double precision and rounded once.
 inline float scaled(std::int64_t number, float factor) {
     return static_cast<float>(static_cast<double>(number) * static_cast<double>(factor));

@@ -79,13 +79,15 @@ void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime&
     char* at = write_seconds(head_.data(), time.since_start);
     *at++ = ',';
     if (time.has_absolute) at = write_utc(at, time.absolute);
-    if (pgn != nullptr) {
+    if (pgn != nullptr && pgn->pgn != 0) {
         const PgnPlan& plan = plan_of(*pgn);
         at = copy_blocks(at, text_pool + plan.texts + plan.line_size + 1 + plan.json_size, plan.csv_size);
     } else {
         *at++ = ',';
         at = write_unsigned(at, msg.pgn);
-        at = write_text(at, ",Unknown,");
+        *at++ = ',';
+        at = write_cell(at, pgn_name(pgn));
+        *at++ = ',';
     }
     for (const std::uint8_t number : {msg.priority, msg.source, msg.destination}) {
         at = write_byte(at, number);
@@ -121,7 +123,8 @@ char* CsvRenderer::write(char* at, char* limit) {
         // A message must not vanish: the bytes that no field covers, or an empty row for an empty message.
         if (walk.rest || !any_) {
             at = write_text(write_head(at), ",Data,,,,");
-            at = write_hex_bytes(at, payload.data, payload.length);
+            const int first = walk_.undecoded_from();
+            at = write_hex_bytes(at, payload.data + first, payload.length - first);
             *at++ = '\n';
         }
         stage_ = Stage::over;

@@ -7,15 +7,22 @@
 
 namespace pgn_vistel::core {
 
+constexpr DDDef no_entry_of_dictionary{0, "", 0, 0, 0};
+
 constexpr DDDef dictionary[] = {
 #include "dictionary_table.inc"
 };
 static_assert(std::ranges::is_sorted(dictionary, {}, &DDDef::dd));
 
+// The formats of the base by number; those of the corrected definitions have none.
 constexpr FormatPlan format_plans[] = {
 #include "format_plans.inc"
 };
 static_assert(std::ranges::is_sorted(format_plans, {}, &FormatPlan::df));
+
+constexpr Measure measures[] = {
+#include "measures.inc"
+};
 
 namespace {
 
@@ -57,7 +64,7 @@ constexpr ValueText enum_pairs[] = {
 
 }  // namespace
 
-// Ascending, but for the sets that are terminated, which stand at the end.
+// Ascending, but for the sets that are terminated, which stand behind; then those of the corrected definitions.
 constexpr DDstrings enum_sets[] = {
 #include "enum_sets.inc"
 };
@@ -93,8 +100,9 @@ const DDDef* find_dictionary_entry(std::uint32_t dd) {
 }
 
 const FormatPlan* find_format_plan(DF df) {
-    const auto plan = std::ranges::lower_bound(format_plans, df, {}, &FormatPlan::df);
-    return plan != std::end(format_plans) && plan->df == df ? plan : nullptr;
+    const std::span<const FormatPlan> base(format_plans, base_formats);
+    const auto plan = std::ranges::lower_bound(base, df, {}, &FormatPlan::df);
+    return plan != base.end() && plan->df == df ? &*plan : nullptr;
 }
 
 DispDataType quantity_of_dd(int dd) {
@@ -126,21 +134,21 @@ DF format_of_quantity(DispDataType quantity) {
     return row != std::end(class_table) ? row->df : DF{65535};
 }
 
-std::uint8_t find_set(std::uint32_t dd) {
-    const auto last = enum_sets + sorted_sets;
+std::uint16_t find_set(std::uint32_t dd) {
+    const auto last = enum_sets + sorted_sets, base_end = enum_sets + base_sets;
     auto set = std::lower_bound(enum_sets, last, dd,
                                 [](const DDstrings& s, std::uint32_t sought) { return s.dd < sought; });
     if (set == last || set->dd != dd)
-        set = std::find_if(last, std::end(enum_sets), [dd](const DDstrings& s) { return s.dd == dd; });
-    return set != std::end(enum_sets) ? static_cast<std::uint8_t>(set - enum_sets) : no_set;
+        set = std::find_if(last, base_end, [dd](const DDstrings& s) { return s.dd == dd; });
+    return set != base_end ? static_cast<std::uint16_t>(set - enum_sets) : no_set;
 }
 
 const DDstrings* find_enumeration(std::uint32_t dd) {
-    const std::uint8_t set = find_set(dd);
+    const std::uint16_t set = find_set(dd);
     return set != no_set ? &enum_sets[set] : nullptr;
 }
 
-std::uint16_t search_entry(std::uint8_t index, std::uint32_t value) {
+std::uint16_t search_entry(std::uint16_t index, std::uint32_t value) {
     const DDstrings& set = enum_sets[index];
     const ValueText* entry = set.pairs;
     if (set.count == 0) {
@@ -158,11 +166,13 @@ std::uint16_t search_entry(std::uint8_t index, std::uint32_t value) {
 
 const char* enumeration_text(const DDstrings& set, std::uint32_t value) {
     assert(is_row_of(enum_sets, set));
-    const std::uint16_t entry = find_entry(static_cast<std::uint8_t>(&set - enum_sets), value);
+    const std::uint16_t entry = find_entry(static_cast<std::uint16_t>(&set - enum_sets), value);
     if (entry != no_entry) return set.pairs[entry].text;
     switch (set.kind) {
-        case ENUM_RESERVED: return "Reserved";
-        case ENUM_UNKNOWN: return "Unknown";
+        case ENUM_RESERVED:
+        case ENUM_RESERVED_TOO: return "Reserved";
+        case ENUM_UNKNOWN:
+        case ENUM_UNKNOWN_TOO: return "Unknown";
         default: return nullptr;
     }
 }

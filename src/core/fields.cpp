@@ -8,11 +8,12 @@ namespace pgn_vistel::core {
 
 namespace {
 
+// The base, which ends with a row of its own; then the corrected definitions.
 constexpr FieldDef field_table[] = {
 #include "field_table.inc"
 };
 
-constexpr const FieldDef* sentinel = std::end(field_table) - 1;
+constexpr const FieldDef* sentinel = field_table + (base_fields - 1);
 
 struct PgnRule {
     std::uint32_t pgn;
@@ -46,7 +47,11 @@ void advance(int* byte, int* bit, int bytes, int bits) {
 constexpr FieldPlan field_plans[] = {
 #include "field_plans.inc"
 };
-static_assert(std::size(field_plans) + 1 == std::size(field_table));
+static_assert(std::size(field_plans) == std::size(field_table));
+
+constexpr FieldExtra field_extras[] = {
+#include "field_extras.inc"
+};
 
 constexpr char text_pool[] =
 #include "text_pool.inc"

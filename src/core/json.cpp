@@ -87,13 +87,14 @@ char* JsonRenderer::write_head(char* at) {
         at = write_utc(at, time_.absolute);
         *at++ = '"';
     }
-    if (pgn_ != nullptr) {
+    if (pgn_ != nullptr && pgn_->pgn != 0) {
         const PgnPlan& plan = plan_of(*pgn_);
         at = copy_blocks(at, text_pool + plan.texts + plan.line_size + 1, plan.json_size);
     } else {
         at = write_text(at, R"(,"pgn":)");
         at = write_unsigned(at, msg_->pgn);
-        at = write_text(at, R"(,"name":"Unknown","priority":)");
+        at = write_string(write_text(at, R"(,"name":)"), pgn_name(pgn_));
+        at = write_text(at, R"(,"priority":)");
     }
     at = write_byte(at, msg_->priority);
     at = write_text(at, R"(,"source":)");
@@ -129,7 +130,8 @@ char* JsonRenderer::write(char* at, char* limit) {
         *at++ = ']';
         if (walk.rest) {
             at = write_text(at, R"(,"data":")");
-            at = write_hex_bytes(at, payload.data, payload.length);
+            const int first = walk_.undecoded_from();
+            at = write_hex_bytes(at, payload.data + first, payload.length - first);
             *at++ = '"';
         }
         at = write_text(at, "}\n");

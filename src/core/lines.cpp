@@ -38,13 +38,16 @@ char* write_time_stamp(char* at, std::uint32_t hundredths) {
     return std::max(at, start + places);
 }
 
-/// Number and name of a PGN without a row.
-char* write_unknown(char* at, std::uint32_t pgn) {
-    at = std::fill_n(at, 5, ' ');
-    for (std::uint32_t limit = 100'000; limit > 1 && pgn < limit; limit /= 10) *at++ = ' ';
-    at = write_unsigned(at, pgn);
-    constexpr std::string_view name = ", Unknown";
-    return at + name.copy(at, name.size());
+/// Number and name of a PGN that has no row of its own: `row` is null or says whose the message is.
+template <class Out>
+void put_unlisted(Out& out, std::uint32_t pgn, const PgnDef* row) {
+    out.put_number([pgn](char* at) {
+        at = std::fill_n(at, 5, ' ');
+        for (std::uint32_t limit = 100'000; limit > 1 && pgn < limit; limit /= 10) *at++ = ' ';
+        return write_unsigned(at, pgn);
+    });
+    out.put(", ");
+    out.put(pgn_name(row));
 }
 
 template <class Out>
@@ -70,12 +73,12 @@ void put_round(Out& out, int round) {
 /// or a `FieldValue`.
 template <class Out, class Reading>
 [[gnu::always_inline]] inline UnitId put_reading(Out& out, const FieldPlan& plan, const Reading& field,
-                                                 bool plain_numbers) {
-    if (field.cut_off) {
+                                                 std::uint32_t high, bool plain_numbers) {
+    if (field.cut_off || shows_nothing(plan, field.value)) {
         out.put('-');
         return field.unit;
     }
-    const Shown shown{plan.form, plan.enumeration, field.quantity, field.unit, plain_numbers};
+    const Shown shown{plan.form, plan.enumeration, high, field.quantity, field.unit, plain_numbers};
     return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
 }
 
@@ -90,7 +93,7 @@ template <class Out>
             break;
         case Kind::integer: {
             if (plan.form == Form::enumeration &&
-                put_enumeration(out, plan.enumeration, static_cast<std::uint32_t>(number.bits)))
+                put_enumeration(out, plan.enumeration, static_cast<std::uint32_t>(number.bits), 0))
                 return unit::selected;
             Value value;
             number.store(value);
@@ -116,16 +119,22 @@ template <class Out>
     using Kind = QuickNumber::Kind;
     const FieldPlan& plan = Stepping::plan(walk);
     if ((plan.flags & numbered) != 0) put_round(out, Stepping::round(walk));
-    const QuickNumber quick = read_quick(plan, payload, walk.position, units);
-    if (quick.kind != Kind::slow && (plan.flags & plainly) != 0 &&
-        (plan.form == Form::plain || quick.kind == Kind::integer)) [[likely]] {
-        walk.position = quick.next;
-        return put_quick(out, plan, quick, plain_numbers);
+    if (!walk.is_resolved) [[likely]] {
+        const QuickNumber quick = read_quick(plan, payload, walk.position, units);
+        if (quick.kind != Kind::slow && (plan.flags & plainly) != 0 &&
+            (plan.form == Form::plain || quick.kind == Kind::integer)) [[likely]] {
+            walk.position = quick.next;
+            return put_quick(out, plan, quick, plain_numbers);
+        }
     }
+    const std::uint16_t entry = find_coded_entry(plan, payload, walk.position);
     FieldValue field;
-    read_row(walk.row, payload, walk.position, units, scratch, field);
-    walk.position = field.next;
-    return put_reading(out, plan, field, plain_numbers);
+    Stepping::read_field(walk, payload, units, scratch, field);
+    if (entry != no_entry) {
+        put_entry(out, plan.enumeration, entry);
+        return unit::selected;
+    }
+    return put_reading(out, plan, field, walk.is_resolved ? walk.high : 0, plain_numbers);
 }
 
 /// Texts with all their characters, for those who compare them.
@@ -149,7 +158,7 @@ int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* p
         const PgnPlan& plan = plan_of(*pgn);
         out.put_pooled(text_pool + plan.texts, plan.line_size);
     } else {
-        out.put_number([&msg](char* at) { return write_unknown(at, msg.pgn); });
+        put_unlisted(out, msg.pgn, pgn != nullptr && pgn->pgn == 0 ? pgn : nullptr);
     }
     return out.finish();
 }
@@ -188,7 +197,7 @@ int StreamLines::next(wchar_t* buf, int size) {
     stage_ = Stage::over;
     if (!walk_.has_undecoded_rest()) return -1;
     out.put("Data:");
-    for (int i = 0; i < payload.length && out.room() > 0; ++i) {
+    for (int i = walk_.undecoded_from(); i < payload.length && out.room() > 0; ++i) {
         out.put(' ');
         out.put_number([&](char* at) { return write_hex_byte(at, payload.data[i]); });
     }
@@ -204,11 +213,11 @@ void TextRenderer::start(const N2KMsg& msg, const PgnDef* pgn, std::uint32_t tim
 
 char* TextRenderer::write_head(char* at) const {
     Utf8Out out(write_time_stamp(at, time_stamp_));
-    if (pgn_ != nullptr) {
+    if (pgn_ != nullptr && pgn_->pgn != 0) {
         const PgnPlan& plan = plan_of(*pgn_);
         out.put_pooled(text_pool + plan.texts, plan.line_size);
     } else {
-        out.put_number([this](char* to) { return write_unknown(to, msg_->pgn); });
+        put_unlisted(out, msg_->pgn, pgn_);
     }
     out.put("\n    ");
     out.put(source_label);
@@ -253,7 +262,8 @@ char* TextRenderer::write(char* at, char* limit) {
         constexpr int room = line_size - 1 - static_cast<int>(sizeof("Data:") - 1);
         char* const digits = out.at();
         at = digits;
-        for (int i = 0; i < payload.length && i <= room / payload_byte; ++i) {
+        const int from = walk_.undecoded_from();
+        for (int i = from; i < payload.length && i - from <= room / payload_byte; ++i) {
             *at++ = ' ';
             at = write_hex_byte(at, payload.data[i]);
         }
@@ -276,7 +286,7 @@ char* write_label(char* at, const FieldDef& field, int repeat) {
 
 char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit) {
     UnmaskedOut out(at);
-    const UnitId unit = put_reading(out, plan_of(field), reading, false);
+    const UnitId unit = put_reading(out, plan_of(field), reading, 0, false);
     if (with_unit && unit >= 0) {
         out.put(' ');
         out.put(unit_text(unit));

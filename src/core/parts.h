@@ -32,9 +32,18 @@ struct FieldParts {
     }
 };
 
-inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
+/// `coded` is the entry of a number's code, or `no_entry`.
+inline void find_meaning(const FieldPlan& plan, const Stepping::State& walk, std::uint16_t coded,
+                         FieldParts& parts) {
     using Meaning = FieldParts::Meaning;
     const FieldValue& reading = parts.reading;
+    if (coded != no_entry) {
+        parts.entry = &texts_of_entry(plan.enumeration, coded);
+        parts.meaning = Meaning::entry;
+        parts.unit = -1;
+        return;
+    }
+    if (shows_nothing(plan, reading.value)) return;
     switch (plan.form) {
         case Form::pgn_name:
             parts.unit = -1;
@@ -52,12 +61,14 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
         case Form::enumeration: {
             if (reading.cut_off) break;
             const DDstrings& set = enum_sets[plan.enumeration];
-            const std::uint16_t entry = find_entry(plan.enumeration, enumeration_value(reading.value));
+            const std::uint32_t high = walk.is_resolved ? walk.high : 0;
+            const std::uint16_t entry =
+                find_entry(plan.enumeration, enumeration_value(reading.value) + high);
             if (entry != no_entry) {
                 parts.entry = &texts_of_entry(plan.enumeration, entry);
                 parts.meaning = Meaning::entry;
-            } else if (set.kind == ENUM_RESERVED || set.kind == ENUM_UNKNOWN) {
-                parts.set_word(Meaning::word, set.kind == ENUM_RESERVED ? "Reserved" : "Unknown");
+            } else if (const std::string_view word = word_of(set); !word.empty()) {
+                parts.set_word(Meaning::word, word);
             } else {
                 break;
             }
@@ -73,13 +84,13 @@ inline void find_meaning(const FieldPlan& plan, FieldParts& parts) {
                                               const UnitSelection& units, TextScratch& scratch,
                                               FieldParts& parts) {
     const FieldPlan& plan = Stepping::plan(walk);
-    read_planned(walk.row, payload, walk.position, units, scratch, parts.reading);
-    walk.position = parts.reading.next;
+    const std::uint16_t coded = find_coded_entry(plan, payload, walk.position);
+    Stepping::read_quickly(walk, payload, units, scratch, parts.reading);
     parts.available = is_available(parts.reading.value);
     parts.is_text = parts.reading.value.type == ValueType::text;
     parts.unit = parts.reading.unit;
     parts.meaning = FieldParts::Meaning::none;
-    if (plan.form != Form::plain) find_meaning(plan, parts);
+    if (plan.form != Form::plain) find_meaning(plan, walk, coded, parts);
 }
 
 /// Characters of a text beside its value: those of a line.
@@ -88,6 +99,7 @@ constexpr int part_limit = line_size - 1;
 /// The text of a value that is one.
 inline Text text_of(const FieldParts& parts) {
     Text text = parts.reading.value.text;
+    if (text.encoding == Encoding::digits) return text;
     const bool as_sent = parts.reading.quantity == quantity::message_id;
     if (as_sent && text.encoding == Encoding::latin1) text.encoding = Encoding::code_page;
     text.count = std::min(text.count, as_sent ? part_limit : text_limit);

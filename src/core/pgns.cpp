@@ -8,10 +8,12 @@ namespace pgn_vistel::core {
 
 namespace {
 
-// Sorted by PGN but for the closing row, which breaks the order on purpose: the search never ends on it.
+// The base is sorted by PGN but for its closing row, which breaks the order on purpose: the search never ends
+// on it. The corrected definitions stand behind it.
 constexpr PgnDef pgn_table[] = {
 #include "pgn_table.inc"
 };
+constexpr std::span<const PgnDef> base{pgn_table, base_pgns};
 
 constexpr RepeatSetDef repeat_set_table[] = {
 #include "repeat_set_table.inc"
@@ -23,9 +25,9 @@ class RowIndex {
   public:
     consteval RowIndex() {
         rows_.fill(end_row);
-        for (const PgnDef& row : pgn_table)
+        for (const PgnDef& row : base)
             if (row.pgn >= first && row.pgn <= last)
-                rows_[row.pgn - first] = static_cast<std::uint16_t>(binary_search(pgn_table, row.pgn));
+                rows_[row.pgn - first] = static_cast<std::uint16_t>(binary_search(base, row.pgn));
     }
     std::uint16_t operator[](std::uint32_t pgn) const {
         return pgn - first < rows_.size() ? rows_[pgn - first] : end_row;
@@ -51,8 +53,12 @@ std::uint16_t find_pgn_row(std::uint32_t pgn) {
 const PgnDef* find_pgn_def(std::uint32_t pgn) {
     const std::uint16_t row = find_pgn_row(pgn);
     if (row != end_row) return &pgn_table[row];
-    const int found = binary_search(pgn_table, pgn);
+    const int found = binary_search(base, pgn);
     return found >= 0 ? &pgn_table[found] : nullptr;
+}
+
+const PgnDef& pgn_row(std::uint16_t row) {
+    return pgn_table[row];
 }
 
 const PgnPlan& plan_of(const PgnDef& row) {
@@ -68,12 +74,16 @@ std::string_view pgn_name(const PgnDef* row) {
 }
 
 const RepeatSetDef* find_repeat_set(std::uint32_t pgn) {
-    const int found = binary_search(repeat_set_table, pgn);
+    const int found = binary_search(std::span<const RepeatSetDef>(repeat_set_table), pgn);
     return found >= 0 ? &repeat_set_table[found] : nullptr;
 }
 
 std::span<const PgnDef> all_pgns() {
-    return pgn_table;
+    return base;
+}
+
+std::span<const PgnDef> all_corrected_pgns() {
+    return std::span(pgn_table).subspan(base_pgns);
 }
 
 std::span<const RepeatSetDef> all_repeat_sets() {

@@ -55,11 +55,17 @@ enum class Reading : std::uint8_t {
     text_medium,
     text_fixed,
     hex_dump,
+    // numbers of the corrected definitions, with codes of their own that are none; scaled exactly
+    whole,
+    measured,
+    measured_float,
+    // texts of the corrected definitions: nothing but what the field itself has
+    text_sent,     ///< length and encoding in front: `width` bytes
+    text_counted,  ///< length in front, a zero behind
+    text_padded,   ///< of a fixed size, padded
+    bytes,         ///< shown in hexadecimal, all of them
+    decimal,       ///< two digits a byte
 };
-
-constexpr bool is_text(Reading reading) {
-    return reading >= Reading::text_short;
-}
 
 /// Rows of the factors, and the rules that have code of their own.
 enum class UnitRule : std::uint8_t {
@@ -74,8 +80,16 @@ struct FormatPlan {
     std::uint8_t is_signed;  ///< 0 or 1
     UnitRule rule;
     float scale;                  ///< to the rule's base unit; single precision
-    std::int64_t first_reserved;  ///< the lowest of the three reserved codes; of widths below 64
+    std::int64_t first_reserved;  ///< the lowest of the highest codes that are no values; of widths below 64
     std::uint8_t described;       ///< 1 where a value may name the format itself
+    std::uint16_t measure;        ///< index of what `whole` and `measured` go by
+};
+
+/// (number + offset) * times / over: a decimal resolution as two whole numbers, so that one rounding is all.
+struct Measure {
+    double times, over;
+    std::int64_t offset;
+    std::int64_t none[2];  ///< codes that are no values, or INT64_MIN
 };
 
 /// How a value is shown, as far as the dictionary entry and the place of the field decide.
@@ -85,6 +99,8 @@ enum class Form : std::uint8_t {
     database_version,
     enumeration,  ///< a text of the entry's set, else plain
     flags,        ///< the texts of the bits that are set
+    mmsi,         ///< nine digits
+    coded,        ///< a number some of whose codes have a text
 };
 
 // Quantities that only the payload tells.
@@ -92,7 +108,7 @@ constexpr std::uint8_t air_pressure_if_source_0 = quantity::no_quantity + 1, qua
                        quantity_of_format_before = 68;
 
 constexpr std::uint16_t end_row = 0xFFFF;
-constexpr std::uint8_t no_set = 255;
+constexpr std::uint16_t no_set = 0xFFFF;
 
 enum FieldFlag : std::uint16_t {
     in_group = 1,
@@ -104,6 +120,32 @@ enum FieldFlag : std::uint16_t {
     whole_bytes = 64,  ///< sized in bytes, or without a size
     quick = 128,       ///< a whole number, as wide as its format says, whose quantity is known
     plainly = 256,     ///< shown as the text of an enumeration or by its type
+    linked = 512,      ///< depends on other fields: see `FieldExtra`
+};
+
+/// Where a field stands that another depends on.
+struct Link {
+    std::int16_t offset;       ///< in bits
+    std::uint8_t bits;         ///< 0: there is none
+    std::uint8_t is_absolute;  ///< 1: from the start of the payload, 0: from the field that depends on it
+};
+
+enum class Direction : std::uint8_t { none, true_north, magnetic, relative, by_reference };
+
+/// What a field of the corrected definitions depends on.
+struct FieldExtra {
+    Link count{};                   ///< of the first field of a group: how often the group comes
+    Link high{};                    ///< the enumeration is asked for 256 times this field and the own value
+    Link reference{};               ///< whether the direction is true or magnetic
+    Link size{};                    ///< size of the field
+    Link key{};                     ///< which row of the set's rows the field is read by
+    Link index{}, about{}, maker{};     ///< the field of another message: number, PGN and manufacturer
+    std::uint16_t behind = 0;     ///< row behind the group
+    std::uint16_t key_set = 0, key_rows = 0;
+    Direction direction = Direction::none;
+    std::uint8_t relative_first = 1, relative_last = 0;  ///< references of a plain angle
+    std::uint8_t size_unit = 0;                          ///< bits that the size counts in
+    std::uint8_t less = 0;                               ///< bytes that the size counts beside the field
 };
 
 struct FieldPlan {
@@ -114,10 +156,11 @@ struct FieldPlan {
     std::uint16_t again;     ///< of the last field of a repeating group: row of the first
     std::uint16_t bits;      ///< size, be it the format's; 0 where only the value tells
     std::uint16_t number;
-    std::uint8_t format;    ///< index of the plan
-    std::uint8_t quantity;  ///< or how the payload tells it
+    std::uint16_t format;       ///< index of the plan
+    std::uint16_t enumeration;  ///< index of the set, or `no_set`
+    std::uint16_t extra;        ///< index of the `FieldExtra`, 0 for none
+    std::uint8_t quantity;      ///< or how the payload tells it
     Form form;
-    std::uint8_t enumeration;  ///< index of the set, or `no_set`
     std::uint8_t verdicts[2];  ///< in a proprietary message of others, and of our own: see `Verdict`
     std::uint16_t flags;
 };
@@ -125,7 +168,8 @@ struct FieldPlan {
 /// What becomes of a row in the walk of a proprietary message.
 enum Verdict : std::uint8_t { shown, passed_over, walk_ends };
 
-enum class PgnWalk : std::uint8_t { plain, group_function, proprietary };
+/// `covering`: of the corrected definitions, whose fields and the bytes behind them show all of a payload.
+enum class PgnWalk : std::uint8_t { plain, group_function, proprietary, covering };
 
 struct PgnPlan {
     std::uint32_t texts;  ///< in the pool: line, its end, JSON, CSV
@@ -133,6 +177,7 @@ struct PgnPlan {
     std::uint16_t first_row;
     PgnWalk walk;
     std::uint8_t repeats;
+    std::uint16_t rows;  ///< fields of a corrected definition
 
     static constexpr int name_at = 13;  ///< in the line: behind blanks, number and comma
 };
@@ -161,7 +206,9 @@ constexpr std::size_t pool_slack = 64;
 
 extern const char text_pool[];
 extern const FormatPlan format_plans[];
+extern const Measure measures[];
 extern const FieldPlan field_plans[];
+extern const FieldExtra field_extras[];
 extern const PgnPlan pgn_plans[];
 extern const UnitTexts unit_texts[];
 extern const EntryTexts entry_texts[];
@@ -176,23 +223,29 @@ const FormatPlan* find_format_plan(DF df);
 /// The row of a PGN by index rather than by search: what `find_pgn_def` returns, or `end_row`.
 std::uint16_t find_pgn_row(std::uint32_t pgn);
 const PgnPlan& plan_of(const PgnDef& row);
+
+/// A corrected definition of a PGN that a field number is about; of a proprietary one that of a maker. Null
+/// where there is none.
+const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker);
+bool is_proprietary(std::uint32_t pgn);
 const FieldPlan& plan_of(const FieldDef& row);
 std::uint16_t first_row_keyed(std::uint32_t pgn, std::uint16_t selector);
 const FieldDef& field_row(std::uint16_t row);
+const PgnDef& pgn_row(std::uint16_t row);
 
 /// The set of a dictionary entry as an index, or `no_set`.
-std::uint8_t find_set(std::uint32_t dd);
+std::uint16_t find_set(std::uint32_t dd);
 
 /// Entry that a set has for a value beyond its index, or `no_entry`.
-std::uint16_t search_entry(std::uint8_t index, std::uint32_t value);
+std::uint16_t search_entry(std::uint16_t index, std::uint32_t value);
 
 /// Entry that a set has for a value, or `no_entry`. Not for flags.
-inline std::uint16_t find_entry(std::uint8_t set, std::uint32_t value) {
+inline std::uint16_t find_entry(std::uint16_t set, std::uint32_t value) {
     const SetPlan& plan = set_plans[set];
     return value < plan.index_size ? entry_index[plan.index + value] : search_entry(set, value);
 }
 
-inline const EntryTexts& texts_of_entry(std::uint8_t set, std::uint16_t entry) {
+inline const EntryTexts& texts_of_entry(std::uint16_t set, std::uint16_t entry) {
     return entry_texts[set_plans[set].first_entry + entry];
 }
 

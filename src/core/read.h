@@ -28,6 +28,12 @@ struct FieldShape {
     std::uint8_t quantity;  ///< or how the payload tells it
     bool is_text;           ///< shows what is there where the message cuts it off
 
+    /// Gives the field another size, in bits.
+    void resize(int size) {
+        bytes = size % 8 == 0 ? size / 8 : 0;
+        bits = size % 8 == 0 ? 0 : size;
+    }
+
     static FieldShape of(const FieldPlan& plan) {
         const bool whole = (plan.flags & whole_bytes) != 0;
         return {&format_plans[plan.format], whole ? plan.bits / 8 : 0, whole ? 0 : plan.bits, plan.quantity,
@@ -139,6 +145,27 @@ struct QuickNumber {
         out.kind = Kind::integer;
         out.type = integer_type(format.width, format.is_signed != 0);
         out.integer = number;
+    } else if (format.reading == Reading::measured) {
+        const Measure& measure = measures[format.measure];
+        if (number == measure.none[0] || number == measure.none[1]) {
+            out.kind = Kind::none;
+            return out;
+        }
+        double value = measured(measure, number);
+        if (factor != 1) value *= static_cast<double>(factor);
+        if (format.width > widest_single) {
+            out.kind = Kind::real;
+            out.real = value;
+        } else {
+            out.kind = Kind::single;
+            out.single = static_cast<float>(value);
+        }
+    } else if (format.reading == Reading::whole) {
+        const Measure& measure = measures[format.measure];
+        const bool is_none = number == measure.none[0] || number == measure.none[1];
+        out.kind = is_none ? Kind::none : Kind::integer;
+        out.type = integer_type(format.width, format.is_signed != 0);
+        out.integer = number;
     } else {
         out.kind = Kind::real;
         out.real = static_cast<double>(number) * degrees_per_count_32;
@@ -146,28 +173,17 @@ struct QuickNumber {
     return out;
 }
 
-/// `read` for the field of a row, in the selected units.
-inline void read_row(std::uint16_t row, const Payload& payload, int position, const UnitSelection& units,
-                     TextScratch& scratch, FieldValue& out) {
-    read(FieldShape::of(field_plans[row]), field_row(row).dd->dd, payload, position, units, unit::selected,
-         scratch, out);
+/// The entry of a number's code that has a text, or `no_entry`.
+inline std::uint16_t find_coded_entry(const FieldPlan& plan, const Payload& payload, int position) {
+    if (plan.form != Form::coded || position + plan.bits > payload.length * 8) return no_entry;
+    return find_entry(plan.enumeration,
+                      static_cast<std::uint32_t>(gather_bits(payload.data, position, plan.bits)));
 }
 
-/// The same, quickly where that goes.
-[[gnu::always_inline]] inline void read_planned(std::uint16_t row, const Payload& payload, int position,
-                                                const UnitSelection& units, TextScratch& scratch,
-                                                FieldValue& out) {
-    const FieldPlan& plan = field_plans[row];
-    const QuickNumber quick = read_quick(plan, payload, position, units);
-    if (quick.kind == QuickNumber::Kind::slow) {
-        read_row(row, payload, position, units, scratch, out);
-        return;
-    }
-    quick.store(out.value);
-    out.quantity = plan.quantity;
-    out.unit = quick.unit;
-    out.next = quick.next;
-    out.cut_off = false;
+/// Whether a value of the corrected definitions is none: no text stands for it.
+inline bool shows_nothing(const FieldPlan& plan, const Value& value) {
+    constexpr DF no_number = 0xFFFF;
+    return value.type == ValueType::none && format_plans[plan.format].df == no_number;
 }
 
 }  // namespace pgn_vistel::core

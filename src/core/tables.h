@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <span>
 
 #include "core/plan.h"
 #include "pgn_vistel/core/catalogue.h"
@@ -12,6 +13,9 @@ namespace pgn_vistel::core {
 
 extern const DDDef dictionary[dictionary_size];
 
+/// Of fields that no dictionary entry describes.
+extern const DDDef no_entry_of_dictionary;
+
 /// Whether a row stands in the table: its place there is what is known of it.
 template <class Row, std::size_t size>
 bool is_row_of(const Row (&table)[size], const Row& row) {
@@ -21,13 +25,13 @@ bool is_row_of(const Row (&table)[size], const Row& row) {
 /// The row of a PGN that the binary search of the whole table meets first, or -1. Where a PGN has several
 /// rows, names shown to users and the repeating group that serves them all depend on this very order of
 /// steps.
-template <class Row, std::size_t size>
-constexpr int binary_search(const Row (&table)[size], std::uint32_t pgn) {
+template <class Row>
+constexpr int binary_search(std::span<const Row> table, std::uint32_t pgn) {
     int low = 0;
-    int high = static_cast<int>(size) - 1;
+    int high = static_cast<int>(table.size()) - 1;
     while (low <= high) {
         const int middle = (low + high) / 2;
-        const Row& row = table[middle];
+        const Row& row = table[static_cast<std::size_t>(middle)];
         if (row.pgn == pgn) return middle;
         if (row.pgn > pgn)
             high = middle - 1;

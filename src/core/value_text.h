@@ -17,7 +17,8 @@ namespace pgn_vistel::core {
 /// What printing needs beside the value.
 struct Shown {
     Form form;
-    std::uint8_t set;  ///< the enumeration, or `no_set`
+    std::uint16_t set;  ///< the enumeration, or `no_set`
+    std::uint32_t high;  ///< added to the number that it is asked for
     DispDataType quantity;
     UnitId unit;
     bool plain_numbers;  ///< without their hexadecimal form
@@ -33,6 +34,11 @@ inline std::uint32_t unit_of(const Text& text, int i) {
         case Encoding::code_page: return character_of(bytes[i]);
         case Encoding::utf16: return bytes[2 * i] | static_cast<std::uint32_t>(bytes[2 * i + 1]) << 8;
         case Encoding::wide: return static_cast<std::uint32_t>(static_cast<const wchar_t*>(text.data)[i]);
+        case Encoding::digits: {
+            constexpr std::string_view digits = "0123456789ABCDEF";
+            const unsigned byte = bytes[i / 3];
+            return i % 3 == 2 ? ' ' : static_cast<unsigned char>(digits[i % 3 == 0 ? byte >> 4 : byte & 15]);
+        }
         default: return bytes[i];
     }
 }
@@ -106,13 +112,13 @@ void put_pgn(Out& out, std::uint32_t number) {
 }
 
 template <class Out>
-void put_entry(Out& out, std::uint8_t set, std::uint16_t entry) {
+void put_entry(Out& out, std::uint16_t set, std::uint16_t entry) {
     const EntryTexts& texts = texts_of_entry(set, entry);
     out.put_pooled(text_pool + texts.plain, texts.plain_size);
 }
 
 template <class Out>
-void put_flags(Out& out, std::uint8_t index, std::uint32_t value) {
+void put_flags(Out& out, std::uint16_t index, std::uint32_t value) {
     const DDstrings& set = enum_sets[index];
     const auto start = out.mark();
     for (std::uint32_t i = 0; i < set.count && i < 32; ++i) {
@@ -123,19 +129,34 @@ void put_flags(Out& out, std::uint8_t index, std::uint32_t value) {
     out.remove_comma(start);
 }
 
-/// False where the number itself is to be shown.
+/// What an enumeration says of a value without an entry; nothing where the number itself is to be shown.
+inline std::string_view word_of(const DDstrings& set) {
+    switch (set.kind) {
+        case ENUM_RESERVED:
+        case ENUM_RESERVED_TOO: return "Reserved";
+        case ENUM_UNKNOWN:
+        case ENUM_UNKNOWN_TOO: return "Unknown";
+        default: return {};
+    }
+}
+
+/// False where the number itself is to be shown. `high` is added to what the enumeration is asked for.
 template <class Out>
-bool put_enumeration(Out& out, std::uint8_t index, std::uint32_t value) {
+bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::uint32_t high) {
     const DDstrings& set = enum_sets[index];
-    const std::uint16_t entry = find_entry(index, value);
-    if (entry != no_entry)
+    const std::uint16_t entry = find_entry(index, value + high);
+    if (entry != no_entry) {
         put_entry(out, index, entry);
-    else if (set.kind == ENUM_RESERVED)
-        out.put("Reserved");
-    else if (set.kind == ENUM_UNKNOWN)
-        out.put("Unknown");
-    else
-        return false;
+        return true;
+    }
+    const std::string_view word = word_of(set);
+    if (word.empty()) return false;
+    out.put(word);
+    if (set.kind == ENUM_RESERVED_TOO || set.kind == ENUM_UNKNOWN_TOO) {
+        out.put(" (");
+        out.put_number([value](char* at) { return write_unsigned(at, value); });
+        out.put(')');
+    }
     return true;
 }
 
@@ -233,6 +254,12 @@ void put_hexadecimal(Out& out, const Value& v) {
     }
 }
 
+/// "002345678": a Maritime Mobile Service Identity has nine digits.
+inline char* write_mmsi(char* at, std::uint32_t number) {
+    for (std::uint32_t limit = 100'000'000; limit > 1 && number < limit; limit /= 10) *at++ = '0';
+    return write_unsigned(at, number);
+}
+
 /// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the
 /// least as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
@@ -284,7 +311,9 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers) {
         case ValueType::seconds:
             out.put_number([&v](char* at) { return write_hours(at, v.number.u32); });
             break;
-        case ValueType::text: put_text(out, v.text, text_limit); break;
+        case ValueType::text:
+            put_text(out, v.text, v.text.encoding == Encoding::digits ? INT32_MAX : text_limit);
+            break;
         default: out.put_number([&](char* at) { return write_integer(at, v, plain_numbers); }); break;
     }
 }
@@ -301,7 +330,13 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
         case Form::flags:
             put_flags(out, shown.set, enumeration_value(v));  // no flag set is a text, too: an empty one
             return true;
-        case Form::enumeration: return put_enumeration(out, shown.set, enumeration_value(v));
+        case Form::enumeration:
+            return put_enumeration(out, shown.set, enumeration_value(v), shown.high);
+        case Form::mmsi:
+            if (!is_available(v)) return false;
+            out.put_number([&v](char* at) { return write_mmsi(at, v.number.u32); });
+            return true;
+        case Form::coded:
         case Form::plain: break;
     }
     return false;

@@ -9,7 +9,83 @@ namespace {
 
 constexpr std::uint8_t others = 1, own = 2;  // whose proprietary message it is
 
+constexpr std::uint64_t all_ones(int bits) {
+    return ~std::uint64_t{0} >> (64 - bits);
+}
+
+/// The number in another field; all ones where the message does not have it.
+std::uint64_t number_at(const Stepping::State& w, Link link) {
+    const int at = link.is_absolute != 0 ? link.offset : w.position + link.offset;
+    return at >= 0 && at + link.bits <= w.end ? gather_bits(w.data, at, link.bits) : all_ones(link.bits);
+}
+
+Direction direction_of(const Stepping::State& w, const FieldExtra& extra) {
+    if (extra.direction != Direction::by_reference) return extra.direction;
+    const std::uint64_t reference = number_at(w, extra.reference);
+    constexpr std::uint64_t to_true_north = 0, to_magnetic_north = 1;
+    if (reference >= extra.relative_first && reference <= extra.relative_last) return Direction::relative;
+    return reference == to_true_north       ? Direction::true_north
+           : reference == to_magnetic_north ? Direction::magnetic
+                                            : Direction::relative;
+}
+
+/// The row of the field that a group function is about, or `end_row`.
+std::uint16_t row_about(Stepping::State& w, const FieldExtra& extra) {
+    const auto pgn = static_cast<std::uint32_t>(number_at(w, extra.about));
+    const auto number = static_cast<std::uint32_t>(number_at(w, extra.index));
+    constexpr Link maker_in_value{0, 11, 0};
+    constexpr std::uint32_t maker_field = 1;
+    if (extra.maker.bits != 0)
+        w.maker = static_cast<std::uint16_t>(number_at(w, extra.maker));
+    else if (number == maker_field && is_proprietary(pgn))
+        // Of a proprietary PGN the first pair says whose the fields of the next ones are.
+        w.maker = static_cast<std::uint16_t>(number_at(w, maker_in_value));
+    const PgnPlan* const plan = find_plan_about(pgn, w.maker);
+    if (plan == nullptr) return end_row;
+    for (std::uint16_t i = 0; i < plan->rows; ++i)
+        if (field_plans[plan->first_row + i].number == number)
+            return static_cast<std::uint16_t>(plan->first_row + i);
+    return end_row;
+}
+
 }  // namespace
+
+bool Stepping::resolve(State& w) {
+    const FieldExtra& extra = field_extras[field_plans[w.row].extra];
+    if (extra.count.bits != 0 && w.round == 1) {
+        const std::uint64_t count = number_at(w, extra.count);
+        // A count that is not available stands for none, too.
+        if (count == 0 || count == all_ones(extra.count.bits)) {
+            w.upcoming = extra.behind;
+            return false;
+        }
+        w.rounds = static_cast<int>(std::min<std::uint64_t>(count, INT32_MAX));
+    }
+    w.is_resolved = true;
+    w.is_padded = false;
+    w.high = extra.high.bits != 0 ? static_cast<std::uint32_t>(number_at(w, extra.high)) << 8 : 0;
+    w.direction = direction_of(w, extra);
+    w.size = -1;
+    if (extra.size.bits != 0) {
+        constexpr std::uint64_t most = N2K_MAX_PAYLOAD * 8;
+        const std::uint64_t bits = number_at(w, extra.size) * extra.size_unit;
+        w.size = static_cast<int>(std::min(bits - std::min<std::uint64_t>(bits, extra.less * 8u), most));
+    }
+    if (extra.key.bits != 0) {
+        const std::uint16_t entry = find_entry(extra.key_set, static_cast<std::uint32_t>(number_at(w, extra.key)));
+        if (entry != no_entry) w.row = static_cast<std::uint16_t>(extra.key_rows + entry);
+    }
+    if (extra.index.bits != 0) {
+        w.row = row_about(w, extra);
+        if (w.row == end_row) return finish(w, true);
+        // What that field depends on stands in its own message, not in this one.
+        const FieldExtra& own = field_extras[field_plans[w.row].extra];
+        w.is_padded = true;
+        w.direction = own.direction == Direction::by_reference ? Direction::relative : own.direction;
+        if (own.high.bits != 0) w.high = 0xFFFF'FF00;
+    }
+    return true;
+}
 
 int payload_length(const N2KMsg& msg) {
     return std::min<int>(msg.length, N2K_MAX_PAYLOAD);
@@ -52,11 +128,15 @@ MessageWalk::MessageWalk(const PgnDef* pgn, const N2KMsg& msg) {
             w.upcoming = plan.first_row;
             w.is_picky = true;
             break;
+        case PgnWalk::covering:
+            w.upcoming = plan.first_row;
+            w.is_covering = true;
+            break;
     }
 }
 
 bool MessageWalk::next() {
-    state_.position = position.byte * 8 + position.bit;
+    state_.position = Stepping::behind(state_, position.byte * 8 + position.bit);
     return Stepping::next(state_);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/plan.h"
+#include "core/read.h"
 #include "pgn_vistel/core/decode.h"
 
 namespace pgn_vistel::core {
@@ -12,27 +13,82 @@ struct Stepping {
     static State& state(MessageWalk& walk) { return walk.state_; }
     static const State& state(const MessageWalk& walk) { return walk.state_; }
     static const FieldPlan& plan(const State& w) { return field_plans[w.row]; }
-    static int round(const State& w) { return (plan(w).flags & in_group) != 0 ? w.round : 0; }
+    static int round(const State& w) { return (field_plans[w.planned].flags & in_group) != 0 ? w.round : 0; }
 
     static bool next(State& w) {
-        if (w.ends_round && !begin_round(w)) return finish(w, true);
-        if (w.is_picky && !pick(w)) return false;
-        if (w.upcoming == end_row) return false;
-        if (w.position >= w.end) return finish(w, false);
-        w.row = w.upcoming;
-        const FieldPlan& p = field_plans[w.row];
-        w.upcoming = p.next;
-        if ((p.flags & (first_of_group | last_of_group)) != 0) remember(w, p.flags);
-        return true;
+        w.is_resolved = false;
+        for (;;) {
+            if (w.ends_round && !begin_round(w)) return finish(w, true);
+            if (w.is_picky && !pick(w)) return false;
+            if (w.upcoming == end_row) return w.is_covering && w.position < w.end && finish(w, true);
+            if (w.position >= w.end) return finish(w, false);
+            w.row = w.planned = w.upcoming;
+            const FieldPlan& p = field_plans[w.row];
+            w.upcoming = p.next;
+            if ((p.flags & (first_of_group | last_of_group | linked)) == 0) [[likely]]
+                return true;
+            if ((p.flags & linked) != 0 && !resolve(w)) continue;
+            remember(w, p.flags);
+            return true;
+        }
+    }
+
+    /// Position behind a field: the values of other messages' fields fill whole bytes.
+    static int behind(const State& w, int next) {
+        return w.is_resolved && w.is_padded ? (next + 7) & ~7 : next;
+    }
+
+    /// Reads the field that the walk has come to, quickly where that goes; the walk goes behind it.
+    [[gnu::always_inline]] static void read_quickly(State& w, const Payload& payload,
+                                                    const UnitSelection& units, TextScratch& scratch,
+                                                    FieldValue& out) {
+        if (!w.is_resolved) {
+            const QuickNumber quick = read_quick(plan(w), payload, w.position, units);
+            if (quick.kind != QuickNumber::Kind::slow) {
+                quick.store(out.value);
+                out.quantity = plan(w).quantity;
+                out.unit = quick.unit;
+                out.next = w.position = quick.next;
+                out.cut_off = false;
+                return;
+            }
+        }
+        read_field(w, payload, units, scratch, out);
+    }
+
+    /// The same in any case.
+    static void read_field(State& w, const Payload& payload, const UnitSelection& units, TextScratch& scratch,
+                           FieldValue& out) {
+        FieldShape shape = FieldShape::of(plan(w));
+        if (w.is_resolved && w.size >= 0) shape.resize(w.size);
+        read(shape, field_row(w.row).dd->dd, payload, w.position, units, unit::selected, scratch, out);
+        w.position = out.next = behind(w, out.next);
+        out.unit = directed(w, out.unit);
+    }
+
+    /// The unit of a direction says what it refers to.
+    static UnitId directed(const State& w, UnitId u) {
+        if (!w.is_resolved || w.direction == Direction::none || (u != unit::deg_mag && u != unit::deg_true))
+            return u;
+        switch (w.direction) {
+            case Direction::magnetic: return unit::deg_mag;
+            case Direction::relative: return unit::deg;
+            default: return unit::deg_true;
+        }
     }
 
   private:
     static bool finish(State& w, bool rest) {
         w.upcoming = end_row;
         w.rest = rest;
-        w.ends_round = w.is_picky = false;
+        w.rest_from = w.is_covering ? w.position : 0;
+        w.ends_round = w.is_picky = w.is_covering = false;
         return false;
     }
+
+    /// What the field depends on. False where it is none of the message: a group that does not come, or a
+    /// value that nothing tells how to read, which ends the walk.
+    static bool resolve(State& w);
 
     static void remember(State& w, unsigned flags) {
         if ((flags & first_of_group) != 0) w.group_started = w.position;
@@ -43,8 +99,13 @@ struct Stepping {
     static bool begin_round(State& w) {
         w.ends_round = false;
         if (w.position == w.group_started) return false;
+        if (w.round >= w.rounds) {
+            w.round = 1;
+            w.rounds = INT32_MAX;
+            return true;
+        }
         ++w.round;
-        w.upcoming = plan(w).again;
+        w.upcoming = field_plans[w.planned].again;
         return true;
     }
 

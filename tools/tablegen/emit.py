@@ -1,6 +1,9 @@
 """The C++ include fragments. Each is text for the inside of one initialiser or macro list."""
 
-from plans import escaped, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal
+from types import SimpleNamespace as Row
+
+from corrected_plans import plan_corrected
+from plans import (escaped, factor_lines, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal)
 from powers import power_lines
 from tables import (ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS,
                     conversion_owner, number_literal)
@@ -10,9 +13,15 @@ FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 PGN_CLOSING_ROW = '{25, 0, 0, 0, "", 0, 1, 7, 1},'
 
 
-def fragments(tables):
+# Beside the closing row of the fields.
+CLOSING_PLAN = "{0, 0, 0, 0, 0, end_row, end_row, 0, 0, 0, no_set, 0, 0, Form::plain, {0, 0}, 0},"
+
+
+def fragments(tables, overlay):
     """File name -> (source, lines) of every fragment."""
     plans = make_plans(tables)
+    base = Row(sets=len(plans.sets), formats=len(tables.formats), fields=len(plans.fields), pgns=len(tables.pgns) + 1)
+    corrected = plan_corrected(tables, overlay, plans)
     formats = {row.df: row for row in tables.formats}
     format_index = {row.df: i for i, row in enumerate(catalogued(tables))}
     parsers = {row.df: row for row in tables.parsers}
@@ -22,13 +31,20 @@ def fragments(tables):
         return [f"{{{row.df}, &{conversion(row.df, formats)}}}," for row in rows]
 
     result = {
-        "pgn_table.inc": ("pgns.tsv", [*map(pgn_line, tables.pgns), PGN_CLOSING_ROW]),
-        "pgn_plans.inc": ("pgns.tsv", plans.pgn_lines),
+        "pgn_table.inc": ("pgns.tsv", [*map(pgn_line, tables.pgns), PGN_CLOSING_ROW, *corrected.pgn_rows]),
+        "pgn_plans.inc": ("pgns.tsv", [*plans.pgn_lines, *corrected.pgn_lines]),
         "pgn_rules.inc": ("pgn_rules.tsv", rule_lines(tables)),
         "special_fields.inc": ("special_fields.tsv", special_lines(tables)),
         "fast_packet_ranges.inc": ("pgns.tsv", fast_packet_ranges(tables.pgns)),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
-        "format_plans.inc": ("formats.tsv", format_lines(tables)),
+        "format_plans.inc": ("formats.tsv", [*format_lines(tables), *plans.format_lines]),
+        "measures.inc": ("corrections", ["{1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},", *corrected.measures]),
+        "variants.inc": ("corrections", corrected.variant_lines),
+        "variant_parts.inc": ("corrections", corrected.part_lines),
+        "variant_lists.inc": ("corrections", corrected.list_lines),
+        "maker_rows.inc": ("corrections", corrected.maker_lines),
+        "proprietary_ranges.inc": ("corrections", corrected.ranges),
+        "field_extras.inc": ("corrections", corrected.extras),
         "catalogued_formats.inc": ("formats.tsv", [f"{row.df}," for row in catalogued(tables)]),
         "format_table.inc": ("formats.tsv", [format_line(row, parsers[row.df], formats)
                                              for row in catalogued(tables)]),
@@ -47,16 +63,22 @@ def fragments(tables):
             f"{{{row.dd}, {narrow(row.name)}, &format_table[{format_index[row.df]}], {row.size[0]}, {row.size[1]}}},"
             for row in tables.dictionary]),
         "table_sizes.inc": ("", [f"constexpr std::size_t dictionary_size = {len(tables.dictionary)};",
-                                 f"constexpr std::size_t format_count = {len(catalogued(tables))};"]),
+                                 f"constexpr std::size_t format_count = {len(catalogued(tables))};",
+                                 "// Rows of the base, its closing rows included; those of the corrections follow.",
+                                 f"constexpr std::size_t base_pgns = {base.pgns};",
+                                 f"constexpr std::size_t base_fields = {base.fields + 1};",
+                                 f"constexpr std::size_t base_formats = {base.formats};",
+                                 f"constexpr std::size_t base_sets = {base.sets};",
+                                 f"constexpr std::uint16_t unknown_maker = {corrected.unknown_maker};"]),
         "field_table.inc": ("fields", [*(field_line(row, dictionary_index) for row in plans.fields),
-                                       FIELD_SENTINEL]),
-        "field_plans.inc": ("fields", plans.field_lines),
+                                       FIELD_SENTINEL, *corrected.field_rows]),
+        "field_plans.inc": ("fields", [*plans.field_lines, CLOSING_PLAN, *corrected.field_lines]),
         "text_pool.inc": ("", plans.pool.lines()),
         "repeat_set_table.inc": ("repeat_sets.tsv", map(repeat_set_line, tables.repeat_sets)),
         "unit_names.inc": ("units.tsv", [f"{wide(row.name)}," for row in tables.units]),
         "unit_texts.inc": ("units.tsv", plans.unit_lines),
         "unit_rule_names.inc": ("unit_factors.tsv", [f"{name}," for name in plans.rules]),
-        "unit_factors.inc": ("unit_factors.tsv", plans.rule_lines),
+        "unit_factors.inc": ("unit_factors.tsv", factor_lines(plans)),
         "availability.inc": ("availability.tsv", [
             *(unit_row(row.units) for row in tables.availability), unit_row([])]),
         "quantity_rows.inc": ("quantities.tsv", [f"{{{narrow(row.label)}, {getattr(row, 'class')}}},"
@@ -76,10 +98,10 @@ def fragments(tables):
     return result
 
 
-def write_fragments(tables, out):
+def write_fragments(tables, overlay, out):
     """Writes the fragments that changed, so that the others cause no rebuild."""
     out.mkdir(parents=True, exist_ok=True)
-    for name, (source, lines) in fragments(tables).items():
+    for name, (source, lines) in fragments(tables, overlay).items():
         banner = f"// Generated by tools/tablegen from data/{source}; do not edit"
         content = "\n".join([banner, *lines, ""]).encode("ascii")
         path = out / name

@@ -8,7 +8,7 @@ from types import SimpleNamespace as Row
 from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT, conversion_owner
 
 END_ROW = 0xFFFF
-NO_SET = 255
+NO_SET = 0xFFFF
 NO_ENTRY = 0xFFFF
 CLOSING_PGN = 25
 DYNAMIC_QUANTITIES = {"air-source-0": CLASS_COUNT + 1, "format_inside": CLASS_COUNT + 2,
@@ -130,8 +130,11 @@ def plan_rules(tables, plans):
         if kind == "listed":
             rules.setdefault(listed_rule(detail), {unit.number: "1.0f" for unit in detail})
     plans.rules = rules
-    plans.rule_lines = [
-        "{" + ", ".join(factors.get(unit, "0") for unit in range(UNIT_COUNT)) + "}," for factors in rules.values()]
+
+
+def factor_lines(plans):
+    return ["{" + ", ".join(factors.get(unit, "0") for unit in range(UNIT_COUNT)) + "},"
+            for factors in plans.rules.values()]
 
 
 def listed_rule(units):
@@ -162,7 +165,7 @@ def format_row(row, formats):
 def format_lines(tables):
     formats = {row.df: row for row in tables.formats}
     described = {row.df for row in tables.self_described}
-    return [f"{{{row.df}, {format_row(row, formats)}, {int(row.df in described)}}}," for row in tables.formats]
+    return [f"{{{row.df}, {format_row(row, formats)}, {int(row.df in described)}, 0}}," for row in tables.formats]
 
 
 # ---- enumerations ----
@@ -170,11 +173,15 @@ def format_lines(tables):
 def plan_sets(plans):
     plans.entry_lines, plans.set_lines, plans.index_lines = [], [], []
     for found in plans.sets:
-        first = len(plans.entry_lines)
-        plans.entry_lines += [entry_line(entry.text, plans.pool) for entry in found.entries]
-        index = entry_index(found)
-        plans.set_lines.append(f"{{{first}, {len(plans.index_lines)}, {len(index)}}},")
-        plans.index_lines += [f"{place}," for place in index]
+        plan_set(plans, found)
+
+
+def plan_set(plans, found):
+    first = len(plans.entry_lines)
+    plans.entry_lines += [entry_line(entry.text, plans.pool) for entry in found.entries]
+    index = entry_index(found)
+    plans.set_lines.append(f"{{{first}, {len(plans.index_lines)}, {len(index)}}},")
+    plans.index_lines += [f"{place}," for place in index]
 
 
 def entry_line(text, pool):
@@ -236,7 +243,6 @@ def field_plan(tables, plans, lookup, i):
     first, last = lookup.groups.get(row.pgn, (0, 0))
     label = shown_label(tables, row)
     numbered = first <= row.field <= last and label == row.label and FIRST in label
-    forms = label_forms(row.field, label, numbered)
     enumeration = lookup.sets.get(row.dd, NO_SET)
     bits = field_bits(row, entry, rule, lookup.formats)
     kind_of_quantity = quantity(tables, row, lookup.classes, rule)
@@ -248,18 +254,29 @@ def field_plan(tables, plans, lookup, i):
         "first_of_group": row.field == first,
         "last_of_group": row.field == last,
         "numbered": numbered,
-        "quoted": numbered and is_quoted_in_csv(label),
+        "quoted": numbered and is_quoted_in_csv(label[FIRST_WORD:]),
         "text": entry.df in TEXT_FORMATS,
         "whole_bytes": bits % 8 == 0,
         "quick": quick,
         "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
     }
-    misplaced = 7 if bits % 8 == 0 else 0
-    return (f"{{{plans.pool.add(''.join(forms))}, {sizes(*forms)}, {misplaced}, {next_row(rows, i, 1)}, "
-            f"{next_row(rows, i, first - last) if row.field == last else END_ROW}, "
-            f"{bits}, {row.field}, {lookup.format_index[entry.df]}, {kind_of_quantity}, "
-            f"Form::{form}, {enumeration}, "
-            f"{{{verdict(tables, row, False) if filtered else 0}, {verdict(tables, row, True) if filtered else 0}}}, "
+    verdicts = tuple(verdict(tables, row, own) if filtered else 0 for own in (False, True))
+    return field_plan_line(
+        field_texts(plans, row.field, label[FIRST_WORD:] if numbered else label, numbered), 7 if bits % 8 == 0 else 0, next_row(rows, i, 1),
+        next_row(rows, i, first - last) if row.field == last else END_ROW, bits, row.field,
+        lookup.format_index[entry.df], enumeration, 0, kind_of_quantity, form, verdicts, flags)
+
+
+def field_texts(plans, field, label, numbered):
+    """Place and sizes of what a field's label is in each form."""
+    forms = label_forms(field, label, numbered)
+    return f"{plans.pool.add(''.join(forms))}, {sizes(*forms)}"
+
+
+def field_plan_line(texts, misplaced, next_one, again, bits, number, form_index, enumeration, extra, kind_of_quantity,
+                    form, verdicts, flags):
+    return (f"{{{texts}, {misplaced}, {next_one}, {again}, {bits}, {number}, {form_index}, {enumeration}, {extra}, "
+            f"{kind_of_quantity}, Form::{form}, {{{verdicts[0]}, {verdicts[1]}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
 
 
@@ -278,10 +295,9 @@ def shown_label(tables, row):
 
 def label_forms(field, label, numbered):
     """In the pool they stand behind each other. A numbered label is left open: the number of the round follows."""
-    name = label[FIRST_WORD:] if numbered else label
-    line = f"    {name}" + ("" if numbered else ": ")
-    json = f'{{"number":{field},"label":{json_text(name)[:-1]}' + ("" if numbered else '","value":')
-    cell = csv_cell(name)[:-1] if numbered and is_quoted_in_csv(label) else csv_cell(name)
+    line = f"    {label}" + ("" if numbered else ": ")
+    json = f'{{"number":{field},"label":{json_text(label)[:-1]}' + ("" if numbered else '","value":')
+    cell = csv_cell(label)[:-1] if numbered and is_quoted_in_csv(label) else csv_cell(label)
     return line, json, f"{field},{cell}" + ("" if numbered else ",")
 
 
@@ -355,11 +371,14 @@ def plan_pgns(tables, plans):
     repeats = {row.pgn for row in tables.repeat_sets}
     plans.pgn_lines = []
     for pgn, name in [*((row.pgn, row.name) for row in tables.pgns), (CLOSING_PGN, "")]:
-        name = names.get(pgn, name)
-        line, json, csv = forms = pgn_forms(pgn, name)
-        plans.pgn_lines.append(
-            f"{{{plans.pool.add(f'{line}{chr(10)}{json}{csv}')}, {sizes(*forms)}, {first_rows.get(pgn, END_ROW)}, "
-            f"PgnWalk::{walks.get(pgn) or 'plain'}, {int(pgn in repeats)}}},")
+        plans.pgn_lines.append(pgn_plan_line(plans, pgn, names.get(pgn, name), first_rows.get(pgn, END_ROW),
+                                             walks.get(pgn) or "plain", int(pgn in repeats), 0))
+
+
+def pgn_plan_line(plans, pgn, name, first_row, walk, repeats, rows):
+    line, json, csv = forms = pgn_forms(pgn, name)
+    return (f"{{{plans.pool.add(f'{line}{chr(10)}{json}{csv}')}, {sizes(*forms)}, {first_row}, PgnWalk::{walk}, "
+            f"{repeats}, {rows}}},")
 
 
 def pgn_forms(pgn, name):

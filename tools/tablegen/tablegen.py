@@ -36,7 +36,7 @@ def main(arguments):
     if options.summary:
         print(summary, end="")
     if options.out:
-        write_fragments(tables, options.out)
+        write_fragments(tables, overlay, options.out)
     return 0
 
 

@@ -375,8 +375,9 @@ def read_sets(tables, data, name, report):
         elif not sets:
             report.add(place, "entry before the first set")
         else:
-            entry = cells[:-1] if len(cells) == 3 and cells[2] == "guess" else cells
-            sets[-1].entries.append(read_row(entry_columns, entry, place, report))
+            guess = len(cells) == 3 and cells[2] == "guess"
+            sets[-1].entries.append(read_row(entry_columns, cells[:-1] if guess else cells, place, report))
+            sets[-1].entries[-1].guess = guess
     summarise(tables, name, sum(len(found.entries) for found in sets), lines)
     return sets
 

@@ -33,6 +33,12 @@ constexpr std::uint16_t high_half(SelectorKey key) {
 /// manufacturer 137, both reserved bits, industry group 4.
 constexpr std::uint16_t own_header = 0x9889;
 
+/// What a message is read by.
+enum class Definitions : std::uint8_t {
+    fixed,      ///< the catalogue of the text interface: one definition a PGN, whatever a device may send
+    corrected,  ///< what devices send: variants by manufacturer, function code and length
+};
+
 /// One row of the PGN catalogue.
 struct PgnDef {
     std::uint32_t pgn;  ///< parameter group number
@@ -95,6 +101,10 @@ enum EnumerationKind : std::uint32_t {
     ENUM_FLAGS = 3,  ///< entry i is the text of bit i
     ENUM_UNKNOWN = 4,
     ENUM_NUMBER_TOO = 5,  ///< as ENUM_NUMBER
+    /// @{ with the number behind the word
+    ENUM_RESERVED_TOO = 6,
+    ENUM_UNKNOWN_TOO = 7,
+    /// @}
 };
 
 /// The enumeration of a dictionary entry.
@@ -193,6 +203,7 @@ void complete_field_size(std::uint32_t pgn, const DDDef* dd, int* bytes, int* bi
 
 /// @{ a whole table
 [[nodiscard]] std::span<const PgnDef> all_pgns();
+[[nodiscard]] std::span<const PgnDef> all_corrected_pgns();  ///< by PGN; of PGN 0 what is shown of a maker's
 [[nodiscard]] std::span<const FieldDef> all_fields();
 [[nodiscard]] std::span<const DDDef> all_dictionary_entries();
 [[nodiscard]] std::span<const RepeatSetDef> all_repeat_sets();

@@ -29,6 +29,11 @@ struct PayloadPosition {
 /// Payload bytes that count: the record's length, at most 1785.
 [[nodiscard]] int payload_length(const N2KMsg& msg);
 
+/// The definition that a message is read by, or null: of the fixed set the PGN's, see `find_pgn_def`; of the
+/// corrected one that of the PGN's variant. A proprietary message of an unknown kind has a definition that
+/// says whose it is; its `pgn` is 0.
+[[nodiscard]] const PgnDef* find_definition(Definitions set, const N2KMsg& msg);
+
 /// A text that tells its own length, as sent: the length of all, low byte first, a `SentEncoding`, the text.
 struct SentText {
     int header;      ///< bytes in front of the text: one for the encoding, the others for the length
@@ -80,10 +85,12 @@ struct FieldReading {
 /// The number that an enumeration is asked for: the value's low bits, by its type.
 [[nodiscard]] std::uint32_t enumeration_value(const Value& value);
 
+enum class Direction : std::uint8_t;
+
 /// Walks the fields of one message in payload order: which row comes next, repeating groups, keyed variants,
 /// what is shown of proprietary messages, and where the rest of the payload stays undecoded.
 ///
-///     MessageWalk walk(find_pgn_def(msg.pgn), msg);
+///     MessageWalk walk(find_definition(definitions, msg), msg);
 ///     while (walk.next()) {
 ///         const FieldReading reading =
 ///             read_field(msg, walk.field(), walk.position, units, unit::selected, scratch);
@@ -114,6 +121,10 @@ class MessageWalk {
     /// Whether the walk ended before the payload was covered.
     [[nodiscard]] bool has_undecoded_rest() const { return state_.rest; }
 
+    /// The byte from which the payload is undecoded, where it is: of the corrected definitions the one behind
+    /// the last field, else the first.
+    [[nodiscard]] int undecoded_from() const { return state_.rest_from / 8; }
+
     PayloadPosition position;  ///< of the field; the caller moves it behind that, and never backward
 
   private:
@@ -124,15 +135,25 @@ class MessageWalk {
         const std::uint8_t* data = nullptr;
         int end = 0;                      // of the message
         int position = 0;                 // of the reader
-        std::uint16_t row = 0xFFFF;       // the one handed out
+        std::uint16_t row = 0xFFFF;       // by which the field handed out is read
+        std::uint16_t planned = 0xFFFF;   // of the message: the same, unless the field is one of another
         std::uint16_t upcoming = 0xFFFF;  // the one to look at next
         bool rest = false;                // the walk ended before the payload was covered
         bool ends_round = false;          // the row handed out is the last of a repeating group
         bool is_picky = false;            // rows are judged: `filter` or `limit` say something
+        bool is_covering = false;         // bytes behind the last field are a rest, too
+        bool is_resolved = false;         // what follows up to `size` says something of the field
+        bool is_padded = false;           // the field fills whole bytes
+        Direction direction{};            // that the field is one of
+        std::uint32_t high = 0;           // added to the number that an enumeration is asked for
+        int size = -1;                    // in bits, where the message tells it
+        std::uint16_t maker = 0;          // that a group function has named
         std::uint8_t filter = 0;          // of a proprietary message: which of a row's verdicts counts
         int limit = 2048;                 // field number that ends the walk
         int round = 1;
-        int group_started = 0;  // where the group's latest round began
+        int rounds = 0x7FFFFFFF;  // that the group has
+        int group_started = 0;    // where the group's latest round began
+        int rest_from = 0;        // where the undecoded rest begins
     };
     State state_;
 };

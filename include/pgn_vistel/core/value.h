@@ -34,6 +34,7 @@ enum class Encoding : std::uint8_t {
     code_page,  ///< the same but for four bytes: see `character_of`
     utf16,      ///< units of two bytes, low byte first, at any address
     wide,       ///< `wchar_t`
+    digits,     ///< bytes in hexadecimal, parted by blanks: three characters each, but for the last
 };
 
 /// A text of a payload: a view, never terminated. It does not own what it shows, and nothing in it is to be

@@ -1,0 +1,132 @@
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "core/read.h"
+#include "core/tables.h"
+
+namespace pgn_vistel::core {
+
+namespace {
+
+/// A variant of a PGN and the messages that it is for: of the length, and with the conditions.
+struct Variant {
+    std::uint64_t mask, value;  ///< conditions in the first eight bytes
+    std::uint16_t least, most;  ///< bytes
+    std::uint16_t first_part, parts;
+    std::uint16_t row;
+};
+
+/// A condition behind the first eight bytes.
+struct Part {
+    std::uint16_t bit;
+    std::uint8_t width;
+    std::uint64_t value;
+};
+
+struct VariantList {
+    std::uint32_t pgn;
+    std::uint16_t first, count;
+};
+
+struct MakerRow {
+    std::uint16_t maker, row;
+};
+
+struct Range {
+    std::uint32_t first, last;
+};
+
+constexpr Variant variants[] = {
+#include "variants.inc"
+};
+
+constexpr Part parts[] = {
+#include "variant_parts.inc"
+};
+
+constexpr VariantList lists[] = {
+#include "variant_lists.inc"
+};
+static_assert(std::ranges::is_sorted(lists, {}, &VariantList::pgn));
+
+constexpr MakerRow maker_rows[] = {
+#include "maker_rows.inc"
+};
+static_assert(std::ranges::is_sorted(maker_rows, {}, &MakerRow::maker));
+
+constexpr Range proprietary_ranges[] = {
+#include "proprietary_ranges.inc"
+};
+
+constexpr std::uint16_t no_list = 0xFFFF;
+
+/// Lists of a dense range of PGNs: every message asks.
+template <std::uint32_t first, std::uint32_t last>
+class ListIndex {
+  public:
+    consteval ListIndex() {
+        places_.fill(no_list);
+        for (std::size_t i = 0; i < std::size(lists); ++i)
+            if (lists[i].pgn >= first && lists[i].pgn <= last)
+                places_[lists[i].pgn - first] = static_cast<std::uint16_t>(i);
+    }
+    std::uint16_t operator[](std::uint32_t pgn) const {
+        return pgn - first < places_.size() ? places_[pgn - first] : no_list;
+    }
+
+  private:
+    std::array<std::uint16_t, last - first + 1> places_{};
+};
+constexpr ListIndex<0x0E800, 0x0FFFF> data_page_0;
+constexpr ListIndex<0x1ED00, 0x1FFFF> data_page_1;
+
+std::span<const Variant> variants_of(std::uint32_t pgn) {
+    const std::uint16_t place = pgn >= 0x10000 ? data_page_1[pgn] : data_page_0[pgn];
+    if (place == no_list) return {};
+    return std::span(variants).subspan(lists[place].first, lists[place].count);
+}
+
+constexpr std::uint64_t header_mask = 0x7FF;  // of the manufacturer code, which comes first
+
+std::uint32_t maker_of(std::uint64_t word) {
+    return static_cast<std::uint32_t>(word & header_mask);
+}
+
+bool is_of(const Variant& variant, std::uint64_t word, const N2KMsg& msg, int length) {
+    if ((word & variant.mask) != variant.value || length < variant.least || length > variant.most)
+        return false;
+    return std::ranges::all_of(std::span(parts).subspan(variant.first_part, variant.parts),
+                               [&msg](const Part& part) {
+                                   return gather_bits(msg.data, part.bit, part.width) == part.value;
+                               });
+}
+
+}  // namespace
+
+bool is_proprietary(std::uint32_t pgn) {
+    return std::ranges::any_of(proprietary_ranges,
+                               [pgn](Range range) { return pgn >= range.first && pgn <= range.last; });
+}
+
+const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker) {
+    const bool of_maker = is_proprietary(pgn);
+    for (const Variant& variant : variants_of(pgn))
+        if (!of_maker || maker_of(variant.value) == maker) return &plan_of(pgn_row(variant.row));
+    return of_maker ? &plan_of(pgn_row(unknown_maker)) : nullptr;
+}
+
+const PgnDef* find_definition(Definitions set, const N2KMsg& msg) {
+    if (set == Definitions::fixed) return find_pgn_def(msg.pgn);
+    const int length = payload_length(msg);
+    const std::uint64_t word = load_bytes(msg.data, 0, length);
+    for (const Variant& variant : variants_of(msg.pgn))
+        if (is_of(variant, word, msg, length)) return &pgn_row(variant.row);
+    constexpr int header_size = 2;
+    if (length < header_size || !is_proprietary(msg.pgn)) return nullptr;
+    const auto found = std::ranges::lower_bound(maker_rows, maker_of(word), {}, &MakerRow::maker);
+    const bool is_known = found != std::end(maker_rows) && found->maker == maker_of(word);
+    return &pgn_row(is_known ? found->row : unknown_maker);
+}
+
+}  // namespace pgn_vistel::core

@@ -1,0 +1,471 @@
+"""The corrected definitions: the rows of the base and of data/corrections/ as messages of one shape.
+
+A message has its conditions, its groups and all of its fields, one after the other; nothing is shared between the
+variants of a PGN, so that the next field is the next row."""
+
+from fractions import Fraction
+from types import SimpleNamespace as Row
+
+from overlay import HEADER, PROPRIETARY, base_variant
+from plans import field_bits, quantity, shown_label, special_row
+from tables import NO_CLASS, NO_SELECTOR, conversion_owner
+
+SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP = 50, 51, 63, 3002
+BIT_FIELDS = ("convert_bit_field", "convert_ais_spare")
+FLAGS = 3  # kind of a base set
+NUMBER, BELOW, RESERVED, UNKNOWN = 0, 1, 2, 4
+RESERVED_TOO, UNKNOWN_TOO = 6, 7  # with the number behind the word
+MOST_OF_RANGE = 256
+LAST_OF_BYTE = 255
+NO_CODE = -(1 << 63)
+EXACT = 1 << 53  # numbers below are the same in double precision
+
+# unit of a correction: rule of unit_factors.tsv, the unit's id there, what a user picks a unit for
+UNITS = {
+    "m": ("length_cm", "m", "depth"), "m/s": ("speed_m_s", "m_s", "speed"), "km/h": ("speed_m_s", "kph", "speed"),
+    "V": ("voltage_v", "V", "voltage"), "A": ("current_a", "A", "current"), "W": ("power_w", "W", "power"),
+    "VA": ("power_w", "VA", "apparent_power"), "VAR": ("power_w", "VAR", "reactive_power"),
+    "Hz": ("frequency_hz", "Hz", "frequency"), "Pa": ("pressure_pa", "Pa", "pressure"),
+    "Pa/h": ("pressure_pa", "Pa_h", "pressure_rate"), "rad": ("angle_rad", "rad", "angle_35"),
+    "deg": ("angle_rad", "deg", "angle_35"), "rad/s": ("angular_rate", "rad_s", "angular_velocity"),
+    "deg/s": ("angular_rate", "deg_s", "angular_velocity"), "L": ("volume_l", "litre", "volume"),
+    "L/h": ("volume_l", "litre_hr", "flow"), "Ah": ("charge_ah", "Ah", "charge"), "C": ("charge_c", "C", "charge"),
+    "kWh": ("energy_wh", "kWh", "energy"), "T": ("magnetic_ut", "T", "magnetic"), "N": ("force_n", "N", "force"),
+    "Nm": ("torque_nm", "Nm", "torque"), "s": ("duration_s", "seconds", "duration"), "kg": ("mass", "kg", "mass"),
+    "K": ("temperature_k", None, "temperature"), "m/s2": ("acceleration", "m_s2", "acceleration"),
+    # These are shown as they are.
+    "%": (None, "percent", "percent"), "rpm": (None, "rpm", "rpm"), "dB": (None, "dB", "snr"),
+    "ppm": (None, "ppm", "concentration"),
+}
+UNITLESS = ("1", "cos(phi)")
+# Rules of the base whose unit is none that anybody shows: the unit that numbers are counted in instead.
+COUNTED_IN = {"length_cm": ("m", "0.01"), "speed_mm_s": ("m_s", "0.001"), "speed_m_s": ("m_s", "1"),
+              "pressure_kpa": ("Pa", "1000"), "magnetic_ut": ("T", "0.000001")}
+
+
+def corrected_messages(tables, overlay):
+    """All messages, by PGN; those of a PGN in the order in which they are tried."""
+    context = Row(tables=tables, overlay=overlay, formats={row.df: row for row in tables.formats},
+                  entries={row.dd: row for row in tables.dictionary},
+                  classes={row.dd: getattr(row, "class") for row in tables.disp_data_types},
+                  quantities={row.id: getattr(row, "class") for row in tables.availability},
+                  shown_units={getattr(row, "class"): row.units for row in tables.availability},
+                  rules={row.pgn: row for row in tables.pgn_rules}, sets=corrected_sets(tables, overlay),
+                  dd_texts={row.dd: row.texts[0] for row in overlay.dd_texts},
+                  factors=factors_by_rule(tables), units={row.id: row.unit for row in tables.units})
+    changes = {}
+    for row in overlay.changes:
+        changes.setdefault((row.pgn, row.variant), {}).setdefault(row.field, {})[row.column] = row.value
+    fields = {}
+    for row in overlay.fields:
+        fields.setdefault((row.pgn, row.variant), []).append(row)
+    messages = [overlaid_message(row, fields[row.pgn, row.variant], context) for row in overlay.messages]
+    written = {(row.pgn, row.variant) for row in overlay.messages}
+    overlaid = {row.pgn for row in overlay.messages}
+    for variant, rows in base_variants(tables).items():
+        key = variant.pgn, variant.selector
+        standard = not is_proprietary(variant.pgn)
+        if (variant.pgn, str(variant.selector)) in written or variant.selector is None and variant.pgn in overlaid:
+            continue
+        found = base_message(variant, rows, changes.get(key, {}), context)
+        if found is not None and (standard or found.match):
+            messages.append(found)
+    messages += unmatched(messages, tables)
+    messages.sort(key=lambda found: (found.pgn, found.rank))
+    return messages, context
+
+
+def is_proprietary(pgn):
+    return any(first <= pgn <= last for first, last in PROPRIETARY)
+
+
+def unmatched(messages, tables):
+    """What a standard PGN shows when no variant fits: its name, and bytes."""
+    names = {row.pgn: row.name for row in tables.pgn_rules if row.name}
+    conditional = {}
+    for found in messages:
+        conditional.setdefault(found.pgn, []).append(found)
+    return [Row(pgn=pgn, rank=(9,), variant="other", name=names.get(pgn, common_name(found)), priority=found[0].priority,
+                single=found[0].single, match=[], length=None, groups=[], fields=[])
+            for pgn, found in conditional.items()
+            if not is_proprietary(pgn) and all(each.match or each.length for each in found)]
+
+
+def common_name(messages):
+    name = messages[0].name
+    for other in messages[1:]:
+        while not other.name.startswith(name):
+            name = name[:-1]
+    return name.rstrip(" -:,(") or messages[0].name
+
+
+# ---- messages of the base ----
+
+class Variant(Row):
+    def __hash__(self):
+        return hash((self.pgn, self.key1, self.key2, self.key3))
+
+
+def base_variants(tables):
+    rows = {}
+    for row in tables.fields:
+        rows.setdefault((row.pgn, row.key1, row.key2, row.key3), []).append(row)
+    variants = {}
+    for row in tables.pgns:
+        key = row.pgn, row.key1, row.key2, row.key3
+        variants[Variant(pgn=row.pgn, key1=row.key1, key2=row.key2, key3=row.key3, selector=base_variant(row),
+                         row=row)] = sorted(rows.get(key, []), key=lambda field: field.field)
+    return variants
+
+
+def base_message(variant, rows, changes, context):
+    """None where nothing tells how its messages are known."""
+    fields, last = [], 0
+    for row in rows:
+        cells = changes.get(row.field, {})
+        if row.field == last or "remove" in cells:  # a field number that stands twice is another variant's
+            continue
+        last = row.field
+        fields.append(base_field(row, cells, context))
+    found = base_match(variant, fields)
+    if found is None or not fields:
+        return None
+    match, rank = found
+    whole = changes.get(None, {})
+    groups = whole.get("groups", base_groups(variant, context.tables))
+    numbers = [field.number for field in fields]
+    groups = [(numbers.index(first), numbers.index(last), None if count is None else numbers.index(count))
+              for first, last, count in groups if first in numbers and last in numbers]
+    halves = (variant.key1 & 0xFFFF, variant.key2 >> 16)
+    selector = "".join(f"_{half}" for half in halves if half != NO_SELECTOR)
+    return Row(pgn=variant.pgn, rank=(rank,), variant=f"base{selector}", name=whole.get("name", variant.row.name),
+               priority=whole.get("priority", variant.row.priority),
+               single=whole.get("packet", variant.row.packet) == "single", match=match, length=None,
+               groups=groups, fields=fields)
+
+
+def base_groups(variant, tables):
+    for row in tables.repeat_sets:
+        if row.pgn == variant.pgn and row.selector in (255, variant.selector):
+            return [(row.first, row.last, None)]
+    return []
+
+
+def base_match(variant, fields):
+    """(conditions, rank): variants of one message number go before those of any."""
+    if variant.selector is None:
+        return [], 1
+    if not is_proprietary(variant.pgn):
+        return [(0, 8, variant.selector)], 1
+    group, message = variant.key2 & 0xFFFF, variant.key2 >> 16
+    match = [(*HEADER[0], variant.selector)]
+    if group != NO_SELECTOR:
+        match.append((*HEADER[1], group))
+    if variant.key3 >> 16 != NO_SELECTOR or variant.key3 & 0xFFFF != NO_SELECTOR:
+        return None  # the place of a third selector is not known
+    if message == NO_SELECTOR:
+        return match, 3
+    header_bits = 16
+    if len(fields) < 4 or not fields[3].bits or message >> fields[3].bits:
+        return None
+    return [*match, (header_bits, fields[3].bits, message)], 2
+
+
+def base_field(row, cells, context):
+    """A row of the base with the cells that the corrections change."""
+    tables, entry = context.tables, context.entries[row.dd]
+    bits = cells["size"] if "size" in cells else field_bits(row, entry, pressure_only(context.rules.get(row.pgn)),
+                                                            context.formats)
+    options = cells.get("options", {})
+    field = Row(number=row.field, label=cells.get("label", shown_label(tables, row)), bits=bits or 0, dd=row.dd,
+                options=options, texts=cells.get("texts") or base_texts(row, context), unit_note="")
+    form = special_row(tables, row.pgn, row.field, row.dd, "form")
+    if {"coding", "resolution", "offset", "unit"} & set(cells):
+        coding = cells.get("coding") or coding_of(entry.df, context)
+        given = Row(place=row.place, coding=coding, size=bits or None, resolution=cells.get("resolution"),
+                    offset=cells.get("offset"), unit=cells.get("unit"), options=options)
+        set_reading(field, given, context)
+    else:
+        set_base_reading(field, row, entry.df, context)
+    if form == "pgn_name":
+        field.form = form
+    field.place = row.place
+    return field
+
+
+def pressure_only(rule):
+    """A size that goes for all fields of a PGN is what the corrections replace."""
+    return None if rule is None else Row(size=(0, 0), pressure=rule.pressure)
+
+
+def base_texts(row, context):
+    if row.dd in context.dd_texts:
+        return context.dd_texts[row.dd], None
+    return (row.dd, None) if row.dd in context.sets else None
+
+
+def coding_of(df, context):
+    """How a base format counts, where a correction gives it a unit or a resolution."""
+    kind = conversion_owner(context.formats[df], context.formats).kind
+    return "i" if kind and kind[0] == "i" else "u"
+
+
+def set_base_reading(field, row, df, context):
+    """The reading of a base format; numbers with a resolution are counted exactly."""
+    form = conversion_owner(context.formats[df], context.formats)
+    kind, name = form.rule
+    rule = context.rules.get(row.pgn)
+    field.quantity = quantity(context.tables, row, context.classes, rule)
+    field.form, field.special_text = "plain", None
+    field.reading = ("df", df)
+    width = int(form.kind[1:]) if form.kind else 0
+    signed = bool(form.kind) and form.kind[0] == "i"
+    none = set_of_codes(field.options, field.bits, signed)
+    if df in (SHORT_TEXT, MEDIUM_TEXT):
+        field.reading = ("text_sent", 2 if df == SHORT_TEXT else 3)
+    elif df == FIXED_TEXT:
+        field.reading = ("text_padded",)
+    elif df == HEX_DUMP:
+        field.reading, field.bits = ("bytes",), 0 if field.bits >= 8 * 256 else field.bits
+    elif kind == "special" and name in BIT_FIELDS and (field.bits > 64 or field.bits == 0):
+        field.reading = ("bytes",)
+    elif kind == "special" and name in BIT_FIELDS:
+        field.reading = whole(field.bits, False, none if "none" in field.options else ((), None))
+    elif name in ("convert_latitude_32", "convert_longitude_32"):
+        field.reading = measured(32, True, Fraction(1, 10**7), 0, name.removeprefix("convert_"), none)
+    elif kind == "integer" and field.bits == width:
+        field.reading = whole(width, signed, none)
+    elif kind in ("scaled", "listed", "any") and field.bits == width:
+        scale = Fraction(form.scale.removesuffix("f"))
+        if kind == "scaled":
+            counted, times = COUNTED_IN.get(name.removeprefix("unit_rule_"), (None, "1"))
+            rule_name = name.removeprefix("unit_rule_")
+            if rule_name == "mass_kg":
+                rule_name, counted = "mass", "kg"
+            rule_name = rebased(rule_name, counted, context) if counted else rule_name
+            field.reading = measured(width, signed, scale * Fraction(times), 0, rule_name, none)
+        else:
+            listed = "any" if kind == "any" else "listed_" + "_".join(str(unit.number) for unit in name)
+            field.reading = measured(width, signed, scale, 0, listed, none)
+    if field.texts is not None:
+        field.form = "texts"
+
+
+# ---- messages of the corrections ----
+
+def overlaid_message(row, rows, context):
+    fields = []
+    for each in rows:
+        field = Row(number=each.field, label=each.label, bits=each.size or 0, dd=None, options=each.options,
+                    texts=each.texts, unit_note="", place=each.place)
+        set_reading(field, each, context)
+        fields.append(field)
+    groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
+    return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, name=row.name,
+               priority=row.priority, single=row.packet == "single", match=row.match, length=row.length, groups=groups,
+               fields=fields)
+
+
+def set_reading(field, given, context):
+    """How the coding of a correction reads: given has coding, size, resolution, offset, unit and options."""
+    coding, bits = given.coding, given.size or 0
+    field.quantity, field.form = NO_CLASS, "plain"
+    if field.texts is not None:
+        field.form = "coded" if coding in ("u", "i", "duration") else "texts"
+    signed = coding == "i"
+    none = set_of_codes(given.options, bits, signed)
+    if coding in ("u", "i", "duration") and (given.unit or given.resolution or getattr(given, "offset", None)):
+        rule, times, field.quantity, field.unit_note = unit_rule(given, context)
+        resolution = Fraction(given.resolution or "1") * times
+        field.reading = measured(bits, signed, resolution, int(Fraction(getattr(given, "offset", None) or "0")), rule, none)
+    elif coding in ("u", "i", "duration", "field_index", "key_length"):
+        field.reading = whole(bits, signed, none)
+    elif coding in ("code", "flags", "key", "pgn", "name"):
+        field.reading = whole(bits, False, none if "none" in given.options else ((), None))
+        if coding == "pgn":
+            field.form = "pgn_name"
+    elif coding == "mmsi":
+        field.reading, field.form = whole(bits, False, none), "mmsi"
+    elif coding == "float":
+        rule, times, field.quantity, field.unit_note = unit_rule(given, context)
+        field.reading = ("measured", f"f{bits}", *ratio(Fraction(given.resolution or "1") * times), 0, rule, (), None)
+    elif coding == "date":
+        field.reading, field.quantity = ("df", 41), context.quantities["date"]
+    elif coding == "time":
+        field.reading, field.quantity = ("df", 6), context.quantities["time_of_day"]
+    elif coding == "decimal":
+        field.reading = ("decimal",)
+    elif coding == "text":
+        field.reading = ("text_padded",)
+    elif coding == "text_lau":
+        field.reading = ("text_sent", 2, "ais" in given.options)
+    elif coding == "text_lz":
+        field.reading = ("text_counted",)
+    elif coding in ("reserved", "spare", "bytes") and 0 < bits <= 64 and (bits < 8 or coding != "bytes"):
+        field.reading = whole(bits, False, ((), None))
+    else:
+        field.reading = ("bytes",)
+    if coding in ("field_value", "key_value", "key", "field_index"):
+        field.role = coding
+
+
+def whole(bits, signed, none):
+    return ("whole", f"{'i' if signed else 'u'}{bits}", 1, 1, 0, "every", *none)
+
+
+def measured(bits, signed, resolution, offset, rule, none):
+    return ("measured", f"{'i' if signed else 'u'}{bits}", *ratio(resolution), offset, rule, *none)
+
+
+def ratio(resolution):
+    """Numerator and denominator; a fraction that double precision does not hold is one number."""
+    if resolution.numerator < EXACT and resolution.denominator < 10**22:
+        return resolution.numerator, resolution.denominator
+    return float(resolution), 1
+
+
+def set_of_codes(options, bits, signed):
+    """(codes that are no value, lowest of the highest codes that are none): what a number of so many bits reserves.
+
+    Of a byte and more the three highest codes say not available, out of range and reserved; of less, the highest."""
+    if "none" in options:
+        codes = tuple(sign_extended(code, bits, signed) for code in
+                      (options["none"], options.get("error")) if code is not None)
+        return codes, None
+    if bits < 2 or bits > 63 and not signed:
+        return ((-1,) if bits > 63 else ()), None
+    top = (1 << (bits - signed)) - 1
+    return (), top - 2 if bits >= 8 else top
+
+
+def sign_extended(code, bits, signed):
+    return code - (1 << bits) if signed and code >> (bits - 1) else code
+
+
+def unit_rule(given, context):
+    """(rule, factor to its unit, quantity, unit to be named in the label)."""
+    if given.unit is None:
+        return "every", 1, NO_CLASS, ""
+    name, quantity = given.unit
+    if name in UNITLESS:
+        return "every", 1, NO_CLASS, ""
+    if quantity in ("latitude", "longitude", "latitude_30"):
+        return ("longitude_32" if quantity == "longitude" else "latitude_32"), 1, context.quantities[quantity], ""
+    if name not in UNITS or quantity == "no_quantity":
+        return "every", 1, NO_CLASS, f" ({name})"
+    rule, unit, usual = UNITS[name]
+    quantity = quantity or usual
+    found = rule if unit is None else rebased(rule, unit, context) if rule else shown_as_is(unit, context)
+    check_served(given, found, context.quantities[quantity], context)
+    return found, 1, context.quantities[quantity], ""
+
+
+def check_served(given, rule, quantity, context):
+    if rule in ("temperature_k", "every"):
+        return
+    for unit in context.shown_units[quantity]:
+        if unit.number not in context.factors[rule] and not unit.id.startswith(("clock", "bft")):
+            raise ValueError(f"{given.place}: {given.unit[0]} cannot be shown in {unit}")
+
+
+# ---- units ----
+
+def factors_by_rule(tables):
+    """What one base unit of a rule is in each unit."""
+    factors = {}
+    for row in tables.unit_factors:
+        factors.setdefault(row.rule, {})[row.unit.number] = Fraction(row.factor.removesuffix("f"))
+    mass = dict(factors["mass_kg"])
+    mass[next(row.unit for row in tables.units if row.id == "kg")] = Fraction(1)
+    factors["mass"] = mass
+    factors["every"] = {row.unit: Fraction(1) for row in tables.units}
+    factors["any"] = {row.unit: Fraction(1) for row in tables.units if row.id not in ("raw_count", "raw_bits")}
+    return factors
+
+
+def rebased(rule, unit, context):
+    """The rule whose base is this unit: what is shown in it is not multiplied at all."""
+    name = f"{rule}_from_{unit}"
+    if name not in context.factors:
+        own = context.factors[rule][context.units[unit]]
+        context.factors[name] = {other: factor / own for other, factor in context.factors[rule].items()}
+        context.factors[name][context.units["raw_count"]] = Fraction(1)
+    return name
+
+
+def shown_as_is(unit, context):
+    name = f"only_{unit}"
+    context.factors[name] = {context.units[unit]: Fraction(1), context.units["raw_count"]: Fraction(1)}
+    return name
+
+
+# ---- texts ----
+
+def corrected_sets(tables, overlay):
+    """All sets by dictionary number or name, without guesses."""
+    changes = {}
+    for row in overlay.set_changes:
+        changes.setdefault(row.dd, {})[row.value] = row
+    sets = {}
+    for found in tables.sets:
+        if not found.stored_order:
+            sets[found.dd] = corrected_set(found, changes.get(found.dd, {}))
+    for found in overlay.sets:
+        entries = [Row(value=entry.value, text=entry.text, source=entry.source) for entry in found.entries]
+        kind = FLAGS if found.kind == "flags" else NUMBER
+        sets[found.name] = Row(name=found.name, kind=kind, entries=filled(entries) if kind == FLAGS else entries,
+                               rows=found.entries if found.kind == "fieldtypes" else None)
+    return sets
+
+
+def corrected_set(found, changes):
+    if found.kind == FLAGS:
+        return corrected_flags(found, changes)
+    entries = {entry.value: Row(value=entry.value, text=entry.text, source="base", guess=entry.guess)
+               for entry in found.entries}
+    entries = {value: entry for value, entry in entries.items() if not entry.guess}
+    for value, row in changes.items():
+        entries.pop(value, None)
+        if row.text is not None:
+            entries[value] = Row(value=value, text=row.text, source=row.source, guess=False)
+    if found.kind == BELOW:
+        entries = with_ranges(entries)
+    kind = {BELOW: RESERVED_TOO, RESERVED: RESERVED_TOO, UNKNOWN: UNKNOWN_TOO}.get(found.kind, found.kind)
+    if kind == RESERVED_TOO:
+        entries = {value: entry for value, entry in entries.items() if not entry.text.lower().startswith("reserved")}
+    return Row(name=str(found.dd), kind=kind, entries=[entries[value] for value in sorted(entries)], rows=None)
+
+
+def corrected_flags(found, changes):
+    """Values of flags are what their bits count; where they are not, entries stand for bits in their order."""
+    values = [entry.value for entry in found.entries]
+    counted = all(value.bit_count() == 1 for value in values)
+    texts = {}
+    for place, entry in enumerate(found.entries):
+        row = changes.get(entry.value)
+        text = row.text if row else None if entry.guess else entry.text
+        if text is not None:
+            bit = entry.value.bit_length() - 1 if counted else place
+            texts[bit] = Row(value=bit, text=text, source=row.source if row else "base")
+    for value, row in changes.items():
+        if value not in values and row.text is not None:
+            bit = value.bit_length() - 1
+            texts[bit] = Row(value=bit, text=row.text, source=row.source)
+    return Row(name=str(found.dd), kind=FLAGS, entries=filled(list(texts.values())), rows=None)
+
+
+def with_ranges(entries):
+    """A text stands for all codes up to the next one; the last one of codes of a byte."""
+    values = sorted(entries)
+    ends = [*values[1:], max(values[-1], LAST_OF_BYTE) + 1] if values else []
+    return {code: Row(**{**vars(entries[value]), "value": code})
+            for value, end in zip(values, ends) for code in range(value, min(end, value + MOST_OF_RANGE))}
+
+
+def filled(entries):
+    """A text for each bit up to the highest that has one."""
+    texts = {entry.value: entry for entry in entries}
+    return [texts.get(bit, Row(value=bit, text=f"Bit {bit}", source="ours"))
+            for bit in range(max(texts, default=-1) + 1)]
+
+

@@ -1,0 +1,318 @@
+"""The corrected definitions as rows of the generated tables. They stand behind those of the base: field rows behind its
+closing row, formats behind its formats, sets of texts behind its sets."""
+
+from types import SimpleNamespace as Row
+
+from corrected import NO_CODE, corrected_messages, is_proprietary
+from overlay import HEADER, PROPRIETARY
+from plans import (END_ROW, FORMED_QUANTITIES, NO_SET, field_plan_line, field_texts, pgn_plan_line, plan_set)
+from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY
+
+KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
+WIDEST_SINGLE = 24  # bits of a number that single precision keeps
+NO_CODES = "INT64_MIN"
+MAKERS, INDUSTRIES = "manufacturer_code", "industry_group"
+QUICK_BITS = 57  # a number of fewer bits lies in eight bytes, wherever it starts
+READINGS = {"whole": "whole", "measured": "measured"}
+
+
+def plan_corrected(tables, overlay, plans):
+    messages, context = corrected_messages(tables, overlay)
+    messages += makers_messages(context)
+    out = Row(context=context, plans=plans, tables=tables, measures=[], formats={}, extras=["{},"], sets={},
+              field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
+              first_row=len(plans.fields) + 1, key_rows={},
+              dictionary={row.dd: i for i, row in enumerate(tables.dictionary)},
+              format_index={row.df: i for i, row in enumerate(tables.formats)})
+    plans.format_lines = []
+    for name in sorted({str(each) for each in sets_of(messages)}):
+        add_set(out, int(name) if name.isdigit() else name)
+    for name, found in context.sets.items():
+        if found.rows is not None and name in out.sets:
+            add_key_rows(out, name, found)
+    for found in messages:
+        add_message(out, found)
+    for found in out.context.factors:
+        if found not in plans.rules:
+            plans.rules[found] = {unit: literal(factor) for unit, factor in out.context.factors[found].items()}
+    list_variants(out, messages)
+    return out
+
+
+def literal(factor):
+    text = repr(float(factor))
+    return text + ("f" if "." in text or "e" in text else ".0f")
+
+
+def sets_of(messages):
+    return [field.texts[0] for found in messages for field in found.fields if field.texts is not None]
+
+
+def makers_messages(context):
+    """For each maker what is shown of a message that no definition is known of, and one for makers unknown."""
+    entries = context.sets[MAKERS].entries
+    names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, name=name, priority=7, single=False, match=[], length=None,
+                groups=[], fields=header_fields()) for code, name in [*names, (None, "Unknown maker, proprietary")]]
+
+
+def header_fields():
+    def field(number, label, bits, texts):
+        return Row(number=number, label=label, bits=bits, dd=None, options={}, texts=texts, unit_note="",
+                   place="", quantity=NO_CLASS, form="texts" if texts else "plain",
+                   reading=("whole", f"u{bits}", 1, 1, 0, "every", (), None))
+    return [field(1, "Manufacturer Code", 11, (MAKERS, None)), field(2, "Reserved", 2, None),
+            field(3, "Industry Code", 3, (INDUSTRIES, None))]
+
+
+# ---- sets ----
+
+def add_set(out, name):
+    found = out.context.sets[name]
+    out.sets[name] = len(out.plans.sets)
+    found.dd = name if isinstance(name, int) else 0
+    found.stored_order = False
+    out.plans.sets.append(found)
+    plan_set(out.plans, found)
+    if found.rows is not None:
+        for entry in found.rows:
+            if entry.texts is not None and entry.texts[0] not in out.sets:
+                add_set(out, entry.texts[0])
+
+
+# ---- messages ----
+
+def add_message(out, found):
+    first = out.first_row + len(out.field_lines)
+    makers_own = found.pgn == 0
+    shared = makers_own and bool(out.makers)
+    if not shared:
+        for i in range(len(found.fields)):
+            add_field(out, found, i, first)
+    else:
+        first = out.makers[0][1]
+    row = len(out.tables.pgns) + 1 + len(out.pgn_rows)  # behind the closing row
+    if makers_own:
+        out.makers.append((found.maker, first, row))
+    addressed = (found.pgn >> 8) & 0xFF < 240 or 130816 <= found.pgn <= 131071
+    name = found.name.replace("\\", "\\\\").replace('"', '\\"')
+    out.pgn_rows.append(f'{{{found.pgn}, {KEYS}, "{name}", {int(addressed)}, 0, {found.priority}, {int(found.single)}}},')
+    out.pgn_lines.append(pgn_plan_line(out.plans, found.pgn, found.name, first if found.fields else END_ROW,
+                                       "covering", 0, len(found.fields)))
+    found.row = row
+    found.first = first
+
+
+def add_field(out, message, i, first):
+    field = message.fields[i]
+    number = out.first_row + len(out.field_lines)
+    group = next(((a, b, count) for a, b, count in message.groups if a <= i <= b), None)
+    extra = extra_of(out, message, i, group, first)
+    flags = {
+        "in_group": group is not None,
+        "first_of_group": group is not None and i == group[0],
+        "last_of_group": group is not None and i == group[1],
+        "numbered": group is not None,
+        "linked": extra != 0,
+    }
+    again = first + group[0] if flags["last_of_group"] else END_ROW
+    add_row(out, message.pgn, message.variant, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
+            extra, flags)
+
+
+def add_row(out, pgn, variant, field, next_row, again, extra, flags):
+    label = field.label.removeprefix("First ") + field.unit_note
+    enumeration = out.sets[field.texts[0]] if field.texts is not None else NO_SET
+    form = form_of(out, field)
+    is_text, quick = is_text_reading(field.reading), is_quick(field)
+    flags = flags | {
+        "quoted": flags.get("numbered", False) and any(c in label for c in '",'),
+        "text": is_text,
+        "whole_bytes": field.bits % 8 == 0,
+        "quick": quick,
+        "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
+    }
+    texts = field_texts(out.plans, field.number, label, flags.get("numbered", False))
+    out.field_lines.append(field_plan_line(
+        texts, 7 if field.bits % 8 == 0 else 0, next_row, again, field.bits, field.number, format_index(out, field),
+        enumeration, extra, field.quantity, form, (0, 0), flags))
+    whole, part = (field.bits // 8, 0) if field.bits % 8 == 0 else (0, field.bits)
+    entry = f"&dictionary[{out.dictionary[field.dd]}]" if field.dd is not None else "&no_entry_of_dictionary"
+    quoted = label.replace("\\", "\\\\").replace('"', '\\"')
+    out.field_rows.append(f'{{{pgn}, {field.number}, "{quoted}", {whole}, {part}, {entry}, {KEYS}, 0}},')
+
+
+def form_of(out, field):
+    if field.form != "texts":
+        return field.form
+    return "flags" if out.context.sets[field.texts[0]].kind == 3 else "enumeration"
+
+
+def is_text_reading(reading):
+    return reading[0] in ("text_sent", "text_padded", "text_counted", "bytes", "decimal") or reading == ("df", 3002)
+
+
+def is_quick(field):
+    if field.reading[0] not in READINGS or field.reading[1][0] == "f" or field.quantity > NO_CLASS:
+        return False
+    return 0 < field.bits <= 64 and (field.bits <= QUICK_BITS or field.bits % 8 == 0)
+
+
+def format_index(out, field):
+    reading = field.reading
+    if reading[0] == "df":
+        return out.format_index[reading[1]]
+    if reading not in out.formats:
+        out.formats[reading] = len(out.tables.formats) + len(out.formats)
+        out.plans.format_lines.append(format_line(out, reading))
+    return out.formats[reading]
+
+
+def format_line(out, reading):
+    """A format of the corrections has no number: 65535 ends the lists."""
+    if reading[0] in READINGS:
+        name, kind, times, over, offset, rule, codes, first_reserved = reading
+        width, signed = int(kind[1:]), kind[0] == "i"
+        codes = [*codes, *[NO_CODES] * (2 - len(codes))]
+        measure = f"{{{exact(times)}, {exact(over)}, {offset}, {{{', '.join(map(str, codes))}}}}},"
+        if measure not in out.measures:
+            out.measures.append(measure)
+        read_as = "measured_float" if kind[0] == "f" else name
+        limit = first_reserved if first_reserved is not None else "INT64_MAX"
+        return (f"{{65535, Reading::{read_as}, {width}, {int(signed)}, UnitRule::{rule}, 0.0f, {limit}, 0, "
+                f"{out.measures.index(measure)}}},")
+    header, ends_at_sign = (*reading[1:], 0, 0)[:2]
+    return f"{{65535, Reading::{reading[0]}, {header}, {int(ends_at_sign)}, UnitRule::any, 0.0f, 0, 0, 0}},"
+
+
+def exact(number):
+    text = repr(float(number))
+    return text if "." in text or "e" in text else f"{text}.0"
+
+
+# ---- what a field depends on ----
+
+def extra_of(out, message, i, group, first):
+    """Index of what is known of a field beside its plan; 0 for nothing."""
+    field, parts = message.fields[i], {}
+    options = field.options
+    if group is not None and i == group[0] and group[2] is not None:
+        parts["count"] = link(message, i, group[2])
+        parts["behind"] = str(first + group[1] + 1 if group[1] + 1 < len(message.fields) else END_ROW)
+    if field.texts is not None and field.texts[1] is not None:
+        parts["high"] = link(message, i, index_of(message, field.texts[1]))
+    if "reference" in options:
+        parts["reference"] = link(message, i, index_of(message, options["reference"]))
+        parts["direction"] = "Direction::by_reference"
+        relative = options.get("relative")
+        if relative:
+            parts["relative_first"], parts["relative_last"] = map(str, relative)
+    elif field.quantity == out.context.quantities["direction"]:
+        parts["direction"] = "Direction::true_north"
+    if "bits_from" in options:
+        parts["size"] = link(message, i, index_of(message, options["bits_from"]))
+        parts["size_unit"] = "1"
+    if "bytes_from" in options:
+        source, less = options["bytes_from"]
+        parts["size"] = link(message, i, index_of(message, source))
+        parts["size_unit"] = "8"
+        parts["less"] = str(less)
+    role = getattr(field, "role", None)
+    if role == "key_value":
+        key = max(j for j in range(i) if getattr(message.fields[j], "role", None) == "key")
+        name = message.fields[key].texts[0]
+        parts["key"], parts["key_set"] = link(message, i, key), str(out.sets[name])
+        parts["key_rows"] = str(out.key_rows[name])
+    if role == "field_value":
+        about = next(j for j in range(i) if message.fields[j].form == "pgn_name")
+        index = max(j for j in range(i) if getattr(message.fields[j], "role", None) == "field_index")
+        parts["index"], parts["about"] = link(message, i, index), link(message, i, about)
+        maker = next((j for j in range(i) if message.fields[j].texts == (MAKERS, None)), None)
+        if maker is not None:
+            parts["maker"] = link(message, i, maker)
+    if not parts:
+        return 0
+    return add_extra(out, parts)
+
+
+EXTRA_MEMBERS = ("count", "high", "reference", "size", "key", "index", "about", "maker", "behind", "key_set", "key_rows",
+                 "direction", "relative_first", "relative_last", "size_unit", "less")
+
+
+def add_extra(out, parts):
+    line = "{" + ", ".join(f".{name} = {parts[name]}" for name in EXTRA_MEMBERS if name in parts) + "},"
+    if line not in out.extras:
+        out.extras.append(line)
+    return out.extras.index(line)
+
+
+def index_of(message, number):
+    return next(i for i, field in enumerate(message.fields) if field.number == number)
+
+
+def link(message, i, target):
+    """Where the field stands that field i depends on: from the start of the payload, or from field i."""
+    start = start_of(message, target)
+    bits = message.fields[target].bits
+    if start is not None:
+        return f"{{{start}, {bits}, 1}}"
+    low, high = sorted((i, target))
+    between = message.fields[low:high]
+    group = [next((g for g in message.groups if g[0] <= j <= g[1]), None) for j in (low, high)]
+    if group[0] != group[1] and not (group[0] is None and high == group[1][0]) or not all(f.bits for f in between):
+        raise ValueError(f"{message.fields[i].place}: nothing tells where field {message.fields[target].number} stands")
+    distance = sum(field.bits for field in between)
+    return f"{{{-distance if target < i else distance}, {bits}, 0}}"
+
+
+def start_of(message, target):
+    """In bits; None where the message tells."""
+    before = message.fields[:target]
+    first_group = min((a for a, _, _ in message.groups), default=len(message.fields))
+    return sum(field.bits for field in before) if target < first_group and all(f.bits for f in before) else None
+
+
+def add_key_rows(out, name, found):
+    """A row for each entry of a set of keys: its value is read by it."""
+    from corrected import set_reading
+    out.key_rows[name] = out.first_row + len(out.field_lines)
+    for entry in found.rows:
+        field = Row(number=entry.value & 0xFFFF, label=entry.text, bits=entry.size or 0, dd=None, options={},
+                    texts=entry.texts, unit_note="", place=entry.place)
+        given = Row(place=entry.place, coding=entry.coding, size=entry.size, resolution=entry.resolution,
+                    unit=entry.unit, options={})
+        set_reading(field, given, out.context)
+        extra = 0
+        if field.quantity == out.context.quantities["direction"]:
+            extra = add_extra(out, {"direction": "Direction::true_north"})
+        add_row(out, 0, f"key {name}", field, END_ROW, END_ROW, extra, {})
+
+
+# ---- finding the message ----
+
+def list_variants(out, messages):
+    parts = []
+    lists = {}
+    for found in messages:
+        if found.pgn:
+            lists.setdefault(found.pgn, []).append(found)
+    out.variant_lines, out.list_lines = [], []
+    for pgn, variants in sorted(lists.items()):
+        out.list_lines.append(f"{{{pgn}, {len(out.variant_lines)}, {len(variants)}}},")
+        for found in variants:
+            mask = value = 0
+            first_part = len(parts)
+            for bit, width, wanted in found.match:
+                if bit + width <= 64:
+                    mask |= ((1 << width) - 1) << bit
+                    value |= wanted << bit
+                else:
+                    parts.append(f"{{{bit}, {width}, {wanted}u}},")
+            least, most = found.length or (0, MAX_PAYLOAD)
+            least = max([least] + [(bit + width + 7) // 8 for bit, width, _ in found.match])
+            out.variant_lines.append(f"{{0x{mask:X}u, 0x{value:X}u, {least}, {most}, {first_part}, "
+                                     f"{len(parts) - first_part}, {found.row}}},")
+    out.part_lines = parts or ["{0, 1, 2},"]
+    out.maker_lines = [f"{{{maker}, {row}}}," for maker, _, row in out.makers if maker is not None]
+    out.unknown_maker = next(row for maker, _, row in out.makers if maker is None)
+    out.ranges = [f"{{{first}, {last}}}," for first, last in PROPRIETARY]
