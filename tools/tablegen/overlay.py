@@ -26,12 +26,13 @@ BY_MESSAGE = ("text_lau", "field_value", "key_value")  # the message tells the s
 OPEN = (*BY_MESSAGE, "text_lz", "bytes", "reserved", "spare")  # these may go without a size
 CODINGS = (*ONE_NUMBER, *SIZES, *OPEN, "text", "decimal")
 KEY_CODINGS = tuple(coding for coding in CODINGS if not coding.startswith(("key", "field_")))
-SET_KINDS = {"values": "code", "flags": "flags", "fieldtypes": "key"}  # which coding shows a set of the kind
+SET_KINDS = {"values": ("code", "u", "i", "duration"), "flags": ("flags",), "fieldtypes": ("key",)}  # what shows a set
 OPTION_CODINGS = {
     **dict.fromkeys(("none", "error"), ("u", "i", "code", "duration", "date", "time", "mmsi", "decimal", "pgn", "key",
                                         "field_index")),
     **dict.fromkeys(("reference", "true", "relative"), ("u", "i", "float")),
-    "bits_from": ("bytes",), "bytes_from": ("bytes", "text", "key_value", "field_value"), "key": CODINGS}
+    "ais": ("text_lau",), "bits_from": ("bytes",), "bytes_from": ("bytes", "text", "key_value", "field_value"),
+    "key": CODINGS}
 
 
 # Cell parsers, as in tables.py.
@@ -128,7 +129,7 @@ def option(cell):
                "reference": FIELD, "relative": code_range, "bits_from": FIELD, "bytes_from": source_of_bytes}
     if name in parsers and equals:
         return name, parsers[name](value)
-    if cell in ("true", "key"):
+    if cell in ("true", "ais", "key"):
         return cell, True
     raise ValueError(f"'{cell}' is no option")
 
@@ -314,10 +315,10 @@ def check_layout(message, rows, report):
             report.add(row.place, f"a field without a size begins {odd} bits into a byte")
         odd = 0 if row.size is None else (odd + row.size) % 8
         start = None if start is None or row.size is None else start + row.size
-    if odd:
+    if odd and not shares_bytes(rows, message.groups):
         report.add(rows[-1].place, f"the message ends {odd} bits into a byte")
     for bit, width, _ in message.match:
-        if (bit, width) not in starts:
+        if not any(first <= bit and bit + width <= first + (size or 0) for first, size in starts):
             report.add(message.place, f"no field has the {width} bits from bit {bit}")
     least, most = message.length or (0, MAX_PAYLOAD)
     if least == most and start is not None and not message.groups and start != least * 8:
@@ -337,8 +338,13 @@ def check_groups(message, rows, report):
             report.add(message.place, f"field {count} is no number in front of the group")
         if count is None and last != len(rows):
             report.add(message.place, f"fields behind {last} are never reached")
-        if sum(row.size or 0 for row in rows[first - 1:last]) % 8:
+        if sum(row.size or 0 for row in rows[first - 1:last]) % 8 and not shares_bytes(rows, message.groups):
             report.add(message.place, f"a repetition of fields {first} to {last} ends inside a byte")
+
+
+def shares_bytes(rows, groups):
+    """A single field at the end whose repetitions fill bytes together: what is left of the last byte is padding."""
+    return bool(groups) and groups[-1][:2] == (len(rows), len(rows)) and 8 % (rows[-1].size or 8) == 0
 
 
 def check_reading(row, known, report):
@@ -391,7 +397,7 @@ def check_texts(place, found, coding, known, report):
         report.add(place, f"unknown set {'dd ' if isinstance(name, int) else ''}{name}")
     elif coding is not None:
         kind = chosen.kind if isinstance(name, str) else "flags" if chosen.kind == 3 else "values"
-        if coding != SET_KINDS[kind]:
+        if coding not in SET_KINDS[kind]:
             report.add(place, f"a set of {kind} has no effect with {coding}")
 
 
@@ -450,6 +456,7 @@ def check_use_of_sets(overlay, report):
 
 def check_set_changes(tables, overlay, known, report):
     check_keys(overlay.set_changes, ("dd", "value"), report)
+    check_reasons(overlay.set_changes, ("dd",), "set", report)
     check_keys(overlay.dd_texts, ("dd",), report)
     for row in overlay.set_changes:
         found = known.enums.get(row.dd)
@@ -480,7 +487,7 @@ def check_keys(rows, columns, report):
 
 def check_changes(tables, overlay, known, report):
     check_keys(overlay.changes, ("pgn", "variant", "field", "column"), report)
-    check_reasons(overlay.changes, report)
+    check_reasons(overlay.changes, ("pgn", "variant", "field"), "field", report)
     fields = {}
     for row in tables.fields:
         fields.setdefault((row.pgn, base_variant(row)), set()).add(row.field)
@@ -506,11 +513,11 @@ def base_variant(row):
     return None if row.key1 == NO_KEY else row.key1 & 0xFFFF
 
 
-def check_reasons(rows, report):
+def check_reasons(rows, columns, what, report):
     for before, row in zip([None, *rows], rows):
-        same = before and (before.pgn, before.variant, before.field) == (row.pgn, row.variant, row.field)
+        same = before and all(getattr(before, column) == getattr(row, column) for column in columns)
         if row.reason == '"' and not same:
-            report.add(row.place, "the row before is of another field, so it has no reason for this one")
+            report.add(row.place, f"the row before is of another {what}, so it has no reason for this one")
 
 
 def check_changed_value(row, fields, known, report):
