@@ -13,6 +13,7 @@ from tables import (COLUMNS, DD, DECIMAL, FIELD, MAX_ENTRY, MAX_LABEL, MAX_NAME,
 FOLDER = "corrections"
 HEADER = (0, 11), (13, 3)  # start and width of manufacturer code and industry group
 PROPRIETARY = ((61184, 61184), (65280, 65535), (126720, 126720), (130816, 131071))
+WITHOUT_HEADER = (65350,)  # one maker's message, known by what it has at its end
 MAX_REASON = 500
 MOST_BITS = 64  # of a field that is read as one number
 UNITS = frozenset(("% 1 1/s A Ah C Hz K L L/h N Nm Pa Pa/h T V VA VAR W cos(phi) d dB deg deg/s kWh kg km/h m m/m m/s"
@@ -257,7 +258,7 @@ def check_messages(overlay, report):
         if row.variant in (other.variant for other in before):
             report.add(row.place, f"variant {row.variant} of pgn {row.pgn} stands twice")
         proprietary = any(first <= row.pgn <= last for first, last in PROPRIETARY)
-        if proprietary and row.match and tuple(part[:2] for part in row.match[:2]) != HEADER:
+        if proprietary and row.pgn not in WITHOUT_HEADER and tuple(part[:2] for part in row.match[:2]) != HEADER:
             report.add(row.place, "match does not begin with manufacturer code and industry group")
         hiding = next((other for other in before if hides(other, row)), None)
         if hiding:

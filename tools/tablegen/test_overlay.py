@@ -57,6 +57,8 @@ BAD_ROWS = (
     ("messages.tsv", 2, f"130816 ping Ping {HEAD};20:6=1 - fast 7 - canboat", "no field has the 6 bits from bit 20"),
     ("messages.tsv", 2, "130816 ping Ping 16:8=1 - fast 7 - canboat",
      "match does not begin with manufacturer code and industry group"),
+    ("messages.tsv", 3, "130816 keys Keys - - fast 7 9..9*8 canboat",
+     "match does not begin with manufacturer code and industry group"),
     ("messages.tsv", 4, "131100 long Long - 9..10 transport 6 - canboat",
      "length '9..10' is neither - nor N nor N.. nor ..N"),
     ("messages.tsv", 4, "131100 long Long - - transport 6 - canboat",
