@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "commands/unit_options.h"
+#include "pgn_vistel/core/catalogue.h"
 
 namespace vistel {
 
@@ -24,6 +25,7 @@ struct DecodeOptions {
     std::vector<std::uint32_t> pgns;     ///< empty for all
     std::vector<std::uint32_t> sources;  ///< empty for all
     UnitOptions units;
+    pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
     bool plain_numbers = false;  ///< without hexadecimal forms
     bool statistics = false;
 };

@@ -67,6 +67,10 @@ enum class Reading : std::uint8_t {
     decimal,       ///< two digits a byte
 };
 
+constexpr bool is_text(Reading reading) {
+    return reading >= Reading::text_sent || (reading >= Reading::text_short && reading <= Reading::hex_dump);
+}
+
 /// Rows of the factors, and the rules that have code of their own.
 enum class UnitRule : std::uint8_t {
 #include "unit_rule_names.inc"

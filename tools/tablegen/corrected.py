@@ -70,6 +70,9 @@ def corrected_messages(tables, overlay):
         found = base_message(variant, rows, changes.get(key, {}), context)
         if found is not None and (standard or found.match):
             messages.append(found)
+    for field in [each for found in messages for each in found.fields]:
+        if field.texts is not None and not context.sets[field.texts[0]].entries:
+            field.texts, field.form = None, "plain"
     messages += unmatched(messages, tables)
     messages.sort(key=lambda found: (found.pgn, found.rank))
     return messages, context

@@ -13,13 +13,14 @@ WIDEST_SINGLE = 24  # bits of a number that single precision keeps
 NO_CODES = "INT64_MIN"
 MAKERS, INDUSTRIES = "manufacturer_code", "industry_group"
 QUICK_BITS = 57  # a number of fewer bits lies in eight bytes, wherever it starts
+NO_MEASURE = "{1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
 READINGS = {"whole": "whole", "measured": "measured"}
 
 
 def plan_corrected(tables, overlay, plans):
     messages, context = corrected_messages(tables, overlay)
     messages += makers_messages(context)
-    out = Row(context=context, plans=plans, tables=tables, measures=[], formats={}, extras=["{},"], sets={},
+    out = Row(context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
               field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
               first_row=len(plans.fields) + 1, key_rows={},
               dictionary={row.dd: i for i, row in enumerate(tables.dictionary)},

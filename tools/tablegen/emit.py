@@ -38,7 +38,7 @@ def fragments(tables, overlay):
         "fast_packet_ranges.inc": ("pgns.tsv", fast_packet_ranges(tables.pgns)),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
         "format_plans.inc": ("formats.tsv", [*format_lines(tables), *plans.format_lines]),
-        "measures.inc": ("corrections", ["{1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},", *corrected.measures]),
+        "measures.inc": ("corrections", corrected.measures),
         "variants.inc": ("corrections", corrected.variant_lines),
         "variant_parts.inc": ("corrections", corrected.part_lines),
         "variant_lists.inc": ("corrections", corrected.list_lines),
