@@ -105,6 +105,9 @@ enum FieldFlag : std::uint16_t {
     whole_bytes = 128,  ///< sized in bytes, or without a size
     quick = 256,        ///< a whole number, as wide as its format says, whose quantity is known
     plainly = 512,      ///< shown as the text of an enumeration or by its type
+    apart = 2048,  ///< a text, a date, a time or a count of seconds, to which JSON and CSV have a form of
+                   ///< their own
+    all_bits_none = 4096,  ///< has no value for programs where all of its bits are set
 };
 
 struct FieldPlan {
