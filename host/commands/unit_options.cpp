@@ -47,7 +47,9 @@ Status select_unit(UnitSelection& selection, std::string_view choice) {
         for (const QuantityRow& r : rows) labels.emplace_back(r.label);
         return failure("no quantity '", name, "'; there are: ", joined(labels));
     }
-    const auto units = offered_units(row->quantity);
+    auto units = offered_units(row->quantity);
+    const UnitId si = si_unit(row->quantity);
+    if (std::ranges::find(units, si) == units.end() && !unit_text(si).empty()) units.push_back(si);
     const UnitId found = find_unit(units, text);
     if (found < 0) {
         std::vector<std::string> names;
@@ -60,9 +62,9 @@ Status select_unit(UnitSelection& selection, std::string_view choice) {
 }
 
 Status select_units(UnitSelection& selection, std::string_view name) {
-    if (name != "default" && name != "metric")
-        return failure("no set of units '", name, "'; there are: default, metric");
-    for (DispDataType q = 0; q < quantity::count; ++q) selection.select(q, *available_units(q));
+    if (name != "default" && name != "metric" && name != "si")
+        return failure("no set of units '", name, "'; there are: default, metric, si");
+    selection = name == "si" ? UnitSelection::si() : UnitSelection();
     if (name == "metric")
         for (const Choice& c : metric) selection.select(c.quantity, c.unit);
     return done;

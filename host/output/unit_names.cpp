@@ -40,7 +40,8 @@ UnitId find_unit(const std::vector<UnitId>& units, std::string_view text) {
     const auto is_alike = [wanted = simplified(text)](UnitId u) {
         return !wanted.empty() && simplified(unit_text(u)) == wanted;
     };
-    const UnitId found = only(is_alike);
+    UnitId found = only(is_alike);
+    if (found < 0) found = only([text](UnitId u) { return !text.empty() && core::unit_ascii(u) == text; });
     return found >= 0 ? found : only([text](UnitId u) { return is_spelling_of(text, unit_text(u)); });
 }
 

@@ -15,7 +15,7 @@ std::string unit_text(pgn_vistel::core::UnitId unit);
 std::vector<pgn_vistel::core::UnitId> offered_units(pgn_vistel::core::DispDataType quantity);
 
 /// The unit with this text: letter for letter, else as the only one that it can mean without regard to case
-/// and degree signs, or in another spelling ("knots"). -1 for none.
+/// and degree signs, by its name in JSON, or in another spelling ("knots"). -1 for none.
 pgn_vistel::core::UnitId find_unit(const std::vector<pgn_vistel::core::UnitId>& units, std::string_view text);
 
 /// ASCII lower case without degree signs: what people type for a unit or a quantity.

@@ -27,6 +27,7 @@ struct Part {
 struct VariantList {
     std::uint32_t pgn;
     std::uint16_t first, count;
+    std::uint16_t title;  ///< row that has the name of all of them
 };
 
 struct MakerRow {
@@ -81,10 +82,15 @@ class ListIndex {
 constexpr ListIndex<0x0E800, 0x0FFFF> data_page_0;
 constexpr ListIndex<0x1ED00, 0x1FFFF> data_page_1;
 
-std::span<const Variant> variants_of(std::uint32_t pgn) {
+const VariantList* find_list(std::uint32_t pgn) {
     const std::uint16_t place = pgn >= 0x10000 ? data_page_1[pgn] : data_page_0[pgn];
-    if (place == no_list) return {};
-    return std::span(variants).subspan(lists[place].first, lists[place].count);
+    return place != no_list ? &lists[place] : nullptr;
+}
+
+std::span<const Variant> variants_of(std::uint32_t pgn) {
+    const VariantList* const list = find_list(pgn);
+    if (list == nullptr) return {};
+    return std::span(variants).subspan(list->first, list->count);
 }
 
 constexpr std::uint64_t header_mask = 0x7FF;  // of the manufacturer code, which comes first
@@ -114,6 +120,12 @@ const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker) {
     for (const Variant& variant : variants_of(pgn))
         if (!of_maker || maker_of(variant.value) == maker) return &plan_of(pgn_row(variant.row));
     return of_maker ? &plan_of(pgn_row(unknown_maker)) : nullptr;
+}
+
+const PgnDef* find_title(std::uint32_t pgn) {
+    if (is_proprietary(pgn)) return &pgn_row(any_maker);
+    const VariantList* const list = find_list(pgn);
+    return list != nullptr ? &pgn_row(list->title) : nullptr;
 }
 
 const PgnDef* find_definition(Definitions set, const N2KMsg& msg) {

@@ -45,6 +45,21 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
     return size > 0 ? write_string(at, std::string_view(area, size)) : write_text(at, "null");
 }
 
+char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
+    using Look = FieldParts::Look;
+    if (parts.available && parts.look == Look::text) return write_string(at, text_of(parts));
+    if (parts.available && parts.look != Look::number) {
+        if (char* const end = write_moment(at + 1, plan, parts); end != nullptr) {
+            *at = '"';
+            *end = '"';
+            return end + 1;
+        }
+    } else if (char* const end = write_number(at, parts); end != nullptr) {
+        return end;
+    }
+    return write_text(at, "null");
+}
+
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
                   int from) {
     at = copy_blocks(at, text_pool + plan.texts + plan.line_size, plan.json_size);
@@ -53,12 +68,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
         at = write_unsigned(at, static_cast<unsigned>(round));
         at = write_text(at, R"(","value":)");
     }
-    if (parts.is_text)
-        at = write_string(at, text_of(parts));
-    else if (char* const end = write_number(at, parts); end != nullptr)
-        at = end;
-    else
-        at = write_text(at, "null");
+    at = write_value(at, plan, parts);
     if (parts.unit >= 0) {
         const UnitTexts& texts = unit_texts[parts.unit];
         at = copy_blocks(at, text_pool + texts.json, texts.json_size);
@@ -68,10 +78,24 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     at = write_meaning(at, plan, parts);
     at = write_text(at, R"(,"raw":")");
     at = write_raw(at, payload, from, parts.reading.next);
-    return write_text(at, R"("})");
+    *at++ = '"';
+    if ((plan.flags & in_group) != 0) {
+        at = write_text(at, R"(,"round":)");
+        at = write_unsigned(at, static_cast<unsigned>(round));
+    }
+    *at++ = '}';
+    return at;
 }
 
 }  // namespace
+
+std::string_view field_key(const FieldDef& field) {
+    const FieldPlan& plan = plan_of(field);
+    const std::string_view json(text_pool + plan.texts + plan.line_size, plan.json_size);
+    constexpr std::string_view member = R"("key":")";
+    const std::size_t first = json.find(member) + member.size();
+    return json.substr(first, json.find('"', first) - first);
+}
 
 void JsonRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
     Renderer::start(msg, pgn);

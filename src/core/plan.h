@@ -103,6 +103,7 @@ enum class Form : std::uint8_t {
     database_version,
     enumeration,  ///< a text of the entry's set, else plain
     flags,        ///< the texts of the bits that are set
+    pgn_title,    ///< the same by the corrected definitions
     mmsi,         ///< nine digits
     coded,        ///< a number some of whose codes have a text
 };
@@ -125,6 +126,9 @@ enum FieldFlag : std::uint16_t {
     quick = 128,       ///< a whole number, as wide as its format says, whose quantity is known
     plainly = 256,     ///< shown as the text of an enumeration or by its type
     linked = 512,      ///< depends on other fields: see `FieldExtra`
+    apart = 1024,      ///< a text, a date, a time or a count of seconds, to which JSON and CSV have a form of
+                       ///< their own
+    all_bits_none = 2048,  ///< has no value for programs where all of its bits are set
 };
 
 /// Where a field stands that another depends on.
@@ -232,6 +236,9 @@ const PgnPlan& plan_of(const PgnDef& row);
 /// where there is none.
 const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker);
 bool is_proprietary(std::uint32_t pgn);
+
+/// A row that has the name of a PGN by the corrected definitions, whatever the variant; null where it has none.
+const PgnDef* find_title(std::uint32_t pgn);
 const FieldPlan& plan_of(const FieldDef& row);
 std::uint16_t first_row_keyed(std::uint32_t pgn, std::uint16_t selector);
 const FieldDef& field_row(std::uint16_t row);

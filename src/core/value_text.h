@@ -94,20 +94,21 @@ inline std::int32_t truncated(double number) {
                               : static_cast<std::int32_t>(std::clamp(number, -2147483648.0, 2147483647.0));
 }
 
+/// The row whose name a number stands for that is a PGN.
+inline const PgnDef* find_named(Form form, std::uint32_t number) {
+    return form == Form::pgn_title ? find_title(number) : find_pgn_def(number);
+}
+
 /// A PGN's number in six places, and its name: "127250 (Vessel Heading)".
 template <class Out>
-void put_pgn(Out& out, std::uint32_t number) {
+void put_pgn(Out& out, Form form, std::uint32_t number) {
     out.put_number([number](char* at) {
         for (std::uint32_t limit = 100'000; limit > 1 && number < limit; limit /= 10) *at++ = ' ';
         return write_unsigned(at, number);
     });
     out.put(" (");
-    if (const PgnDef* const row = find_pgn_def(number)) {
-        const std::string_view name = pgn_name(row);
-        out.put_pooled(name.data(), name.size());
-    } else {
-        out.put("Unknown");
-    }
+    const std::string_view name = pgn_name(find_named(form, number));
+    if (name.size() > 0) out.put(name);
     out.put(')');
 }
 
@@ -322,7 +323,8 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers) {
 template <class Out>
 bool put_by_form(Out& out, const Shown& shown, const Value& v) {
     switch (shown.form) {
-        case Form::pgn_name: put_pgn(out, v.number.u32); return true;
+        case Form::pgn_name:
+        case Form::pgn_title: put_pgn(out, shown.form, v.number.u32); return true;
         case Form::database_version:
             out.put_number(
                 [&v](char* at) { return write_fixed(at, v.number.u16 * static_cast<double>(0.001f), 3); });

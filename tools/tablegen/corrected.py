@@ -6,8 +6,9 @@ variants of a PGN, so that the next field is the next row."""
 from fractions import Fraction
 from types import SimpleNamespace as Row
 
+from keys import variant_name
 from overlay import HEADER, PROPRIETARY, base_variant
-from plans import field_bits, quantity, shown_label, special_row
+from plans import TIME_OF_DAY, field_bits, quantity, shown_label, special_row
 from tables import NO_CLASS, NO_SELECTOR, conversion_owner
 
 SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP = 50, 51, 63, 3002
@@ -38,9 +39,10 @@ UNITS = {
     "ppm": (None, "ppm", "concentration"),
 }
 UNITLESS = ("1", "cos(phi)")
-# Rules of the base whose unit is none that anybody shows: the unit that numbers are counted in instead.
+# Rules of the base: the unit that programs get, in which numbers are counted instead, and what the base unit has of it.
 COUNTED_IN = {"length_cm": ("m", "0.01"), "speed_mm_s": ("m_s", "0.001"), "speed_m_s": ("m_s", "1"),
-              "pressure_kpa": ("Pa", "1000"), "magnetic_ut": ("T", "0.000001")}
+              "pressure_kpa": ("Pa", "1000"), "magnetic_ut": ("T", "0.000001"), "volume_l": ("m3", "0.001"),
+              "energy_wh": ("kWh", "0.001"), "charge_ah": ("C", "3600")}
 
 
 def corrected_messages(tables, overlay):
@@ -88,7 +90,7 @@ def unmatched(messages, tables):
     conditional = {}
     for found in messages:
         conditional.setdefault(found.pgn, []).append(found)
-    return [Row(pgn=pgn, rank=(9,), variant="other", name=names.get(pgn, common_name(found)), priority=found[0].priority,
+    return [Row(pgn=pgn, rank=(9,), variant="other", is_own=True, name=names.get(pgn, common_name(found)), priority=found[0].priority,
                 single=found[0].single, match=[], length=None, groups=[], fields=[])
             for pgn, found in conditional.items()
             if not is_proprietary(pgn) and all(each.match or each.length for each in found)]
@@ -139,9 +141,8 @@ def base_message(variant, rows, changes, context):
     numbers = [field.number for field in fields]
     groups = [(numbers.index(first), numbers.index(last), None if count is None else numbers.index(count))
               for first, last, count in groups if first in numbers and last in numbers]
-    halves = (variant.key1 & 0xFFFF, variant.key2 >> 16)
-    selector = "".join(f"_{half}" for half in halves if half != NO_SELECTOR)
-    return Row(pgn=variant.pgn, rank=(rank,), variant=f"base{selector}", name=whole.get("name", variant.row.name),
+    return Row(pgn=variant.pgn, rank=(rank,), variant=variant_name(variant), is_own=False,
+               name=whole.get("name", variant.row.name),
                priority=whole.get("priority", variant.row.priority),
                single=whole.get("packet", variant.row.packet) == "single", match=match, length=None,
                groups=groups, fields=fields)
@@ -191,7 +192,8 @@ def base_field(row, cells, context):
     else:
         set_base_reading(field, row, entry.df, context)
     if form == "pgn_name":
-        field.form = form
+        field.form = "pgn_title"
+        field.reading = whole(field.bits, False, set_of_codes({}, field.bits, False))
     field.place = row.place
     return field
 
@@ -219,7 +221,7 @@ def set_base_reading(field, row, df, context):
     kind, name = form.rule
     rule = context.rules.get(row.pgn)
     field.quantity = quantity(context.tables, row, context.classes, rule)
-    field.form, field.special_text = "plain", None
+    field.form = "plain"
     field.reading = ("df", df)
     width = int(form.kind[1:]) if form.kind else 0
     signed = bool(form.kind) and form.kind[0] == "i"
@@ -238,7 +240,7 @@ def set_base_reading(field, row, df, context):
         field.reading = measured(32, True, Fraction(1, 10**7), 0, name.removeprefix("convert_"), none)
     elif kind == "integer" and field.bits == width:
         field.reading = whole(width, signed, none)
-    elif kind in ("scaled", "listed", "any") and field.bits == width:
+    elif kind in ("scaled", "listed", "any") and field.bits == width and field.quantity != TIME_OF_DAY:
         scale = Fraction(form.scale.removesuffix("f"))
         if kind == "scaled":
             counted, times = COUNTED_IN.get(name.removeprefix("unit_rule_"), (None, "1"))
@@ -264,7 +266,7 @@ def overlaid_message(row, rows, context):
         set_reading(field, each, context)
         fields.append(field)
     groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
-    return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, name=row.name,
+    return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, is_own=True, name=row.name,
                priority=row.priority, single=row.packet == "single", match=row.match, length=row.length, groups=groups,
                fields=fields)
 
@@ -286,7 +288,7 @@ def set_reading(field, given, context):
     elif coding in ("code", "flags", "key", "pgn", "name"):
         field.reading = whole(bits, False, none if "none" in given.options else ((), None))
         if coding == "pgn":
-            field.form = "pgn_name"
+            field.form, field.reading = "pgn_title", whole(bits, False, none)
     elif coding == "mmsi":
         field.reading, field.form = whole(bits, False, none), "mmsi"
     elif coding == "float":
@@ -358,9 +360,18 @@ def unit_rule(given, context):
         return "every", 1, NO_CLASS, f" ({name})"
     rule, unit, usual = UNITS[name]
     quantity = quantity or usual
-    found = rule if unit is None else rebased(rule, unit, context) if rule else shown_as_is(unit, context)
+    times = 1
+    if unit is None:
+        found = rule
+    elif rule is None:
+        found = shown_as_is(unit, context)
+    else:
+        counted, base_has = COUNTED_IN.get(rule, (unit, "1"))
+        if counted != unit:
+            times = Fraction(base_has) / context.factors[rule][context.units[unit]]
+        found = rebased(rule, counted, context)
     check_served(given, found, context.quantities[quantity], context)
-    return found, 1, context.quantities[quantity], ""
+    return found, times, context.quantities[quantity], ""
 
 
 def check_served(given, rule, quantity, context):

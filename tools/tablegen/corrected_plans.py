@@ -3,14 +3,17 @@ closing row, formats behind its formats, sets of texts behind its sets."""
 
 from types import SimpleNamespace as Row
 
-from corrected import NO_CODE, corrected_messages, is_proprietary
-from overlay import HEADER, PROPRIETARY
-from plans import (END_ROW, FORMED_QUANTITIES, NO_SET, field_plan_line, field_texts, pgn_plan_line, plan_set)
+from corrected import corrected_messages, set_reading
+from keys import Keys, variant_name
+from overlay import PROPRIETARY
+from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
+                   field_texts, pgn_plan_line, plan_set, says_none)
 from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY
 
 KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
 WIDEST_SINGLE = 24  # bits of a number that single precision keeps
 NO_CODES = "INT64_MIN"
+UNKNOWN_MAKER, ANY_MAKER = -1, -2
 MAKERS, INDUSTRIES = "manufacturer_code", "industry_group"
 QUICK_BITS = 57  # a number of fewer bits lies in eight bytes, wherever it starts
 NO_MEASURE = "{1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
@@ -18,8 +21,7 @@ READINGS = {"whole": "whole", "measured": "measured"}
 
 
 def plan_corrected(tables, overlay, plans):
-    messages, context = corrected_messages(tables, overlay)
-    messages += makers_messages(context)
+    messages, context = keyed_messages(tables, overlay)[:2]
     out = Row(context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
               field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
               first_row=len(plans.fields) + 1, key_rows={},
@@ -40,6 +42,28 @@ def plan_corrected(tables, overlay, plans):
     return out
 
 
+def keyed_messages(tables, overlay):
+    """All messages, those of makers included, the fields with their keys; and what the sets of keys need."""
+    messages, context = corrected_messages(tables, overlay)
+    messages += makers_messages(context)
+    keys = Keys(tables)
+    base = {(row.pgn, variant_name(row)) for row in tables.fields}
+    for found in messages:
+        if found.pgn == 0 and found.maker != ANY_MAKER:
+            continue  # the fields of one stand for all
+        groups = [range(first, last + 1) for first, last, _ in found.groups]
+        rows = [(field.number, field.label, any(i in group for group in groups)) for i, field in enumerate(found.fields)]
+        # A definition that takes the place of one of the base counts its fields in its own way.
+        replaces = found.is_own and (found.pgn, found.variant) in base
+        names = keys.of(found.pgn, f"corrected {found.variant}" if replaces else found.variant, rows)
+        for field in found.fields:
+            field.key = names[field.number]
+    context.key_names = {
+        name: keys.of(0, f"key {name}", [(entry.value, entry.text, False) for entry in found.rows])
+        for name, found in context.sets.items() if found.rows is not None}
+    return messages, context, keys
+
+
 def literal(factor):
     text = repr(float(factor))
     return text + ("f" if "." in text or "e" in text else ".0f")
@@ -53,8 +77,10 @@ def makers_messages(context):
     """For each maker what is shown of a message that no definition is known of, and one for makers unknown."""
     entries = context.sets[MAKERS].entries
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, name=name, priority=7, single=False, match=[], length=None,
-                groups=[], fields=header_fields()) for code, name in [*names, (None, "Unknown maker, proprietary")]]
+    names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
+    fields = header_fields()
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, single=False, match=[], length=None,
+                groups=[], fields=fields) for code, name in names]
 
 
 def header_fields():
@@ -129,11 +155,13 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     flags = flags | {
         "quoted": flags.get("numbered", False) and any(c in label for c in '",'),
         "text": is_text,
+        "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_counted(out, field),
+        "all_bits_none": has_none_text(out, field),
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
         "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
     }
-    texts = field_texts(out.plans, field.number, label, flags.get("numbered", False))
+    texts = field_texts(out.plans, field.number, field.key, label, flags.get("numbered", False))
     out.field_lines.append(field_plan_line(
         texts, 7 if field.bits % 8 == 0 else 0, next_row, again, field.bits, field.number, format_index(out, field),
         enumeration, extra, field.quantity, form, (0, 0), flags))
@@ -147,6 +175,19 @@ def form_of(out, field):
     if field.form != "texts":
         return field.form
     return "flags" if out.context.sets[field.texts[0]].kind == 3 else "enumeration"
+
+
+def is_counted(out, field):
+    df = field.reading[1] if field.reading[0] == "df" else None
+    return any(row.df == df and row.rule[1] in COUNTED_SECONDS for row in out.tables.formats)
+
+
+def has_none_text(out, field):
+    """Whether the code of all bits says by its text that there is no value."""
+    if form_of(out, field) != "enumeration" or not 1 < field.bits <= 64:
+        return False
+    return any(entry.value == (1 << field.bits) - 1 and says_none(entry.text)
+               for entry in out.context.sets[field.texts[0]].entries)
 
 
 def is_text_reading(reading):
@@ -225,7 +266,7 @@ def extra_of(out, message, i, group, first):
         parts["key"], parts["key_set"] = link(message, i, key), str(out.sets[name])
         parts["key_rows"] = str(out.key_rows[name])
     if role == "field_value":
-        about = next(j for j in range(i) if message.fields[j].form == "pgn_name")
+        about = next(j for j in range(i) if message.fields[j].form == "pgn_title")
         index = max(j for j in range(i) if getattr(message.fields[j], "role", None) == "field_index")
         parts["index"], parts["about"] = link(message, i, index), link(message, i, about)
         maker = next((j for j in range(i) if message.fields[j].texts == (MAKERS, None)), None)
@@ -275,10 +316,9 @@ def start_of(message, target):
 
 def add_key_rows(out, name, found):
     """A row for each entry of a set of keys: its value is read by it."""
-    from corrected import set_reading
     out.key_rows[name] = out.first_row + len(out.field_lines)
     for entry in found.rows:
-        field = Row(number=entry.value & 0xFFFF, label=entry.text, bits=entry.size or 0, dd=None, options={},
+        field = Row(number=entry.value & 0xFFFF, key=out.context.key_names[name][entry.value], label=entry.text, bits=entry.size or 0, dd=None, options={},
                     texts=entry.texts, unit_note="", place=entry.place)
         given = Row(place=entry.place, coding=entry.coding, size=entry.size, resolution=entry.resolution,
                     unit=entry.unit, options={})
@@ -292,14 +332,13 @@ def add_key_rows(out, name, found):
 # ---- finding the message ----
 
 def list_variants(out, messages):
-    parts = []
-    lists = {}
+    parts, lists = [], {}
     for found in messages:
         if found.pgn:
             lists.setdefault(found.pgn, []).append(found)
     out.variant_lines, out.list_lines = [], []
     for pgn, variants in sorted(lists.items()):
-        out.list_lines.append(f"{{{pgn}, {len(out.variant_lines)}, {len(variants)}}},")
+        out.list_lines.append(f"{{{pgn}, {len(out.variant_lines)}, {len(variants)}, {variants[-1].row}}},")
         for found in variants:
             mask = value = 0
             first_part = len(parts)
@@ -314,6 +353,7 @@ def list_variants(out, messages):
             out.variant_lines.append(f"{{0x{mask:X}u, 0x{value:X}u, {least}, {most}, {first_part}, "
                                      f"{len(parts) - first_part}, {found.row}}},")
     out.part_lines = parts or ["{0, 1, 2},"]
-    out.maker_lines = [f"{{{maker}, {row}}}," for maker, _, row in out.makers if maker is not None]
-    out.unknown_maker = next(row for maker, _, row in out.makers if maker is None)
+    rows = {maker: row for maker, _, row in out.makers}
+    out.unknown_maker, out.any_maker = rows.pop(UNKNOWN_MAKER), rows.pop(ANY_MAKER)
+    out.maker_lines = [f"{{{maker}, {row}}}," for maker, row in rows.items()]
     out.ranges = [f"{{{first}, {last}}}," for first, last in PROPRIETARY]

@@ -69,7 +69,8 @@ def fragments(tables, overlay):
                                  f"constexpr std::size_t base_fields = {base.fields + 1};",
                                  f"constexpr std::size_t base_formats = {base.formats};",
                                  f"constexpr std::size_t base_sets = {base.sets};",
-                                 f"constexpr std::uint16_t unknown_maker = {corrected.unknown_maker};"]),
+                                 f"constexpr std::uint16_t unknown_maker = {corrected.unknown_maker};",
+                                 f"constexpr std::uint16_t any_maker = {corrected.any_maker};"]),
         "field_table.inc": ("fields", [*(field_line(row, dictionary_index) for row in plans.fields),
                                        FIELD_SENTINEL, *corrected.field_rows]),
         "field_plans.inc": ("fields", [*plans.field_lines, CLOSING_PLAN, *corrected.field_lines]),
@@ -81,6 +82,7 @@ def fragments(tables, overlay):
         "unit_factors.inc": ("unit_factors.tsv", factor_lines(plans)),
         "availability.inc": ("availability.tsv", [
             *(unit_row(row.units) for row in tables.availability), unit_row([])]),
+        "si_units.inc": ("availability.tsv", [f"{row.si.number if row.si else UNIT_COUNT}," for row in tables.availability]),
         "quantity_rows.inc": ("quantities.tsv", [f"{{{narrow(row.label)}, {getattr(row, 'class')}}},"
                                                 for row in tables.quantities]),
         "enum_pairs.inc": ("enums", pair_lines(plans.sets)),

@@ -5,6 +5,7 @@ The forms of a text lie in one pool. A form is named by its offset there, so tha
 
 from types import SimpleNamespace as Row
 
+from keys import base_keys, variant_name
 from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT, conversion_owner
 
 END_ROW = 0xFFFF
@@ -23,6 +24,12 @@ SIZED_BY_FIELD = {f"convert_{name}" for name in (
 QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"),
                "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
 TEXT_FORMATS = (50, 51, 63, 3002)  # short, medium and fixed, and the hexadecimal dump
+TIME_OF_DAY, DATE = 21, 23
+COUNTED_SECONDS = ("convert_run_time", "convert_period_minutes")
+# Bits that are taken as they are, so that no code of theirs is none by its format.
+BIT_FIELDS = ("convert_bit_field", "convert_low_2_bits", "convert_low_4_bits", "convert_low_6_bits")
+FLAG_SET = 3
+NONE_TEXTS = [text.split() for text in ("null", "not available", "data not available", "unavailable unknown")]
 FIRST = "First"
 FIRST_WORD = len("First ")
 POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
@@ -101,15 +108,15 @@ def plan_units(tables, plans):
     pool = plans.pool
     plans.unit_lines = []
     for row in tables.units:
-        line, json, csv = unit_forms(row.name)
+        line, json, csv = unit_forms(row.name, row.ascii)
         # The line's end stands behind the text: whoever copies blocks gets it for nothing.
         plans.unit_lines.append(f"{{{pool.add(line + chr(10))}, {pool.add(json)}, {pool.add(csv)}, "
                                 f"{sizes(line, json, csv)}}},")
 
 
-def unit_forms(name):
-    json = f',"unit":{json_text(name) if name else "null"},"text":'
-    return f" {name}", json, f",{csv_cell(name)},"
+def unit_forms(name, ascii_name):
+    json = f',"unit":{json_text(ascii_name) if ascii_name else "null"},"text":'
+    return f" {name}", json, f",{csv_cell(ascii_name)},"
 
 
 def sizes(*forms):
@@ -226,6 +233,7 @@ def plan_fields(tables, plans):
         rules={row.pgn: row for row in tables.pgn_rules},
         sets={found.dd: i for i, found in enumerate(plans.sets)},
         groups=repeating_groups(tables))
+    lookup.keys = base_keys(tables, lookup.groups, shown_label)[1]
     plans.field_lines = [field_plan(tables, plans, lookup, i) for i in range(len(plans.fields))]
 
 
@@ -258,18 +266,22 @@ def field_plan(tables, plans, lookup, i):
         "text": entry.df in TEXT_FORMATS,
         "whole_bytes": bits % 8 == 0,
         "quick": quick,
+        "apart": entry.df in TEXT_FORMATS or kind_of_quantity in (TIME_OF_DAY, DATE) or
+                 lookup.formats[entry.df].rule[1] in COUNTED_SECONDS,
+        "all_bits_none": has_none_code(tables, plans, row, lookup.formats[entry.df], bits, enumeration),
         "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
     }
     verdicts = tuple(verdict(tables, row, own) if filtered else 0 for own in (False, True))
     return field_plan_line(
-        field_texts(plans, row.field, label[FIRST_WORD:] if numbered else label, numbered), 7 if bits % 8 == 0 else 0, next_row(rows, i, 1),
+        field_texts(plans, row.field, lookup.keys[row.pgn, variant_name(row)][row.field],
+                    label[FIRST_WORD:] if numbered else label, numbered), 7 if bits % 8 == 0 else 0, next_row(rows, i, 1),
         next_row(rows, i, first - last) if row.field == last else END_ROW, bits, row.field,
         lookup.format_index[entry.df], enumeration, 0, kind_of_quantity, form, verdicts, flags)
 
 
-def field_texts(plans, field, label, numbered):
+def field_texts(plans, field, key, label, numbered):
     """Place and sizes of what a field's label is in each form."""
-    forms = label_forms(field, label, numbered)
+    forms = label_forms(field, key, label, numbered)
     return f"{plans.pool.add(''.join(forms))}, {sizes(*forms)}"
 
 
@@ -278,6 +290,22 @@ def field_plan_line(texts, misplaced, next_one, again, bits, number, form_index,
     return (f"{{{texts}, {misplaced}, {next_one}, {again}, {bits}, {number}, {form_index}, {enumeration}, {extra}, "
             f"{kind_of_quantity}, Form::{form}, {{{verdicts[0]}, {verdicts[1]}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
+
+
+def has_none_code(tables, plans, row, data_format, bits, enumeration):
+    """Whether a field of bits has no value where all of them are set."""
+    if data_format.rule[1] not in BIT_FIELDS or not 1 < bits <= 64:
+        return False
+    if enumeration == NO_SET:
+        return special_row(tables, row.pgn, row.field, row.dd, "none") is not None
+    found = plans.sets[enumeration]
+    texts = [entry.text for entry in found.entries if entry.value == (1 << bits) - 1]
+    return found.kind != FLAG_SET and (not texts or says_none(texts[0]))
+
+
+def says_none(text):
+    words = text.lower().strip("[] ").replace(",", "").split()
+    return words in NONE_TEXTS
 
 
 def field_form(tables, plans, row, enumeration):
@@ -293,12 +321,12 @@ def shown_label(tables, row):
     return special_row(tables, row.pgn, row.field, row.dd, "label") or row.label
 
 
-def label_forms(field, label, numbered):
+def label_forms(field, key, label, numbered):
     """In the pool they stand behind each other. A numbered label is left open: the number of the round follows."""
     line = f"    {label}" + ("" if numbered else ": ")
-    json = f'{{"number":{field},"label":{json_text(label)[:-1]}' + ("" if numbered else '","value":')
+    json = f'{{"number":{field},"key":"{key}","label":{json_text(label)[:-1]}' + ("" if numbered else '","value":')
     cell = csv_cell(label)[:-1] if numbered and is_quoted_in_csv(label) else csv_cell(label)
-    return line, json, f"{field},{cell}" + ("" if numbered else ",")
+    return line, json, f"{field},{key},{cell}" + ("" if numbered else ",")
 
 
 def field_bits(row, entry, rule, formats):
@@ -422,7 +450,7 @@ def id_lines(tables):
     return [
         "#pragma once", "", "/// @file", "/// Numbers of units, quantities, PGNs, dictionary entries and formats by name.",
         "", "#include <cstdint>", "", "namespace pgn_vistel::core {", "",
-        "/// Index of a unit of measure, 0 .. 139. `unit_name` gives the name that users see.",
+        "/// Index of a unit of measure, 0 .. 140. `unit_name` gives the name that users see.",
         "using UnitId = int;", "",
         "/// Class of a physical quantity, 0 .. 64; 65 for none. Values of one class share a list of units.",
         "using DispDataType = int;", "",

@@ -13,6 +13,7 @@ ALWAYS_FAST = ((126720, 126720), (130816, 131071))  # proprietary ranges, catalo
 MAX_PAYLOAD = 1785
 MAX_LABEL = 127  # characters of a label that the views keep
 MAX_NAME = 1023
+MAX_KEY = 72  # characters of a field's key
 MAX_ENTRY = 120  # characters of an enumeration text, so that it fits one byte with its escapes
 NO_SELECTOR = 0x8000
 NO_KEY = 0x80008000
@@ -20,7 +21,7 @@ DD_RANGES = ((0, 410), (2436, 2549), (10000, 10075))
 LAST_INDEXED_FORMAT = 117  # formats up to here are found by index, those above in format_list.tsv
 CLASS_COUNT = 65
 NO_CLASS = 65
-UNIT_COUNT = 140
+UNIT_COUNT = 141
 UNITS_PER_CLASS = 7
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
 # What a parser may be told to do with a typed number; src/contract/parsers has a function for each name.
@@ -82,9 +83,21 @@ def unit_name(cell):
     return "" if cell == "-" else cell
 
 
+def ascii_unit(cell):
+    if not re.fullmatch(r"-|%|[A-Za-z0-9_./]+", cell):
+        raise ValueError(f"'{cell}' has a character other than letters, digits and _./")
+    return "" if cell == "-" else cell
+
+
 def identifier(cell):
     if not re.fullmatch(r"[A-Za-z][A-Za-z0-9_]*", cell):
         raise ValueError(f"'{cell}' is no name for code")
+    return cell
+
+
+def field_key(cell):
+    if not re.fullmatch(r"[a-z0-9]+(_[a-z0-9]+)*", cell) or len(cell) > MAX_KEY:
+        raise ValueError(f"'{cell}' is no key in snake case of at most {MAX_KEY} characters")
     return cell
 
 
@@ -271,11 +284,13 @@ LABEL = ascii_text(MAX_LABEL)
 
 KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
 FIELD_COLUMNS = {"pgn": PGN, "field": FIELD, "label": LABEL, "size": size, "dd": DD, **KEYS}
-UNIT_COLUMNS = {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "meaning": str}
+UNIT_COLUMNS = {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "ascii": ascii_unit,
+                "meaning": str}
 COLUMNS = {
     "pgns": {"pgn": PGN, "name": ascii_text(MAX_NAME), **KEYS, "priority": number(0, 7),
              "frames": choice("single", "multi"), "packet": choice("single", "fast", "transport"),
              "listed": choice("yes", "no")},
+    "keys": {"pgn": PGN, "variant": str, "field": number(0, 0xFFFF), "key": field_key},
     "stream_keys": {"pgn": PGN, "key1": first_stream_key, "key2": stream_key,
                     "key3": stream_key, "key4": stream_key},
     "dictionary": {"dd": DD, "name": text(MAX_NAME, dash_is_empty=True), "df": DF, "size": size},
@@ -293,6 +308,7 @@ COLUMNS = {
                        "label": optional(LABEL),
                        "form": optional(choice("pgn_name", "database_version")),
                        "quantity": optional(choice("format_inside", "format_before")),
+                       "none": optional(choice("all_bits")),
                        "shown": optional(choice("all", "own"))},
 }
 
@@ -306,7 +322,8 @@ def columns_with_units(unit):
                     "offset": optional(number(1, MAX_U32))},
         "unit_formats": {"unit": unit, "df": DF},
         "unit_factors": {"rule": identifier, "unit": unit, "factor": factor},
-        "availability": {"class": CLASS, "id": identifier, "units": offered_units(unit), "quantity": str},
+        "availability": {"class": CLASS, "id": identifier, "units": offered_units(unit), "si": optional(unit),
+                         "quantity": str},
     }
 
 
