@@ -29,7 +29,7 @@ struct Arguments {
 };
 
 void add_units(CLI::App& command, vistel::UnitOptions& options) {
-    command.add_option("--units", options.set, "Units for everything: default or metric");
+    command.add_option("--units", options.set, "Units for everything: default, metric or si");
     command
         .add_option("--unit", options.units,
                     "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")

@@ -50,7 +50,7 @@ class Decoding {
 
     const DecodeOptions& options_;
     const std::string name_;
-    core::UnitSelection units_;
+    core::UnitSelection units_;  // JSON and CSV are for programs, which do not know what somebody picked
     Recording recording_;
     Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
     Sink out_{STDOUT_FILENO};
@@ -123,6 +123,7 @@ void Decoding::print_statistics() const {
 }
 
 int Decoding::run() {
+    if (options_.form != DecodeOptions::Form::text) units_ = core::UnitSelection::si();
     if (!apply_units(units_, options_.units)) return EXIT_FAILED;
     RecordingOptions how;
     how.format = options_.format;

@@ -60,9 +60,9 @@ Status select_unit(UnitSelection& selection, std::string_view choice) {
 }
 
 Status select_units(UnitSelection& selection, std::string_view name) {
-    if (name != "default" && name != "metric")
-        return failure("no set of units '", name, "'; there are: default, metric");
-    for (DispDataType q = 0; q < quantity::count; ++q) selection.select(q, *available_units(q));
+    if (name != "default" && name != "metric" && name != "si")
+        return failure("no set of units '", name, "'; there are: default, metric, si");
+    selection = name == "si" ? UnitSelection::si() : UnitSelection();
     if (name == "metric")
         for (const Choice& c : metric) selection.select(c.quantity, c.unit);
     return done;

@@ -28,6 +28,8 @@ std::string unit_text(UnitId u) {
 std::vector<UnitId> offered_units(DispDataType q) {
     std::vector<UnitId> units;
     for (const UnitId* u = core::available_units(q); *u < unit::count; ++u) units.push_back(*u);
+    const UnitId si = core::si_unit(q);
+    if (std::ranges::find(units, si) == units.end() && !unit_text(si).empty()) units.push_back(si);
     return units;
 }
 
@@ -40,7 +42,9 @@ UnitId find_unit(const std::vector<UnitId>& units, std::string_view text) {
     const auto is_alike = [wanted = simplified(text)](UnitId u) {
         return !wanted.empty() && simplified(unit_text(u)) == wanted;
     };
-    const UnitId found = only(is_alike);
+    UnitId found = only(is_alike);
+    if (found < 0)
+        found = only([text](UnitId u) { return !text.empty() && core::unit_ascii(u) == text; });
     return found >= 0 ? found : only([text](UnitId u) { return is_spelling_of(text, unit_text(u)); });
 }
 

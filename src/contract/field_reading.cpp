@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "contract/store.h"
+#include "contract/units.h"
 #include "core/read.h"
 
 namespace pgn_vistel {
@@ -63,7 +64,7 @@ ReadField read_field(const N2KMsg& msg, const FieldPlace& field, const core::Uni
 
     ReadField read;
     read.quantity = quantity_of(msg, field.dd->dd, raw);
-    read.unit = core::is_unit(field.unit) ? field.unit : units[read.quantity];
+    read.unit = is_unit(field.unit) ? field.unit : units[read.quantity];
     field.dd->format->conv(value, raw, read.unit, &count);
     if (bytes == 0 && bits == 0) bytes = count;
 

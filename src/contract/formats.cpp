@@ -8,6 +8,7 @@
 
 #include "contract/parsers/numeric.h"
 #include "contract/parsers/special.h"
+#include "contract/units.h"
 #include "contract/values.h"
 #include "core/convert.h"
 
@@ -60,7 +61,8 @@ void convert(const FormatPlan& plan, ConvValue* out, const void* raw, UnitId uni
     const int taken = core::is_text(plan.reading)
                           ? core::convert_text(plan, static_cast<const std::uint8_t*>(raw), INT_MAX, given,
                                                shared_scratch(), value)
-                          : core::convert(plan, raw_field(plan, raw, given), unit, shared_scratch(), value);
+                          : core::convert(plan, raw_field(plan, raw, given), is_unit(unit) ? unit : UnitId{-1},
+                                          shared_scratch(), value);
     store_value(out, value, plan.reading);
     if (count != nullptr && taken >= 0) *count = taken;
 }
@@ -112,7 +114,7 @@ ConvFunction find_conversion(DF df) {
 }
 
 int convert_field(DF df, ConvValue* out, const void* at, UnitId unit) {
-    if (out == nullptr || at == nullptr || unit >= core::unit::count) return -1;
+    if (out == nullptr || at == nullptr || unit >= unit_count) return -1;
     const ConvFunction conversion = find_conversion(df);
     if (conversion == nullptr) return -2;
     int count = INT_MAX;  // no length to offer: each format takes its own most

@@ -95,7 +95,7 @@ int QV_N2K_PGN_DB_c::print_field_name(wchar_t* buf, int size, int dd, const wcha
 int QV_N2K_PGN_DB_c::print_field_data(wchar_t* buf, int size, int dd, int disp_data_type, void* value,
                                       int unit, int print_unit_flag, unsigned long flags, unsigned long pgn,
                                       int field) {
-    if (!core::is_unit(unit))
+    if (!is_unit(unit))
         unit = core::is_quantity(disp_data_type) ? selected_unit(sel_unit_, disp_data_type)
                                                  : UnitId{core::unit::raw_count};
     core::WideOut out(buf, size);
@@ -252,5 +252,5 @@ unsigned short GetDispDataType_Num() {
 }
 
 unsigned short GetUnitDataType_Num() {
-    return core::unit::count;
+    return unit_count;
 }

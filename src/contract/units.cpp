@@ -13,7 +13,7 @@ namespace {
 // The unit to use for an argument, or -1.
 UnitId resolve(const core::UnitSelection* selection, DispDataType quantity, UnitId u) {
     if (u < 0) u = selected_unit(selection, quantity);
-    return u < core::unit::count ? u : -1;
+    return u < unit_count ? u : -1;
 }
 
 }  // namespace
@@ -40,7 +40,7 @@ const core::UnitSelection& selection_or_default(const core::UnitSelection* selec
 }
 
 int select_unit(core::UnitSelection* selection, DispDataType q, UnitId u) {
-    return selection != nullptr && selection->select(q, u) ? 0 : -1;
+    return selection != nullptr && u < unit_count && selection->select(q, u) ? 0 : -1;
 }
 
 int selected_unit(const core::UnitSelection* selection, DispDataType q) {
@@ -48,11 +48,11 @@ int selected_unit(const core::UnitSelection* selection, DispDataType q) {
 }
 
 int print_unit_name(wchar_t* buf, int size, UnitId u) {
-    return buf == nullptr || size <= 0 || !core::is_unit(u) ? 0 : copy_wide(buf, core::unit_name(u), size);
+    return buf == nullptr || size <= 0 || !is_unit(u) ? 0 : copy_wide(buf, core::unit_name(u), size);
 }
 
 int print_unit_name(char* buf, int size, UnitId u) {
-    return buf == nullptr || size <= 0 || !core::is_unit(u) ? 0 : copy_w2n(buf, core::unit_name(u), size);
+    return buf == nullptr || size <= 0 || !is_unit(u) ? 0 : copy_w2n(buf, core::unit_name(u), size);
 }
 
 int print_unit_of(const core::UnitSelection* selection, wchar_t* buf, Printable what, UnitId u) {

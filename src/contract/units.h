@@ -8,6 +8,12 @@ class QV_N2K_PGN_DB_c;
 
 namespace pgn_vistel {
 
+/// Units of the text interface. The core has more, for programs.
+constexpr UnitId unit_count = 140;
+constexpr bool is_unit(UnitId u) {
+    return u >= 0 && u < unit_count;
+}
+
 int count_available_units(DispDataType quantity, UnitId* units, int max);
 
 /// A new selection of default units, on the heap for the life of the process; null without memory.

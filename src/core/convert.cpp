@@ -40,6 +40,7 @@ void store_temperature(float kelvin, UnitId u, Value& out) {
     switch (u) {
         case unit::celsius: store_single(out, celsius); break;
         case unit::fahrenheit: store_single(out, celsius * static_cast<double>(1.8f) + 32); break;
+        case unit::kelvin:
         case unit::raw_count: store_single(out, kelvin); break;
         default: store_none(out); break;
     }

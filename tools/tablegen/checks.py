@@ -1,8 +1,10 @@
 """Rules between the rows of the tables. They run on tables whose cells are all well formed."""
 
+import re
+
 from plans import END_ROW, label_forms, next_row, pgn_forms, repeating_groups, shown_label, unit_forms
 from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
-                    UNIT_COUNT)
+                    UNIT_COUNT, conversion_owner)
 
 PARSED_BYTES = {kind: int(kind[1:]) // 8 for kind in PARSED_KINDS}
 CODED_RULES = ("temperature_k", "any")  # have no factors, or those of every unit
@@ -17,12 +19,14 @@ def check_tables(tables, report):
     check_formats(tables, report)
     check_parsers(tables, report)
     check_units(tables, report)
+    check_ascii_names(tables.units, report)
     check_fields(tables, report)
     check_repeat_sets(tables, report)
     check_sets(tables, report)
     check_ids(tables, report)
     check_special_fields(tables, report)
     check_forms(tables, report)
+    check_si_units(tables, report)
 
 
 def check_ascending(rows, column, report, strict):
@@ -173,6 +177,63 @@ def check_units(tables, report):
             report.add(row.place, f"rule {row.rule} has a meaning of its own")
 
 
+def check_ascii_names(units, report):
+    """Programs tell units apart by these names; what a direction or a position is measured from is no unit."""
+    bases = {}
+    for row in units:
+        base = re.sub(r"(?<=^deg|^rad)_(mag|true|lat|long)$", "", row.id)
+        if row.ascii and bases.setdefault(row.ascii, base) != base:
+            report.add(row.place, f"ascii '{row.ascii}' is that of {bases[row.ascii]}, too")
+        if row.name and not row.ascii and not row.id.startswith("date_"):
+            report.add(row.place, "ascii is missing")
+
+
+# Units of the conversions that have code of their own; those that are not named do not look at the unit.
+CODED_UNITS = {
+    "unit_rule_temperature_k": {"celsius", "fahrenheit", "kelvin"},
+    "convert_latitude_32": {"deg_lat"}, "convert_latitude_64": {"deg_lat"},
+    "convert_longitude_32": {"deg_long"}, "convert_longitude_64": {"deg_long"},
+    "convert_offset_angle": {"deg", "rad"}, "convert_salinity": {"plain_66", "ppm"},
+    "convert_device_address": {"plain_64", "plain_65"}, "unit_rule_integer": {"plain_64", "plain_65"},
+    "convert_date": {"date_ymd", "date_mdy", "date_dmy", "date_mon_d_y", "date_d_mon_y", "date_md"},
+    "convert_never_available": set(), "convert_undefined": set()}
+RULES_OF_CONVERSIONS = {"convert_ac_power": "power_w", "convert_double_distance": "length_cm",
+                        "convert_float_angle": "angle_rad", "convert_run_time": "duration_s",
+                        "convert_period_minutes": "duration_s"}
+
+
+def check_si_units(tables, report):
+    """Whatever the catalogue or a message can have of a quantity is a number in its SI unit."""
+    formats = {row.df: row for row in tables.formats}
+    factors = {(row.rule, row.unit.id) for row in tables.unit_factors}
+    factors |= {("duration_s", "clock_12"), ("duration_s", "clock_24"), ("speed_mm_s", "bft"), ("speed_m_s", "bft")}
+    quantities = {getattr(row, "class"): row for row in tables.availability}
+    entries = {row.dd: row.df for row in tables.dictionary}
+    classes = {row.dd: getattr(row, "class") for row in tables.disp_data_types}
+    dds = {row.dd for row in tables.fields if row.dd in classes and row.dd in entries}
+    described = {row.df for row in tables.self_described}
+    found = {(classes[dd], entries[dd]) for dd in dds}
+    found |= {(getattr(row, "class"), row.df) for row in tables.format_classes if row.df in described}
+    for number, df in sorted(found):
+        quantity = quantities[number]
+        if quantity.si is None:
+            report.add(quantity.place, "si is missing")
+        elif not serves(conversion_owner(formats[df], formats), quantity, factors):
+            report.add(quantity.place, f"df {df} does not serve si {quantity.si}")
+
+
+def serves(row, quantity, factors):
+    kind, detail = row.rule
+    if kind == "any":
+        return quantity.si == quantity.units[0]  # the number is the same in every unit: it has to be the one meant
+    if kind == "listed":
+        return quantity.si in detail
+    if detail in CODED_UNITS:
+        return quantity.si.id in CODED_UNITS[detail]
+    rule = detail.removeprefix("unit_rule_") if kind == "scaled" else RULES_OF_CONVERSIONS.get(detail)
+    return rule is None or (rule, quantity.si.id) in factors
+
+
 def check_fields(tables, report):
     check_known(tables.fields, "dd", {row.dd for row in tables.dictionary}, "unknown dd", report)
     check_known(tables.fields, "pgn", {row.pgn for row in tables.pgns}, "unknown pgn", report)
@@ -301,4 +362,4 @@ def check_forms(tables, report):
     for row in (*tables.pgns, *(row for row in tables.pgn_rules if row.name)):
         check(row.place, "name", pgn_forms(row.pgn, row.name))
     for row in tables.units:
-        check(row.place, "name", unit_forms(row.name))
+        check(row.place, "name", unit_forms(row.name, row.ascii))

@@ -101,15 +101,15 @@ def plan_units(tables, plans):
     pool = plans.pool
     plans.unit_lines = []
     for row in tables.units:
-        line, json, csv = unit_forms(row.name)
+        line, json, csv = unit_forms(row.name, row.ascii)
         # The line's end stands behind the text: whoever copies blocks gets it for nothing.
         plans.unit_lines.append(f"{{{pool.add(line + chr(10))}, {pool.add(json)}, {pool.add(csv)}, "
                                 f"{sizes(line, json, csv)}}},")
 
 
-def unit_forms(name):
-    json = f',"unit":{json_text(name) if name else "null"},"text":'
-    return f" {name}", json, f",{csv_cell(name)},"
+def unit_forms(name, ascii_name):
+    json = f',"unit":{json_text(ascii_name) if ascii_name else "null"},"text":'
+    return f" {name}", json, f",{csv_cell(ascii_name)},"
 
 
 def sizes(*forms):
@@ -422,7 +422,7 @@ def id_lines(tables):
     return [
         "#pragma once", "", "/// @file", "/// Numbers of units, quantities, PGNs, dictionary entries and formats by name.",
         "", "#include <cstdint>", "", "namespace pgn_vistel::core {", "",
-        "/// Index of a unit of measure, 0 .. 139. `unit_name` gives the name that users see.",
+        "/// Index of a unit of measure, 0 .. 140. `unit_name` gives the name that users see.",
         "using UnitId = int;", "",
         "/// Class of a physical quantity, 0 .. 64; 65 for none. Values of one class share a list of units.",
         "using DispDataType = int;", "",

@@ -20,7 +20,7 @@ DD_RANGES = ((0, 410), (2436, 2549), (10000, 10075))
 LAST_INDEXED_FORMAT = 117  # formats up to here are found by index, those above in format_list.tsv
 CLASS_COUNT = 65
 NO_CLASS = 65
-UNIT_COUNT = 140
+UNIT_COUNT = 141
 UNITS_PER_CLASS = 7
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
 # What a parser may be told to do with a typed number; src/contract/parsers has a function for each name.
@@ -79,6 +79,12 @@ def text(limit, dash_is_empty=False):
 def unit_name(cell):
     if not all(" " <= c <= "~" or "\xa0" <= c <= "\uffff" for c in cell):
         raise ValueError(f"'{cell}' has a character that a wide text of 16 bits cannot keep")
+    return "" if cell == "-" else cell
+
+
+def ascii_unit(cell):
+    if not re.fullmatch(r"-|%|[A-Za-z0-9_./]+", cell):
+        raise ValueError(f"'{cell}' has a character other than letters, digits and _./")
     return "" if cell == "-" else cell
 
 
@@ -271,7 +277,8 @@ LABEL = ascii_text(MAX_LABEL)
 
 KEYS = {"key1": key1, "key2": key_pair, "key3": key_pair}
 FIELD_COLUMNS = {"pgn": PGN, "field": FIELD, "label": LABEL, "size": size, "dd": DD, **KEYS}
-UNIT_COLUMNS = {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "meaning": str}
+UNIT_COLUMNS = {"unit": number(0, UNIT_COUNT - 1), "id": identifier, "name": unit_name, "ascii": ascii_unit,
+                "meaning": str}
 COLUMNS = {
     "pgns": {"pgn": PGN, "name": ascii_text(MAX_NAME), **KEYS, "priority": number(0, 7),
              "frames": choice("single", "multi"), "packet": choice("single", "fast", "transport"),
@@ -306,7 +313,8 @@ def columns_with_units(unit):
                     "offset": optional(number(1, MAX_U32))},
         "unit_formats": {"unit": unit, "df": DF},
         "unit_factors": {"rule": identifier, "unit": unit, "factor": factor},
-        "availability": {"class": CLASS, "id": identifier, "units": offered_units(unit), "quantity": str},
+        "availability": {"class": CLASS, "id": identifier, "units": offered_units(unit), "si": optional(unit),
+                         "quantity": str},
     }
 
 

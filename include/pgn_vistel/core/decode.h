@@ -75,7 +75,7 @@ struct FieldReading {
 };
 
 /// Cuts the field at `at` out of the message and converts it. `field` is a row of the tables, `at` lies
-/// within `N2KMsg::data`. `unit` above 139 or negative (`unit::selected`): the selected one. In a unit that
+/// within `N2KMsg::data`. `unit` above 140 or negative (`unit::selected`): the selected one. In a unit that
 /// the field's format does not serve the value is not available.
 ///
 /// A field that starts inside the message ends with it; one beyond the end is read from the record as it is.

@@ -20,11 +20,15 @@ constexpr bool is_quantity(DispDataType q) {
     return q >= 0 && q < quantity::count;
 }
 
-/// @{ Name of a unit 0..139 as users see it, "°C" say. The units of plain numbers have none: "", which is the
+/// @{ Name of a unit 0..140 as users see it, "°C" say. The units of plain numbers have none: "", which is the
 /// answer for any other number, too. The second one is UTF-8 and not terminated.
 [[nodiscard]] const wchar_t* unit_name(UnitId unit);
 [[nodiscard]] std::string_view unit_text(UnitId unit);
 /// @}
+
+/// Name of a unit as programs see it, in JSON and CSV: ASCII, "degC" say. Empty where there is none. A degree is
+/// "deg", whatever it is counted from.
+[[nodiscard]] std::string_view unit_ascii(UnitId unit);
 
 /// Units that a quantity offers, the default first, ended by `unit::count`; never null, and empty without a
 /// quantity.
@@ -32,6 +36,10 @@ constexpr bool is_quantity(DispDataType q) {
 
 /// The unit that a quantity is shown in until the user picks another; `unit::raw_count` without a quantity.
 [[nodiscard]] UnitId default_unit(DispDataType quantity);
+
+/// The unit that programs get a quantity in: the SI unit, degrees for positions, and otherwise the nearest
+/// unit that all formats of the quantity serve. `unit::raw_count` without a quantity.
+[[nodiscard]] UnitId si_unit(DispDataType quantity);
 
 /// A quantity as users know it when they pick units.
 struct QuantityRow {
@@ -46,7 +54,8 @@ struct QuantityRow {
 /// of threads may share one that nobody changes.
 class UnitSelection {
   public:
-    UnitSelection();  ///< the default units
+    UnitSelection();              ///< the default units
+    static UnitSelection si();  ///< `si_unit` of each quantity
 
     /// False where either is out of range. Any unit goes for any quantity; in one that the quantity does not
     /// have, values are not available.
