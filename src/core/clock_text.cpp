@@ -1,5 +1,6 @@
 #include "core/clock_text.h"
 
+#include <chrono>
 #include <string_view>
 
 #include "core/numbers.h"
@@ -93,6 +94,35 @@ int put_time_of_day(char* out, std::uint32_t seconds, UnitId unit) {
     at = write_pair(at, seconds % 60);
     if (half_days) at = write_text(at, hours >= 12 ? " PM" : " AM");
     return static_cast<int>(at - out);
+}
+
+char* write_iso_date(char* at, std::int64_t days_since_1970) {
+    using namespace std::chrono;
+    const year_month_day date{sys_days{days{days_since_1970}}};
+    at = write_year(at, static_cast<int>(date.year()));
+    *at++ = '-';
+    at = write_pair(at, static_cast<unsigned>(date.month()));
+    *at++ = '-';
+    return write_pair(at, static_cast<unsigned>(date.day()));
+}
+
+char* write_iso_time(char* at, std::uint64_t parts, int decimals) {
+    constexpr std::uint64_t day = 86'400;
+    std::uint64_t second = 1;
+    for (int i = 0; i < decimals; ++i) second *= 10;
+    if (parts >= (day + 1) * second) return nullptr;
+    const bool leaps = parts >= day * second;
+    const auto seconds = static_cast<std::uint32_t>(leaps ? day - 1 : parts / second);
+    at = write_pair(at, seconds / 3600);
+    *at++ = ':';
+    at = write_pair(at, seconds / 60 % 60);
+    *at++ = ':';
+    at = write_pair(at, seconds % 60 + (leaps ? 1 : 0));
+    if (decimals == 0) return at;
+    *at++ = '.';
+    std::uint64_t rest = parts % second;
+    for (int i = decimals; i-- > 0; rest /= 10) at[i] = static_cast<char>('0' + rest % 10);
+    return at + decimals;
 }
 
 }  // namespace pgn_vistel::core

@@ -27,4 +27,14 @@ int put_date(char* out, std::uint16_t days, UnitId unit);
 ///     put_time_of_day(area, 45296, unit::clock_12) -> "12:34:56 PM"
 int put_time_of_day(char* out, std::uint32_t seconds, UnitId unit);
 
+/// @{ For programs, by ISO 8601 and by the calendar, not terminated: the date of a count of days since 1970,
+/// "2026-09-10"; a time of day of a count of seconds' parts, "08:00:00.1234" with so many decimals (at most
+/// 9). Return the end. A time that no day has (from 24:00:01 on) is null, the second behind the last one
+/// 23:59:60.
+///
+///     write_iso_time(area, 288'001'234, 4) -> "08:00:00.1234"
+char* write_iso_date(char* at, std::int64_t days);
+char* write_iso_time(char* at, std::uint64_t parts, int decimals);
+/// @}
+
 }  // namespace pgn_vistel::core

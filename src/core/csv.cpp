@@ -42,8 +42,17 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
     return write_cell(at, std::string_view(area, static_cast<std::size_t>(texts.at() - area)));
 }
 
-/// A row behind the columns that it shares, without its end.
-char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts) {
+char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
+    using Look = FieldParts::Look;
+    if (!parts.available) return at;
+    if (parts.look == Look::text) return write_cell(at, text_of(parts));
+    char* const end = parts.look == Look::number ? write_number(at, parts) : write_moment(at, plan, parts);
+    return end != nullptr ? end : at;
+}
+
+/// A row behind the columns that it shares.
+char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
+                  int from) {
     at = copy_blocks(at, text_pool + plan.texts + plan.line_size + plan.json_size, plan.csv_size);
     if ((plan.flags & numbered) != 0) {
         at = write_text(at, " #");
@@ -51,10 +60,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
         if ((plan.flags & quoted) != 0) *at++ = '"';
         *at++ = ',';
     }
-    if (parts.is_text)
-        at = write_cell(at, text_of(parts));
-    else if (char* const end = write_number(at, parts); end != nullptr)
-        at = end;
+    at = write_value(at, plan, parts);
     if (parts.unit >= 0) {
         const UnitTexts& texts = unit_texts[parts.unit];
         at = copy_blocks(at, text_pool + texts.csv, texts.csv_size);
@@ -63,14 +69,20 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     }
     at = write_meaning(at, plan, parts);
     *at++ = ',';
+    at = write_raw(at, payload, from, parts.reading.next);
+    *at++ = ',';
+    if (round > 0) at = write_unsigned(at, static_cast<unsigned>(round));
+    *at++ = '\n';
     return at;
 }
 
 }  // namespace
 
 char* CsvRenderer::write_header(char* at) {
-    return write_text(at,
-                      "time,absolute,pgn,name,priority,source,destination,field,label,value,unit,text,raw\n");
+    return write_text(
+        at,
+        "time,absolute,pgn,name,priority,source,destination,field,key,label,value,unit,text,raw,"
+        "round\n");
 }
 
 void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
@@ -114,18 +126,16 @@ char* CsvRenderer::write(char* at, char* limit) {
         const int from = walk.position;
         FieldParts parts;
         read_parts(walk, payload, units_, scratch_, parts);
-        at = write_field(write_head(at), plan, Stepping::round(walk), parts);
-        at = write_raw(at, payload, from, parts.reading.next);
-        *at++ = '\n';
+        at = write_field(write_head(at), plan, Stepping::round(walk), parts, payload, from);
         any_ = true;
     }
     if (stage_ == Stage::rest) {
         // A message must not vanish: the bytes that no field covers, or an empty row for an empty message.
         if (walk.rest || !any_) {
-            at = write_text(write_head(at), ",Data,,,,");
+            at = write_text(write_head(at), ",,Data,,,,");
             const int first = walk_.undecoded_from();
             at = write_hex_bytes(at, payload.data + first, payload.length - first);
-            *at++ = '\n';
+            at = write_text(at, ",\n");
         }
         stage_ = Stage::over;
     }

@@ -45,6 +45,21 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
     return size > 0 ? write_string(at, std::string_view(area, size)) : write_text(at, "null");
 }
 
+char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
+    using Look = FieldParts::Look;
+    char* end = nullptr;
+    if (!parts.available) {
+    } else if (parts.look == Look::number) {
+        end = write_number(at, parts);
+    } else if (parts.look == Look::text) {
+        end = write_string(at, text_of(parts));
+    } else if ((end = write_moment(at + 1, plan, parts)) != nullptr) {
+        *at = '"';
+        *end++ = '"';
+    }
+    return end != nullptr ? end : write_text(at, "null");
+}
+
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
                   int from) {
     at = copy_blocks(at, text_pool + plan.texts + plan.line_size, plan.json_size);
@@ -53,12 +68,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
         at = write_unsigned(at, static_cast<unsigned>(round));
         at = write_text(at, R"(","value":)");
     }
-    if (parts.is_text)
-        at = write_string(at, text_of(parts));
-    else if (char* const end = write_number(at, parts); end != nullptr)
-        at = end;
-    else
-        at = write_text(at, "null");
+    at = write_value(at, plan, parts);
     if (parts.unit >= 0) {
         const UnitTexts& texts = unit_texts[parts.unit];
         at = copy_blocks(at, text_pool + texts.json, texts.json_size);
@@ -68,7 +78,13 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     at = write_meaning(at, plan, parts);
     at = write_text(at, R"(,"raw":")");
     at = write_raw(at, payload, from, parts.reading.next);
-    return write_text(at, R"("})");
+    *at++ = '"';
+    if (round > 0) {
+        at = write_text(at, R"(,"round":)");
+        at = write_unsigned(at, static_cast<unsigned>(round));
+    }
+    *at++ = '}';
+    return at;
 }
 
 }  // namespace

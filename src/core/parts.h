@@ -13,8 +13,9 @@ namespace pgn_vistel::core {
 struct FieldParts {
     FieldValue reading;
     bool available;
-    bool is_text;  ///< the value is a text
-    int unit;      ///< negative for none, as beside a text of the catalogue
+    /// What the value is shown as.
+    enum class Look : std::uint8_t { number, text, date, time } look;
+    int unit;  ///< negative for none, as beside a text of the catalogue
 
     /// What the value means, as a text beside it.
     enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning;
@@ -32,7 +33,7 @@ struct FieldParts {
     }
 };
 
-/// `coded` is the entry of a number's code, or `no_entry`.
+/// What an available value means; `coded` is the entry of a number's code, or `no_entry`.
 inline void find_meaning(const FieldPlan& plan, const Stepping::State& walk, std::uint16_t coded,
                          FieldParts& parts) {
     using Meaning = FieldParts::Meaning;
@@ -43,23 +44,19 @@ inline void find_meaning(const FieldPlan& plan, const Stepping::State& walk, std
         parts.unit = -1;
         return;
     }
-    if (shows_nothing(plan, reading.value)) return;
     switch (plan.form) {
         case Form::pgn_name:
             parts.unit = -1;
-            if (const PgnDef* const row =
-                    parts.available ? find_pgn_def(reading.value.number.u32) : nullptr) {
+            if (const PgnDef* const row = find_pgn_def(reading.value.number.u32)) {
                 if (const std::string_view name = pgn_name(row); !name.empty())
                     parts.set_word(Meaning::pgn_name, name);
             }
             break;
         case Form::flags:
-            if (reading.cut_off) break;
             parts.unit = -1;
             parts.meaning = Meaning::flags;
             break;
         case Form::enumeration: {
-            if (reading.cut_off) break;
             const DDstrings& set = enum_sets[plan.enumeration];
             const std::uint32_t high = walk.is_resolved ? walk.high : 0;
             const std::uint16_t entry =
@@ -79,18 +76,71 @@ inline void find_meaning(const FieldPlan& plan, const Stepping::State& walk, std
     }
 }
 
+/// A text up to its end, without the characters that fill it up behind.
+inline Text without_fill(Text text) {
+    if (text.encoding == Encoding::digits) return text;
+    const bool is_wide = text.encoding == Encoding::utf16;
+    const std::uint32_t unused = is_wide ? 0xFFFF : 0xFF;
+    int count = 0;
+    while (count < text.count && unit_of(text, count) != 0 && unit_of(text, count) != unused) ++count;
+    const auto is_fill = [&text](int i) { return unit_of(text, i) == '@' || unit_of(text, i) == ' '; };
+    while (count > 0 && is_fill(count - 1)) --count;
+    text.count = count;
+    return text;
+}
+
+/// What is not shown as the number that was read.
+inline void look_again(const FieldPlan& plan, FieldParts& parts) {
+    using Look = FieldParts::Look;
+    Value& value = parts.reading.value;
+    if (value.type == ValueType::text) {
+        parts.look = Look::text;
+        value.text = without_fill(value.text);
+        parts.available = value.text.count > 0;
+    } else if (value.type == ValueType::seconds) {
+        parts.unit = unit::seconds;
+    } else if (is_integer(value.type) && parts.reading.quantity == quantity::date) {
+        parts.look = Look::date;
+        parts.unit = -1;
+    } else if (is_integer(value.type) && parts.reading.quantity == quantity::time_of_day) {
+        parts.look = Look::time;
+        parts.unit = -1;
+        parts.available = integer_of(value) < format_plans[plan.format].first_reserved;
+    } else if ((plan.flags & all_bits_none) != 0) {
+        parts.available = value.number.u64 != ~std::uint64_t{0} >> (64 - plan.bits);
+    }
+}
+
+/// A date or a time of day; null where it is neither.
+inline char* write_moment(char* at, const FieldPlan& plan, const FieldParts& parts) {
+    const std::int64_t count = integer_of(parts.reading.value);
+    if (parts.look == FieldParts::Look::date) return write_iso_date(at, count);
+    // The scale is a power of ten: what it makes of 1 are the decimals.
+    int decimals = 0;
+    for (float part = format_plans[plan.format].scale; part < 0.5f; part *= 10) ++decimals;
+    return write_iso_time(at, static_cast<std::uint64_t>(count), decimals);
+}
+
 /// Reads the field that the walk has come to; the walk goes behind it.
 [[gnu::always_inline]] inline void read_parts(Stepping::State& walk, const Payload& payload,
                                               const UnitSelection& units, TextScratch& scratch,
                                               FieldParts& parts) {
     const FieldPlan& plan = Stepping::plan(walk);
     const std::uint16_t coded = find_coded_entry(plan, payload, walk.position);
+    constexpr unsigned looked_at_again = apart | all_bits_none;
+    if ((plan.flags & apart) != 0) {
+        // No text of a field or a message before: programs could not tell.
+        scratch.short_text.count = 0;
+        scratch.medium_text.count = 0;
+    }
     Stepping::read_quickly(walk, payload, units, scratch, parts.reading);
     parts.available = is_available(parts.reading.value);
-    parts.is_text = parts.reading.value.type == ValueType::text;
+    parts.look = FieldParts::Look::number;
     parts.unit = parts.reading.unit;
     parts.meaning = FieldParts::Meaning::none;
-    if (plan.form != Form::plain) find_meaning(plan, walk, coded, parts);
+    if ((plan.flags & looked_at_again) != 0) look_again(plan, parts);
+    if (plan.form != Form::plain && (parts.available || coded != no_entry))
+        find_meaning(plan, walk, coded, parts);
 }
 
 /// Characters of a text beside its value: those of a line.

@@ -125,6 +125,9 @@ enum FieldFlag : std::uint16_t {
     quick = 128,       ///< a whole number, as wide as its format says, whose quantity is known
     plainly = 256,     ///< shown as the text of an enumeration or by its type
     linked = 512,      ///< depends on other fields: see `FieldExtra`
+    apart = 1024,  ///< a text, a date, a time or a count of seconds, to which JSON and CSV have a form of their
+                   ///< own
+    all_bits_none = 2048,  ///< has no value for programs where all of its bits are set
 };
 
 /// Where a field stands that another depends on.

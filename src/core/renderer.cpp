@@ -1,5 +1,4 @@
-#include <chrono>
-
+#include "core/clock_text.h"
 #include "core/numbers.h"
 #include "pgn_vistel/core/render.h"
 
@@ -12,9 +11,14 @@ void Renderer::start(const N2KMsg& msg, const PgnDef* pgn) {
     stage_ = Stage::head;
 }
 
+UnitSelection Renderer::for_programs(UnitSelection units) {
+    units.select(quantity::date, unit::days);
+    units.select(quantity::time_of_day, unit::raw_bits);
+    return units;
+}
+
 /// "2026-09-10T08:00:00.250000Z"
 char* Renderer::write_utc(char* at, std::int64_t nanoseconds) {
-    using namespace std::chrono;
     constexpr std::int64_t second = 1'000'000'000, day_length = 86'400 * second;
     std::int64_t day = nanoseconds / day_length;
     std::int64_t within = nanoseconds % day_length;
@@ -24,16 +28,7 @@ char* Renderer::write_utc(char* at, std::int64_t nanoseconds) {
     }
     if (day != day_) {
         day_ = day;
-        const year_month_day date{sys_days{days{day}}};
-        const int year = static_cast<int>(date.year());
-        char* to = date_.data();
-        to = write_pair(to, static_cast<std::uint32_t>(year / 100));
-        to = write_pair(to, static_cast<std::uint32_t>(year % 100));
-        *to++ = '-';
-        to = write_pair(to, static_cast<unsigned>(date.month()));
-        *to++ = '-';
-        to = write_pair(to, static_cast<unsigned>(date.day()));
-        *to = 'T';
+        *write_iso_date(date_.data(), day) = 'T';
     }
     std::memcpy(at, date_.data(), date_.size());
     at += date_.size();

@@ -2,6 +2,7 @@
 
 import re
 
+from keys import base_keys, check_keys, variant_name
 from plans import END_ROW, label_forms, next_row, pgn_forms, repeating_groups, shown_label, unit_forms
 from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
                     UNIT_COUNT, conversion_owner)
@@ -13,7 +14,7 @@ MAX_FORM = 255  # bytes of a text in one of its forms
 MAX_FLAGS = 1000  # characters of all texts of a set of flags, so that they fit a line
 
 
-def check_tables(tables, report):
+def check_tables(tables, report, keys_are_due=True):
     check_catalogue(tables, report)
     check_dictionary(tables, report)
     check_formats(tables, report)
@@ -25,7 +26,7 @@ def check_tables(tables, report):
     check_sets(tables, report)
     check_ids(tables, report)
     check_special_fields(tables, report)
-    check_forms(tables, report)
+    check_forms(tables, report, keys_are_due)
     check_si_units(tables, report)
 
 
@@ -346,19 +347,22 @@ def check_special_fields(tables, report):
             report.add(row.place, f"field {row.field} of pgn {row.pgn} has no dd {row.dd}")
         if row.shown and row.pgn not in proprietary:
             report.add(row.place, "shown has no effect without the walk of a proprietary message")
-        if not any((row.label, row.form, row.quantity, row.shown)):
+        if not any((row.label, row.form, row.quantity, row.none, row.shown)):
             report.add(row.place, "says nothing")
 
 
-def check_forms(tables, report):
+def check_forms(tables, report, keys_are_due):
     """What leaves as text, JSON and CSV is counted in one byte each. Entries of sets are short enough in any form."""
     def check(place, column, forms):
         size = max(len(form.encode()) for form in forms)
         if size > MAX_FORM:
             report.add(place, f"{column} has a form of {size} bytes, {MAX_FORM} fit")
 
+    unfrozen, keys = base_keys(tables, repeating_groups(tables), shown_label)
+    check_keys(tables, unfrozen.missing if keys_are_due else [], report)
     for row in tables.fields:
-        check(row.place, "label", label_forms(row.field, shown_label(tables, row), False))
+        check(row.place, "label", label_forms(row.field, keys[row.pgn, variant_name(row)][row.field],
+                                              shown_label(tables, row), False))
     for row in (*tables.pgns, *(row for row in tables.pgn_rules if row.name)):
         check(row.place, "name", pgn_forms(row.pgn, row.name))
     for row in tables.units:

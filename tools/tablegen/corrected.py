@@ -6,6 +6,7 @@ variants of a PGN, so that the next field is the next row."""
 from fractions import Fraction
 from types import SimpleNamespace as Row
 
+from keys import variant_name
 from overlay import HEADER, PROPRIETARY, base_variant
 from plans import field_bits, quantity, shown_label, special_row
 from tables import NO_CLASS, NO_SELECTOR, conversion_owner
@@ -49,7 +50,8 @@ def corrected_messages(tables, overlay):
                   entries={row.dd: row for row in tables.dictionary},
                   classes={row.dd: getattr(row, "class") for row in tables.disp_data_types},
                   quantities={row.id: getattr(row, "class") for row in tables.availability},
-                  shown_units={getattr(row, "class"): row.units for row in tables.availability},
+                  shown_units={getattr(row, "class"): [*row.units, *([row.si] if row.si else [])]
+                               for row in tables.availability},
                   rules={row.pgn: row for row in tables.pgn_rules}, sets=corrected_sets(tables, overlay),
                   dd_texts={row.dd: row.texts[0] for row in overlay.dd_texts},
                   factors=factors_by_rule(tables), units={row.id: row.unit for row in tables.units})
@@ -141,7 +143,7 @@ def base_message(variant, rows, changes, context):
               for first, last, count in groups if first in numbers and last in numbers]
     halves = (variant.key1 & 0xFFFF, variant.key2 >> 16)
     selector = "".join(f"_{half}" for half in halves if half != NO_SELECTOR)
-    return Row(pgn=variant.pgn, rank=(rank,), variant=f"base{selector}", name=whole.get("name", variant.row.name),
+    return Row(pgn=variant.pgn, rank=(rank,), variant=f"base{selector}", key_variant=variant_name(variant), name=whole.get("name", variant.row.name),
                priority=whole.get("priority", variant.row.priority),
                single=whole.get("packet", variant.row.packet) == "single", match=match, length=None,
                groups=groups, fields=fields)
@@ -238,7 +240,8 @@ def set_base_reading(field, row, df, context):
         field.reading = measured(32, True, Fraction(1, 10**7), 0, name.removeprefix("convert_"), none)
     elif kind == "integer" and field.bits == width:
         field.reading = whole(width, signed, none)
-    elif kind in ("scaled", "listed", "any") and field.bits == width:
+    elif kind in ("scaled", "listed", "any") and field.bits == width and \
+            field.quantity != context.quantities["time_of_day"]:
         scale = Fraction(form.scale.removesuffix("f"))
         if kind == "scaled":
             counted, times = COUNTED_IN.get(name.removeprefix("unit_rule_"), (None, "1"))
@@ -264,7 +267,7 @@ def overlaid_message(row, rows, context):
         set_reading(field, each, context)
         fields.append(field)
     groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
-    return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, name=row.name,
+    return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, key_variant=row.variant, name=row.name,
                priority=row.priority, single=row.packet == "single", match=row.match, length=row.length, groups=groups,
                fields=fields)
 
@@ -310,6 +313,7 @@ def set_reading(field, given, context):
         field.reading = ("bytes",)
     if coding in ("field_value", "key_value", "key", "field_index"):
         field.role = coding
+    field.is_fill = coding in ("reserved", "spare")
 
 
 def whole(bits, signed, none):

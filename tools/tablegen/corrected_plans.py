@@ -4,8 +4,10 @@ closing row, formats behind its formats, sets of texts behind its sets."""
 from types import SimpleNamespace as Row
 
 from corrected import NO_CODE, corrected_messages, is_proprietary
+from keys import Keys
 from overlay import HEADER, PROPRIETARY
-from plans import (END_ROW, FORMED_QUANTITIES, NO_SET, field_plan_line, field_texts, pgn_plan_line, plan_set)
+from plans import (COUNTED_SECONDS, DATE, END_ROW, FLAG_SET, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line, field_texts,
+                   has_all_bits_none, pgn_plan_line, plan_set, says_none)
 from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY
 
 KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
@@ -17,10 +19,34 @@ NO_MEASURE = "{1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
 READINGS = {"whole": "whole", "measured": "measured"}
 
 
-def plan_corrected(tables, overlay, plans):
+def all_messages(tables, overlay):
     messages, context = corrected_messages(tables, overlay)
-    messages += makers_messages(context)
-    out = Row(context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
+    return messages + makers_messages(context), context
+
+
+def corrected_keys(messages, context, keys):
+    """Keys by PGN and variant; those of values that are read by a key have the set's name for it."""
+    found = {}
+    for message in messages:
+        rows = [(field.number, field.label, any(first <= i <= last for first, last, _ in message.groups))
+                for i, field in enumerate(message.fields)]
+        found[message.pgn, message.key_variant] = keys.of(message.pgn, message.key_variant, rows)
+    for name, entries in context.sets.items():
+        if entries.rows is not None:
+            variant = f"key {name}"
+            found[0, variant] = keys.of(0, variant, [(entry.value & 0xFFFF, entry.text, False) for entry in entries.rows])
+    return found
+
+
+def missing_keys(tables, overlay):
+    keys = Keys(tables)
+    corrected_keys(*all_messages(tables, overlay), keys)
+    return keys.missing
+
+
+def plan_corrected(tables, overlay, plans):
+    messages, context = all_messages(tables, overlay)
+    out = Row(keys=corrected_keys(messages, context, Keys(tables)), context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
               field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
               first_row=len(plans.fields) + 1, key_rows={},
               dictionary={row.dd: i for i, row in enumerate(tables.dictionary)},
@@ -53,7 +79,7 @@ def makers_messages(context):
     """For each maker what is shown of a message that no definition is known of, and one for makers unknown."""
     entries = context.sets[MAKERS].entries
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, name=name, priority=7, single=False, match=[], length=None,
+    return [Row(pgn=0, rank=(), variant="maker", key_variant="maker", maker=code, name=name, priority=7, single=False, match=[], length=None,
                 groups=[], fields=header_fields()) for code, name in [*names, (None, "Unknown maker, proprietary")]]
 
 
@@ -117,7 +143,7 @@ def add_field(out, message, i, first):
         "linked": extra != 0,
     }
     again = first + group[0] if flags["last_of_group"] else END_ROW
-    add_row(out, message.pgn, message.variant, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
+    add_row(out, message.pgn, message.key_variant, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
             extra, flags)
 
 
@@ -131,9 +157,11 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
         "text": is_text,
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
+        "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_in_seconds(out, field),
+        "all_bits_none": has_none_code(out, field),
         "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
     }
-    texts = field_texts(out.plans, field.number, label, flags.get("numbered", False))
+    texts = field_texts(out.plans, field.number, out.keys[pgn, variant][field.number], label, flags.get("numbered", False))
     out.field_lines.append(field_plan_line(
         texts, 7 if field.bits % 8 == 0 else 0, next_row, again, field.bits, field.number, format_index(out, field),
         enumeration, extra, field.quantity, form, (0, 0), flags))
@@ -141,6 +169,23 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     entry = f"&dictionary[{out.dictionary[field.dd]}]" if field.dd is not None else "&no_entry_of_dictionary"
     quoted = label.replace("\\", "\\\\").replace('"', '\\"')
     out.field_rows.append(f'{{{pgn}, {field.number}, "{quoted}", {whole}, {part}, {entry}, {KEYS}, 0}},')
+
+
+def is_in_seconds(out, field):
+    if field.reading[0] != "df":
+        return False
+    return out.tables.formats[out.format_index[field.reading[1]]].rule[1] in COUNTED_SECONDS
+
+
+def has_none_code(out, field):
+    """Whether a code, or bits that mean nothing, has no value where all of its bits are set."""
+    if field.reading[0] != "whole" or field.reading[1][0] == "i" or not 1 < field.bits <= 64 or "none" in field.options:
+        return False
+    if field.texts is None:
+        return getattr(field, "is_fill", False) or field.dd is not None and has_all_bits_none(out.tables, field.dd)
+    found = out.context.sets[field.texts[0]]
+    texts = [entry.text for entry in found.entries if entry.value == (1 << field.bits) - 1]
+    return field.texts[1] is None and found.kind != FLAG_SET and (not texts or says_none(texts[0]))
 
 
 def form_of(out, field):

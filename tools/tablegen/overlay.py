@@ -6,6 +6,7 @@ import re
 from types import SimpleNamespace as Row
 
 from checks import MAX_FLAGS, MAX_FORM, check_ascending, check_packets, file_of
+from keys import key_of_label
 from plans import label_forms, pgn_forms
 from tables import (COLUMNS, DD, DECIMAL, FIELD, MAX_ENTRY, MAX_LABEL, MAX_NAME, MAX_PAYLOAD, MAX_U32, NO_KEY, PGN,
                     ascii_text, choice, int_of, number, optional, read_lines, read_row, read_table, size, summarise)
@@ -290,7 +291,7 @@ def check_variants(overlay, known, report):
         if row.field != len(rows) + 1:
             report.add(row.place, f"field {row.field} where {len(rows) + 1} is due")
         rows.append(row)
-        check_form(row, "label", label_forms(row.field, row.label, False), report)
+        check_form(row, "label", label_forms(row.field, key_of_label(row.label, False), row.label, False), report)
     messages = {(row.pgn, row.variant): row for row in overlay.messages}
     for key, rows in fields.items():
         if key not in messages:

@@ -5,6 +5,7 @@ The forms of a text lie in one pool. A form is named by its offset there, so tha
 
 from types import SimpleNamespace as Row
 
+from keys import base_keys, variant_name
 from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT, conversion_owner
 
 END_ROW = 0xFFFF
@@ -23,6 +24,12 @@ SIZED_BY_FIELD = {f"convert_{name}" for name in (
 QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"),
                "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
 TEXT_FORMATS = (50, 51, 63, 3002)  # short, medium and fixed, and the hexadecimal dump
+TIME_OF_DAY, DATE = 21, 23
+COUNTED_SECONDS = ("convert_run_time", "convert_period_minutes")
+# Bits that are taken as they are, so that no code of theirs is none by its format.
+BIT_FIELDS = ("convert_bit_field", "convert_low_2_bits", "convert_low_4_bits", "convert_low_6_bits")
+FLAG_SET = 3
+NONE_TEXTS = [text.split() for text in ("null", "not available", "data not available", "unavailable unknown")]
 FIRST = "First"
 FIRST_WORD = len("First ")
 POOL_SLACK = 64  # bytes behind the last text, as texts are copied in blocks
@@ -226,6 +233,7 @@ def plan_fields(tables, plans):
         rules={row.pgn: row for row in tables.pgn_rules},
         sets={found.dd: i for i, found in enumerate(plans.sets)},
         groups=repeating_groups(tables))
+    lookup.keys = base_keys(tables, lookup.groups, shown_label)[1]
     plans.field_lines = [field_plan(tables, plans, lookup, i) for i in range(len(plans.fields))]
 
 
@@ -243,6 +251,7 @@ def field_plan(tables, plans, lookup, i):
     first, last = lookup.groups.get(row.pgn, (0, 0))
     label = shown_label(tables, row)
     numbered = first <= row.field <= last and label == row.label and FIRST in label
+    key = lookup.keys[row.pgn, variant_name(row)][row.field]
     enumeration = lookup.sets.get(row.dd, NO_SET)
     bits = field_bits(row, entry, rule, lookup.formats)
     kind_of_quantity = quantity(tables, row, lookup.classes, rule)
@@ -258,18 +267,22 @@ def field_plan(tables, plans, lookup, i):
         "text": entry.df in TEXT_FORMATS,
         "whole_bytes": bits % 8 == 0,
         "quick": quick,
+        "apart": entry.df in TEXT_FORMATS or kind_of_quantity in (TIME_OF_DAY, DATE) or
+                 lookup.formats[entry.df].rule[1] in COUNTED_SECONDS,
+        "all_bits_none": has_none_code(tables, plans, row, lookup.formats[entry.df], bits, enumeration),
         "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
     }
     verdicts = tuple(verdict(tables, row, own) if filtered else 0 for own in (False, True))
     return field_plan_line(
-        field_texts(plans, row.field, label[FIRST_WORD:] if numbered else label, numbered), 7 if bits % 8 == 0 else 0, next_row(rows, i, 1),
+        field_texts(plans, row.field, key, label[FIRST_WORD:] if numbered else label, numbered),
+        7 if bits % 8 == 0 else 0, next_row(rows, i, 1),
         next_row(rows, i, first - last) if row.field == last else END_ROW, bits, row.field,
         lookup.format_index[entry.df], enumeration, 0, kind_of_quantity, form, verdicts, flags)
 
 
-def field_texts(plans, field, label, numbered):
+def field_texts(plans, field, key, label, numbered):
     """Place and sizes of what a field's label is in each form."""
-    forms = label_forms(field, label, numbered)
+    forms = label_forms(field, key, label, numbered)
     return f"{plans.pool.add(''.join(forms))}, {sizes(*forms)}"
 
 
@@ -278,6 +291,26 @@ def field_plan_line(texts, misplaced, next_one, again, bits, number, form_index,
     return (f"{{{texts}, {misplaced}, {next_one}, {again}, {bits}, {number}, {form_index}, {enumeration}, {extra}, "
             f"{kind_of_quantity}, Form::{form}, {{{verdicts[0]}, {verdicts[1]}}}, "
             f"{' | '.join(name for name, is_set in flags.items() if is_set) or 0}}},")
+
+
+def has_none_code(tables, plans, row, data_format, bits, enumeration):
+    """Whether a field of bits has no value where all of them are set."""
+    if data_format.rule[1] not in BIT_FIELDS or not 1 < bits <= 64:
+        return False
+    if enumeration == NO_SET:
+        return has_all_bits_none(tables, row.dd)
+    found = plans.sets[enumeration]
+    texts = [entry.text for entry in found.entries if entry.value == (1 << bits) - 1]
+    return found.kind != FLAG_SET and (not texts or says_none(texts[0]))
+
+
+def has_all_bits_none(tables, dd):
+    return any(row.dd == dd and row.none for row in tables.special_fields)
+
+
+def says_none(text):
+    words = text.lower().strip("[] ").replace(",", "").split()
+    return words in NONE_TEXTS
 
 
 def field_form(tables, plans, row, enumeration):
@@ -293,12 +326,12 @@ def shown_label(tables, row):
     return special_row(tables, row.pgn, row.field, row.dd, "label") or row.label
 
 
-def label_forms(field, label, numbered):
+def label_forms(field, key, label, numbered):
     """In the pool they stand behind each other. A numbered label is left open: the number of the round follows."""
     line = f"    {label}" + ("" if numbered else ": ")
-    json = f'{{"number":{field},"label":{json_text(label)[:-1]}' + ("" if numbered else '","value":')
+    json = f'{{"number":{field},"key":"{key}","label":{json_text(label)[:-1]}' + ("" if numbered else '","value":')
     cell = csv_cell(label)[:-1] if numbered and is_quoted_in_csv(label) else csv_cell(label)
-    return line, json, f"{field},{cell}" + ("" if numbered else ",")
+    return line, json, f"{field},{key},{cell}" + ("" if numbered else ",")
 
 
 def field_bits(row, entry, rule, formats):

@@ -8,6 +8,8 @@ from pathlib import Path
 from checks import check_tables
 from emit import write_fragments
 from overlay import check_overlay, read_overlay
+from keys import base_keys, key_lines
+from plans import repeating_groups, shown_label
 from tables import Report, read_tables
 
 
@@ -18,13 +20,14 @@ def main(arguments):
     parser.add_argument("--summary", action="store_true", help="print the summary of the tables")
     parser.add_argument("--check-summary", action="store_true",
                         help="fail when summary.txt does not describe the tables")
+    parser.add_argument("--new-keys", action="store_true", help="print the rows that keys.tsv lacks")
     options = parser.parse_args(arguments)
 
     report = Report()
     tables = read_tables(options.data, report)
     overlay = read_overlay(tables, options.data, report)
     if not report.messages:
-        check_tables(tables, report)
+        check_tables(tables, report, not options.new_keys)
         check_overlay(tables, overlay, report)
     summary = "".join(f"{line}\n" for line in tables.summary)
     if options.check_summary and not report.messages:
@@ -33,6 +36,9 @@ def main(arguments):
         print(message, file=sys.stderr)
     if report.messages:
         return 1
+    if options.new_keys:
+        found, _ = base_keys(tables, repeating_groups(tables), shown_label)
+        print("".join(f"{line}\n" for line in key_lines(found.missing)), end="")
     if options.summary:
         print(summary, end="")
     if options.out:

@@ -13,6 +13,7 @@ ALWAYS_FAST = ((126720, 126720), (130816, 131071))  # proprietary ranges, catalo
 MAX_PAYLOAD = 1785
 MAX_LABEL = 127  # characters of a label that the views keep
 MAX_NAME = 1023
+MAX_KEY = 72  # characters of a field's key
 MAX_ENTRY = 120  # characters of an enumeration text, so that it fits one byte with its escapes
 NO_SELECTOR = 0x8000
 NO_KEY = 0x80008000
@@ -91,6 +92,12 @@ def ascii_unit(cell):
 def identifier(cell):
     if not re.fullmatch(r"[A-Za-z][A-Za-z0-9_]*", cell):
         raise ValueError(f"'{cell}' is no name for code")
+    return cell
+
+
+def field_key(cell):
+    if not re.fullmatch(r"[a-z0-9]+(_[a-z0-9]+)*", cell) or len(cell) > MAX_KEY:
+        raise ValueError(f"'{cell}' is no key in snake case of at most {MAX_KEY} characters")
     return cell
 
 
@@ -283,6 +290,7 @@ COLUMNS = {
     "pgns": {"pgn": PGN, "name": ascii_text(MAX_NAME), **KEYS, "priority": number(0, 7),
              "frames": choice("single", "multi"), "packet": choice("single", "fast", "transport"),
              "listed": choice("yes", "no")},
+    "keys": {"pgn": PGN, "variant": str, "field": FIELD, "key": field_key},
     "stream_keys": {"pgn": PGN, "key1": first_stream_key, "key2": stream_key,
                     "key3": stream_key, "key4": stream_key},
     "dictionary": {"dd": DD, "name": text(MAX_NAME, dash_is_empty=True), "df": DF, "size": size},
@@ -300,6 +308,7 @@ COLUMNS = {
                        "label": optional(LABEL),
                        "form": optional(choice("pgn_name", "database_version")),
                        "quantity": optional(choice("format_inside", "format_before")),
+                       "none": optional(choice("all_bits")),
                        "shown": optional(choice("all", "own"))},
 }
 

@@ -88,6 +88,9 @@ class Renderer {
     enum class Stage : std::uint8_t { head, fields, rest, over };
 
     explicit Renderer(const UnitSelection& units) : units_(units) {}
+    /// Dates and times of day come as they are counted: programs get them by ISO 8601, whatever a user
+    /// picked.
+    static UnitSelection for_programs(UnitSelection units);
     void start(const N2KMsg& msg, const PgnDef* pgn);
     char* write_utc(char* at, std::int64_t nanoseconds);
 
@@ -130,15 +133,18 @@ class TextRenderer : public Renderer {
 ///
 ///     {"time":0.250000,"absolute":"2026-09-10T08:00:00.250000Z","pgn":127250,"name":"Vessel Heading",
 ///      "priority":2,"source":3,"destination":255,"fields":[
-///      {"number":2,"label":"Heading Sensor
-///      Reading","value":123.39791,"unit":"°M","text":null,"raw":"2154"}]}
+///      {"number":2,"key":"heading_sensor_reading","label":"Heading Sensor Reading",
+///      "value":2.1537,"unit":"rad","text":null,"raw":"2154"}]}
 ///
-/// `value` is a number, a text, or null where it is not available, `text` the meaning of a code, `raw` the
-/// field's bits, the low byte first. `data` has the payload where the fields do not cover it.
+/// `key` is the field's name for programs and never changes. `value` is a number, a text without the
+/// characters that fill it up, a date or a time of day by ISO 8601, or null where it is not available; `unit`
+/// is `unit_ascii`, `text` the meaning of a code, `raw` the field's bits, the low byte first. A field of a
+/// repeating group says its `round` behind that, from 1. `data` has the payload where the fields do not cover
+/// it.
 class JsonRenderer : public Renderer {
   public:
-    /// Values come in these units.
-    explicit JsonRenderer(const UnitSelection& units) : Renderer(units) {}
+    /// Values come in these units, `UnitSelection::si()` say.
+    explicit JsonRenderer(const UnitSelection& units) : Renderer(for_programs(units)) {}
 
     /// Begins a message, which must outlive its writing. `pgn` is its catalogue row, or null.
     void start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time);
@@ -152,11 +158,11 @@ class JsonRenderer : public Renderer {
     bool first_ = true;
 };
 
-/// One row a field; a message without fields has a row for its bytes.
+/// One row a field, with the members of JSON as columns; a message without fields has a row for its bytes.
 class CsvRenderer : public Renderer {
   public:
-    /// Values come in these units.
-    explicit CsvRenderer(const UnitSelection& units) : Renderer(units) {}
+    /// Values come in these units, `UnitSelection::si()` say.
+    explicit CsvRenderer(const UnitSelection& units) : Renderer(for_programs(units)) {}
 
     /// The header line, which comes once, in front of all messages. Needs `piece_room` bytes; returns the
     /// end.
