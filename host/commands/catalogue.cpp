@@ -11,6 +11,7 @@
 #include "output/sink.h"
 #include "output/unit_names.h"
 #include "pgn_vistel/core/catalogue.h"
+#include "pgn_vistel/core/render.h"
 #include "pgn_vistel/core/units.h"
 
 using namespace pgn_vistel::core;
@@ -87,7 +88,9 @@ void print_pgns(Sink& out) {
 
 void print_fields(Sink& out) {
     Table table(
-        out, "pgn\tfield\tlabel\tbytes\tbits\tdd\tdf\tselector\tindustry_group\tmessage\tthird\tthird_value");
+        out,
+        "pgn\tfield\tlabel\tbytes\tbits\tdd\tdf\tselector\tindustry_group\tmessage\tthird\tthird_value\t"
+        "key");
     for (const FieldDef& row : all_fields())
         table.number(row.pgn)
             .number(row.field)
@@ -97,6 +100,7 @@ void print_fields(Sink& out) {
             .number(row.dd->dd)
             .number(row.dd->df)
             .keys(row.key1, row.key2, row.key3)
+            .text(field_key(row))
             .end();
 }
 
@@ -148,19 +152,24 @@ void print_formats(Sink& out) {
 }
 
 void print_units(Sink& out) {
-    Table table(out, "unit\ttext");
-    for (UnitId u = 0; u < unit::count; ++u) table.number(u).text(vistel::unit_text(u)).end();
+    Table table(out, "unit\ttext\tascii");
+    for (UnitId u = 0; u < unit::count; ++u)
+        table.number(u).text(vistel::unit_text(u)).text(unit_ascii(u)).end();
 }
 
 void print_quantities(Sink& out) {
-    Table table(out, "quantity\tname\tunits");
+    Table table(out, "quantity\tname\tunits\tsi");
     const auto rows = quantity_rows();
     for (DispDataType q = 0; q < quantity::count; ++q) {
         const auto row = std::ranges::find(rows, q, &QuantityRow::quantity);
         std::string units;
         for (const UnitId* u = available_units(q); *u < unit::count; ++u)
             units += (units.empty() ? "" : ", ") + vistel::unit_text(*u);
-        table.number(q).text(row != rows.end() ? row->label : "").text(units).end();
+        table.number(q)
+            .text(row != rows.end() ? row->label : "")
+            .text(units)
+            .text(vistel::unit_text(si_unit(q)))
+            .end();
     }
 }
 

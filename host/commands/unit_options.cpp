@@ -47,7 +47,9 @@ Status select_unit(UnitSelection& selection, std::string_view choice) {
         for (const QuantityRow& r : rows) labels.emplace_back(r.label);
         return failure("no quantity '", name, "'; there are: ", joined(labels));
     }
-    const auto units = offered_units(row->quantity);
+    auto units = offered_units(row->quantity);
+    const UnitId si = si_unit(row->quantity);
+    if (std::ranges::find(units, si) == units.end() && !unit_text(si).empty()) units.push_back(si);
     const UnitId found = find_unit(units, text);
     if (found < 0) {
         std::vector<std::string> names;

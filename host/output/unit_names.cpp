@@ -28,8 +28,6 @@ std::string unit_text(UnitId u) {
 std::vector<UnitId> offered_units(DispDataType q) {
     std::vector<UnitId> units;
     for (const UnitId* u = core::available_units(q); *u < unit::count; ++u) units.push_back(*u);
-    const UnitId si = core::si_unit(q);
-    if (std::ranges::find(units, si) == units.end() && !unit_text(si).empty()) units.push_back(si);
     return units;
 }
 
@@ -43,8 +41,7 @@ UnitId find_unit(const std::vector<UnitId>& units, std::string_view text) {
         return !wanted.empty() && simplified(unit_text(u)) == wanted;
     };
     UnitId found = only(is_alike);
-    if (found < 0)
-        found = only([text](UnitId u) { return !text.empty() && core::unit_ascii(u) == text; });
+    if (found < 0) found = only([text](UnitId u) { return !text.empty() && core::unit_ascii(u) == text; });
     return found >= 0 ? found : only([text](UnitId u) { return is_spelling_of(text, unit_text(u)); });
 }
 

@@ -11,7 +11,7 @@ namespace vistel {
 /// A unit's text in UTF-8; the two clocks, which have no text, by a name of our own.
 std::string unit_text(pgn_vistel::core::UnitId unit);
 
-/// Units that a quantity offers, the default first, and the one of `si` behind them where it is none of them.
+/// Units that a quantity offers, the default first.
 std::vector<pgn_vistel::core::UnitId> offered_units(pgn_vistel::core::DispDataType quantity);
 
 /// The unit with this text: letter for letter, else as the only one that it can mean without regard to case

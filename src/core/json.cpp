@@ -47,17 +47,17 @@ char* write_meaning(char* at, const FieldPlan& plan, const FieldParts& parts) {
 
 char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
     using Look = FieldParts::Look;
-    char* end = nullptr;
-    if (!parts.available) {
-    } else if (parts.look == Look::number) {
-        end = write_number(at, parts);
-    } else if (parts.look == Look::text) {
-        end = write_string(at, text_of(parts));
-    } else if ((end = write_moment(at + 1, plan, parts)) != nullptr) {
-        *at = '"';
-        *end++ = '"';
+    if (parts.available && parts.look == Look::text) return write_string(at, text_of(parts));
+    if (parts.available && parts.look != Look::number) {
+        if (char* const end = write_moment(at + 1, plan, parts); end != nullptr) {
+            *at = '"';
+            *end = '"';
+            return end + 1;
+        }
+    } else if (char* const end = write_number(at, parts); end != nullptr) {
+        return end;
     }
-    return end != nullptr ? end : write_text(at, "null");
+    return write_text(at, "null");
 }
 
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
@@ -88,6 +88,14 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
 }
 
 }  // namespace
+
+std::string_view field_key(const FieldDef& field) {
+    const FieldPlan& plan = plan_of(field);
+    const std::string_view json(text_pool + plan.texts + plan.line_size, plan.json_size);
+    constexpr std::string_view member = R"("key":")";
+    const std::size_t first = json.find(member) + member.size();
+    return json.substr(first, json.find('"', first) - first);
+}
 
 void JsonRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
     Renderer::start(msg, pgn);

@@ -99,14 +99,14 @@ inline void look_again(const FieldPlan& plan, FieldParts& parts) {
         parts.available = value.text.count > 0;
     } else if (value.type == ValueType::seconds) {
         parts.unit = unit::seconds;
-    } else if (is_integer(value.type) && parts.reading.quantity == quantity::date) {
+    } else if (parts.reading.quantity == quantity::date) {
         parts.look = Look::date;
         parts.unit = -1;
-    } else if (is_integer(value.type) && parts.reading.quantity == quantity::time_of_day) {
+    } else if (parts.reading.quantity == quantity::time_of_day) {
         parts.look = Look::time;
         parts.unit = -1;
-        parts.available = integer_of(value) < format_plans[plan.format].first_reserved;
-    } else if ((plan.flags & all_bits_none) != 0) {
+        if (integer_of(value) >= format_plans[plan.format].first_reserved) parts.available = false;
+    } else if ((plan.flags & all_bits_none) != 0 && parts.available) {
         parts.available = value.number.u64 != ~std::uint64_t{0} >> (64 - plan.bits);
     }
 }

@@ -58,5 +58,34 @@ TEST(ClockText, EveryDay) {
     EXPECT_EQ(date(47541, unit::date_ymd), "2100-02-29") << "a day that the calendar does not have";
 }
 
+TEST(ClockText, ForPrograms) {
+    const auto iso_time = [](std::uint64_t parts, int decimals) {
+        char area[clock_text_size];
+        char* const end = write_iso_time(area, parts, decimals);
+        return end == nullptr ? "none" : std::string(area, end);
+    };
+    const struct {
+        std::uint64_t parts;
+        int decimals;
+        const char* expected;
+        // clang-format off
+    } cases[] = {
+        {0, 4, "00:00:00.0000"}, {288'001'234, 4, "08:00:00.1234"}, {86399, 0, "23:59:59"},
+        {863'999'999, 4, "23:59:59.9999"}, {864'000'500, 4, "23:59:60.0500"}, {864'010'000, 4, "none"},
+        {~std::uint64_t{0}, 9, "none"},
+        // clang-format on
+    };
+    for (const auto& c : cases) EXPECT_EQ(iso_time(c.parts, c.decimals), c.expected);
+    for (const auto& [days, expected] : {std::pair{0, "1970-01-01"},
+                                         {11016, "2000-02-29"},
+                                         {20706, "2026-09-10"},
+                                         {47540, "2100-02-28"},
+                                         {47541, "2100-03-01"},
+                                         {65532, "2149-06-03"}}) {
+        char area[clock_text_size];
+        EXPECT_EQ(std::string(area, write_iso_date(area, days)), expected);
+    }
+}
+
 }  // namespace
 }  // namespace pgn_vistel::test

@@ -189,7 +189,7 @@ std::string raw_of(const Written& written, int start, int bits) {
                       static_cast<unsigned>(written.bits_at(start + at, std::min(8, bits - at))));
         text += digits;
     }
-    return text + "\"}";
+    return text + "\"";
 }
 
 TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {

@@ -59,8 +59,8 @@ class ProgramTest(unittest.TestCase):
         first, second = map(json.loads, result.stdout.splitlines())
         self.assertEqual([first[key] for key in ("time", "absolute", "name", "priority", "source", "destination")],
                          [0, "2026-09-10T08:00:00.250000Z", "Vessel Heading", 2, 7, 255])
-        self.assertEqual(first["fields"][1], {"number": 2, "label": "Heading Sensor Reading", "value": 57.29578,
-                                              "unit": "°M", "text": None, "raw": "1027"})
+        self.assertEqual(first["fields"][1], {"number": 2, "key": "heading_sensor_reading", "label": "Heading Sensor Reading",
+                                              "value": 1, "unit": "rad", "text": None, "raw": "1027"})
         self.assertEqual(second["time"], 1.25)
 
     def test_forms_agree(self):
@@ -68,7 +68,7 @@ class ProgramTest(unittest.TestCase):
         made = subprocess.run([sys.executable, Path(__file__).with_name("any_payloads.py")], capture_output=True,
                               encoding="utf-8", check=True).stdout.splitlines(keepends=True)
         recording = "# format=FAST\n" + "".join(made[::4]) + "".join(map(label, HOSTILE))
-        text, objects, rows = (vistel("decode", form, stdin=recording).stdout
+        text, objects, rows = (vistel("decode", "--units=default", form, stdin=recording).stdout
                                for form in ("--plain-numbers", "--json", "--csv"))
         lines = iter(text.split("\n"))
         rows = csv.DictReader(io.StringIO(rows, newline=""))
@@ -118,8 +118,13 @@ class ProgramTest(unittest.TestCase):
         depth = ",3,128267,7,255,8,01,10,27,00,00,ff,7f,ff\n"  # 100.00 m
         for arguments, text in [([], "328.08 ft"), (["--unit", "depth=m"], "100.00 m"),
                                 (["--units", "metric"], "100.00 m"),
-                                (["--units", "metric", "--unit", "Depth=ftm"], "54.681 ftm")]:
+                                (["--units", "metric", "--unit", "Depth=ftm"], "54.681 ftm"),
+                                (["--units", "si"], "100.00 m"), (["--unit", "depth=fathom"], "54.681 ftm")]:
             self.assertIn("Transducer: " + text, vistel("decode", *arguments, stdin=depth).stdout)
+        for arguments, value, unit in [([], "100", "m"), (["--units", "default"], "328.084", "ft"),
+                                       (["--unit", "Depth=ftm"], "54.68067", "fathom")]:
+            rows = csv.DictReader(io.StringIO(vistel("decode", "--csv", *arguments, stdin=depth).stdout))
+            self.assertIn(("water_depth_transducer", value, unit), [(row["key"], row["value"], row["unit"]) for row in rows])
 
     def test_exit_statuses_and_messages(self):
         broken = ",2,127250,7,255,8,01,02\n"
@@ -310,7 +315,7 @@ class ProgramTest(unittest.TestCase):
                                         quoting=csv.QUOTE_NONE))
             self.assertGreater(len(lines), 20, table)
             self.assertTrue(all(line[column].isdigit() and None not in line.values() for line in lines), table)
-        self.assertIn("\t\u2126\n", vistel("catalogue", "units").stdout)
+        self.assertIn("\t\u2126\tohm\n", vistel("catalogue", "units").stdout)
 
 
 if __name__ == "__main__":

@@ -133,7 +133,7 @@ inline bool is_json_line(std::string_view text) {
     return depth == 0 && !quoted && text.ends_with("}\n");
 }
 
-/// Rows of thirteen columns.
+/// Rows of fifteen columns.
 inline bool is_csv(std::string_view text) {
     int commas = 0;
     bool quoted = false;
@@ -141,7 +141,7 @@ inline bool is_csv(std::string_view text) {
         if (c == '"') quoted = !quoted;
         if (quoted) continue;
         commas += c == ',';
-        if (c == '\r' || (c == '\n' && commas != 12)) return false;
+        if (c == '\r' || (c == '\n' && commas != 14)) return false;
         if (c == '\n') commas = 0;
     }
     return !quoted && commas == 0 && !text.empty();

@@ -27,7 +27,8 @@ def check_tables(tables, report, keys_are_due=True):
     check_ids(tables, report)
     check_special_fields(tables, report)
     check_forms(tables, report, keys_are_due)
-    check_si_units(tables, report)
+    if not report.messages:
+        check_si_units(tables, report)
 
 
 def check_ascending(rows, column, report, strict):
@@ -359,7 +360,7 @@ def check_forms(tables, report, keys_are_due):
             report.add(place, f"{column} has a form of {size} bytes, {MAX_FORM} fit")
 
     unfrozen, keys = base_keys(tables, repeating_groups(tables), shown_label)
-    check_keys(tables, unfrozen.missing if keys_are_due else [], report)
+    check_keys(tables, unfrozen.missing if keys_are_due and not report.messages else [], report)
     for row in tables.fields:
         check(row.place, "label", label_forms(row.field, keys[row.pgn, variant_name(row)][row.field],
                                               shown_label(tables, row), False))

@@ -93,8 +93,8 @@ def key_lines(missing):
 def check_keys(tables, missing, report):
     """Every field has a frozen key; none is frozen twice, and none stands for two fields of a message."""
     for pgn, variant, field, key in missing:
-        report.add("data/keys.tsv", f"field {field} of pgn {pgn}, variant {variant} has no key: append '{key}' "
-                   "(tablegen.py --new-keys has all such rows)")
+        report.add(tables.keys[-1].place, f"no key for field {field} of pgn {pgn}, variant {variant}: append '{key}' "
+                   "(tablegen.py --new-keys prints all such rows)")
     fields, keys = set(), set()
     for row in tables.keys:
         if (row.pgn, row.variant, row.field) in fields:

@@ -17,6 +17,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "pgn_vistel/core/decode.h"
 
@@ -70,6 +71,10 @@ class StreamLines {
 /// numbers its labels, with the number of the round. Writes UTF-8 to `at`, which has room for `piece_room`
 /// bytes, and returns its end.
 [[nodiscard]] char* write_label(char* at, const FieldDef& field, int repeat);
+
+/// The name of a field of the catalogue for programs, in snake case, unique within its message and never
+/// changed; the rounds of a repeating group share it.
+[[nodiscard]] std::string_view field_key(const FieldDef& field);
 
 /// The value of a field as the lines show it, with its unit or alone; `reading` is what `read_field` gave for
 /// the field, in any unit. Control characters of a text are written as they are: this is for those who

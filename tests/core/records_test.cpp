@@ -1,0 +1,170 @@
+#include "support/testing.h"
+
+namespace pgn_vistel::test {
+namespace {
+
+// JSON and CSV: what programs read.
+
+std::string between(std::string_view text, std::size_t& at, std::string_view open, std::string_view close) {
+    const std::size_t first = text.find(open, at) + open.size();
+    at = text.find(close, first);
+    return std::string(text.substr(first, at - first));
+}
+
+/// "key=value,unit,text" of each field, and "#round" behind it.
+std::vector<std::string> brief(const std::string& json) {
+    std::vector<std::string> fields;
+    for (std::size_t at = 0; json.find("{\"number\":", at) != json.npos;) {
+        std::string field = between(json, at, "\"key\":\"", "\"");
+        field += '=' + between(json, at, "\"value\":", ",\"unit\":");
+        field += ',' + between(json, at, "\"unit\":", ",\"text\":");
+        field += ',' + between(json, at, "\"text\":", ",\"raw\":");
+        const std::string behind = between(json, at, "\"raw\":\"", "}");
+        if (const std::size_t round = behind.find("\"round\":"); round != behind.npos)
+            field += '#' + behind.substr(round + 8);
+        fields.push_back(field);
+    }
+    return fields;
+}
+
+std::array<std::string, 2> records_of(const N2KMsg& msg) {
+    const Forms forms = forms_of(msg, plain, UnitSelection::si(), piece_room);
+    return {forms[1], forms[2]};
+}
+
+TEST(Records, WholeMessage) {
+    N2KMsg msg =
+        message(129540, {1, 0xFC, 1, 2, 0x97, 0x29, 0xFF, 0xFF, 0xFB, 0x10, 255, 255, 255, 0x7F, 0xF5});
+    msg.source = 0x23;
+    const auto [json, csv] = records_of(msg);
+    EXPECT_EQ(
+        json,
+        R"({"time":0.000000,"pgn":129540,"name":"GNSS Sats in View","priority":3,"source":35,)"
+        R"("destination":255,"fields":[)"
+        R"({"number":1,"key":"sequence_id","label":"Sequence ID","value":1,"unit":null,"text":null,"raw":"01"},)"
+        R"({"number":2,"key":"mode","label":"Mode","value":0,"unit":null,)"
+        R"("text":"Range residuals were used to calculate data","raw":"00"},)"
+        R"({"number":3,"key":"nmea_reserved_3","label":"NMEA Reserved","value":null,"unit":null,"text":null,)"
+        R"("raw":"3F"},)"
+        R"({"number":4,"key":"number_of_svs","label":"Number of SVs","value":1,"unit":null,"text":null,)"
+        R"("raw":"01"},)"
+        R"({"number":5,"key":"prn","label":"PRN \"1\"","value":2,"unit":null,"text":null,"raw":"02","round":1},)"
+        R"({"number":6,"key":"elevation","label":"Elevation \"1\"","value":1.0647,"unit":"rad","text":null,)"
+        R"("raw":"9729","round":1},)"
+        R"({"number":7,"key":"azimuth","label":"Azimuth \"1\"","value":null,"unit":"rad","text":null,)"
+        R"("raw":"FFFF","round":1},)"
+        R"({"number":8,"key":"snr","label":"SNR \"1\"","value":43.469997,"unit":"dB","text":null,)"
+        R"("raw":"FB10","round":1},)"
+        R"({"number":9,"key":"range_residuals","label":"Range Residuals 1","value":null,"unit":null,)"
+        R"("text":null,"raw":"FFFFFF7F","round":1},)"
+        R"({"number":10,"key":"prn_status","label":"PRN Status \"1\"","value":5,"unit":null,)"
+        R"("text":"used with Differential Corrections","raw":"05","round":1},)"
+        R"({"number":11,"key":"nmea_reserved_11","label":"NMEA Reserved","value":null,"unit":null,"text":null,)"
+        R"("raw":"0F","round":1}]})"
+        "\n");
+    EXPECT_NE(
+        csv.find(R"(,,129540,GNSS Sats in View,3,35,255,6,elevation,"Elevation ""1""",1.0647,rad,,9729,1)"
+                 "\n"),
+        csv.npos)
+        << csv;
+}
+
+Bytes with_text(Bytes head, std::string_view text, Bytes tail = {}) {
+    head.insert(head.end(), text.begin(), text.end());
+    head.insert(head.end(), tail.begin(), tail.end());
+    return head;
+}
+
+TEST(Records, Values) {
+    using namespace std::string_view_literals;
+    const struct {
+        std::uint32_t pgn;
+        Bytes payload;
+        std::vector<std::string> fields;  // some of them
+        // clang-format off
+    } cases[] = {
+        // dates and times: as sent, within the leap second, not available, none of any day
+        {126992, {1, 0xF0, 0xE2, 0x50, 0x52, 0x94, 0x2A, 0x11},
+         {"source=0,null,\"GPS\"", "date=\"2026-09-10\",null,null", "time=\"08:00:00.3154\",null,null"}},
+        {126992, {1, 0xF0, 0x45, 0xB9, 0xF4, 0x99, 0x7F, 0x33}, {"date=\"2099-11-09\",null,null", "time=\"23:59:60.0500\",null,null"}},
+        {126992, {1, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, {"source=null,null,null", "date=null,null,null", "time=null,null,null"}},
+        {126992, {0xFF, 0xF1, 0xFD, 0xFF, 0, 0, 0, 0x40}, {"sequence_id=null,null,null", "date=null,null,null", "time=null,null,null"}},
+        // codes: none, one with a text that is no value either, one of a single bit that says "Not available"
+        {127250, {255, 0x10, 0x27, 0xFF, 0x7F, 1, 0, 0xFF},
+         {"heading_sensor_reading=1,\"rad\",null", "deviation=null,\"rad\",null", "heading_sensor_reference=null,null,null"}},
+        {127250, {0, 0, 0, 0, 0, 0, 0, 0xFE}, {"heading_sensor_reference=2,null,\"Error\""}},
+        {59904, {0xFF, 0xFF, 0xFF}, {"pgn_being_requested=null,null,null"}},
+        {130312, {1, 0, 0, 0x8C, 0x72, 0xFF, 0xFF, 0xFF}, {"actual_temperature=293.24,\"K\",null", "set_temperature=null,\"K\",null"}},
+        {127489, {0, 10, 0, 0, 0, 0, 0, 0, 0, 0xFA, 0, 1, 0, 1, 0},
+         {"engine_oil_pressure=1000,\"Pa\",null", "fuel_rate=0.025,\"m3/h\",null", "total_engine_hours=65537,\"s\",null"}},
+        // texts: filled with @, blanks, 0xFF or zeros; nothing but these
+        {129809, with_text({24, 1, 0, 0, 0}, "A@B @@ @@@@@@@@@@@@@", {0, 0}), {"name=\"A@B\",null,null"}},
+        {129809, with_text({24, 1, 0, 0, 0}, "@@@@@@@@@@@@@@@@@@@@", {0, 0}), {"name=null,null,null"}},
+        {129809, with_text({24, 1, 0, 0, 0}, "X\xFFYZZZZZZZZZZZZZZZZZ", {0, 0}), {"name=\"X\",null,null"}},
+        {129041, with_text(Bytes(26, 0), "\x05\x01" "A\xFF@"sv), {"aid_to_navigation_aton_name=\"A\",null,null"}},
+        // UTF-16: a lone half of a pair, what JSON escapes, unused units
+        {129041, with_text(Bytes(26, 0), "\x0C\x00\x00\xD8\"\x00\x1F\x00@\x00\xFF\xFF"sv),
+         {"aid_to_navigation_aton_name=\"\xEF\xBF\xBD\\\"\\u001F\",null,null"}},
+        // a text that cannot be is none: the one before was of another message
+        {129041, with_text(Bytes(26, 0), "\x05\x07" "ABC"sv), {"aid_to_navigation_aton_name=null,null,null"}},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const auto fields = brief(records_of(message(c.pgn, c.payload))[0]);
+        for (const std::string& field : c.fields)
+            EXPECT_NE(std::ranges::find(fields, field), fields.end())
+                << field << " in " << testing::PrintToString(fields);
+    }
+    JsonRenderer json(UnitSelection::si());  // the one renderer of several messages
+    const N2KMsg good = message(cases[std::size(cases) - 2].pgn, cases[std::size(cases) - 2].payload);
+    const N2KMsg bad = message(std::rbegin(cases)->pgn, std::rbegin(cases)->payload);
+    for (const N2KMsg* const msg : {&good, &bad})
+        json.start(*msg, find_pgn_def(msg->pgn), {}), rendered(json);
+    json.start(bad, find_pgn_def(bad.pgn), {});
+    EXPECT_EQ(brief(rendered(json)).back(), "aid_to_navigation_aton_name=null,null,null");
+}
+
+TEST(Records, WhateverHasAValueHasItInSi) {
+    TextScratch scratch;
+    std::mt19937 random(5);
+    const UnitSelection shown, si = UnitSelection::si();
+    int values = 0;
+    const auto check = [&](const N2KMsg& msg, const FieldDef& row, int byte) {
+        const FieldReading usual = read_field(msg, row, {byte, 0}, shown, unit::selected, scratch);
+        if (!is_available(usual.value)) return;
+        EXPECT_TRUE(is_available(read_field(msg, row, {byte, 0}, si, unit::selected, scratch).value))
+            << row.pgn << " " << row.name;
+        ++values;
+    };
+    for (const FieldDef& row : all_fields())
+        for (int i = 0; i < 8; ++i) {
+            N2KMsg msg = message(row.pgn, random_bytes(random, 100));
+            check(msg, row, 0);
+            for (const DF df : all_formats()) {  // of values that name their format, inside and before
+                msg.data[0] = static_cast<std::uint8_t>(df);
+                msg.data[1] = static_cast<std::uint8_t>(df >> 8);
+                if (row.dd->dd == 10057 || row.dd->dd == 10059) check(msg, row, row.dd->dd == 10057 ? 0 : 2);
+            }
+        }
+    EXPECT_GT(values, 10'000);
+}
+
+TEST(Records, KeysTellTheFieldsOfAMessageApart) {
+    std::mt19937 random(6);
+    for (const std::uint32_t pgn : catalogued_pgns())
+        for (int i = 0; i < 8; ++i) {
+            Bytes payload = random_bytes(random, 223);
+            payload[0] = static_cast<std::uint8_t>(i);  // of a group function
+            std::set<std::string> seen;
+            const auto fields = brief(records_of(message(pgn, payload))[0]);
+            for (const std::string& field : fields) {
+                const std::size_t round = field.rfind('#');
+                const std::string key =
+                    field.substr(0, field.find('=')) + (round != field.npos ? field.substr(round) : "");
+                EXPECT_TRUE(seen.insert(key).second) << pgn << " " << key;
+            }
+        }
+}
+
+}  // namespace
+}  // namespace pgn_vistel::test
