@@ -71,7 +71,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     *at++ = ',';
     at = write_raw(at, payload, from, parts.reading.next);
     *at++ = ',';
-    if ((plan.flags & in_group) != 0) at = write_unsigned(at, static_cast<unsigned>(round));
+    if (round > 0) at = write_unsigned(at, static_cast<unsigned>(round));
     *at++ = '\n';
     return at;
 }

@@ -79,7 +79,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     at = write_text(at, R"(,"raw":")");
     at = write_raw(at, payload, from, parts.reading.next);
     *at++ = '"';
-    if ((plan.flags & in_group) != 0) {
+    if (round > 0) {
         at = write_text(at, R"(,"round":)");
         at = write_unsigned(at, static_cast<unsigned>(round));
     }

@@ -137,12 +137,6 @@ inline char* write_moment(char* at, const FieldPlan& plan, const FieldParts& par
         scratch.medium_text.count = 0;
     }
     const std::uint16_t coded = find_coded_entry(plan, payload, walk.position);
-    constexpr unsigned looked_at_again = apart | all_bits_none;
-    if ((plan.flags & apart) != 0) {
-        // No text of a field or a message before: programs could not tell.
-        scratch.short_text.count = 0;
-        scratch.medium_text.count = 0;
-    }
     Stepping::read_quickly(walk, payload, units, scratch, parts.reading);
     parts.available = is_available(parts.reading.value);
     parts.look = FieldParts::Look::number;

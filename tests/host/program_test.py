@@ -122,7 +122,7 @@ class ProgramTest(unittest.TestCase):
                                 (["--units", "si"], "100.00 m"), (["--unit", "depth=fathom"], "54.681 ftm")]:
             self.assertIn("Transducer: " + text, vistel("decode", *arguments, stdin=depth).stdout)
         for arguments, value, unit in [([], "100", "m"), (["--units", "default"], "328.084", "ft"),
-                                       (["--unit", "Depth=ftm"], "54.68067", "fathom")]:
+                                       (["--unit", "Depth=ftm"], "54.680668", "fathom")]:
             rows = csv.DictReader(io.StringIO(vistel("decode", "--csv", *arguments, stdin=depth).stdout))
             self.assertIn(("water_depth_transducer", value, unit), [(row["key"], row["value"], row["unit"]) for row in rows])
 

@@ -51,8 +51,7 @@ def corrected_messages(tables, overlay):
                   entries={row.dd: row for row in tables.dictionary},
                   classes={row.dd: getattr(row, "class") for row in tables.disp_data_types},
                   quantities={row.id: getattr(row, "class") for row in tables.availability},
-                  shown_units={getattr(row, "class"): [*row.units, *([row.si] if row.si else [])]
-                               for row in tables.availability},
+                  shown_units={getattr(row, "class"): row.units for row in tables.availability},
                   rules={row.pgn: row for row in tables.pgn_rules}, sets=corrected_sets(tables, overlay),
                   dd_texts={row.dd: row.texts[0] for row in overlay.dd_texts},
                   factors=factors_by_rule(tables), units={row.id: row.unit for row in tables.units})
@@ -313,7 +312,6 @@ def set_reading(field, given, context):
         field.reading = ("bytes",)
     if coding in ("field_value", "key_value", "key", "field_index"):
         field.role = coding
-    field.is_fill = coding in ("reserved", "spare")
 
 
 def whole(bits, signed, none):

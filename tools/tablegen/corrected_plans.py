@@ -143,7 +143,7 @@ def add_field(out, message, i, first):
         "linked": extra != 0,
     }
     again = first + group[0] if flags["last_of_group"] else END_ROW
-    add_row(out, message.pgn, message.key_variant, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
+    add_row(out, message.pgn, message.variant, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
             extra, flags)
 
 
@@ -159,8 +159,6 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
         "all_bits_none": has_none_text(out, field),
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
-        "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_in_seconds(out, field),
-        "all_bits_none": has_none_code(out, field),
         "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
     }
     texts = field_texts(out.plans, field.number, field.key, label, flags.get("numbered", False))
@@ -171,23 +169,6 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     entry = f"&dictionary[{out.dictionary[field.dd]}]" if field.dd is not None else "&no_entry_of_dictionary"
     quoted = label.replace("\\", "\\\\").replace('"', '\\"')
     out.field_rows.append(f'{{{pgn}, {field.number}, "{quoted}", {whole}, {part}, {entry}, {KEYS}, 0}},')
-
-
-def is_in_seconds(out, field):
-    if field.reading[0] != "df":
-        return False
-    return out.tables.formats[out.format_index[field.reading[1]]].rule[1] in COUNTED_SECONDS
-
-
-def has_none_code(out, field):
-    """Whether a code, or bits that mean nothing, has no value where all of its bits are set."""
-    if field.reading[0] != "whole" or field.reading[1][0] == "i" or not 1 < field.bits <= 64 or "none" in field.options:
-        return False
-    if field.texts is None:
-        return getattr(field, "is_fill", False) or field.dd is not None and has_all_bits_none(out.tables, field.dd)
-    found = out.context.sets[field.texts[0]]
-    texts = [entry.text for entry in found.entries if entry.value == (1 << field.bits) - 1]
-    return field.texts[1] is None and found.kind != FLAG_SET and (not texts or says_none(texts[0]))
 
 
 def form_of(out, field):

@@ -251,7 +251,6 @@ def field_plan(tables, plans, lookup, i):
     first, last = lookup.groups.get(row.pgn, (0, 0))
     label = shown_label(tables, row)
     numbered = first <= row.field <= last and label == row.label and FIRST in label
-    key = lookup.keys[row.pgn, variant_name(row)][row.field]
     enumeration = lookup.sets.get(row.dd, NO_SET)
     bits = field_bits(row, entry, rule, lookup.formats)
     kind_of_quantity = quantity(tables, row, lookup.classes, rule)
