@@ -64,8 +64,7 @@ inline void find_meaning(const FieldPlan& plan, std::uint32_t high, TextScratch&
             break;
         case Form::enumeration: {
             const DDstrings& set = enum_sets[plan.enumeration];
-            const std::uint16_t entry =
-                find_entry(plan.enumeration, enumeration_value(reading.value) + high);
+            const std::uint16_t entry = find_entry(plan.enumeration, enumeration_value(reading.value) + high);
             if (entry != no_entry) {
                 parts.set_entry(texts_of_entry(plan.enumeration, entry));
             } else if (const std::string_view word = word_of(set); !word.empty()) {

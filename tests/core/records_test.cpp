@@ -27,6 +27,12 @@ std::vector<std::string> brief(const std::string& json) {
     return fields;
 }
 
+std::string json_of(const N2KMsg& msg, Definitions set, const UnitSelection& units) {
+    JsonRenderer json(units);
+    json.start(msg, find_definition(set, msg), {});
+    return rendered(json);
+}
+
 std::array<std::string, 2> records_of(const N2KMsg& msg) {
     const Forms forms = forms_of(msg, plain, UnitSelection::si(), piece_room);
     return {forms[1], forms[2]};
@@ -149,21 +155,32 @@ TEST(Records, WhateverHasAValueHasItInSi) {
     EXPECT_GT(values, 10'000);
 }
 
-TEST(Records, KeysTellTheFieldsOfAMessageApart) {
+TEST(Records, EveryMessage) {
     std::mt19937 random(6);
+    int values = 0;
+    const auto has_value = [](const std::string& field) { return field.find("=null,") == field.npos; };
     for (const std::uint32_t pgn : catalogued_pgns())
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < 24; ++i) {
             Bytes payload = random_bytes(random, 223);
             payload[0] = static_cast<std::uint8_t>(i);  // of a group function
+            if (i % 3 == 1) payload[0] = 0x89, payload[1] = 0x98;
+            const N2KMsg msg = message(pgn, payload);
+            const Definitions set = i % 2 == 0 ? Definitions::corrected : Definitions::fixed;
+            const auto fields = brief(json_of(msg, set, UnitSelection::si()));
+            const auto shown = brief(json_of(msg, set, {}));
+            ASSERT_EQ(fields.size(), shown.size());
             std::set<std::string> seen;
-            const auto fields = brief(records_of(message(pgn, payload))[0]);
-            for (const std::string& field : fields) {
+            for (std::size_t at = 0; at < fields.size(); ++at) {
+                const std::string& field = fields[at];
+                EXPECT_EQ(has_value(field), has_value(shown[at])) << pgn << " " << field << " " << shown[at];
+                values += has_value(field);
                 const std::size_t round = field.rfind('#');
-                const std::string key =
+                const std::string name =
                     field.substr(0, field.find('=')) + (round != field.npos ? field.substr(round) : "");
-                EXPECT_TRUE(seen.insert(key).second) << pgn << " " << key;
+                EXPECT_TRUE(seen.insert(name).second) << pgn << ": a key that does not tell " << name;
             }
         }
+    EXPECT_GT(values, 10'000);
 }
 
 }  // namespace

@@ -312,6 +312,7 @@ def set_reading(field, given, context):
         field.reading = ("bytes",)
     if coding in ("field_value", "key_value", "key", "field_index"):
         field.role = coding
+    field.is_fill = coding in ("reserved", "spare")
 
 
 def whole(bits, signed, none):

@@ -7,7 +7,7 @@ from corrected import corrected_messages, set_reading
 from keys import Keys, variant_name
 from overlay import PROPRIETARY
 from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
-                   field_texts, pgn_plan_line, plan_set, says_none)
+                   field_texts, has_all_bits_none, pgn_plan_line, plan_set, says_none)
 from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY
 
 KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
@@ -156,7 +156,7 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
         "quoted": flags.get("numbered", False) and any(c in label for c in '",'),
         "text": is_text,
         "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_counted(out, field),
-        "all_bits_none": has_none_text(out, field),
+        "all_bits_none": has_none_code(out, field),
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
         "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
@@ -182,12 +182,19 @@ def is_counted(out, field):
     return any(row.df == df and row.rule[1] in COUNTED_SECONDS for row in out.tables.formats)
 
 
-def has_none_text(out, field):
-    """Whether the code of all bits says by its text that there is no value."""
-    if form_of(out, field) != "enumeration" or not 1 < field.bits <= 64:
+def has_none_code(out, field):
+    """Whether there is no value where all bits are set: that code has no text or one that says so, or bits that mean
+    nothing. Not where the definition itself says which codes are none."""
+    is_signed = field.reading[0] == "whole" and field.reading[1][0] == "i"
+    if is_signed or not 1 < field.bits <= 64 or "none" in field.options:
         return False
-    return any(entry.value == (1 << field.bits) - 1 and says_none(entry.text)
-               for entry in out.context.sets[field.texts[0]].entries)
+    if field.texts is None:
+        return (getattr(field, "is_fill", False) or field.form in ("pgn_name", "pgn_title")
+                or has_all_bits_none(out.tables, field.dd))
+    if form_of(out, field) != "enumeration" or field.texts[1] is not None:
+        return False
+    texts = [entry.text for entry in out.context.sets[field.texts[0]].entries if entry.value == (1 << field.bits) - 1]
+    return not texts or says_none(texts[0])
 
 
 def is_text_reading(reading):

@@ -297,10 +297,14 @@ def has_none_code(tables, plans, row, data_format, bits, enumeration):
     if data_format.rule[1] not in BIT_FIELDS or not 1 < bits <= 64:
         return False
     if enumeration == NO_SET:
-        return special_row(tables, row.pgn, row.field, row.dd, "none") is not None
+        return has_all_bits_none(tables, row.dd)
     found = plans.sets[enumeration]
     texts = [entry.text for entry in found.entries if entry.value == (1 << bits) - 1]
     return found.kind != FLAG_SET and (not texts or says_none(texts[0]))
+
+
+def has_all_bits_none(tables, dd):
+    return any(row.dd == dd and row.none for row in tables.special_fields)
 
 
 def says_none(text):
