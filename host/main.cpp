@@ -41,9 +41,10 @@ void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& definitio
     static const std::map<std::string, Definitions> names{{"corrected", Definitions::corrected},
                                                           {"fixed", Definitions::fixed}};
     command
-        .add_option("--definitions", definitions,
-                    "What messages are read by: corrected (what devices send; the default) or fixed (what the "
-                    "library's interface shows)")
+        .add_option(
+            "--definitions", definitions,
+            "What messages are read by: corrected (what devices send; the default) or fixed (what the "
+            "library's interface shows)")
         ->transform(CLI::CheckedTransformer(names).description(""))
         ->type_name("SET");
 }

@@ -236,6 +236,7 @@ void convert_measured(const FormatPlan& format, const RawField& raw, UnitId u, T
                       Value& out) {
     const Measure& measure = measures[format.measure];
     double number;
+    bool fine = format.width == 64;
     if (format.reading == Reading::measured_float) {
         number = (format.width == 64 ? real_in(raw) : static_cast<double>(single_in(raw))) * measure.times /
                  measure.over;
@@ -244,13 +245,16 @@ void convert_measured(const FormatPlan& format, const RawField& raw, UnitId u, T
         const std::int64_t count = widened(raw.bits, format.width, format.is_signed != 0);
         if (is_none(format, measure, count)) return store_none(out);
         number = measured(measure, count);
+        fine = is_fine(format, count);
     }
-    if (const float factor = unit_factor(format.rule, u); factor != 0)
-        store_measured(out, format.width, factor == 1 ? number : number * static_cast<double>(factor));
-    else if (u == unit::raw_count || u == unit::raw_bits)
-        store_measured(out, format.width, number);
+    const bool as_counted = u == unit::raw_count || u == unit::raw_bits;
+    const float factor = as_counted ? 1 : unit_factor(format.rule, u);
+    if (factor == 0) return apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);
+    if (factor != 1) number *= static_cast<double>(factor);
+    if (fine)
+        store_real(out, number);
     else
-        apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);
+        store_single(out, number);
 }
 
 // ---- texts ----
@@ -288,7 +292,8 @@ int convert_sent_text(const FormatPlan& format, const std::uint8_t* field, int a
 /// Length, characters and a zero; in a field of a fixed size the length may say less.
 int convert_counted_text(const std::uint8_t* field, int available, int bytes, Value& out) {
     const int length = available > 0 ? field[0] : 0;
-    const int room = std::max(std::min(bytes > 0 ? std::min(bytes, available) : available, 1 + length) - 1, 0);
+    const int room =
+        std::max(std::min(bytes > 0 ? std::min(bytes, available) : available, 1 + length) - 1, 0);
     store_text(out, field + 1, filled_length(field + 1, room, 1, false), Encoding::code_page);
     return std::min(length + 2, std::max(available, 1));
 }
@@ -474,7 +479,7 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::period_minutes: {
             // The code for "out of range" is handed on as the clock type's own, whatever the unit.
             static constexpr FormatPlan minutes{0,  Reading::scaled, 16, 0, UnitRule::duration_s,
-                                                60, 0xFFFD,          0, 0};
+                                                60, 0xFFFD,          0,  0};
             if (low_bits(raw, 16) == 0xFFFE)
                 store_integer(out, ValueType::seconds, 0xFFFFFFFE);
             else
@@ -504,9 +509,7 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
             return convert_self_described(raw.before, raw.bits, u, scratch, out);
         case Reading::whole: convert_whole(format, raw, out); return format.width / 8;
         case Reading::measured:
-        case Reading::measured_float:
-            convert_measured(format, raw, u, scratch, out);
-            return format.width / 8;
+        case Reading::measured_float: convert_measured(format, raw, u, scratch, out); return format.width / 8;
         case Reading::never_available:
         case Reading::text_sent:
         case Reading::text_counted:

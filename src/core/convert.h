@@ -92,14 +92,11 @@ inline double measured(const Measure& measure, std::int64_t number) {
     return static_cast<double>(number + measure.offset) * measure.times / measure.over;
 }
 
-/// Single precision keeps numbers of up to 24 bits.
-constexpr int widest_single = 24;
-
-inline void store_measured(Value& out, int width, double value) {
-    if (width > widest_single)
-        store_real(out, value);
-    else
-        store_single(out, value);
+/// Whether a count needs double precision: positions do, and what single precision has no digits for.
+inline bool is_fine(const FormatPlan& format, std::int64_t number) {
+    constexpr std::int64_t most = 1 << FLT_MANT_DIG;
+    return format.rule == UnitRule::latitude_32 || format.rule == UnitRule::longitude_32 || number >= most ||
+           number <= -most;
 }
 
 /// The scale is a single precision constant, applied in double precision and rounded once.

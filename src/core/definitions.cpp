@@ -102,10 +102,9 @@ std::uint32_t maker_of(std::uint64_t word) {
 bool is_of(const Variant& variant, std::uint64_t word, const N2KMsg& msg, int length) {
     if ((word & variant.mask) != variant.value || length < variant.least || length > variant.most)
         return false;
-    return std::ranges::all_of(std::span(parts).subspan(variant.first_part, variant.parts),
-                               [&msg](const Part& part) {
-                                   return gather_bits(msg.data, part.bit, part.width) == part.value;
-                               });
+    return std::ranges::all_of(
+        std::span(parts).subspan(variant.first_part, variant.parts),
+        [&msg](const Part& part) { return gather_bits(msg.data, part.bit, part.width) == part.value; });
 }
 
 }  // namespace

@@ -64,7 +64,8 @@ constexpr ValueText enum_pairs[] = {
 
 }  // namespace
 
-// Ascending, but for the sets that are terminated, which stand behind; then those of the corrected definitions.
+// Ascending, but for the sets that are terminated, which stand behind; then those of the corrected
+// definitions.
 constexpr DDstrings enum_sets[] = {
 #include "enum_sets.inc"
 };

@@ -142,13 +142,13 @@ enum class Direction : std::uint8_t { none, true_north, magnetic, relative, by_r
 
 /// What a field of the corrected definitions depends on.
 struct FieldExtra {
-    Link count{};                   ///< of the first field of a group: how often the group comes
-    Link high{};                    ///< the enumeration is asked for 256 times this field and the own value
-    Link reference{};               ///< whether the direction is true or magnetic
-    Link size{};                    ///< size of the field
-    Link key{};                     ///< which row of the set's rows the field is read by
-    Link index{}, about{}, maker{};     ///< the field of another message: number, PGN and manufacturer
-    std::uint16_t behind = 0;     ///< row behind the group
+    Link count{};                    ///< of the first field of a group: how often the group comes
+    Link high{};                     ///< the enumeration is asked for 256 times this field and the own value
+    Link reference{};                ///< whether the direction is true or magnetic
+    Link size{};                     ///< size of the field
+    Link key{};                      ///< which row of the set's rows the field is read by
+    Link index{}, about{}, maker{};  ///< the field of another message: number, PGN and manufacturer
+    std::uint16_t behind = 0;        ///< row behind the group
     std::uint16_t key_set = 0, key_rows = 0;
     Direction direction = Direction::none;
     std::uint8_t relative_first = 1, relative_last = 0;  ///< references of a plain angle
@@ -237,7 +237,8 @@ const PgnPlan& plan_of(const PgnDef& row);
 const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker);
 bool is_proprietary(std::uint32_t pgn);
 
-/// A row that has the name of a PGN by the corrected definitions, whatever the variant; null where it has none.
+/// A row that has the name of a PGN by the corrected definitions, whatever the variant; null where it has
+/// none.
 const PgnDef* find_title(std::uint32_t pgn);
 const FieldPlan& plan_of(const FieldDef& row);
 std::uint16_t first_row_keyed(std::uint32_t pgn, std::uint16_t selector);

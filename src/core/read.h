@@ -153,7 +153,7 @@ struct QuickNumber {
         }
         double value = measured(measure, number);
         if (factor != 1) value *= static_cast<double>(factor);
-        if (format.width > widest_single) {
+        if (is_fine(format, number)) {
             out.kind = Kind::real;
             out.real = value;
         } else {

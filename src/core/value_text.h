@@ -17,7 +17,7 @@ namespace pgn_vistel::core {
 /// What printing needs beside the value.
 struct Shown {
     Form form;
-    std::uint16_t set;  ///< the enumeration, or `no_set`
+    std::uint16_t set;   ///< the enumeration, or `no_set`
     std::uint32_t high;  ///< added to the number that it is asked for
     DispDataType quantity;
     UnitId unit;
@@ -332,8 +332,7 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
         case Form::flags:
             put_flags(out, shown.set, enumeration_value(v));  // no flag set is a text, too: an empty one
             return true;
-        case Form::enumeration:
-            return put_enumeration(out, shown.set, enumeration_value(v), shown.high);
+        case Form::enumeration: return put_enumeration(out, shown.set, enumeration_value(v), shown.high);
         case Form::mmsi:
             if (!is_available(v)) return false;
             out.put_number([&v](char* at) { return write_mmsi(at, v.number.u32); });

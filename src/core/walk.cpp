@@ -72,7 +72,8 @@ bool Stepping::resolve(State& w) {
         w.size = static_cast<int>(std::min(bits - std::min<std::uint64_t>(bits, extra.less * 8u), most));
     }
     if (extra.key.bits != 0) {
-        const std::uint16_t entry = find_entry(extra.key_set, static_cast<std::uint32_t>(number_at(w, extra.key)));
+        const std::uint16_t entry =
+            find_entry(extra.key_set, static_cast<std::uint32_t>(number_at(w, extra.key)));
         if (entry != no_entry) w.row = static_cast<std::uint16_t>(extra.key_rows + entry);
     }
     if (extra.index.bits != 0) {

@@ -390,7 +390,7 @@ def factors_by_rule(tables):
     factors = {}
     for row in tables.unit_factors:
         factors.setdefault(row.rule, {})[row.unit.number] = Fraction(row.factor.removesuffix("f"))
-    mass = dict(factors["mass_kg"])
+    mass = dict(factors.get("mass_kg", {}))
     mass[next(row.unit for row in tables.units if row.id == "kg")] = Fraction(1)
     factors["mass"] = mass
     factors["every"] = {row.unit: Fraction(1) for row in tables.units}

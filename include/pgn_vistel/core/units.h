@@ -26,8 +26,8 @@ constexpr bool is_quantity(DispDataType q) {
 [[nodiscard]] std::string_view unit_text(UnitId unit);
 /// @}
 
-/// Name of a unit as programs see it, in JSON and CSV: ASCII, "degC" say. Empty where there is none. A degree is
-/// "deg", whatever it is counted from.
+/// Name of a unit as programs see it, in JSON and CSV: ASCII, "degC" say. Empty where there is none. A degree
+/// is "deg", whatever it is counted from.
 [[nodiscard]] std::string_view unit_ascii(UnitId unit);
 
 /// Units that a quantity offers, the default first, ended by `unit::count`; never null, and empty without a
@@ -54,7 +54,7 @@ struct QuantityRow {
 /// of threads may share one that nobody changes.
 class UnitSelection {
   public:
-    UnitSelection();              ///< the default units
+    UnitSelection();            ///< the default units
     static UnitSelection si();  ///< `si_unit` of each quantity
 
     /// False where either is out of range. Any unit goes for any quantity; in one that the quantity does not
