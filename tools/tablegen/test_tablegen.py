@@ -7,6 +7,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
+from keys import make_keys
 from tablegen import main
 
 
@@ -284,6 +285,17 @@ class TablesTest(unittest.TestCase):
         with contextlib.redirect_stdout(printed), contextlib.redirect_stderr(messages):
             status = main(["--data", str(self.data), *options])
         return status, printed.getvalue(), messages.getvalue()
+
+
+class KeysTest(unittest.TestCase):
+    def test_keys_are_formed_of_labels_and_told_apart(self):
+        rows = [(1, "Sequence ID", False), (2, "Reserved", False), (3, "SNR \"1\"", True), (4, "First PGN supported", True),
+                (5, "Reserved", False), (6, "nItems", False), (7, "Ship's Name", False), (8, "Reserved 5", False),
+                (9, "\u03a9", False), (10, "word " * 20, False)]
+        keys = make_keys(rows, {1: "sid", 7: "reserved_2"})
+        self.assertEqual([keys[field] for field in sorted(keys)], [
+            "sid", "reserved_2_2", "snr", "pgn_supported", "reserved_5", "n_items", "reserved_2", "reserved_5_8", "field",
+            "_".join(["word"] * 12)])
 
 
 class TablegenTest(TablesTest):
