@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <map>
 
 #include "command_line/command_line.h"
 #include "commands/catalogue.h"
@@ -36,19 +35,6 @@ void add_units(CLI::App& command, vistel::UnitOptions& options) {
         ->allow_extra_args(false);
 }
 
-void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& definitions) {
-    using pgn_vistel::core::Definitions;
-    static const std::map<std::string, Definitions> names{{"corrected", Definitions::corrected},
-                                                          {"fixed", Definitions::fixed}};
-    command
-        .add_option(
-            "--definitions", definitions,
-            "What messages are read by: corrected (what devices send; the default) or fixed (what the "
-            "library's interface shows)")
-        ->transform(CLI::CheckedTransformer(names).description(""))
-        ->type_name("SET");
-}
-
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("decode", "Decode a recording or a live stream, message by message");
@@ -66,7 +52,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));
     add_units(*command, options.units);
-    add_definitions(*command, options.definitions);
+    vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }

@@ -56,6 +56,7 @@ int main(int argc, char** argv) {
         ->check(check_speed)
         ->capture_default_str();
     app.add_flag("--loop", options.loop, "From the start again at the end");
+    vistel::add_definitions(app, options.definitions);
     app.failure_message(vistel::usage_error);
     try {
         app.parse(vistel::words(argc, argv));

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "monitor/latest.h"
+#include "pgn_vistel/core/catalogue.h"
 #include "readers/recording.h"
 #include "reassembly/reassembler.h"
 
@@ -17,6 +18,7 @@ struct PlayOptions {
     std::string format;  ///< empty to recognise it
     double speed = 1;    ///< times the recording's own pace; 0 as fast as the display can
     bool loop = false;
+    pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
 };
 
 /// What became of the input so far.

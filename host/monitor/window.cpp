@@ -11,6 +11,7 @@
 #include <wx/treectrl.h>
 
 #include "pgn_vistel/pgn_dlg.h"
+#include "pgn_vistel/pgn_tree.h"
 
 namespace vistel {
 
@@ -41,7 +42,10 @@ void append_visible(const wxTreeCtrl& tree, const wxTreeItemId& parent, const wx
 }  // namespace
 
 MonitorWindow::MonitorWindow(std::unique_ptr<Player> player)
-    : dialog_(new PGN_VistelDlg_c(static_cast<wxWindow*>(nullptr), most_streams, 0)),
+    : dialog_(new PGN_VistelDlg_c(static_cast<wxWindow*>(nullptr), most_streams,
+                                  player->options().definitions == pgn_vistel::core::Definitions::corrected
+                                      ? PGN_VISTEL_CORRECTED_DEFINITIONS
+                                      : 0)),
       tree_(tree_of(*dialog_)),
       player_(std::move(player)),
       timer_(this) {

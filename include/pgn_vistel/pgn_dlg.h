@@ -24,7 +24,7 @@ class wxFocusCtrl_c;
 /// it.
 ///
 /// User-interface thread only. `db` null is the global database. `maxStreams` is the capacity of the tree.
-/// `flags`: bit value 1 leaves the Unit button out; bit value 2 shows numbers without their hexadecimal form.
+/// `flags`: bit value 1 leaves the Unit button out; the others are those of the tree.
 /// `pCreated`, where given, receives 1 when the window is built and 0 when it is destroyed, and must live as
 /// long.
 ///

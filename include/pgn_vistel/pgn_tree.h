@@ -13,6 +13,10 @@
 class wxWindow;
 struct TreeState;
 
+/// Display flag of trees and monitor windows: messages are read by the corrected definitions, which follow
+/// what devices send, with variants by manufacturer, function code and length.
+constexpr unsigned long PGN_VISTEL_CORRECTED_DEFINITIONS = 4;
+
 /// The monitor tree: one line for each stream of messages (PGN, source and up to four stream keys), beneath
 /// it the source, the destination and the fields of the stream's latest message, rewritten in place.
 ///
@@ -26,7 +30,8 @@ struct TreeState;
 class PGN_VISTEL_API PGN_VistelTree_c {
   public:
     /// On a native tree control. `maxStreams` is the number of streams kept; messages of further ones are
-    /// refused. `flags` bit value 2: numbers without their hexadecimal form.
+    /// refused. `flags` bit value 2: numbers without their hexadecimal form;
+    /// `PGN_VISTEL_CORRECTED_DEFINITIONS`: what devices send instead of the catalogue of the text interface.
     PGN_VistelTree_c(HWND parent, CTreeCtrl* tree, unsigned long maxStreams, unsigned long flags);
 
     /// @{

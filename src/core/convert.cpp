@@ -251,7 +251,7 @@ void convert_measured(const FormatPlan& format, const RawField& raw, UnitId u, T
     const float factor = as_counted ? 1 : unit_factor(format.rule, u);
     if (factor == 0) return apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);
     if (factor != 1) number *= static_cast<double>(factor);
-    if (fine)
+    if (fine || !std::isfinite(static_cast<float>(number)))
         store_real(out, number);
     else
         store_single(out, number);

@@ -178,9 +178,9 @@ inline char* write_number(char* at, const FieldParts& parts) {
 inline char* write_raw(char* at, const Payload& payload, int from, int to) {
     const int bits = std::min(to, payload.length * 8) - from;
     if (((from | bits) & 7) == 0) return write_hex_bytes(at, payload.data + from / 8, std::max(0, bits / 8));
-    std::uint64_t word = gather_bits(payload.data, from, std::min(bits, 64));
-    for (int i = 0; i < std::clamp((bits + 7) / 8, 0, 8); ++i, word >>= 8)
-        at = write_hex_byte(at, static_cast<std::uint8_t>(word));
+    for (int i = 0; i < bits; i += 8)
+        at = write_hex_byte(
+            at, static_cast<std::uint8_t>(gather_bits(payload.data, from + i, std::min(bits - i, 8))));
     return at;
 }
 

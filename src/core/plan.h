@@ -89,6 +89,11 @@ struct FormatPlan {
     std::uint16_t measure;        ///< index of what `whole` and `measured` go by
 };
 
+/// Whether a format is one of the corrected definitions, which have no numbers.
+inline bool is_of_corrected(const FormatPlan& format) {
+    return format.df == 0xFFFF;
+}
+
 /// (number + offset) * times / over: a decimal resolution as two whole numbers, so that one rounding is all.
 struct Measure {
     double times, over;

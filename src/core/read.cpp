@@ -26,12 +26,25 @@ DispDataType dynamic_quantity(std::uint8_t how, const RawField& raw, const std::
     return is_quantity(own) ? own : DispDataType{quantity::no_quantity};
 }
 
-/// A text that starts or ends inside a byte: of the message, only the bits of a number are looked at.
-int convert_moved_text(const FieldShape& shape, std::uint64_t bits, TextScratch& scratch, Value& out) {
-    scratch.moved.fill(0);
-    std::memcpy(scratch.moved.data(), &bits, sizeof bits);
-    return convert_text(*shape.format, scratch.moved.data(), static_cast<int>(scratch.moved.size()),
-                        shape.bytes, scratch, out);
+/// A text that starts or ends inside a byte. Of the text interface's, only the bits of a number are looked at.
+int convert_moved_text(const FieldShape& shape, std::uint64_t bits, const Payload& payload, int position,
+                       TextScratch& scratch, Value& out) {
+    auto& moved = scratch.moved;
+    int room = static_cast<int>(moved.size());
+    int bytes = shape.bytes;
+    moved.fill(0);
+    if (is_of_corrected(*shape.format)) {
+        const int wanted = shape.bytes > 0 ? 8 * shape.bytes : shape.bits;
+        const int there = std::clamp(payload.length * 8 - position, 0, 8 * room);
+        const int size = wanted > 0 ? std::min(wanted, there) : there;
+        for (int i = 0; i < size; i += 8)
+            moved[static_cast<std::size_t>(i / 8)] = static_cast<std::uint8_t>(
+                gather_bits(payload.data, position + i, std::min(size - i, 8)));
+        room = bytes = (size + 7) / 8;
+    } else {
+        std::memcpy(moved.data(), &bits, sizeof bits);
+    }
+    return convert_text(*shape.format, moved.data(), room, bytes, scratch, out);
 }
 
 }  // namespace
@@ -64,7 +77,7 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     else if (aligned)
         taken = convert_text(*shape.format, payload.data + byte, available, bytes, scratch, out.value);
     else
-        taken = convert_moved_text(shape, raw.bits, scratch, out.value);
+        taken = convert_moved_text(shape, raw.bits, payload, position, scratch, out.value);
     if (bytes == 0 && shape.bits == 0 && taken > 0) bytes = taken;
 
     const int size = shape.bits + 8 * bytes;

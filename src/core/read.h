@@ -182,8 +182,7 @@ inline std::uint16_t find_coded_entry(const FieldPlan& plan, const Payload& payl
 
 /// Whether a value of the corrected definitions is none: no text stands for it.
 inline bool shows_nothing(const FieldPlan& plan, const Value& value) {
-    constexpr DF no_number = 0xFFFF;
-    return value.type == ValueType::none && format_plans[plan.format].df == no_number;
+    return value.type == ValueType::none && is_of_corrected(format_plans[plan.format]);
 }
 
 }  // namespace pgn_vistel::core

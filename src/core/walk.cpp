@@ -141,6 +141,14 @@ bool MessageWalk::next() {
     return Stepping::next(state_);
 }
 
+FieldReading MessageWalk::read(const UnitSelection& units, UnitId unit, TextScratch& scratch) const {
+    State w = state_;
+    w.position = position.byte * 8 + position.bit;
+    FieldValue v;
+    Stepping::read_field(w, {w.data, w.end / 8}, units, scratch, v, unit);
+    return {v.quantity, v.unit, {v.next >> 3, v.next & 7}, v.cut_off, v.value};
+}
+
 const FieldDef& MessageWalk::field() const {
     assert(state_.row != end_row);
     return field_row(state_.row);

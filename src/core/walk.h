@@ -58,10 +58,10 @@ struct Stepping {
 
     /// The same in any case.
     static void read_field(State& w, const Payload& payload, const UnitSelection& units, TextScratch& scratch,
-                           FieldValue& out) {
+                           FieldValue& out, UnitId unit = unit::selected) {
         FieldShape shape = FieldShape::of(plan(w));
         if (w.is_resolved && w.size >= 0) shape.resize(w.size);
-        read(shape, field_row(w.row).dd->dd, payload, w.position, units, unit::selected, scratch, out);
+        read(shape, field_row(w.row).dd->dd, payload, w.position, units, unit, scratch, out);
         w.position = out.next = behind(w, out.next);
         out.unit = directed(w, out.unit);
     }

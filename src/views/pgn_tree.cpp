@@ -222,7 +222,9 @@ int PGN_VistelTree_c::PutMsg(N2KMsg* msg) {
         if (is_new) stream = state.add_stream(key);
         if (stream == nullptr) return -1;
 
-        const core::PgnDef* const pgn = core::find_pgn_def(msg->pgn);
+        const bool corrected = (state.display_flags & PGN_VISTEL_CORRECTED_DEFINITIONS) != 0;
+        const core::PgnDef* const pgn =
+            core::find_definition(corrected ? core::Definitions::corrected : core::Definitions::fixed, *msg);
         wchar_t label[core::line_size];
         core::print_stream_line(label, core::line_size, *msg, pgn);
         state.for_each_back_end(*stream, [&](TreeControl& tree, void* line) { tree.set_text(line, label); });

@@ -13,7 +13,14 @@ N2KMsg filled(std::uint32_t pgn, Fill fill, int length, std::mt19937& random) {
     N2KMsg msg = message(pgn, random_bytes(random, sizeof(N2KMsg::data)));
     if (fill == Fill::zeros || fill == Fill::ones || fill == Fill::twos)
         std::memset(msg.data, fill == Fill::zeros ? 0 : fill == Fill::ones ? 255 : 2, sizeof msg.data);
-    if (fill == Fill::makers) msg.data[0] = 0x89, msg.data[1] = 0x98;
+    if (fill == Fill::makers) {  // of anybody, with low numbers behind the header
+        constexpr unsigned makers[] = {135, 137, 140, 144, 176,  229,  273, 275,
+                                       295, 358, 381, 419, 1851, 1855, 1857};
+        const unsigned header = makers[random() % std::size(makers)] | 3u << 11 | 4u << 13;
+        msg.data[0] = static_cast<std::uint8_t>(header);
+        msg.data[1] = static_cast<std::uint8_t>(header >> 8);
+        for (int i = 2; i < 9; ++i) msg.data[i] %= 40;
+    }
     if (fill == Fill::texts)  // short texts, now and then in UTF-16
         for (std::uint8_t& byte : msg.data) byte %= 8;
     msg.length = static_cast<std::uint16_t>(length);
@@ -50,6 +57,28 @@ TEST(EveryMessage, IsShownAlikeInEveryForm) {
         if (msg.length < 223 && random() % 4 != 0) return;
         const unsigned choice = random() % 4;
         EXPECT_NO_THROW(check_shown(msg, random() % 2 == 0, selections[choice % 3]));
+        EXPECT_NO_THROW(check_shown(msg, random() % 2 == 0, selections[choice % 3], Definitions::corrected));
+    });
+}
+
+TEST(EveryMessage, NoBitIsHiddenFromPrograms) {
+    // Of the corrected definitions: what no field covers is shown as bytes.
+    for_all_messages([](const N2KMsg& msg, std::mt19937& random) {
+        if (msg.length > 223) return;
+        const auto records = [](const N2KMsg& shown) {
+            const Forms forms =
+                forms_of(shown, plain, UnitSelection::si(), piece_room, Definitions::corrected);
+            return std::array{forms[1], forms[2]};
+        };
+        const auto before = records(msg);
+        const int every = trials(20) > 1 ? 1 : 7;
+        for (int bit = static_cast<int>(random() % 3); bit < msg.length * 8; bit += 3 * every) {
+            N2KMsg other = msg;
+            other.data[bit / 8] = static_cast<std::uint8_t>(other.data[bit / 8] ^ 1u << bit % 8);
+            const auto after = records(other);
+            ASSERT_NE(before[0], after[0]) << "bit " << bit;
+            ASSERT_NE(before[1], after[1]) << "bit " << bit;
+        }
     });
 }
 
@@ -57,15 +86,17 @@ TEST(EveryMessage, PositionsOnlyGrow) {
     const UnitSelection units;
     TextScratch scratch;
     for_all_messages([&](const N2KMsg& msg, std::mt19937&) {
-        MessageWalk walk(find_pgn_def(msg.pgn), msg);
+        const auto set = msg.length % 2 == 0 ? Definitions::corrected : Definitions::fixed;
+        MessageWalk walk(find_definition(set, msg), msg);
         while (walk.next()) {
             const PayloadPosition before = walk.position;
             ASSERT_LT(before.byte, payload_length(msg));
-            walk.position = read_field(msg, walk.field(), before, units, unit::selected, scratch).next;
+            walk.position = walk.read(units, unit::selected, scratch).next;
             ASSERT_GE(walk.position.byte * 8 + walk.position.bit, before.byte * 8 + before.bit);
             ASSERT_TRUE(walk.position.bit >= 0 && walk.position.bit <= 7);
-            const auto raw = read_field(msg, walk.field(), before, units, unit::raw_bits, scratch);
-            ASSERT_EQ(raw.next, walk.position) << "units do not matter";
+            const PayloadPosition behind = std::exchange(walk.position, before);
+            ASSERT_EQ(walk.read(units, unit::raw_bits, scratch).next, behind) << "units do not matter";
+            walk.position = behind;
         }
         ASSERT_FALSE(walk.next()) << "an ended walk stays ended";
     });

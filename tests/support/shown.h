@@ -43,16 +43,17 @@ std::wstring printed(Print print, int size = 1024) {
     return area.substr(margin, static_cast<std::size_t>(count));
 }
 
-inline std::wstring stream_line(const N2KMsg& msg, int size = 1024) {
-    return printed([&](wchar_t* b, int n) { return print_stream_line(b, n, msg, find_pgn_def(msg.pgn)); },
+inline std::wstring stream_line(const N2KMsg& msg, int size = 1024, Definitions set = Definitions::fixed) {
+    return printed([&](wchar_t* b, int n) { return print_stream_line(b, n, msg, find_definition(set, msg)); },
                    size);
 }
 
 /// All lines below a message's stream line.
 inline std::vector<std::wstring> lines_of(const N2KMsg& msg, bool plain_numbers = false,
-                                          const UnitSelection& units = {}, int size = line_size) {
+                                          const UnitSelection& units = {}, int size = line_size,
+                                          Definitions set = Definitions::fixed) {
     TextScratch scratch;
-    StreamLines source(find_pgn_def(msg.pgn), msg, units, scratch, plain_numbers);
+    StreamLines source(find_definition(set, msg), msg, units, scratch, plain_numbers);
     std::vector<std::wstring> lines;
     for (int count = 0; count >= 0;) {
         require(lines.size() < 30000,
@@ -100,8 +101,9 @@ std::string rendered(Renderer& renderer, std::size_t room = 8 * piece_room) {
 /// A message as text, JSON and CSV.
 using Forms = std::array<std::string, 3>;
 
-inline Forms forms_of(const N2KMsg& msg, bool plain_numbers, const UnitSelection& units, std::size_t room) {
-    const PgnDef* const pgn = find_pgn_def(msg.pgn);
+inline Forms forms_of(const N2KMsg& msg, bool plain_numbers, const UnitSelection& units, std::size_t room,
+                      Definitions set = Definitions::fixed) {
+    const PgnDef* const pgn = find_definition(set, msg);
     const MessageTime time{msg.time_stamp * INT64_C(10'000'000), msg.source % 2 == 0,
                            msg.time_stamp * -INT64_C(1'000'003)};
     TextRenderer text(units, plain_numbers);
@@ -149,16 +151,18 @@ inline bool is_csv(std::string_view text) {
 
 /// Lines and forms agree, whatever memory they are written into, and show nothing that does not belong to the
 /// message. The first byte always does: it says what an empty group function shows.
-inline void check_shown(const N2KMsg& msg, bool plain_numbers, const UnitSelection& units) {
+inline void check_shown(const N2KMsg& msg, bool plain_numbers, const UnitSelection& units,
+                        Definitions set = Definitions::fixed) {
     N2KMsg other = msg;
     for (int i = std::max(payload_length(msg), 1); i < static_cast<int>(sizeof msg.data); ++i)
         other.data[i] = static_cast<std::uint8_t>(~other.data[i]);
-    const auto lines = lines_of(msg, plain_numbers, units);
-    require(lines == lines_of(other, plain_numbers, units), "lines show what is behind the length");
-    const Forms whole = forms_of(msg, plain_numbers, units, 8 * piece_room);
-    require(whole == forms_of(other, plain_numbers, units, piece_room), "pieces make another whole");
+    const auto lines = lines_of(msg, plain_numbers, units, line_size, set);
+    require(lines == lines_of(other, plain_numbers, units, line_size, set),
+            "lines show what is behind the length");
+    const Forms whole = forms_of(msg, plain_numbers, units, 8 * piece_room, set);
+    require(whole == forms_of(other, plain_numbers, units, piece_room, set), "pieces make another whole");
     require(is_json_line(whole[1]) && is_csv(whole[2]), "broken JSON or CSV");
-    std::string expected = as_utf8(stream_line(msg)) + '\n';
+    std::string expected = as_utf8(stream_line(msg, line_size, set)) + '\n';
     std::string_view rest = whole[0];
     require(rest.starts_with(expected), "another stream line");
     rest.remove_prefix(expected.size());

@@ -40,6 +40,7 @@ inline N2KMsg message(std::uint32_t pgn, const Bytes& payload, std::uint8_t dest
 inline std::set<std::uint32_t> catalogued_pgns() {
     std::set<std::uint32_t> pgns = {0, 25, 131071, 0xFFFFFFFF};
     for (const PgnDef& row : all_pgns()) pgns.insert(row.pgn);
+    for (const PgnDef& row : all_corrected_pgns()) pgns.insert(row.pgn);
     return pgns;
 }
 

@@ -92,8 +92,7 @@ enum class Direction : std::uint8_t;
 ///
 ///     MessageWalk walk(find_definition(definitions, msg), msg);
 ///     while (walk.next()) {
-///         const FieldReading reading =
-///             read_field(msg, walk.field(), walk.position, units, unit::selected, scratch);
+///         const FieldReading reading = walk.read(units, unit::selected, scratch);
 ///         walk.position = reading.next;
 ///     }
 ///     if (walk.has_undecoded_rest()) ...  // show the payload as bytes
@@ -117,6 +116,10 @@ class MessageWalk {
     [[nodiscard]] const FieldDef& field() const;
     [[nodiscard]] int repeat() const;
     /// @}
+
+    /// Reads the field, as `read_field` does, and by what other fields say of it: its size, what a direction
+    /// refers to. `position` is where it begins.
+    [[nodiscard]] FieldReading read(const UnitSelection& units, UnitId unit, TextScratch& scratch) const;
 
     /// Whether the walk ended before the payload was covered.
     [[nodiscard]] bool has_undecoded_rest() const { return state_.rest; }
