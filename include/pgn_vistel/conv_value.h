@@ -18,7 +18,7 @@ enum ConvType : std::int32_t {
     CV_I32 = 8,
     CV_U64 = 9,
     CV_I64 = 10,
-    CV_TIME_OF_DAY = 11,    ///< unsigned seconds, shown as h:mm:ss
+    CV_TIME_OF_DAY = 11,    ///< unsigned seconds, shown as h:mm:ss; the codes of CV_U32 mean "not available"
     CV_CHAR = 12,           ///< 8-bit character
     CV_WCHAR = 13,          ///< 16-bit character
     CV_WCHAR_PLAIN = 14,    ///< 16-bit character

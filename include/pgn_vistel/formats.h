@@ -25,7 +25,8 @@ namespace quantity = core::quantity;
 /// `raw` points at the field's first byte; multi-byte numbers are little-endian and may be unaligned. `unit`
 /// is a `UnitId` or one of the pseudo units raw_count and raw_bits; a unit that a numeric format does not
 /// serve gives `CV_NOT_AVAILABLE`. `count` may be null; otherwise it receives the number of bytes that the
-/// field takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has.
+/// field takes. On entry it says how many bytes a bit field, a fixed text or a hex dump has, and keeps that;
+/// a bit field is read as 8 bytes where it says nothing from 1 to 8.
 ///
 /// Texts are left in a static area of the format's conversion, so one thread at a time may convert.
 using ConvFunction = void (*)(ConvValue* out, const void* raw, UnitId unit, int* count);

@@ -110,7 +110,11 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
 
     /// Converts the field at `raw` into the `ConvValue` at `out`. At least 1 on success, -1 for a null
     /// argument, a unit of 140 or more or a value that is not available, -2 for a format without conversion.
-    /// `raw` must hold the field's bytes; strings say their own length.
+    /// A short or medium text that says to take no byte gives 0 and the last good text of its format.
+    ///
+    /// `raw` must hold what the format reads: bit fields 8 bytes, fixed texts up to a zero, a 0xFF or 1785
+    /// bytes, hex dumps 84; other texts say their own length, and the format of a 60009 stands in the two
+    /// bytes before it.
     static int conv_DF(unsigned short df, void* out, const void* raw, int unit);
 
     // ---- units ----
@@ -132,9 +136,9 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     /// @}
 
     /// @{
-    /// Name of the unit, value, or both: of a data format or (`_dt`) of a quantity's format. `raw` are the
-    /// field's bytes. A negative unit asks for the selected one; -1 is the result of every failure, a value
-    /// that is not available included.
+    /// Name of the unit, value, or both: of a data format or (`_dt`) of a quantity's format. `raw` as for
+    /// `conv_DF`. A negative unit asks for the selected one; -1 is the result of every failure, a value that
+    /// is not available and a text that says to take no byte included.
     int print_unit(wchar_t* buf, unsigned short df, int unit);
     int print_unit_dt(wchar_t* buf, int disp_data_type, int unit);
     int print_val(wchar_t* buf, unsigned short df, const void* raw, int unit);

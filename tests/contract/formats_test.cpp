@@ -41,6 +41,18 @@ TEST(Formats, ConversionOfOneField) {
     ConvValue out{CV_NOT_AVAILABLE, {}};
     for (const auto& [df, unit, expected] : cases)
         EXPECT_EQ(Db::conv_DF(df, &out, raw, unit), expected) << df << " in unit " << unit;
+    for (const DF text : {format::text_short, format::text_medium}) {
+        const std::uint8_t good[] = {4, text == format::text_short ? std::uint8_t{1} : std::uint8_t{0}, 1,
+                                     'a'};
+        Db::conv_DF(text, &out, good, 0);
+        const std::wstring last = out.value.wide;
+        const std::uint8_t takes_nothing[] = {0, 0, 1};
+        EXPECT_EQ(Db::conv_DF(text, &out, takes_nothing, 0), 0);
+        EXPECT_EQ(out.value.wide, last);
+        wchar_t printed[256];
+        EXPECT_EQ(Db().print_val(printed, text, takes_nothing, 0), -1);
+        EXPECT_FALSE(last.empty());
+    }
     EXPECT_EQ(Db::conv_DF(118, nullptr, raw, 0), -1);
     EXPECT_EQ(Db::conv_DF(118, &out, nullptr, 0), -1);
 }
