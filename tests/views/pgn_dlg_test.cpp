@@ -127,13 +127,12 @@ TEST_F(MonitorDialog, CreatedLater) {
 TEST_F(MonitorDialog, FiltersBySource) {
     bring_up(*dialog_);
     EXPECT_TRUE(shows(1));
-    const struct {
-        const char* typed;                         // and left by the keyboard
-        std::uint8_t hidden, shown;                // 0: none
-    } steps[] = {{"7", 2, 7},   {"", 2, 0},        // unreadable: as before, 7 alone
-                 {"zz", 2, 0},  {"23", 23, 0x23},  // hexadecimal
-                 {"1C4", 0, 2},                    // beyond 255 is all
-                 {"7", 3, 0},   {"-1", 0, 3}};     // its low byte
+    // and left by the keyboard; 0: none
+    const std::tuple<const char*, std::uint8_t, std::uint8_t> steps[] = {
+        {"7", 2, 7},   {"", 2, 0},        // unreadable: as before, 7 alone
+        {"zz", 2, 0},  {"23", 23, 0x23},  // hexadecimal
+        {"1C4", 0, 2},                    // beyond 255 is all
+        {"7", 3, 0},   {"-1", 0, 3}};     // its low byte
     for (const auto& [typed, hidden, shown] : steps) {
         SCOPED_TRACE(typed);
         type_over(*parts_.filter, typed);
