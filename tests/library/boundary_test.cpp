@@ -55,48 +55,35 @@ struct Objects {
     wchar_t text[256];
 };
 
-enum Times { never = 0, once = 1, several = 2 };
-
 struct Entry {
     const char* name;
-    Times times;  // that it switches the library's module state in
+    int times;  // that it switches the library's module state in
     std::function<void(Objects&)> call;
 };
 
 // Several: the entry itself does not switch; the database's and tree's entries that it calls each do.
+constexpr int several = 2;
+#define ENTRY(times, call)                      \
+    {                                           \
+#call, times, [](Objects & o) { call; } \
+    }
 const Entry entries[] = {
-    {"tree on a native control", once,
-     [](Objects& o) { o.made.reset(new PGN_VistelTree_c(native(o.frame), &o.native_control, 1, 0)); }},
-    {"tree on a toolkit control", once,
-     [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, 1, 0)); }},
-    {"tree with a database", once,
-     [](Objects& o) { o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, &o.db, 1, 0)); }},
-    {"tree's destructor", once, [](Objects& o) { o.tree.reset(); }},
-    {"tree's copy", never, [](Objects& o) { o.made.reset(new PGN_VistelTree_c(*o.tree)); }},
-    {"tree's assignment", once, [](Objects& o) { *o.tree = *o.tree; }},
-    {"OnInit", once, [](Objects& o) { o.tree->OnInit(); }},
-    {"OnSize", once, [](Objects& o) { o.tree->OnSize(); }},
-    {"Pause", once, [](Objects& o) { o.tree->Pause(1); }},
-    {"ClearMsg", once, [](Objects& o) { o.tree->ClearMsg(); }},
-    {"CollapseAll", once, [](Objects& o) { o.tree->CollapseAll(); }},
-    {"ExpandAll", once, [](Objects& o) { o.tree->ExpandAll(); }},
-    {"GetDB", never, [](Objects& o) { o.tree->GetDB(); }},
-    {"tree's SelectUnit", once, [](Objects& o) { o.tree->SelectUnit(0, 0); }},
-    {"tree's GetSelectUnit", once, [](Objects& o) { o.tree->GetSelectUnit(0); }},
-    {"PutMsg", once, [](Objects& o) { o.tree->PutMsg(&o.msg); }},
-    {"callback", once, [](Objects& o) { PGN_VistelTree_PutMsg(o.tree.get(), &o.msg); }},
-    {"database", never, [](Objects&) { QV_N2K_PGN_DB_c(); }},
-    {"SelectUnit", once, [](Objects& o) { o.db.SelectUnit(0, 0); }},
-    {"GetSelectUnit", once, [](Objects& o) { o.db.GetSelectUnit(0); }},
-    {"GetAvailableUnit", once, [](Objects&) { QV_N2K_PGN_DB_c::GetAvailableUnit(0, nullptr, 0); }},
-    {"print_val", never, [](Objects& o) { o.db.print_val(o.text, 1, o.msg.data, -1); }},
-    {"dialog under a native window", once, [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), 1, 0); }},
-    {"dialog under a native window, with a database", once,
-     [](Objects& o) { new PGN_VistelDlg_c(native(o.frame), &o.db, 1, 0); }},
-    {"unit dialog under a native window", once,
-     [](Objects& o) { new PGN_VistelUnitDlg_c(native(o.frame), &o.db, 0); }},
-    {"unit dialog under a window", several, [](Objects& o) { new PGN_VistelUnitDlg_c(&o.frame, &o.db, 0); }},
-    {"dialog under a window", several, [](Objects& o) { new PGN_VistelDlg_c(&o.frame, &o.db, 1, 0); }},
+    // clang-format off
+    ENTRY(1, o.made.reset(new PGN_VistelTree_c(native(o.frame), &o.native_control, 1, 0))),
+    ENTRY(1, o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, 1, 0))),
+    ENTRY(1, o.made.reset(new PGN_VistelTree_c(&o.frame, &o.control, &o.db, 1, 0))),
+    ENTRY(1, o.tree.reset()), ENTRY(0, o.made.reset(new PGN_VistelTree_c(*o.tree))), ENTRY(1, *o.tree = *o.tree),
+    ENTRY(1, o.tree->OnInit()), ENTRY(1, o.tree->OnSize()), ENTRY(1, o.tree->Pause(1)), ENTRY(1, o.tree->ClearMsg()),
+    ENTRY(1, o.tree->CollapseAll()), ENTRY(1, o.tree->ExpandAll()), ENTRY(0, o.tree->GetDB()),
+    ENTRY(1, o.tree->SelectUnit(0, 0)), ENTRY(1, o.tree->GetSelectUnit(0)), ENTRY(1, o.tree->PutMsg(&o.msg)),
+    ENTRY(1, PGN_VistelTree_PutMsg(o.tree.get(), &o.msg)), ENTRY(0, o.db = QV_N2K_PGN_DB_c()),
+    ENTRY(1, o.db.SelectUnit(0, 0)), ENTRY(1, o.db.GetSelectUnit(0)), ENTRY(1, o.db.GetAvailableUnit(0, nullptr, 0)),
+    ENTRY(0, o.db.print_val(o.text, 1, o.msg.data, -1)), ENTRY(1, new PGN_VistelDlg_c(native(o.frame), 1, 0)),
+    ENTRY(1, new PGN_VistelDlg_c(native(o.frame), &o.db, 1, 0)),
+    ENTRY(1, new PGN_VistelUnitDlg_c(native(o.frame), &o.db, 0)),
+    ENTRY(several, new PGN_VistelUnitDlg_c(&o.frame, &o.db, 0)),
+    ENTRY(several, new PGN_VistelDlg_c(&o.frame, &o.db, 1, 0)),
+    // clang-format on
 };
 
 class ModuleGuards : public testing::Test {
@@ -114,7 +101,7 @@ TEST_F(ModuleGuards, StandOnExactlyTheEntriesThatNeedThem) {
         Objects objects;
         watch_module_states();
         entry.call(objects);
-        EXPECT_EQ(std::min(times_switched_in(), 2), entry.times);
+        EXPECT_EQ(std::min(times_switched_in(), several), entry.times);
         EXPECT_TRUE(is_switched_back());
     }
 }
