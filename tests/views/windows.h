@@ -139,12 +139,13 @@ struct Block {
 
 inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
     std::vector<Block> blocks;
+    const auto text = [&](const wxTreeItemId& item) { return tree.GetItemText(item).ToStdWstring(); };
     wxTreeItemIdValue cookie;
     for (auto top = tree.GetFirstChild(tree.GetRootItem(), cookie); top.IsOk();
          top = tree.GetNextSibling(top)) {
-        blocks.push_back({top.GetID(), tree.GetItemText(top).ToStdWstring(), {}, tree.IsExpanded(top)});
+        blocks.push_back({top.GetID(), text(top), {}, tree.IsExpanded(top)});
         for (auto line = tree.GetFirstChild(top, cookie); line.IsOk(); line = tree.GetNextSibling(line))
-            blocks.back().lines.push_back(tree.GetItemText(line).ToStdWstring());
+            blocks.back().lines.push_back(text(line));
     }
     return blocks;
 }
