@@ -5,12 +5,13 @@
 #include <wx/frame.h>
 #include <wx/treectrl.h>
 
+#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "library/recording_platform.h"
-#include "library/scarce_memory.h"
 #include "pgn_vistel/core/units.h"
 #include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/pgn_vistel.h"
@@ -21,6 +22,33 @@ using namespace pgn_vistel::core;
 
 namespace pgn_vistel::test {
 namespace {
+
+/// Lets the n-th allocation of this thread from here on (0: the next) and all after it fail, while it lives.
+class ScarceMemory {
+  public:
+    explicit ScarceMemory(long allocations_left) {
+        left_ = allocations_left;
+        failed_ = false;
+        scarce_ = true;
+    }
+    ~ScarceMemory() { scarce_ = false; }
+    bool was_short() const { return failed_; }
+
+    static void* allocate(std::size_t size) noexcept {
+        if (!scarce_ || left_-- > 0) return std::malloc(size != 0 ? size : 1);
+        failed_ = true;
+        return nullptr;
+    }
+    static void* allocate_or_throw(std::size_t size) {
+        void* const memory = allocate(size);
+        if (memory == nullptr) throw std::bad_alloc();
+        return memory;
+    }
+
+  private:
+    static inline thread_local bool scarce_ = false, failed_ = false;
+    static inline thread_local long left_ = 0;
+};
 
 HWND native(wxWindow& window) {
     return reinterpret_cast<HWND>(&window);
@@ -196,3 +224,30 @@ TEST(NullArguments, GiveMinusOne) {
 
 }  // namespace
 }  // namespace pgn_vistel::test
+
+using pgn_vistel::test::ScarceMemory;
+
+void* operator new(std::size_t size) {
+    return ScarceMemory::allocate_or_throw(size);
+}
+void* operator new[](std::size_t size) {
+    return ScarceMemory::allocate_or_throw(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return ScarceMemory::allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return ScarceMemory::allocate(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
