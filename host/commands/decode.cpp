@@ -75,7 +75,7 @@ void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
     if (!allows(options_.pgns, msg.pgn) || !allows(options_.sources, msg.source)) return;
     const std::int64_t since_start = std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
     const core::PgnDef* const row = core::find_definition(options_.definitions, msg);
-    if (row == nullptr) unknown_.count(msg.pgn, msg.source);
+    if (row == nullptr || row->pgn == 0) unknown_.count(msg.pgn, msg.source);
     ++shown_;
     writer_->write(out_,
                    {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});

@@ -95,8 +95,12 @@ void convert_integer(ValueType type, std::int64_t number, bool refused, UnitId u
         store_none(out);
 }
 
+constexpr double degrees_per_count_64 = 1e-16;
+
 /// Positions keep double precision: single precision would be off by a metre.
-void convert_position(int width, UnitId own_unit, double degrees, const RawField& raw, UnitId u, Value& out) {
+void convert_position(const FormatPlan& format, const RawField& raw, UnitId u, Value& out) {
+    const int width = format.width;
+    const bool is_latitude = format.reading == Reading::latitude_32 || format.reading == Reading::latitude_64;
     const std::int64_t number = widened(raw.bits, width, true);
     if (u == unit::raw_bits) {
         store_integer(out, integer_type(width, true), number);
@@ -104,15 +108,14 @@ void convert_position(int width, UnitId own_unit, double degrees, const RawField
         store_none(out);
     } else if (u == unit::raw_count) {
         store_real(out, static_cast<double>(number));
-    } else if (u == own_unit) {
-        store_real(out, static_cast<double>(number) * degrees);
+    } else if (u == (is_latitude ? unit::deg_lat : unit::deg_long)) {
+        store_real(out,
+                   static_cast<double>(number) * (width == 32 ? degrees_per_count_32 : degrees_per_count_64));
     } else {
         store_none(out);
         out.number.u64 = 0x7FFFFFFFFFFFFFFF;  // here the NaN is a double
     }
 }
-
-constexpr double degrees_per_count_64 = 1e-16;
 
 void convert_float_angle(const RawField& raw, UnitId u, TextScratch& scratch, Value& out) {
     const float radians = single_in(raw);
@@ -431,17 +434,9 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::double_distance: convert_double_distance(raw, u, scratch, out); return 8;
         case Reading::double_plain: convert_double_plain(raw, u, out); return 8;
         case Reading::latitude_32:
-            convert_position(32, unit::deg_lat, degrees_per_count_32, raw, u, out);
-            return 4;
         case Reading::longitude_32:
-            convert_position(32, unit::deg_long, degrees_per_count_32, raw, u, out);
-            return 4;
         case Reading::latitude_64:
-            convert_position(64, unit::deg_lat, degrees_per_count_64, raw, u, out);
-            return 8;
-        case Reading::longitude_64:
-            convert_position(64, unit::deg_long, degrees_per_count_64, raw, u, out);
-            return 8;
+        case Reading::longitude_64: convert_position(format, raw, u, out); return format.width / 8;
         case Reading::percent_absolute: convert_served_code(low_bits(raw, 8), 8, true, u, out); return 1;
         case Reading::peukert:
             // Exponents start at 1.0 and go up in steps of 0.002.

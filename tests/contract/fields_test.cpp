@@ -13,10 +13,7 @@ using namespace core::unit;
 // ---- labels and values ----
 
 TEST(Fields, Names) {
-    const struct {
-        int dd, repeat;
-        const wchar_t *label, *expected;
-    } cases[] = {
+    const std::tuple<int, int, const wchar_t*, std::wstring> cases[] = {
         {7, 0, L"First PGN supported", L"First PGN supported: "},
         {7, 3, L"First PGN supported", L"PGN supported #3: "},
         {7, 1, L"The First one", L"rst one #1: "},  // six characters go from the start
@@ -25,30 +22,39 @@ TEST(Fields, Names) {
         {144, 2, L"First whatever", L"Group Function Code: "},
         {7, 1, nullptr, L": "},
     };
-    for (const auto& c : cases)
-        for (const int size : {256, 4, 1, 0})
-            EXPECT_EQ(
-                printed([&](wchar_t* b,
-                            int n) { return Db::print_field_name(b, n, c.dd, c.label, c.repeat, 0, 0); },
-                        size),
-                std::wstring(c.expected).substr(0, static_cast<std::size_t>(std::max(size - 1, 0))));
+    for (const auto& [dd, repeat, label, expected] : cases)
+        for (const std::size_t size : {256u, 4u, 1u, 0u}) {
+            const auto print = [dd = dd, label = label, repeat = repeat](wchar_t* b, int n) {
+                return Db::print_field_name(b, n, dd, label, repeat, 0, 0);
+            };
+            EXPECT_EQ(printed(print, static_cast<int>(size)),
+                      expected.substr(0, std::max<std::size_t>(size, 1) - 1));
+        }
 }
 
 const ConvValue none = whole(CV_NOT_AVAILABLE, 0x7FFFFFFF);
 const std::uint8_t raw_field[] = {5, 1, 'A', 'B', 'C', 0};
 const auto as_pointer = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(raw_field));
 
+struct Shown {
+    int dd, quantity;
+    ConvValue value;
+    UnitId unit;
+    const wchar_t* expected;
+    unsigned long flags = 0;
+    int field = 2;
+};
+
+std::wstring data(const Shown& s, const ConvValue* value, int with_unit) {
+    return printed([&](wchar_t* b, int n) {
+        return qv_n2k_pgn_db.print_field_data(b, n, s.dd, s.quantity, const_cast<ConvValue*>(value), s.unit,
+                                              with_unit, s.flags, 126996, s.field);
+    });
+}
+
 TEST(Fields, Values) {
-    constexpr unsigned long no_hexadecimal = 2;
-    const struct Shown {
-        int dd, quantity;
-        ConvValue value;
-        UnitId unit;
-        const wchar_t* expected;
-        unsigned long flags = 0;
-        int field = 2;
+    const Shown cases[] = {
         // clang-format off
-    } cases[] = {
         {9, 28, whole(CV_U64, 59904), -1, L" 59904 (ISO Request)"}, {9, 28, whole(CV_U32, 1), -1, L"     1 (Unknown)"},
         {7, 28, whole(CV_U16, 2100), -1, L"2.100", 0, 1}, {7, 28, whole(CV_U16, 2100), -1, L"2100 (0x0834) "},
         // enumerations: the number, the entry below, reserved, unknown, flags
@@ -84,7 +90,7 @@ TEST(Fields, Values) {
         // any other
         {0, 0, single(1.5f), m, L"1.5000 m"}, {0, 0, none, 140, L"- ft"},
         {0, 0, whole(CV_U8, 10), 1000, L"10 (0x0A) ft"},
-        {0, 0, whole(CV_U8, 10), -5, L"10 ft", no_hexadecimal}, {0, 65, whole(CV_I64, -63), -1, L"-63 "},
+        {0, 0, whole(CV_U8, 10), -5, L"10 ft", plain_display}, {0, 65, whole(CV_I64, -63), -1, L"-63 "},
         {0, 0, real(-INFINITY), -1, L"    -inf ft"}, {0, 0, narrow("\x80"), -1, L"\x0080 ft"},
         {0, 0, whole(CV_CHAR, 0x81), -1, L"\x03A9 ft"}, {0, 0, whole(18, 1), -1, L"<Unknown data format> ft"},
         {0, 33, whole(CV_U8, 1), -1, L"1 (0x01) "}, {0, INT32_MAX, whole(CV_U8, 1), m, L"1 (0x01) m"},
@@ -93,32 +99,22 @@ TEST(Fields, Values) {
     for (const Shown& s : cases) {
         SCOPED_TRACE(testing::Message()
                      << "dd " << s.dd << " quantity " << s.quantity << " type " << s.value.type);
-        const auto data = [&s](int with_unit) {
-            ConvValue v = s.value;
-            return printed([&](wchar_t* b, int n) {
-                return qv_n2k_pgn_db.print_field_data(b, n, s.dd, s.quantity, &v, s.unit, with_unit, s.flags,
-                                                      126996, s.field);
-            });
-        };
-        EXPECT_EQ(data(1), s.expected);
-        EXPECT_TRUE((s.expected + std::wstring(1, L' ')).starts_with(data(0) + L' '))
+        EXPECT_EQ(data(s, &s.value, 1), s.expected);
+        EXPECT_TRUE((s.expected + std::wstring(1, L' ')).starts_with(data(s, &s.value, 0) + L' '))
             << "the unit comes last";
     }
-    EXPECT_EQ(printed([](wchar_t* b, int n) {
-                  return qv_n2k_pgn_db.print_field_data(b, n, 9, 0, nullptr, -1, 1, 0, 0, 1);
-              }),
-              L" ft")
-        << "no value: the unit alone";
+    EXPECT_EQ(data({9, 0, none, -1, L""}, nullptr, 1), L" ft") << "no value: the unit alone";
 }
 
 TEST(Fields, UndecodedBytes) {
     const Bytes bytes(1000, 0x5A);
     const auto dump = [](const std::uint8_t* from, int length, int with_label, int size = 4000) {
         int label = -1;
-        const auto print = [&](wchar_t* b, int n) {
-            return Db::print_field_data_unknown(b, n, from, length, with_label, &label);
-        };
-        const std::wstring text = printed(print, size);
+        const std::wstring text = printed(
+            [&](wchar_t* b, int n) {
+                return Db::print_field_data_unknown(b, n, from, length, with_label, &label);
+            },
+            size);
         EXPECT_EQ(label, with_label != 0 ? std::clamp(size - 1, 0, 5) : 0);
         return text;
     };
@@ -183,16 +179,11 @@ TEST(Fields, AsHostsDescribeThem) {
     // A pressure that the payload tells; a value behind its format, whatever entry it has.
     const HostEntry inside{dd::format_then_value, "", number->format, 0, 0};
     const HostEntry behind{192, "", entry(dd::value_behind_format)->format, 0, 0};
-    const struct {
-        const N2KMsg& msg;
-        const HostEntry* dd;
-        int bytes, bits;
-        PayloadPosition at;
-        UnitId unit;
-        const wchar_t* expected;  // the end of it
-        PayloadPosition next;
-        // clang-format off
-    } cases[] = {
+    // Message, entry, its bytes and bits, place, unit; the end of the line, where the next one is.
+    const std::tuple<N2KMsg, const HostEntry*, int, int, PayloadPosition, UnitId, const wchar_t*,
+                     PayloadPosition>
+        cases[] = {
+            // clang-format off
         {eight, number, 0, 0, {6, 0}, raw_count, L"L: 2055 ", {8, 0}},
         {eight, entry(142), 0, 11, {0, 3}, raw_count, L"L: 64 ", {1, 6}},  // 0x201 >> 3
         {eight, number, 0, 0, {7, 0}, raw_count, L"L: - ", {9, 0}},  // one byte is there
@@ -207,12 +198,12 @@ TEST(Fields, AsHostsDescribeThem) {
         {air(130311, 1), entry(290), 0, 0, {3, 0}, -1, L"inHg", {7, 0}},
         {message(130311, {29, 0}), &inside, 0, 0, {0, 0}, -1, L"L: - inHg", {2, 0}},
         {speed, &behind, 0, 0, {2, 0}, kph, L"L: 1.8000 kph", {4, 0}},
-        // clang-format on
-    };
-    for (const auto& c : cases) {
-        const Read r = read(c.msg, c.dd, c.bytes, c.bits, c.at, c.unit, false);
-        EXPECT_TRUE(r.text.ends_with(c.expected)) << std::string(r.text.begin(), r.text.end());
-        EXPECT_EQ(r.next, c.next);
+            // clang-format on
+        };
+    for (const auto& [msg, dd, bytes, bits, at, unit, expected, next] : cases) {
+        const Read r = read(msg, dd, bytes, bits, at, unit, false);
+        EXPECT_TRUE(r.text.ends_with(expected)) << std::string(r.text.begin(), r.text.end());
+        EXPECT_EQ(r.next, next);
     }
     clear_text_areas();
     EXPECT_EQ(read(message(127250, {0xFF, 0xFF}), entry(198), 0, 0, {1, 0}).text, L"L:  ") << "half a length";
@@ -227,13 +218,12 @@ TEST(Fields, AsHostsDescribeThem) {
 }
 
 TEST(Fields, AConversionOfTheHost) {
-    const pgn_vistel::DFDef own{61234, "own",
-                                [](ConvValue* out, const void* raw, UnitId u, int* count) {
-                                    const auto* const at = static_cast<const std::uint8_t*>(raw);
-                                    *out = whole(CV_TIME_OF_DAY, at[0] | at[1] << 8 | u << 16 | *count << 24);
-                                    if (*count == 0) *count = 2;
-                                },
-                                nullptr};
+    const auto convert_own = [](ConvValue* out, const void* raw, UnitId u, int* count) {
+        const auto* const at = static_cast<const std::uint8_t*>(raw);
+        *out = whole(CV_TIME_OF_DAY, at[0] | at[1] << 8 | u << 16 | *count << 24);
+        if (*count == 0) *count = 2;
+    };
+    const pgn_vistel::DFDef own{61234, "own", convert_own, nullptr};
     const HostEntry dd{7, "", &own, 0, 0};
     const N2KMsg msg = message(127250, {1, 2, 3, 4});
     EXPECT_EQ(read(msg, &dd, 0, 0, {1, 0}, kph).value.value.u32, 0x00090302u);
@@ -263,10 +253,10 @@ TEST(Fields, LabelAndValueApart) {
     wchar_t label[1024], value[1024];
     for (const auto& [field, label_text, value_text] :
          {std::tuple{1, L"Count: ", L"5"}, {0, L"Data:", L" 05"}}) {
-        EXPECT_EQ(
+        const int size =
             qv_n2k_pgn_db.get_field_str(label, value, &msg, field, const_cast<HostEntry*>(entry(6)), L"Count",
-                                        0, 0, nullptr, nullptr, nullptr, 0, 0, 2, nullptr, -1),
-            8);
+                                        0, 0, nullptr, nullptr, nullptr, 0, 0, 2, nullptr, -1);
+        EXPECT_EQ(size, 8);
         EXPECT_STREQ(label, label_text);
         EXPECT_STREQ(value, value_text);
     }
@@ -282,16 +272,13 @@ TEST(Fields, Lookups) {
     EXPECT_EQ(Db::get_DispDataType(22), quantity::latitude);
     EXPECT_EQ(qv_n2k_pgn_db.get_field_id(60928, 2, 5), 2);
     EXPECT_EQ(Db::find_DDstrings(2), find_enumeration(2));
-    const std::string name = "ISO Request";
-    for (std::size_t size = 1; size <= 14; ++size) {
-        const std::string expected = name.substr(0, size - 1);
-        EXPECT_EQ(printed([](wchar_t* b, int n) { return Db::print_pgn_name(b, n, 59904); },
-                          static_cast<int>(size)),
-                  std::wstring(expected.begin(), expected.end()));
+    const std::wstring name = L"ISO Request";
+    for (int size = 1; size <= 14; ++size) {
+        const std::wstring expected = name.substr(0, static_cast<std::size_t>(size - 1));
+        EXPECT_EQ(printed([](wchar_t* b, int n) { return Db::print_pgn_name(b, n, 59904); }, size), expected);
         char narrow[16] = "???????????????";
-        EXPECT_EQ(Db::print_pgn_name(narrow, static_cast<int>(size), 59904),
-                  static_cast<int>(expected.size()));
-        EXPECT_EQ(narrow, expected);
+        EXPECT_EQ(Db::print_pgn_name(narrow, size, 59904), static_cast<int>(expected.size()));
+        EXPECT_EQ(std::wstring(narrow, narrow + std::strlen(narrow)), expected);
         EXPECT_EQ(narrow[expected.size() + 1], '?');
     }
     wchar_t buf[16];

@@ -58,15 +58,8 @@ TEST(Formats, ConversionOfOneField) {
 }
 
 TEST(Formats, Records) {
-    const struct {
-        DF df;
-        std::uint64_t bits;
-        UnitId unit;
-        int type;
-        std::uint64_t value;
-        int count;
+    const std::tuple<DF, std::uint64_t, UnitId, int, std::uint64_t, int> cases[] = {
         // clang-format off
-    } cases[] = {
         {57, 0x80, raw_bits, CV_I8, ~std::uint64_t{0x7F}, 1}, {54, 0xFFFF, plain_65, CV_NOT_AVAILABLE, 0x7FFFFFFF, 2},
         {105, 0xFFFFFE, raw_bits, CV_U32, 0xFFFFFE, 3}, {114, 0xFFFFFE, raw_bits, CV_I32, ~std::uint64_t{1}, 3},
         {67, 3600, seconds, CV_TIME_OF_DAY, 3600, 4}, {52, ~0ull, m, CV_U64, ~0ull, untouched},
@@ -78,11 +71,11 @@ TEST(Formats, Records) {
         {104, 1, kg, CV_FLOAT, 0x7FFFFFFF, 4}, {60007, 0x0023, kph, CV_NOT_AVAILABLE, 0x7FFFFFFF, untouched},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const Converted got = convert_bits(c.df, c.bits, c.unit);
-        EXPECT_EQ(got.value.type, c.type) << c.df;
-        EXPECT_EQ(got.value.value.u64, c.value) << c.df;
-        EXPECT_EQ(got.count, c.count) << c.df;
+    for (const auto& [df, bits, unit, type, value, count] : cases) {
+        const Converted got = convert_bits(df, bits, unit);
+        EXPECT_EQ(got.value.type, type) << df;
+        EXPECT_EQ(got.value.value.u64, value) << df;
+        EXPECT_EQ(got.count, count) << df;
     }
 }
 

@@ -54,14 +54,18 @@ void half_counts(ConvValue* out, const void* raw, UnitId, int* count) {
     *out = single(static_cast<float>(number) * 0.5f + 10);
 }
 
+template <int taken>
+void flat(ConvValue* out, const void*, UnitId, int* count) {
+    *count = taken, *out = single(3);
+}
+
 TEST(Inverse, ProbesAnyLinearConversion) {
     const ConvFunction i8 = half_counts<std::int8_t>, i32 = half_counts<std::int32_t>,
                        i64 = half_counts<std::int64_t>;
     // Positive raw numbers to the nearest; negative ones are cut to half a count and then go down.
     // clang-format off
     const std::pair<float, int> rounding[] = {{10, 0}, {11, 2}, {10.2f, 0}, {10.25f, 1}, {10.75f, 2}, {9, -2},
-        {9.5f, -1},
-                                              {9.76f, 0}, {9.75f, -1}, {9.3f, -1}, {9.25f, -2}, {9.01f, -2}};
+        {9.5f, -1}, {9.76f, 0}, {9.75f, -1}, {9.3f, -1}, {9.25f, -2}, {9.01f, -2}};
     // clang-format on
     for (const auto& [value, expected] : rounding)
         for (const ConvFunction conversion : {i8, i32, i64})
@@ -74,14 +78,8 @@ TEST(Inverse, ProbesAnyLinearConversion) {
     for (const int bits : {-5, 1, 30, 200}) EXPECT_EQ(invert(60, m, 4, i32, bits).low(4), 100) << bits;
 
     // The library's own conversions: widths, offsets, integers, and those that count or read otherwise.
-    const struct {
-        DF df;
-        UnitId unit;
-        float value;
-        int size;
-        std::int32_t raw;
+    const std::tuple<DF, UnitId, float, int, std::int32_t> cases[] = {
         // clang-format off
-    } cases[] = {
         {60025, Hz, 50, 4, 50000}, {60022, percent, -1, 4, -1000}, {111, seconds, 1, 1, 100},
         {39, celsius, 0, 2, 27315},
         {105, celsius, 20, 3, 293150}, {2516, deg, -200, 2, 0}, {53, plain_64, 7, 1, 7}, {52, m, 5, 4, 5},
@@ -91,12 +89,10 @@ TEST(Inverse, ProbesAnyLinearConversion) {
         {40, clock_12, 1, -1, 0},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const Inverted result = invert(c.value, c.unit, 4, find_conversion(c.df));
-        EXPECT_EQ(result.size, c.size) << "format " << c.df;
-        if (c.size > 0) {
-            EXPECT_EQ(result.low(c.size), c.raw) << "format " << c.df;
-        }
+    for (const auto& [df, unit, value, size, raw] : cases) {
+        const Inverted result = invert(value, unit, 4, find_conversion(df));
+        EXPECT_EQ(result.size, size) << "format " << df;
+        EXPECT_TRUE(size < 0 || result.low(size) == raw) << "format " << df;
     }
     const Inverted doubled = invert(2.5f, raw_bits, 100, find_conversion(62));
     EXPECT_EQ(doubled.size, 8);
@@ -111,19 +107,11 @@ TEST(Inverse, FailsWithoutAWayBack) {
         for (const ConvFunction conversion : {good, find_conversion(61), find_conversion(62)})
             EXPECT_EQ(invert(1, raw_bits, available, conversion).size, -1);
     EXPECT_EQ(value_to_raw(nullptr, 1, m, 4, good, 0), -1);
-    const ConvFunction hopeless[] = {
-        [](ConvValue* out, const void*, UnitId, int*) { *out = narrow("none"); },
-        [](ConvValue* out, const void*, UnitId, int* count) { *count = 0, *out = single(3); },
-    };
-    for (const ConvFunction conversion : hopeless) EXPECT_EQ(invert(1, m, 4, conversion).size, -1);
-    const ConvFunction flat = [](ConvValue* out, const void*, UnitId, int* count) {
-        *count = 2, *out = single(3);
-    };
-    EXPECT_EQ(invert(3, m, 4, flat).size, 2) << "a division by zero is no failure";
-    const ConvFunction too_long = [](ConvValue* out, const void*, UnitId, int* count) {
-        *count = INT32_MAX, *out = single(3);
-    };
-    EXPECT_EQ(invert(11, m, 100, too_long).size, 8);
+    const ConvFunction text = [](ConvValue* out, const void*, UnitId, int*) { *out = narrow("none"); };
+    EXPECT_EQ(invert(1, m, 4, text).size, -1);
+    EXPECT_EQ(invert(1, m, 4, flat<0>).size, -1);
+    EXPECT_EQ(invert(3, m, 4, flat<2>).size, 2) << "a division by zero is no failure";
+    EXPECT_EQ(invert(11, m, 100, flat<INT32_MAX>).size, 8);
 }
 
 }  // namespace

@@ -10,16 +10,12 @@ namespace {
 
 using namespace core::unit;
 
-struct Typed {
-    UnitId unit;
-    const char* text;
-    std::int64_t raw;
-};
+using Typed = std::tuple<UnitId, const char*, std::int64_t>;
 
 // What is typed and the raw number that it becomes, beyond what round_trip_test.cpp has typed as it is shown:
 // steps, ends of ranges, units that are not served, texts that are no numbers.
-// clang-format off
-const struct { DF df; ConvType type; std::vector<Typed> cases; } typed[] = {
+const std::tuple<DF, ConvType, std::vector<Typed>> typed[] = {
+    // clang-format off
     // lists of units, with steps of their own
     {1, CV_I16, {{m_s2, "1.5", 150}, {raw_count, "1.5", 150}, {g_force, "1.5", 0x7FFF}, {m_s2, "abc", 0x7FFF},
                  {m_s2, "400", 0x7FFE}, {m_s2, "-327.68", -32768}, {m_s2, "-328", 0x7FFE}, {m_s2, "", 0}}},
@@ -58,8 +54,8 @@ const struct { DF df; ConvType type; std::vector<Typed> cases; } typed[] = {
     {60025, CV_U32, {{V, "50", 0xFFFFFFFF}, {Hz, "x", 0xFFFFFFFF}}},
     {60022, CV_I32, {{percent, "0.0005", 1}, {percent, "", 0}}},
     {60026, CV_I32, {{bft, "4", 357913952}}},
+    // clang-format on
 };
-// clang-format on
 
 TEST(Parsers, TextsBecomeRawNumbers) {
     for (const auto& [df, type, cases] : typed)
@@ -98,18 +94,19 @@ Bytes bytes_at(const void* at, std::size_t count) {
 }
 
 TEST(Parsers, ShortTexts) {
-    const auto field = [](const std::string& text) {
+    // The first bytes. The code page's euro sign and omega have no single byte in the field.
+    const std::string longest(10000, 'x');
+    const std::pair<std::string, Bytes> cases[] = {{"Ab\xE9", {5, 1, 'A', 'b', 0xE9}},
+                                                   {"", {2, 1}},
+                                                   {"5\x80\xE9", {8, 0, '5', 0, 0xAC, 0x20, 0xE9, 0}},
+                                                   {longest, {252, 1, 'x'}},
+                                                   {longest.substr(0, 124) + "\x80", {252, 0, 'x', 0}},
+                                                   {longest + "\x80", {252, 0, 'x', 0}}};
+    for (const auto& [text, expected] : cases) {
         const ConvValue out = parse(50, text.c_str(), m);
         EXPECT_EQ(out.type, CV_RAW_FIELD);
-        return bytes_at(out.value.raw, out.value.raw[0]);
-    };
-    EXPECT_EQ(field("Ab\xE9"), (Bytes{5, 1, 'A', 'b', 0xE9}));
-    EXPECT_EQ(field(""), (Bytes{2, 1}));
-    // The code page's euro sign and omega have no single byte in the field.
-    EXPECT_EQ(field("5\x80\xE9"), (Bytes{8, 0, '5', 0, 0xAC, 0x20, 0xE9, 0}));
-    EXPECT_EQ(field(std::string(10000, 'x')).size(), 252u);
-    EXPECT_EQ(field(std::string(124, 'x') + "\x80")[0], 252);
-    EXPECT_EQ(field(std::string(10000, 'x') + "\x80").size(), 252u);
+        EXPECT_EQ(bytes_at(out.value.raw, expected.size()), expected);
+    }
     EXPECT_EQ(parse(50, nullptr, m).value.raw[0], 2);
 }
 

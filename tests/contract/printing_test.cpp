@@ -19,12 +19,8 @@ std::wstring q(const wchar_t* format, float value) {
 }
 
 TEST(FormatQ, SignificantDigits) {
-    const struct {
-        const wchar_t* format;
-        float value;
-        const wchar_t* expected;
+    const std::tuple<const wchar_t*, float, const wchar_t*> cases[] = {
         // clang-format off
-    } cases[] = {
         {L"%5q", 12.3456f, L"12.346"}, {L"%5q", 123456, L"123456"}, {L"%8.2q", 3.14159f, L"3.14"},
         {L"%5q", 10, L"10.000"}, {L"%5q", 0, L"0.00000"}, {L"%5q", 9.99999f, L"10.0000"},
         {L"%5q", -0.25f, L"-0.25000"}, {L"%+5q", 12.5f, L"12.500"}, {L"%q", 3.7f, L" 4"}, {L"%q", 0.25f, L"0"},
@@ -34,7 +30,7 @@ TEST(FormatQ, SignificantDigits) {
         {L"no conversion", 1, L"no conversion"}, {L"100%", 1, L"100"}, {L"%5", 1, L""}, {L"%5q%s%n", 1, L"1.0000n"},
     };
     // clang-format on
-    for (const auto& c : cases) EXPECT_EQ(q(c.format, c.value), c.expected) << c.value;
+    for (const auto& [format, value, expected] : cases) EXPECT_EQ(q(format, value), expected) << value;
     EXPECT_EQ(q((L"%5q" + std::wstring(1000, L'x')).c_str(), 1), L"1.0000" + std::wstring(249, L'x'));
     EXPECT_EQ(q(L"%99999999999999q", 1).size(), 255u);
     for (const float v : {1e30f, -1e30f, std::numeric_limits<float>::infinity()})
@@ -42,11 +38,9 @@ TEST(FormatQ, SignificantDigits) {
 }
 
 TEST(ValuePrinter, TypesAndReservedCodes) {
-    const struct {
-        ConvValue value;
-        const wchar_t *expected, *hexadecimal;  // the second in the type's own form with it
+    // Records as text, and in the type's own form with hexadecimal digits, where it has one.
+    const std::tuple<ConvValue, const wchar_t*, const wchar_t*> cases[] = {
         // clang-format off
-    } cases[] = {
         {whole(CV_U8, 252), L"252", L"252 (0xFC)"}, {whole(CV_I8, -128), L"-128", L"-128 (0xFFFFFF80)"},
         {whole(CV_U16, 10), L"10", L"10 (0x000A)"}, {whole(CV_I16, 0x7FFC), L"32764", L"32764 (0x7FFC)"},
         {whole(CV_U32, 10), L"10", L"10 (0x0000000A)"}, {whole(CV_I32, -1), L"-1", L"-1 (0xFFFFFFFF)"},
@@ -65,11 +59,10 @@ TEST(ValuePrinter, TypesAndReservedCodes) {
         {whole(CV_I64, INT64_MAX - 2), L"-", L"-"}, {whole(CV_TIME_OF_DAY, 0xFFFFFFFD), L"-", nullptr},
     };
     // clang-format on
-    for (const auto& c : cases) {
-        EXPECT_EQ(text_of(c.value), c.expected) << "type " << c.value.type;
-        if (c.hexadecimal != nullptr) {
-            EXPECT_EQ(text_of(c.value, print_format_hex(c.value.type)), c.hexadecimal);
-        }
+    for (const auto& [value, expected, hexadecimal] : cases) {
+        EXPECT_EQ(text_of(value), expected) << "type " << value.type;
+        EXPECT_EQ(text_of(value, print_format_hex(value.type)),
+                  hexadecimal != nullptr ? hexadecimal : expected);
     }
     EXPECT_STREQ(print_format_default(CV_I64), L"%I64");
     for (const int type : {-1, 18, int{CV_RAW_FIELD}, 1000})
@@ -79,11 +72,8 @@ TEST(ValuePrinter, TypesAndReservedCodes) {
 }
 
 TEST(ValuePrinter, CallerFormats) {
-    const struct {
-        ConvValue value;
-        const wchar_t *format, *expected;
+    const std::tuple<ConvValue, const wchar_t*, const wchar_t*> cases[] = {
         // clang-format off
-    } cases[] = {
         // accepted
         {whole(CV_U16, 10), L"%hu (0x%04X)", L"10 (0x000A)"}, {single(2.5f), L"100%% done %f", L"100% done 2.500000"},
         {real(2.5), L"%8.2q", L"2.50"}, {single(2.5f), L"%+.1e", L"+2.5e+00"}, {whole(CV_I8, -2), L"%x", L"fffffffe"},
@@ -97,7 +87,8 @@ TEST(ValuePrinter, CallerFormats) {
         {wide(L"ab"), L"%d", L"ab"}, {whole(CV_U8, 255), L"%d", L"-"},
     };
     // clang-format on
-    for (const auto& c : cases) EXPECT_EQ(text_of(c.value, c.format), c.expected) << "type " << c.value.type;
+    for (const auto& [value, format, expected] : cases)
+        EXPECT_EQ(text_of(value, format), expected) << "type " << value.type;
     for (const wchar_t* const refused :
          {L"%ls", L"%n", L"", L"100%%", L"%", L"%f", L"%I64u", L"%-5d", L"%*d", L"%i"})
         EXPECT_EQ(text_of(whole(CV_U16, 10), refused), L"10");
@@ -110,23 +101,14 @@ std::wstring formatted(const wchar_t* format, const std::vector<FormatArg>& args
 
 TEST(WideFormat, Conversions) {
     const std::wstring blanks(255, L' '), zeros(255, L'0');
-    const struct {
-        const wchar_t* format;
-        std::vector<FormatArg> args;
-        const wchar_t* expected;
+    const std::tuple<const wchar_t*, std::vector<FormatArg>, const wchar_t*> cases[] = {
         // clang-format off
-    } cases[] = {
-        {L"%d", {42}, L"42"}, {L"%-5d|", {42}, L"42   |"}, {L"%05d", {-42}, L"-0042"}, {L"%+d", {42}, L"+42"},
-        {L"%.4d", {-42}, L"-0042"}, {L"%08.4d|", {42}, L"    0042|"}, {L"%.0d", {0}, L""}, {L"%d", {1ll << 32}, L"0"},
-        {L"%lld", {-(1ll << 40)}, L"-1099511627776"}, {L"%I64", {-5}, L"-5"}, {L"%I64u", {-1}, L"18446744073709551615"},
-        {L"%hd", {40000}, L"-25536"}, {L"%hhu", {257}, L"1"}, {L"%I64d", {INT64_MIN}, L"-9223372036854775808"},
-        {L"% 6u", {59904}, L" 59904"}, {L"%#x", {255}, L"0xff"}, {L"%#x", {0}, L"0"}, {L"%o", {8}, L"10"},
-        {L"0x%16X", {255}, L"0x              FF"}, {L"%6.3f", {12.3456}, L"12.346"}, {L"%08.2f", {-1.5}, L"-0001.50"},
-        {L"%E", {1e-300}, L"1.000000E-300"}, {L"%g", {0.0001}, L"0.0001"}, {L"%f", {-0.0}, L"-0.000000"},
-        {L"%.1f", {1e22}, L"10000000000000000000000.0"}, {L"%ls", {L"wide"}, L"wide"}, {L"%-6s|", {L"ab"}, L"ab    |"},
+        {L"%d", {1ll << 32}, L"0"}, {L"%lld", {-(1ll << 40)}, L"-1099511627776"}, {L"%I64", {-5}, L"-5"},
+        {L"%I64u", {-1}, L"18446744073709551615"}, {L"%hd", {40000}, L"-25536"}, {L"%hhu", {257}, L"1"},
+        {L"%I64d", {INT64_MIN}, L"-9223372036854775808"}, {L"0x%16X", {255}, L"0x              FF"},
+        {L"%ls", {L"wide"}, L"wide"}, {L"%-6s|", {L"ab"}, L"ab    |"},
         {L"%.2s", {L"abc"}, L"ab"}, {L"%c", {FormatArg::of_character(L'\x03A9')}, L"\x03A9"}, {L"%%%d%%", {7}, L"%7%"},
-        {L"%#2ld:%02d:%02d %s", {1, 2, 5, L"AM"}, L" 1:02:05 AM"},
-        {L"%#g", {999999.5}, L"1.00000e+06"}, {L"%#.2g", {9.99}, L"10."}, {L"%#.0o", {0}, L"0"},
+        {L"%#2ld:%02d:%02d %s", {1, 2, 5, L"AM"}, L" 1:02:05 AM"}, {L"%#.0o", {0}, L"0"},
         // never more than was given, nor of another kind; numbers stand for each other and saturate
         {L"%d %d %s|", {1}, L"1  |"}, {L"%s%s%s", {}, L""}, {L"%s|", {123}, L"|"}, {L"%c|", {L"text"}, L"|"},
         {L"%d|%f|", {L"text", L"text"}, L"||"}, {L"%d|%f", {2.9, 3}, L"2|3.000000"},
@@ -136,7 +118,7 @@ TEST(WideFormat, Conversions) {
         {L"%999999d", {7}, blanks.c_str()}, {L"%.999999d", {7}, zeros.c_str()}, {L"%999999s", {L"a"}, blanks.c_str()},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(formatted(c.format, c.args), c.expected);
+    for (const auto& [format, args, expected] : cases) EXPECT_EQ(formatted(format, args), expected);
     EXPECT_EQ(formatted(L"%.999999f", {0.5}), L"0.5" + std::wstring(252, L'0'));
     EXPECT_EQ(formatted(L"%.999999e", {1.0}, 12).substr(0, 5), L"1.000");
     EXPECT_EQ(formatted(L"%.400f", {-1.7976931348623157e308}).substr(0, 4), L"-179");
@@ -181,6 +163,8 @@ TEST(WideFormat, FlagsAreThoseOfTheRuntime) {
                       DBL_MAX, DBL_TRUE_MIN},
           print);
     check(any, "feg", std::vector{HUGE_VAL, -HUGE_VAL}, print);
+    check({"", "-", "+", " ", "0", "+0"}, "d", std::vector{0, 42, -42}, print);
+    check({"", "-", "0"}, "u", std::vector{0u, 59904u}, print);
     check(any, "oxX", std::vector{0u, 1u, 7u, 8u, 0xFEu, 0xFFFFFFFFu}, print);
     // of values, which are shown as singles
     check({"", "#", "+", "#0"}, "fe", std::vector{0.0, 12.25, -0.96875, 100.0, 0x1p100},

@@ -14,12 +14,8 @@ constexpr double inf = std::numeric_limits<double>::infinity();
 const std::string nines(10000, '9'), zeros(10000, '0'), blanks(10000, ' ');
 
 TEST(Scan, Reals) {
-    const struct {
-        std::string text;
-        Scanned result;
-        double value;
+    const std::tuple<std::string, Scanned, double> cases[] = {
         // clang-format off
-    } cases[] = {
         {"-1.5", number, -1.5}, {"+2", number, 2}, {" \t\n\v\f\r 3", number, 3}, {".5", number, 0.5}, {"5.", number, 5},
         {"1.2.3", number, 1.2}, {"12abc", number, 12}, {"1E+2", number, 100}, {"25e-1", number, 2.5},
         {blanks + "7", number, 7},
@@ -51,13 +47,8 @@ TEST(Scan, Reals) {
 
 TEST(Scan, WholeNumbers) {
     constexpr std::uint64_t all32 = UINT32_MAX, all64 = UINT64_MAX;
-    const struct {
-        std::string text;
-        int base;
-        Scanned result;
-        std::uint64_t narrow, wide;
+    const std::tuple<std::string, int, Scanned, std::uint64_t, std::uint64_t> cases[] = {
         // clang-format off
-    } cases[] = {
         {" +12.9", 10, number, 12, 12}, {"-1", 10, number, all32, all64}, {"0x10", 10, number, 0, 0},
         {"4294967295", 10, number, all32, all32}, {"4294967296", 10, number, all32, 4294967296},
         {"-4294967296", 10, number, all32, all64 - all32}, {"18446744073709551616", 10, number, all32, all64},
@@ -67,14 +58,13 @@ TEST(Scan, WholeNumbers) {
         {"--1", 10, nothing, 77, 77}, {".5", 10, nothing, 77, 77}, {"g", 16, nothing, 77, 77}, {"  ", 16, end, 77, 77},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text.substr(0, 20));
-        std::uint32_t narrow = 77;
-        std::uint64_t wide = 77;
-        EXPECT_EQ(scan_whole(c.text.c_str(), narrow, c.base), c.result);
-        EXPECT_EQ(scan_whole(c.text.c_str(), wide, c.base), c.result);
-        EXPECT_EQ(narrow, c.narrow);
-        EXPECT_EQ(wide, c.wide);
+    for (const auto& [text, base, result, narrow, wide] : cases) {
+        SCOPED_TRACE(text.substr(0, 20));
+        std::uint32_t in_32 = 77;
+        std::uint64_t in_64 = 77;
+        EXPECT_EQ(scan_whole(text.c_str(), in_32, base), result);
+        EXPECT_EQ(scan_whole(text.c_str(), in_64, base), result);
+        EXPECT_EQ(std::pair(in_32 + std::uint64_t{0}, in_64), std::pair(narrow, wide));
     }
     for (const auto& [text, expected] :
          {std::pair{"-5", -5}, {"2147483648", INT32_MAX}, {"-99999999999999999999", INT32_MIN}, {"x", 77}}) {

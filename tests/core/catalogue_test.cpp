@@ -1,5 +1,6 @@
 #include "pgn_vistel/core/catalogue.h"
 
+#include "core/plan.h"
 #include "core/tables.h"
 #include "pgn_vistel/core/units.h"
 #include "support/testing.h"
@@ -8,12 +9,9 @@ namespace pgn_vistel::test {
 namespace {
 
 TEST(Pgns, Rows) {
-    const struct {
-        std::uint32_t pgn;
-        const char* name;  // null for none
-        bool fast, addressed;
+    // PGN, name or null for none, whether it is a fast packet, whether it has a destination
+    const std::tuple<std::uint32_t, const char*, bool, bool> cases[] = {
         // clang-format off
-    } cases[] = {
         {126464, "PGN List", true, true}, {61184, "Single-Frame Proprietary", false, true},
         {59904, "ISO Request", false, true}, {65280, "Proprietary B", false, false},
         {126208, "NMEA Group Function", true, true}, {127250, "Vessel Heading", false, false},
@@ -21,12 +19,12 @@ TEST(Pgns, Rows) {
         {131071, nullptr, true, false}, {131072, nullptr, false, false}, {0xFFFFFFFF, nullptr, false, false},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.pgn);
-        const PgnDef* const row = find_pgn_def(c.pgn);
-        EXPECT_EQ(pgn_name(row), c.name != nullptr ? c.name : "Unknown");
-        EXPECT_EQ(row != nullptr && row->flag_pdu1 == 1, c.addressed);
-        EXPECT_EQ(is_fast_packet(c.pgn), c.fast);
+    for (const auto& [pgn, name, fast, addressed] : cases) {
+        SCOPED_TRACE(pgn);
+        const PgnDef* const row = find_pgn_def(pgn);
+        EXPECT_EQ(pgn_name(row), name != nullptr ? name : "Unknown");
+        EXPECT_EQ(row != nullptr && row->flag_pdu1 == 1, addressed);
+        EXPECT_EQ(is_fast_packet(pgn), fast);
     }
     // Of several variants the search of the whole table meets one.
     const auto rows = all_pgns();
@@ -47,24 +45,19 @@ TEST(Pgns, Rows) {
 // ---- fields ----
 
 TEST(Fields, Sizes) {
-    const struct {
-        std::uint16_t bytes, bits;
-        std::uint32_t dd, pgn;
-        int expected_bytes, expected_bits;
+    const std::tuple<std::uint16_t, std::uint16_t, std::uint32_t, std::uint32_t, int, int> cases[] = {
         // clang-format off
-    } cases[] = {
         {0, 16, 1, 127250, 2, 0}, {0, 12, 1, 127250, 0, 12}, {1, 4, 1, 127250, 0, 12},
         {0, 0, 10068, 127250, 0, 4},  // the dictionary's
         {0, 0, 192, 126996, 32, 0}, {0, 0, 7, 126996, 32, 0}, {2, 0, 7, 126996, 2, 0},  // the PGN's, for codes too
         // clang-format on
     };
-    for (const auto& c : cases) {
+    for (const auto& [own_bytes, own_bits, dd, pgn, expected_bytes, expected_bits] : cases) {
         FieldDef row{};
-        row.bytes = c.bytes, row.bits = c.bits, row.dd = find_dictionary_entry(c.dd);
+        row.bytes = own_bytes, row.bits = own_bits, row.dd = find_dictionary_entry(dd);
         int bytes, bits;
-        normalise_field_size(&row, c.pgn, &bytes, &bits);
-        EXPECT_EQ(std::pair(bytes, bits), std::pair(c.expected_bytes, c.expected_bits))
-            << c.dd << ' ' << c.pgn;
+        normalise_field_size(&row, pgn, &bytes, &bits);
+        EXPECT_EQ(std::pair(bytes, bits), std::pair(expected_bytes, expected_bits)) << dd << ' ' << pgn;
     }
 }
 
@@ -83,20 +76,44 @@ TEST(Fields, Rows) {
 }
 
 TEST(Fields, NumberByPosition) {
-    const struct {
-        std::uint32_t pgn;
-        int byte, bit, field;
+    const std::tuple<std::uint32_t, int, int, int> cases[] = {
         // clang-format off
-    } cases[] = {
         {60928, 0, 0, 1}, {60928, 2, 5, 2}, {60928, 4, 0, 3}, {60928, 4, 3, -1}, {60928, 1, 0, -1},
         {60928, 2, 4, -1}, {60928, 5, 0, 5}, {127250, 7, 0, -1}, {127250, 0, 1, -1}, {0, 0, 0, -1},
         // rounds of a repeating group
         {126464, 0, 0, 1}, {126464, 6, 0, 2}, {126464, 60, 0, 2}, {127503, 20, 0, 6},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(field_at(c.pgn, c.byte, c.bit), c.field) << c.pgn << ' ' << c.byte;
+    for (const auto& [pgn, byte, bit, field] : cases)
+        EXPECT_EQ(field_at(pgn, byte, bit), field) << pgn << ' ' << byte;
     for (const PgnDef& row : all_pgns())  // no position may search for ever
         for (const int byte : {1, 223, 65535}) EXPECT_GE(field_at(row.pgn, byte, 0), -1);
+}
+
+// ---- enumerations ----
+
+/// The generator's index agrees with a search of the whole set.
+TEST(Enumerations, Entries) {
+    std::mt19937 random(1);
+    for (const DDstrings& set : all_enumerations()) {
+        if (set.kind == ENUM_FLAGS) continue;
+        SCOPED_TRACE(set.dd);
+        EXPECT_EQ(find_enumeration(set.dd), &set);
+        std::vector<std::uint32_t> values = {0x7FFFFFFF, 0xFFFFFFFE, 0xFFFFFFFF};
+        for (std::uint32_t i = 0; i < 1000; ++i)
+            values.insert(values.end(), {i, static_cast<std::uint32_t>(random())});
+        for (std::uint32_t i = 0; i < set.count; ++i)
+            for (const std::uint32_t off : {0u - 1, 0u, 1u}) values.push_back(set.pairs[i].value + off);
+        for (const std::uint32_t value : values) {
+            std::uint16_t expected = no_entry;
+            for (std::uint16_t i = 0; set.kind == ENUM_ENTRY_BELOW && i < set.count; ++i)
+                if (set.pairs[i].value < value) expected = i;
+            for (auto i = static_cast<std::uint16_t>(set.count); i-- > 0;)
+                if (set.pairs[i].value == value) expected = i;
+            ASSERT_EQ(find_entry(find_set(set.dd), value), expected) << value;
+        }
+    }
+    EXPECT_EQ(find_entry(find_set(dd::format_number), 2), no_entry) << "no format that a value may name";
 }
 
 // ---- the dictionary ----
@@ -147,12 +164,8 @@ Bytes label(int length, int encoding, int maker = 0x89) {
 
 TEST(StreamKeys, OfPayloads) {
     const Keys none = {255, 255, 255, 255}, label_key = {42, 255, 255, 255};
-    const struct {
-        std::uint32_t pgn;
-        Bytes payload;
-        Keys keys;
+    const std::tuple<std::uint32_t, Bytes, Keys> cases[] = {
         // clang-format off
-    } cases[] = {
         {127505, {0x21}, {1, 2, 255, 255}}, {126208, {1, 2, 3, 4}, {1, 2, 3, 4}},
         {129038, {0xFF, 0xFE}, {255, 0x3F, 0x0E, 255}}, {65286, {0, 0, 0, 7, 0xAB}, {7, 0xB, 255, 7}},
         // the manufacturer's own header tells where the message's number stands
@@ -171,8 +184,8 @@ TEST(StreamKeys, OfPayloads) {
         EXPECT_EQ(extract_stream_keys(pgn, payload, &k[0], &k[1], &k[2], &k[3]), result) << pgn;
         return Keys{k[0], k[1], k[2], k[3]};
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(keys_of(c.pgn, message(c.pgn, c.payload).data, none, 1), c.keys) << c.pgn;
+    for (const auto& [pgn, payload, keys] : cases)
+        EXPECT_EQ(keys_of(pgn, message(pgn, payload).data, none, 1), keys) << pgn;
     // Only keys that are asked for are written.
     const std::uint8_t payload[sizeof(N2KMsg::data)] = {0x89, 0x98, 3, 4};
     const Keys some = {0, 255, 0, 1};

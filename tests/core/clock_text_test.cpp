@@ -16,20 +16,17 @@ std::string date(int days, UnitId u) {
 }
 
 TEST(ClockText, TimeOfDay) {
-    const struct {
-        std::uint32_t seconds;
-        const char *h24, *h12;
+    const std::tuple<std::uint32_t, const char*, const char*> cases[] = {
         // clang-format off
-    } cases[] = {
         {0, "00:00:00", "12:00:00 AM"}, {3725, "01:02:05", " 1:02:05 AM"}, {43199, "11:59:59", "11:59:59 AM"},
         {43200, "12:00:00", "12:00:00 PM"}, {46800, "13:00:00", " 1:00:00 PM"}, {90000, "25:00:00", " 1:00:00 PM"},
         {0xFFFFFFFC, "1193046:28:12", " 6:28:12 PM"}, {0xFFFFFFFD, "-", "-"},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(clock(c.seconds, unit::clock_24), c.h24);
-        EXPECT_EQ(clock(c.seconds, unit::m), c.h24);
-        EXPECT_EQ(clock(c.seconds, unit::clock_12), c.h12);
+    for (const auto& [seconds, h24, h12] : cases) {
+        EXPECT_EQ(clock(seconds, unit::clock_24), h24);
+        EXPECT_EQ(clock(seconds, unit::m), h24);
+        EXPECT_EQ(clock(seconds, unit::clock_12), h12);
     }
 }
 

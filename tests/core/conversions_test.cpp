@@ -78,13 +78,8 @@ float apply(UnitRule rule, double value, UnitId u) {
 }
 
 TEST(Conversions, Physics) {
-    const struct {
-        UnitRule rule;
-        double base;
-        UnitId unit;
-        double expected;
+    const std::tuple<UnitRule, double, UnitId, double> cases[] = {
         // clang-format off
-    } cases[] = {
         {UnitRule::speed_mm_s, 1852000.0 / 3600, kt, 1}, {UnitRule::length_cm, 185200, nm, 1},
         {UnitRule::length_cm, 30.48, ft, 1}, {UnitRule::angle_rad, 3.14159265, deg, 180},
         {UnitRule::volume_l, 3.785411784, gal, 1}, {UnitRule::temperature_k, 273.15, celsius, 0},
@@ -96,9 +91,9 @@ TEST(Conversions, Physics) {
         {UnitRule::speed_mm_s, 40000, bft, 12}, {UnitRule::speed_m_s, -50, bft, 0}, {UnitRule::speed_m_s, NAN, bft, 12},
         // clang-format on
     };
-    for (const auto& c : cases)
-        EXPECT_NEAR(apply(c.rule, c.base, c.unit), c.expected, std::max(2e-6 * std::fabs(c.expected), 4e-5))
-            << "unit " << c.unit << " of " << c.base;
+    for (const auto& [rule, base, unit, expected] : cases)
+        EXPECT_NEAR(apply(rule, base, unit), expected, std::max(2e-6 * std::fabs(expected), 4e-5))
+            << "unit " << unit << " of " << base;
     const float one_knot = 1 / apply(UnitRule::speed_m_s, 1, kt);
     int exact = 0;
     for (const auto& [knots, force] : {std::pair{1.0f, 1}, {3.0f, 2}, {6.0f, 3}, {10.0f, 4}, {16.0f, 5}}) {
@@ -121,12 +116,8 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
                         U64 = ValueType::u64, I32 = ValueType::i32, I64 = ValueType::i64;
     constexpr UnitId bits = raw_bits, counts = raw_count;
     constexpr std::uint64_t ones = ~std::uint64_t{0};
-    const struct {
-        DF df;
-        std::uint64_t raw;
-        std::vector<std::tuple<UnitId, ValueType, double>> outcomes;
+    const std::tuple<DF, std::uint64_t, std::vector<std::tuple<UnitId, ValueType, double>>> cases[] = {
         // clang-format off
-    } cases[] = {
         {0, 0x12345678, {{bits, U32, 0x12345678}, {counts, NA, 0}}}, {24, 1, {{bits, NA, 0}}},
         // floating angles, numbers and distances
         {3, f32(1), {{deg, F, 57.29578}, {counts, F, 1}, {bits, F, 1}, {V, NA, 0}}},
@@ -165,10 +156,10 @@ TEST(Conversions, FormatsWithARuleOfTheirOwn) {
         {60007, 0x01F40024, {{kph, F, 1.8}, {V, NA, 0}}}, {60007, 0x01F40023, {{kph, NA, 0}}},
         // clang-format on
     };
-    for (const auto& c : cases)
-        for (const auto& [u, type, expected] : c.outcomes) {
-            SCOPED_TRACE(testing::Message() << "format " << c.df << " raw " << c.raw << " unit " << u);
-            const Value got = convert_bits(c.df, c.raw, u).value;
+    for (const auto& [df, raw, outcomes] : cases)
+        for (const auto& [u, type, expected] : outcomes) {
+            SCOPED_TRACE(testing::Message() << "format " << df << " raw " << raw << " unit " << u);
+            const Value got = convert_bits(df, raw, u).value;
             ASSERT_EQ(got.type, type);
             if (type == NA) continue;
             const double number = number_in(got);
@@ -203,12 +194,8 @@ std::string text_of(DF df, const Bytes& field, int bytes = 0, TextScratch& kept 
 }
 
 TEST(Texts, EveryFormat) {
-    const struct {
-        DF df;
-        Bytes field;
-        std::string expected;
+    const std::tuple<DF, Bytes, std::string> cases[] = {
         // clang-format off
-    } cases[] = {
         {50, {5, 1, 'A', 'b', 'c', 'd'}, "Abc"}, {50, {8, 1, 'A', 'b', 0, 'd', 'e', 'f'}, "Ab"}, {50, {2, 1, 'A'}, ""},
         {50, {7, 1, 0x80, 0x81, 0x8C, 0x9C, 0xE9}, "\u20AC\u03A9\u0152\u0153\u00E9"}, {50, {20, 1, 'a', 'b'}, "ab"},
         {50, {6, 0, 'A', 0, 0xA9, 0x03, 'c', 0}, "A\u03A9"}, {50, {7, 0, 'A', 0, 'b', 0, 'c'}, "Ab"},
@@ -218,7 +205,7 @@ TEST(Texts, EveryFormat) {
         {51, {3, 0, 1}, ""}, {51, {5, 0, 0, 'A', 0}, ""},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(text_of(c.df, c.field), c.expected);
+    for (const auto& [df, field, expected] : cases) EXPECT_EQ(text_of(df, field), expected);
     Bytes longest(1785, 'x');
     longest[0] = 252, longest[1] = 1;
     EXPECT_EQ(text_of(50, longest), std::string(125, 'x'));

@@ -32,11 +32,8 @@ Bytes product_information() {
 TEST(Lines, Fields) {
     const wchar_t *const keldor = L"Manufacturer Code: Keldor", *const reserved = L"Reserved: 3 ",
                          *const marine = L"Industry Group:  Marine";
-    const struct {
-        std::uint32_t pgn;
-        Bytes payload;
-        Strings lines;  ///< "..." stands for any at the start or the end
-    } cases[] = {
+    // "..." stands for any at the start or the end
+    const std::tuple<std::uint32_t, Bytes, Strings> cases[] = {
         // clang-format off
         // 90 degrees are 15708 counts of 0.0001 rad
         {127250, {5, 0x5C, 0x3D, 0xFF, 0x7F, 0xFF, 0x7F, 0xFD},
@@ -87,9 +84,8 @@ TEST(Lines, Fields) {
           L"Manufacturer's Model ID: Model ", L"..."}},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        Strings lines = field_lines(message(c.pgn, c.payload), plain);
-        Strings expected = c.lines;
+    for (auto [pgn, payload, expected] : cases) {
+        Strings lines = field_lines(message(pgn, payload), plain);
         if (!expected.empty() && expected.back() == L"...") {
             expected.pop_back();
             lines.resize(expected.size());
@@ -98,7 +94,7 @@ TEST(Lines, Fields) {
             ASSERT_GE(lines.size(), expected.size());
             lines.erase(lines.begin(), lines.end() - static_cast<std::ptrdiff_t>(expected.size()));
         }
-        EXPECT_EQ(lines, expected) << c.pgn;
+        EXPECT_EQ(lines, expected) << pgn;
     }
     EXPECT_EQ(field_lines(message(127250, {5}))[0], L"Sequence ID: 5 (0x05) ");
 }

@@ -40,26 +40,26 @@ std::string_view shortest(Float value) {
             static_cast<std::size_t>(std::to_chars(reference, reference + 64, value).ptr - reference)};
 }
 
+template <class Write>
+void expect(std::string_view expected, Write write) {
+    ASSERT_EQ(written(write), expected);
+}
+
 void compare(float value) {
     for (const int digits : {5, 8})
-        ASSERT_EQ(written([=](char* at) { return write_significant(at, value, digits); }),
-                  significant(value, digits))
-            << digits;
-    if (std::isfinite(value)) {
-        ASSERT_EQ(written([=](char* at) { return write_shortest(at, value); }), shortest(value));
-    }
+        expect(significant(value, digits), [=](char* at) { return write_significant(at, value, digits); });
+    if (std::isfinite(value)) expect(shortest(value), [=](char* at) { return write_shortest(at, value); });
 }
 
 void compare(double value) {
-    ASSERT_EQ(written([=](char* at) { return write_shortest(at, value); }), shortest(value));
+    expect(shortest(value), [=](char* at) { return write_shortest(at, value); });
 }
 
 void compare_fixed(double value) {
-    for (const int precision : {0, 3, 6, 18})
-        if (std::fabs(value) < 1e18) {
-            ASSERT_EQ(written([=](char* at) { return write_fixed(at, value, precision); }),
-                      printf_form("%.*f", precision, value));
-        }
+    for (const int decimals : {0, 3, 6, 18})
+        if (std::fabs(value) < 1e18)
+            expect(printf_form("%.*f", decimals, value),
+                   [=](char* at) { return write_fixed(at, value, decimals); });
 }
 
 /// A value and those next to it, with both signs.
@@ -96,8 +96,7 @@ TEST(Numbers, RandomValues) {
     std::mt19937_64 random(20240229);
     for (std::uint32_t exponent = 0; exponent < 255; ++exponent)
         for (int i = 0; i < trials(2000); ++i)
-            compare(
-                std::bit_cast<float>((static_cast<std::uint32_t>(random()) & 0x807FFFFF) | exponent << 23));
+            compare(std::bit_cast<float>(static_cast<std::uint32_t>(random() & 0x807FFFFF) | exponent << 23));
     for (std::uint64_t exponent = 0; exponent < 2047; ++exponent)
         for (int i = 0; i < trials(300); ++i)
             compare(std::bit_cast<double>((random() & 0x800FFFFFFFFFFFFF) | exponent << 52));
@@ -119,11 +118,10 @@ TEST(Numbers, Integers) {
     for (const std::uint64_t n : numbers) {
         const auto with_sign = static_cast<std::int64_t>(n % 2 == 0 ? n : 0 - n);
         const auto low = static_cast<std::uint32_t>(n);
-        ASSERT_EQ(written([=](char* at) { return write_unsigned(at, n); }), shortest(n));
-        ASSERT_EQ(written([=](char* at) { return write_signed(at, with_sign); }), shortest(with_sign));
+        expect(shortest(n), [=](char* at) { return write_unsigned(at, n); });
+        expect(shortest(with_sign), [=](char* at) { return write_signed(at, with_sign); });
         for (const int least : {1, 8, 16})
-            ASSERT_EQ(written([=](char* at) { return write_hex(at, low, least); }),
-                      printf_form("%0*X", least, low));
+            expect(printf_form("%0*X", least, low), [=](char* at) { return write_hex(at, low, least); });
     }
 }
 

@@ -50,13 +50,8 @@ TEST(Reading, BitsOfEveryWidthAtEveryPosition) {
 
 TEST(Reading, AtTheEnd) {
     N2KMsg msg = message(127250, {1, 2, 3, 4, 5, 6, 7, 8});
-    const struct {
-        std::uint32_t dd;
-        int bytes;
-        PayloadPosition at;
-        int number;  // or none: cut off
-        PayloadPosition next;
-    } cases[] = {
+    // Entry, bytes, place; the number, or none where it is cut off, and where the next field begins.
+    const std::tuple<std::uint32_t, int, PayloadPosition, int, PayloadPosition> cases[] = {
         {number, 0, {6, 0}, 0x0807, {8, 0}},  {number, 0, {7, 0}, none, {9, 0}},  // one byte is there
         {number, 0, {8, 0}, 0x1234, {10, 0}},  // wholly beyond: from the record
         {number, 0, {1785, 0}, 0, {1787, 0}}, {latitude, 0, {1, 0}, none, {9, 0}},
@@ -64,14 +59,13 @@ TEST(Reading, AtTheEnd) {
         {number, 2, {6, 4}, none, {8, 4}},  // its last four bits are missing
     };
     msg.data[8] = 0x34, msg.data[9] = 0x12;
-    for (const auto& c : cases) {
-        const FieldReading field = read_at(msg, c.dd, c.bytes, 0, c.at, unit::raw_bits);
-        EXPECT_EQ(field.cut_off, c.number == none) << c.at.byte;
-        EXPECT_EQ(field.value.type == ValueType::none, c.number == none) << c.at.byte;
-        if (c.number != none) {
-            EXPECT_EQ(integer_of(field.value), c.number) << c.at.byte;
-        }
-        EXPECT_EQ(field.next, c.next);
+    for (const auto& [dd, bytes, at, expected, next] : cases) {
+        SCOPED_TRACE(at.byte);
+        const FieldReading field = read_at(msg, dd, bytes, 0, at, unit::raw_bits);
+        EXPECT_EQ(field.cut_off, expected == none);
+        EXPECT_EQ(field.value.type == ValueType::none, expected == none);
+        EXPECT_TRUE(expected == none || integer_of(field.value) == expected);
+        EXPECT_EQ(field.next, next);
     }
     EXPECT_FALSE(read_at(msg, name, 0, 0, {4, 0}).cut_off) << "texts show what is there";
     // The size masks integers, modulo 256 bits.

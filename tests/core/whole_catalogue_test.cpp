@@ -42,7 +42,7 @@ struct Item {
     int round;
     int start, bits;
     std::uint64_t raw;
-    std::wstring text;
+    std::string text;
 
     /// A whole number of bytes that starts inside a byte reads as zeros, and so does a number of 256 bits.
     bool is_lost() const { return bits % 8 == 0 && (bits % 256 == 0 || start % 8 != 0); }
@@ -90,7 +90,7 @@ class Written {
 
   private:
     void add(const FieldDef* row, int round) {
-        Item item{row, round, end_, 0, 0, L""};
+        Item item{row, round, end_, 0, 0, ""};
         const Reading reading = reading_of(row->dd->df);
         if (is_text(reading)) {
             add_text(reading, item);
@@ -114,27 +114,18 @@ class Written {
     }
 
     void add_text(Reading reading, Item& item) {
-        const std::string text = "Text " + std::to_string(random_() % 1000);
-        Bytes bytes(text.begin(), text.end());
-        item.text = std::wstring(text.begin(), text.end());
-        const auto length = static_cast<std::uint8_t>(text.size());
+        item.text = "Text " + std::to_string(random_() % 1000);
+        Bytes bytes(item.text.begin(), item.text.end());
+        const auto length = static_cast<std::uint8_t>(bytes.size());
         if (reading == Reading::text_short) {
             bytes.insert(bytes.begin(), {static_cast<std::uint8_t>(length + 2), 1});
         } else if (reading == Reading::text_medium) {
             bytes.insert(bytes.begin(), {static_cast<std::uint8_t>(length + 3), 0, 1});
         } else {
             bytes.resize(static_cast<std::size_t>(own_bits(*item.row) / 8), 0xFF);
-            item.text = item.text.substr(0, bytes.size());
+            item.text.resize(std::min(item.text.size(), bytes.size()));
         }
-        if (reading == Reading::hex_dump) {
-            item.text.clear();
-            for (std::size_t i = 0; i < std::min<std::size_t>(bytes.size(), 84); ++i) {
-                wchar_t digits[4];
-                std::swprintf(digits, 4, L"%02X ", static_cast<unsigned>(bytes[i]));
-                item.text += digits;
-            }
-            item.text.pop_back();
-        }
+        if (reading == Reading::hex_dump) item.text = hex(bytes, " ").substr(0, 84 * 3 - 1);
         item.bits = static_cast<int>(bytes.size()) * 8;
         for (std::size_t i = 0; i < bytes.size(); ++i) set_bits(end_ + static_cast<int>(i) * 8, 8, bytes[i]);
     }
@@ -173,23 +164,18 @@ int in_bits(PayloadPosition at) {
     return at.byte * 8 + at.bit;
 }
 
-std::wstring text_of(const Value& value) {
-    std::wstring text;
-    for_each_character(value.text, value.text.count,
-                       [&](std::uint32_t c) { text += static_cast<wchar_t>(c); });
-    return value.type == ValueType::text ? text : L"(no text)";
+std::string text_of(const Value& value) {
+    std::string text;
+    for_each_character(value.text, value.text.count, [&](std::uint32_t c) { text += static_cast<char>(c); });
+    return value.type == ValueType::text ? text : "(no text)";
 }
 
 /// What is sent as JSON has it: hexadecimal bytes, the low ones first.
 std::string raw_of(const Written& written, int start, int bits) {
-    std::string text = "\"raw\":\"";
-    for (int at = 0; at < bits && start + at < written.msg.length * 8; at += 8) {
-        char digits[3];
-        std::snprintf(digits, 3, "%02X",
-                      static_cast<unsigned>(written.bits_at(start + at, std::min(8, bits - at))));
-        text += digits;
-    }
-    return text + "\"";
+    Bytes sent;
+    for (int at = 0; at < bits && start + at < written.msg.length * 8; at += 8)
+        sent.push_back(static_cast<std::uint8_t>(written.bits_at(start + at, std::min(8, bits - at))));
+    return "\"raw\":\"" + hex(sent) + "\"";
 }
 
 TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
@@ -207,8 +193,10 @@ TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
             ASSERT_EQ(&row, item.row);
             EXPECT_EQ(walk.repeat(), item.round);
             ASSERT_EQ(in_bits(walk.position), item.start);
-            const FieldReading raw =
-                read_field(written.msg, row, walk.position, units, unit::raw_bits, scratch);
+            const auto read = [&, &msg = written.msg](UnitId u) {
+                return read_field(msg, row, walk.position, units, u, scratch);
+            };
+            const FieldReading raw = read(unit::raw_bits), shown = read(unit::selected);
             ASSERT_EQ(in_bits(raw.next), item.start + item.bits);
             EXPECT_FALSE(raw.cut_off);
             at = json.find("\"raw\":", at + 1);
@@ -222,8 +210,6 @@ TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
                 EXPECT_EQ(low_bits(raw.value.number.u64, bits),
                           item.bits == 0 ? written.bits_at(item.start, 64) : expected);
             }
-            const FieldReading shown =
-                read_field(written.msg, row, walk.position, units, unit::selected, scratch);
             EXPECT_EQ(in_bits(shown.next), in_bits(raw.next));
             if (row.dd->df != undefined_format && row.dd->df != address_format) {
                 EXPECT_NE(shown.value.type, ValueType::none) << row.name << " in unit " << shown.unit;
@@ -234,10 +220,6 @@ TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
         EXPECT_FALSE(walk.has_undecoded_rest());
         EXPECT_EQ((in_bits(walk.position) + 7) / 8, written.covered);
     }
-}
-
-std::wstring widened(const std::string& text) {
-    return {text.begin(), text.end()};
 }
 
 TEST(WholeCatalogue, EveryListedValueHasItsText) {
@@ -262,10 +244,9 @@ TEST(WholeCatalogue, EveryListedValueHasItsText) {
             written.set_bits(written.items[index].start, written.items[index].bits,
                              set.kind == ENUM_FLAGS ? std::uint64_t{1} << i : value);
             const auto lines = field_lines(written.msg, plain);
-            const std::wstring line = index < lines.size() ? lines[index] : L"";
-            EXPECT_EQ(line.ends_with(L": " + widened(text)), never.count({set.dd, value}) == 0)
-                << "set " << set.dd << " value " << value << " '" << text << "' line '"
-                << std::string(line.begin(), line.end()) << "'";
+            const std::string line = index < lines.size() ? as_utf8(lines[index]) : "";
+            EXPECT_EQ(line.ends_with(std::string(": ") + text), !never.contains({set.dd, value}))
+                << "set " << set.dd << " value " << value << " '" << text << "' line '" << line << "'";
             ++checked;
         }
     }

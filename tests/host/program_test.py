@@ -25,7 +25,7 @@ HEADING = "2026-09-10T08:00:00.250Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n" 
 CLAIM = "2026-09-10T08:00:01.500Z,6,60928,35,255,8,39,30,20,11,00,96,32,c0\n"
 # Texts of a label, in one byte a character and in UTF-16, with what forms have to quote or must not let through.
 HOSTILE = ('Pump, "b"', "a\rb", "\x1b[31mX\n0.00 FORGE", "\\\x7f", "A\x85\x9bB\u6771")
-UNKNOWN = "2026-09-10T08:00:02.500Z,7,131000,9,35,3,01,02,03\n"
+UNKNOWN = "2026-09-10T08:00:02.500Z,7,128999,9,35,3,01,02,03\n"
 
 
 def vistel(*arguments, stdin=""):
@@ -53,7 +53,7 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(result.stdout.splitlines()[2:5] + result.stdout.splitlines()[-4:], [
             "    Destination: Global, pri=2", "    Sequence ID: 5 (0x05) ", "    Heading Sensor Reading: 57.296 °M",
-            "2.25           131000, Unknown", "    Source Address: 0x09 (9)", "    Destination: 0x23 (35)",
+            "2.25           128999, Unknown", "    Source Address: 0x09 (9)", "    Destination: 0x23 (35)",
             "    Data: 01 02 03"])
         result = vistel("decode", "--json", stdin="# format=FAST\n" + HEADING + CLAIM)
         first, second = map(json.loads, result.stdout.splitlines())
@@ -243,7 +243,7 @@ class ProgramTest(unittest.TestCase):
             self.assertIn(f"vistel: {told}\n", result.stderr)
         other = UNKNOWN.replace(",9,", ",10,")
         told = vistel("decode", "--stats", stdin="# format=FAST\n" + UNKNOWN * 2 + other + HEADING).stderr
-        self.assertIn("unknown PGNs: 3\n    131000 from source   9: 2\n    131000 from source  10: 1\n", told)
+        self.assertIn("unknown PGNs: 3\n    128999 from source   9: 2\n    128999 from source  10: 1\n", told)
 
     def test_a_full_disk_is_told(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "127250"]):

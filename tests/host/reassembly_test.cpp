@@ -64,10 +64,34 @@ std::string bytes_of(const N2KMsg& msg) {
     return std::string(reinterpret_cast<const char*>(&msg), sizeof msg);
 }
 
-struct Case {
-    const char* name;
-    std::string script;
-    const char* expected;  // letters of the messages; counts of incomplete, orphans, repeated
+/// Messages by letters. In place of a fast packet's sequence, `by_transport` has one sent by transport
+/// protocol.
+constexpr unsigned by_transport = 8;
+const std::tuple<char, Header, unsigned, unsigned> sent_messages[] = {
+    // clang-format off
+    // a and A, t and T are successive messages of the same sequence.
+    {'a', {129029, 3, 1, 255}, 0, 20}, {'A', {129029, 3, 1, 255}, 0, 20}, {'b', {129029, 3, 1, 255}, 1, 20},
+    {'c', {129029, 3, 1, 255}, 2, 20}, {'d', {129029, 3, 1, 255}, 3, 20}, {'e', {129029, 3, 1, 255}, 7, 20},
+    {'s', {129029, 3, 2, 255}, 0, 20}, {'p', {129038, 4, 1, 255}, 0, 27}, {'q', {126720, 6, 1, 10}, 0, 20},
+    {'r', {126720, 6, 1, 11}, 0, 20}, {'l', {129794, 4, 1, 255}, 5, 223}, {'6', {130060, 7, 1, 255}, 0, 6},
+    {'7', {130060, 7, 1, 255}, 0, 7}, {'0', {130060, 7, 1, 255}, 0, 0}, {'3', {129285, 7, 1, 255}, 4, 13},
+    {'4', {129285, 7, 1, 255}, 4, 14},
+    {'t', {65240, 7, 1, 255}, by_transport, 20}, {'T', {65240, 7, 1, 255}, by_transport, 20},
+    {'u', {65240, 7, 2, 255}, by_transport, 20}, {'v', {126208, 6, 1, 2}, by_transport, 20},
+    {'w', {126208, 6, 2, 1}, by_transport, 21}, {'x', {129029, 6, 1, 3}, by_transport, 22},
+    {'L', {129540, 6, 1, 255}, by_transport, 1785}, {'1', {130820, 6, 1, 255}, by_transport, 1},
+    // clang-format on
+};
+const std::tuple<const char*, std::uint32_t, Bytes> odd[] = {
+    // clang-format off
+    {"empty", 129029, {}}, {"lone", 129029, {0}}, {"huge", 129029, {0, 224, 1, 2, 3, 4, 5, 6}},
+    {"short0", 129029, {0, 20, 1, 2, 3, 4, 5}}, {"beyond", 129029, {3, 1, 2, 3, 4, 5, 6, 7}},
+    {"zero", 60416, announcement(32, 0, 0, 65240)}, {"too_long", 60416, announcement(32, 1786, 255, 65240)},
+    {"too_few", 60416, announcement(32, 22, 3, 65240)}, {"too_many", 60416, announcement(32, 21, 4, 65240)},
+    {"no_pgn", 60416, announcement(32, 20, 3, 0x40000)}, {"other_stop", 60416, announcement(255, 20, 3, 65241)},
+    {"packet0", 60160, {0, 1, 2, 3, 4, 5, 6, 7}}, {"packet4", 60160, {4, 1, 2, 3, 4, 5, 6, 7}},
+    {"cut1", 60160, {1, 1, 2, 3, 4, 5, 6}}, {"empty_packet", 60160, {}},
+    // clang-format on
 };
 
 /// What scripts are made of: frames by name, and the messages that they make up by letter.
@@ -75,25 +99,66 @@ struct Cast {
     std::map<std::string, Record> pieces;
     std::map<std::string, char> letters;  // by all bytes of the message
 
-    void add(char letter, const Record& message) { letters[bytes_of(message.msg)] = letter; }
+    Cast() {
+        for (const auto& [letter, header, sequence, length] : sent_messages) {
+            const Bytes bytes = payload(length, static_cast<unsigned char>(letter));
+            letters[bytes_of(frame(header, bytes).msg)] = letter;
+            if (sequence == by_transport) {
+                add_transport({letter}, header, bytes);
+            } else {
+                int index = 0;
+                for (const Record& piece : fast_frames(header, sequence, bytes))
+                    pieces[letter + std::to_string(index++)] = piece;
+            }
+        }
+        for (const auto& [name, pgn, bytes] : odd) pieces[name] = frame({pgn, 3, 1, 255}, bytes);
+        (pieces["message_6"] = frame({130060, 7, 1, 255}, payload(6, '6'))).kind = Record::Kind::message;
+        (pieces["short42"] = pieces["42"]).msg.length = 2;
+        (pieces["short_t3"] = pieces["t3"]).msg.length = 7;
+    }
+
+    void add_transport(const std::string& letter, Header header, const Bytes& bytes) {
+        const auto length = static_cast<unsigned>(bytes.size()), packets = (length + 6) / 7;
+        const unsigned first = header.destination == 255 ? 32 : 16;
+        const auto control = [&, pgn = header.pgn](unsigned byte, const Header& from) {
+            return frame(from, announcement(byte, length, packets, pgn));
+        };
+        header.pgn = transport_protocol::control_pgn;
+        const Header answer{header.pgn, 7, header.destination, header.source};
+        pieces[letter + "!"] = control(first, header);
+        pieces[letter + "stop"] = control(255, header);
+        pieces[letter + "cts"] = control(17, answer);
+        pieces[letter + "eom"] = control(19, answer);
+        pieces[letter + "refuse"] = control(255, answer);
+        header.pgn = transport_protocol::data_pgn;
+        for (unsigned i = 0; i < packets; ++i) {
+            Bytes packet{static_cast<std::uint8_t>(i + 1)};
+            packet.insert(packet.end(), bytes.begin() + i * 7, bytes.begin() + std::min(i * 7 + 7, length));
+            packet.resize(8, 0xFF);
+            pieces[letter + std::to_string(i + 1)] = frame(header, packet);
+        }
+    }
 
     /// Plays the words of a script: `+750` and `-750` move the clock by milliseconds, `noclock` switches it
     /// off, `finish` ends the recording, `*4000` puts as many frames of others, any other word is the name of
     /// a piece.
     std::string outcome(const std::string& script) const {
         std::string delivered;
-        std::uint64_t messages = 0;
+        std::uint64_t messages = 0, pieces_put = 0, pieces_emitted = 0;  // of sessions: emitted as they are
+        const auto is_piece = [](const N2KMsg& msg) {
+            return msg.pgn == transport_protocol::control_pgn || msg.pgn == transport_protocol::data_pgn;
+        };
         RecordTime now{12'345 * ms, RecordTime::Origin::epoch};
         Reassembler reassembler([&](const N2KMsg& msg, const RecordTime& time) {
             ++messages;
             EXPECT_TRUE(time == now);
             const auto known = letters.find(bytes_of(msg));
-            const bool is_piece = msg.source >= 90 || msg.pgn == transport_protocol::control_pgn ||
-                                  msg.pgn == transport_protocol::data_pgn;
-            if (!is_piece) delivered += known == letters.end() ? '?' : known->second;
+            pieces_emitted += is_piece(msg);
+            if (!is_piece(msg) && msg.source < 90) delivered += known == letters.end() ? '?' : known->second;
         });
         const auto put = [&](Record record) {
             record.time = now;
+            pieces_put += is_piece(record.msg);
             reassembler.put(record);
         };
         std::istringstream words(script + " finish finish");
@@ -117,6 +182,7 @@ struct Cast {
         }
         const ReassemblyCounters& c = reassembler.counters();
         EXPECT_EQ(c.messages, messages);
+        EXPECT_EQ(pieces_emitted, pieces_put);
         for (const std::uint64_t count :
              {c.incomplete_fast_packets + c.incomplete_transports, c.orphan_frames, c.repeated_frames})
             delivered += " " + std::to_string(count);
@@ -124,45 +190,19 @@ struct Cast {
     }
 };
 
-TEST(Reassembly, OfFastPackets) {
-    const struct {
-        char letter;
-        Header header;
-        unsigned sequence, length;
-    } definitions[] = {
+/// The names of a message's frames, the last one first.
+std::string backwards(char letter, int last, int first) {
+    std::string names;
+    for (int i = last; i >= first; --i) names += std::string(" ") + letter + std::to_string(i);
+    return names;
+}
+
+TEST(Reassembly, OfScripts) {
+    const Cast cast;
+    // Letters of the messages; counts of incomplete, orphans, repeated.
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         // clang-format off
-        // a and A are successive messages of the same sequence.
-        {'a', {129029, 3, 1, 255}, 0, 20}, {'A', {129029, 3, 1, 255}, 0, 20}, {'b', {129029, 3, 1, 255}, 1, 20},
-        {'c', {129029, 3, 1, 255}, 2, 20}, {'d', {129029, 3, 1, 255}, 3, 20}, {'e', {129029, 3, 1, 255}, 7, 20},
-        {'s', {129029, 3, 2, 255}, 0, 20}, {'p', {129038, 4, 1, 255}, 0, 27}, {'q', {126720, 6, 1, 10}, 0, 20},
-        {'r', {126720, 6, 1, 11}, 0, 20}, {'l', {129794, 4, 1, 255}, 5, 223}, {'6', {130060, 7, 1, 255}, 0, 6},
-        {'7', {130060, 7, 1, 255}, 0, 7}, {'0', {130060, 7, 1, 255}, 0, 0}, {'3', {129285, 7, 1, 255}, 4, 13},
-        {'4', {129285, 7, 1, 255}, 4, 14},
-        // clang-format on
-    };
-    Cast cast;
-    std::string backwards;
-    for (const auto& d : definitions) {
-        const Bytes bytes = payload(d.length, static_cast<unsigned char>(d.letter));
-        cast.add(d.letter, frame(d.header, bytes));
-        const std::vector<Record> frames = fast_frames(d.header, d.sequence, bytes);
-        for (std::size_t i = 0; i < frames.size(); ++i) {
-            const std::string name = d.letter + std::to_string(i);
-            cast.pieces[name] = frames[i];
-            if (d.letter == 'l') backwards.insert(0, " " + name);
-        }
-    }
-    // clang-format off
-    const std::pair<const char*, Bytes> odd[] = {
-        {"empty", {}}, {"lone", {0}}, {"huge", {0, 224, 1, 2, 3, 4, 5, 6}}, {"short0", {0, 20, 1, 2, 3, 4, 5}},
-        {"beyond", {3, 1, 2, 3, 4, 5, 6, 7}}};
-    // clang-format on
-    for (const auto& [name, bytes] : odd) cast.pieces[name] = frame({129029, 3, 1, 255}, bytes);
-    cast.pieces["short42"] = cast.pieces["42"];
-    cast.pieces["short42"].msg.length = 2;
-    const Case cases[] = {
-        // clang-format off
-        {"the longest, backwards", backwards, "l 0 0 0"},
+        {"the longest, backwards", backwards('l', 31, 0), "l 0 0 0"},
         {"every frame twice", "a0 a0 a1 a1 a2 b0 b0 b1 b1 b2", "ab 0 0 4"},
         {"interleaved", "a0 s0 b0 p0 q0 r0 s1 a1 p1 r1 q1 b1 b2 a2 s2 p2 q2 r2 p3", "basqrp 0 0 0"},
         {"all in the first frame", "60 00", "60 0 0 0"}, {"one missing", "a0 a2 b0 b1 b2", "b 1 0 0"},
@@ -185,96 +225,30 @@ TEST(Reassembly, OfFastPackets) {
         {"longer than possible", "huge a1 a2 a0 huge", "a 2 0 0"}, {"cut short", "lone empty short0 a1 a2", " 1 4 0"},
         {"nothing behind the end", "40 41 short42", "4 0 0 0"},
         {"beyond the end", "a0 beyond a1 a2 beyond", "a 0 2 0"}, {"as new after the end", "a0 a1 finish a2", " 1 1 0"},
-        // clang-format on
-    };
-    for (const Case& c : cases) EXPECT_EQ(cast.outcome(c.script), c.expected) << c.name;
-}
-
-TEST(Reassembly, OfTransports) {
-    const struct {
-        char letter;
-        Header header;  // of the announcement
-        unsigned control, length;
-        std::uint32_t pgn;
-    } definitions[] = {
-        // clang-format off
-        {'a', {60416, 7, 1, 255}, 32, 20, 65240}, {'A', {60416, 7, 1, 255}, 32, 20, 65240},
-        {'b', {60416, 7, 2, 255}, 32, 20, 65240}, {'c', {60416, 6, 1, 2}, 16, 20, 126208},
-        {'d', {60416, 6, 2, 1}, 16, 21, 126208}, {'e', {60416, 6, 1, 3}, 16, 22, 129029},
-        {'l', {60416, 6, 1, 255}, 32, 1785, 129540}, {'1', {60416, 6, 1, 255}, 32, 1, 130820},
-        // clang-format on
-    };
-    Cast cast;
-    std::string backwards;
-    for (const auto& d : definitions) {
-        const Bytes bytes = payload(d.length, static_cast<unsigned char>(d.letter));
-        cast.add(d.letter, frame({d.pgn, d.header.priority, d.header.source, d.header.destination}, bytes));
-        const unsigned packets = (d.length + 6) / 7;
-        const Header answer{60416, 7, d.header.destination, d.header.source};
-        const auto control = [&](const char* suffix, unsigned byte, const Header& header) {
-            cast.pieces[d.letter + std::string(suffix)] =
-                frame(header, announcement(byte, d.length, packets, d.pgn));
-        };
-        control("!", d.control, d.header);
-        control("cts", 17, answer), control("eom", 19, answer);
-        control("stop", 255, d.header), control("refuse", 255, answer);
-        for (unsigned i = 1; i <= packets; ++i) {
-            Bytes packet{static_cast<std::uint8_t>(i)};
-            for (unsigned at = (i - 1) * 7; at < i * 7; ++at)
-                packet.push_back(at < bytes.size() ? bytes[at] : std::uint8_t{0xFF});
-            const std::string name = d.letter + std::to_string(i);
-            cast.pieces[name] = frame({60160, 7, d.header.source, d.header.destination}, packet);
-            if (d.letter == 'l') backwards.insert(0, " " + name);
-        }
-    }
-    // clang-format off
-    const std::tuple<const char*, std::uint32_t, Bytes> odd[] = {
-        {"zero", 60416, announcement(32, 0, 0, 65240)}, {"too_long", 60416, announcement(32, 1786, 255, 65240)},
-        {"too_few", 60416, announcement(32, 22, 3, 65240)}, {"too_many", 60416, announcement(32, 21, 4, 65240)},
-        {"no_pgn", 60416, announcement(32, 20, 3, 0x40000)}, {"other_stop", 60416, announcement(255, 20, 3, 65241)},
-        {"packet0", 60160, {0, 1, 2, 3, 4, 5, 6, 7}}, {"packet4", 60160, {4, 1, 2, 3, 4, 5, 6, 7}},
-        {"cut1", 60160, {1, 1, 2, 3, 4, 5, 6}}, {"empty", 60160, {}}};
-    // clang-format on
-    for (const auto& [name, pgn, bytes] : odd) cast.pieces[name] = frame({pgn, 7, 1, 255}, bytes);
-    cast.pieces["short3"] = cast.pieces["a3"];
-    cast.pieces["short3"].msg.length = 7;
-    const Case cases[] = {
-        // clang-format off
-        {"the longest, backwards", "l!" + backwards, "l 0 0 0"},
-        {"interleaved", "a! b! c! d! e! a1 c1 e1 d1 b1 a2 b2 c2 d2 e2 a3 b3 c3 d3 e3 e4", "abcde 0 0 0"},
-        {"packets out of order and again", "c! c2 c1 c2 c2 c3", "c 0 0 2"},
-        {"packets asked for again once complete", "c! c1 c2 c3 ccts c2 c3 ceom c3", "c 0 1 2"},
-        {"one missing", "a! a1 a3", " 1 0 0"}, {"announced twice", "c! c! c1 c2 c3", "c 0 0 1"},
-        {"another one begun", "a! a1 1! a2 11", "1 1 1 0"},
-        {"next announcement missing", "a! a1 a2 A1 A2 A3", " 1 3 0"}, {"sender aborts", "c! c1 cstop c2 c3", " 1 2 0"},
-        {"receiver aborts", "c! c1 crefuse c2 c3", " 1 2 0"},
-        {"the other direction goes on", "c! d! c1 dstop c2 c3 d1", "c 1 1 0"},
-        {"abort of something else", "a! a1 other_stop a2 a3", "a 0 0 0"},
-        {"receiver done before us", "c! c1 c3 ceom c2", " 1 1 0"},
-        {"slow", "a! +1250 a1 +1250 a2 +1250 a3", "a 0 0 0"}, {"too slow", "a! +1251 a1", " 1 1 0"},
-        {"timed out while others talk", "a! +1300 *256 =1", " 1 0 0"},
-        {"held by the receiver", "c! +1000 ccts +1000 c1 c2 c3", "c 0 0 0"},
-        {"held by another receiver", "c! +1000 ects +1000 c1", " 1 1 0"},
-        {"no clock", "noclock a! *4000 a1 *4000 a2 a3", "a 0 0 0"},
+        {"whole already", "message_6 70 message_6 71", "667 0 0 0"},
+        // transport protocol
+        {"the longest, backwards", "L!" + backwards('L', 255, 1), "L 0 0 0"},
+        {"interleaved", "t! u! v! w! x! t1 v1 x1 w1 u1 t2 u2 v2 w2 x2 t3 u3 v3 w3 x3 x4", "tuvwx 0 0 0"},
+        {"packets out of order and again", "v! v2 v1 v2 v2 v3", "v 0 0 2"},
+        {"packets asked for again once complete", "v! v1 v2 v3 vcts v2 v3 veom v3", "v 0 1 2"},
+        {"one missing", "t! t1 t3", " 1 0 0"}, {"announced twice", "v! v! v1 v2 v3", "v 0 0 1"},
+        {"another one begun", "t! t1 1! t2 11", "1 1 1 0"},
+        {"next announcement missing", "t! t1 t2 T1 T2 T3", " 1 3 0"}, {"sender aborts", "v! v1 vstop v2 v3", " 1 2 0"},
+        {"receiver aborts", "v! v1 vrefuse v2 v3", " 1 2 0"},
+        {"the other direction goes on", "v! w! v1 wstop v2 v3 w1", "v 1 1 0"},
+        {"abort of something else", "t! t1 other_stop t2 t3", "t 0 0 0"},
+        {"receiver done before us", "v! v1 v3 veom v2", " 1 1 0"},
+        {"slow", "t! +1250 t1 +1250 t2 +1250 t3", "t 0 0 0"}, {"too slow", "t! +1251 t1", " 1 1 0"},
+        {"timed out while others talk", "t! +1300 *256 =1", " 1 0 0"},
+        {"held by the receiver", "v! +1000 vcts +1000 v1 v2 v3", "v 0 0 0"},
+        {"held by another receiver", "v! +1000 xcts +1000 v1", " 1 1 0"},
+        {"no clock", "noclock t! *4000 t1 *4000 t2 t3", "t 0 0 0"},
         {"contradictory announcements", "zero too_long too_few too_many no_pgn", " 5 0 0"},
-        {"bad packets", "a! packet0 packet4 cut1 empty a1 a2 a3", "a 0 4 0"},
-        {"nothing behind the end", "a! a1 a2 short3", "a 0 0 0"},
+        {"bad packets", "t! packet0 packet4 cut1 empty_packet t1 t2 t3", "t 0 4 0"},
+        {"nothing behind the end", "t! t1 t2 short_t3", "t 0 0 0"},
         // clang-format on
     };
-    for (const Case& c : cases) EXPECT_EQ(cast.outcome(c.script), c.expected) << c.name;
-}
-
-TEST(Reassembly, EmitsMessagesAndFramesOfSessionsAsTheyAre) {
-    Record whole = frame({129029, 6, 1, 255}, {0x20, 5, 1, 2, 3, 4, 5, 0xFF});
-    whole.kind = Record::Kind::message;
-    std::string emitted;
-    Reassembler reassembler([&](const N2KMsg& msg, const RecordTime&) {
-        emitted += std::to_string(msg.pgn) + ":" + std::to_string(msg.length) + " ";
-    });
-    for (const Record& record : {whole, frame({60416, 7, 1, 255}, announcement(32, 7, 1, 65240)),
-                                 frame({60160, 7, 1, 255}, {1, 1, 2, 3, 4, 5, 6, 7})})
-        reassembler.put(record);
-    EXPECT_EQ(emitted, "129029:8 60416:8 60160:8 65240:7 ");
+    for (const auto& [name, script, expected] : cases) EXPECT_EQ(cast.outcome(script), expected) << name;
 }
 
 TEST(Reassembly, AbandonsTheOldestWhenTooManyAreOpen) {

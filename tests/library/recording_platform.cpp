@@ -20,7 +20,6 @@ namespace {
 Step steps[16];
 int step_count = 0;
 bool loaded = false;
-bool bridge_works = true;
 alignas(wxBitmap) char kept_images[2][sizeof(wxBitmap)];
 
 /// Whether the global database is constructed: it holds a pointer, which is null before.
@@ -65,12 +64,8 @@ void watch_module_states() {
     switched_in = 0;
 }
 
-int times_switched_in() {
-    return switched_in;
-}
-
-bool is_switched_back() {
-    return current_state == host_state;
+int times_switched() {
+    return current_state == host_state ? switched_in : -1;
 }
 
 std::span<const Step> load_steps() {
@@ -81,13 +76,6 @@ void check_unloading(const wxBitmap& pause, const wxBitmap& clear) {
     new (kept_images[0]) wxBitmap(pause);
     new (kept_images[1]) wxBitmap(clear);
     is_library_loaded_still = true;
-}
-
-NoBridge::NoBridge() {
-    bridge_works = false;
-}
-NoBridge::~NoBridge() {
-    bridge_works = true;
 }
 
 }  // namespace pgn_vistel::test
@@ -119,7 +107,7 @@ CWinApp::~CWinApp() {
 namespace pgn_vistel::platform {
 
 ModuleState* set_module_state(ModuleState* state) noexcept {
-    switched_in += is_switched_back() && state != host_state;
+    switched_in += current_state == host_state && state != host_state;
     return std::exchange(current_state, state);
 }
 

@@ -11,9 +11,8 @@ namespace pgn_vistel::test {
 
 /// From here on the module state that is current now is the host's.
 void watch_module_states();
-/// How often another one has taken its place since, and whether it is current again.
-int times_switched_in();
-bool is_switched_back();
+/// How often another one has taken its place since; -1 while it is not current again.
+int times_switched();
 
 /// One step of loading or unloading, with the toolkit's logging switch at that moment.
 struct Step {
@@ -27,10 +26,7 @@ std::span<const Step> load_steps();
 /// wrong.
 void check_unloading(const wxBitmap& pause, const wxBitmap& clear);
 
-/// While it lives, no native window can be had as a parent.
-struct NoBridge {
-    NoBridge();
-    ~NoBridge();
-};
+/// Whether a native window can be had as a parent.
+inline bool bridge_works = true;
 
 }  // namespace pgn_vistel::test

@@ -27,20 +27,15 @@ inline void require(bool condition, const char* what) {
 /// terminator.
 template <class Print>
 std::wstring printed(Print print, int size = 1024) {
-    constexpr std::size_t margin = 8;
-    constexpr wchar_t guard = 0xE000;
+    const std::wstring margin(8, wchar_t{0xE000});
     const auto room = static_cast<std::size_t>(size);
-    std::wstring area(room + 2 * margin, guard);
-    const int count = print(area.data() + margin, size);
-    const auto untouched = [&](std::size_t from) {
-        return std::all_of(area.begin() + static_cast<std::ptrdiff_t>(from),
-                           area.begin() + static_cast<std::ptrdiff_t>(from + margin),
-                           [](wchar_t c) { return c == guard; });
-    };
-    require(untouched(0) && untouched(margin + room), "written outside the buffer");
+    std::wstring area = margin + std::wstring(room, margin[0]) + margin;
+    const int count = print(area.data() + margin.size(), size);
+    require(area.starts_with(margin) && area.ends_with(margin), "written outside the buffer");
     if (count < 0 || size == 0) return {};
-    require(count < size && area[margin + static_cast<std::size_t>(count)] == 0, "not terminated at its end");
-    return area.substr(margin, static_cast<std::size_t>(count));
+    const auto end = margin.size() + static_cast<std::size_t>(count);
+    require(count < size && area[end] == 0, "not terminated at its end");
+    return area.substr(margin.size(), end - margin.size());
 }
 
 inline std::wstring stream_line(const N2KMsg& msg, int size = 1024, Definitions set = Definitions::fixed) {
@@ -76,7 +71,7 @@ inline std::string as_utf8(const std::wstring& line) {
         } else if ((c >= 0xD800 && c < 0xE000) || c < 0x20 || (c >= 0x7F && c < 0xA0)) {
             c = 0xFFFD;
         }
-        const int tails = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+        const int tails = (c >= 0x80) + (c >= 0x800) + (c >= 0x10000);
         constexpr std::uint32_t leads[] = {0, 0xC0, 0xE0, 0xF0};
         out += static_cast<char>(leads[tails] | c >> 6 * tails);
         for (int t = tails; t-- > 0;) out += static_cast<char>(0x80 | (c >> 6 * t & 0x3F));
@@ -140,11 +135,10 @@ inline bool is_csv(std::string_view text) {
     int commas = 0;
     bool quoted = false;
     for (const char c : text) {
-        if (c == '"') quoted = !quoted;
+        quoted ^= c == '"';
         if (quoted) continue;
-        commas += c == ',';
         if (c == '\r' || (c == '\n' && commas != 14)) return false;
-        if (c == '\n') commas = 0;
+        commas = c == '\n' ? 0 : commas + (c == ',');
     }
     return !quoted && commas == 0 && !text.empty();
 }

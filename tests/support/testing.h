@@ -31,6 +31,16 @@ inline Bytes random_bytes(std::mt19937& random, std::size_t count) {
     return bytes;
 }
 
+inline std::string hex(const Bytes& bytes, const char* between = "") {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02X", byte);
+        text += (text.empty() ? "" : between) + std::string(digits);
+    }
+    return text;
+}
+
 inline N2KMsg message(std::uint32_t pgn, const Bytes& payload, std::uint8_t destination = 255) {
     N2KMsg msg{pgn, 3, 0x23, destination, 0, static_cast<std::uint16_t>(payload.size()), {}, 0};
     std::copy(payload.begin(), payload.end(), msg.data);

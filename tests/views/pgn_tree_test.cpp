@@ -46,10 +46,16 @@ template <class Monitor>
 class Tree : public testing::Test {
   protected:
     int put(N2KMsg msg) { return monitor_.tree.PutMsg(&msg); }
+    /// The results of a message from each of some sources, as "0 -1 ".
+    std::string put_from(const Bytes& sources) {
+        std::string results;
+        for (const std::uint8_t source : sources) results += std::to_string(put(message_from(source))) + ' ';
+        return results;
+    }
     std::vector<Block> blocks() const { return monitor_.blocks(); }
-    std::vector<bool> expanded() const {
-        std::vector<bool> states;
-        for (const Block& block : blocks()) states.push_back(block.expanded);
+    std::string expanded() const {
+        std::string states;
+        for (const Block& block : blocks()) states += block.expanded ? '-' : '+';
         return states;
     }
 
@@ -85,11 +91,7 @@ TYPED_TEST(Tree, RewritesAStreamInPlace) {
 }
 
 TYPED_TEST(Tree, TellsStreamsApart) {
-    const struct {
-        std::uint32_t pgn;
-        Bytes first, second;
-        std::size_t streams;
-    } cases[] = {
+    const std::tuple<std::uint32_t, Bytes, Bytes, std::size_t> cases[] = {
         {127250, {1}, {2}, 1},        // no keys: the payload does not matter
         {127508, {4, 1}, {5, 1}, 2},  // another instance
         {127508, {4, 1}, {4, 2}, 1},
@@ -99,34 +101,31 @@ TYPED_TEST(Tree, TellsStreamsApart) {
         {130312, {0, 3, 2}, {0, 255, 2}, 1},
         {130816 + 100, {1}, {2}, 1},  // a PGN that nobody knows
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.pgn << " case " << &c - cases);
+    for (const auto& [pgn, first, second, streams] : cases) {
+        SCOPED_TRACE(testing::Message() << pgn << ' ' << testing::PrintToString(first));
         this->tree_.ClearMsg();
-        EXPECT_EQ(this->put(message_from(1, c.pgn, c.first)), 0);
-        EXPECT_EQ(this->put(message_from(1, c.pgn, c.second)), 0);
-        EXPECT_EQ(this->blocks().size(), c.streams);
-        EXPECT_EQ(this->blocks().back().lines, lines_of(message_from(1, c.pgn, c.second), plain));
-        EXPECT_EQ(this->put(message_from(2, c.pgn, c.second)), 0);
-        EXPECT_EQ(this->blocks().size(), c.streams + 1) << "another source";
+        EXPECT_EQ(this->put(message_from(1, pgn, first)), 0);
+        EXPECT_EQ(this->put(message_from(1, pgn, second)), 0);
+        EXPECT_EQ(this->blocks().size(), streams);
+        EXPECT_EQ(this->blocks().back().lines, lines_of(message_from(1, pgn, second), plain));
+        EXPECT_EQ(this->put(message_from(2, pgn, second)), 0);
+        EXPECT_EQ(this->blocks().size(), streams + 1) << "another source";
     }
 }
 
 TYPED_TEST(Tree, FillsAndPauses) {
-    for (std::uint8_t source = 1; source <= 3; ++source) EXPECT_EQ(this->put(message_from(source)), 0);
-    EXPECT_EQ(this->put(message_from(4)), -1);
+    EXPECT_EQ(this->put_from({1, 2, 3, 4}), "0 0 0 -1 ");
     EXPECT_EQ(this->blocks().size(), 3u);
     this->tree_.Pause(1);
-    for (const std::uint8_t source : std::initializer_list<std::uint8_t>{1, 4})
-        EXPECT_EQ(this->put(message_from(source)), 2);
+    EXPECT_EQ(this->put_from({1, 4}), "2 2 ");
     EXPECT_EQ(this->tree_.ClearMsg(), 0);
-    EXPECT_EQ(this->put(message_from(2)), 2) << "clearing resumes nothing";
+    EXPECT_EQ(this->put_from({2}), "2 ") << "clearing resumes nothing";
     EXPECT_TRUE(this->blocks().empty());
     this->tree_.Pause(0);
-    EXPECT_EQ(this->put(message_from(4)), 0) << "room again";
+    EXPECT_EQ(this->put_from({4}), "0 ") << "room again";
     this->tree_.OnInit();
     EXPECT_TRUE(this->blocks().empty()) << "starting over";
-    for (std::uint8_t source = 5; source <= 7; ++source) EXPECT_EQ(this->put(message_from(source)), 0);
-    EXPECT_EQ(this->put(message_from(8)), -1);
+    EXPECT_EQ(this->put_from({5, 6, 7, 8}), "0 0 0 -1 ");
     for (const unsigned long capacity : {0ul, ~0ul}) {  // no memory has room for the second
         N2KMsg msg = message_from(1);
         EXPECT_EQ(TypeParam(capacity).tree.PutMsg(&msg), -1);
@@ -134,27 +133,24 @@ TYPED_TEST(Tree, FillsAndPauses) {
 }
 
 TYPED_TEST(Tree, CollapsesAndExpands) {
-    using States = std::vector<bool>;
-    this->put(message_from(1));
-    EXPECT_EQ(this->expanded(), (States{true}));
+    this->put_from({1});
+    EXPECT_EQ(this->expanded(), "-");
     EXPECT_EQ(this->tree_.CollapseAll(), 0);
-    for (const std::uint8_t source : std::initializer_list<std::uint8_t>{1, 2})
-        this->put(message_from(source));
-    EXPECT_EQ(this->expanded(), (States{false, false}));
+    this->put_from({1, 2});
+    EXPECT_EQ(this->expanded(), "++");
     EXPECT_EQ(this->tree_.ExpandAll(), 0);
-    this->put(message_from(3));
-    EXPECT_EQ(this->expanded(), (States{true, true, true}));
+    this->put_from({3});
+    EXPECT_EQ(this->expanded(), "---");
     this->monitor_.collapse_first();
-    for (const std::uint8_t source : std::initializer_list<std::uint8_t>{1, 2})
-        this->put(message_from(source));
-    EXPECT_EQ(this->expanded(), (States{false, true, true})) << "what the user collapses stays so";
+    this->put_from({1, 2});
+    EXPECT_EQ(this->expanded(), "+--") << "what the user collapses stays so";
 
     this->tree_.CollapseAll();
     this->tree_.ClearMsg();
-    this->put(message_from(1));
+    this->put_from({1});
     this->tree_.OnInit();
-    this->put(message_from(2));
-    EXPECT_EQ(this->expanded(), (States{false})) << "neither clearing nor starting over forgets the choice";
+    this->put_from({2});
+    EXPECT_EQ(this->expanded(), "+") << "neither clearing nor starting over forgets the choice";
 }
 
 TYPED_TEST(Tree, CopiesShareWhatTheyShow) {
@@ -165,8 +161,7 @@ TYPED_TEST(Tree, CopiesShareWhatTheyShow) {
         assigned = *&assigned;
         other.tree = this->tree_;  // its own state goes
         N2KMsg msg = message_from(1);
-        EXPECT_EQ(copy.PutMsg(&msg), 0);
-        EXPECT_EQ(assigned.PutMsg(&msg), 0);
+        EXPECT_EQ(copy.PutMsg(&msg) + assigned.PutMsg(&msg), 0);
         EXPECT_EQ(this->blocks().size(), 1u);
         EXPECT_TRUE(other.blocks().empty());
         this->tree_ = assigned;
@@ -176,17 +171,16 @@ TYPED_TEST(Tree, CopiesShareWhatTheyShow) {
 }
 
 TEST(TreeForm, Toolkit) {
-    wxFrame frame(nullptr, wxID_ANY, "Host");
-    wxTreeCtrl control(&frame);
-    PGN_VistelTree_c tree(&frame, &control, 10, 0);
+    ToolkitControl host;
+    PGN_VistelTree_c tree(&host.frame, &host.control, 10, 0);
     EXPECT_EQ(tree.GetDB(), &qv_n2k_pgn_db);
     tree.CollapseAll();  // before `OnInit`, as the dialog does
     tree.OnInit();
-    EXPECT_TRUE(control.HasFlag(wxTR_HIDE_ROOT));
-    EXPECT_FALSE(control.HasFlag(wxTR_HAS_BUTTONS) || control.HasFlag(wxTR_LINES_AT_ROOT));
+    EXPECT_TRUE(host.control.HasFlag(wxTR_HIDE_ROOT));
+    EXPECT_FALSE(host.control.HasFlag(wxTR_HAS_BUTTONS) || host.control.HasFlag(wxTR_LINES_AT_ROOT));
     N2KMsg msg = message_from(1);
     EXPECT_EQ(PGN_VistelTree_PutMsg(&tree, &msg), 0);
-    const auto blocks = blocks_of(control);
+    const auto blocks = blocks_of(host.control);
     ASSERT_EQ(blocks.size(), 1u);
     EXPECT_FALSE(blocks[0].expanded);
     EXPECT_EQ(blocks[0].lines, lines_of(msg)) << "with hexadecimal forms";
@@ -239,8 +233,8 @@ TEST(TreeForm, ShowsAnyTraffic) {
     ToolkitMonitor toolkit(capacity);
     NativeMonitor native(capacity);
     std::mt19937 random{20240229};
-    std::map<std::wstring, std::vector<std::wstring>>
-        shown;  // each message has a time, and so a label, of its own
+    // Each message has a time, and so a label, of its own.
+    std::map<std::wstring, std::vector<std::wstring>> shown;
     int refused = 0;
     for (std::uint32_t i = 1; i <= 10000; ++i) {
         N2KMsg msg = any_message(random);

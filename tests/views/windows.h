@@ -66,12 +66,13 @@ inline void press(int key, int modifiers = wxMOD_NONE) {
     settle();
 }
 
-/// What the title bar's close button sends.
+/// What the title bar's close button sends, until the window is hidden.
 inline void close_by_title_bar(wxTopLevelWindow& window) {
     GdkEvent* const event = gdk_event_new(GDK_DELETE);
     event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window.GetHandle())));
     gdk_event_put(event);
     gdk_event_free(event);
+    EXPECT_TRUE(eventually([&] { return !window.IsShown(); }));
 }
 
 /// Puts the caret into a text (a text control or a combo box) and types over what it holds.
@@ -139,12 +140,13 @@ struct Block {
 
 inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
     std::vector<Block> blocks;
+    const auto text = [&](const wxTreeItemId& item) { return tree.GetItemText(item).ToStdWstring(); };
     wxTreeItemIdValue cookie;
     for (auto top = tree.GetFirstChild(tree.GetRootItem(), cookie); top.IsOk();
          top = tree.GetNextSibling(top)) {
-        blocks.push_back({top.GetID(), tree.GetItemText(top).ToStdWstring(), {}, tree.IsExpanded(top)});
+        blocks.push_back({top.GetID(), text(top), {}, tree.IsExpanded(top)});
         for (auto line = tree.GetFirstChild(top, cookie); line.IsOk(); line = tree.GetNextSibling(line))
-            blocks.back().lines.push_back(tree.GetItemText(line).ToStdWstring());
+            blocks.back().lines.push_back(text(line));
     }
     return blocks;
 }

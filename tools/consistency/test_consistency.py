@@ -1,17 +1,14 @@
 #!/usr/bin/env python3
 """Tests of the consistency rules: a small good catalogue, and one bad row for each rule."""
 
-import contextlib
-import io
 import sys
-import tempfile
 import unittest
 from pathlib import Path
 
 from consistency import main
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tablegen"))
-from test_tablegen import good_tables, lines  # noqa: E402
+from test_tablegen import TablesTest, good_tables, lines  # noqa: E402
 
 
 def tables():
@@ -54,38 +51,27 @@ def tables():
     }
 
 
-# File, number of the line to replace, the row, the messages about it without the folder.
+# File, number of the line to replace, the row, the messages: one at this line, or any with their places.
 BAD_ROWS = (
-    ("dictionary.tsv", 11, "10 Idle 4 3B",
-     "dictionary.tsv:11: width entry 10: 24 bits, the format reads 16"),
-    ("fields/a.tsv", 5, "127000 4 Reserved 4B 1 - - -",
-     "fields/a.tsv:5: length 127000: 56 bits in one frame"),
-    ("fields/a.tsv", 6, "127001 1 Count 16b 5 - - -",
-     "fields/a.tsv:6: width 127001#1: 16 bits, the format reads 8",
-     "fields/a.tsv:6: layout 127001#1: 16 bits, canboat has 8"),
-    ("fields/a.tsv", 6, "127001 1 Count - 7 - - -",
-     "fields/a.tsv:6: width 127001#1: neither field nor entry nor format has one",
+    ("dictionary.tsv", 11, "10 Idle 4 3B", "width entry 10: 24 bits, the format reads 16"),
+    ("fields/a.tsv", 5, "127000 4 Reserved 4B 1 - - -", "length 127000: 56 bits in one frame"),
+    ("fields/a.tsv", 6, "127001 1 Count 16b 5 - - -", "width 127001#1: 16 bits, the format reads 8",
+     "layout 127001#1: 16 bits, canboat has 8"),
+    ("fields/a.tsv", 6, "127001 1 Count - 7 - - -", "width 127001#1: neither field nor entry nor format has one",
      "fields/a.tsv:7: layout 127001#2: 8 bits, canboat has 16"),
-    ("fields/a.tsv", 6, "127001 1 Name - 4 - - -",
-     "fields/a.tsv:6: coding 127001#1: text, canboat has unsigned",
+    ("fields/a.tsv", 6, "127001 1 Name - 4 - - -", "coding 127001#1: text, canboat has unsigned",
      "fields/a.tsv:7: layout 127001#2: 8 bits, canboat has 16"),
     ("fields/a.tsv", 8, "127001 3 The~First~name - 4 - - -",
-     "fields/a.tsv:8: label 127001#3: 'The First name' would lose its first six characters"),
-    ("fields/b.tsv", 4, "127002 3 Reserved 2B 1 - - -",
-     "fields/b.tsv:4: length 127002: several frames for 64 bits"),
-    ("fields/b.tsv", 4, "127002 3 Reserved 218B 1 - - -",
-     "fields/b.tsv:4: width 127002#3: 1744 bits, the format reads 64",
-     "fields/b.tsv:4: length 127002: 1792 bits in a fast packet"),
-    ("fields/b.tsv", 4, "127002 3 Reserved 55b 1 - - -",
-     "fields/b.tsv:4: length 127002: ends at bit 7 of a byte"),
-    ("fields/b.tsv", 5, "130817 1 Maker 12b 1 137 4:* -",
-     "fields/b.tsv:6: length 130817.137: ends at bit 5 of a byte", "known"),
-    ("fields/b.tsv", 6, "130817 2 Nine 8b 8 137 4:* -",
-     "fields/b.tsv:6: width 130817.137#2: 8 bits, entry 8 has 9",
-     "fields/b.tsv:6: start 130817.137#2: bit 3 of a byte",
-     "fields/b.tsv:6: length 130817.137: ends at bit 3 of a byte", "known"),
-    ("fields/b.tsv", 2, "127002 1 Angle - 3 - - -",
-     "fields/b.tsv:2: coding 127002#1: unsigned, canboat has signed"),
+     "label 127001#3: 'The First name' would lose its first six characters"),
+    ("fields/b.tsv", 4, "127002 3 Reserved 2B 1 - - -", "length 127002: several frames for 64 bits"),
+    ("fields/b.tsv", 4, "127002 3 Reserved 218B 1 - - -", "width 127002#3: 1744 bits, the format reads 64",
+     "length 127002: 1792 bits in a fast packet"),
+    ("fields/b.tsv", 4, "127002 3 Reserved 55b 1 - - -", "length 127002: ends at bit 7 of a byte"),
+    ("fields/b.tsv", 5, "130817 1 Maker 12b 1 137 4:* -", "fields/b.tsv:6: length 130817.137: ends at bit 5 of a byte",
+     "known"),
+    ("fields/b.tsv", 6, "130817 2 Nine 8b 8 137 4:* -", "width 130817.137#2: 8 bits, entry 8 has 9",
+     "start 130817.137#2: bit 3 of a byte", "length 130817.137: ends at bit 3 of a byte", "known"),
+    ("fields/b.tsv", 2, "127002 1 Angle - 3 - - -", "coding 127002#1: unsigned, canboat has signed"),
     ("public_definitions.tsv", 2, "127000 - listing 1 bits 4 - - 9",
      "fields/a.tsv:2: entry 127000#1: 2, listing has 9"),
     ("public_definitions.tsv", 5, "127000 - listing 4 unsigned 16 0.1 m/s 3",
@@ -95,33 +81,20 @@ BAD_ROWS = (
     ("public_definitions.tsv", 7, "127000 - canboat 2 bits 4 - - -",
      "fields/a.tsv:5: layout 127000: no field at bit 4, field 2 of canboat"),
     ("enums/a.tsv", 3, "2 On", "enums/a.tsv:2: gap set 2: 'Off' for 0 to 1"),
-    ("enums/a.tsv", 5, "16 None", "enums/a.tsv:5: value set 2: 16 does not fit 4 bits"),
-    ("enums/b.tsv", 1, "set 7 0 Bits", "enums/b.tsv:1: unused set 7: no field"),
-    ("enums/b.tsv", 1, "set 10 3 -", "enums/b.tsv:1: unused set 10: no dictionary entry"),
-    ("public_definitions.tsv", 2, "127000 - hearsay 1 bits 4 - - 2",
-     "public_definitions.tsv:2: source 'hearsay' is not one of listing, canboat"),
+    ("enums/a.tsv", 5, "16 None", "value set 2: 16 does not fit 4 bits"),
+    ("enums/b.tsv", 1, "set 7 0 Bits", "unused set 7: no field"),
+    ("enums/b.tsv", 1, "set 10 3 -", "unused set 10: no dictionary entry"),
+    ("public_definitions.tsv", 2, "127000 - hearsay 1 bits 4 - - 2", "source 'hearsay' is not one of listing, canboat"),
 )
 
 
-class ConsistencyTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.data = Path(folder.name)
-
-    def write(self, content):
-        for name, rows in content.items():
-            path = self.data / name
-            path.parent.mkdir(parents=True, exist_ok=True)
-            path.write_text("".join(f"{row}\n" for row in rows), encoding="utf-8")
+class ConsistencyTest(TablesTest):
+    main = staticmethod(main)
 
     def run_tool(self, content, *options):
-        """(status, what it printed, its messages without the folder)"""
         self.write(content)
-        printed, messages = io.StringIO(), io.StringIO()
-        with contextlib.redirect_stdout(printed), contextlib.redirect_stderr(messages):
-            status = main(["--data", str(self.data), "--known", str(self.data / "known.tsv"), *options])
-        return status, printed.getvalue(), messages.getvalue().replace(f"{self.data}/", "").splitlines()
+        status, printed, messages = super().run_tool("--known", str(self.data / "known.tsv"), *options)
+        return status, printed, messages.replace(f"{self.data}/", "").splitlines()
 
     def test_good_tables(self):
         self.assertEqual(self.run_tool(tables()), (0, "", []))
@@ -132,7 +105,8 @@ class ConsistencyTest(unittest.TestCase):
             with self.subTest(messages[0]):
                 content = tables()
                 content[name][line - 1:line] = lines(row)
-                expected = [gone if message == "known" else message for message in messages]
+                messages = [gone if message == "known" else message for message in messages]
+                expected = [text if ".tsv:" in text else f"{name}:{line}: {text}" for text in messages]
                 self.assertEqual(self.run_tool(content), (1, "", expected))
 
     def test_group_begins_on_a_byte(self):

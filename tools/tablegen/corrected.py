@@ -390,9 +390,8 @@ def factors_by_rule(tables):
     factors = {}
     for row in tables.unit_factors:
         factors.setdefault(row.rule, {})[row.unit.number] = Fraction(row.factor.removesuffix("f"))
-    mass = dict(factors.get("mass_kg", {}))
-    mass[next(row.unit for row in tables.units if row.id == "kg")] = Fraction(1)
-    factors["mass"] = mass
+    kilograms = {row.unit: Fraction(1) for row in tables.units if row.id == "kg"}
+    factors["mass"] = factors.get("mass_kg", {}) | kilograms
     factors["every"] = {row.unit: Fraction(1) for row in tables.units}
     factors["any"] = {row.unit: Fraction(1) for row in tables.units if row.id not in ("raw_count", "raw_bits")}
     return factors

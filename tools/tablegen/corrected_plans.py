@@ -75,21 +75,22 @@ def sets_of(messages):
 
 def makers_messages(context):
     """For each maker what is shown of a message that no definition is known of, and one for makers unknown."""
-    entries = context.sets[MAKERS].entries
+    entries = context.sets[MAKERS].entries if MAKERS in context.sets else []
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
     names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
-    fields = header_fields()
+    fields = header_fields(context.sets)
     return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, single=False, match=[], length=None,
                 groups=[], fields=fields) for code, name in names]
 
 
-def header_fields():
+def header_fields(sets):
     def field(number, label, bits, texts):
-        return Row(number=number, label=label, bits=bits, dd=None, options={}, texts=texts, unit_note="",
-                   place="", quantity=NO_CLASS, form="texts" if texts else "plain",
+        return Row(number=number, label=label, bits=bits, dd=None, options={},
+                   texts=(texts, None) if texts in sets else None, unit_note="",
+                   place="", quantity=NO_CLASS, form="texts" if texts in sets else "plain",
                    reading=("whole", f"u{bits}", 1, 1, 0, "every", (), None))
-    return [field(1, "Manufacturer Code", 11, (MAKERS, None)), field(2, "Reserved", 2, None),
-            field(3, "Industry Code", 3, (INDUSTRIES, None))]
+    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2, None),
+            field(3, "Industry Code", 3, INDUSTRIES)]
 
 
 # ---- sets ----
@@ -256,7 +257,7 @@ def extra_of(out, message, i, group, first):
         relative = options.get("relative")
         if relative:
             parts["relative_first"], parts["relative_last"] = map(str, relative)
-    elif field.quantity == out.context.quantities["direction"]:
+    elif field.quantity == out.context.quantities.get("direction"):
         parts["direction"] = "Direction::true_north"
     if "bits_from" in options:
         parts["size"] = link(message, i, index_of(message, options["bits_from"]))
@@ -331,7 +332,7 @@ def add_key_rows(out, name, found):
                     unit=entry.unit, options={})
         set_reading(field, given, out.context)
         extra = 0
-        if field.quantity == out.context.quantities["direction"]:
+        if field.quantity == out.context.quantities.get("direction"):
             extra = add_extra(out, {"direction": "Direction::true_north"})
         add_row(out, 0, f"key {name}", field, END_ROW, END_ROW, extra, {})
 
