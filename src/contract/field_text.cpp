@@ -78,8 +78,12 @@ void put_field_data(WideOut& out, const FieldContext& context, const ConvValue* 
     const auto dd = static_cast<std::uint32_t>(context.dd);
     const core::SpecialField* const special =
         core::find_special_field(dd, context.pgn, static_cast<std::uint32_t>(context.field));
-    core::Shown shown{special != nullptr ? special->form : core::Form::plain, core::find_set(dd),
-                      0, context.quantity, context.unit, (context.flags & plain_numbers) != 0};
+    core::Shown shown{special != nullptr ? special->form : core::Form::plain,
+                      core::find_set(dd),
+                      0,
+                      context.quantity,
+                      context.unit,
+                      (context.flags & plain_numbers) != 0};
     if (shown.form == core::Form::plain && shown.set != core::no_set)
         shown.form =
             core::enum_sets[shown.set].kind == core::ENUM_FLAGS ? core::Form::flags : core::Form::enumeration;

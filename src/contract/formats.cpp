@@ -61,8 +61,8 @@ void convert(const FormatPlan& plan, ConvValue* out, const void* raw, UnitId uni
     const int taken = core::is_text(plan.reading)
                           ? core::convert_text(plan, static_cast<const std::uint8_t*>(raw), INT_MAX, given,
                                                shared_scratch(), value)
-                          : core::convert(plan, raw_field(plan, raw, given), is_unit(unit) ? unit : UnitId{-1},
-                                          shared_scratch(), value);
+                          : core::convert(plan, raw_field(plan, raw, given),
+                                          is_unit(unit) ? unit : UnitId{-1}, shared_scratch(), value);
     store_value(out, value, plan.reading);
     if (count != nullptr && taken >= 0) *count = taken;
 }

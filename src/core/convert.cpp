@@ -238,23 +238,25 @@ void convert_whole(const FormatPlan& format, const RawField& raw, Value& out) {
 void convert_measured(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch& scratch,
                       Value& out) {
     const Measure& measure = measures[format.measure];
+    const bool as_counted = u == unit::raw_count || u == unit::raw_bits;
+    const float served = as_counted ? 1 : unit_factor(format.rule, u);
+    const float factor = served != 0 ? served : 1;
     double number;
-    bool fine = format.width == 64;
+    bool fine;
     if (format.reading == Reading::measured_float) {
-        number = (format.width == 64 ? real_in(raw) : static_cast<double>(single_in(raw))) * measure.times /
-                 measure.over;
+        fine = format.width == 64;
+        number = (fine ? real_in(raw) : static_cast<double>(single_in(raw))) * measure.step *
+                 static_cast<double>(factor);
         if (std::isnan(number)) return store_none(out);
     } else {
         const std::int64_t count = widened(raw.bits, format.width, format.is_signed != 0);
         if (is_none(format, measure, count)) return store_none(out);
-        number = measured(measure, count);
         fine = is_fine(format, count);
+        number = measured(format, measure, count, factor);
     }
-    const bool as_counted = u == unit::raw_count || u == unit::raw_bits;
-    const float factor = as_counted ? 1 : unit_factor(format.rule, u);
-    if (factor == 0) return apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);
-    if (factor != 1) number *= static_cast<double>(factor);
-    if (fine || !std::isfinite(static_cast<float>(number)))
+    if (served == 0)
+        apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);
+    else if (fine || !std::isfinite(static_cast<float>(number)))
         store_real(out, number);
     else
         store_single(out, number);

@@ -87,16 +87,21 @@ inline bool is_refused(std::int64_t number, int width, bool is_signed) {
 /// Of a position in 32 bits.
 constexpr double degrees_per_count_32 = static_cast<double>(1e-7f);
 
-/// A number of the corrected definitions, exact but for the one rounding of the division.
-inline double measured(const Measure& measure, std::int64_t number) {
-    return static_cast<double>(number + measure.offset) * measure.times / measure.over;
-}
-
 /// Whether a count needs double precision: positions do, and what single precision has no digits for.
 inline bool is_fine(const FormatPlan& format, std::int64_t number) {
     constexpr std::int64_t most = 1 << FLT_MANT_DIG;
     return format.rule == UnitRule::latitude_32 || format.rule == UnitRule::longitude_32 || number >= most ||
            number <= -most;
+}
+
+/// A number of the corrected definitions in a unit that has a factor. Single precision does not see the
+/// roundings of double precision: no decimal of so few digits lies in the middle between two singles. What is
+/// fine is exact but for the one rounding of the division, in the unit that it is counted in.
+inline double measured(const FormatPlan& format, const Measure& measure, std::int64_t number, float factor) {
+    const auto count = static_cast<double>(number + measure.offset);
+    const auto by_unit = static_cast<double>(factor);
+    return is_fine(format, number) ? count * measure.times / measure.over * by_unit
+                                   : count * (measure.step * by_unit);
 }
 
 /// The scale is a single precision constant, applied in double precision and rounded once.

@@ -119,12 +119,12 @@ template <class Out>
     using Kind = QuickNumber::Kind;
     const FieldPlan& plan = Stepping::plan(walk);
     if ((plan.flags & numbered) != 0) put_round(out, Stepping::round(walk));
-    if (!walk.is_resolved) [[likely]] {
+    if (Stepping::is_plain(walk)) [[likely]] {
         const QuickNumber quick = read_quick(plan, payload, walk.position, units);
         if (quick.kind != Kind::slow && (plan.flags & plainly) != 0 &&
             (plan.form == Form::plain || quick.kind == Kind::integer)) [[likely]] {
             walk.position = quick.next;
-            return put_quick(out, plan, quick, plain_numbers);
+            return Stepping::directed(walk, put_quick(out, plan, quick, plain_numbers));
         }
     }
     const std::uint16_t entry = find_coded_entry(plan, payload, walk.position);

@@ -97,6 +97,7 @@ inline bool is_of_corrected(const FormatPlan& format) {
 /// (number + offset) * times / over: a decimal resolution as two whole numbers, so that one rounding is all.
 struct Measure {
     double times, over;
+    double step;  ///< the quotient: good enough for results in single precision
     std::int64_t offset;
     std::int64_t none[2];  ///< codes that are no values, or INT64_MIN
 };

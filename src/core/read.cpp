@@ -26,7 +26,8 @@ DispDataType dynamic_quantity(std::uint8_t how, const RawField& raw, const std::
     return is_quantity(own) ? own : DispDataType{quantity::no_quantity};
 }
 
-/// A text that starts or ends inside a byte. Of the text interface's, only the bits of a number are looked at.
+/// A text that starts or ends inside a byte. Of the text interface's, only the bits of a number are looked
+/// at.
 int convert_moved_text(const FieldShape& shape, std::uint64_t bits, const Payload& payload, int position,
                        TextScratch& scratch, Value& out) {
     auto& moved = scratch.moved;
@@ -38,8 +39,8 @@ int convert_moved_text(const FieldShape& shape, std::uint64_t bits, const Payloa
         const int there = std::clamp(payload.length * 8 - position, 0, 8 * room);
         const int size = wanted > 0 ? std::min(wanted, there) : there;
         for (int i = 0; i < size; i += 8)
-            moved[static_cast<std::size_t>(i / 8)] = static_cast<std::uint8_t>(
-                gather_bits(payload.data, position + i, std::min(size - i, 8)));
+            moved[static_cast<std::size_t>(i / 8)] =
+                static_cast<std::uint8_t>(gather_bits(payload.data, position + i, std::min(size - i, 8)));
         room = bytes = (size + 7) / 8;
     } else {
         std::memcpy(moved.data(), &bits, sizeof bits);

@@ -151,8 +151,7 @@ struct QuickNumber {
             out.kind = Kind::none;
             return out;
         }
-        double value = measured(measure, number);
-        if (factor != 1) value *= static_cast<double>(factor);
+        const double value = measured(format, measure, number, factor);
         if (is_fine(format, number)) {
             out.kind = Kind::real;
             out.real = value;

@@ -33,6 +33,11 @@ struct Stepping {
         }
     }
 
+    /// Whether the field is what its row says, but for what a direction refers to.
+    static bool is_plain(const State& w) {
+        return !w.is_resolved || (w.size < 0 && w.high == 0 && !w.is_padded);
+    }
+
     /// Position behind a field: the values of other messages' fields fill whole bytes.
     static int behind(const State& w, int next) {
         return w.is_resolved && w.is_padded ? (next + 7) & ~7 : next;
@@ -42,12 +47,12 @@ struct Stepping {
     [[gnu::always_inline]] static void read_quickly(State& w, const Payload& payload,
                                                     const UnitSelection& units, TextScratch& scratch,
                                                     FieldValue& out) {
-        if (!w.is_resolved) {
+        if (is_plain(w)) {
             const QuickNumber quick = read_quick(plan(w), payload, w.position, units);
             if (quick.kind != QuickNumber::Kind::slow) {
                 quick.store(out.value);
                 out.quantity = plan(w).quantity;
-                out.unit = quick.unit;
+                out.unit = directed(w, quick.unit);
                 out.next = w.position = quick.next;
                 out.cut_off = false;
                 return;

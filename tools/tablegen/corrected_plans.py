@@ -16,7 +16,7 @@ NO_CODES = "INT64_MIN"
 UNKNOWN_MAKER, ANY_MAKER = -1, -2
 MAKERS, INDUSTRIES = "manufacturer_code", "industry_group"
 QUICK_BITS = 57  # a number of fewer bits lies in eight bytes, wherever it starts
-NO_MEASURE = "{1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
+NO_MEASURE = "{1.0, 1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
 READINGS = {"whole": "whole", "measured": "measured"}
 
 
@@ -224,7 +224,7 @@ def format_line(out, reading):
         name, kind, times, over, offset, rule, codes, first_reserved = reading
         width, signed = int(kind[1:]), kind[0] == "i"
         codes = [*codes, *[NO_CODES] * (2 - len(codes))]
-        measure = f"{{{exact(times)}, {exact(over)}, {offset}, {{{', '.join(map(str, codes))}}}}},"
+        measure = f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, {{{', '.join(map(str, codes))}}}}},"
         if measure not in out.measures:
             out.measures.append(measure)
         read_as = "measured_float" if kind[0] == "f" else name
