@@ -87,7 +87,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     std::memcpy(msg.data, bytes, std::min(size, sizeof msg.data));
     msg.length = (in.mode & 8) != 0 ? in.length : static_cast<std::uint16_t>(std::min(size, sizeof msg.data));
     lines_of(msg, in.length % 2 == 0, units, in.number % 300);
-    check_shown(msg, in.length % 2 != 0, units);
+    for (const Definitions set : {Definitions::fixed, Definitions::corrected})
+        check_shown(msg, in.length % 2 != 0, units, set);
     look_up(units, in, msg);
     check_asked_fields(db, units, msg);
     show_values(db, in, msg);

@@ -114,10 +114,12 @@ bool is_proprietary(std::uint32_t pgn) {
                                [pgn](Range range) { return pgn >= range.first && pgn <= range.last; });
 }
 
-const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker) {
+const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint64_t known_mask, std::uint64_t known) {
     const bool of_maker = is_proprietary(pgn);
-    for (const Variant& variant : variants_of(pgn))
-        if (!of_maker || maker_of(variant.value) == maker) return &plan_of(pgn_row(variant.row));
+    if (!of_maker || (known_mask & header_mask) == header_mask)
+        for (const Variant& variant : variants_of(pgn))
+            if (((known ^ variant.value) & known_mask & variant.mask) == 0)
+                return &plan_of(pgn_row(variant.row));
     return of_maker ? &plan_of(pgn_row(unknown_maker)) : nullptr;
 }
 

@@ -238,9 +238,9 @@ const FormatPlan* find_format_plan(DF df);
 std::uint16_t find_pgn_row(std::uint32_t pgn);
 const PgnPlan& plan_of(const PgnDef& row);
 
-/// A corrected definition of a PGN that a field number is about; of a proprietary one that of a maker. Null
-/// where there is none.
-const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint32_t maker);
+/// The first of a PGN's corrected definitions that some bits of the message's first 64 do not exclude; of a
+/// proprietary PGN the header alone while the manufacturer is not among them. Null where there is none.
+const PgnPlan* find_plan_about(std::uint32_t pgn, std::uint64_t known_mask, std::uint64_t known);
 bool is_proprietary(std::uint32_t pgn);
 
 /// A row that has the name of a PGN by the corrected definitions, whatever the variant; null where it has

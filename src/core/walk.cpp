@@ -29,23 +29,39 @@ Direction direction_of(const Stepping::State& w, const FieldExtra& extra) {
                                             : Direction::relative;
 }
 
-/// The row of the field that a group function is about, or `end_row`.
+struct FieldAbout {
+    std::uint16_t row = end_row;
+    int start = -1;  ///< in bits; negative where its message tells
+};
+
+FieldAbout find_field(const PgnPlan* plan, std::uint32_t number) {
+    FieldAbout found;
+    if (plan == nullptr) return found;
+    int start = 0;
+    for (int i = 0; i < plan->rows; ++i) {
+        const FieldPlan& row = field_plans[plan->first_row + i];
+        if (row.number == number) return {static_cast<std::uint16_t>(plan->first_row + i), start};
+        start = start < 0 || row.bits == 0 ? -1 : start + row.bits;
+    }
+    return found;
+}
+
+/// The row of the field that a group function is about, or `end_row`. What the pairs so far say of the other
+/// message tells which of its variants is meant: of a proprietary one the first pairs say whose it is.
 std::uint16_t row_about(Stepping::State& w, const FieldExtra& extra) {
     const auto pgn = static_cast<std::uint32_t>(number_at(w, extra.about));
     const auto number = static_cast<std::uint32_t>(number_at(w, extra.index));
-    constexpr Link maker_in_value{0, 11, 0};
-    constexpr std::uint32_t maker_field = 1;
-    if (extra.maker.bits != 0)
-        w.maker = static_cast<std::uint16_t>(number_at(w, extra.maker));
-    else if (number == maker_field && is_proprietary(pgn))
-        // Of a proprietary PGN the first pair says whose the fields of the next ones are.
-        w.maker = static_cast<std::uint16_t>(number_at(w, maker_in_value));
-    const PgnPlan* const plan = find_plan_about(pgn, w.maker);
-    if (plan == nullptr) return end_row;
-    for (std::uint16_t i = 0; i < plan->rows; ++i)
-        if (field_plans[plan->first_row + i].number == number)
-            return static_cast<std::uint16_t>(plan->first_row + i);
-    return end_row;
+    if (extra.maker.bits != 0) {
+        w.known_mask |= all_ones(extra.maker.bits);
+        w.known = number_at(w, extra.maker);
+    }
+    const FieldAbout found = find_field(find_plan_about(pgn, w.known_mask, w.known), number);
+    if (found.row == end_row) return end_row;
+    const int bits = field_plans[found.row].bits;
+    if (found.start < 0 || bits == 0 || found.start + bits > 64) return found.row;
+    w.known_mask |= all_ones(bits) << found.start;
+    w.known |= number_at(w, {0, static_cast<std::uint8_t>(bits), 0}) << found.start;
+    return find_field(find_plan_about(pgn, w.known_mask, w.known), number).row;
 }
 
 }  // namespace

@@ -150,7 +150,8 @@ class MessageWalk {
         Direction direction{};            // that the field is one of
         std::uint32_t high = 0;           // added to the number that an enumeration is asked for
         int size = -1;                    // in bits, where the message tells it
-        std::uint16_t maker = 0;          // that a group function has named
+        std::uint64_t known_mask = 0;     // bits that are known of the message that a group function is about
+        std::uint64_t known = 0;          // what they are
         std::uint8_t filter = 0;          // of a proprietary message: which of a row's verdicts counts
         int limit = 2048;                 // field number that ends the walk
         int round = 1;
