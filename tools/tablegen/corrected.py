@@ -91,7 +91,7 @@ def unmatched(messages, tables):
     for found in messages:
         conditional.setdefault(found.pgn, []).append(found)
     return [Row(pgn=pgn, rank=(9,), variant="other", is_own=True, name=names.get(pgn, common_name(found)), priority=found[0].priority,
-                single=found[0].single, match=[], length=None, groups=[], fields=[])
+                packet=found[0].packet, match=[], length=None, groups=[], fields=[], source="ours")
             for pgn, found in conditional.items()
             if not is_proprietary(pgn) and all(each.match or each.length for each in found)]
 
@@ -144,8 +144,8 @@ def base_message(variant, rows, changes, context):
     return Row(pgn=variant.pgn, rank=(rank,), variant=variant_name(variant), is_own=False,
                name=whole.get("name", variant.row.name),
                priority=whole.get("priority", variant.row.priority),
-               single=whole.get("packet", variant.row.packet) == "single", match=match, length=None,
-               groups=groups, fields=fields)
+               packet=whole.get("packet", variant.row.packet), match=match, length=None, groups=groups, fields=fields,
+               source="base, corrected" if changes else "base")
 
 
 def base_groups(variant, tables):
@@ -267,8 +267,8 @@ def overlaid_message(row, rows, context):
         fields.append(field)
     groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
     return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, is_own=True, name=row.name,
-               priority=row.priority, single=row.packet == "single", match=row.match, length=row.length, groups=groups,
-               fields=fields)
+               priority=row.priority, packet=row.packet, match=row.match, length=row.length, groups=groups,
+               fields=fields, source=row.source)
 
 
 def set_reading(field, given, context):

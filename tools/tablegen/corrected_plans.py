@@ -24,7 +24,7 @@ def plan_corrected(tables, overlay, plans):
     messages, context = keyed_messages(tables, overlay)[:2]
     out = Row(context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
               field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
-              first_row=len(plans.fields) + 1, key_rows={},
+              listed=[], listed_fields=[], first_row=len(plans.fields) + 1, key_rows={},
               dictionary={row.dd: i for i, row in enumerate(tables.dictionary)},
               format_index={row.df: i for i, row in enumerate(tables.formats)})
     plans.format_lines = []
@@ -79,8 +79,8 @@ def makers_messages(context):
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
     names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
     fields = header_fields(context.sets)
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, single=False, match=[], length=None,
-                groups=[], fields=fields) for code, name in names]
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7,
+                packet="fast", match=[], length=None, groups=[], fields=fields, source="ours") for code, name in names]
 
 
 def header_fields(sets):
@@ -124,11 +124,12 @@ def add_message(out, found):
         out.makers.append((found.maker, first, row))
     addressed = (found.pgn >> 8) & 0xFF < 240 or 130816 <= found.pgn <= 131071
     name = found.name.replace("\\", "\\\\").replace('"', '\\"')
-    out.pgn_rows.append(f'{{{found.pgn}, {KEYS}, "{name}", {int(addressed)}, 0, {found.priority}, {int(found.single)}}},')
+    out.pgn_rows.append(f'{{{found.pgn}, {KEYS}, "{name}", {int(addressed)}, 0, {found.priority}, {int(found.packet == "single")}}},')
     out.pgn_lines.append(pgn_plan_line(out.plans, found.pgn, found.name, first if found.fields else END_ROW,
                                        "covering", 0, len(found.fields)))
-    found.row = row
-    found.first = first
+    found.row, found.first = row, first
+    if not shared:
+        out.listed.append(found)
 
 
 def add_field(out, message, i, first):
@@ -152,12 +153,13 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     label = field.label.removeprefix("First ") + field.unit_note
     enumeration = out.sets[field.texts[0]] if field.texts is not None else NO_SET
     form = form_of(out, field)
-    is_text, quick = is_text_reading(field.reading), is_quick(field)
+    is_text, quick, is_all_bits_none = is_text_reading(field.reading), is_quick(field), has_none_code(out, field)
+    out.listed_fields.append((field, is_all_bits_none))
     flags = flags | {
         "quoted": flags.get("numbered", False) and any(c in label for c in '",'),
         "text": is_text,
         "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_counted(out, field),
-        "all_bits_none": has_none_code(out, field),
+        "all_bits_none": is_all_bits_none,
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
         "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
@@ -325,6 +327,8 @@ def start_of(message, target):
 def add_key_rows(out, name, found):
     """A row for each entry of a set of keys: its value is read by it."""
     out.key_rows[name] = out.first_row + len(out.field_lines)
+    out.listed.append(Row(row=END_ROW, first=out.key_rows[name], variant=f"key {name}", source="", packet="", match=[],
+                          length=None, groups=[], fields=found.rows))
     for entry in found.rows:
         field = Row(number=entry.value & 0xFFFF, key=out.context.key_names[name][entry.value], label=entry.text, bits=entry.size or 0, dd=None, options={},
                     texts=entry.texts, unit_note="", place=entry.place)
