@@ -37,6 +37,7 @@ def fragments(tables, overlay):
         "pgn_rules.inc": ("pgn_rules.tsv", rule_lines(tables)),
         "special_fields.inc": ("special_fields.tsv", special_lines(tables)),
         "fast_packet_ranges.inc": ("pgns.tsv", fast_packet_ranges(tables.pgns)),
+        "corrected_fast_packet_ranges.inc": ("corrections", fast_packet_ranges([*tables.pgns, *overlay.messages])),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
         "format_plans.inc": ("formats.tsv", [*format_lines(tables), *plans.format_lines]),
         "measures.inc": ("corrections", corrected.measures),
