@@ -3,7 +3,7 @@ closing row, formats behind its formats, sets of texts behind its sets."""
 
 from types import SimpleNamespace as Row
 
-from corrected import corrected_messages, set_reading
+from corrected import corrected_messages, counted_unit, set_reading, whole
 from keys import Keys, variant_name
 from overlay import PROPRIETARY
 from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
@@ -78,19 +78,18 @@ def makers_messages(context):
     entries = context.sets[MAKERS].entries if MAKERS in context.sets else []
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
     names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
-    fields = header_fields(context.sets)
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7,
-                packet="fast", match=[], length=None, groups=[], fields=fields, source="ours") for code, name in names]
+    fields = header_fields(context)
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, packet="fast", match=[],
+                length=None, groups=[], fields=fields, source="ours") for code, name in names]
 
 
-def header_fields(sets):
-    def field(number, label, bits, texts):
-        return Row(number=number, label=label, bits=bits, dd=None, options={},
-                   texts=(texts, None) if texts in sets else None, unit_note="",
-                   place="", quantity=NO_CLASS, form="texts" if texts in sets else "plain",
-                   reading=("whole", f"u{bits}", 1, 1, 0, "every", (), None))
-    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2, None),
-            field(3, "Industry Code", 3, INDUSTRIES)]
+def header_fields(context):
+    def field(number, label, bits, name=None):
+        texts = (name, None) if name in context.sets else None
+        return Row(number=number, label=label, bits=bits, dd=None, options={}, texts=texts, unit_note="", unit="",
+                   place="", quantity=NO_CLASS, form="texts" if texts else "plain",
+                   reading=whole(bits, False, ((), None)))
+    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2), field(3, "Industry Code", 3, INDUSTRIES)]
 
 
 # ---- sets ----
@@ -335,6 +334,7 @@ def add_key_rows(out, name, found):
         given = Row(place=entry.place, coding=entry.coding, size=entry.size, resolution=entry.resolution,
                     unit=entry.unit, options={})
         set_reading(field, given, out.context)
+        field.unit = counted_unit(field, out.context)
         extra = 0
         if field.quantity == out.context.quantities.get("direction"):
             extra = add_extra(out, {"direction": "Direction::true_north"})

@@ -3,7 +3,7 @@ groups, how each field counts, and where each text comes from."""
 
 from fractions import Fraction
 
-from tables import MAX_PAYLOAD, NO_CLASS
+from tables import MAX_PAYLOAD
 
 BASE, GUESS = "base", "guess"  # sources of what the tables of the base have
 CODINGS = {"text_padded": "text", "text_counted": "text_lz", "bytes": "bytes", "decimal": "decimal"}
@@ -72,12 +72,11 @@ def source_of(entry):
 
 
 def note_line(field, is_all_bits_none, corrected, texts):
-    resolution = offset = unit = none = ""
+    resolution = offset = none = ""
     reading = field.reading
     if reading[0] == "measured":
-        times, over, count, rule = reading[2:6]
+        times, over, count = reading[2:5]
         resolution, offset = decimal(times, over), str(count) if count else ""
-        unit = field.unit_note.strip(" ()") or counted_unit(rule, field.quantity, corrected)
     if reading[0] in ("whole", "measured"):
         none = codes_of_none(field.bits, *reading[6:])
     if is_all_bits_none:
@@ -86,7 +85,7 @@ def note_line(field, is_all_bits_none, corrected, texts):
     if field.texts is not None:
         name, by = field.texts
         shown = f"{name} by {by}" if by else str(name)
-    cells = [coding(field, corrected), resolution, offset, unit, none, shown]
+    cells = [coding(field, corrected), resolution, offset, field.unit, none, shown]
     return "{" + ", ".join(str(texts.add(cell)) for cell in cells) + f", {field.quantity}}},"
 
 
@@ -114,22 +113,6 @@ def codes_of_none(bits, codes, first_reserved):
         return ", ".join(str(code if code >= 0 or bits < 64 else code + (1 << 64)) for code in codes)
     signed_top = first_reserved | 3 if bits >= 8 else first_reserved
     return f"{first_reserved}..{signed_top}" if signed_top > first_reserved else str(first_reserved)
-
-
-def counted_unit(rule, quantity, corrected):
-    """ASCII name of the unit that a number has before any factor."""
-    if rule == "temperature_k":
-        return "K"
-    if rule == "every" or quantity >= NO_CLASS:
-        return ""
-    tables = corrected.tables
-    row = next(row for row in tables.availability if getattr(row, "class") == quantity)
-    ascii_names = {row.unit: row.ascii for row in tables.units}
-    factors = corrected.plans.rules[rule]
-    for unit in [*filter(None, [row.si]), *row.units]:
-        if float(factors.get(unit.number, "0").rstrip("f")) == 1:
-            return ascii_names[unit.number]
-    return ""
 
 
 def decimal(times, over):
