@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that the tables under data/ agree with each other and with the public definitions."""
+"""Checks that the tables under data/ agree with each other, and both sets of definitions with the public ones."""
 
 import argparse
 import sys

@@ -39,8 +39,8 @@ def has_reason(overlay, name, subject):
     pgn = message.partition(".")[0]
     if name == "messages.tsv":
         return any(f"{row.pgn}.{row.variant}" == message for row in overlay.messages)
-    return any(row.pgn is None and pgn in row.what or str(row.pgn) == pgn and (not field or covers(row.field, int(field)))
-               for row in overlay.left_out)
+    return any(pgn in row.what if row.pgn is None else str(row.pgn) == pgn and
+               (not field or covers(row.field, int(field))) for row in overlay.left_out)
 
 
 def covers(cell, field):

@@ -42,7 +42,8 @@ OPEN_UNITS = {2468: "kWh"}  # what formats count that give their number for ever
 SOURCE_UNITS = {
     "%": ("", 1), "ppm": ("", 1), "ppt": ("", 1), "Cos Phi": ("", 1), "Ah": ("C", 3600), "L/h": ("L", 1),
     "m3": ("L", 1000), "m3/h": ("L", 1000), "kPa": ("Pa", 1000), "Pa/h": ("Pa", 1), "Pa/hr": ("Pa", 1),
-    "RPM": ("rpm", 1), "VA": ("W", 1), "VAR": ("W", 1), "VAr": ("W", 1), "var": ("W", 1), "m/m": ("", 1), "Pa/s": ("Pa", 3600), "d": ("day", 1),
+    "RPM": ("rpm", 1), "VA": ("W", 1), "VAR": ("W", 1), "VAr": ("W", 1), "var": ("W", 1), "m/m": ("", 1),
+    "Pa/s": ("Pa", 3600), "d": ("day", 1),
     "degs": ("deg", 1), "min": ("s", 60), "sec": ("s", 1),
 }
 
