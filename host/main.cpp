@@ -24,6 +24,7 @@ struct Arguments {
     bool json = false;
     bool csv = false;
     std::string table;
+    pgn_vistel::core::Definitions listed = pgn_vistel::core::Definitions::corrected;
     std::vector<std::string> monitor;
 };
 
@@ -103,6 +104,7 @@ void add_catalogue(CLI::App& app, Arguments& arguments) {
     command->add_option("TABLE", arguments.table, "Which one")
         ->required()
         ->check(CLI::IsMember(vistel::catalogue_tables()));
+    vistel::add_definitions(*command, arguments.listed);
 }
 
 void add_monitor(CLI::App& app, Arguments& arguments) {
@@ -153,7 +155,7 @@ int main(int argc, char** argv) {
 
     if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
-    if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table);
+    if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (arguments.json) arguments.decode.form = vistel::DecodeOptions::Form::json;
     if (arguments.csv) arguments.decode.form = vistel::DecodeOptions::Form::csv;
     return vistel::run_decode(arguments.decode);

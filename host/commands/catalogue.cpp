@@ -11,6 +11,7 @@
 #include "output/sink.h"
 #include "output/unit_names.h"
 #include "pgn_vistel/core/catalogue.h"
+#include "pgn_vistel/core/listing.h"
 #include "pgn_vistel/core/render.h"
 #include "pgn_vistel/core/units.h"
 
@@ -117,10 +118,15 @@ void print_dictionary(Sink& out) {
 }
 
 void print_enumerations(Sink& out) {
-    Table table(out, "dd\tkind\tvalue\ttext");
+    Table table(out, "dd\tkind\tvalue\ttext\tsource");
     for (const DDstrings& set : all_enumerations())
         for (std::uint32_t i = 0; i < set.count; ++i)
-            table.number(set.dd).number(set.kind).number(set.pairs[i].value).text(set.pairs[i].text).end();
+            table.number(set.dd)
+                .number(set.kind)
+                .number(set.pairs[i].value)
+                .text(set.pairs[i].text)
+                .text(text_source(set, i))
+                .end();
 }
 
 void print_repeats(Sink& out) {
@@ -173,21 +179,116 @@ void print_quantities(Sink& out) {
     }
 }
 
+// ---- the corrected definitions ----
+
+template <class Print>
+void for_each_message(Print print) {
+    for (std::size_t i = 0; i < listed_message_count(); ++i) print(listed_message(i));
+}
+
+/// The PGN that a definition is of, 0 for what belongs to none.
+std::uint32_t pgn_of(const ListedMessage& message) {
+    return message.row != nullptr ? message.row->pgn : 0;
+}
+
+std::string conditions_text(const ListedMessage& message) {
+    std::string text;
+    for (const MessageCondition& c : message.conditions)
+        text += (text.empty() ? "" : ";") + std::to_string(c.bit) + ":" + std::to_string(c.width) + "=" +
+                std::to_string(c.value);
+    return text;
+}
+
+std::string length_text(const ListedMessage& message) {
+    const std::string shortest = std::to_string(message.shortest), longest = std::to_string(message.longest);
+    if (message.shortest == message.longest) return shortest;
+    if (message.longest < N2K_MAX_PAYLOAD) return (message.shortest > 0 ? shortest : "") + ".." + longest;
+    return message.shortest > 0 ? shortest + ".." : "";
+}
+
+void print_corrected_pgns(Sink& out) {
+    Table table(out, "pgn\tvariant\tname\tmatch\tlength\tpacket\tpriority\tsource");
+    for_each_message([&](const ListedMessage& message) {
+        if (pgn_of(message) == 0) return;
+        table.number(message.row->pgn)
+            .text(message.variant)
+            .text(message.row->name)
+            .text(conditions_text(message))
+            .text(length_text(message))
+            .text(message.packet)
+            .number(message.row->priority)
+            .text(message.source)
+            .end();
+    });
+}
+
+void print_corrected_fields(Sink& out) {
+    Table table(
+        out,
+        "pgn\tvariant\tfield\tkey\tlabel\tbits\tcoding\tresolution\toffset\tunit\tnone\ttexts\tquantity");
+    for_each_message([&](const ListedMessage& message) {
+        for (const FieldDef& field : message.fields) {
+            const FieldNotes notes = field_notes(field);
+            const int bits = field.bytes * 8 + field.bits;
+            table.number(pgn_of(message))
+                .text(message.variant)
+                .number(field.field)
+                .text(field_key(field))
+                .text(field.name)
+                .text(bits > 0 ? std::to_string(bits) : "")
+                .text(notes.coding)
+                .text(notes.resolution)
+                .text(notes.offset)
+                .text(notes.unit)
+                .text(notes.none)
+                .text(notes.texts)
+                .text(notes.quantity < quantity::no_quantity ? std::to_string(notes.quantity) : "")
+                .end();
+        }
+    });
+}
+
+void print_corrected_enumerations(Sink& out) {
+    Table table(out, "set\tkind\tvalue\ttext\tsource");
+    for (const DDstrings& set : all_corrected_enumerations())
+        for (std::uint32_t i = 0; i < set.count; ++i)
+            table.text(enumeration_name(set))
+                .number(set.kind)
+                .number(set.pairs[i].value)
+                .text(set.pairs[i].text)
+                .text(text_source(set, i))
+                .end();
+}
+
+void print_corrected_repeats(Sink& out) {
+    Table table(out, "pgn\tvariant\tfirst\tlast\tcount");
+    for_each_message([&](const ListedMessage& message) {
+        for (const FieldGroup& group : message.groups)
+            table.number(pgn_of(message))
+                .text(message.variant)
+                .number(group.first)
+                .number(group.last)
+                .text(group.count > 0 ? std::to_string(group.count) : "")
+                .end();
+    });
+}
+
 struct NamedTable {
     const char* name;
     void (*print)(Sink&);
+    void (*print_corrected)(Sink&);  ///< null where both sets share the table
 };
 
 constexpr NamedTable tables[] = {
-    {"pgns", print_pgns},
-    {"fields", print_fields},
-    {"dictionary", print_dictionary},
-    {"enumerations", print_enumerations},
-    {"repeats", print_repeats},
-    {"streams", print_streams},
-    {"formats", print_formats},
-    {"units", print_units},
-    {"quantities", print_quantities},
+    {"pgns", print_pgns, print_corrected_pgns},
+    {"fields", print_fields, print_corrected_fields},
+    {"dictionary", print_dictionary, nullptr},
+    {"enumerations", print_enumerations, print_corrected_enumerations},
+    {"repeats", print_repeats, print_corrected_repeats},
+    {"streams", print_streams, nullptr},
+    {"formats", print_formats, nullptr},
+    {"units", print_units, nullptr},
+    {"quantities", print_quantities, nullptr},
 };
 
 }  // namespace
@@ -198,12 +299,13 @@ std::vector<std::string> catalogue_tables() {
     return names;
 }
 
-int run_catalogue(const std::string& name) {
+int run_catalogue(const std::string& name, Definitions definitions) {
     const auto table = std::ranges::find(tables, name, &NamedTable::name);
     if (table == std::end(tables)) return EXIT_FAILED;
     ignore_closed_pipes();
     const auto out = std::make_unique<Sink>(STDOUT_FILENO);
-    table->print(*out);
+    const bool is_corrected = definitions == Definitions::corrected && table->print_corrected != nullptr;
+    (is_corrected ? table->print_corrected : table->print)(*out);
     out->flush();
     return output_status(*out);
 }

@@ -52,7 +52,8 @@ class Decoding {
     const std::string name_;
     core::UnitSelection units_;  // JSON and CSV are for programs, which do not know what somebody picked
     Recording recording_;
-    Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); }};
+    Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); },
+                             options_.definitions};
     Sink out_{STDOUT_FILENO};
     std::unique_ptr<MessageWriter> writer_;
     std::optional<Progress> progress_;

@@ -15,14 +15,17 @@ bool Player::open(std::string& error) {
         error = opened.error().text;
         return false;
     }
-    reassembler_ = std::make_unique<Reassembler>([this](const N2KMsg& msg, const RecordTime& time) {
-        constexpr std::int64_t time_stamp_unit = 10'000'000;  // nanoseconds
-        const std::int64_t since_start = std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
-        N2KMsg stamped = msg;
-        stamped.time_stamp = static_cast<std::uint32_t>(since_start / time_stamp_unit);
-        ++counters_.messages;
-        if (latest_->put(stamped)) ++counters_.replaced;
-    });
+    reassembler_ = std::make_unique<Reassembler>(
+        [this](const N2KMsg& msg, const RecordTime& time) {
+            constexpr std::int64_t time_stamp_unit = 10'000'000;  // nanoseconds
+            const std::int64_t since_start =
+                std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
+            N2KMsg stamped = msg;
+            stamped.time_stamp = static_cast<std::uint32_t>(since_start / time_stamp_unit);
+            ++counters_.messages;
+            if (latest_->put(stamped)) ++counters_.replaced;
+        },
+        options_.definitions);
     return true;
 }
 

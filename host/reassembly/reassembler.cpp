@@ -2,8 +2,6 @@
 
 #include <cassert>
 
-#include "pgn_vistel/core/catalogue.h"
-
 namespace vistel {
 
 void Reassembler::emit(const N2KMsg& msg, const RecordTime& time) {
@@ -28,7 +26,7 @@ void Reassembler::put(const Record& record) {
 
     const std::uint32_t pgn = record.msg.pgn;
     const N2KMsg* reassembled = nullptr;
-    if (pgn_vistel::core::is_fast_packet(pgn)) {
+    if (pgn_vistel::core::is_fast_packet(pgn, definitions_)) {
         reassembled = fast_packets_.put(record.msg, now);
     } else {
         emit(record.msg, record.time);

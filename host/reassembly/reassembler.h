@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "can/record.h"
+#include "pgn_vistel/core/catalogue.h"
 #include "reassembly/counters.h"
 #include "reassembly/fast_packets.h"
 #include "reassembly/transports.h"
@@ -21,7 +22,10 @@ class Reassembler {
     /// not put a record itself.
     using Sink = std::function<void(const N2KMsg& msg, const RecordTime& time)>;
 
-    explicit Reassembler(Sink sink) : sink_(std::move(sink)) {}
+    /// The definitions say which PGNs are fast packets.
+    explicit Reassembler(Sink sink,
+                         pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected)
+        : sink_(std::move(sink)), definitions_(definitions) {}
     Reassembler(const Reassembler&) = delete;
     Reassembler& operator=(const Reassembler&) = delete;
 
@@ -36,6 +40,7 @@ class Reassembler {
     void emit(const N2KMsg& msg, const RecordTime& time);
 
     Sink sink_;
+    pgn_vistel::core::Definitions definitions_;
     bool emitting_ = false;
     ReassemblyCounters counters_;
     FastPackets fast_packets_{counters_};

@@ -25,6 +25,7 @@ TEST(Pgns, Rows) {
         EXPECT_EQ(pgn_name(row), name != nullptr ? name : "Unknown");
         EXPECT_EQ(row != nullptr && row->flag_pdu1 == 1, addressed);
         EXPECT_EQ(is_fast_packet(pgn), fast);
+        EXPECT_EQ(is_fast_packet(pgn, Definitions::corrected), fast);
     }
     // Of several variants the search of the whole table meets one.
     const auto rows = all_pgns();

@@ -47,6 +47,12 @@ def without_display(*command, **environment):
     return subprocess.run(command, env=kept | environment, capture_output=True, encoding="utf-8", timeout=60)
 
 
+def catalogue(table, definitions):
+    """The rows of a table by column."""
+    printed = vistel("catalogue", table, "--definitions", definitions).stdout
+    return list(csv.DictReader(io.StringIO(printed), delimiter="\t", quoting=csv.QUOTE_NONE))
+
+
 class ProgramTest(unittest.TestCase):
     def test_text_and_json(self):
         result = vistel("decode", stdin="# format=FAST\n" + HEADING + UNKNOWN)
@@ -201,7 +207,7 @@ class ProgramTest(unittest.TestCase):
         makers, all_makers = (vistel("encode", "--list", "60928", *more).stdout for more in [[], ["--all-choices"]])
         self.assertIn("      ... and 195 more, with --all-choices\n", makers)
         self.assertEqual(len(all_makers.splitlines()), len(makers.splitlines()) + 194)
-        numbers = [row.split("\t")[0] for row in vistel("catalogue", "fields").stdout.splitlines()[1:]]
+        numbers = [row["pgn"] for row in catalogue("fields", "fixed")]
         for number in sorted(set(numbers))[::7]:
             self.assertEqual(vistel("encode", "--list", number).returncode, 0, number)
 
@@ -312,11 +318,34 @@ class ProgramTest(unittest.TestCase):
     def test_catalogue(self):
         for table, column in [("pgns", "pgn"), ("dictionary", "dd"), ("formats", "df"), ("units", "unit"),
                               ("quantities", "quantity"), ("repeats", "pgn"), ("fields", "pgn")]:
-            lines = list(csv.DictReader(io.StringIO(vistel("catalogue", table).stdout), delimiter="\t",
-                                        quoting=csv.QUOTE_NONE))
-            self.assertGreater(len(lines), 20, table)
-            self.assertTrue(all(line[column].isdigit() and None not in line.values() for line in lines), table)
+            for definitions in "corrected", "fixed":
+                lines = catalogue(table, definitions)
+                self.assertGreater(len(lines), 20, table)
+                self.assertTrue(all(line[column].isdigit() and None not in line.values() for line in lines), table)
         self.assertIn("\t\u2126\tohm\n", vistel("catalogue", "units").stdout)
+
+    def test_catalogue_of_the_corrected_definitions(self):
+        def row(table, definitions="corrected", **wanted):
+            found = [each for each in catalogue(table, definitions) if wanted.items() <= each.items()]
+            self.assertEqual(len(found), 1, wanted)
+            return found[0]
+
+        furuno = row("pgns", pgn="65280", variant="furuno_heave")
+        self.assertEqual((furuno["match"], furuno["packet"]), ("0:11=1855;13:3=4", "single"))
+        self.assertTrue(furuno["source"].startswith("canboat"), furuno)
+        heading = row("fields", pgn="127250", variant="-", field="2")
+        self.assertEqual([heading[name] for name in ("key", "bits", "coding", "resolution", "unit", "none")],
+                         ["heading_sensor_reading", "16", "u", "0.0001", "rad", "65533..65535"])
+        maker = row("fields", pgn="60928", field="2")
+        self.assertEqual((maker["coding"], maker["texts"]), ("code", "manufacturer_code"))
+        self.assertEqual(row("repeats", pgn="126208", variant="1"), {
+            "pgn": "126208", "variant": "1", "first": "6", "last": "7", "count": "5"})
+        texts = catalogue("enumerations", "corrected")
+        self.assertTrue({each["set"] for each in texts} >= {"manufacturer_code", "117"})
+        sources = {each["source"] for each in texts}
+        self.assertTrue(sources >= {"base", "canboat", "listing", "general rule", "ours", "ais standard"}, sources)
+        self.assertNotIn("guess", sources)
+        self.assertEqual({each["source"] for each in catalogue("enumerations", "fixed")}, {"base", "guess"})
 
 
 if __name__ == "__main__":

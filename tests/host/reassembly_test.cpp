@@ -251,6 +251,20 @@ TEST(Reassembly, OfScripts) {
     for (const auto& [name, script, expected] : cases) EXPECT_EQ(cast.outcome(script), expected) << name;
 }
 
+TEST(Reassembly, TheDefinitionsSayWhatAFastPacketIs) {
+    using pgn_vistel::core::Definitions;
+    for (const auto& [definitions, expected] :
+         {std::pair{Definitions::fixed, "8 8 "}, {Definitions::corrected, "10 "}}) {
+        std::string lengths;
+        Reassembler reassembler(
+            [&](const N2KMsg& msg, const RecordTime&) { lengths += std::to_string(msg.length) + " "; },
+            definitions);
+        for (const Record& piece : fast_frames({127490, 6, 1, 255}, 0, payload(10, 1)))
+            reassembler.put(piece);
+        EXPECT_EQ(lengths, expected);
+    }
+}
+
 TEST(Reassembly, AbandonsTheOldestWhenTooManyAreOpen) {
     const auto begin = [](unsigned i, unsigned piece) {
         const Header header{129029, 3, static_cast<std::uint8_t>(i), 255};

@@ -42,13 +42,17 @@ OPEN_UNITS = {2468: "kWh"}  # what formats count that give their number for ever
 SOURCE_UNITS = {
     "%": ("", 1), "ppm": ("", 1), "ppt": ("", 1), "Cos Phi": ("", 1), "Ah": ("C", 3600), "L/h": ("L", 1),
     "m3": ("L", 1000), "m3/h": ("L", 1000), "kPa": ("Pa", 1000), "Pa/h": ("Pa", 1), "Pa/hr": ("Pa", 1),
-    "RPM": ("rpm", 1), "VA": ("W", 1), "VAR": ("W", 1), "VAr": ("W", 1), "d": ("day", 1),
+    "RPM": ("rpm", 1), "VA": ("W", 1), "VAR": ("W", 1), "VAr": ("W", 1), "var": ("W", 1), "m/m": ("", 1),
+    "Pa/s": ("Pa", 3600), "d": ("day", 1),
     "degs": ("deg", 1), "min": ("s", 60), "sec": ("s", 1),
 }
 
 
 def measure_of_format(row):
+    """None for bits that are shown as a bare number."""
     kind, detail = row.rule
+    if detail == "convert_bit_field":
+        return None
     if kind == "special" and detail in CONVERSION_MEASURES:
         return CONVERSION_MEASURES[detail]
     coding = {"u": "unsigned", "i": "signed"}[row.kind[0]] if row.kind else None
@@ -57,6 +61,21 @@ def measure_of_format(row):
         return Measure(scale, LISTED_UNITS.get(detail[0].id, ""), coding)
     unit, factor = RULE_UNITS.get(detail, (OPEN_UNITS.get(row.df, ""), 1))
     return Measure(scale * factor, unit, coding)
+
+
+def measure_of_reading(field, context):
+    """The same of a field of the corrected definitions."""
+    how, *details = field.reading
+    if how == "df":
+        return measure_of_format(context.formats[details[0]])
+    if how in ("text_sent", "text_padded", "text_counted"):
+        return Measure(1, "", "text")
+    is_bare = field.form != "plain" or how == "whole" and details[5:] == [(), None]
+    if how not in ("whole", "measured") or is_bare:
+        return None
+    kind, times, over = details[:3]
+    unit, factor = SOURCE_UNITS.get(field.unit, (field.unit, 1))
+    return Measure(times / over * factor, unit, {"u": "unsigned", "i": "signed", "f": "float"}[kind[0]])
 
 
 def measure_of_source(row):

@@ -13,7 +13,16 @@ from test_tablegen import TablesTest, good_tables, lines  # noqa: E402
 
 def tables():
     """File -> lines. Blanks part the cells, tildes stand for blanks; line 1 is the header."""
-    return good_tables() | {
+    good = good_tables()
+    named = {"101\tunit_101\t-\t-": "101\tm_s\t-\tm/s", "102\tunit_102\t-\t-": "102\trad\t-\trad"}
+    units = [named.get(row[:-2], row[:-2]) + row[-2:] for row in good["units.tsv"]]
+    return good | {
+        "units.tsv": units,
+        "unit_factors.tsv": lines("rule unit factor", "speed_mm_s m_s 0.001", "speed_m_s m_s 1", "angle_rad rad 1"),
+        "disp_data_types.tsv": lines("dd class", "3 1", "6 2"),
+        "availability.tsv": lines("class id units si quantity", "0 depth - celsius -", "1 speed m_s m_s -",
+                                  "2 angle rad rad -",
+                                  *(f"{number} class_{number} - celsius -" for number in range(3, 65))),
         "pgns.tsv": lines("pgn name key1 key2 key3 priority frames packet listed",
                           "127000 One~frame - - - 6 single single yes", "127001 Group - - - 6 multi fast yes",
                           "127002 Long - - - 6 multi fast yes", "130817 Own 137 4:* - 6 multi fast no"),
@@ -114,6 +123,34 @@ class ConsistencyTest(TablesTest):
         content["repeat_sets.tsv"][1:1] = lines("127000 255 2 4")
         self.assertEqual(self.run_tool(content)[2],
                          ["fields/a.tsv:5: length 127000: repeats from bit 4 of a byte"])
+
+    def test_corrections(self):
+        """A correction agrees with one source where two differ; what it mends is known to nobody."""
+        def corrected(resolution):
+            cells = {"coding": "u", "size": "16b", "unit": "m/s", "resolution": resolution}
+            return lines("pgn variant field column value reason",
+                         *(f"127000 - 3 {column} {value} measured" for column, value in cells.items()))
+
+        def told(resolution, *sources):
+            return [f"fields/a.tsv:4: resolution 127000#3: {resolution} m/s, {source} has {theirs}"
+                    for source, theirs in sources]
+
+        content = tables()
+        content["public_definitions.tsv"][7] = "\t".join("127000 - canboat 3 unsigned 16 0.1 m/s -".split())
+        self.assertEqual(self.run_tool(content)[2], told("0.01", ("canboat", "0.1")))
+        content["corrections/changes.tsv"] = corrected("0.1")
+        self.assertEqual(self.run_tool(content, "--count"),
+                         (0, "15 fields compared, 1 findings known, 1 differences mended\n", []))
+        content["corrections/changes.tsv"] = corrected("0.5")
+        self.assertEqual(self.run_tool(content)[2], told("0.5", ("listing", "0.01"), ("canboat", "0.1")))
+        # Where the reason of an open difference stands is looked at.
+        content["known.tsv"] += lines("resolution 127000#3 0.5~m/s,~listing~has~0.01 left-out.tsv",
+                                      "resolution 127000#3 0.5~m/s,~canboat~has~0.1 left-out.tsv")
+        content["corrections/left-out.tsv"] = lines("pgn field what reason", "127000 2-3 speed unclear")
+        self.assertEqual(self.run_tool(content), (0, "", []))
+        content["corrections/left-out.tsv"] = lines("pgn field what reason", "127000 1,4 speed unclear")
+        self.assertEqual(self.run_tool(content)[2],
+                         [f"known.tsv:{line}: left-out.tsv has no reason for 127000#3" for line in (3, 4)])
 
     def test_labels_of_groups(self):
         self.assertEqual(self.run_tool(tables(), "--labels")[1].splitlines(), lines(

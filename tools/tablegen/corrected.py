@@ -8,7 +8,7 @@ from types import SimpleNamespace as Row
 
 from keys import variant_name
 from overlay import HEADER, PROPRIETARY, base_variant
-from plans import TIME_OF_DAY, field_bits, quantity, shown_label, special_row
+from plans import PRESSURE, TIME_OF_DAY, field_bits, listed_rule, quantity, shown_label, special_row
 from tables import NO_CLASS, NO_SELECTOR, conversion_owner
 
 SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP = 50, 51, 63, 3002
@@ -27,7 +27,7 @@ UNITS = {
     "V": ("voltage_v", "V", "voltage"), "A": ("current_a", "A", "current"), "W": ("power_w", "W", "power"),
     "VA": ("power_w", "VA", "apparent_power"), "VAR": ("power_w", "VAR", "reactive_power"),
     "Hz": ("frequency_hz", "Hz", "frequency"), "Pa": ("pressure_pa", "Pa", "pressure"),
-    "Pa/h": ("pressure_pa", "Pa_h", "pressure_rate"), "rad": ("angle_rad", "rad", "angle_35"),
+    "Pa/h": ("pressure_rate", "Pa_h", "pressure_rate"), "rad": ("angle_rad", "rad", "angle_35"),
     "deg": ("angle_rad", "deg", "angle_35"), "rad/s": ("angular_rate", "rad_s", "angular_velocity"),
     "deg/s": ("angular_rate", "deg_s", "angular_velocity"), "L": ("volume_l", "litre", "volume"),
     "L/h": ("volume_l", "litre_hr", "flow"), "Ah": ("charge_ah", "Ah", "charge"), "C": ("charge_c", "C", "charge"),
@@ -54,7 +54,10 @@ def corrected_messages(tables, overlay):
                   shown_units={getattr(row, "class"): row.units for row in tables.availability},
                   rules={row.pgn: row for row in tables.pgn_rules}, sets=corrected_sets(tables, overlay),
                   dd_texts={row.dd: row.texts[0] for row in overlay.dd_texts},
-                  factors=factors_by_rule(tables), units={row.id: row.unit for row in tables.units})
+                  factors=factors_by_rule(tables), units={row.id: row.unit for row in tables.units},
+                  preferred={getattr(row, "class"): [*filter(None, [row.si]), *row.units]
+                             for row in tables.availability},
+                  ascii_names={row.unit: row.ascii for row in tables.units})
     changes = {}
     for row in overlay.changes:
         changes.setdefault((row.pgn, row.variant), {}).setdefault(row.field, {})[row.column] = row.value
@@ -73,6 +76,7 @@ def corrected_messages(tables, overlay):
         if found is not None and (standard or found.match):
             messages.append(found)
     for field in [each for found in messages for each in found.fields]:
+        field.unit = counted_unit(field, context)
         if field.texts is not None and not context.sets[field.texts[0]].entries:
             field.texts, field.form = None, "plain"
     messages += unmatched(messages, tables)
@@ -91,7 +95,7 @@ def unmatched(messages, tables):
     for found in messages:
         conditional.setdefault(found.pgn, []).append(found)
     return [Row(pgn=pgn, rank=(9,), variant="other", is_own=True, name=names.get(pgn, common_name(found)), priority=found[0].priority,
-                single=found[0].single, match=[], length=None, groups=[], fields=[])
+                packet=found[0].packet, match=[], length=None, groups=[], fields=[], source="ours")
             for pgn, found in conditional.items()
             if not is_proprietary(pgn) and all(each.match or each.length for each in found)]
 
@@ -144,8 +148,8 @@ def base_message(variant, rows, changes, context):
     return Row(pgn=variant.pgn, rank=(rank,), variant=variant_name(variant), is_own=False,
                name=whole.get("name", variant.row.name),
                priority=whole.get("priority", variant.row.priority),
-               single=whole.get("packet", variant.row.packet) == "single", match=match, length=None,
-               groups=groups, fields=fields)
+               packet=whole.get("packet", variant.row.packet), match=match, length=None, groups=groups, fields=fields,
+               source="base, corrected" if changes else "base")
 
 
 def base_groups(variant, tables):
@@ -194,7 +198,7 @@ def base_field(row, cells, context):
     if form == "pgn_name":
         field.form = "pgn_title"
         field.reading = whole(field.bits, False, set_of_codes({}, field.bits, False))
-    field.place = row.place
+    field.place, field.is_corrected = row.place, bool(cells)
     return field
 
 
@@ -250,8 +254,9 @@ def set_base_reading(field, row, df, context):
             rule_name = rebased(rule_name, counted, context) if counted else rule_name
             field.reading = measured(width, signed, scale * Fraction(times), 0, rule_name, none)
         else:
-            listed = "any" if kind == "any" else "listed_" + "_".join(str(unit.number) for unit in name)
-            field.reading = measured(width, signed, scale, 0, listed, none)
+            rule_name = "any" if kind == "any" else listed_rule(name)
+            context.factors.setdefault(rule_name, {unit.number: Fraction(1) for unit in name or ()})
+            field.reading = measured(width, signed, scale, 0, rule_name, none)
     if field.texts is not None:
         field.form = "texts"
 
@@ -262,13 +267,13 @@ def overlaid_message(row, rows, context):
     fields = []
     for each in rows:
         field = Row(number=each.field, label=each.label, bits=each.size or 0, dd=None, options=each.options,
-                    texts=each.texts, unit_note="", place=each.place)
+                    texts=each.texts, unit_note="", place=each.place, is_corrected=True)
         set_reading(field, each, context)
         fields.append(field)
     groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
     return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, is_own=True, name=row.name,
-               priority=row.priority, single=row.packet == "single", match=row.match, length=row.length, groups=groups,
-               fields=fields)
+               priority=row.priority, packet=row.packet, match=row.match, length=row.length, groups=groups,
+               fields=fields, source=row.source)
 
 
 def set_reading(field, given, context):
@@ -387,11 +392,16 @@ def check_served(given, rule, quantity, context):
 
 def factors_by_rule(tables):
     """What one base unit of a rule is in each unit."""
+    ids = {row.id: row.unit for row in tables.units}
     factors = {}
     for row in tables.unit_factors:
         factors.setdefault(row.rule, {})[row.unit.number] = Fraction(row.factor.removesuffix("f"))
-    kilograms = {row.unit: Fraction(1) for row in tables.units if row.id == "kg"}
-    factors["mass"] = factors.get("mass_kg", {}) | kilograms
+    # The base multiplies neither rate of pressure; an hour has 3600 seconds.
+    added = {"mass": {"kg": 1}, "pressure_rate": {"Pa_h": 1, "Pa_s": Fraction(1, 3600)},
+             "latitude_32": {"deg_lat": 1}, "longitude_32": {"deg_long": 1}}
+    for rule, units in added.items():
+        factors[rule] = {ids[unit]: Fraction(factor) for unit, factor in units.items() if unit in ids}
+    factors["mass"] |= factors.get("mass_kg", {})
     factors["every"] = {row.unit: Fraction(1) for row in tables.units}
     factors["any"] = {row.unit: Fraction(1) for row in tables.units if row.id not in ("raw_count", "raw_bits")}
     return factors
@@ -411,6 +421,20 @@ def shown_as_is(unit, context):
     name = f"only_{unit}"
     context.factors[name] = {context.units[unit]: Fraction(1), context.units["raw_count"]: Fraction(1)}
     return name
+
+
+def counted_unit(field, context):
+    """ASCII name of the unit that a number has before any factor."""
+    if field.reading[0] != "measured":
+        return ""
+    rule = field.reading[5]
+    if rule == "every":
+        return field.unit_note.removeprefix(" (").removesuffix(")")
+    if rule == "temperature_k":
+        return "K"
+    quantity = field.quantity if field.quantity <= NO_CLASS else PRESSURE  # the payload tells which kind it is
+    ones = [unit for unit in context.preferred.get(quantity, []) if context.factors[rule].get(unit.number) == 1]
+    return context.ascii_names[ones[0].number] if ones else ""
 
 
 # ---- texts ----

@@ -3,7 +3,7 @@ closing row, formats behind its formats, sets of texts behind its sets."""
 
 from types import SimpleNamespace as Row
 
-from corrected import corrected_messages, set_reading
+from corrected import corrected_messages, counted_unit, set_reading, whole
 from keys import Keys, variant_name
 from overlay import PROPRIETARY
 from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
@@ -24,7 +24,7 @@ def plan_corrected(tables, overlay, plans):
     messages, context = keyed_messages(tables, overlay)[:2]
     out = Row(context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
               field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
-              first_row=len(plans.fields) + 1, key_rows={},
+              listed=[], listed_fields=[], first_row=len(plans.fields) + 1, key_rows={},
               dictionary={row.dd: i for i, row in enumerate(tables.dictionary)},
               format_index={row.df: i for i, row in enumerate(tables.formats)})
     plans.format_lines = []
@@ -78,19 +78,18 @@ def makers_messages(context):
     entries = context.sets[MAKERS].entries if MAKERS in context.sets else []
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
     names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
-    fields = header_fields(context.sets)
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, single=False, match=[], length=None,
-                groups=[], fields=fields) for code, name in names]
+    fields = header_fields(context)
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, packet="fast", match=[],
+                length=None, groups=[], fields=fields, source="ours") for code, name in names]
 
 
-def header_fields(sets):
-    def field(number, label, bits, texts):
-        return Row(number=number, label=label, bits=bits, dd=None, options={},
-                   texts=(texts, None) if texts in sets else None, unit_note="",
-                   place="", quantity=NO_CLASS, form="texts" if texts in sets else "plain",
-                   reading=("whole", f"u{bits}", 1, 1, 0, "every", (), None))
-    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2, None),
-            field(3, "Industry Code", 3, INDUSTRIES)]
+def header_fields(context):
+    def field(number, label, bits, name=None):
+        texts = (name, None) if name in context.sets else None
+        return Row(number=number, label=label, bits=bits, dd=None, options={}, texts=texts, unit_note="", unit="",
+                   place="", quantity=NO_CLASS, form="texts" if texts else "plain",
+                   reading=whole(bits, False, ((), None)))
+    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2), field(3, "Industry Code", 3, INDUSTRIES)]
 
 
 # ---- sets ----
@@ -124,11 +123,12 @@ def add_message(out, found):
         out.makers.append((found.maker, first, row))
     addressed = (found.pgn >> 8) & 0xFF < 240 or 130816 <= found.pgn <= 131071
     name = found.name.replace("\\", "\\\\").replace('"', '\\"')
-    out.pgn_rows.append(f'{{{found.pgn}, {KEYS}, "{name}", {int(addressed)}, 0, {found.priority}, {int(found.single)}}},')
+    out.pgn_rows.append(f'{{{found.pgn}, {KEYS}, "{name}", {int(addressed)}, 0, {found.priority}, {int(found.packet == "single")}}},')
     out.pgn_lines.append(pgn_plan_line(out.plans, found.pgn, found.name, first if found.fields else END_ROW,
                                        "covering", 0, len(found.fields)))
-    found.row = row
-    found.first = first
+    found.row, found.first = row, first
+    if not shared:
+        out.listed.append(found)
 
 
 def add_field(out, message, i, first):
@@ -152,12 +152,13 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     label = field.label.removeprefix("First ") + field.unit_note
     enumeration = out.sets[field.texts[0]] if field.texts is not None else NO_SET
     form = form_of(out, field)
-    is_text, quick = is_text_reading(field.reading), is_quick(field)
+    is_text, quick, is_all_bits_none = is_text_reading(field.reading), is_quick(field), has_none_code(out, field)
+    out.listed_fields.append((field, is_all_bits_none))
     flags = flags | {
         "quoted": flags.get("numbered", False) and any(c in label for c in '",'),
         "text": is_text,
         "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_counted(out, field),
-        "all_bits_none": has_none_code(out, field),
+        "all_bits_none": is_all_bits_none,
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
         "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
@@ -325,12 +326,15 @@ def start_of(message, target):
 def add_key_rows(out, name, found):
     """A row for each entry of a set of keys: its value is read by it."""
     out.key_rows[name] = out.first_row + len(out.field_lines)
+    out.listed.append(Row(row=END_ROW, first=out.key_rows[name], variant=f"key {name}", source="", packet="", match=[],
+                          length=None, groups=[], fields=found.rows))
     for entry in found.rows:
         field = Row(number=entry.value & 0xFFFF, key=out.context.key_names[name][entry.value], label=entry.text, bits=entry.size or 0, dd=None, options={},
                     texts=entry.texts, unit_note="", place=entry.place)
         given = Row(place=entry.place, coding=entry.coding, size=entry.size, resolution=entry.resolution,
                     unit=entry.unit, options={})
         set_reading(field, given, out.context)
+        field.unit = counted_unit(field, out.context)
         extra = 0
         if field.quantity == out.context.quantities.get("direction"):
             extra = add_extra(out, {"direction": "Direction::true_north"})

@@ -3,6 +3,7 @@
 from types import SimpleNamespace as Row
 
 from corrected_plans import plan_corrected
+from listing import listing_fragments
 from plans import (escaped, factor_lines, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal)
 from powers import power_lines
 from tables import (ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS,
@@ -36,6 +37,7 @@ def fragments(tables, overlay):
         "pgn_rules.inc": ("pgn_rules.tsv", rule_lines(tables)),
         "special_fields.inc": ("special_fields.tsv", special_lines(tables)),
         "fast_packet_ranges.inc": ("pgns.tsv", fast_packet_ranges(tables.pgns)),
+        "corrected_fast_packet_ranges.inc": ("corrections", fast_packet_ranges([*tables.pgns, *overlay.messages])),
         "stream_key_table.inc": ("stream_keys.tsv", map(stream_key_line, tables.stream_keys)),
         "format_plans.inc": ("formats.tsv", [*format_lines(tables), *plans.format_lines]),
         "measures.inc": ("corrections", corrected.measures),
@@ -91,6 +93,7 @@ def fragments(tables, overlay):
         "enum_plans.inc": ("enums", plans.set_lines),
         "enum_index.inc": ("enums", plans.index_lines),
         "pgn_vistel/core/ids.h": ("", id_lines(tables)),
+        **{name: ("corrections", lines) for name, lines in listing_fragments(corrected, plans).items()},
         **power_lines(),
     }
     classes = {row.dd: getattr(row, "class") for row in tables.disp_data_types}

@@ -137,10 +137,10 @@ static_assert(sizeof(RepeatSetDef) == 12);
 /// The name that users see: one for all variants. "Unknown" for null. ASCII, not terminated.
 [[nodiscard]] std::string_view pgn_name(const PgnDef* row);
 
-/// Whether messages of a PGN travel as fast packets, which the bus does not tell. PGNs that the table does
-/// not have are taken as single frames, but for the proprietary ranges of fast packets: a wrong guess still
-/// shows all bytes, while single frames taken as pieces would be lost.
-[[nodiscard]] bool is_fast_packet(std::uint32_t pgn);
+/// Whether messages of a PGN travel as fast packets, which the bus does not tell. PGNs that the definitions
+/// do not have are taken as single frames, but for the proprietary ranges of fast packets: a wrong guess
+/// still shows all bytes, while single frames taken as pieces would be lost.
+[[nodiscard]] bool is_fast_packet(std::uint32_t pgn, Definitions set = Definitions::fixed);
 
 /// Stream keys of a message: what tells its stream from others of the PGN and source, an instance say. The
 /// keys come in preset to 255; 1 when the PGN has any, else 0. Only keys that are not zero on entry are
