@@ -72,10 +72,10 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("encode", "Build a message from typed fields, as a line that 'decode' reads");
     command->footer(encode_notes);
     vistel::EncodeOptions& options = arguments.encode;
-    command->add_option("PGN", options.pgn, "Number or name of the PGN")->required();
+    command->add_option("PGN", options.pgn, "Number or name of the PGN, or name of a variant")->required();
     command->add_option("FIELDS", options.fields, "LABEL=VALUE[ UNIT] ...")->option_text(" ");
-    CLI::Option* const list =
-        command->add_flag("--list", options.list, "Show the fields of the PGN: size, units, choices");
+    CLI::Option* const list = command->add_flag(
+        "--list", options.list, "Show the fields of the PGN (size, units, choices) or its variants");
     command->add_flag("--all-choices", options.all_choices, "Long choices to their end in that list")
         ->needs(list);
     command->add_option("--format", options.format, "Of the line: plain, or candump with a frame a line")
@@ -96,6 +96,8 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         ->check(CLI::Range(0, 7))
         ->capture_default_str();
     add_units(*command, options.units);
+    command->add_option("--variant", options.variant, "Name of a variant of the PGN");
+    vistel::add_definitions(*command, options.definitions);
 }
 
 void add_catalogue(CLI::App& app, Arguments& arguments) {

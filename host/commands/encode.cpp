@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "can/identifier.h"
 #include "commands/decode.h"
@@ -57,30 +58,77 @@ std::string name_of(const PgnDef& row) {
 /// A PGN by number or name.
 struct Chosen {
     std::uint32_t number = 0;
-    const PgnDef* row = nullptr;
+    const PgnDef* row = nullptr;               ///< of the fixed definitions, or null
+    std::vector<const PgnDef*> definitions{};  ///< corrected ones that the message may be of
 };
 
-Result<Chosen> choose_pgn(const std::string& text) {
-    if (!utf16_of(text)) return failure(quoted(text), " is not UTF-8 text");
-    Chosen chosen;
+/// Nothing where the text is no number of a PGN.
+std::optional<std::uint32_t> pgn_number_of(const std::string& text) {
+    std::uint32_t number = 0;
     const char* const last = text.data() + text.size();
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     const auto [end, error] =
-        std::from_chars(text.data() + (hexadecimal ? 2 : 0), last, chosen.number, hexadecimal ? 16 : 10);
-    if (end == last && error == std::errc{} && chosen.number <= max_pgn) {
-        chosen.row = find_pgn_def(chosen.number);
-        return chosen;
-    }
-    if (!text.empty() && text.find_first_not_of("0123456789") == text.npos)
-        return failure("PGN ", in_quotes(text), " is above ", max_pgn);
-    std::vector<std::string> names;
-    for (const PgnDef& row : all_pgns()) {
-        const std::string name = name_of(row);
-        if (simplified(name) == simplified(text)) return Chosen{row.pgn, find_pgn_def(row.pgn)};
+        std::from_chars(text.data() + (hexadecimal ? 2 : 0), last, number, hexadecimal ? 16 : 10);
+    if (end != last || error != std::errc{} || number > max_pgn) return {};
+    return number;
+}
+
+/// What names stand for: rows of PGNs, each with its own.
+std::vector<const PgnDef*> named_rows(Definitions set) {
+    std::vector<const PgnDef*> rows;
+    for (const PgnDef& row : set == Definitions::fixed ? all_pgns() : all_corrected_pgns())
+        if (set == Definitions::fixed || row.pgn != 0) rows.push_back(&row);
+    return rows;
+}
+
+/// A row's name without regard to case; two blanks count as one.
+std::string comparable_name(std::string_view name) {
+    std::string text = simplified(trimmed(name));
+    text.erase(std::unique(text.begin(), text.end(), [](char a, char b) { return a == ' ' && b == ' '; }),
+               text.end());
+    return text;
+}
+
+Result<Chosen> choose_by_name(Definitions set, const std::string& text) {
+    Chosen chosen;
+    std::vector<std::string> names, numbers;
+    for (const PgnDef* const row : named_rows(set)) {
+        const std::string name = name_of(*row);
         if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+        if (comparable_name(name) != comparable_name(text)) continue;
+        if (set == Definitions::fixed) return Chosen{row->pgn, find_pgn_def(row->pgn)};
+        chosen.number = row->pgn;
+        chosen.definitions.push_back(row);
+        const std::string number = std::to_string(row->pgn);
+        if (std::ranges::find(numbers, number) == numbers.end()) numbers.push_back(number);
     }
+    if (numbers.size() == 1) return chosen;
+    if (!numbers.empty())
+        return failure("several PGNs have the name ", in_quotes(text), ": ", joined(numbers),
+                       "; give a number and --variant");
     return failure("no PGN ", in_quotes(text), "; ",
                    suggestion(text, names, "'vistel catalogue pgns' shows numbers and names"));
+}
+
+Result<Chosen> choose_pgn(const EncodeOptions& options) {
+    const std::string& text = options.pgn;
+    if (!utf16_of(text)) return failure(quoted(text), " is not UTF-8 text");
+    const std::optional<std::uint32_t> number = pgn_number_of(text);
+    if (number && options.definitions == Definitions::fixed) return Chosen{*number, find_pgn_def(*number)};
+    if (!number && !text.empty() && text.find_first_not_of("0123456789") == text.npos)
+        return failure("PGN ", in_quotes(text), " is above ", max_pgn);
+    if (!number) return choose_by_name(options.definitions, text);
+    Chosen chosen{*number, nullptr, definitions_of(*number)};
+    if (options.variant.empty()) return chosen;
+    std::vector<std::string> names;
+    for (const PgnDef* const definition : chosen.definitions) names.push_back(name_of(*definition));
+    std::erase_if(chosen.definitions, [&](const PgnDef* definition) {
+        return comparable_name(pgn_name(definition)) != comparable_name(options.variant);
+    });
+    if (!chosen.definitions.empty()) return chosen;
+    return failure(
+        "PGN ", *number, " has no variant ", quoted(options.variant), "; ",
+        suggestion(options.variant, names, concat("'vistel encode --list ", *number, "' names them")));
 }
 
 // ---- the list of fields ----
@@ -88,9 +136,13 @@ Result<Chosen> choose_pgn(const std::string& text) {
 std::string size_text(const FieldCell& cell) {
     const PayloadPosition from = cell.start(), to = cell.next();
     const int bits = (to.byte - from.byte) * 8 + to.bit - from.bit;
-    const DF df = cell.dd().df;
-    if (df == format::text_short || df == format::text_medium) return "text of any length";
-    const std::string what = df == format::hex_dump ? "bytes as 01 02 FF" : cell.holds_text() ? "text" : "";
+    if (cell.holds_sized_text()) return "text of any length";
+    const bool is_digits = cell.is_corrected() && cell.coding().text == TextLayout::decimals;
+    const std::string what = cell.holds_bytes()  ? "bytes as 01 02 FF"
+                             : is_digits         ? "two digits each"
+                             : cell.holds_text() ? "text"
+                                                 : "";
+    if (bits == 0 && cell.is_corrected()) return what.empty() ? "as other fields say" : what;
     if (bits == 0) return served_units(cell).empty() ? "as the field before it says" : "8 bytes at the end";
     const bool whole = bits % 8 == 0;
     const int count = whole ? bits / 8 : bits;
@@ -119,11 +171,11 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
     constexpr std::size_t few = 20;
     out += "  " + cell.label() + ": " + size_text(cell);
     const std::vector<CodedChoice> choices = choices_of(cell);
-    const DDstrings* const set = find_enumeration(cell.dd().dd);
+    const DDstrings* const set = cell.texts();
     const bool measured = cell.read().quantity < quantity::no_quantity;
     const bool any_number =
-        !cell.holds_text() &&
-        (choices.empty() || (measured && (set->kind == ENUM_NUMBER || set->kind == ENUM_NUMBER_TOO)));
+        !cell.holds_text() && (choices.empty() || (cell.is_corrected() && cell.coding().is_number) ||
+                               (measured && (set->kind == ENUM_NUMBER || set->kind == ENUM_NUMBER_TOO)));
     const std::string values = any_number ? values_text(cell) : "";
     if (!values.empty()) out += ", " + values;
     if (!choices.empty())
@@ -138,9 +190,36 @@ void list_field(std::string& out, FieldCell& cell, bool all_choices) {
         out += "      ... and " + std::to_string(choices.size() - shown) + " more, with --all-choices\n";
 }
 
+std::string head_of(std::uint32_t number, const PgnDef& row) {
+    return std::to_string(number) + ", " + name_of(row) + ", pri=" + std::to_string(row.priority) + '\n';
+}
+
+/// The fields of a definition, of a repeating group those of the first round.
+std::string fields_text(const EncodeOptions& options, ReadingContext& context, const PgnDef& row,
+                        const std::vector<std::uint8_t>& variant) {
+    std::string fields;
+    bool repeats = false;
+    visit_fields(context, row, variant, [&](FieldCell& cell) {
+        if (cell.repeat() > 0 && !repeats) fields += " as often as needed:\n";
+        if (cell.repeat() == 0 && repeats) fields += " and then:\n";
+        repeats = cell.repeat() > 0;
+        list_field(fields, cell, options.all_choices);
+    });
+    return fields;
+}
+
+/// The fields of a variant, or the names of the variants.
+int list_corrected(const EncodeOptions& options, ReadingContext& context, const Chosen& chosen) {
+    std::string out;
+    for (const PgnDef* const definition : chosen.definitions) {
+        out += head_of(chosen.number, *definition);
+        if (chosen.definitions.size() == 1) out += fields_text(options, context, *definition, {});
+    }
+    return print(out);
+}
+
 int list_fields(const EncodeOptions& options, ReadingContext& context, const PgnDef& row) {
-    std::string out =
-        std::to_string(row.pgn) + ", " + name_of(row) + ", pri=" + std::to_string(row.priority) + '\n';
+    std::string out = head_of(row.pgn, row);
     // Variants that decoding shows alike are listed once.
     struct Listed {
         std::string beginnings, fields;
@@ -152,13 +231,7 @@ int list_fields(const EncodeOptions& options, ReadingContext& context, const Pgn
             beginning += ' ';
             append_hex(beginning, byte, 2);
         }
-        std::string fields;
-        bool repeats = false;
-        visit_fields(context, row, variant, [&](FieldCell& cell) {
-            if (cell.repeat() > 0 && !repeats) fields += " as often as needed:\n";
-            repeats = cell.repeat() > 0;
-            list_field(fields, cell, options.all_choices);
-        });
+        const std::string fields = fields_text(options, context, row, variant);
         const auto same = std::ranges::find(lists, fields, &Listed::fields);
         if (same != lists.end())
             same->beginnings += " or" + beginning;
@@ -218,13 +291,17 @@ std::vector<std::string> encode_formats() {
 }
 
 int run_encode(const EncodeOptions& options) {
-    ReadingContext context;
+    ReadingContext context{options.definitions, {}, {}};
+    const bool is_corrected = options.definitions == Definitions::corrected;
     if (const Status selected = select_units(context.units, options.units); !selected)
         return fail(selected.error());
-    Result<Chosen> pgn = choose_pgn(options.pgn);
+    if (!is_corrected && !options.variant.empty())
+        return fail({"--variant names one of the corrected definitions"});
+    Result<Chosen> pgn = choose_pgn(options);
     if (!pgn) return fail(pgn.error());
     if (options.list) {
         if (!options.fields.empty()) return fail({"--list takes no fields"});
+        if (is_corrected && !pgn->definitions.empty()) return list_corrected(options, context, *pgn);
         if (pgn->row == nullptr) return fail(failure("PGN ", options.pgn, " is not in the catalogue"));
         return list_fields(options, context, *pgn->row);
     }
@@ -233,10 +310,12 @@ int run_encode(const EncodeOptions& options) {
     Result<RecordTime> time = check_header(options, pgn->number);
     if (!time) return fail(time.error());
 
-    BuiltMessage msg = build_message(context, pgn->number, pgn->row, *fields);
+    BuiltMessage msg = is_corrected ? build_by_any(context, pgn->number, pgn->definitions, *fields)
+                                    : build_message(context, pgn->number, pgn->row, *fields);
     if (!msg) return fail(msg.error());
     constexpr int usual_priority = 6;
-    const int priority = pgn->row != nullptr ? static_cast<int>(pgn->row->priority) : usual_priority;
+    const PgnDef* const row = find_definition(options.definitions, *msg);
+    const int priority = row != nullptr ? static_cast<int>(row->priority) : usual_priority;
     msg->priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
     msg->source = static_cast<std::uint8_t>(options.source);
     msg->destination = static_cast<std::uint8_t>(options.destination);

@@ -5,11 +5,14 @@
 
 #include "can/identifier.h"
 #include "commands/unit_options.h"
+#include "pgn_vistel/core/catalogue.h"
 
 namespace vistel {
 
 struct EncodeOptions {
-    std::string pgn;                  ///< number or name
+    std::string pgn;      ///< number or name
+    std::string variant;  ///< name of a variant of the PGN; empty for any
+    pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
     std::vector<std::string> fields;  ///< LABEL=VALUE[ UNIT]
     bool list = false;                ///< show the fields instead
     bool all_choices = false;         ///< of coded fields, in that list

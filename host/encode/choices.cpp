@@ -72,20 +72,21 @@ bool is_choice(FieldCell& cell, const CodedChoice& choice) {
 }  // namespace
 
 bool holds_flags(const FieldCell& cell) {
-    const DDstrings* const set = find_enumeration(cell.dd().dd);
+    const DDstrings* const set = cell.texts();
     return set != nullptr && set->kind == ENUM_FLAGS;
 }
 
 std::vector<CodedChoice> choices_of(FieldCell cell) {
     std::vector<CodedChoice> result;
-    const DDstrings* const set = find_enumeration(cell.dd().dd);
+    const DDstrings* const set = cell.texts();
     if (set == nullptr || set->pairs == nullptr) return result;
     const bool flags = set->kind == ENUM_FLAGS;
     const std::uint64_t before = cell.raw();
     for (std::uint32_t i = 0; set->count == 0 ? set->pairs[i].text != nullptr : i < set->count; ++i) {
         if (flags && i >= 32) break;
         const ValueText& entry = set->pairs[i];
-        const CodedChoice choice{flags ? std::uint32_t{1} << i : entry.value, entry.text};
+        const std::uint32_t value = flags ? std::uint32_t{1} << i : entry.value - cell.coding().high;
+        const CodedChoice choice{value, entry.text};
         const bool again =
             !result.empty() && result.back().value == choice.value;  // the first of two is shown
         if (!again && is_choice(cell, choice)) result.push_back(choice);
@@ -98,8 +99,9 @@ bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling) {
     const std::vector<CodedChoice> choices = choices_of(cell);
     if (holds_flags(cell)) return enter_flags(cell, text, choices);
     const std::string wanted = comparable(text);
-    const auto is_exact = [text](const CodedChoice& choice) {
-        return trimmed(choice.text) == text || std::to_string(choice.value) == text;
+    const bool by_code = !cell.is_corrected() || !cell.coding().is_number;
+    const auto is_exact = [&](const CodedChoice& choice) {
+        return trimmed(choice.text) == text || (by_code && std::to_string(choice.value) == text);
     };
     const auto is_alike = [&wanted](const CodedChoice& choice) { return comparable(choice.text) == wanted; };
     const auto is_word = [&wanted](const CodedChoice& choice) {

@@ -12,6 +12,7 @@
 #include "output/unit_names.h"
 #include "text/characters.h"
 #include "text/quotes.h"
+#include "text/utf8.h"
 #include "text/words.h"
 
 using namespace pgn_vistel::core;
@@ -27,6 +28,30 @@ void begin_message(N2KMsg& msg, const Bytes& beginning) {
     msg.length = N2K_MAX_PAYLOAD;
     std::memset(msg.data, 0xFF, N2K_MAX_PAYLOAD);
     std::ranges::copy(beginning, msg.data);
+}
+
+/// @{ the bits that tell the variant of a corrected definition
+void apply(const Conditions& conditions, N2KMsg& msg) {
+    for (int i = 0; i < 8; ++i) {
+        const auto mask = static_cast<std::uint8_t>(conditions.mask >> 8 * i);
+        const auto value = static_cast<std::uint8_t>(conditions.value >> 8 * i);
+        msg.data[i] = static_cast<std::uint8_t>((msg.data[i] & ~mask) | value);
+    }
+    for (const FixedBits& fixed : conditions.behind) put_bits(msg, fixed.bit, fixed.width, fixed.value);
+}
+
+bool hold(const Conditions& conditions, N2KMsg msg) {
+    const N2KMsg before = msg;
+    apply(conditions, msg);
+    return std::ranges::equal(before.data, msg.data);
+}
+/// @}
+
+/// Whether the field has the number of rounds of a repeating group of its message.
+bool counts_rounds(const PgnDef& definition, const FieldDef& field) {
+    return std::ranges::any_of(fields_of(definition), [&](const FieldDef& row) {
+        return links_of(definition, row).count == &field;
+    });
 }
 
 /// The label without the number of its round, and that number; 0 for none.
@@ -57,21 +82,41 @@ bool means_label(std::string_view typed, std::string_view shown) {
 
 class Building {
   public:
-    Building(ReadingContext& context, const PgnDef& pgn, const std::vector<TypedField>& fields)
+    Building(ReadingContext& context, std::uint32_t number, const PgnDef& pgn,
+             const std::vector<TypedField>& fields)
         : context_(context), pgn_(pgn), fields_(fields), used_(fields.size(), false) {
-        msg_.pgn = pgn.pgn;
+        msg_.pgn = number;
     }
 
     BuiltMessage build(const Bytes& beginning, bool fills_frame);
+    /// By a corrected definition; `rest` are the bytes behind its fields.
+    BuiltMessage build_corrected(const std::optional<Bytes>& rest, bool fills_frame);
     const N2KMsg& message() const { return msg_; }
 
   private:
+    /// A field of a corrected definition that has been written.
+    struct Entered {
+        const FieldDef* row;
+        FieldCell cell;
+        bool typed;
+    };
+
+    const TypedField* find(std::string_view label) const;
     const TypedField* take(std::string_view label);
+    bool is_corrected() const { return context_.definitions == Definitions::corrected; }
+    std::vector<const FieldDef*> rows_of_group(const MessageWalk& walk) const;
     bool is_wanted(const MessageWalk& group) const;
+    int wanted_rounds(const MessageWalk& group, const FieldDef* behind) const;
+    Entered* entered(const FieldDef* row);
+    bool settle(const MessageWalk& walk, const FieldCoding& coding, const FieldLinks& links);
+    std::uint64_t size_wanted(const MessageWalk& walk, const FieldCoding& coding) const;
+    void enter_corrected(FieldCell& cell);
     bool is_count(const FieldCell& cell, const std::string& label) const;
     void enter(FieldCell& cell);
     void fill_count();
+    BuiltMessage finish(bool fills_frame, int most);
     void verify();
+    bool is_read_by_definition();
     void report_full(const std::string& label);
     bool is_of_later_round(std::string_view label) const;
     void report_unused(const Bytes& beginning);
@@ -88,27 +133,48 @@ class Building {
     bool full_ = false;                  // a field had no room
     bool has_count_ = false;             // a field has the number of rounds
     std::optional<FieldCell> count_;     // that field, unless it is given
+    Conditions conditions_;
+    std::vector<Entered> entered_;
+    std::vector<PayloadPosition> settled_;  // fields for which the ones that they depend on have been written
     std::vector<std::string> labels_;
     std::vector<std::string> shown_;  // of the fields in their order
     std::vector<std::string> errors_;
 };
 
 /// The next one that was typed under this label.
-const TypedField* Building::take(std::string_view label) {
+const TypedField* Building::find(std::string_view label) const {
     for (std::size_t i = 0; i < fields_.size(); ++i)
-        if (!used_[i] && means_label(fields_[i].label, label)) {
-            used_[i] = true;
-            return &fields_[i];
-        }
+        if (!used_[i] && means_label(fields_[i].label, label)) return &fields_[i];
     return nullptr;
+}
+
+const TypedField* Building::take(std::string_view label) {
+    const TypedField* const found = find(label);
+    if (found != nullptr) used_[static_cast<std::size_t>(found - fields_.data())] = true;
+    return found;
+}
+
+/// The rows of the repeating group whose first field the walk has come to.
+std::vector<const FieldDef*> Building::rows_of_group(const MessageWalk& walk) const {
+    std::vector<const FieldDef*> rows;
+    if (is_corrected()) {
+        const FieldLinks links = links_of(pgn_, *coding_of(walk).row);
+        for (const FieldDef* row = links.first; row != nullptr && row <= links.last; ++row)
+            rows.push_back(row);
+        return rows;
+    }
+    const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
+    for (int i = 0; set != nullptr && i <= set->last - set->first; ++i) {
+        const FieldDef* const row = next_field_row(&walk.field(), i);
+        if (row == nullptr || row->field == 0) break;
+        rows.push_back(row);
+    }
+    return rows;
 }
 
 /// Whether something is given for the round of a repeating group that begins here, or for a later one.
 bool Building::is_wanted(const MessageWalk& group) const {
-    const RepeatSetDef* const set = find_repeat_set(pgn_.pgn);
-    for (int i = 0; set != nullptr && i <= set->last - set->first; ++i) {
-        const FieldDef* const row = next_field_row(&group.field(), i);
-        if (row == nullptr || row->field == 0) break;
+    for (const FieldDef* const row : rows_of_group(group)) {
         const std::string label = label_of(*row, group.repeat());
         const NumberedLabel shown = numbered(label);
         for (std::size_t k = 0; k < fields_.size(); ++k) {
@@ -120,6 +186,35 @@ bool Building::is_wanted(const MessageWalk& group) const {
         }
     }
     return false;
+}
+
+/// Rounds of the group that begins here for which something is given: up to the highest number, or as many as
+/// one of its labels stands there without, less the fields behind the group that have it, too.
+int Building::wanted_rounds(const MessageWalk& group, const FieldDef* behind) const {
+    const std::vector<const FieldDef*> rows = rows_of_group(group);
+    const std::span<const FieldDef> all = fields_of(pgn_);
+    int rounds = 0;
+    for (const FieldDef* const row : rows) {
+        const std::string label = label_of(*row, 1);
+        const std::string_view name = numbered(label).text;
+        const auto has_name = [name](const FieldDef& other) {
+            const std::string its = label_of(other, 1);
+            return same_label(numbered(its).text, name);
+        };
+        int without_number = 0;
+        for (std::size_t k = 0; k < fields_.size(); ++k) {
+            const NumberedLabel typed = numbered(trimmed(fields_[k].label));
+            if (used_[k] || !same_label(typed.text, name)) continue;
+            rounds = std::max(rounds, typed.round);
+            without_number += typed.round == 0;
+        }
+        const auto a_round =
+            static_cast<int>(std::ranges::count_if(rows, [&](const FieldDef* r) { return has_name(*r); }));
+        const std::span<const FieldDef> later(behind, all.data() + all.size());
+        const auto further = static_cast<int>(std::ranges::count_if(later, has_name));
+        rounds = std::max(rounds, (without_number - further + a_round - 1) / a_round);
+    }
+    return rounds;
 }
 
 /// Whether the field has the number of rounds to come: "nItems", or else a "Number of ..." before the group.
@@ -144,7 +239,7 @@ void Building::enter(FieldCell& cell) {
     } else if (typed != nullptr) {
         if (const Status entered = enter_value(cell, typed->value); !entered) {
             constexpr std::size_t longest_text = 256;
-            full_ = cell.holds_text() && cell.bytes().size() < longest_text;
+            full_ = cell.holds_text() && cell.room() < longest_text;
             errors_.push_back(concat(label, " ", entered.error().text));
         }
     } else if (!begun) {
@@ -156,6 +251,71 @@ void Building::enter(FieldCell& cell) {
     // What can have no value and was not given ("Fields 4 thru 12 repeat as needed") is not sent.
     if (typed != nullptr || cell.holds_text() || !served_units(cell).empty())
         length_ = std::max(length_, cell.end());
+}
+
+Building::Entered* Building::entered(const FieldDef* row) {
+    const auto found = std::find_if(entered_.rbegin(), entered_.rend(),
+                                    [row](const Entered& each) { return each.row == row; });
+    return found != entered_.rend() ? &*found : nullptr;
+}
+
+/// What the field that tells the size of this one has to say, in its units less what it counts beside.
+std::uint64_t Building::size_wanted(const MessageWalk& walk, const FieldCoding& coding) const {
+    if (coding.own_bits > 0) return static_cast<std::uint64_t>(coding.own_bits);
+    const TypedField* const typed = find(label_of(walk.field(), walk.repeat()));
+    if (typed == nullptr || coding.text == TextLayout::none) return 0;
+    const auto bytes = bytes_of(typed->value);
+    if (coding.text == TextLayout::bytes) return bytes ? 8 * bytes->size() : 0;
+    return 8 * utf16_of(typed->value).value_or(u"").size();
+}
+
+/// Writes what this field depends on, unless it is given: the rounds of the group that begins here, the size.
+/// True where the walk has to come here again.
+bool Building::settle(const MessageWalk& walk, const FieldCoding& coding, const FieldLinks& links) {
+    if (std::ranges::find(settled_, walk.position) != settled_.end()) return false;
+    const bool begins_group = coding.row == links.first && walk.repeat() == 1;
+    Entered* const count = begins_group ? entered(links.count) : nullptr;
+    Entered* const size = entered(links.size);
+    const bool has_count = count != nullptr && !count->typed, has_size = size != nullptr && !size->typed;
+    if (!has_count && !has_size) return false;
+    settled_.push_back(walk.position);
+    if (has_count) count->cell.put(static_cast<std::uint64_t>(wanted_rounds(walk, links.last + 1)));
+    if (has_size) {
+        const std::uint64_t bits = size_wanted(walk, coding) + 8u * links.size_extra;
+        size->cell.put((bits + links.size_unit - 1) / links.size_unit);
+    }
+    return true;
+}
+
+void Building::enter_corrected(FieldCell& cell) {
+    const std::string label = cell.label();
+    labels_.push_back(label);
+    const TypedField* const typed = take(label);
+    if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
+        report_full(label);
+    } else if (typed != nullptr) {
+        if (const Status status = enter_value(cell, typed->value); !status) {
+            constexpr std::size_t longest_text = 256;
+            full_ = cell.holds_text() && cell.room() < longest_text;
+            errors_.push_back(concat(label, " ", status.error().text));
+        } else if (!hold(conditions_, msg_)) {
+            // Several codes may be shown alike: that of the variant is meant.
+            const std::string entered = cell.shown();
+            apply(conditions_, msg_);
+            if (cell.shown() != entered)
+                errors_.push_back(concat(label, " is ", in_quotes(cell.shown()), " in ",
+                                         in_quotes(std::string(pgn_name(&pgn_)))));
+        }
+    } else {
+        cell.clear();
+        // A group is only come to where there is a round of it.
+        if (counts_rounds(pgn_, *cell.coding().row)) cell.put(1);
+        apply(conditions_, msg_);
+    }
+    if (cell.repeat() == 1) repeated_.push_back(label);
+    shown_.push_back(typed != nullptr ? cell.shown() : "");
+    entered_.push_back({cell.coding().row, cell, typed != nullptr});
+    length_ = std::max(length_, cell.end());
 }
 
 void Building::fill_count() {
@@ -189,7 +349,10 @@ void Building::report_unused(const Bytes& beginning) {
         if (used_[i]) continue;
         const std::string& label = fields_[i].label;
         if (is_of_later_round(label)) {
-            report_full(label);
+            if (is_corrected() && !full_)
+                errors_.push_back(concat(in_quotes(label), " has a round more than the count says"));
+            else
+                report_full(label);
             continue;
         }
         const auto count =
@@ -228,14 +391,65 @@ BuiltMessage Building::build(const Bytes& beginning, bool fills_frame) {
     }
     fill_count();
     report_unused(beginning);
+    return finish(fills_frame, N2K_MAX_PAYLOAD);
+}
+
+BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fills_frame) {
+    conditions_ = conditions_of(pgn_);
+    begin_message(msg_, {});
+    apply(conditions_, msg_);
+    MessageWalk walk(&pgn_, msg_);
+    while (!full_) {
+        const MessageWalk before = walk;
+        if (!walk.next()) break;
+        const FieldCoding coding = coding_of(walk);
+        const FieldLinks links = links_of(pgn_, *coding.row);
+        if (settle(walk, coding, links)) {
+            walk = before;
+            continue;
+        }
+        if (walk.repeat() > 0 && coding.row == links.first) {
+            const Entered* const count = entered(links.count);
+            if (count == nullptr && !is_wanted(walk)) break;
+            // A count that is given stays, but rounds are sent as far as something is given.
+            const bool all_used = std::ranges::find(used_, false) == used_.end();
+            if (count != nullptr && count->typed && all_used) break;
+            rounds_ = walk.repeat();
+        }
+        FieldCell cell(context_, msg_, walk);
+        enter_corrected(cell);
+        walk.position = cell.next();
+    }
+    if (rest) {
+        const int at = walk.has_undecoded_rest() ? walk.undecoded_from() : length_;
+        const auto room = static_cast<std::size_t>(std::max(0, N2K_MAX_PAYLOAD - at));
+        std::copy_n(rest->begin(), std::min(rest->size(), room), msg_.data + at);
+        length_ = std::max(length_, at + static_cast<int>(rest->size()));
+    }
+    report_unused({});
+    length_ = std::max(length_, conditions_.least);
+    return finish(fills_frame && conditions_.most >= int{max_frame_bytes}, conditions_.most);
+}
+
+BuiltMessage Building::finish(bool fills_frame, int most) {
     msg_.length = static_cast<std::uint16_t>(std::min(length_, N2K_MAX_PAYLOAD));
-    if (length_ > N2K_MAX_PAYLOAD && !full_)
-        errors_.push_back("the message is longer than " + std::to_string(N2K_MAX_PAYLOAD) + " bytes");
+    if (length_ > most && !full_)
+        errors_.push_back("the message is longer than " + std::to_string(most) + " bytes");
     // A payload that was given keeps its length.
     if (fills_frame) msg_.length = std::max<std::uint16_t>(msg_.length, max_frame_bytes);
-    if (errors_.empty()) verify();
+    if (errors_.empty() && (!is_corrected() || is_read_by_definition())) verify();
     if (errors_.empty()) return msg_;
     return Failures{errors_};
+}
+
+/// Other conditions may hold as well.
+bool Building::is_read_by_definition() {
+    const PgnDef* const found = find_definition(Definitions::corrected, msg_);
+    const bool is_of_maker = found != nullptr && found->pgn == 0 && pgn_.pgn == 0;
+    if (found != &pgn_ && !is_of_maker)
+        errors_.push_back(
+            concat("the message would be decoded as ", in_quotes(std::string(pgn_name(found)))));
+    return errors_.empty();
 }
 
 /// Reads the message again. Which fields it has depends on how it begins, which has been written meanwhile;
@@ -269,7 +483,7 @@ Bytes beginning_of(const FieldDef& first, std::uint16_t selector) {
 
 std::vector<Bytes> variants_of(const PgnDef& pgn) {
     std::vector<Bytes> result;
-    ReadingContext context;
+    ReadingContext context{Definitions::fixed, {}, {}};
     N2KMsg msg{};
     msg.pgn = pgn.pgn;
     // Fields that everybody's message has, where those of the maker have more.
@@ -302,11 +516,16 @@ void visit_fields(ReadingContext& context, const PgnDef& pgn, const Bytes& varia
                   const std::function<void(FieldCell&)>& visit) {
     N2KMsg msg{};
     msg.pgn = pgn.pgn;
+    const bool is_corrected = context.definitions == Definitions::corrected;
+    const Conditions conditions = is_corrected ? conditions_of(pgn) : Conditions();
     begin_message(msg, variant);
+    apply(conditions, msg);
     MessageWalk walk(&pgn, msg);
     while (walk.next() && walk.repeat() <= 1) {
         FieldCell cell(context, msg, walk);
         if (cell.start().byte >= static_cast<int>(variant.size())) cell.clear();
+        if (is_corrected && counts_rounds(pgn, *cell.coding().row)) cell.put(1);
+        apply(conditions, msg);
         FieldCell shown = cell;
         const N2KMsg before = msg;
         visit(shown);
@@ -315,38 +534,69 @@ void visit_fields(ReadingContext& context, const PgnDef& pgn, const Bytes& varia
     }
 }
 
-BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const PgnDef* pgn,
-                           const std::vector<TypedField>& fields) {
-    std::vector<TypedField> rest;
+namespace {
+
+/// Whether a field of the definition has the label of the payload; then that is meant.
+bool has_payload_field(const PgnDef& definition) {
+    return std::ranges::any_of(fields_of(definition), [](const FieldDef& row) {
+        return same_label(label_of(row, 0), payload_label);
+    });
+}
+
+/// The fields that were typed, less the payload as bytes.
+struct TypedParts {
+    std::vector<TypedField> fields;
     std::optional<Bytes> payload;
+};
+Result<TypedParts, Failures> parts_of(const std::vector<TypedField>& fields, bool has_field = false) {
+    TypedParts parts;
     for (const TypedField& field : fields) {
-        if (!same_label(field.label, payload_label)) {
-            rest.push_back(field);
+        if (has_field || !same_label(field.label, payload_label)) {
+            parts.fields.push_back(field);
             continue;
         }
         const auto bytes = bytes_of(field.value);
-        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || payload)
+        if (!bytes || bytes->size() > N2K_MAX_PAYLOAD || parts.payload)
             return Failures{{concat(payload_label, " takes the bytes of the payload once, at most ",
                                     unsigned{N2K_MAX_PAYLOAD}, ", as in 01 02 FF")}};
-        payload = bytes;
+        parts.payload = bytes;
     }
-    if (pgn == nullptr && (!rest.empty() || !payload))
-        return Failures{
-            {concat("PGN ", number, " is not in the catalogue; only its bytes can be given, as in ",
+    return parts;
+}
+
+/// A message of these bytes, however short.
+N2KMsg message_of(std::uint32_t number, const Bytes& payload) {
+    N2KMsg msg{};
+    msg.pgn = number;
+    begin_message(msg, payload);
+    msg.length = static_cast<std::uint16_t>(payload.size());
+    return msg;
+}
+
+Failures not_in_catalogue(std::uint32_t number) {
+    return {{concat("PGN ", number, " is not in the catalogue; only its bytes can be given, as in ",
                     "\"Data=01 02 FF\"")}};
-    if (payload && rest.empty()) {  // as it is, however short
-        N2KMsg msg{};
-        msg.pgn = number;
-        begin_message(msg, *payload);
-        msg.length = static_cast<std::uint16_t>(payload->size());
-        return msg;
-    }
-    // An ISO Request has three bytes, by ISO 11783-3.
-    const bool fills_frame = !is_fast_packet(number) && !payload && number != pgn::iso_request;
+}
+
+/// An ISO Request has three bytes, by ISO 11783-3.
+bool has_whole_frame(std::uint32_t number) {
+    return !is_fast_packet(number) && number != pgn::iso_request;
+}
+
+}  // namespace
+
+BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const PgnDef* pgn,
+                           const std::vector<TypedField>& fields) {
+    Result<TypedParts, Failures> parts = parts_of(fields);
+    if (!parts) return parts.error();
+    const auto& [rest, payload] = *parts;
+    if (pgn == nullptr && (!rest.empty() || !payload)) return not_in_catalogue(number);
+    if (payload && rest.empty()) return message_of(number, *payload);
+    const bool fills_frame = has_whole_frame(number) && !payload;
     std::optional<BuiltMessage> best;
     const auto errors_of = [](const BuiltMessage& built) { return built ? 0 : built.error().texts.size(); };
     const auto build_from = [&](const Bytes& beginning) {
-        Building building(context, *pgn, rest);
+        Building building(context, number, *pgn, (*parts).fields);
         BuiltMessage built = building.build(beginning, fills_frame);
         if (!best || errors_of(built) < errors_of(*best)) best = std::move(built);
         return building.message();
@@ -361,6 +611,63 @@ BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const 
     std::copy_n(built.data, std::min(sizeof own_header, changed.size()), changed.begin());
     if (changed != *payload) build_from(changed);
     return *best;
+}
+
+BuiltMessage build_corrected(ReadingContext& context, std::uint32_t number, const PgnDef& pgn,
+                             const std::vector<TypedField>& fields) {
+    Result<TypedParts, Failures> parts = parts_of(fields, has_payload_field(pgn));
+    if (!parts) return parts.error();
+    Building building(context, number, pgn, parts->fields);
+    return building.build_corrected(parts->payload, has_whole_frame(number) && !parts->payload);
+}
+
+BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
+                          const std::vector<const PgnDef*>& definitions,
+                          const std::vector<TypedField>& fields) {
+    const bool has_field = definitions.size() == 1 && has_payload_field(*definitions[0]);
+    Result<TypedParts, Failures> parts = parts_of(fields, has_field);
+    if (!parts) return parts.error();
+    if (parts->payload && parts->fields.empty()) return message_of(number, *parts->payload);
+    if (definitions.empty()) return not_in_catalogue(number);
+    std::optional<BuiltMessage> best;
+    const PgnDef* nearest = nullptr;
+    std::vector<std::string> fitting;
+    for (const PgnDef* const definition : definitions) {
+        if (definitions.size() > 1 && fields_of(*definition).empty()) continue;
+        BuiltMessage built = build_corrected(context, number, *definition, fields);
+        if (built) fitting.emplace_back(pgn_name(definition));
+        if (built || !best || (!*best && built.error().texts.size() < best->error().texts.size())) {
+            best = std::move(built);
+            nearest = definition;
+        }
+    }
+    // Of one name, the last is the most general.
+    if (std::ranges::any_of(fitting, [&](const std::string& name) { return name != fitting[0]; })) {
+        std::string names;
+        for (const std::string& name : fitting) names += (names.empty() ? "" : ", ") + in_quotes(name);
+        return Failures{{concat("PGN ", number, " has several variants that fit: ", names,
+                                "; give a name in place of the number, or a field that tells them apart")}};
+    }
+    if (*best || definitions.size() == 1) return *best;
+    Failures failures = best->error();
+    failures.texts.push_back(concat("of the variants of PGN ", number, " ",
+                                    in_quotes(std::string(pgn_name(nearest))), " comes nearest; ",
+                                    "'vistel encode --list ", number, "' names them"));
+    return failures;
+}
+
+std::vector<const PgnDef*> definitions_of(std::uint32_t pgn) {
+    std::vector<const PgnDef*> result;
+    for (const PgnDef& row : all_corrected_pgns())
+        if (row.pgn == pgn && pgn != 0) result.push_back(&row);
+    constexpr int header_size = 2;
+    N2KMsg msg{};
+    msg.pgn = pgn;
+    begin_message(msg, {});
+    msg.length = header_size;
+    const PgnDef* const of_maker = find_definition(Definitions::corrected, msg);
+    if (of_maker != nullptr && of_maker->pgn == 0) result.push_back(of_maker);
+    return result;
 }
 
 }  // namespace vistel

@@ -24,7 +24,7 @@ struct Failures {
 };
 using BuiltMessage = Result<N2KMsg, Failures>;
 
-/// Builds the payload of a message by the walk that decoding does over it.
+/// Builds the payload of a message by the walk that decoding does over it, and by the fixed definitions.
 ///
 /// Labels are those that decoding shows; where it shows one several times, the n-th of them is the n-th
 /// field. Fields that are not given are left not available. A round of a repeating group is written when a
@@ -32,6 +32,22 @@ using BuiltMessage = Result<N2KMsg, Failures>;
 /// group) is filled in unless given. `pgn` may be null: only the bytes can be given then.
 BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const pgn_vistel::core::PgnDef* pgn,
                            const std::vector<TypedField>& fields);
+
+/// The same by a corrected definition; the bits that tell it from other variants are filled in, and so are
+/// counts of repeating groups and sizes of fields unless they are given. The payload label stands for the
+/// bytes behind the fields. Where `pgn` is a row of PGN 0, the message is a proprietary one of `number`.
+BuiltMessage build_corrected(ReadingContext& context, std::uint32_t number,
+                             const pgn_vistel::core::PgnDef& pgn, const std::vector<TypedField>& fields);
+
+/// The same by the one of several definitions that the fields fit; an error that names them where several do.
+/// The payload label alone gives the whole payload.
+BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
+                          const std::vector<const pgn_vistel::core::PgnDef*>& definitions,
+                          const std::vector<TypedField>& fields);
+
+/// The corrected definitions of a PGN, in the order in which they are tried; of a proprietary one, also that
+/// of messages of which nothing but the maker is known.
+std::vector<const pgn_vistel::core::PgnDef*> definitions_of(std::uint32_t pgn);
 
 /// Visits the fields of an empty message, of a repeating group the first round. Of several variants of a PGN,
 /// those of the one that begins with `variant`.

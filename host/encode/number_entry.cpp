@@ -221,7 +221,7 @@ Outcome enter_number(FieldCell& cell, std::string_view text) {
         return failure(in_quotes(text), " has a comma: a fraction is typed with a point, as in 1.5");
     rest = trimmed(rest);
     std::string_view in_parentheses;
-    const bool names_pgn = cell.dd().dd == dd::pgn_number && rest.starts_with('(');
+    const bool names_pgn = cell.names_pgn() && rest.starts_with('(');
     if (names_pgn) {
         rest = {};  // the name follows from the number
     } else if (const std::size_t close = rest.find(')'); rest.starts_with("(0x") && close != rest.npos) {

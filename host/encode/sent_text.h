@@ -1,15 +1,26 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
-#include "pgn_vistel/core/decode.h"
+#include "encode/field_cell.h"
 
 namespace vistel {
 
-/// A text as a field of the format `text_short` or `text_medium`: in 8 bits a character where that is enough,
-/// else in 16. It may be longer than the format allows.
-std::vector<std::uint8_t> sent_text(pgn_vistel::core::DF df, std::u16string_view text);
+/// How a text is sent that tells its own size.
+struct TextForm {
+    int header;     ///< bytes in front: length of all, low byte first, and encoding; 1: length of the text
+    bool is_cut;    ///< decoding leaves out the last character of 16 bits
+    bool has_zero;  ///< a zero behind the text, which the length does not count
+};
+TextForm text_form_of(const FieldCell& cell);
+
+/// The text in 8 bits a character where that is enough, else in 16. It may be longer than the format allows.
+std::vector<std::uint8_t> sent_text(const TextForm& form, std::u16string_view text);
+
+/// The text in 8 bits a character; nothing where that is not enough.
+std::optional<std::vector<std::uint8_t>> narrow_text(std::u16string_view text);
 
 }  // namespace vistel

@@ -14,12 +14,6 @@ namespace vistel {
 
 namespace {
 
-/// Bytes of the field where its size is fixed.
-std::size_t room_of(FieldCell& cell) {
-    const int count = cell.next().byte - cell.start().byte;
-    return std::min(static_cast<std::size_t>(std::max(0, count)), cell.bytes().size());
-}
-
 /// Compares what is read with what was typed.
 Status difference(const FieldCell& cell, std::string_view typed) {
     const std::string shown = cell.shown();
@@ -36,11 +30,43 @@ Status difference(const FieldCell& cell, std::string_view typed) {
 Status enter_bytes(FieldCell& cell, std::string_view text) {
     const auto bytes = bytes_of(text);
     if (!bytes) return failure(in_quotes(text), " is not bytes, as in 01 02 FF");
-    if (const std::size_t room = room_of(cell); bytes->size() > room)
+    if (const std::size_t room = cell.room(); bytes->size() > room)
         return failure("has ", room, " bytes, not ", bytes->size());
-    std::ranges::copy(*bytes, cell.bytes().begin());
-    cell.end_behind(static_cast<int>(bytes->size()));
+    const bool is_sized = cell.is_corrected() && cell.coding().bits > 0;
+    if (is_sized) cell.clear();
+    cell.write(*bytes);
+    if (!is_sized) cell.end_behind(static_cast<int>(bytes->size()));
     return done;
+}
+
+/// Two digits a byte.
+Status enter_decimals(FieldCell& cell, std::string_view text) {
+    std::vector<std::uint8_t> bytes(cell.room());
+    const bool are_digits = text.find_first_not_of("0123456789") == text.npos;
+    if (!are_digits || text.size() != 2 * bytes.size())
+        return failure(in_quotes(text), " is not ", 2 * bytes.size(), " decimal digits");
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>((text[2 * i] - '0') * 10 + (text[2 * i + 1] - '0'));
+    cell.write(bytes);
+    return done;
+}
+
+/// A text in a field of a fixed size.
+Status enter_padded(FieldCell& cell, std::string_view text, std::u16string_view characters) {
+    const bool is_counted = cell.is_corrected() && cell.coding().text == TextLayout::counted;
+    const std::size_t room = cell.room() - (is_counted ? 1 : 0);
+    if (characters.size() > room)
+        return failure("holds ", room, " characters only: ", in_quotes(text), " has ", characters.size());
+    std::vector<std::uint8_t> field;
+    if (is_counted) field.push_back(static_cast<std::uint8_t>(characters.size()));
+    if (const auto narrow = narrow_text(characters); cell.is_corrected() && narrow)
+        field.insert(field.end(), narrow->begin(), narrow->end());
+    else
+        for (const char16_t c : characters) field.push_back(c < 0x100 ? static_cast<std::uint8_t>(c) : 0);
+    if (is_counted && characters.size() < room) field.push_back(0);
+    field.resize(cell.room(), 0xFF);
+    cell.write(field);
+    return difference(cell, text);
 }
 
 }  // namespace
@@ -57,31 +83,26 @@ std::optional<std::vector<std::uint8_t>> bytes_of(std::string_view text) {
 }
 
 Status enter_text(FieldCell& cell, std::string_view text) {
-    const DF df = cell.dd().df;
-    if (df == format::hex_dump) return enter_bytes(cell, text);
+    if (cell.holds_bytes()) return enter_bytes(cell, text);
+    if (cell.is_corrected() && cell.coding().text == TextLayout::decimals)
+        return enter_decimals(cell, trimmed(text));
     // Blanks at the end cannot be seen, and decoding puts one of its own there.
     text = text.substr(0, text.find_last_not_of(' ') + 1);
     const std::u16string characters = utf16_of(text).value_or(u"");
-    std::vector<std::uint8_t> field;
-    if (df == format::text_fixed) {
-        const std::size_t room = room_of(cell);
-        if (characters.size() > room)
-            return failure("holds ", room, " characters only: ", in_quotes(text), " has ", characters.size());
-        for (const char16_t c : characters) field.push_back(c < 0x100 ? static_cast<std::uint8_t>(c) : 0);
-        field.resize(room, 0xFF);
-    } else {
-        constexpr std::size_t longest = sent_short_text.longest;
-        if (df == format::text_short && characters.size() > longest - sent_short_text.header)
-            return failure("holds ", unsigned{sent_short_text.characters},
-                           " characters only: ", in_quotes(text), " is longer");
-        field = sent_text(df, characters);
-        if (df == format::text_short && field.size() > longest)
-            return failure(in_quotes(text), " is too long for the field");
-        if (field.size() > cell.bytes().size())
-            return failure(in_quotes(text), " does not fit into the ", unsigned{N2K_MAX_PAYLOAD},
-                           " bytes of a message");
-    }
-    std::ranges::copy(field, cell.bytes().begin());
+    if (!cell.holds_sized_text()) return enter_padded(cell, text, characters);
+    const TextForm form = text_form_of(cell);
+    const bool is_long = form.header > sent_short_text.header;
+    constexpr std::size_t longest = sent_short_text.longest;
+    if (!is_long && !cell.is_corrected() && characters.size() > longest - sent_short_text.header)
+        return failure("holds ", unsigned{sent_short_text.characters}, " characters only: ", in_quotes(text),
+                       " is longer");
+    const std::vector<std::uint8_t> field = sent_text(form, characters);
+    const std::size_t most = cell.is_corrected() ? 255 + (form.has_zero ? 2 : 0) : longest;
+    if (!is_long && field.size() > most) return failure(in_quotes(text), " is too long for the field");
+    if (field.size() > cell.room())
+        return failure(in_quotes(text), " does not fit into the ", unsigned{N2K_MAX_PAYLOAD},
+                       " bytes of a message");
+    cell.write(field);
     return difference(cell, text);
 }
 

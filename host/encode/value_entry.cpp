@@ -47,7 +47,8 @@ Failure no_such_choice(const FieldCell& cell, std::string_view text) {
 Status enter_value(FieldCell& cell, std::string_view typed) {
     const std::string_view text = trimmed(typed);
     if (cell.holds_text()) {
-        if (text != "-" || cell.dd().df != format::hex_dump) return enter_text(cell, typed);
+        const bool is_digits = cell.is_corrected() && cell.coding().text == TextLayout::decimals;
+        if (text != "-" || !(cell.holds_bytes() || is_digits)) return enter_text(cell, typed);
         cell.clear();
         return done;
     }
@@ -55,7 +56,7 @@ Status enter_value(FieldCell& cell, std::string_view typed) {
         cell.clear();
         return done;
     }
-    const bool coded = find_enumeration(cell.dd().dd) != nullptr;
+    const bool coded = cell.texts() != nullptr;
     if (coded && enter_choice(cell, text, Spelling::exact)) return done;
     if (coded && enter_choice(cell, text, Spelling::alike)) {
         // A code without a text may be shown as "Reserved" where another one is "reserved".

@@ -294,4 +294,22 @@ char* write_value(char* at, const FieldDef& field, const FieldReading& reading, 
     return out.at();
 }
 
+char* write_value(char* at, const MessageWalk& walk, const FieldReading& reading, bool with_unit) {
+    const Stepping::State& state = Stepping::state(walk);
+    const FieldPlan& plan = Stepping::plan(state);
+    const int position = walk.position.byte * 8 + walk.position.bit;
+    const std::uint16_t entry = find_coded_entry(plan, {state.data, state.end / 8}, position);
+    UnmaskedOut out(at);
+    UnitId unit = unit::selected;
+    if (entry != no_entry)
+        put_entry(out, plan.enumeration, entry);
+    else
+        unit = put_reading(out, plan, reading, state.is_resolved ? state.high : 0, false);
+    if (with_unit && unit >= 0) {
+        out.put(' ');
+        out.put(unit_text(unit));
+    }
+    return out.at();
+}
+
 }  // namespace pgn_vistel::core

@@ -18,7 +18,12 @@ namespace vistel {
 namespace {
 
 ReadingContext& context() {
-    static ReadingContext with_default_units;
+    static ReadingContext with_default_units{Definitions::fixed, {}, {}};
+    return with_default_units;
+}
+
+ReadingContext& corrected() {
+    static ReadingContext with_default_units{Definitions::corrected, {}, {}};
     return with_default_units;
 }
 
@@ -170,6 +175,137 @@ TEST(Encode, EveryUnitOfEveryNumber) {
         }
     });
     EXPECT_GT(entered, 5000);
+}
+
+// ---- corrected definitions ----
+
+void put_conditions(N2KMsg& msg, const Conditions& conditions) {
+    for (int bit = 0; bit < 64; ++bit)
+        if ((conditions.mask >> bit & 1) != 0) put_bits(msg, bit, 1, conditions.value >> bit & 1);
+    for (const FixedBits& fixed : conditions.behind) put_bits(msg, fixed.bit, fixed.width, fixed.value);
+}
+
+bool is_moment(const FieldCell& cell) {
+    const DispDataType quantity = cell.read().quantity;
+    return quantity == quantity::date || quantity == quantity::time_of_day;
+}
+
+/// The field as it would be typed: as decoding shows it, numbers with all their digits.
+TypedField typed_field(const FieldCell& cell) {
+    const FieldReading reading = cell.read();
+    const bool is_exact = is_integer(reading.value.type) && reading.quantity == quantity::no_quantity;
+    const bool is_number =
+        is_available(reading.value) && cell.texts() == nullptr && !is_exact && !is_moment(cell);
+    const std::string digits = is_number ? digits_of(reading.value) : "";
+    const bool is_plain = digits.empty() || reading.value.type == ValueType::seconds;
+    return {cell.label(), is_plain ? cell.shown(true) : concat(digits, " ", unit_text(reading.unit))};
+}
+
+/// Fields whose value does not tell the bits: a line has whole seconds, and days only as long as layouts have
+/// room for their year; some bits of flags have no text; several codes have one text, or are shown as none;
+/// numbers of the base's formats and of 64 bits have more digits than a value.
+bool may_lose_bits(const FieldCell& cell) {
+    const FieldReading reading = cell.read();
+    return is_moment(cell) || cell.texts() != nullptr || !is_available(reading.value) ||
+           reading.value.type == ValueType::seconds ||
+           (cell.bits() >= 24 && (reading.value.type == ValueType::single || cell.bits() == 64));
+}
+
+std::string random_text(const FieldCell& cell, std::mt19937_64& random) {
+    const int size = cell.coding().bits / 8;
+    std::string text;
+    if (cell.holds_bytes()) {
+        for (std::uint64_t i = size > 0 ? static_cast<unsigned>(size) : random() % 6; i > 0; --i)
+            append_hex(text, static_cast<std::uint8_t>(random()), 2);
+    } else if (cell.coding().text == TextLayout::decimals) {
+        for (int i = 0; i < 2 * size; ++i) text += static_cast<char>('0' + random() % 10);
+    } else {
+        const char* const texts[] = {"", "T", "Pump 1", "Caf\u00e9", "Ostsee \u2192 \u6771\u4eac"};
+        const bool has_room = cell.coding().text == TextLayout::sent;
+        text = texts[random() % (has_room ? std::size(texts) : 2)];
+    }
+    return text;
+}
+
+/// Everything at random; counts and sizes are small, and what loses bits when it is shown is what is sent for
+/// that.
+N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt19937_64& random) {
+    const Conditions conditions = conditions_of(definition);
+    std::set<const FieldDef*> counts, sizes;
+    for (const FieldDef& row : fields_of(definition)) {
+        counts.insert(links_of(definition, row).count);
+        sizes.insert(links_of(definition, row).size);
+    }
+    N2KMsg msg{};
+    msg.pgn = number;
+    msg.length = N2K_MAX_PAYLOAD;
+    std::memset(msg.data, 0xFF, sizeof msg.data);
+    put_conditions(msg, conditions);
+    MessageWalk walk(&definition, msg);
+    int length = conditions.least;
+    std::optional<FieldCell> size;
+    for (MessageWalk before = walk; walk.next() && walk.repeat() <= 3; before = walk) {
+        FieldCell cell(corrected(), msg, walk);
+        if (sizes.contains(cell.coding().row)) size.emplace(cell);
+        if (cell.coding().own_bits > 0 && cell.coding().own_bits != cell.coding().bits) {
+            // The value of a key: what counts its bytes has to fit.
+            size->put(static_cast<std::uint64_t>(cell.coding().own_bits / 8));
+            walk = before;
+            continue;
+        }
+        const bool is_small = counts.contains(cell.coding().row) || sizes.contains(cell.coding().row);
+        if (!cell.holds_text()) cell.put(is_small ? random() % 4 * 8 : random() >> random() % 64);
+        put_conditions(msg, conditions);
+        const std::uint64_t raw = cell.raw();
+        const std::string typed = cell.holds_text() ? random_text(cell, random) : typed_field(cell).value;
+        if (!is_small) {
+            EXPECT_EQ(error_of(enter_value(cell, typed)), "") << number << ' ' << cell.label();
+            put_conditions(msg, conditions);
+            if (!cell.holds_text()) {
+                EXPECT_EQ(typed_field(cell).value, typed) << number << ' ' << cell.label();
+                EXPECT_TRUE(cell.raw() == raw || may_lose_bits(cell))
+                    << number << ' ' << cell.label() << typed;
+            }
+        }
+        walk.position = cell.next();
+        length = std::max(length, cell.end());
+    }
+    msg.length = static_cast<std::uint16_t>(length);
+    const bool fills_frame = !is_fast_packet(number) && number != pgn::iso_request;
+    if (fills_frame) msg.length = std::max<std::uint16_t>(msg.length, 8);
+    return msg;
+}
+
+std::vector<TypedField> typed_fields(const PgnDef& definition, N2KMsg msg) {
+    std::vector<TypedField> result;
+    MessageWalk walk(&definition, msg);
+    while (walk.next()) {
+        const FieldCell cell(corrected(), msg, walk);
+        result.push_back(typed_field(cell));
+        walk.position = cell.next();
+    }
+    return result;
+}
+
+TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
+    std::mt19937_64 random(13);
+    int same = 0;
+    for (const PgnDef& definition : all_corrected_pgns()) {
+        constexpr std::uint32_t without_variants = 65500;
+        const std::uint32_t number = definition.pgn != 0 ? definition.pgn : without_variants;
+        for (int i = 0; i < 5; ++i) {
+            const N2KMsg msg = random_message(definition, number, random);
+            if (find_definition(Definitions::corrected, msg) != &definition) continue;
+            const auto typed = typed_fields(definition, msg);
+            BuiltMessage built = build_corrected(corrected(), number, definition, typed);
+            if (!built)
+                ADD_FAILURE() << pgn_name(&definition) << ": " << joined(built.error().texts);
+            else
+                EXPECT_EQ(hex(*built), hex(msg)) << pgn_name(&definition) << '\n' << lines_of(typed);
+            ++same;
+        }
+    }
+    EXPECT_GT(same, 2500);
 }
 
 // ---- single cases ----

@@ -165,7 +165,7 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     }
     texts = field_texts(out.plans, field.number, field.key, label, flags.get("numbered", False))
     out.field_lines.append(field_plan_line(
-        texts, 7 if field.bits % 8 == 0 else 0, next_row, again, field.bits, field.number, format_index(out, field),
+        texts, 7 if field.bits > QUICK_BITS else 0, next_row, again, field.bits, field.number, format_index(out, field),
         enumeration, extra, field.quantity, form, (0, 0), flags))
     whole, part = (field.bits // 8, 0) if field.bits % 8 == 0 else (0, field.bits)
     entry = f"&dictionary[{out.dictionary[field.dd]}]" if field.dd is not None else "&no_entry_of_dictionary"

@@ -81,6 +81,10 @@ class StreamLines {
 /// compare values. Memory and result are as those of `write_label`.
 [[nodiscard]] char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit);
 
+/// The same of the field that a walk has come to, with what other fields say of it.
+[[nodiscard]] char* write_value(char* at, const MessageWalk& walk, const FieldReading& reading,
+                                bool with_unit);
+
 /// What the renderers share. One object serves any number of messages, one after the other; each thread has
 /// its own. The units are copied, and a scratch is contained: about three kilobytes.
 class Renderer {
