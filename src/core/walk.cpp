@@ -61,7 +61,8 @@ std::uint16_t row_about(Stepping::State& w, const FieldExtra& extra) {
     if (found.start < 0 || bits == 0 || found.start + bits > 64) return found.row;
     w.known_mask |= all_ones(bits) << found.start;
     w.known |= number_at(w, {0, static_cast<std::uint8_t>(bits), 0}) << found.start;
-    return find_field(find_plan_about(pgn, w.known_mask, w.known), number).row;
+    const FieldAbout narrowed = find_field(find_plan_about(pgn, w.known_mask, w.known), number);
+    return narrowed.row != end_row ? narrowed.row : found.row;  // no variant with this value is known
 }
 
 }  // namespace
@@ -93,8 +94,11 @@ bool Stepping::resolve(State& w) {
         if (entry != no_entry) w.row = static_cast<std::uint16_t>(extra.key_rows + entry);
     }
     if (extra.index.bits != 0) {
-        w.row = row_about(w, extra);
-        if (w.row == end_row) return finish(w, true);
+        const std::uint16_t about = row_about(w, extra);
+        // Nothing tells how long the value of an unknown field is, but for the last one: it takes the rest.
+        const bool is_last = w.round >= w.rounds && w.upcoming == end_row;
+        if (about == end_row) return is_last || finish(w, true);
+        w.row = about;
         // What that field depends on stands in its own message, not in this one.
         const FieldExtra& own = field_extras[field_plans[w.row].extra];
         w.is_padded = true;

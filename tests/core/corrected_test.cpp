@@ -94,6 +94,9 @@ TEST(Corrected, Messages) {
           "Field number of first commanded parameter #2: 5 ", "Heading Sensor Reference: Magnetic"}},
         {message(126208, {1, 0x00, 0xEF, 0x00, 0xF8, 1, 99, 1, 2}),
          {"NMEA -  Command group function", "Field number of first commanded parameter #1: 99 ",
+          "Value of first command parameter #1: 01 02 "}},
+        {message(126208, {1, 0x00, 0xEF, 0x00, 0xF8, 2, 99, 1, 2}),
+         {"NMEA -  Command group function", "Field number of first commanded parameter #1: 99 ",
           "Data: 01 02"}},
         // Pairs tell the maker, and which of its messages is meant.
         {message(126208,
