@@ -91,10 +91,10 @@ def note_line(field, is_all_bits_none, corrected, texts):
 
 def coding(field, corrected):
     """As in the column of the corrections; formats that only the base has by their names."""
-    role, how = getattr(field, "role", None), field.reading[0]
-    if role is not None:
-        return role
-    if getattr(field, "is_fill", False):
+    how = field.reading[0]
+    if field.role is not None:
+        return field.role
+    if field.is_fill:
         return "reserved"
     if how == "df":
         return FORMAT_CODINGS.get(field.reading[1], f"DF{field.reading[1]:02}")
