@@ -18,6 +18,7 @@ NUMBER, BELOW, RESERVED, UNKNOWN = 0, 1, 2, 4
 RESERVED_TOO, UNKNOWN_TOO = 6, 7  # with the number behind the word
 MOST_OF_RANGE = 256
 LAST_OF_BYTE = 255
+WIDEST_CODE = 32  # bits of what an enumeration is asked for
 EXACT = 1 << 53  # numbers below are the same in double precision
 
 # unit of a correction: rule of unit_factors.tsv, the unit's id there, what a user picks a unit for
@@ -42,6 +43,8 @@ UNITLESS = ("1", "cos(phi)")
 COUNTED_IN = {"length_cm": ("m", "0.01"), "speed_mm_s": ("m_s", "0.001"), "speed_m_s": ("m_s", "1"),
               "pressure_kpa": ("Pa", "1000"), "magnetic_ut": ("T", "0.000001"), "volume_l": ("m3", "0.001"),
               "energy_wh": ("kWh", "0.001"), "charge_ah": ("C", "3600")}
+MEANT = {"energy": "kWh", "power": "W"}  # the unit of a quantity whose formats in the base serve not every unit
+ROUNDED = {"kph": Fraction(5, 18)}  # in the unit that is counted; unit_factors.tsv has single precision
 
 
 class BadRow(ValueError):
@@ -89,6 +92,7 @@ def corrected_messages(tables, overlay):
         field.unit = counted_unit(field, context)
         if field.texts is not None and not context.sets[field.texts[0]].entries:
             field.texts, field.form = None, "plain"
+    end_ranges(messages, context.sets)
     messages += unmatched(messages, tables)
     messages.sort(key=lambda found: (found.pgn, found.rank))
     return messages, context
@@ -258,8 +262,13 @@ def set_base_reading(field, row, df, context):
             rule_name = rebased(rule_name, counted, context) if counted else rule_name
             field.reading = measured(width, signed, scale * Fraction(times), 0, rule_name, none)
         else:
-            rule_name = "any" if kind == "any" else listed_rule(name)
-            context.factors.setdefault(rule_name, {unit.number: Fraction(1) for unit in name or ()})
+            counted = next((unit for quantity_id, unit in MEANT.items()
+                            if context.quantities.get(quantity_id) == field.quantity), None)
+            if counted is not None:
+                rule_name = rebased(*UNITS[counted][:2], context)
+            else:
+                rule_name = "any" if kind == "any" else listed_rule(name)
+                context.factors.setdefault(rule_name, {unit.number: Fraction(1) for unit in name or ()})
             field.reading = measured(width, signed, scale, 0, rule_name, none)
     if field.texts is not None:
         field.form = "texts"
@@ -276,7 +285,8 @@ def overlaid_message(row, rows, context):
         fields.append(field)
     groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
     rank = 0 if row.match or row.length else 8
-    return Row(pgn=row.pgn, rank=(rank,), variant=row.variant, is_own=True, name=row.name, priority=row.priority, packet=row.packet, match=row.match, length=row.length, groups=groups,
+    return Row(pgn=row.pgn, rank=(rank,), variant=row.variant, is_own=True, name=row.name, priority=row.priority,
+               packet=row.packet, match=row.match, length=row.length, groups=groups,
                fields=fields, source=row.source)
 
 
@@ -378,7 +388,7 @@ def unit_rule(given, context):
     else:
         counted, base_has = COUNTED_IN.get(rule, (unit, "1"))
         if counted != unit:
-            times = Fraction(base_has) / context.factors[rule][context.units[unit]]
+            times = ROUNDED.get(unit) or Fraction(base_has) / context.factors[rule][context.units[unit]]
         found = rebased(rule, counted, context)
     check_served(given, found, context.quantities[quantity], context)
     return found, times, context.quantities[quantity], ""
@@ -456,7 +466,7 @@ def corrected_sets(tables, overlay):
         entries = [Row(value=entry.value, text=entry.text, source=entry.source) for entry in found.entries]
         kind = FLAGS if found.kind == "flags" else NUMBER
         sets[found.name] = Row(name=found.name, kind=kind, entries=filled(entries) if kind == FLAGS else entries,
-                               rows=found.entries if found.kind == "fieldtypes" else None)
+                               rows=found.entries if found.kind == "fieldtypes" else None, has_ranges=False)
     return sets
 
 
@@ -475,7 +485,18 @@ def corrected_set(found, changes):
     kind = {BELOW: RESERVED_TOO, RESERVED: RESERVED_TOO, UNKNOWN: UNKNOWN_TOO}.get(found.kind, found.kind)
     if kind == RESERVED_TOO:
         entries = {value: entry for value, entry in entries.items() if not entry.text.lower().startswith("reserved")}
-    return Row(name=str(found.dd), kind=kind, entries=[entries[value] for value in sorted(entries)], rows=None)
+    return Row(name=str(found.dd), kind=kind, entries=[entries[value] for value in sorted(entries)], rows=None,
+               has_ranges=found.kind == BELOW)
+
+
+def end_ranges(messages, sets):
+    """Ranges of codes end with the widest field that shows them."""
+    shown = [(field.texts, field.bits) for found in messages for field in found.fields]
+    shown += [(key.texts, key.size) for found in sets.values() for key in found.rows or []]
+    for name, found in sets.items():
+        width = max((bits or WIDEST_CODE for texts, bits in shown if texts is not None and texts[0] == name), default=0)
+        if found.has_ranges and width:
+            found.entries = [entry for entry in found.entries if not entry.value >> width]
 
 
 def corrected_flags(found, changes):
@@ -493,7 +514,8 @@ def corrected_flags(found, changes):
         if value not in values and row.text is not None:
             bit = value.bit_length() - 1
             texts[bit] = Row(value=bit, text=row.text, source=row.source)
-    return Row(name=str(found.dd), kind=FLAGS, entries=filled(list(texts.values())), rows=None)
+    return Row(name=str(found.dd), kind=FLAGS, entries=filled(list(texts.values())), rows=None,
+               has_ranges=False)
 
 
 def with_ranges(entries):

@@ -51,7 +51,8 @@ def keyed_messages(tables, overlay):
         if found.pgn == 0 and found.maker != ANY_MAKER:
             continue  # the fields of one stand for all
         groups = [range(first, last + 1) for first, last, _ in found.groups]
-        rows = [(field.number, field.label, any(i in group for group in groups)) for i, field in enumerate(found.fields)]
+        rows = [(field.number, field.label, any(i in group for group in groups))
+                for i, field in enumerate(found.fields)]
         # A definition that takes the place of one of the base counts its fields in its own way.
         replaces = found.is_own and (found.pgn, found.variant) in base
         names = keys.of(found.pgn, f"corrected {found.variant}" if replaces else found.variant, rows)
@@ -78,8 +79,8 @@ def makers_messages(context):
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
     names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
     fields = header_fields(context)
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, packet="fast", match=[],
-                length=None, groups=[], fields=fields, source="ours") for code, name in names]
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, packet="fast",
+                match=[], length=None, groups=[], fields=fields, source="ours") for code, name in names]
 
 
 def header_fields(context):
@@ -87,7 +88,8 @@ def header_fields(context):
         texts = (name, None) if name in context.sets else None
         return new_field(number=number, label=label, bits=bits, texts=texts, place="", quantity=NO_CLASS,
                          form="texts" if texts else "plain", reading=whole(bits, False, ((), None)))
-    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2), field(3, "Industry Code", 3, INDUSTRIES)]
+    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2),
+            field(3, "Industry Code", 3, INDUSTRIES)]
 
 
 # ---- sets ----
@@ -119,7 +121,8 @@ def add_message(out, found):
     row = len(out.tables.pgns) + 1 + len(out.pgn_rows)  # behind the closing row
     if makers_own:
         out.makers.append((found.maker, first, row))
-    out.pgn_rows.append(f"{{{found.pgn}, {KEYS}, {text_literal(found.name.encode())}, {int(is_addressed(found.pgn))}, 0, "
+    name = text_literal(found.name.encode())
+    out.pgn_rows.append(f"{{{found.pgn}, {KEYS}, {name}, {int(is_addressed(found.pgn))}, 0, "
                         f"{found.priority}, {int(found.packet == 'single')}}},")
     out.pgn_lines.append(pgn_plan_line(out.plans, found.pgn, found.name, first if found.fields else END_ROW,
                                        "covering", 0, len(found.fields)))
@@ -221,7 +224,8 @@ def format_line(out, reading):
         name, kind, times, over, offset, rule, codes, first_reserved = reading
         width, signed = int(kind[1:]), kind[0] == "i"
         codes = [*codes, *[NO_CODES] * (2 - len(codes))]
-        measure = f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, {{{', '.join(map(str, codes))}}}}},"
+        measure = (f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, "
+                   f"{{{', '.join(map(str, codes))}}}}},")
         if measure not in out.measures:
             out.measures.append(measure)
         read_as = "measured_float" if kind[0] == "f" else name
@@ -294,8 +298,8 @@ def value_parts(message, i):
     return parts if maker is None else parts | {"maker": link(message, i, maker)}
 
 
-EXTRA_MEMBERS = ("count", "high", "reference", "size", "key", "index", "about", "maker", "behind", "key_set", "key_rows",
-                 "direction", "relative_first", "relative_last", "size_unit", "less")
+EXTRA_MEMBERS = ("count", "high", "reference", "size", "key", "index", "about", "maker", "behind", "key_set",
+                 "key_rows", "direction", "relative_first", "relative_last", "size_unit", "less")
 
 
 def add_extra(out, parts):

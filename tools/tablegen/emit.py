@@ -84,7 +84,8 @@ def fragments(tables, overlay):
         "unit_factors.inc": ("unit_factors.tsv", factor_lines(plans)),
         "availability.inc": ("availability.tsv", [
             *(unit_row(row.units) for row in tables.availability), unit_row([])]),
-        "si_units.inc": ("availability.tsv", [f"{row.si.number if row.si else UNIT_COUNT}," for row in tables.availability]),
+        "si_units.inc": ("availability.tsv", [f"{row.si.number if row.si else UNIT_COUNT},"
+                                              for row in tables.availability]),
         "quantity_rows.inc": ("quantities.tsv", [f"{{{narrow(row.label)}, {getattr(row, 'class')}}},"
                                                 for row in tables.quantities]),
         "enum_pairs.inc": ("enums", pair_lines(plans.sets)),

@@ -1,5 +1,5 @@
-"""What `vistel catalogue` tells of the corrected definitions beside the rows that decode: their variants, conditions and
-groups, how each field counts, and where each text comes from."""
+"""What `vistel catalogue` tells of the corrected definitions beside the rows that decode: their variants, conditions
+and groups, how each field counts, and where each text comes from."""
 
 from fractions import Fraction
 
