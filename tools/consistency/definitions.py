@@ -51,7 +51,7 @@ def corrected(tables, overlay):
             continue
         ends = [last for _, last, count in found.groups if count is None]
         fields = [Field(field.place, field.number, field.bits or None, field.dd,
-                        getattr(field, "is_fill", is_reserved(field)), field.is_corrected,
+                        is_reserved(field) if field.is_fill is None else field.is_fill, field.is_corrected,
                         measure_of_reading(field, context)) for field in found.fields[:min(ends, default=9999) + 1]]
         name = str(found.pgn) if found.variant == "-" else f"{found.pgn}.{found.variant}"
         selector = next((value for bit, width, value in found.match if (bit, width) == (0, 8)), None)

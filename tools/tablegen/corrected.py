@@ -7,7 +7,7 @@ from fractions import Fraction
 from types import SimpleNamespace as Row
 
 from keys import variant_name
-from overlay import HEADER, PROPRIETARY, base_variant
+from overlay import HEADER, PROPRIETARY, base_variant, hides
 from plans import PRESSURE, TIME_OF_DAY, field_bits, listed_rule, quantity, shown_label, special_row
 from tables import NO_CLASS, NO_SELECTOR, conversion_owner
 
@@ -18,7 +18,7 @@ NUMBER, BELOW, RESERVED, UNKNOWN = 0, 1, 2, 4
 RESERVED_TOO, UNKNOWN_TOO = 6, 7  # with the number behind the word
 MOST_OF_RANGE = 256
 LAST_OF_BYTE = 255
-NO_CODE = -(1 << 63)
+WIDEST_CODE = 32  # bits of what an enumeration is asked for
 EXACT = 1 << 53  # numbers below are the same in double precision
 
 # unit of a correction: rule of unit_factors.tsv, the unit's id there, what a user picks a unit for
@@ -43,6 +43,19 @@ UNITLESS = ("1", "cos(phi)")
 COUNTED_IN = {"length_cm": ("m", "0.01"), "speed_mm_s": ("m_s", "0.001"), "speed_m_s": ("m_s", "1"),
               "pressure_kpa": ("Pa", "1000"), "magnetic_ut": ("T", "0.000001"), "volume_l": ("m3", "0.001"),
               "energy_wh": ("kWh", "0.001"), "charge_ah": ("C", "3600")}
+MEANT = {"energy": "kWh", "power": "W"}  # the unit of a quantity whose formats in the base serve not every unit
+ROUNDED = {"kph": Fraction(5, 18)}  # in the unit that is counted; unit_factors.tsv has single precision
+
+
+class BadRow(ValueError):
+    """A row that the generator cannot use, told with its place."""
+
+
+def new_field(**cells):
+    """role: what it is to the fields behind it; is_fill: reserved or spare bits, None where its entry tells; unit: that
+    it is counted in; unit_note: one that no quantity has, shown in the label."""
+    return Row(**{"dd": None, "options": {}, "texts": None, "role": None, "is_fill": None, "unit": "", "unit_note": "",
+                  **cells})
 
 
 def corrected_messages(tables, overlay):
@@ -67,18 +80,19 @@ def corrected_messages(tables, overlay):
     messages = [overlaid_message(row, fields[row.pgn, row.variant], context) for row in overlay.messages]
     written = {(row.pgn, row.variant) for row in overlay.messages}
     overlaid = {row.pgn for row in overlay.messages}
-    for variant, rows in base_variants(tables).items():
-        key = variant.pgn, variant.selector
-        standard = not is_proprietary(variant.pgn)
+    for variant, rows in base_variants(tables):
         if (variant.pgn, str(variant.selector)) in written or variant.selector is None and variant.pgn in overlaid:
             continue
-        found = base_message(variant, rows, changes.get(key, {}), context)
-        if found is not None and (standard or found.match):
+        found = base_message(variant, rows, changes.get((variant.pgn, variant.selector), {}), context)
+        if found is None or is_proprietary(variant.pgn) and not found.match:
+            continue
+        if not any(row.pgn == found.pgn and hides(row, found) for row in overlay.messages):
             messages.append(found)
     for field in [each for found in messages for each in found.fields]:
         field.unit = counted_unit(field, context)
         if field.texts is not None and not context.sets[field.texts[0]].entries:
             field.texts, field.form = None, "plain"
+    end_ranges(messages, context.sets)
     messages += unmatched(messages, tables)
     messages.sort(key=lambda found: (found.pgn, found.rank))
     return messages, context
@@ -94,8 +108,9 @@ def unmatched(messages, tables):
     conditional = {}
     for found in messages:
         conditional.setdefault(found.pgn, []).append(found)
-    return [Row(pgn=pgn, rank=(9,), variant="other", is_own=True, name=names.get(pgn, common_name(found)), priority=found[0].priority,
-                packet=found[0].packet, match=[], length=None, groups=[], fields=[], source="ours")
+    return [Row(pgn=pgn, rank=(9,), variant="other", is_own=True, name=names.get(pgn, common_name(found)),
+                priority=found[0].priority, packet=found[0].packet, match=[], length=None, groups=[],
+                fields=[], source="ours")
             for pgn, found in conditional.items()
             if not is_proprietary(pgn) and all(each.match or each.length for each in found)]
 
@@ -110,21 +125,14 @@ def common_name(messages):
 
 # ---- messages of the base ----
 
-class Variant(Row):
-    def __hash__(self):
-        return hash((self.pgn, self.key1, self.key2, self.key3))
-
-
 def base_variants(tables):
+    """(row of the catalogue with its selector, its field rows in their order) of each variant."""
     rows = {}
     for row in tables.fields:
         rows.setdefault((row.pgn, row.key1, row.key2, row.key3), []).append(row)
-    variants = {}
-    for row in tables.pgns:
-        key = row.pgn, row.key1, row.key2, row.key3
-        variants[Variant(pgn=row.pgn, key1=row.key1, key2=row.key2, key3=row.key3, selector=base_variant(row),
-                         row=row)] = sorted(rows.get(key, []), key=lambda field: field.field)
-    return variants
+    variants = {(row.pgn, row.key1, row.key2, row.key3): row for row in tables.pgns}
+    return [(Row(**vars(row), selector=base_variant(row)), sorted(rows.get(key, []), key=lambda field: field.field))
+            for key, row in variants.items()]
 
 
 def base_message(variant, rows, changes, context):
@@ -146,9 +154,9 @@ def base_message(variant, rows, changes, context):
     groups = [(numbers.index(first), numbers.index(last), None if count is None else numbers.index(count))
               for first, last, count in groups if first in numbers and last in numbers]
     return Row(pgn=variant.pgn, rank=(rank,), variant=variant_name(variant), is_own=False,
-               name=whole.get("name", variant.row.name),
-               priority=whole.get("priority", variant.row.priority),
-               packet=whole.get("packet", variant.row.packet), match=match, length=None, groups=groups, fields=fields,
+               name=whole.get("name", variant.name),
+               priority=whole.get("priority", variant.priority),
+               packet=whole.get("packet", variant.packet), match=match, length=None, groups=groups, fields=fields,
                source="base, corrected" if changes else "base")
 
 
@@ -185,8 +193,9 @@ def base_field(row, cells, context):
     bits = cells["size"] if "size" in cells else field_bits(row, entry, pressure_only(context.rules.get(row.pgn)),
                                                             context.formats)
     options = cells.get("options", {})
-    field = Row(number=row.field, label=cells.get("label", shown_label(tables, row)), bits=bits or 0, dd=row.dd,
-                options=options, texts=cells.get("texts") or base_texts(row, context), unit_note="")
+    field = new_field(number=row.field, label=cells.get("label", shown_label(tables, row)), bits=bits or 0, dd=row.dd,
+                      options=options, texts=cells.get("texts") or base_texts(row, context), place=row.place,
+                      is_corrected=bool(cells))
     form = special_row(tables, row.pgn, row.field, row.dd, "form")
     if {"coding", "resolution", "offset", "unit"} & set(cells):
         coding = cells.get("coding") or coding_of(entry.df, context)
@@ -198,7 +207,6 @@ def base_field(row, cells, context):
     if form == "pgn_name":
         field.form = "pgn_title"
         field.reading = whole(field.bits, False, set_of_codes({}, field.bits, False))
-    field.place, field.is_corrected = row.place, bool(cells)
     return field
 
 
@@ -254,8 +262,13 @@ def set_base_reading(field, row, df, context):
             rule_name = rebased(rule_name, counted, context) if counted else rule_name
             field.reading = measured(width, signed, scale * Fraction(times), 0, rule_name, none)
         else:
-            rule_name = "any" if kind == "any" else listed_rule(name)
-            context.factors.setdefault(rule_name, {unit.number: Fraction(1) for unit in name or ()})
+            counted = next((unit for quantity_id, unit in MEANT.items()
+                            if context.quantities.get(quantity_id) == field.quantity), None)
+            if counted is not None:
+                rule_name = rebased(*UNITS[counted][:2], context)
+            else:
+                rule_name = "any" if kind == "any" else listed_rule(name)
+                context.factors.setdefault(rule_name, {unit.number: Fraction(1) for unit in name or ()})
             field.reading = measured(width, signed, scale, 0, rule_name, none)
     if field.texts is not None:
         field.form = "texts"
@@ -266,13 +279,14 @@ def set_base_reading(field, row, df, context):
 def overlaid_message(row, rows, context):
     fields = []
     for each in rows:
-        field = Row(number=each.field, label=each.label, bits=each.size or 0, dd=None, options=each.options,
-                    texts=each.texts, unit_note="", place=each.place, is_corrected=True)
+        field = new_field(number=each.field, label=each.label, bits=each.size or 0, options=each.options,
+                          texts=each.texts, place=each.place, is_corrected=True)
         set_reading(field, each, context)
         fields.append(field)
     groups = [(first - 1, last - 1, None if count is None else count - 1) for first, last, count in row.groups]
-    return Row(pgn=row.pgn, rank=(0 if row.match or row.length else 8,), variant=row.variant, is_own=True, name=row.name,
-               priority=row.priority, packet=row.packet, match=row.match, length=row.length, groups=groups,
+    rank = 0 if row.match or row.length else 8
+    return Row(pgn=row.pgn, rank=(rank,), variant=row.variant, is_own=True, name=row.name, priority=row.priority,
+               packet=row.packet, match=row.match, length=row.length, groups=groups,
                fields=fields, source=row.source)
 
 
@@ -284,10 +298,10 @@ def set_reading(field, given, context):
         field.form = "coded" if coding in ("u", "i", "duration") else "texts"
     signed = coding == "i"
     none = set_of_codes(given.options, bits, signed)
-    if coding in ("u", "i", "duration") and (given.unit or given.resolution or getattr(given, "offset", None)):
+    if coding in ("u", "i", "duration") and (given.unit or given.resolution or given.offset):
         rule, times, field.quantity, field.unit_note = unit_rule(given, context)
         resolution = Fraction(given.resolution or "1") * times
-        field.reading = measured(bits, signed, resolution, int(Fraction(getattr(given, "offset", None) or "0")), rule, none)
+        field.reading = measured(bits, signed, resolution, int(given.offset or 0), rule, none)
     elif coding in ("u", "i", "duration", "field_index", "key_length"):
         field.reading = whole(bits, signed, none)
     elif coding in ("code", "flags", "key", "pgn", "name"):
@@ -339,9 +353,9 @@ def set_of_codes(options, bits, signed):
     """(codes that are no value, lowest of the highest codes that are none): what a number of so many bits reserves.
 
     Of a byte and more the three highest codes say not available, out of range and reserved; of less, the highest."""
-    if "none" in options:
+    if options.keys() & {"none", "error"}:
         codes = tuple(sign_extended(code, bits, signed) for code in
-                      (options["none"], options.get("error")) if code is not None)
+                      (options.get("none"), options.get("error")) if code is not None)
         return codes, None
     if bits < 2 or bits > 63 and not signed:
         return ((-1,) if bits > 63 else ()), None
@@ -374,7 +388,7 @@ def unit_rule(given, context):
     else:
         counted, base_has = COUNTED_IN.get(rule, (unit, "1"))
         if counted != unit:
-            times = Fraction(base_has) / context.factors[rule][context.units[unit]]
+            times = ROUNDED.get(unit) or Fraction(base_has) / context.factors[rule][context.units[unit]]
         found = rebased(rule, counted, context)
     check_served(given, found, context.quantities[quantity], context)
     return found, times, context.quantities[quantity], ""
@@ -385,7 +399,7 @@ def check_served(given, rule, quantity, context):
         return
     for unit in context.shown_units[quantity]:
         if unit.number not in context.factors[rule] and not unit.id.startswith(("clock", "bft")):
-            raise ValueError(f"{given.place}: {given.unit[0]} cannot be shown in {unit}")
+            raise BadRow(f"{given.place}: {given.unit[0]} cannot be shown in {unit}")
 
 
 # ---- units ----
@@ -452,7 +466,7 @@ def corrected_sets(tables, overlay):
         entries = [Row(value=entry.value, text=entry.text, source=entry.source) for entry in found.entries]
         kind = FLAGS if found.kind == "flags" else NUMBER
         sets[found.name] = Row(name=found.name, kind=kind, entries=filled(entries) if kind == FLAGS else entries,
-                               rows=found.entries if found.kind == "fieldtypes" else None)
+                               rows=found.entries if found.kind == "fieldtypes" else None, has_ranges=False)
     return sets
 
 
@@ -471,7 +485,18 @@ def corrected_set(found, changes):
     kind = {BELOW: RESERVED_TOO, RESERVED: RESERVED_TOO, UNKNOWN: UNKNOWN_TOO}.get(found.kind, found.kind)
     if kind == RESERVED_TOO:
         entries = {value: entry for value, entry in entries.items() if not entry.text.lower().startswith("reserved")}
-    return Row(name=str(found.dd), kind=kind, entries=[entries[value] for value in sorted(entries)], rows=None)
+    return Row(name=str(found.dd), kind=kind, entries=[entries[value] for value in sorted(entries)], rows=None,
+               has_ranges=found.kind == BELOW)
+
+
+def end_ranges(messages, sets):
+    """Ranges of codes end with the widest field that shows them."""
+    shown = [(field.texts, field.bits) for found in messages for field in found.fields]
+    shown += [(key.texts, key.size) for found in sets.values() for key in found.rows or []]
+    for name, found in sets.items():
+        width = max((bits or WIDEST_CODE for texts, bits in shown if texts is not None and texts[0] == name), default=0)
+        if found.has_ranges and width:
+            found.entries = [entry for entry in found.entries if not entry.value >> width]
 
 
 def corrected_flags(found, changes):
@@ -489,7 +514,8 @@ def corrected_flags(found, changes):
         if value not in values and row.text is not None:
             bit = value.bit_length() - 1
             texts[bit] = Row(value=bit, text=row.text, source=row.source)
-    return Row(name=str(found.dd), kind=FLAGS, entries=filled(list(texts.values())), rows=None)
+    return Row(name=str(found.dd), kind=FLAGS, entries=filled(list(texts.values())), rows=None,
+               has_ranges=False)
 
 
 def with_ranges(entries):

@@ -3,21 +3,20 @@ closing row, formats behind its formats, sets of texts behind its sets."""
 
 from types import SimpleNamespace as Row
 
-from corrected import corrected_messages, counted_unit, set_reading, whole
+from corrected import BadRow, FLAGS, corrected_messages, counted_unit, new_field, set_reading, whole
 from keys import Keys, variant_name
 from overlay import PROPRIETARY
 from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
-                   field_texts, has_all_bits_none, pgn_plan_line, plan_set, says_none)
-from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY
+                   field_texts, has_all_bits_none, pgn_plan_line, is_quoted_in_csv, plan_set, says_none, text_literal)
+from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY, is_addressed
 
 KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
-WIDEST_SINGLE = 24  # bits of a number that single precision keeps
 NO_CODES = "INT64_MIN"
 UNKNOWN_MAKER, ANY_MAKER = -1, -2
 MAKERS, INDUSTRIES = "manufacturer_code", "industry_group"
 QUICK_BITS = 57  # a number of fewer bits lies in eight bytes, wherever it starts
 NO_MEASURE = "{1.0, 1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
-READINGS = {"whole": "whole", "measured": "measured"}
+NUMBERS = ("whole", "measured")  # readings of numbers
 
 
 def plan_corrected(tables, overlay, plans):
@@ -52,7 +51,8 @@ def keyed_messages(tables, overlay):
         if found.pgn == 0 and found.maker != ANY_MAKER:
             continue  # the fields of one stand for all
         groups = [range(first, last + 1) for first, last, _ in found.groups]
-        rows = [(field.number, field.label, any(i in group for group in groups)) for i, field in enumerate(found.fields)]
+        rows = [(field.number, field.label, any(i in group for group in groups))
+                for i, field in enumerate(found.fields)]
         # A definition that takes the place of one of the base counts its fields in its own way.
         replaces = found.is_own and (found.pgn, found.variant) in base
         names = keys.of(found.pgn, f"corrected {found.variant}" if replaces else found.variant, rows)
@@ -79,17 +79,17 @@ def makers_messages(context):
     names = [(entry.value, f"{entry.text}, proprietary") for entry in entries]
     names += [(UNKNOWN_MAKER, "Unknown maker, proprietary"), (ANY_MAKER, "Proprietary")]
     fields = header_fields(context)
-    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, packet="fast", match=[],
-                length=None, groups=[], fields=fields, source="ours") for code, name in names]
+    return [Row(pgn=0, rank=(), variant="maker", maker=code, is_own=True, name=name, priority=7, packet="fast",
+                match=[], length=None, groups=[], fields=fields, source="ours") for code, name in names]
 
 
 def header_fields(context):
     def field(number, label, bits, name=None):
         texts = (name, None) if name in context.sets else None
-        return Row(number=number, label=label, bits=bits, dd=None, options={}, texts=texts, unit_note="", unit="",
-                   place="", quantity=NO_CLASS, form="texts" if texts else "plain",
-                   reading=whole(bits, False, ((), None)))
-    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2), field(3, "Industry Code", 3, INDUSTRIES)]
+        return new_field(number=number, label=label, bits=bits, texts=texts, place="", quantity=NO_CLASS,
+                         form="texts" if texts else "plain", reading=whole(bits, False, ((), None)))
+    return [field(1, "Manufacturer Code", 11, MAKERS), field(2, "Reserved", 2),
+            field(3, "Industry Code", 3, INDUSTRIES)]
 
 
 # ---- sets ----
@@ -121,9 +121,9 @@ def add_message(out, found):
     row = len(out.tables.pgns) + 1 + len(out.pgn_rows)  # behind the closing row
     if makers_own:
         out.makers.append((found.maker, first, row))
-    addressed = (found.pgn >> 8) & 0xFF < 240 or 130816 <= found.pgn <= 131071
-    name = found.name.replace("\\", "\\\\").replace('"', '\\"')
-    out.pgn_rows.append(f'{{{found.pgn}, {KEYS}, "{name}", {int(addressed)}, 0, {found.priority}, {int(found.packet == "single")}}},')
+    name = text_literal(found.name.encode())
+    out.pgn_rows.append(f"{{{found.pgn}, {KEYS}, {name}, {int(is_addressed(found.pgn))}, 0, "
+                        f"{found.priority}, {int(found.packet == 'single')}}},")
     out.pgn_lines.append(pgn_plan_line(out.plans, found.pgn, found.name, first if found.fields else END_ROW,
                                        "covering", 0, len(found.fields)))
     found.row, found.first = row, first
@@ -155,7 +155,7 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     is_text, quick, is_all_bits_none = is_text_reading(field.reading), is_quick(field), has_none_code(out, field)
     out.listed_fields.append((field, is_all_bits_none))
     flags = flags | {
-        "quoted": flags.get("numbered", False) and any(c in label for c in '",'),
+        "quoted": flags.get("numbered", False) and is_quoted_in_csv(label),
         "text": is_text,
         "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_counted(out, field),
         "all_bits_none": is_all_bits_none,
@@ -167,16 +167,15 @@ def add_row(out, pgn, variant, field, next_row, again, extra, flags):
     out.field_lines.append(field_plan_line(
         texts, 7 if field.bits > QUICK_BITS else 0, next_row, again, field.bits, field.number, format_index(out, field),
         enumeration, extra, field.quantity, form, (0, 0), flags))
-    whole, part = (field.bits // 8, 0) if field.bits % 8 == 0 else (0, field.bits)
+    size = f"{field.bits // 8}, 0" if field.bits % 8 == 0 else f"0, {field.bits}"
     entry = f"&dictionary[{out.dictionary[field.dd]}]" if field.dd is not None else "&no_entry_of_dictionary"
-    quoted = label.replace("\\", "\\\\").replace('"', '\\"')
-    out.field_rows.append(f'{{{pgn}, {field.number}, "{quoted}", {whole}, {part}, {entry}, {KEYS}, 0}},')
+    out.field_rows.append(f"{{{pgn}, {field.number}, {text_literal(label.encode())}, {size}, {entry}, {KEYS}, 0}},")
 
 
 def form_of(out, field):
     if field.form != "texts":
         return field.form
-    return "flags" if out.context.sets[field.texts[0]].kind == 3 else "enumeration"
+    return "flags" if out.context.sets[field.texts[0]].kind == FLAGS else "enumeration"
 
 
 def is_counted(out, field):
@@ -191,7 +190,7 @@ def has_none_code(out, field):
     if is_signed or not 1 < field.bits <= 64 or "none" in field.options:
         return False
     if field.texts is None:
-        return (getattr(field, "is_fill", False) or field.form in ("pgn_name", "pgn_title")
+        return (field.is_fill or field.form == "pgn_title"
                 or has_all_bits_none(out.tables, field.dd))
     if form_of(out, field) != "enumeration" or field.texts[1] is not None:
         return False
@@ -204,7 +203,7 @@ def is_text_reading(reading):
 
 
 def is_quick(field):
-    if field.reading[0] not in READINGS or field.reading[1][0] == "f" or field.quantity > NO_CLASS:
+    if field.reading[0] not in NUMBERS or field.reading[1][0] == "f" or field.quantity > NO_CLASS:
         return False
     return 0 < field.bits <= 64 and (field.bits <= QUICK_BITS or field.bits % 8 == 0)
 
@@ -221,11 +220,12 @@ def format_index(out, field):
 
 def format_line(out, reading):
     """A format of the corrections has no number: 65535 ends the lists."""
-    if reading[0] in READINGS:
+    if reading[0] in NUMBERS:
         name, kind, times, over, offset, rule, codes, first_reserved = reading
         width, signed = int(kind[1:]), kind[0] == "i"
         codes = [*codes, *[NO_CODES] * (2 - len(codes))]
-        measure = f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, {{{', '.join(map(str, codes))}}}}},"
+        measure = (f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, "
+                   f"{{{', '.join(map(str, codes))}}}}},")
         if measure not in out.measures:
             out.measures.append(measure)
         read_as = "measured_float" if kind[0] == "f" else name
@@ -246,48 +246,60 @@ def exact(number):
 def extra_of(out, message, i, group, first):
     """Index of what is known of a field beside its plan; 0 for nothing."""
     field, parts = message.fields[i], {}
-    options = field.options
     if group is not None and i == group[0] and group[2] is not None:
         parts["count"] = link(message, i, group[2])
         parts["behind"] = str(first + group[1] + 1 if group[1] + 1 < len(message.fields) else END_ROW)
     if field.texts is not None and field.texts[1] is not None:
         parts["high"] = link(message, i, index_of(message, field.texts[1]))
-    if "reference" in options:
-        parts["reference"] = link(message, i, index_of(message, options["reference"]))
-        parts["direction"] = "Direction::by_reference"
-        relative = options.get("relative")
-        if relative:
-            parts["relative_first"], parts["relative_last"] = map(str, relative)
-    elif field.quantity == out.context.quantities.get("direction"):
-        parts["direction"] = "Direction::true_north"
+    parts |= direction_parts(out, message, i) | size_parts(message, i)
+    if field.role == "key_value":
+        parts |= key_parts(out, message, i)
+    if field.role == "field_value":
+        parts |= value_parts(message, i)
+    return add_extra(out, parts) if parts else 0
+
+
+def direction_parts(out, message, i):
+    """A direction is true or magnetic by another field or by itself, magnetic unless it says so."""
+    field = message.fields[i]
+    if "reference" in field.options:
+        parts = {"reference": link(message, i, index_of(message, field.options["reference"])),
+                 "direction": "Direction::by_reference"}
+        if "relative" in field.options:
+            parts["relative_first"], parts["relative_last"] = map(str, field.options["relative"])
+        return parts
+    if field.quantity != out.context.quantities.get("direction"):
+        return {}
+    return {"direction": f"Direction::{'true_north' if 'true' in field.options else 'magnetic'}"}
+
+
+def size_parts(message, i):
+    options = message.fields[i].options
     if "bits_from" in options:
-        parts["size"] = link(message, i, index_of(message, options["bits_from"]))
-        parts["size_unit"] = "1"
+        return {"size": link(message, i, index_of(message, options["bits_from"])), "size_unit": "1"}
     if "bytes_from" in options:
         source, less = options["bytes_from"]
-        parts["size"] = link(message, i, index_of(message, source))
-        parts["size_unit"] = "8"
-        parts["less"] = str(less)
-    role = getattr(field, "role", None)
-    if role == "key_value":
-        key = max(j for j in range(i) if getattr(message.fields[j], "role", None) == "key")
-        name = message.fields[key].texts[0]
-        parts["key"], parts["key_set"] = link(message, i, key), str(out.sets[name])
-        parts["key_rows"] = str(out.key_rows[name])
-    if role == "field_value":
-        about = next(j for j in range(i) if message.fields[j].form == "pgn_title")
-        index = max(j for j in range(i) if getattr(message.fields[j], "role", None) == "field_index")
-        parts["index"], parts["about"] = link(message, i, index), link(message, i, about)
-        maker = next((j for j in range(i) if message.fields[j].texts == (MAKERS, None)), None)
-        if maker is not None:
-            parts["maker"] = link(message, i, maker)
-    if not parts:
-        return 0
-    return add_extra(out, parts)
+        return {"size": link(message, i, index_of(message, source)), "size_unit": "8", "less": str(less)}
+    return {}
 
 
-EXTRA_MEMBERS = ("count", "high", "reference", "size", "key", "index", "about", "maker", "behind", "key_set", "key_rows",
-                 "direction", "relative_first", "relative_last", "size_unit", "less")
+def key_parts(out, message, i):
+    key = max(j for j in range(i) if message.fields[j].role == "key")
+    name = message.fields[key].texts[0]
+    return {"key": link(message, i, key), "key_set": str(out.sets[name]), "key_rows": str(out.key_rows[name])}
+
+
+def value_parts(message, i):
+    """Of a group function: which field of which PGN, and of whose, the value is one of."""
+    index = max(j for j in range(i) if message.fields[j].role == "field_index")
+    about = next(j for j in range(i) if message.fields[j].form == "pgn_title")
+    parts = {"index": link(message, i, index), "about": link(message, i, about)}
+    maker = next((j for j in range(i) if message.fields[j].texts == (MAKERS, None)), None)
+    return parts if maker is None else parts | {"maker": link(message, i, maker)}
+
+
+EXTRA_MEMBERS = ("count", "high", "reference", "size", "key", "index", "about", "maker", "behind", "key_set",
+                 "key_rows", "direction", "relative_first", "relative_last", "size_unit", "less")
 
 
 def add_extra(out, parts):
@@ -311,7 +323,7 @@ def link(message, i, target):
     between = message.fields[low:high]
     group = [next((g for g in message.groups if g[0] <= j <= g[1]), None) for j in (low, high)]
     if group[0] != group[1] and not (group[0] is None and high == group[1][0]) or not all(f.bits for f in between):
-        raise ValueError(f"{message.fields[i].place}: nothing tells where field {message.fields[target].number} stands")
+        raise BadRow(f"{message.fields[i].place}: nothing tells where field {message.fields[target].number} stands")
     distance = sum(field.bits for field in between)
     return f"{{{-distance if target < i else distance}, {bits}, 0}}"
 
@@ -329,15 +341,11 @@ def add_key_rows(out, name, found):
     out.listed.append(Row(row=END_ROW, first=out.key_rows[name], variant=f"key {name}", source="", packet="", match=[],
                           length=None, groups=[], fields=found.rows))
     for entry in found.rows:
-        field = Row(number=entry.value & 0xFFFF, key=out.context.key_names[name][entry.value], label=entry.text, bits=entry.size or 0, dd=None, options={},
-                    texts=entry.texts, unit_note="", place=entry.place)
-        given = Row(place=entry.place, coding=entry.coding, size=entry.size, resolution=entry.resolution,
-                    unit=entry.unit, options={})
-        set_reading(field, given, out.context)
+        field = new_field(number=entry.value & 0xFFFF, key=out.context.key_names[name][entry.value], label=entry.text,
+                          bits=entry.size or 0, texts=entry.texts, place=entry.place, is_corrected=True)
+        set_reading(field, Row(**vars(entry), offset=None, options={}), out.context)
         field.unit = counted_unit(field, out.context)
-        extra = 0
-        if field.quantity == out.context.quantities.get("direction"):
-            extra = add_extra(out, {"direction": "Direction::true_north"})
+        extra = extra_of(out, Row(fields=[field], groups=[]), 0, None, END_ROW)
         add_row(out, 0, f"key {name}", field, END_ROW, END_ROW, extra, {})
 
 

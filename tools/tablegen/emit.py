@@ -7,7 +7,7 @@ from listing import listing_fragments
 from plans import (escaped, factor_lines, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal)
 from powers import power_lines
 from tables import (ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS,
-                    conversion_owner, number_literal)
+                    conversion_owner, is_addressed, number_literal)
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
@@ -84,7 +84,8 @@ def fragments(tables, overlay):
         "unit_factors.inc": ("unit_factors.tsv", factor_lines(plans)),
         "availability.inc": ("availability.tsv", [
             *(unit_row(row.units) for row in tables.availability), unit_row([])]),
-        "si_units.inc": ("availability.tsv", [f"{row.si.number if row.si else UNIT_COUNT}," for row in tables.availability]),
+        "si_units.inc": ("availability.tsv", [f"{row.si.number if row.si else UNIT_COUNT},"
+                                              for row in tables.availability]),
         "quantity_rows.inc": ("quantities.tsv", [f"{{{narrow(row.label)}, {getattr(row, 'class')}}},"
                                                 for row in tables.quantities]),
         "enum_pairs.inc": ("enums", pair_lines(plans.sets)),
@@ -120,8 +121,7 @@ def catalogued(tables):
 
 
 def pgn_line(row):
-    addressed = (row.pgn >> 8) & 0xFF < 240 or 130816 <= row.pgn <= 131071
-    return (f"{{{row.pgn}, {keys(row)}, {narrow(row.name)}, {int(addressed)}, "
+    return (f"{{{row.pgn}, {keys(row)}, {narrow(row.name)}, {int(is_addressed(row.pgn))}, "
             f"{int(row.listed == 'yes')}, {row.priority}, {int(row.frames == 'single')}}},")
 
 

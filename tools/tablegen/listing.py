@@ -1,5 +1,5 @@
-"""What `vistel catalogue` tells of the corrected definitions beside the rows that decode: their variants, conditions and
-groups, how each field counts, and where each text comes from."""
+"""What `vistel catalogue` tells of the corrected definitions beside the rows that decode: their variants, conditions
+and groups, how each field counts, and where each text comes from."""
 
 from fractions import Fraction
 
@@ -91,10 +91,10 @@ def note_line(field, is_all_bits_none, corrected, texts):
 
 def coding(field, corrected):
     """As in the column of the corrections; formats that only the base has by their names."""
-    role, how = getattr(field, "role", None), field.reading[0]
-    if role is not None:
-        return role
-    if getattr(field, "is_fill", False):
+    how = field.reading[0]
+    if field.role is not None:
+        return field.role
+    if field.is_fill:
         return "reserved"
     if how == "df":
         return FORMAT_CODINGS.get(field.reading[1], f"DF{field.reading[1]:02}")

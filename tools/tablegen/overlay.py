@@ -162,7 +162,7 @@ REASON = words(MAX_REASON)
 LABEL = words(MAX_LABEL)
 ENTRY = words(MAX_ENTRY)
 READING_COLUMNS = {"size": bits, "coding": choice(*CODINGS), "resolution": optional(pattern(DECIMAL, "number")),
-                   "offset": optional(pattern(f"-?{DECIMAL}", "number")), "unit": optional(unit),
+                   "offset": optional(pattern("-?[0-9]+", "whole number")), "unit": optional(unit),
                    "texts": optional(texts), "options": options}
 FIELD_COLUMNS = {"pgn": PGN, "variant": VARIANT, "field": FIELD, "label": LABEL, **READING_COLUMNS}
 MESSAGE_CELLS = {"name": words(MAX_NAME), "packet": COLUMNS["pgns"]["packet"],

@@ -6,6 +6,7 @@ import sys
 from pathlib import Path
 
 from checks import check_tables
+from corrected import BadRow
 from corrected_plans import keyed_messages
 from emit import write_fragments
 from overlay import check_overlay, read_overlay
@@ -37,6 +38,15 @@ def main(arguments):
         print(message, file=sys.stderr)
     if report.messages:
         return 1
+    try:
+        write(tables, overlay, summary, options)
+    except BadRow as error:
+        print(error, file=sys.stderr)
+        return 1
+    return 0
+
+
+def write(tables, overlay, summary, options):
     if options.new_keys:
         found, _ = base_keys(tables, repeating_groups(tables), shown_label)
         for line in key_lines([*found.missing, *keyed_messages(tables, overlay)[2].missing]):
@@ -45,7 +55,6 @@ def main(arguments):
         print(summary, end="")
     if options.out:
         write_fragments(tables, overlay, options.out)
-    return 0
 
 
 def check_summary(path, summary, report):

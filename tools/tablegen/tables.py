@@ -327,6 +327,11 @@ def columns_with_units(unit):
     }
 
 
+def is_addressed(pgn):
+    """Whether its messages have a destination, as the flag of the catalogue says."""
+    return (pgn >> 8) & 0xFF < 240 or 130816 <= pgn <= 131071
+
+
 def conversion_owner(row, formats):
     """The row of the format whose conversion the format of `row` has: another's by convert_df_N, or its own."""
     kind, name = row.rule
