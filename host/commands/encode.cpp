@@ -142,7 +142,8 @@ std::string size_text(const FieldCell& cell) {
                              : is_digits         ? "two digits each"
                              : cell.holds_text() ? "text"
                                                  : "";
-    if (bits == 0 && cell.is_corrected()) return what.empty() ? "as other fields say" : what;
+    if (cell.is_corrected() && cell.coding().own_bits == 0)
+        return what.empty() ? "as other fields say" : what;
     if (bits == 0) return served_units(cell).empty() ? "as the field before it says" : "8 bytes at the end";
     const bool whole = bits % 8 == 0;
     const int count = whole ? bits / 8 : bits;
@@ -203,7 +204,10 @@ std::string fields_text(const EncodeOptions& options, ReadingContext& context, c
         if (cell.repeat() > 0 && !repeats) fields += " as often as needed:\n";
         if (cell.repeat() == 0 && repeats) fields += " and then:\n";
         repeats = cell.repeat() > 0;
-        list_field(fields, cell, options.all_choices);
+        if (context.definitions == Definitions::corrected && is_fixed(row, cell))
+            fields += "  " + cell.label() + ": always " + std::string(trimmed(cell.shown(true))) + '\n';
+        else
+            list_field(fields, cell, options.all_choices);
     });
     return fields;
 }

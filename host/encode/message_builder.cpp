@@ -101,6 +101,13 @@ class Building {
         bool typed;
     };
 
+    /// A field at a place of the payload.
+    struct Place {
+        const FieldDef* row;
+        PayloadPosition position;
+        friend bool operator==(const Place&, const Place&) = default;
+    };
+
     const TypedField* find(std::string_view label) const;
     const TypedField* take(std::string_view label);
     bool is_corrected() const { return context_.definitions == Definitions::corrected; }
@@ -119,6 +126,7 @@ class Building {
     bool is_read_by_definition();
     void report_full(const std::string& label);
     bool is_of_later_round(std::string_view label) const;
+    bool has_typed_count() const;
     void report_unused(const Bytes& beginning);
 
     ReadingContext& context_;
@@ -135,7 +143,7 @@ class Building {
     std::optional<FieldCell> count_;     // that field, unless it is given
     Conditions conditions_;
     std::vector<Entered> entered_;
-    std::vector<PayloadPosition> settled_;  // fields for which the ones that they depend on have been written
+    std::vector<Place> settled_;  // fields for which the ones that they depend on have been written
     std::vector<std::string> labels_;
     std::vector<std::string> shown_;  // of the fields in their order
     std::vector<std::string> errors_;
@@ -272,13 +280,14 @@ std::uint64_t Building::size_wanted(const MessageWalk& walk, const FieldCoding& 
 /// Writes what this field depends on, unless it is given: the rounds of the group that begins here, the size.
 /// True where the walk has to come here again.
 bool Building::settle(const MessageWalk& walk, const FieldCoding& coding, const FieldLinks& links) {
-    if (std::ranges::find(settled_, walk.position) != settled_.end()) return false;
+    const Place place{coding.row, walk.position};
+    if (std::ranges::find(settled_, place) != settled_.end()) return false;
     const bool begins_group = coding.row == links.first && walk.repeat() == 1;
     Entered* const count = begins_group ? entered(links.count) : nullptr;
     Entered* const size = entered(links.size);
     const bool has_count = count != nullptr && !count->typed, has_size = size != nullptr && !size->typed;
     if (!has_count && !has_size) return false;
-    settled_.push_back(walk.position);
+    settled_.push_back(place);
     if (has_count) count->cell.put(static_cast<std::uint64_t>(wanted_rounds(walk, links.last + 1)));
     if (has_size) {
         const std::uint64_t bits = size_wanted(walk, coding) + 8u * links.size_extra;
@@ -342,6 +351,11 @@ bool Building::is_of_later_round(std::string_view label) const {
     });
 }
 
+bool Building::has_typed_count() const {
+    return std::ranges::any_of(
+        entered_, [this](const Entered& each) { return each.typed && counts_rounds(pgn_, *each.row); });
+}
+
 void Building::report_unused(const Bytes& beginning) {
     const std::string number = std::to_string(pgn_.pgn);
     std::vector<std::string> choices;
@@ -349,7 +363,7 @@ void Building::report_unused(const Bytes& beginning) {
         if (used_[i]) continue;
         const std::string& label = fields_[i].label;
         if (is_of_later_round(label)) {
-            if (is_corrected() && !full_)
+            if (has_typed_count())
                 errors_.push_back(concat(in_quotes(label), " has a round more than the count says"));
             else
                 report_full(label);
@@ -418,6 +432,9 @@ BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fi
         }
         FieldCell cell(context_, msg_, walk);
         enter_corrected(cell);
+        // How the next one is read may depend on this one.
+        walk = before;
+        if (!walk.next()) break;
         walk.position = cell.next();
     }
     if (rest) {
@@ -634,6 +651,7 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
     std::vector<std::string> fitting;
     for (const PgnDef* const definition : definitions) {
         if (definitions.size() > 1 && fields_of(*definition).empty()) continue;
+        if (definition->pgn == 0 && !parts->payload) continue;  // nothing but the maker
         BuiltMessage built = build_corrected(context, number, *definition, fields);
         if (built) fitting.emplace_back(pgn_name(definition));
         if (built || !best || (!*best && built.error().texts.size() < best->error().texts.size())) {
@@ -641,6 +659,10 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
             nearest = definition;
         }
     }
+    if (!best)
+        return Failures{{concat("PGN ", number,
+                                " is not in the catalogue; only its maker and its bytes can be given, as in ",
+                                "\"Manufacturer Code=Furuno\" \"Data=01 02 FF\"")}};
     // Of one name, the last is the most general.
     if (std::ranges::any_of(fitting, [&](const std::string& name) { return name != fitting[0]; })) {
         std::string names;
@@ -654,6 +676,18 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
                                     in_quotes(std::string(pgn_name(nearest))), " comes nearest; ",
                                     "'vistel encode --list ", number, "' names them"));
     return failures;
+}
+
+bool is_fixed(const PgnDef& definition, const FieldCell& cell) {
+    N2KMsg none{}, all{};
+    std::ranges::fill(all.data, std::uint8_t{0xFF});
+    const Conditions conditions = conditions_of(definition);
+    apply(conditions, none);
+    apply(conditions, all);
+    const int first = cell.start().byte * 8 + cell.start().bit;
+    for (int bit = first; bit < first + cell.bits(); ++bit)
+        if (((none.data[bit / 8] ^ all.data[bit / 8]) >> bit % 8 & 1) != 0) return false;
+    return true;
 }
 
 std::vector<const PgnDef*> definitions_of(std::uint32_t pgn) {

@@ -49,6 +49,9 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
 /// of messages of which nothing but the maker is known.
 std::vector<const pgn_vistel::core::PgnDef*> definitions_of(std::uint32_t pgn);
 
+/// Whether the field of a corrected definition has always the same bits, which tell the variant.
+bool is_fixed(const pgn_vistel::core::PgnDef& definition, const FieldCell& cell);
+
 /// Visits the fields of an empty message, of a repeating group the first round. Of several variants of a PGN,
 /// those of the one that begins with `variant`.
 void visit_fields(ReadingContext& context, const pgn_vistel::core::PgnDef& pgn,

@@ -97,8 +97,14 @@ Status enter_text(FieldCell& cell, std::string_view text) {
         return failure("holds ", unsigned{sent_short_text.characters}, " characters only: ", in_quotes(text),
                        " is longer");
     const std::vector<std::uint8_t> field = sent_text(form, characters);
-    const std::size_t most = cell.is_corrected() ? 255 + (form.has_zero ? 2 : 0) : longest;
-    if (!is_long && field.size() > most) return failure(in_quotes(text), " is too long for the field");
+    if (!is_long && !cell.is_corrected() && field.size() > longest)
+        return failure(in_quotes(text), " is too long for the field");
+    // The length is a byte, which counts what stands in front of the text and not what stands behind.
+    const std::size_t around = form.has_zero ? 0 : static_cast<std::size_t>(form.header);
+    const std::size_t sent = field.size() - around - (form.has_zero ? 2 : 0);
+    if (!is_long && around + sent > 255)
+        return failure("holds ", (255 - around) / (sent / characters.size()),
+                       " characters only: ", in_quotes(text), " is longer");
     if (field.size() > cell.room())
         return failure(in_quotes(text), " does not fit into the ", unsigned{N2K_MAX_PAYLOAD},
                        " bytes of a message");

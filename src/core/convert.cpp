@@ -389,7 +389,7 @@ void convert_hex_dump(const std::uint8_t* field, int length, TextScratch& scratc
 }  // namespace
 
 void apply_unit_rule(UnitRule rule, float value, UnitId u, TextScratch& scratch, Value& out) {
-    const bool is_speed = rule == UnitRule::speed_mm_s || rule == UnitRule::speed_m_s;
+    const bool is_speed = unit_factor(rule, unit::kt) != 0 && unit_factor(rule, unit::bft) == 0;
     if (is_speed && u == unit::bft) {
         const float knots =
             static_cast<float>(static_cast<double>(value) * static_cast<double>(unit_factor(rule, unit::kt)));
