@@ -131,5 +131,23 @@ TEST(Corrected, Messages) {
     }
 }
 
+TEST(Corrected, NoTextStaysFromAnotherMessage) {
+    const auto configuration = [](Bytes bytes) { return message(126998, bytes); };
+    const N2KMsg said = configuration({6, 1, 'm', 'i', 'n', 'e', 2, 1, 2, 1});
+    for (const Bytes& refused :
+         {Bytes{6, 9, 'x', 'x', 'x', 'x'}, Bytes{1, 1}, Bytes{0}, Bytes{6}, Bytes{255, 2}}) {
+        TextScratch scratch;
+        const UnitSelection units;
+        std::wstring all;
+        for (const N2KMsg& msg : {said, configuration(refused)}) {
+            all.clear();
+            StreamLines lines(find_definition(Definitions::corrected, msg), msg, units, scratch, plain);
+            wchar_t line[line_size];
+            while (lines.next(line, line_size) >= 0) all += line;
+        }
+        EXPECT_EQ(all.find(L"mine"), all.npos) << all.c_str();
+    }
+}
+
 }  // namespace
 }  // namespace pgn_vistel::test

@@ -228,6 +228,19 @@ N2KMsg any_message(std::mt19937& random) {
                         pick(4) != 0 ? pgns[pick(pgns.size())].pgn : random() & 0x3FFFF, payload);
 }
 
+TEST(TreeForm, ReadsByTheCorrectedDefinitionsWhereAsked) {
+    ToolkitControl host;
+    PGN_VistelTree_c tree(&host.frame, &host.control, nullptr, 3,
+                          PGN_VISTEL_CORRECTED_DEFINITIONS | plain_display);
+    tree.OnInit();
+    N2KMsg msg = message_from(1, 65280, {0x3F, 0x9F, 0x12, 0, 0, 0, 0xFF, 0xFF});
+    ASSERT_EQ(tree.PutMsg(&msg), 0);
+    const auto block = blocks_of(host.control)[0];
+    EXPECT_EQ(block.label, stream_line(msg, line_size, Definitions::corrected));
+    EXPECT_NE(block.label.find(L"Furuno: Heave"), std::wstring::npos);
+    EXPECT_EQ(block.lines, lines_of(msg, plain, {}, line_size, Definitions::corrected));
+}
+
 TEST(TreeForm, ShowsAnyTraffic) {
     constexpr std::size_t capacity = 400;  // fewer than the traffic has
     ToolkitMonitor toolkit(capacity);
