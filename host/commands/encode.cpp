@@ -323,9 +323,9 @@ int run_encode(const EncodeOptions& options) {
     msg->priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
     msg->source = static_cast<std::uint8_t>(options.source);
     msg->destination = static_cast<std::uint8_t>(options.destination);
-    if (options.format != "candump") return print(plain_lines(*msg, options.time));
-    Result<std::string> lines =
-        candump_lines(*msg, candump_time(options.time, *time), static_cast<unsigned>(options.sequence));
+    if (options.format != "candump") return print(plain_lines(*msg, options.time, options.definitions));
+    Result<std::string> lines = candump_lines(*msg, candump_time(options.time, *time),
+                                              static_cast<unsigned>(options.sequence), options.definitions);
     return lines ? print(*lines) : fail(lines.error());
 }
 

@@ -596,8 +596,8 @@ Failures not_in_catalogue(std::uint32_t number) {
 }
 
 /// An ISO Request has three bytes, by ISO 11783-3.
-bool has_whole_frame(std::uint32_t number) {
-    return !is_fast_packet(number) && number != pgn::iso_request;
+bool has_whole_frame(std::uint32_t number, Definitions definitions) {
+    return !is_fast_packet(number, definitions) && number != pgn::iso_request;
 }
 
 }  // namespace
@@ -609,7 +609,7 @@ BuiltMessage build_message(ReadingContext& context, std::uint32_t number, const 
     const auto& [rest, payload] = *parts;
     if (pgn == nullptr && (!rest.empty() || !payload)) return not_in_catalogue(number);
     if (payload && rest.empty()) return message_of(number, *payload);
-    const bool fills_frame = has_whole_frame(number) && !payload;
+    const bool fills_frame = has_whole_frame(number, Definitions::fixed) && !payload;
     std::optional<BuiltMessage> best;
     const auto errors_of = [](const BuiltMessage& built) { return built ? 0 : built.error().texts.size(); };
     const auto build_from = [&](const Bytes& beginning) {
@@ -635,7 +635,8 @@ BuiltMessage build_corrected(ReadingContext& context, std::uint32_t number, cons
     Result<TypedParts, Failures> parts = parts_of(fields, has_payload_field(pgn));
     if (!parts) return parts.error();
     Building building(context, number, pgn, parts->fields);
-    return building.build_corrected(parts->payload, has_whole_frame(number) && !parts->payload);
+    return building.build_corrected(parts->payload,
+                                    has_whole_frame(number, Definitions::corrected) && !parts->payload);
 }
 
 BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,

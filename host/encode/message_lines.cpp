@@ -6,13 +6,14 @@
 #include "can/fast_packet.h"
 #include "can/identifier.h"
 #include "can/transport_protocol.h"
-#include "pgn_vistel/core/catalogue.h"
 #include "text/hex.h"
 
 namespace vistel {
 
 namespace {
 
+using pgn_vistel::core::Definitions;
+using pgn_vistel::core::is_fast_packet;
 using Bytes = std::span<const std::uint8_t>;
 
 class Frames {
@@ -81,9 +82,9 @@ class Frames {
 
 }  // namespace
 
-std::string plain_lines(const N2KMsg& msg, std::string_view time) {
+std::string plain_lines(const N2KMsg& msg, std::string_view time, Definitions definitions) {
     std::string line;
-    if (msg.length <= max_frame_bytes && pgn_vistel::core::is_fast_packet(msg.pgn)) line = "# format=FAST\n";
+    if (msg.length <= max_frame_bytes && is_fast_packet(msg.pgn, definitions)) line = "# format=FAST\n";
     line += time;
     for (const unsigned number : {unsigned{msg.priority}, unsigned{msg.pgn}, unsigned{msg.source},
                                   unsigned{msg.destination}, unsigned{msg.length}})
@@ -96,9 +97,10 @@ std::string plain_lines(const N2KMsg& msg, std::string_view time) {
     return line + '\n';
 }
 
-Result<std::string> candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence) {
+Result<std::string> candump_lines(const N2KMsg& msg, std::string_view time, unsigned sequence,
+                                  Definitions definitions) {
     Frames frames(msg, time);
-    if (pgn_vistel::core::is_fast_packet(msg.pgn) && msg.length <= fast_packet::most_bytes) {
+    if (is_fast_packet(msg.pgn, definitions) && msg.length <= fast_packet::most_bytes) {
         frames.put_fast(sequence);
     } else if (msg.length <= max_frame_bytes) {
         frames.put_single();

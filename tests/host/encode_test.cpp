@@ -271,7 +271,7 @@ N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt199
         length = std::max(length, cell.end());
     }
     msg.length = static_cast<std::uint16_t>(length);
-    const bool fills_frame = !is_fast_packet(number) && number != pgn::iso_request;
+    const bool fills_frame = !is_fast_packet(number, Definitions::corrected) && number != pgn::iso_request;
     if (fills_frame) msg.length = std::max<std::uint16_t>(msg.length, 8);
     return msg;
 }

@@ -201,6 +201,7 @@ class ProgramTest(unittest.TestCase):
              ["(08:00:00) can0 19EEFF03#A00A00FFFFFFFFFF", "(08:00:00) can0 19EEFF03#A1FF05F801FFFFFF"]),
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
+            (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
             (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001"]),
         ]
         for arguments, lines in cases:
