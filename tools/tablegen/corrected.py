@@ -500,22 +500,12 @@ def end_ranges(messages, sets):
 
 
 def corrected_flags(found, changes):
-    """Values of flags are what their bits count; where they are not, entries stand for bits in their order."""
-    values = [entry.value for entry in found.entries]
-    counted = all(value.bit_count() == 1 for value in values)
-    texts = {}
-    for place, entry in enumerate(found.entries):
-        row = changes.get(entry.value)
-        text = row.text if row else None if entry.guess else entry.text
-        if text is not None:
-            bit = entry.value.bit_length() - 1 if counted else place
-            texts[bit] = Row(value=bit, text=text, source=row.source if row else "base")
-    for value, row in changes.items():
-        if value not in values and row.text is not None:
-            bit = value.bit_length() - 1
-            texts[bit] = Row(value=bit, text=row.text, source=row.source)
-    return Row(name=str(found.dd), kind=FLAGS, entries=filled(list(texts.values())), rows=None,
-               has_ranges=False)
+    """The values of flags are what their bits count."""
+    texts = {entry.value: Row(text=None if entry.guess else entry.text, source="base") for entry in found.entries}
+    texts |= changes
+    entries = [Row(value=value.bit_length() - 1, text=row.text, source=row.source)
+               for value, row in texts.items() if row.text is not None]
+    return Row(name=str(found.dd), kind=FLAGS, entries=filled(entries), rows=None, has_ranges=False)
 
 
 def with_ranges(entries):

@@ -186,6 +186,12 @@ class DataTest(unittest.TestCase):
             if enumeration.kind != FLAGS and field.bits and not by:
                 self.assertFalse([entry.value for entry in enumeration.entries if entry.value >> field.bits], name)
 
+    def test_flags_of_the_base_are_what_bits_count(self):
+        changed = [row for found in self.tables.sets for row in self.overlay.set_changes
+                   if found.kind == FLAGS and row.dd == found.dd]
+        for entry in [entry for found in self.tables.sets if found.kind == FLAGS for entry in found.entries] + changed:
+            self.assertEqual(entry.value.bit_count(), 1, entry.place)
+
     def test_codes_that_are_none_are_looked_at(self):
         for name, _, field in self.fields:
             if field.options.keys() & {"none", "error"}:
