@@ -200,7 +200,7 @@ std::string conditions_text(const ListedMessage& message) {
 }
 
 std::string length_text(const ListedMessage& message) {
-    const std::string shortest = std::to_string(message.shortest), longest = std::to_string(message.longest);
+    std::string shortest = std::to_string(message.shortest), longest = std::to_string(message.longest);
     if (message.shortest == message.longest) return shortest;
     if (message.longest < N2K_MAX_PAYLOAD) return (message.shortest > 0 ? shortest : "") + ".." + longest;
     return message.shortest > 0 ? shortest + ".." : "";
