@@ -212,12 +212,15 @@ std::string fields_text(const EncodeOptions& options, ReadingContext& context, c
     return fields;
 }
 
-/// The fields of a variant, or the names of the variants.
+/// The fields of a variant, or the names of the variants. What has the same name is told apart by its fields.
 int list_corrected(const EncodeOptions& options, ReadingContext& context, const Chosen& chosen) {
     std::string out;
+    const std::string name = name_of(*chosen.definitions[0]);
+    const bool has_one_name = std::ranges::all_of(
+        chosen.definitions, [&name](const PgnDef* definition) { return pgn_name(definition) == name; });
     for (const PgnDef* const definition : chosen.definitions) {
         out += head_of(chosen.number, *definition);
-        if (chosen.definitions.size() == 1) out += fields_text(options, context, *definition, {});
+        if (has_one_name) out += fields_text(options, context, *definition, {});
     }
     return print(out);
 }
