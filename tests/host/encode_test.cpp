@@ -10,6 +10,7 @@
 #include "encode/message_builder.h"
 #include "encode/number_entry.h"
 #include "output/unit_names.h"
+#include "pgn_vistel/core/listing.h"
 #include "text/hex.h"
 
 using namespace pgn_vistel::core;
@@ -179,10 +180,10 @@ TEST(Encode, EveryUnitOfEveryNumber) {
 
 // ---- corrected definitions ----
 
-void put_conditions(N2KMsg& msg, const Conditions& conditions) {
-    for (int bit = 0; bit < 64; ++bit)
-        if ((conditions.mask >> bit & 1) != 0) put_bits(msg, bit, 1, conditions.value >> bit & 1);
-    for (const FixedBits& fixed : conditions.behind) put_bits(msg, fixed.bit, fixed.width, fixed.value);
+ListedMessage listed(const PgnDef& definition) {
+    std::size_t i = 0;
+    while (i < listed_message_count() && listed_message(i).row != &definition) ++i;
+    return i < listed_message_count() ? listed_message(i) : ListedMessage{};
 }
 
 bool is_moment(const FieldCell& cell) {
@@ -230,7 +231,11 @@ std::string random_text(const FieldCell& cell, std::mt19937_64& random) {
 /// Everything at random; counts and sizes are small, and what loses bits when it is shown is what is sent for
 /// that.
 N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt19937_64& random) {
-    const Conditions conditions = conditions_of(definition);
+    const ListedMessage message = listed(definition);
+    const auto put_conditions = [&message](N2KMsg& to) {
+        for (const MessageCondition& each : message.conditions)
+            put_bits(to, each.bit, each.width, each.value);
+    };
     std::set<const FieldDef*> counts, sizes;
     for (const FieldDef& row : fields_of(definition)) {
         counts.insert(links_of(definition, row).count);
@@ -240,9 +245,9 @@ N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt199
     msg.pgn = number;
     msg.length = N2K_MAX_PAYLOAD;
     std::memset(msg.data, 0xFF, sizeof msg.data);
-    put_conditions(msg, conditions);
+    put_conditions(msg);
     MessageWalk walk(&definition, msg);
-    int length = conditions.least;
+    int length = message.shortest;
     std::optional<FieldCell> size;
     for (MessageWalk before = walk; walk.next() && walk.repeat() <= 3; before = walk) {
         FieldCell cell(corrected(), msg, walk);
@@ -255,12 +260,12 @@ N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt199
         }
         const bool is_small = counts.contains(cell.coding().row) || sizes.contains(cell.coding().row);
         if (!cell.holds_text()) cell.put(is_small ? random() % 4 * 8 : random() >> random() % 64);
-        put_conditions(msg, conditions);
+        put_conditions(msg);
         const std::uint64_t raw = cell.raw();
         const std::string typed = cell.holds_text() ? random_text(cell, random) : typed_field(cell).value;
         if (!is_small) {
             EXPECT_EQ(error_of(enter_value(cell, typed)), "") << number << ' ' << cell.label();
-            put_conditions(msg, conditions);
+            put_conditions(msg);
             if (!cell.holds_text()) {
                 EXPECT_EQ(typed_field(cell).value, typed) << number << ' ' << cell.label();
                 EXPECT_TRUE(cell.raw() == raw || may_lose_bits(cell))
@@ -293,7 +298,7 @@ TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
     for (const PgnDef& definition : all_corrected_pgns()) {
         constexpr std::uint32_t without_variants = 65500;
         const std::uint32_t number = definition.pgn != 0 ? definition.pgn : without_variants;
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < (definition.pgn != 0 ? 3 : 1); ++i) {
             const N2KMsg msg = random_message(definition, number, random);
             if (find_definition(Definitions::corrected, msg) != &definition) continue;
             const auto typed = typed_fields(definition, msg);
@@ -305,7 +310,7 @@ TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
             ++same;
         }
     }
-    EXPECT_GT(same, 2500);
+    EXPECT_GT(same, 1900);
 }
 
 // ---- single cases ----
