@@ -64,7 +64,10 @@ constexpr const char* encode_notes =
 that are not given. A coded field takes its text or number. A label that is shown several times ("NMEA
 Reserved", fields of a repeating group) is given several times, the n-th for the n-th; numbered ones as
 they are shown ("PGN supported #2"). The count before a repeating group is filled in. Data=01 02 FF gives
-the payload as bytes, into which the fields go.
+the payload as bytes, with fields the bytes behind them.
+A PGN has variants, which manufacturer, function code and the like tell apart. The one that the fields fit
+is sent; its name stands for it, too, in place of the PGN. What tells it is filled in.
+  vistel encode "Furuno: Heave" "Heave=1.2 m"
   vistel encode 127250 "Heading Sensor Reading=123.4 °" "Heading Sensor Reference=Magnetic")";
 
 void add_encode(CLI::App& app, Arguments& arguments) {
@@ -96,7 +99,8 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         ->check(CLI::Range(0, 7))
         ->capture_default_str();
     add_units(*command, options.units);
-    command->add_option("--variant", options.variant, "Name of a variant of the PGN");
+    command->add_option("--variant", options.variant,
+                        "Variant of the PGN, by its name or as in 'vistel catalogue pgns'");
     vistel::add_definitions(*command, options.definitions);
 }
 

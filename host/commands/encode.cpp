@@ -123,7 +123,8 @@ Result<Chosen> choose_pgn(const EncodeOptions& options) {
     std::vector<std::string> names;
     for (const PgnDef* const definition : chosen.definitions) names.push_back(name_of(*definition));
     std::erase_if(chosen.definitions, [&](const PgnDef* definition) {
-        return comparable_name(pgn_name(definition)) != comparable_name(options.variant);
+        return variant_of(*definition) != options.variant &&
+               comparable_name(pgn_name(definition)) != comparable_name(options.variant);
     });
     if (!chosen.definitions.empty()) return chosen;
     return failure(
@@ -212,12 +213,17 @@ std::string fields_text(const EncodeOptions& options, ReadingContext& context, c
     return fields;
 }
 
-/// The fields of a variant, or the names of the variants.
+/// The fields of a variant, or the names of the variants. What has the same name is told apart by its fields.
 int list_corrected(const EncodeOptions& options, ReadingContext& context, const Chosen& chosen) {
     std::string out;
+    const std::string name = name_of(*chosen.definitions[0]);
+    const bool has_one_name = std::ranges::all_of(
+        chosen.definitions, [&name](const PgnDef* definition) { return pgn_name(definition) == name; });
     for (const PgnDef* const definition : chosen.definitions) {
         out += head_of(chosen.number, *definition);
-        if (chosen.definitions.size() == 1) out += fields_text(options, context, *definition, {});
+        if (chosen.definitions.size() > 1 && !variant_of(*definition).empty())
+            out.insert(out.size() - 1, ", variant " + std::string(variant_of(*definition)));
+        if (has_one_name) out += fields_text(options, context, *definition, {});
     }
     return print(out);
 }

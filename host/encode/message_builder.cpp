@@ -10,6 +10,7 @@
 #include "encode/text_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
+#include "pgn_vistel/core/listing.h"
 #include "text/characters.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
@@ -30,20 +31,22 @@ void begin_message(N2KMsg& msg, const Bytes& beginning) {
     std::ranges::copy(beginning, msg.data);
 }
 
-/// @{ the bits that tell the variant of a corrected definition
-void apply(const Conditions& conditions, N2KMsg& msg) {
-    for (int i = 0; i < 8; ++i) {
-        const auto mask = static_cast<std::uint8_t>(conditions.mask >> 8 * i);
-        const auto value = static_cast<std::uint8_t>(conditions.value >> 8 * i);
-        msg.data[i] = static_cast<std::uint8_t>((msg.data[i] & ~mask) | value);
-    }
-    for (const FixedBits& fixed : conditions.behind) put_bits(msg, fixed.bit, fixed.width, fixed.value);
+/// What is listed of a definition: of a maker's messages, nothing.
+ListedMessage listed(const PgnDef& definition) {
+    for (std::size_t i = 0; i < listed_message_count(); ++i)
+        if (const ListedMessage message = listed_message(i); message.row == &definition) return message;
+    return {};
 }
 
-bool hold(const Conditions& conditions, N2KMsg msg) {
-    const N2KMsg before = msg;
-    apply(conditions, msg);
-    return std::ranges::equal(before.data, msg.data);
+/// @{ the bits that tell the variant of a corrected definition
+void apply(std::span<const MessageCondition> conditions, N2KMsg& msg) {
+    for (const MessageCondition& each : conditions) put_bits(msg, each.bit, each.width, each.value);
+}
+
+bool hold(std::span<const MessageCondition> conditions, const N2KMsg& msg) {
+    N2KMsg applied = msg;
+    apply(conditions, applied);
+    return std::ranges::equal(applied.data, msg.data);
 }
 /// @}
 
@@ -141,7 +144,7 @@ class Building {
     bool full_ = false;                  // a field had no room
     bool has_count_ = false;             // a field has the number of rounds
     std::optional<FieldCell> count_;     // that field, unless it is given
-    Conditions conditions_;
+    std::span<const MessageCondition> conditions_;
     std::vector<Entered> entered_;
     std::vector<Place> settled_;  // fields for which the ones that they depend on have been written
     std::vector<std::string> labels_;
@@ -409,7 +412,9 @@ BuiltMessage Building::build(const Bytes& beginning, bool fills_frame) {
 }
 
 BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fills_frame) {
-    conditions_ = conditions_of(pgn_);
+    const ListedMessage message = listed(pgn_);
+    const int most = message.longest > 0 ? message.longest : N2K_MAX_PAYLOAD;
+    conditions_ = message.conditions;
     begin_message(msg_, {});
     apply(conditions_, msg_);
     MessageWalk walk(&pgn_, msg_);
@@ -444,8 +449,8 @@ BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fi
         length_ = std::max(length_, at + static_cast<int>(rest->size()));
     }
     report_unused({});
-    length_ = std::max(length_, conditions_.least);
-    return finish(fills_frame && conditions_.most >= int{max_frame_bytes}, conditions_.most);
+    length_ = std::max(length_, message.shortest);
+    return finish(fills_frame && most >= int{max_frame_bytes}, most);
 }
 
 BuiltMessage Building::finish(bool fills_frame, int most) {
@@ -534,7 +539,8 @@ void visit_fields(ReadingContext& context, const PgnDef& pgn, const Bytes& varia
     N2KMsg msg{};
     msg.pgn = pgn.pgn;
     const bool is_corrected = context.definitions == Definitions::corrected;
-    const Conditions conditions = is_corrected ? conditions_of(pgn) : Conditions();
+    const std::span<const MessageCondition> conditions =
+        is_corrected ? listed(pgn).conditions : std::span<const MessageCondition>();
     begin_message(msg, variant);
     apply(conditions, msg);
     MessageWalk walk(&pgn, msg);
@@ -682,13 +688,17 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
 bool is_fixed(const PgnDef& definition, const FieldCell& cell) {
     N2KMsg none{}, all{};
     std::ranges::fill(all.data, std::uint8_t{0xFF});
-    const Conditions conditions = conditions_of(definition);
+    const std::span<const MessageCondition> conditions = listed(definition).conditions;
     apply(conditions, none);
     apply(conditions, all);
     const int first = cell.start().byte * 8 + cell.start().bit;
     for (int bit = first; bit < first + cell.bits(); ++bit)
         if (((none.data[bit / 8] ^ all.data[bit / 8]) >> bit % 8 & 1) != 0) return false;
     return true;
+}
+
+std::string_view variant_of(const PgnDef& definition) {
+    return listed(definition).variant;
 }
 
 std::vector<const PgnDef*> definitions_of(std::uint32_t pgn) {

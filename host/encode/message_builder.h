@@ -49,6 +49,10 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
 /// of messages of which nothing but the maker is known.
 std::vector<const pgn_vistel::core::PgnDef*> definitions_of(std::uint32_t pgn);
 
+/// What a corrected definition is called in the catalogue, unlike others of its PGN; empty where it is that
+/// of messages of which nothing but the maker is known.
+std::string_view variant_of(const pgn_vistel::core::PgnDef& definition);
+
 /// Whether the field of a corrected definition has always the same bits, which tell the variant.
 bool is_fixed(const pgn_vistel::core::PgnDef& definition, const FieldCell& cell);
 

@@ -4,7 +4,6 @@
 
 #include "core/read.h"
 #include "core/tables.h"
-#include "pgn_vistel/core/layout.h"
 
 namespace pgn_vistel::core {
 
@@ -16,6 +15,13 @@ struct Variant {
     std::uint16_t least, most;  ///< bytes
     std::uint16_t first_part, parts;
     std::uint16_t row;
+};
+
+/// A condition behind the first eight bytes.
+struct Part {
+    std::uint16_t bit;
+    std::uint8_t width;
+    std::uint64_t value;
 };
 
 struct VariantList {
@@ -36,8 +42,7 @@ constexpr Variant variants[] = {
 #include "variants.inc"
 };
 
-/// Conditions behind the first eight bytes.
-constexpr FixedBits parts[] = {
+constexpr Part parts[] = {
 #include "variant_parts.inc"
 };
 
@@ -99,7 +104,7 @@ bool is_of(const Variant& variant, std::uint64_t word, const N2KMsg& msg, int le
         return false;
     return std::ranges::all_of(
         std::span(parts).subspan(variant.first_part, variant.parts),
-        [&msg](const FixedBits& part) { return gather_bits(msg.data, part.bit, part.width) == part.value; });
+        [&msg](const Part& part) { return gather_bits(msg.data, part.bit, part.width) == part.value; });
 }
 
 }  // namespace
@@ -122,14 +127,6 @@ const PgnDef* find_title(std::uint32_t pgn) {
     if (is_proprietary(pgn)) return &pgn_row(any_maker);
     const VariantList* const list = find_list(pgn);
     return list != nullptr ? &pgn_row(list->title) : nullptr;
-}
-
-Conditions conditions_of(const PgnDef& definition) {
-    const auto found = std::ranges::find(variants, &definition,
-                                         [](const Variant& variant) { return &pgn_row(variant.row); });
-    if (found == std::end(variants)) return {0, 0, {}, 0, N2K_MAX_PAYLOAD};  // of a maker
-    return {found->mask, found->value, std::span(parts).subspan(found->first_part, found->parts),
-            found->least, found->most};
 }
 
 const PgnDef* find_definition(Definitions set, const N2KMsg& msg) {

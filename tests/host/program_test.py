@@ -174,8 +174,8 @@ class ProgramTest(unittest.TestCase):
               "Field number of first commanded parameter #1=1", "Manufacturer Code=Furuno",
               "Field number of first commanded parameter #2=4", "Heave=1 m"],
              ["Number of Pairs of Commanded Parameters to follow: 2 (0x02) ", "Heave: 100.00 cm"]),
-            (["65280", "--variant", "furuno: heave", "Heave=-1.2 m"], ["Manufacturer Code: Furuno", "Heave: -120.00 cm"]),
-            (["65280", "Manufacturer Code=Furuno", "Heave=-1.2 m"], ["Industry Code: Marine", "Heave: -120.00 cm"]),
+            (["65280", "--variant", "furuno_heave", "Heave=-1.2 m"], ["Manufacturer Code: Furuno", "Heave: -120.00 cm"]),
+            (["65280", "--variant", "furuno: heave", "Manufacturer Code=Furuno", "Heave=-1.2 m"], ["Industry Code: Marine", "Heave: -120.00 cm"]),
             (["61184", "Manufacturer Code=Nautibus Electronic", "Data=010203"], ["Data: 01 02 03"]),
             (["65240", "Unique Number (ISO Identity Number)=77"], ["Unique Number (ISO Identity Number): 77 (0x0000004D) "]),
             (pgns(100), ["PGN supported #100: 129029 (GNSS Position Data)"]), (pgns(1), []),
@@ -217,7 +217,7 @@ class ProgramTest(unittest.TestCase):
         more = [int(number) for number in re.findall(r"      \.\.\. and (\d+) more, with --all-choices\n", makers)]
         self.assertGreater(sum(more), 190)
         self.assertEqual(len(all_makers.splitlines()), len(makers.splitlines()) + sum(more) - len(more))
-        self.assertIn("65280, Honda: Engine Data, pri=7\n", vistel("encode", "--list", "65280").stdout)
+        self.assertIn("65280, Honda: Engine Data, pri=7, variant honda_engine_data\n", vistel("encode", "--list", "65280").stdout)
         self.assertIn("  Manufacturer Code: always Furuno\n", vistel("encode", "--list", "Furuno: Heave").stdout)
         numbers = [row["pgn"] for row in catalogue("fields", "corrected")]
         for number in sorted({*numbers} - {"0"})[::7]:  # 0: whatever a maker sends

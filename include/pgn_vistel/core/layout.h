@@ -11,23 +11,6 @@
 
 namespace pgn_vistel::core {
 
-/// Bits of a payload that are always the same.
-struct FixedBits {
-    std::uint16_t bit;  ///< of the first one, from the start of the payload
-    std::uint8_t width;
-    std::uint64_t value;
-};
-
-/// The messages that a definition is for: those of the length that have these bits.
-struct Conditions {
-    std::uint64_t mask = 0, value = 0;    ///< in the first eight bytes, the first one lowest
-    std::span<const FixedBits> behind{};  ///< behind them
-    int least = 0, most = 0;              ///< bytes
-};
-/// Of a row of `all_corrected_pgns`. A message that an earlier definition of its PGN is for, too, is read by
-/// that one: `find_definition` decides.
-[[nodiscard]] Conditions conditions_of(const PgnDef& definition);
-
 /// The fields of a row of `all_corrected_pgns`, in payload order.
 [[nodiscard]] std::span<const FieldDef> fields_of(const PgnDef& definition);
 
