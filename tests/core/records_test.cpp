@@ -130,6 +130,28 @@ TEST(Records, Values) {
     EXPECT_EQ(brief(rendered(json)).back(), "aid_to_navigation_aton_name=null,null,null");
 }
 
+TEST(Records, ValuesByTheCorrectedDefinitions) {
+    const struct {
+        std::uint32_t pgn;
+        Bytes payload;
+        std::vector<std::string> fields;  // some of them
+        // clang-format off
+    } cases[] = {
+        // the highest codes: values where the definition says which codes are none, and where they have a text
+        {60416, {16, 0, 1, 254, 255, 0x14, 0xF0, 1},
+         {"total_number_of_frames_to_be_transmitted=254,null,null"}},
+        {60416, {255, 1, 255, 255, 255, 0x14, 0xF0, 1}, {"abort_group_function_code=255,null,\"Abort\""}},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const auto fields =
+            brief(json_of(message(c.pgn, c.payload), Definitions::corrected, UnitSelection::si()));
+        for (const std::string& field : c.fields)
+            EXPECT_NE(std::ranges::find(fields, field), fields.end())
+                << field << " in " << testing::PrintToString(fields);
+    }
+}
+
 TEST(Records, WhateverHasAValueHasItInSi) {
     TextScratch scratch;
     std::mt19937 random(5);
