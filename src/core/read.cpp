@@ -60,8 +60,10 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     if (aligned)
         raw.bits = load_bytes(payload.data, byte, available);
     else
-        // A field sized in bytes that starts inside a byte reads as zeros: the gathering keeps its 0 bits.
-        raw.bits = gather_bits(payload.data, position, shape.bits);
+        // Of the fixed definitions, a field sized in bytes that starts inside a byte reads as zeros: the
+        // gathering keeps its 0 bits.
+        raw.bits = gather_bits(payload.data, position,
+                               is_of_corrected(*shape.format) ? shape.bits + 8 * shape.bytes : shape.bits);
 
     if (shape.quantity <= quantity::no_quantity) {
         out.quantity = shape.quantity;
