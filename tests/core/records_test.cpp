@@ -144,6 +144,9 @@ TEST(Records, ValuesByTheCorrectedDefinitions) {
         // a number of whole bytes that starts inside one
         {129815, {0, 26, 1, 0, 0, 0, 0x6F, 0xC7, 0x5F, 0xE9, 0xF0, 0xFF, 0xFF, 0xFF, 0xFF},
          {"destination_id=244710518,null,\"244710518\""}},
+        // an offset; a unit that no quantity has
+        {127513, {0, 0, 0, 0, 0, 0, 125, 0}, {"peukert_exponent=1.25,null,null"}},
+        {130324, Bytes(40, 1), {"pressure_tendency_rate=2570,null,null"}},
         // a value of another size than its key has
         {130824, {0x7D, 0x99, 0xF8, 0x40, 0x9D, 0xDB, 0xA2, 5, 0xF8, 0x20, 0x9D, 0xDB},
          {"key=248,null,\"Remote 9\"#1", "value=\"9D DB A2 05\",null,null#1", "remote_9=56.221,null,null#2"}},
