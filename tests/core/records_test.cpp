@@ -141,6 +141,9 @@ TEST(Records, ValuesByTheCorrectedDefinitions) {
         {60416, {16, 0, 1, 254, 255, 0x14, 0xF0, 1},
          {"total_number_of_frames_to_be_transmitted=254,null,null"}},
         {60416, {255, 1, 255, 255, 255, 0x14, 0xF0, 1}, {"abort_group_function_code=255,null,\"Abort\""}},
+        // 64 bits
+        {130061, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80}, {"source_name=9223372036854775808,null,null"}},
+        {126988, Bytes(30, 255), {"data_source_network_id_name=null,null,null"}},
         // a number of whole bytes that starts inside one
         {129815, {0, 26, 1, 0, 0, 0, 0x6F, 0xC7, 0x5F, 0xE9, 0xF0, 0xFF, 0xFF, 0xFF, 0xFF},
          {"destination_id=244710518,null,\"244710518\""}},
