@@ -137,7 +137,9 @@ inline char* write_moment(char* at, const FieldPlan& plan, const FieldParts& par
     }
     const std::uint16_t coded = find_coded_entry(plan, payload, walk.position);
     Stepping::read_quickly(walk, payload, units, scratch, parts.reading);
-    parts.available = is_available(parts.reading.value);
+    // A number of the corrected definitions is a value unless its own codes say that it is none.
+    parts.available = (is_integer(parts.reading.value.type) && is_of_corrected(format_plans[plan.format])) ||
+                      is_available(parts.reading.value);
     parts.look = FieldParts::Look::number;
     parts.unit = parts.reading.unit;
     parts.meaning = FieldParts::Meaning::none;

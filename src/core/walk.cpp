@@ -91,7 +91,9 @@ bool Stepping::resolve(State& w) {
     if (extra.key.bits != 0) {
         const std::uint16_t entry =
             find_entry(extra.key_set, static_cast<std::uint32_t>(number_at(w, extra.key)));
-        if (entry != no_entry) w.row = static_cast<std::uint16_t>(extra.key_rows + entry);
+        // A value of another size than its key has is another value: its bytes are all that is known of it.
+        if (entry != no_entry && (w.size < 0 || w.size == field_plans[extra.key_rows + entry].bits))
+            w.row = static_cast<std::uint16_t>(extra.key_rows + entry);
     }
     if (extra.index.bits != 0) {
         const std::uint16_t about = row_about(w, extra);

@@ -130,6 +130,40 @@ TEST(Records, Values) {
     EXPECT_EQ(brief(rendered(json)).back(), "aid_to_navigation_aton_name=null,null,null");
 }
 
+TEST(Records, ValuesByTheCorrectedDefinitions) {
+    const struct {
+        std::uint32_t pgn;
+        Bytes payload;
+        std::vector<std::string> fields;  // some of them
+        // clang-format off
+    } cases[] = {
+        // the highest codes: values where the definition says which codes are none, and where they have a text
+        {60416, {16, 0, 1, 254, 255, 0x14, 0xF0, 1},
+         {"total_number_of_frames_to_be_transmitted=254,null,null"}},
+        {60416, {255, 1, 255, 255, 255, 0x14, 0xF0, 1}, {"abort_group_function_code=255,null,\"Abort\""}},
+        // 64 bits
+        {130061, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80}, {"source_name=9223372036854775808,null,null"}},
+        {126988, Bytes(30, 255), {"data_source_network_id_name=null,null,null"}},
+        // a number of whole bytes that starts inside one
+        {129815, {0, 26, 1, 0, 0, 0, 0x6F, 0xC7, 0x5F, 0xE9, 0xF0, 0xFF, 0xFF, 0xFF, 0xFF},
+         {"destination_id=244710518,null,\"244710518\""}},
+        // an offset; a unit that no quantity has
+        {127513, {0, 0, 0, 0, 0, 0, 125, 0}, {"peukert_exponent=1.25,null,null"}},
+        {130324, Bytes(40, 1), {"pressure_tendency_rate=2570,null,null"}},
+        // a value of another size than its key has
+        {130824, {0x7D, 0x99, 0xF8, 0x40, 0x9D, 0xDB, 0xA2, 5, 0xF8, 0x20, 0x9D, 0xDB},
+         {"key=248,null,\"Remote 9\"#1", "value=\"9D DB A2 05\",null,null#1", "remote_9=56.221,null,null#2"}},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const auto fields =
+            brief(json_of(message(c.pgn, c.payload), Definitions::corrected, UnitSelection::si()));
+        for (const std::string& field : c.fields)
+            EXPECT_NE(std::ranges::find(fields, field), fields.end())
+                << field << " in " << testing::PrintToString(fields);
+    }
+}
+
 TEST(Records, WhateverHasAValueHasItInSi) {
     TextScratch scratch;
     std::mt19937 random(5);

@@ -305,7 +305,7 @@ def set_reading(field, given, context):
     elif coding in ("u", "i", "duration", "field_index", "key_length"):
         field.reading = whole(bits, signed, none)
     elif coding in ("code", "flags", "key", "pgn", "name"):
-        field.reading = whole(bits, False, none if "none" in given.options else ((), None))
+        field.reading = whole(bits, False, none if "none" in given.options or coding == "name" else ((), None))
         if coding == "pgn":
             field.form, field.reading = "pgn_title", whole(bits, False, none)
     elif coding == "mmsi":

@@ -223,7 +223,7 @@ def format_line(out, reading):
     if reading[0] in NUMBERS:
         name, kind, times, over, offset, rule, codes, first_reserved = reading
         width, signed = int(kind[1:]), kind[0] == "i"
-        codes = [*codes, *[NO_CODES] * (2 - len(codes))]
+        codes = [*codes, *(codes[-1:] or [NO_CODES]) * 2][:2]
         measure = (f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, "
                    f"{{{', '.join(map(str, codes))}}}}},")
         if measure not in out.measures:
