@@ -366,7 +366,7 @@ void Building::report_unused(const Bytes& beginning) {
         if (used_[i]) continue;
         const std::string& label = fields_[i].label;
         if (is_of_later_round(label)) {
-            if (has_typed_count())
+            if (has_typed_count() && length_ < N2K_MAX_PAYLOAD)
                 errors_.push_back(concat(in_quotes(label), " has a round more than the count says"));
             else
                 report_full(label);

@@ -443,6 +443,7 @@ TEST(Encode, TypedFieldsOfCorrectedDefinitions) {
         {130574, "Zone Number=1|Zone Name=a|Zone Number=2", "FF02FF01030161020201"},
         {127503, "", "FF00"}, {127503, "Number of Lines=9", "FF09"},
         {130574, "Number of Zone Numbers in this PGN=1|Zone Number #2=7", "'Zone Number #2' has a round more than the count says"},
+        {127503, "Number of Lines=252|Line #252=1", "does not fit into the 1785 bytes of a message"},
         // sizes in bits and in bytes, of a key's value
         {129814, "Binary Data=01 02 03", "FFFFFFFFFFFFFFFFFFFFFFFF1800010203"},
         {130824, "Manufacturer Code=B & G|Key #1=Rudder Angle|Rudder Angle=5 \u00B0", "7D990B206903"},
