@@ -22,6 +22,19 @@ const FieldDef* field_at_link(std::span<const FieldDef> fields, std::size_t from
     return at == link.offset ? &fields[from] : nullptr;
 }
 
+/// Size of the field that a walk has come to, whatever another one says: of the value of a key, what the key
+/// has.
+int own_bits(const MessageWalk& walk, const FieldPlan& planned) {
+    const FieldExtra& extra = field_extras[planned.extra];
+    const Stepping::State& state = Stepping::state(walk);
+    const int position = walk.position.byte * 8 + walk.position.bit;
+    const int at = extra.key.is_absolute != 0 ? extra.key.offset : position + extra.key.offset;
+    if (extra.key.bits == 0 || at < 0 || at + extra.key.bits > state.end) return planned.bits;
+    const auto key = static_cast<std::uint32_t>(gather_bits(state.data, at, extra.key.bits));
+    const std::uint16_t entry = find_entry(extra.key_set, key);
+    return entry != no_entry ? field_plans[extra.key_rows + entry].bits : planned.bits;
+}
+
 TextLayout layout_of(Reading reading) {
     switch (reading) {
         case Reading::text_sent: return TextLayout::sent;
@@ -66,17 +79,19 @@ FieldCoding coding_of(const MessageWalk& walk) {
     const FieldPlan& plan = Stepping::plan(state);
     const FormatPlan& format = format_plans[plan.format];
     FieldCoding coding{};
+    const FieldPlan& planned = field_plans[state.planned];
     coding.row = &field_row(state.planned);
     if (plan.enumeration != no_set) coding.texts = &enum_sets[plan.enumeration];
     coding.high = state.is_resolved ? state.high : 0;
     coding.is_number = plan.form == Form::coded;
+    coding.is_last = planned.next == end_row && (planned.flags & in_group) == 0;
     coding.names_pgn = plan.form == Form::pgn_title;
     coding.text = layout_of(format.reading);
     coding.header = coding.text == TextLayout::sent ? format.width : std::uint8_t{0};
     const Measure& measure = measures[format.measure];
     coding.has_none = measure.none[0] != INT64_MIN;
     coding.none = measure.none[0];
-    coding.own_bits = plan.bits;
+    coding.own_bits = state.row == state.planned || state.size >= 0 ? own_bits(walk, planned) : plan.bits;
     coding.bits = state.is_resolved && state.size >= 0 ? state.size : plan.bits;
     return coding;
 }

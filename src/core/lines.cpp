@@ -78,7 +78,9 @@ template <class Out, class Reading>
         out.put('-');
         return field.unit;
     }
-    const Shown shown{plan.form, plan.enumeration, high, field.quantity, field.unit, plain_numbers};
+    const bool every_code = is_of_corrected(format_plans[plan.format]);
+    const Shown shown{plan.form,  plan.enumeration, high,      field.quantity,
+                      field.unit, plain_numbers,    every_code};
     return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
 }
 

@@ -21,7 +21,8 @@ struct Shown {
     std::uint32_t high;  ///< added to the number that it is asked for
     DispDataType quantity;
     UnitId unit;
-    bool plain_numbers;  ///< without their hexadecimal form
+    bool plain_numbers;       ///< without their hexadecimal form
+    bool every_code = false;  ///< no code of an integer is reserved
 };
 
 /// Characters of a text that one value shows at the most.
@@ -294,8 +295,8 @@ inline char* write_hours(char* at, std::uint32_t seconds) {
 
 /// A value that no other form serves.
 template <class Out>
-void put_plainly(Out& out, const Value& v, bool plain_numbers) {
-    if (!is_available(v)) {
+void put_plainly(Out& out, const Value& v, bool plain_numbers, bool every_code) {
+    if (!is_available(v) && !(every_code && is_integer(v.type))) {
         out.put('-');
         return;
     }
@@ -361,7 +362,7 @@ bool put_value(Out& out, const Shown& shown, const Value& v) {
     if (shown.quantity == quantity::message_id)
         put_hexadecimal(out, v);
     else if (v.type == ValueType::text || !is_available(v) || !put_by_quantity(out, shown, v))
-        put_plainly(out, v, shown.plain_numbers);
+        put_plainly(out, v, shown.plain_numbers, shown.every_code);
     return true;
 }
 

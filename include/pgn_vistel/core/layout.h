@@ -43,6 +43,7 @@ struct FieldCoding {
     const DDstrings* texts;  ///< of its codes, or null
     std::uint32_t high;      ///< is added to a code when its text is looked for
     bool is_number;          ///< `texts` names only some codes, all others are numbers with a unit
+    bool is_last;            ///< nothing follows in the definition, and it does not repeat
     bool names_pgn;          ///< the number is a PGN
     TextLayout text;
     std::uint8_t header;  ///< bytes in front of a text that is `sent`
