@@ -66,7 +66,7 @@ bool is_choice(FieldCell& cell, const CodedChoice& choice) {
     if (bits < 32 && choice.value >> bits != 0) return false;
     if (holds_flags(cell)) return true;
     cell.put(choice.value);
-    return !is_available(cell.read(unit::raw_count).value) || cell.shown() == choice.text;
+    return !cell.is_value(cell.read(unit::raw_count).value) || cell.shown() == choice.text;
 }
 
 }  // namespace

@@ -71,6 +71,10 @@ FieldReading FieldCell::read(UnitId unit) const {
     return read_field(msg_, row(), start(), context_.units, unit, context_.scratch);
 }
 
+bool FieldCell::is_value(const Value& value) const {
+    return is_available(value) || (is_corrected() && is_integer(value.type));
+}
+
 PayloadPosition FieldCell::next() const {
     if (is_corrected() && written_ >= 0) return {start().byte + written_, start().bit};
     return read(unit::raw_bits).next;
@@ -85,6 +89,10 @@ bool FieldCell::holds_text() const {
 
 bool FieldCell::holds_bytes() const {
     return is_corrected() ? coding_.text == TextLayout::bytes : dd().df == format::hex_dump;
+}
+
+bool FieldCell::may_end_message() const {
+    return !is_corrected() || coding_.bits == 0 || (coding_.is_last && is_fast_packet(msg_.pgn));
 }
 
 bool FieldCell::holds_sized_text() const {
@@ -153,7 +161,7 @@ void FieldCell::clear() {
     // All bits set, or for signed numbers all but the sign.
     const auto available = [this](std::uint64_t code) {
         put(code);
-        return is_available(read(unit::raw_count).value);
+        return is_value(read(unit::raw_count).value);
     };
     const std::uint64_t all = ones(bits());
     if (available(all) && available(all >> 1)) put(all);

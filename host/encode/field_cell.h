@@ -46,12 +46,16 @@ class FieldCell {
     pgn_vistel::core::FieldReading read(
         pgn_vistel::core::UnitId unit = pgn_vistel::core::unit::selected) const;
     pgn_vistel::core::PayloadPosition next() const;
+    /// Whether the value is one: corrected definitions reserve no code beside those that they name.
+    bool is_value(const pgn_vistel::core::Value& value) const;
 
     /// Whether the format is one of texts, whatever is in it; or of bytes in hexadecimal.
     bool holds_text() const;
     bool holds_bytes() const;
     /// Of a text, whether its size is part of it.
     bool holds_sized_text() const;
+    /// Whether a message may end in the middle of the field.
+    bool may_end_message() const;
     /// Texts of the field's codes, or null.
     const pgn_vistel::core::DDstrings* texts() const { return coding_.texts; }
     bool names_pgn() const { return coding_.names_pgn; }

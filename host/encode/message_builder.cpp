@@ -145,6 +145,8 @@ class Building {
     bool has_count_ = false;             // a field has the number of rounds
     std::optional<FieldCell> count_;     // that field, unless it is given
     std::span<const MessageCondition> conditions_;
+    bool is_again_ = false;          // the message has been built once
+    bool depends_on_later_ = false;  // a field
     std::vector<Entered> entered_;
     std::vector<Place> settled_;  // fields for which the ones that they depend on have been written
     std::vector<std::string> labels_;
@@ -415,7 +417,7 @@ BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fi
     const ListedMessage message = listed(pgn_);
     const int most = message.longest > 0 ? message.longest : N2K_MAX_PAYLOAD;
     conditions_ = message.conditions;
-    begin_message(msg_, {});
+    if (!is_again_) begin_message(msg_, {});
     apply(conditions_, msg_);
     MessageWalk walk(&pgn_, msg_);
     while (!full_) {
@@ -423,6 +425,7 @@ BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fi
         if (!walk.next()) break;
         const FieldCoding coding = coding_of(walk);
         const FieldLinks links = links_of(pgn_, *coding.row);
+        depends_on_later_ |= coding.high != 0;
         if (settle(walk, coding, links)) {
             walk = before;
             continue;
@@ -442,6 +445,15 @@ BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fi
         if (!walk.next()) break;
         walk.position = cell.next();
     }
+    if (depends_on_later_ && !is_again_) {
+        // Texts of a code may depend on a field behind it, which is there now.
+        Building again(context_, msg_.pgn, pgn_, fields_);
+        again.msg_ = msg_;
+        again.is_again_ = true;
+        return again.build_corrected(rest, fills_frame);
+    }
+    std::memset(msg_.data + std::min(length_, N2K_MAX_PAYLOAD), 0xFF,
+                static_cast<std::size_t>(N2K_MAX_PAYLOAD - std::min(length_, N2K_MAX_PAYLOAD)));
     if (rest) {
         const int at = walk.has_undecoded_rest() ? walk.undecoded_from() : length_;
         const auto room = static_cast<std::size_t>(std::max(0, N2K_MAX_PAYLOAD - at));
@@ -658,8 +670,10 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
     std::vector<std::string> fitting;
     for (const PgnDef* const definition : definitions) {
         if (definitions.size() > 1 && fields_of(*definition).empty()) continue;
-        if (definition->pgn == 0 && !parts->payload) continue;  // nothing but the maker
+        const bool is_of_maker = definition->pgn == 0;  // of whom nothing else is known
+        if (is_of_maker && !parts->payload) continue;
         BuiltMessage built = build_corrected(context, number, *definition, fields);
+        if (built && parts->payload && (has_payload_field(*definition) || is_of_maker)) return built;
         if (built) fitting.emplace_back(pgn_name(definition));
         if (built || !best || (!*best && built.error().texts.size() < best->error().texts.size())) {
             best = std::move(built);

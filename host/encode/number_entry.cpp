@@ -20,24 +20,26 @@ namespace {
 constexpr double most_exact = 0x1p53;  // whole numbers below are doubles of their own
 
 /// An integer, with its sign in all bits.
-std::optional<std::uint64_t> integer_in(const Value& v) {
+std::optional<std::uint64_t> integer_in(const FieldCell& cell, UnitId unit) {
     using Integer = std::optional<std::uint64_t>;
-    if (!is_available(v)) return {};
+    const Value v = cell.read(unit).value;
+    if (!cell.is_value(v)) return {};
     return visit_number(v, Integer(), [](auto number) {
         return std::is_integral_v<decltype(number)> ? Integer(static_cast<std::uint64_t>(number)) : Integer();
     });
 }
 
-std::optional<double> number_in(const Value& v) {
+std::optional<double> number_in(const FieldCell& cell, UnitId unit) {
     using Number = std::optional<double>;
-    if (!is_available(v)) return {};
+    const Value v = cell.read(unit).value;
+    if (!cell.is_value(v)) return {};
     return visit_number(v, Number(), [](auto number) { return Number(static_cast<double>(number)); });
 }
 
 bool has_values(FieldCell& cell, UnitId unit) {
     for (const std::uint64_t raw : {0u, 1u}) {
         cell.put(raw);
-        if (is_available(cell.read(unit).value)) return true;
+        if (cell.is_value(cell.read(unit).value)) return true;
     }
     return false;
 }
@@ -90,7 +92,7 @@ std::uint64_t significant(std::string_view typed) {
 /// Integers that decoding shows as they are sent, in all their bits.
 bool enter_integer(FieldCell& cell, std::uint64_t number, UnitId unit) {
     cell.put(number);
-    return integer_in(cell.read(unit).value) == number;
+    return integer_in(cell, unit) == number;
 }
 
 /// Whether `raw`, the nearest to the number, stands for it but for rounding. `whole` numbers are typed digit
@@ -98,7 +100,7 @@ bool enter_integer(FieldCell& cell, std::uint64_t number, UnitId unit) {
 bool is_meant(FieldCell& cell, const RawScale& scale, std::uint64_t raw, double number, bool whole,
               UnitId unit) {
     cell.put(raw);
-    if (!integer_in(cell.read(unit).value)) return scale.meets(raw, number);
+    if (!integer_in(cell, unit)) return scale.meets(raw, number);
     return (!whole || std::fabs(number) < most_exact) && scale.meets(raw, number, 0);
 }
 
@@ -201,7 +203,7 @@ RawScale scale_of(FieldCell& cell, UnitId unit) {
     return RawScale(
         [cell, unit](std::uint64_t raw) mutable {
             cell.put(raw);
-            return number_in(cell.read(unit).value);
+            return number_in(cell, unit);
         },
         cell.bits());
 }

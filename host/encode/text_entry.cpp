@@ -32,10 +32,9 @@ Status enter_bytes(FieldCell& cell, std::string_view text) {
     if (!bytes) return failure(in_quotes(text), " is not bytes, as in 01 02 FF");
     if (const std::size_t room = cell.room(); bytes->size() > room)
         return failure("has ", room, " bytes, not ", bytes->size());
-    const bool is_sized = cell.is_corrected() && cell.coding().bits > 0;
-    if (is_sized) cell.clear();
+    if (cell.is_corrected()) cell.clear();
     cell.write(*bytes);
-    if (!is_sized) cell.end_behind(static_cast<int>(bytes->size()));
+    if (cell.may_end_message()) cell.end_behind(static_cast<int>(bytes->size()));
     return done;
 }
 

@@ -196,7 +196,7 @@ TypedField typed_field(const FieldCell& cell) {
     const FieldReading reading = cell.read();
     const bool is_exact = is_integer(reading.value.type) && reading.quantity == quantity::no_quantity;
     const bool is_number =
-        is_available(reading.value) && cell.texts() == nullptr && !is_exact && !is_moment(cell);
+        cell.is_value(reading.value) && cell.texts() == nullptr && !is_exact && !is_moment(cell);
     const std::string digits = is_number ? digits_of(reading.value) : "";
     const bool is_plain = digits.empty() || reading.value.type == ValueType::seconds;
     return {cell.label(), is_plain ? cell.shown(true) : concat(digits, " ", unit_text(reading.unit))};
@@ -207,7 +207,7 @@ TypedField typed_field(const FieldCell& cell) {
 /// numbers of the base's formats and of 64 bits have more digits than a value.
 bool may_lose_bits(const FieldCell& cell) {
     const FieldReading reading = cell.read();
-    return is_moment(cell) || cell.texts() != nullptr || !is_available(reading.value) ||
+    return is_moment(cell) || cell.texts() != nullptr || !cell.is_value(reading.value) ||
            reading.value.type == ValueType::seconds ||
            (cell.bits() >= 24 && (reading.value.type == ValueType::single || cell.bits() == 64));
 }
@@ -452,6 +452,8 @@ TEST(Encode, TypedFieldsOfCorrectedDefinitions) {
                  "Heading Sensor Reading=1 rad", "0112F101FF01021027"},
         // bytes behind the fields, the whole payload, a field of that name
         {65300, "Manufacturer Code=137|Industry Code=4|Reserved=3|Data=01 02", "89980102"}, {65300, "Data=0102", "0102"},
+        // bytes that the message ends with, bytes before other fields
+        {130822, "Manufacturer Code=Navico|Command=2|Marker=1|Section=1|Data=0102", "139901C2FF01FF0102"},
         // a text with its length, an identity, a code without a text
         {130820, "Manufacturer Code=Fusion Electronics|Message ID=Zone Name|Number=2|Name=Deck", "A3992D8002044465636B00"},
         {129038, "User ID=002345678|Repeat Indicator=1", "7FCECA2300FFFFFF7FFFFFFF7FFFFFFFFFFFFFFFFFFFFFFF7FFFFFFF"},
