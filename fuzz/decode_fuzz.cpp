@@ -75,7 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     static QV_N2K_PGN_DB_c db;
     UnitSelection units;
     for (int q = 0; q < quantity::count; ++q) {
-        const UnitId u = in.unit < unit::count ? in.unit : (in.unit + q) % unit::count;
+        constexpr int count = unit::kelvin;  // the last one, which the text interface does not have
+        const UnitId u = in.unit < count ? in.unit : (in.unit + q) % count;
         require(units.select(q, u) && db.SelectUnit(q, u) == 0, "not selected");
     }
     N2KMsg msg{};
