@@ -91,9 +91,13 @@ bool Stepping::resolve(State& w) {
     if (extra.key.bits != 0) {
         const std::uint16_t entry =
             find_entry(extra.key_set, static_cast<std::uint32_t>(number_at(w, extra.key)));
-        // A value of another size than its key has is another value: its bytes are all that is known of it.
-        if (entry != no_entry && (w.size < 0 || w.size == field_plans[extra.key_rows + entry].bits))
-            w.row = static_cast<std::uint16_t>(extra.key_rows + entry);
+        if (entry != no_entry) {
+            const auto row = static_cast<std::uint16_t>(extra.key_rows + entry);
+            // A length that is not available leaves it to the key. A value of another size than its key has
+            // is another value: its bytes are all that is known of it.
+            if (extra.size.bits != 0 && number_at(w, extra.size) == all_ones(extra.size.bits)) w.size = -1;
+            if (w.size < 0 || w.size == field_plans[row].bits) w.row = row;
+        }
     }
     if (extra.index.bits != 0) {
         const std::uint16_t about = row_about(w, extra);

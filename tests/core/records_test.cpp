@@ -150,9 +150,9 @@ TEST(Records, ValuesByTheCorrectedDefinitions) {
         // an offset; a unit that no quantity has
         {127513, {0, 0, 0, 0, 0, 0, 125, 0}, {"peukert_exponent=1.25,null,null"}},
         {130324, Bytes(40, 1), {"pressure_tendency_rate=2570,null,null"}},
-        // a value of another size than its key has
-        {130824, {0x7D, 0x99, 0xF8, 0x40, 0x9D, 0xDB, 0xA2, 5, 0xF8, 0x20, 0x9D, 0xDB},
-         {"key=248,null,\"Remote 9\"#1", "value=\"9D DB A2 05\",null,null#1", "remote_9=56.221,null,null#2"}},
+        // a value of another size than its key has, of the same, of one that is not available
+        {130824, {0x7D, 0x99, 0xF8, 0x40, 0x9D, 0xDB, 0xA2, 5, 0xF8, 0x20, 0x9D, 0xDB, 0xF8, 0xF0, 1, 0},
+         {"key=248,null,\"Remote 9\"#1", "value=\"9D DB A2 05\",null,null#1", "remote_9=56.221,null,null#2", "remote_9=0.001,null,null#3"}},
         // clang-format on
     };
     for (const auto& c : cases) {
