@@ -14,6 +14,7 @@
 #include "commands/output_status.h"
 #include "encode/calendar_entry.h"
 #include "encode/choices.h"
+#include "encode/definitions.h"
 #include "encode/message_builder.h"
 #include "encode/message_lines.h"
 #include "encode/number_entry.h"

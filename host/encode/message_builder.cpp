@@ -5,13 +5,13 @@
 #include <iterator>
 
 #include "can/identifier.h"
+#include "encode/definitions.h"
+#include "encode/labels.h"
 #include "encode/number_entry.h"
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "encode/value_entry.h"
 #include "output/unit_names.h"
-#include "pgn_vistel/core/listing.h"
-#include "text/characters.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
 #include "text/words.h"
@@ -29,58 +29,6 @@ void begin_message(N2KMsg& msg, const Bytes& beginning) {
     msg.length = N2K_MAX_PAYLOAD;
     std::memset(msg.data, 0xFF, N2K_MAX_PAYLOAD);
     std::ranges::copy(beginning, msg.data);
-}
-
-/// What is listed of a definition: of a maker's messages, nothing.
-ListedMessage listed(const PgnDef& definition) {
-    for (std::size_t i = 0; i < listed_message_count(); ++i)
-        if (const ListedMessage message = listed_message(i); message.row == &definition) return message;
-    return {};
-}
-
-/// @{ the bits that tell the variant of a corrected definition
-void apply(std::span<const MessageCondition> conditions, N2KMsg& msg) {
-    for (const MessageCondition& each : conditions) put_bits(msg, each.bit, each.width, each.value);
-}
-
-bool hold(std::span<const MessageCondition> conditions, const N2KMsg& msg) {
-    N2KMsg applied = msg;
-    apply(conditions, applied);
-    return std::ranges::equal(applied.data, msg.data);
-}
-/// @}
-
-/// Whether the field has the number of rounds of a repeating group of its message.
-bool counts_rounds(const PgnDef& definition, const FieldDef& field) {
-    return std::ranges::any_of(fields_of(definition), [&](const FieldDef& row) {
-        return links_of(definition, row).count == &field;
-    });
-}
-
-/// The label without the number of its round, and that number; 0 for none.
-struct NumberedLabel {
-    std::string_view text;
-    int round;
-};
-NumberedLabel numbered(std::string_view label) {
-    const std::size_t sign = label.rfind(" #");
-    if (sign == label.npos) return {label, 0};
-    int round = 0;
-    for (const char c : label.substr(sign + 2)) {
-        if (!is_digit(c) || round > N2K_MAX_PAYLOAD) return {label, 0};
-        round = round * 10 + (c - '0');
-    }
-    return round > 0 ? NumberedLabel{label.substr(0, sign), round} : NumberedLabel{label, 0};
-}
-
-bool same_label(std::string_view a, std::string_view b) {
-    return simplified(trimmed(a)) == simplified(trimmed(b));
-}
-
-/// Whether the typed label is the one that decoding shows. The number of a round may be left out.
-bool means_label(std::string_view typed, std::string_view shown) {
-    const NumberedLabel without_number = numbered(shown);
-    return same_label(typed, shown) || (without_number.round > 0 && same_label(typed, without_number.text));
 }
 
 class Building {
@@ -697,36 +645,6 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
                                     in_quotes(std::string(pgn_name(nearest))), " comes nearest; ",
                                     "'vistel encode --list ", number, "' names them"));
     return failures;
-}
-
-bool is_fixed(const PgnDef& definition, const FieldCell& cell) {
-    N2KMsg none{}, all{};
-    std::ranges::fill(all.data, std::uint8_t{0xFF});
-    const std::span<const MessageCondition> conditions = listed(definition).conditions;
-    apply(conditions, none);
-    apply(conditions, all);
-    const int first = cell.start().byte * 8 + cell.start().bit;
-    for (int bit = first; bit < first + cell.bits(); ++bit)
-        if (((none.data[bit / 8] ^ all.data[bit / 8]) >> bit % 8 & 1) != 0) return false;
-    return true;
-}
-
-std::string_view variant_of(const PgnDef& definition) {
-    return listed(definition).variant;
-}
-
-std::vector<const PgnDef*> definitions_of(std::uint32_t pgn) {
-    std::vector<const PgnDef*> result;
-    for (const PgnDef& row : all_corrected_pgns())
-        if (row.pgn == pgn && pgn != 0) result.push_back(&row);
-    constexpr int header_size = 2;
-    N2KMsg msg{};
-    msg.pgn = pgn;
-    begin_message(msg, {});
-    msg.length = header_size;
-    const PgnDef* const of_maker = find_definition(Definitions::corrected, msg);
-    if (of_maker != nullptr && of_maker->pgn == 0) result.push_back(of_maker);
-    return result;
 }
 
 }  // namespace vistel

@@ -45,17 +45,6 @@ BuiltMessage build_by_any(ReadingContext& context, std::uint32_t number,
                           const std::vector<const pgn_vistel::core::PgnDef*>& definitions,
                           const std::vector<TypedField>& fields);
 
-/// The corrected definitions of a PGN, in the order in which they are tried; of a proprietary one, also that
-/// of messages of which nothing but the maker is known.
-std::vector<const pgn_vistel::core::PgnDef*> definitions_of(std::uint32_t pgn);
-
-/// What a corrected definition is called in the catalogue, unlike others of its PGN; empty where it is that
-/// of messages of which nothing but the maker is known.
-std::string_view variant_of(const pgn_vistel::core::PgnDef& definition);
-
-/// Whether the field of a corrected definition has always the same bits, which tell the variant.
-bool is_fixed(const pgn_vistel::core::PgnDef& definition, const FieldCell& cell);
-
 /// Visits the fields of an empty message, of a repeating group the first round. Of several variants of a PGN,
 /// those of the one that begins with `variant`.
 void visit_fields(ReadingContext& context, const pgn_vistel::core::PgnDef& pgn,

@@ -7,10 +7,10 @@
 #include <tuple>
 
 #include "encode/choices.h"
+#include "encode/definitions.h"
 #include "encode/message_builder.h"
 #include "encode/number_entry.h"
 #include "output/unit_names.h"
-#include "pgn_vistel/core/listing.h"
 #include "text/hex.h"
 
 using namespace pgn_vistel::core;
@@ -180,12 +180,6 @@ TEST(Encode, EveryUnitOfEveryNumber) {
 
 // ---- corrected definitions ----
 
-ListedMessage listed(const PgnDef& definition) {
-    std::size_t i = 0;
-    while (i < listed_message_count() && listed_message(i).row != &definition) ++i;
-    return i < listed_message_count() ? listed_message(i) : ListedMessage{};
-}
-
 bool is_moment(const FieldCell& cell) {
     const DispDataType quantity = cell.read().quantity;
     return quantity == quantity::date || quantity == quantity::time_of_day;
@@ -232,10 +226,7 @@ std::string random_text(const FieldCell& cell, std::mt19937_64& random) {
 /// that.
 N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt19937_64& random) {
     const ListedMessage message = listed(definition);
-    const auto put_conditions = [&message](N2KMsg& to) {
-        for (const MessageCondition& each : message.conditions)
-            put_bits(to, each.bit, each.width, each.value);
-    };
+    const auto put_conditions = [&message](N2KMsg& to) { apply(message.conditions, to); };
     std::set<const FieldDef*> counts, sizes;
     for (const FieldDef& row : fields_of(definition)) {
         counts.insert(links_of(definition, row).count);
