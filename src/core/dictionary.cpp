@@ -136,12 +136,12 @@ DF format_of_quantity(DispDataType quantity) {
 }
 
 std::uint16_t find_set(std::uint32_t dd) {
-    const auto last = enum_sets + sorted_sets, base_end = enum_sets + base_sets;
+    const DDstrings* const last = enum_sets + sorted_sets;
     auto set = std::lower_bound(enum_sets, last, dd,
                                 [](const DDstrings& s, std::uint32_t sought) { return s.dd < sought; });
     if (set == last || set->dd != dd)
-        set = std::find_if(last, base_end, [dd](const DDstrings& s) { return s.dd == dd; });
-    return set != base_end ? static_cast<std::uint16_t>(set - enum_sets) : no_set;
+        set = std::ranges::find(last, enum_sets + base_sets, dd, &DDstrings::dd);
+    return set != enum_sets + base_sets ? static_cast<std::uint16_t>(set - enum_sets) : no_set;
 }
 
 const DDstrings* find_enumeration(std::uint32_t dd) {

@@ -60,8 +60,8 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     if (aligned)
         raw.bits = load_bytes(payload.data, byte, available);
     else
-        // Of the text interface, a field sized in bytes that starts inside a byte reads as zeros: the gathering
-        // keeps its 0 bits.
+        // Of the text interface, a field sized in bytes that starts inside a byte reads as zeros: the
+        // gathering keeps its 0 bits.
         raw.bits = gather_bits(payload.data, position,
                                is_of_corrected(*shape.format) ? shape.bits + 8 * shape.bytes : shape.bits);
 

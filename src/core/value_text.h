@@ -108,8 +108,7 @@ void put_pgn(Out& out, Form form, std::uint32_t number) {
         return write_unsigned(at, number);
     });
     out.put(" (");
-    const std::string_view name = pgn_name(find_named(form, number));
-    if (name.size() > 0) out.put(name);
+    out.put(pgn_name(find_named(form, number)));
     out.put(')');
 }
 
