@@ -15,8 +15,21 @@ struct Stepping {
     static const FieldPlan& plan(const State& w) { return field_plans[w.row]; }
     static int round(const State& w) { return (field_plans[w.planned].flags & in_group) != 0 ? w.round : 0; }
 
-    static bool next(State& w) {
+    [[gnu::always_inline]] static bool next(State& w) {
         w.is_resolved = false;
+        if (!w.ends_round && !w.is_picky && w.upcoming != end_row && w.position < w.end) [[likely]] {
+            const FieldPlan& p = field_plans[w.upcoming];
+            if ((p.flags & (first_of_group | last_of_group | linked)) == 0) [[likely]] {
+                w.row = w.planned = w.upcoming;
+                w.upcoming = p.next;
+                return true;
+            }
+        }
+        return next_with_care(w);
+    }
+
+    /// Whatever is more than the next row: groups, what a field depends on, rows that are judged, the end.
+    [[gnu::noinline]] static bool next_with_care(State& w) {
         for (;;) {
             if (w.ends_round && !begin_round(w)) return finish(w, true);
             if (w.is_picky && !pick(w)) return false;
@@ -25,8 +38,6 @@ struct Stepping {
             w.row = w.planned = w.upcoming;
             const FieldPlan& p = field_plans[w.row];
             w.upcoming = p.next;
-            if ((p.flags & (first_of_group | last_of_group | linked)) == 0) [[likely]]
-                return true;
             if ((p.flags & linked) != 0 && !resolve(w)) continue;
             remember(w, p.flags);
             return true;
