@@ -25,7 +25,7 @@ void apply(std::span<const pgn_vistel::core::MessageCondition> conditions, N2KMs
 /// Whether it has them.
 bool hold(std::span<const pgn_vistel::core::MessageCondition> conditions, const N2KMsg& msg);
 
-/// Whether the field of a definition has always the same bits, which tell the variant.
+/// Whether the field of a definition has the same bits in every message of the variant.
 bool is_fixed(const pgn_vistel::core::PgnDef& definition, const FieldCell& cell);
 
 /// Whether the field has the number of rounds of a repeating group of its message.
