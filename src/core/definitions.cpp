@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <iterator>
 
 #include "core/read.h"
@@ -60,31 +59,11 @@ constexpr Range proprietary_ranges[] = {
 #include "proprietary_ranges.inc"
 };
 
-constexpr std::uint16_t no_list = 0xFFFF;
-
-/// Lists of a dense range of PGNs: every message asks.
-template <std::uint32_t first, std::uint32_t last>
-class ListIndex {
-  public:
-    consteval ListIndex() {
-        places_.fill(no_list);
-        for (std::size_t i = 0; i < std::size(lists); ++i)
-            if (lists[i].pgn >= first && lists[i].pgn <= last)
-                places_[lists[i].pgn - first] = static_cast<std::uint16_t>(i);
-    }
-    std::uint16_t operator[](std::uint32_t pgn) const {
-        return pgn - first < places_.size() ? places_[pgn - first] : no_list;
-    }
-
-  private:
-    std::array<std::uint16_t, last - first + 1> places_{};
-};
-constexpr ListIndex<0x0E800, 0x0FFFF> data_page_0;
-constexpr ListIndex<0x1ED00, 0x1FFFF> data_page_1;
+constexpr PgnIndex index{std::span<const VariantList>(lists)};
 
 const VariantList* find_list(std::uint32_t pgn) {
-    const std::uint16_t place = pgn >= 0x10000 ? data_page_1[pgn] : data_page_0[pgn];
-    return place != no_list ? &lists[place] : nullptr;
+    const std::uint16_t place = index[pgn];
+    return place != end_row ? &lists[place] : nullptr;
 }
 
 std::span<const Variant> variants_of(std::uint32_t pgn) {

@@ -1,4 +1,3 @@
-#include <array>
 #include <cassert>
 #include <iterator>
 
@@ -19,25 +18,7 @@ constexpr RepeatSetDef repeat_set_table[] = {
 #include "repeat_set_table.inc"
 };
 
-/// Rows of a dense range of PGNs: every message asks.
-template <std::uint32_t first, std::uint32_t last>
-class RowIndex {
-  public:
-    consteval RowIndex() {
-        rows_.fill(end_row);
-        for (const PgnDef& row : base)
-            if (row.pgn >= first && row.pgn <= last)
-                rows_[row.pgn - first] = static_cast<std::uint16_t>(binary_search(base, row.pgn));
-    }
-    std::uint16_t operator[](std::uint32_t pgn) const {
-        return pgn - first < rows_.size() ? rows_[pgn - first] : end_row;
-    }
-
-  private:
-    std::array<std::uint16_t, last - first + 1> rows_{};
-};
-constexpr RowIndex<0x0E800, 0x0FFFF> data_page_0;
-constexpr RowIndex<0x1ED00, 0x1FFFF> data_page_1;
+constexpr PgnIndex index{base};
 
 }  // namespace
 
@@ -47,7 +28,7 @@ constexpr PgnPlan pgn_plans[] = {
 static_assert(std::size(pgn_plans) == std::size(pgn_table));
 
 std::uint16_t find_pgn_row(std::uint32_t pgn) {
-    return pgn >= 0x10000 ? data_page_1[pgn] : data_page_0[pgn];
+    return index[pgn];
 }
 
 const PgnDef* find_pgn_def(std::uint32_t pgn) {
