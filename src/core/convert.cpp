@@ -223,10 +223,6 @@ int convert_self_described(DF df, std::uint64_t bits, UnitId u, TextScratch& scr
 
 // ---- numbers of the corrected definitions ----
 
-bool is_none(const FormatPlan& format, const Measure& measure, std::int64_t number) {
-    return number >= format.first_reserved || number == measure.none[0] || number == measure.none[1];
-}
-
 void convert_whole(const FormatPlan& format, const RawField& raw, Value& out) {
     const std::int64_t number = widened(raw.bits, format.width, format.is_signed != 0);
     if (is_none(format, measures[format.measure], number))

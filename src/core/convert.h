@@ -94,6 +94,11 @@ inline bool is_fine(const FormatPlan& format, std::int64_t number) {
            number <= -most;
 }
 
+/// Whether a number of the corrected definitions is a code that is no value.
+inline bool is_none(const FormatPlan& format, const Measure& measure, std::int64_t number) {
+    return number >= format.first_reserved || number == measure.none[0] || number == measure.none[1];
+}
+
 /// A number of the corrected definitions in a unit that has a factor. Single precision does not see the
 /// roundings of double precision: no decimal of so few digits lies in the middle between two singles. What is
 /// fine is exact but for the one rounding of the division, in the unit that it is counted in.

@@ -147,7 +147,7 @@ struct QuickNumber {
         out.integer = number;
     } else if (format.reading == Reading::measured) {
         const Measure& measure = measures[format.measure];
-        if (number == measure.none[0] || number == measure.none[1]) {
+        if (is_none(format, measure, number)) {
             out.kind = Kind::none;
             return out;
         }
@@ -160,9 +160,7 @@ struct QuickNumber {
             out.single = static_cast<float>(value);
         }
     } else if (format.reading == Reading::whole) {
-        const Measure& measure = measures[format.measure];
-        const bool is_none = number == measure.none[0] || number == measure.none[1];
-        out.kind = is_none ? Kind::none : Kind::integer;
+        out.kind = is_none(format, measures[format.measure], number) ? Kind::none : Kind::integer;
         out.type = integer_type(format.width, format.is_signed != 0);
         out.integer = number;
     } else {
