@@ -22,7 +22,7 @@ NUMBERS = ("whole", "measured")  # readings of numbers
 def plan_corrected(tables, overlay, plans):
     messages, context = keyed_messages(tables, overlay)[:2]
     out = Row(context=context, plans=plans, tables=tables, measures=[NO_MEASURE], formats={}, extras=["{},"], sets={},
-              field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], variants=[], lists=[], makers=[],
+              field_lines=[], field_rows=[], pgn_lines=[], pgn_rows=[], makers=[],
               listed=[], listed_fields=[], first_row=len(plans.fields) + 1, key_rows={},
               dictionary={row.dd: i for i, row in enumerate(tables.dictionary)},
               format_index={row.df: i for i, row in enumerate(tables.formats)})
@@ -144,11 +144,11 @@ def add_field(out, message, i, first):
         "linked": extra != 0,
     }
     again = first + group[0] if flags["last_of_group"] else END_ROW
-    add_row(out, message.pgn, message.variant, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
+    add_row(out, message.pgn, field, number + 1 if i + 1 < len(message.fields) else END_ROW, again,
             extra, flags)
 
 
-def add_row(out, pgn, variant, field, next_row, again, extra, flags):
+def add_row(out, pgn, field, next_row, again, extra, flags):
     label = field.label.removeprefix("First ") + field.unit_note
     enumeration = out.sets[field.texts[0]] if field.texts is not None else NO_SET
     form = form_of(out, field)
@@ -346,7 +346,7 @@ def add_key_rows(out, name, found):
         set_reading(field, Row(**vars(entry), offset=None, options={}), out.context)
         field.unit = counted_unit(field, out.context)
         extra = extra_of(out, Row(fields=[field], groups=[]), 0, None, END_ROW)
-        add_row(out, 0, f"key {name}", field, END_ROW, END_ROW, extra, {})
+        add_row(out, 0, field, END_ROW, END_ROW, extra, {})
 
 
 # ---- finding the message ----

@@ -178,7 +178,7 @@ class DataTest(unittest.TestCase):
             self.assertTrue(found.variant in forms or not found.fields, f"{found.pgn} {found.variant}: {forms}")
 
     def test_enumerations_fit_their_fields(self):
-        for name, found, field in self.fields:
+        for name, _, field in self.fields:
             if field.texts is None:
                 continue
             (shown, by), enumeration = field.texts, self.context.sets[field.texts[0]]
