@@ -103,8 +103,8 @@ class MessageWalk {
   public:
     /// A walk that is over.
     MessageWalk() = default;
-    /// `pgn` is the message's catalogue row, or null: then all of it is undecoded. The message must outlive
-    /// the walk.
+    /// `pgn` is the message's row, see `find_definition`, or null: then all of it is undecoded. The message
+    /// must outlive the walk.
     MessageWalk(const PgnDef* pgn, const N2KMsg& msg);
 
     /// Goes to the next field; false when the walk has ended. What its predecessor takes is known only to who

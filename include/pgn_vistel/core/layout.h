@@ -21,7 +21,7 @@ struct FieldLinks {
     /// @}
     const FieldDef* count;    ///< has the rounds of that group; without it they go on to the end
     const FieldDef* size;     ///< has this field's size, in units of `size_unit` bits
-    std::uint8_t size_unit;   ///< 1 or 8
+    std::uint8_t size_unit;   ///< 1 or 8; 0 without `size`
     std::uint8_t size_extra;  ///< bytes that the size counts beside the field
 };
 /// `field` is one of `fields_of(definition)`.
@@ -45,14 +45,15 @@ struct FieldCoding {
     bool is_number;          ///< `texts` names only some codes, all others are numbers with a unit
     bool is_last;            ///< nothing follows in the definition, and it does not repeat
     bool names_pgn;          ///< the number is a PGN
-    TextLayout text;
-    std::uint8_t header;  ///< bytes in front of a text that is `sent`
-    bool has_none;        ///< `none` is the code for "not available"; else the highest one is, if any
+    TextLayout text;         ///< `none` where the field holds no text
+    std::uint8_t header;     ///< bytes in front of a text that is `sent`
+    bool has_none;           ///< `none` is the code for "not available"; else the highest one is, if any
     std::int64_t none;
     int bits;      ///< size in the message; 0 where only the value tells
     int own_bits;  ///< the same, whatever another field says of it
 };
-/// The walk is one over a corrected definition, and has come to a field.
+/// The walk is one over a corrected definition, has come to a field, and its `position` is where that begins.
+/// The message is read for what depends on other fields, so it holds as long as these stay as they are.
 [[nodiscard]] FieldCoding coding_of(const MessageWalk& walk);
 
 }  // namespace pgn_vistel::core

@@ -8,7 +8,7 @@
 ///
 ///     char area[4 * piece_room];
 ///     JsonRenderer json(units);
-///     json.start(msg, find_pgn_def(msg.pgn), time);
+///     json.start(msg, find_definition(Definitions::corrected, msg), time);
 ///     do {
 ///         const char* const end = json.write(area, area + sizeof area);
 ///         ...  // take area .. end, which is not terminated
@@ -44,7 +44,7 @@ struct MessageTime {
 int print_stream_line(wchar_t* buf, int size, const N2KMsg& msg, const PgnDef* pgn);
 
 /// The lines under a stream's line, one after the other, for windows: source, destination, the fields, and
-/// the whole payload where the fields do not cover it.
+/// the bytes that the walk leaves undecoded (`MessageWalk::undecoded_from`).
 class StreamLines {
   public:
     /// `pgn` is the message's catalogue row, or null. `plain_numbers`: without their hexadecimal form.
@@ -81,7 +81,8 @@ class StreamLines {
 /// compare values. Memory and result are as those of `write_label`.
 [[nodiscard]] char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit);
 
-/// The same of the field that a walk has come to, with what other fields say of it.
+/// The same of the field that a walk has come to, with what other fields say of it. `reading` is what
+/// `MessageWalk::read` gave, and the walk's `position` still where the field begins.
 [[nodiscard]] char* write_value(char* at, const MessageWalk& walk, const FieldReading& reading,
                                 bool with_unit);
 
@@ -148,8 +149,8 @@ class TextRenderer : public Renderer {
 /// `key` is the field's name for programs and never changes. `value` is a number, a text without the
 /// characters that fill it up, a date or a time of day by ISO 8601, or null where it is not available; `unit`
 /// is `unit_ascii`, `text` the meaning of a code, `raw` the field's bits, the low byte first. A field of a
-/// repeating group says its `round` behind that, from 1. `data` has the payload where the fields do not cover
-/// it.
+/// repeating group says its `round` behind that, from 1. `data` has the bytes that the walk leaves undecoded,
+/// where there are any (`MessageWalk::undecoded_from`).
 class JsonRenderer : public Renderer {
   public:
     /// Values come in these units, `UnitSelection::si()` say.
