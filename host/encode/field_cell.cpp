@@ -92,7 +92,8 @@ bool FieldCell::holds_bytes() const {
 }
 
 bool FieldCell::may_end_message() const {
-    return !is_corrected() || coding_.bits == 0 || (coding_.is_last && is_fast_packet(msg_.pgn));
+    return !is_corrected() || coding_.bits == 0 ||
+           (coding_.is_last && is_fast_packet(msg_.pgn, context_.definitions));
 }
 
 bool FieldCell::holds_sized_text() const {

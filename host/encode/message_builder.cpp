@@ -68,6 +68,7 @@ class Building {
     Entered* entered(const FieldDef* row);
     bool settle(const MessageWalk& walk, const FieldCoding& coding, const FieldLinks& links);
     std::uint64_t size_wanted(const MessageWalk& walk, const FieldCoding& coding) const;
+    bool enter_typed(FieldCell& cell, const std::string& label, const std::string& value);
     void enter_corrected(FieldCell& cell);
     bool is_count(const FieldCell& cell, const std::string& label) const;
     void enter(FieldCell& cell);
@@ -186,6 +187,20 @@ bool Building::is_count(const FieldCell& cell, const std::string& label) const {
            (cell.row().field + 1 == set->first && simplified(label).starts_with("number of "));
 }
 
+/// Writes what was typed. False where that cannot be, which is told.
+bool Building::enter_typed(FieldCell& cell, const std::string& label, const std::string& value) {
+    if (!cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
+        report_full(label);
+        return false;
+    }
+    const Status entered = enter_value(cell, value);
+    if (entered) return true;
+    constexpr std::size_t longest_text = 256;
+    full_ = cell.holds_text() && cell.room() < longest_text;
+    errors_.push_back(concat(label, " ", entered.error().text));
+    return false;
+}
+
 void Building::enter(FieldCell& cell) {
     const std::string label = cell.label();
     labels_.push_back(label);
@@ -195,14 +210,8 @@ void Building::enter(FieldCell& cell) {
     const bool begun = cell.start().byte < given_;
     if (typed != nullptr && begun && trimmed(cell.shown(true)) == trimmed(typed->value)) {
         // Several codes may be shown alike ("Unknown"): the bytes that were given say which.
-    } else if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
-        report_full(label);
     } else if (typed != nullptr) {
-        if (const Status entered = enter_value(cell, typed->value); !entered) {
-            constexpr std::size_t longest_text = 256;
-            full_ = cell.holds_text() && cell.room() < longest_text;
-            errors_.push_back(concat(label, " ", entered.error().text));
-        }
+        enter_typed(cell, label, typed->value);
     } else if (!begun) {
         cell.clear();
         if (counts) count_.emplace(cell);
@@ -220,7 +229,7 @@ Building::Entered* Building::entered(const FieldDef* row) {
     return found != entered_.rend() ? &*found : nullptr;
 }
 
-/// What the field that tells the size of this one has to say, in its units less what it counts beside.
+/// Bits of a field whose size another one tells: as many as its key has, else as what was typed takes.
 std::uint64_t Building::size_wanted(const MessageWalk& walk, const FieldCoding& coding) const {
     if (coding.own_bits > 0) return static_cast<std::uint64_t>(coding.own_bits);
     const TypedField* const typed = find(label_of(walk.field(), walk.repeat()));
@@ -253,14 +262,8 @@ void Building::enter_corrected(FieldCell& cell) {
     const std::string label = cell.label();
     labels_.push_back(label);
     const TypedField* const typed = take(label);
-    if (typed != nullptr && !cell.holds_text() && cell.end() > N2K_MAX_PAYLOAD) {
-        report_full(label);
-    } else if (typed != nullptr) {
-        if (const Status status = enter_value(cell, typed->value); !status) {
-            constexpr std::size_t longest_text = 256;
-            full_ = cell.holds_text() && cell.room() < longest_text;
-            errors_.push_back(concat(label, " ", status.error().text));
-        } else if (!hold(conditions_, msg_)) {
+    if (typed != nullptr) {
+        if (enter_typed(cell, label, typed->value) && !hold(conditions_, msg_)) {
             // Several codes may be shown alike: that of the variant is meant.
             const std::string entered = cell.shown();
             apply(conditions_, msg_);
@@ -400,8 +403,8 @@ BuiltMessage Building::build_corrected(const std::optional<Bytes>& rest, bool fi
         again.is_again_ = true;
         return again.build_corrected(rest, fills_frame);
     }
-    std::memset(msg_.data + std::min(length_, N2K_MAX_PAYLOAD), 0xFF,
-                static_cast<std::size_t>(N2K_MAX_PAYLOAD - std::min(length_, N2K_MAX_PAYLOAD)));
+    std::fill(msg_.data + std::min(length_, N2K_MAX_PAYLOAD), msg_.data + N2K_MAX_PAYLOAD,
+              std::uint8_t{0xFF});
     if (rest) {
         const int at = walk.has_undecoded_rest() ? walk.undecoded_from() : length_;
         const auto room = static_cast<std::size_t>(std::max(0, N2K_MAX_PAYLOAD - at));
