@@ -28,16 +28,9 @@ TEST(Pgns, Rows) {
         EXPECT_EQ(is_fast_packet(pgn, Definitions::corrected), fast);
     }
     // Of several variants the search of the whole table meets one.
-    const auto rows = all_pgns();
     for (std::uint32_t pgn = 0; pgn <= 0x3FFFF; ++pgn) {
-        const PgnDef* met = nullptr;
-        for (int low = 0, high = static_cast<int>(rows.size()) - 1; met == nullptr && low <= high;) {
-            const int middle = (low + high) / 2;
-            const PgnDef& row = rows[static_cast<std::size_t>(middle)];
-            if (row.pgn == pgn) met = &row;
-            (row.pgn > pgn ? high : low) = row.pgn > pgn ? middle - 1 : middle + 1;
-        }
-        ASSERT_EQ(find_pgn_def(pgn), met) << pgn;
+        const int met = binary_search(all_pgns(), pgn);
+        ASSERT_EQ(find_pgn_def(pgn), met >= 0 ? &all_pgns()[static_cast<std::size_t>(met)] : nullptr) << pgn;
     }
     for (const std::uint32_t pgn : {0x40000u, 0u - 0x0E800u, 0x1F112u + 0x80000000u})
         EXPECT_EQ(find_pgn_def(pgn), nullptr) << pgn;

@@ -5,16 +5,12 @@ namespace {
 
 // What devices send, by the corrected definitions.
 
-std::string narrow(const std::wstring& wide) {
-    return as_utf8(wide);
-}
-
 /// The message's name, then its lines behind source and destination.
 std::vector<std::string> shown(const N2KMsg& msg) {
     const std::string name(pgn_name(find_definition(Definitions::corrected, msg)));
     std::vector<std::string> all{name};
     const auto lines = lines_of(msg, plain, {}, line_size, Definitions::corrected);
-    for (std::size_t i = 2; i < lines.size(); ++i) all.push_back(narrow(lines[i]));
+    for (std::size_t i = 2; i < lines.size(); ++i) all.push_back(as_utf8(lines[i]));
     return all;
 }
 
@@ -122,9 +118,7 @@ TEST(Corrected, Messages) {
         auto at = lines.begin() + 1;
         for (std::size_t i = 1; i < c.lines.size(); ++i) {
             const auto found = std::find(at, lines.end(), c.lines[i]);
-            std::string all;
-            for (const std::string& line : lines) all += line + '\n';
-            EXPECT_NE(found, lines.end()) << c.lines[i] << "\nin\n" << all;
+            EXPECT_NE(found, lines.end()) << c.lines[i] << " in " << testing::PrintToString(lines);
             if (found == lines.end()) break;
             at = found + 1;
         }

@@ -33,6 +33,13 @@ std::string json_of(const N2KMsg& msg, Definitions set, const UnitSelection& uni
     return rendered(json);
 }
 
+void expect_fields(const N2KMsg& msg, Definitions set, const std::vector<std::string>& some) {
+    const auto fields = brief(json_of(msg, set, UnitSelection::si()));
+    for (const std::string& field : some)
+        EXPECT_NE(std::ranges::find(fields, field), fields.end())
+            << field << " in " << testing::PrintToString(fields);
+}
+
 std::array<std::string, 2> records_of(const N2KMsg& msg) {
     const Forms forms = forms_of(msg, plain, UnitSelection::si(), piece_room);
     return {forms[1], forms[2]};
@@ -115,12 +122,7 @@ TEST(Records, Values) {
         {129041, with_text(Bytes(26, 0), "\x05\x07" "ABC"sv), {"aid_to_navigation_aton_name=null,null,null"}},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const auto fields = brief(records_of(message(c.pgn, c.payload))[0]);
-        for (const std::string& field : c.fields)
-            EXPECT_NE(std::ranges::find(fields, field), fields.end())
-                << field << " in " << testing::PrintToString(fields);
-    }
+    for (const auto& c : cases) expect_fields(message(c.pgn, c.payload), Definitions::fixed, c.fields);
     JsonRenderer json(UnitSelection::si());  // the one renderer of several messages
     const N2KMsg good = message(cases[std::size(cases) - 2].pgn, cases[std::size(cases) - 2].payload);
     const N2KMsg bad = message(std::rbegin(cases)->pgn, std::rbegin(cases)->payload);
@@ -155,13 +157,7 @@ TEST(Records, ValuesByTheCorrectedDefinitions) {
          {"key=248,null,\"Remote 9\"#1", "value=\"9D DB A2 05\",null,null#1", "remote_9=56.221,null,null#2", "remote_9=0.001,null,null#3"}},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const auto fields =
-            brief(json_of(message(c.pgn, c.payload), Definitions::corrected, UnitSelection::si()));
-        for (const std::string& field : c.fields)
-            EXPECT_NE(std::ranges::find(fields, field), fields.end())
-                << field << " in " << testing::PrintToString(fields);
-    }
+    for (const auto& c : cases) expect_fields(message(c.pgn, c.payload), Definitions::corrected, c.fields);
 }
 
 TEST(Records, WhateverHasAValueHasItInSi) {
@@ -183,7 +179,8 @@ TEST(Records, WhateverHasAValueHasItInSi) {
             for (const DF df : all_formats()) {  // of values that name their format, inside and before
                 msg.data[0] = static_cast<std::uint8_t>(df);
                 msg.data[1] = static_cast<std::uint8_t>(df >> 8);
-                if (row.dd->dd == 10057 || row.dd->dd == 10059) check(msg, row, row.dd->dd == 10057 ? 0 : 2);
+                if (row.dd->dd == dd::format_then_value) check(msg, row, 0);
+                if (row.dd->dd == dd::value_behind_format) check(msg, row, 2);
             }
         }
     EXPECT_GT(values, 10'000);
