@@ -4,7 +4,7 @@ import re
 
 from keys import base_keys, check_keys, variant_name
 from plans import END_ROW, label_forms, next_row, pgn_forms, repeating_groups, shown_label, unit_forms
-from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
+from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, FLAGS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
                     UNIT_COUNT, conversion_owner)
 
 PARSED_BYTES = {kind: int(kind[1:]) // 8 for kind in PARSED_KINDS}
@@ -301,10 +301,10 @@ def check_entries(found, report):
     if not found.entries:
         report.add(found.place, f"dd {found.dd} has no entries")
     elif found.stored_order:
-        if found.kind in (1, 3):
+        if found.kind in (1, FLAGS):
             report.add(found.place, f"kind {found.kind} has an order of its own")
         check_unique(found.entries, "value", report)
-    elif found.kind == 3:
+    elif found.kind == FLAGS:
         for bit, entry in enumerate(found.entries):
             if entry.value != 1 << bit:
                 report.add(entry.place, f"value {entry.value} where bit {bit} is due")

@@ -9,11 +9,10 @@ from types import SimpleNamespace as Row
 from keys import variant_name
 from overlay import HEADER, PROPRIETARY, base_variant, hides
 from plans import PRESSURE, TIME_OF_DAY, field_bits, listed_rule, quantity, shown_label, special_row
-from tables import NO_CLASS, NO_SELECTOR, conversion_owner
+from tables import FLAGS, NO_CLASS, NO_SELECTOR, conversion_owner
 
 SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP = 50, 51, 63, 3002
 BIT_FIELDS = ("convert_bit_field", "convert_ais_spare")
-FLAGS = 3  # kind of a base set
 NUMBER, BELOW, RESERVED, UNKNOWN = 0, 1, 2, 4
 RESERVED_TOO, UNKNOWN_TOO = 6, 7  # with the number behind the word
 MOST_OF_RANGE = 256

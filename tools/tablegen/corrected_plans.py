@@ -3,12 +3,12 @@ closing row, formats behind its formats, sets of texts behind its sets."""
 
 from types import SimpleNamespace as Row
 
-from corrected import BadRow, FLAGS, corrected_messages, counted_unit, new_field, set_reading, whole
+from corrected import BadRow, corrected_messages, counted_unit, new_field, set_reading, whole
 from keys import Keys, variant_name
 from overlay import PROPRIETARY
 from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
                    field_texts, has_all_bits_none, pgn_plan_line, is_quoted_in_csv, plan_set, says_none, text_literal)
-from tables import MAX_PAYLOAD, NO_CLASS, NO_KEY, is_addressed
+from tables import FLAGS, MAX_PAYLOAD, NO_CLASS, NO_KEY, is_addressed
 
 KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
 NO_CODES = "INT64_MIN"

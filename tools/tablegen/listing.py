@@ -3,7 +3,7 @@ and groups, how each field counts, and where each text comes from."""
 
 from fractions import Fraction
 
-from tables import MAX_PAYLOAD
+from tables import FLAGS, MAX_PAYLOAD
 
 BASE, GUESS = "base", "guess"  # sources of what the tables of the base have
 CODINGS = {"text_padded": "text", "text_counted": "text_lz", "bytes": "bytes", "decimal": "decimal"}
@@ -103,7 +103,7 @@ def coding(field, corrected):
     if how not in ("whole", "measured"):
         return CODINGS[how]
     if field.form == "texts":
-        return "flags" if corrected.context.sets[field.texts[0]].kind == 3 else "code"
+        return "flags" if corrected.context.sets[field.texts[0]].kind == FLAGS else "code"
     named = {"pgn_title": "pgn", "mmsi": "mmsi"}
     return named.get(field.form) or {"u": "u", "i": "i", "f": "float"}[field.reading[1][0]]
 

@@ -8,8 +8,9 @@ from types import SimpleNamespace as Row
 from checks import MAX_FLAGS, MAX_FORM, check_ascending, check_packets, file_of
 from keys import key_of_label
 from plans import label_forms, pgn_forms
-from tables import (COLUMNS, DD, DECIMAL, FIELD, MAX_ENTRY, MAX_LABEL, MAX_NAME, MAX_PAYLOAD, MAX_U32, NO_KEY, PGN,
-                    ascii_text, choice, int_of, number, optional, read_lines, read_row, read_table, size, summarise)
+from tables import (COLUMNS, DD, DECIMAL, FIELD, FLAGS, MAX_ENTRY, MAX_LABEL, MAX_NAME, MAX_PAYLOAD, MAX_U32, NO_KEY,
+                    PGN, ascii_text, choice, int_of, number, optional, read_lines, read_row, read_table, size,
+                    summarise)
 
 FOLDER = "corrections"
 HEADER = (0, 11), (13, 3)  # start and width of manufacturer code and industry group
@@ -398,7 +399,7 @@ def check_texts(place, found, coding, known, report):
     if chosen is None:
         report.add(place, f"unknown set {'dd ' if isinstance(name, int) else ''}{name}")
     elif coding is not None:
-        kind = chosen.kind if isinstance(name, str) else "flags" if chosen.kind == 3 else "values"
+        kind = chosen.kind if isinstance(name, str) else "flags" if chosen.kind == FLAGS else "values"
         if coding not in SET_KINDS[kind]:
             report.add(place, f"a set of {kind} has no effect with {coding}")
 

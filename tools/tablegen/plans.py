@@ -6,7 +6,7 @@ The forms of a text lie in one pool. A form is named by its offset there, so tha
 from types import SimpleNamespace as Row
 
 from keys import base_keys, variant_name
-from tables import CLASS_COUNT, NO_CLASS, UNIT_COUNT, conversion_owner
+from tables import CLASS_COUNT, FLAGS, NO_CLASS, UNIT_COUNT, conversion_owner
 
 END_ROW = 0xFFFF
 NO_SET = 0xFFFF
@@ -28,7 +28,6 @@ TIME_OF_DAY, DATE = 21, 23
 COUNTED_SECONDS = ("convert_run_time", "convert_period_minutes")
 # Bits that are taken as they are, so that no code of theirs is none by its format.
 BIT_FIELDS = ("convert_bit_field", "convert_low_2_bits", "convert_low_4_bits", "convert_low_6_bits")
-FLAG_SET = 3
 NONE_TEXTS = [text.split() for text in ("null", "not available", "data not available", "unavailable unknown")]
 FIRST = "First"
 FIRST_WORD = len("First ")
@@ -204,7 +203,7 @@ def entry_index(found):
     """Entry by value, from 0 on as far as the values are dense: what a search would find; NO_ENTRY for no text."""
     values = [entry.value for entry in found.entries]
     dense = [value for value in values if value < MOST_INDEXED]
-    if found.kind == 3 or not dense:
+    if found.kind == FLAGS or not dense:
         return []
     index = []
     for value in range(max(dense) + 1):
@@ -300,7 +299,7 @@ def has_none_code(tables, plans, row, data_format, bits, enumeration):
         return has_all_bits_none(tables, row.dd)
     found = plans.sets[enumeration]
     texts = [entry.text for entry in found.entries if entry.value == (1 << bits) - 1]
-    return found.kind != FLAG_SET and (not texts or says_none(texts[0]))
+    return found.kind != FLAGS and (not texts or says_none(texts[0]))
 
 
 def has_all_bits_none(tables, dd):
@@ -318,7 +317,7 @@ def field_form(tables, plans, row, enumeration):
         return form
     if enumeration == NO_SET:
         return "plain"
-    return "flags" if plans.sets[enumeration].kind == 3 else "enumeration"
+    return "flags" if plans.sets[enumeration].kind == FLAGS else "enumeration"
 
 
 def shown_label(tables, row):

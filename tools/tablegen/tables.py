@@ -21,6 +21,7 @@ DD_RANGES = ((0, 410), (2436, 2549), (10000, 10075))
 LAST_INDEXED_FORMAT = 117  # formats up to here are found by index, those above in format_list.tsv
 CLASS_COUNT = 65
 NO_CLASS = 65
+FLAGS = 3  # kind of a set whose entries stand for bits
 UNIT_COUNT = 141
 UNITS_PER_CLASS = 7
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"

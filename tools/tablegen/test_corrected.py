@@ -6,12 +6,12 @@ import unittest
 from pathlib import Path
 from types import SimpleNamespace as Row
 
-from corrected import BadRow, FLAGS, corrected_messages
+from corrected import BadRow, corrected_messages
 from corrected_plans import plan_corrected
 from emit import fragments
 from overlay import MOST_BITS, read_overlay
 from plans import make_plans
-from tables import MAX_PAYLOAD, NO_CLASS, Report, read_tables
+from tables import FLAGS, MAX_PAYLOAD, NO_CLASS, Report, read_tables
 from test_tablegen import lines
 
 DATA = Path(__file__).resolve().parents[2] / "data"
