@@ -190,7 +190,6 @@ struct PgnPlan {
     std::uint8_t line_size, json_size, csv_size;
     std::uint16_t first_row;
     PgnWalk walk;
-    std::uint8_t repeats;
     std::uint16_t rows;  ///< fields of a corrected definition
 
     static constexpr int name_at = 13;  ///< in the line: behind blanks, number and comma

@@ -125,7 +125,7 @@ def add_message(out, found):
     out.pgn_rows.append(f"{{{found.pgn}, {KEYS}, {name}, {int(is_addressed(found.pgn))}, 0, "
                         f"{found.priority}, {int(found.packet == 'single')}}},")
     out.pgn_lines.append(pgn_plan_line(out.plans, found.pgn, found.name, first if found.fields else END_ROW,
-                                       "covering", 0, len(found.fields)))
+                                       "covering", len(found.fields)))
     found.row, found.first = row, first
     if not shared:
         out.listed.append(found)

@@ -399,17 +399,16 @@ def plan_pgns(tables, plans):
     first_rows = {}
     for i, row in enumerate(plans.fields):
         first_rows.setdefault(row.pgn, i)
-    repeats = {row.pgn for row in tables.repeat_sets}
     plans.pgn_lines = []
     for pgn, name in [*((row.pgn, row.name) for row in tables.pgns), (CLOSING_PGN, "")]:
         plans.pgn_lines.append(pgn_plan_line(plans, pgn, names.get(pgn, name), first_rows.get(pgn, END_ROW),
-                                             walks.get(pgn) or "plain", int(pgn in repeats), 0))
+                                             walks.get(pgn) or "plain", 0))
 
 
-def pgn_plan_line(plans, pgn, name, first_row, walk, repeats, rows):
+def pgn_plan_line(plans, pgn, name, first_row, walk, rows):
     line, json, csv = forms = pgn_forms(pgn, name)
     return (f"{{{plans.pool.add(f'{line}{chr(10)}{json}{csv}')}, {sizes(*forms)}, {first_row}, PgnWalk::{walk}, "
-            f"{repeats}, {rows}}},")
+            f"{rows}}},")
 
 
 def pgn_forms(pgn, name):
