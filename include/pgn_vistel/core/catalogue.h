@@ -70,7 +70,7 @@ struct FieldDef {
     /// @{ own size: one of them, or neither
     std::uint16_t bytes, bits;
     /// @}
-    const DDDef* dd;  ///< what the field means
+    const DDDef* dd;  ///< what the field means; never null, an entry 0 where the corrected definition says it
     /// @{ which variant of the PGN
     SelectorKey key1, key2, key3;
     /// @}
@@ -107,10 +107,10 @@ enum EnumerationKind : std::uint32_t {
     /// @}
 };
 
-/// The enumeration of a dictionary entry.
+/// The enumeration of a dictionary entry, or one that the corrected definitions name.
 struct DDstrings {
-    std::uint32_t dd;        ///< number of the dictionary entry
-    std::uint32_t kind;      ///< an `EnumerationKind`
+    std::uint32_t dd;    ///< number of the dictionary entry; 0 for a set of the corrected definitions alone
+    std::uint32_t kind;  ///< an `EnumerationKind`
     const ValueText* pairs;  ///< in ascending order, unless the list is terminated
     std::uint32_t count;     ///< 0: the list is terminated
 };

@@ -79,6 +79,7 @@ struct FieldReading {
 /// the field's format does not serve the value is not available.
 ///
 /// A field that starts inside the message ends with it; one beyond the end is read from the record as it is.
+/// What other fields say of it does not count here: fields of the corrected definitions are read by a walk.
 [[nodiscard]] FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPosition at,
                                       const UnitSelection& units, UnitId unit, TextScratch& scratch);
 
