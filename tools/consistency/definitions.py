@@ -2,10 +2,11 @@
 
 from collections import namedtuple
 
-from corrected import corrected_messages, is_proprietary
+from corrected import corrected_messages
 from measures import measure_of_format, measure_of_reading, measure_of_source
+from overlay import base_variant, is_proprietary
 from sizes import Sizes, name_of, places, repeats_of, variants
-from tables import DD, FIELD, MAX_PAYLOAD, NO_KEY, PGN, choice, number, optional, read_table, scale
+from tables import DD, FIELD, MAX_PAYLOAD, PGN, choice, number, optional, read_table, scale
 
 RESERVED = (1, 311)  # dictionary entries: reserved bits, spare bits of AIS
 RESERVED_LABEL = "NMEA Reserved"  # of those that have an entry of their own
@@ -40,8 +41,7 @@ def fixed_messages(tables):
         fields = [Field(row.place, row.field, place.bits, row.dd, is_reserved(row), False,
                         measure_of_format(sizes.format_of(row)))
                   for row, place in zip(rows, places(sizes, rows))]
-        selector = None if rows[0].key1 == NO_KEY else rows[0].key1 & 0xFFFF
-        yield Message(rows[0].pgn, selector, name_of(rows[0]), fields, bool(repeats))
+        yield Message(rows[0].pgn, base_variant(rows[0]), name_of(rows[0]), fields, bool(repeats))
 
 
 def corrected(tables, overlay):

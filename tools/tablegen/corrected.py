@@ -7,7 +7,7 @@ from fractions import Fraction
 from types import SimpleNamespace as Row
 
 from keys import variant_name
-from overlay import HEADER, PROPRIETARY, base_variant, hides
+from overlay import HEADER, base_variant, hides, is_proprietary
 from plans import PRESSURE, TIME_OF_DAY, field_bits, listed_rule, quantity, shown_label, special_row
 from tables import FLAGS, NO_CLASS, NO_SELECTOR, conversion_owner
 
@@ -95,10 +95,6 @@ def corrected_messages(tables, overlay):
     messages += unmatched(messages, tables)
     messages.sort(key=lambda found: (found.pgn, found.rank))
     return messages, context
-
-
-def is_proprietary(pgn):
-    return any(first <= pgn <= last for first, last in PROPRIETARY)
 
 
 def unmatched(messages, tables):

@@ -38,6 +38,10 @@ OPTION_CODINGS = {
     "key": CODINGS}
 
 
+def is_proprietary(pgn):
+    return any(first <= pgn <= last for first, last in PROPRIETARY)
+
+
 # Cell parsers, as in tables.py.
 
 def pattern(expression, what):
@@ -259,8 +263,7 @@ def check_messages(overlay, report):
         check_form(row, "name", pgn_forms(row.pgn, row.name), report)
         if row.variant in (other.variant for other in before):
             report.add(row.place, f"variant {row.variant} of pgn {row.pgn} stands twice")
-        proprietary = any(first <= row.pgn <= last for first, last in PROPRIETARY)
-        if proprietary and row.pgn not in WITHOUT_HEADER and tuple(part[:2] for part in row.match[:2]) != HEADER:
+        if is_proprietary(row.pgn) and row.pgn not in WITHOUT_HEADER and tuple(part[:2] for part in row.match[:2]) != HEADER:
             report.add(row.place, "match does not begin with manufacturer code and industry group")
         hiding = next((other for other in before if hides(other, row)), None)
         if hiding:
