@@ -248,25 +248,26 @@ def set_base_reading(field, row, df, context):
     elif kind == "integer" and field.bits == width:
         field.reading = whole(width, signed, none)
     elif kind in ("scaled", "listed", "any") and field.bits == width and field.quantity != TIME_OF_DAY:
-        scale = Fraction(form.scale.removesuffix("f"))
-        if kind == "scaled":
-            counted, times = COUNTED_IN.get(name.removeprefix("unit_rule_"), (None, "1"))
-            rule_name = name.removeprefix("unit_rule_")
-            if rule_name == "mass_kg":
-                rule_name, counted = "mass", "kg"
-            rule_name = rebased(rule_name, counted, context) if counted else rule_name
-            field.reading = measured(width, signed, scale * Fraction(times), 0, rule_name, none)
-        else:
-            counted = next((unit for quantity_id, unit in MEANT.items()
-                            if context.quantities.get(quantity_id) == field.quantity), None)
-            if counted is not None:
-                rule_name = rebased(*UNITS[counted][:2], context)
-            else:
-                rule_name = "any" if kind == "any" else listed_rule(name)
-                context.factors.setdefault(rule_name, {unit.number: Fraction(1) for unit in name or ()})
-            field.reading = measured(width, signed, scale, 0, rule_name, none)
+        rule_name, times = base_rule(kind, name, field.quantity, context)
+        field.reading = measured(width, signed, Fraction(form.scale.removesuffix("f")) * times, 0, rule_name, none)
     if field.texts is not None:
         field.form = "texts"
+
+
+def base_rule(kind, name, shown, context):
+    """(rule, what the unit that is counted has of the base's) for a quantity by the rule of a base format."""
+    if kind == "scaled":
+        rule = name.removeprefix("unit_rule_")
+        if rule == "mass_kg":
+            return rebased("mass", "kg", context), 1
+        counted, times = COUNTED_IN.get(rule, (None, "1"))
+        return rebased(rule, counted, context) if counted else rule, Fraction(times)
+    for quantity_id, unit in MEANT.items():
+        if context.quantities.get(quantity_id) == shown:
+            return rebased(*UNITS[unit][:2], context), 1
+    rule = "any" if kind == "any" else listed_rule(name)
+    context.factors.setdefault(rule, {unit.number: Fraction(1) for unit in name or ()})
+    return rule, 1
 
 
 # ---- messages of the corrections ----
