@@ -169,13 +169,7 @@ const char* enumeration_text(const DDstrings& set, std::uint32_t value) {
     assert(is_row_of(enum_sets, set));
     const std::uint16_t entry = find_entry(static_cast<std::uint16_t>(&set - enum_sets), value);
     if (entry != no_entry) return set.pairs[entry].text;
-    switch (set.kind) {
-        case ENUM_RESERVED:
-        case ENUM_RESERVED_TOO: return "Reserved";
-        case ENUM_UNKNOWN:
-        case ENUM_UNKNOWN_TOO: return "Unknown";
-        default: return nullptr;
-    }
+    return word_of(set).data();
 }
 
 std::span<const DDDef> all_dictionary_entries() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "pgn_vistel/core/catalogue.h"
 #include "pgn_vistel/core/units.h"
@@ -260,6 +261,18 @@ std::uint16_t search_entry(std::uint16_t index, std::uint32_t value);
 inline std::uint16_t find_entry(std::uint16_t set, std::uint32_t value) {
     const SetPlan& plan = set_plans[set];
     return value < plan.index_size ? entry_index[plan.index + value] : search_entry(set, value);
+}
+
+/// What an enumeration says of a value without an entry, terminated; null where the number itself is to be
+/// shown.
+inline std::string_view word_of(const DDstrings& set) {
+    switch (set.kind) {
+        case ENUM_RESERVED:
+        case ENUM_RESERVED_TOO: return "Reserved";
+        case ENUM_UNKNOWN:
+        case ENUM_UNKNOWN_TOO: return "Unknown";
+        default: return {};
+    }
 }
 
 inline const EntryTexts& texts_of_entry(std::uint16_t set, std::uint16_t entry) {

@@ -130,17 +130,6 @@ void put_flags(Out& out, std::uint16_t index, std::uint32_t value) {
     out.remove_comma(start);
 }
 
-/// What an enumeration says of a value without an entry; nothing where the number itself is to be shown.
-inline std::string_view word_of(const DDstrings& set) {
-    switch (set.kind) {
-        case ENUM_RESERVED:
-        case ENUM_RESERVED_TOO: return "Reserved";
-        case ENUM_UNKNOWN:
-        case ENUM_UNKNOWN_TOO: return "Unknown";
-        default: return {};
-    }
-}
-
 /// False where the number itself is to be shown. `high` is added to what the enumeration is asked for.
 template <class Out>
 bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::uint32_t high) {
