@@ -149,6 +149,15 @@ void put_text(UnmaskedOut& out, const Text& text, int most) {
     for_each_character(text, most, [&out](std::uint32_t c) { out.put_character(c); });
 }
 
+/// A value's end behind its unit, where it has one.
+char* end_with_unit(UnmaskedOut& out, UnitId unit) {
+    if (unit >= 0) {
+        out.put(' ');
+        out.put(unit_text(unit));
+    }
+    return out.at();
+}
+
 }  // namespace
 
 // ---- for windows ----
@@ -289,11 +298,7 @@ char* write_label(char* at, const FieldDef& field, int repeat) {
 char* write_value(char* at, const FieldDef& field, const FieldReading& reading, bool with_unit) {
     UnmaskedOut out(at);
     const UnitId unit = put_reading(out, plan_of(field), reading, 0, false);
-    if (with_unit && unit >= 0) {
-        out.put(' ');
-        out.put(unit_text(unit));
-    }
-    return out.at();
+    return with_unit ? end_with_unit(out, unit) : out.at();
 }
 
 char* write_value(char* at, const MessageWalk& walk, const FieldReading& reading, bool with_unit) {
@@ -307,11 +312,7 @@ char* write_value(char* at, const MessageWalk& walk, const FieldReading& reading
         put_entry(out, plan.enumeration, entry);
     else
         unit = put_reading(out, plan, reading, state.is_resolved ? state.high : 0, false);
-    if (with_unit && unit >= 0) {
-        out.put(' ');
-        out.put(unit_text(unit));
-    }
-    return out.at();
+    return with_unit ? end_with_unit(out, unit) : out.at();
 }
 
 }  // namespace pgn_vistel::core
