@@ -96,6 +96,14 @@ int put_time_of_day(char* out, std::uint32_t seconds, UnitId unit) {
     return static_cast<int>(at - out);
 }
 
+char* write_clock(char* at, std::uint32_t seconds) {
+    at = write_pair(at, seconds / 3600);
+    *at++ = ':';
+    at = write_pair(at, seconds / 60 % 60);
+    *at++ = ':';
+    return write_pair(at, seconds % 60);
+}
+
 char* write_iso_date(char* at, std::int64_t days_since_1970) {
     using namespace std::chrono;
     const year_month_day date{sys_days{days{days_since_1970}}};
@@ -113,11 +121,8 @@ char* write_iso_time(char* at, std::uint64_t parts, int decimals) {
     if (parts >= (day + 1) * second) return nullptr;
     const bool leaps = parts >= day * second;
     const auto seconds = static_cast<std::uint32_t>(leaps ? day - 1 : parts / second);
-    at = write_pair(at, seconds / 3600);
-    *at++ = ':';
-    at = write_pair(at, seconds / 60 % 60);
-    *at++ = ':';
-    at = write_pair(at, seconds % 60 + (leaps ? 1 : 0));
+    at = write_clock(at, seconds);
+    if (leaps) write_pair(at - 2, 60);
     if (decimals == 0) return at;
     *at++ = '.';
     std::uint64_t rest = parts % second;

@@ -27,6 +27,9 @@ int put_date(char* out, std::uint16_t days, UnitId unit);
 ///     put_time_of_day(area, 45296, unit::clock_12) -> "12:34:56 PM"
 int put_time_of_day(char* out, std::uint32_t seconds, UnitId unit);
 
+/// "08:00:00" of a count of seconds below 100 hours, not terminated. Returns the end.
+char* write_clock(char* at, std::uint32_t seconds);
+
 /// @{ For programs, by ISO 8601 and by the calendar, not terminated: the date of a count of days since 1970,
 /// "2026-09-10"; a time of day of a count of seconds' parts, "08:00:00.1234" with so many decimals (at most
 /// 9). Return the end. A time that no day has (from 24:00:01 on) is null, the second behind the last one

@@ -32,12 +32,7 @@ char* Renderer::write_utc(char* at, std::int64_t nanoseconds) {
     }
     std::memcpy(at, date_.data(), date_.size());
     at += date_.size();
-    const auto seconds = static_cast<std::uint32_t>(within / second);
-    at = write_pair(at, seconds / 3600);
-    *at++ = ':';
-    at = write_pair(at, seconds / 60 % 60);
-    *at++ = ':';
-    at = write_pair(at, seconds % 60);
+    at = write_clock(at, static_cast<std::uint32_t>(within / second));
     *at = '.';
     // Six decimals of eight digits, whose last two are overwritten.
     write_eight(at + 1, static_cast<std::uint32_t>(within % second / 1000 * 100));
