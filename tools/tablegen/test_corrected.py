@@ -8,7 +8,6 @@ from types import SimpleNamespace as Row
 
 from corrected import BadRow, corrected_messages
 from corrected_plans import plan_corrected
-from emit import fragments
 from overlay import MOST_BITS, read_overlay
 from plans import make_plans
 from tables import FLAGS, MAX_PAYLOAD, NO_CLASS, Report, read_tables
@@ -156,10 +155,6 @@ class DataTest(unittest.TestCase):
         cls.messages, cls.context = corrected_messages(cls.tables, cls.overlay)
         cls.fields = [(f"{found.pgn} {found.variant} field {field.number} {field.label}", found, field)
                       for found in cls.messages for field in found.fields]
-
-    def test_every_link_is_resolved(self):
-        """Where a field stands that another depends on, and that each reading has a format, is seen by generating."""
-        self.assertGreater(len(fragments(self.tables, self.overlay)["field_extras.inc"][1]), 20)
 
     def test_every_variant_is_reached(self):
         """By a message that has its conditions and length, with one byte or another elsewhere."""
