@@ -20,8 +20,12 @@ std::string everything(unsigned seed) {
         if (random() % 2 == 0)
             for (auto& byte : payload) byte %= 8;  // texts, flags and small numbers
         const N2KMsg msg = message(pgn, payload);
-        for (const std::string& form : forms_of(msg, seed % 2 == 0, units, 8 * piece_room)) all += form;
-        for (const std::wstring& line : lines_of(msg, plain, units)) all.append(line.begin(), line.end());
+        for (const Definitions set : {Definitions::fixed, Definitions::corrected}) {
+            for (const std::string& form : forms_of(msg, seed % 2 == 0, units, 8 * piece_room, set))
+                all += form;
+            for (const std::wstring& line : lines_of(msg, plain, units, line_size, set))
+                all.append(line.begin(), line.end());
+        }
     }
     return all;
 }
