@@ -46,21 +46,24 @@ FieldAbout find_field(const PgnPlan* plan, std::uint32_t number) {
     return found;
 }
 
+/// Bits of the message that a group function is about become known, in place of what was known of them.
+void learn(Stepping::State& w, int start, int bits, std::uint64_t value) {
+    const std::uint64_t mask = all_ones(bits) << start;
+    w.known_mask |= mask;
+    w.known = (w.known & ~mask) | (value << start);
+}
+
 /// The row of the field that a group function is about, or `end_row`. What the pairs so far say of the other
 /// message tells which of its variants is meant: of a proprietary one the first pairs say whose it is.
 std::uint16_t row_about(Stepping::State& w, const FieldExtra& extra) {
     const auto pgn = static_cast<std::uint32_t>(number_at(w, extra.about));
     const auto number = static_cast<std::uint32_t>(number_at(w, extra.index));
-    if (extra.maker.bits != 0) {
-        w.known_mask |= all_ones(extra.maker.bits);
-        w.known = number_at(w, extra.maker);
-    }
+    if (extra.maker.bits != 0) learn(w, 0, extra.maker.bits, number_at(w, extra.maker));
     const FieldAbout found = find_field(find_plan_about(pgn, w.known_mask, w.known), number);
     if (found.row == end_row) return end_row;
     const int bits = field_plans[found.row].bits;
     if (found.start < 0 || bits == 0 || found.start + bits > 64) return found.row;
-    w.known_mask |= all_ones(bits) << found.start;
-    w.known |= number_at(w, {0, static_cast<std::uint8_t>(bits), 0}) << found.start;
+    learn(w, found.start, bits, number_at(w, {0, static_cast<std::uint8_t>(bits), 0}));
     const FieldAbout narrowed = find_field(find_plan_about(pgn, w.known_mask, w.known), number);
     return narrowed.row != end_row ? narrowed.row : found.row;  // no variant with this value is known
 }

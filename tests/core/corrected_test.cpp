@@ -100,6 +100,9 @@ TEST(Corrected, Messages) {
          {"NMEA -  Request group function", "Requested PGN: 126720 (Proprietary)",
           "Transmission interval: Do not change interval", "Manufacturer Code: Airmar",
           "Proprietary ID: Calibrate Temperature", "Temperature instance: Onboard Water Sensor"}},
+        {message(126208, {5, 0x00, 0xEF, 0x01, 0x87, 0x98, 1, 2, 1, 4, 0x2A, 5, 1, 4, 0x2A}),
+         {"NMEA - Write Fields - group function", "Proprietary ID: Calibrate Temperature",
+          "Temperature instance: Onboard Water Sensor", "Proprietary ID: Calibrate Temperature"}},
         {message(126208, {9, 1, 2}), {"NMEA Group Function", "Data: 09 01 02"}},
         // A code without a text keeps its number; a code that says that there is no value is none.
         {message(127245, {0, 0xFD, 0xFF, 0x7F, 0, 0, 0xFF, 0xFF}),
