@@ -90,6 +90,11 @@ bool Stepping::resolve(State& w) {
         constexpr std::uint64_t most = N2K_MAX_PAYLOAD * 8;
         const std::uint64_t bits = number_at(w, extra.size) * extra.size_unit;
         w.size = static_cast<int>(std::min(bits - std::min<std::uint64_t>(bits, extra.less * 8u), most));
+        if (w.size == 0) {
+            w.is_resolved = false;
+            remember(w, field_plans[w.row].flags);
+            return false;
+        }
     }
     if (extra.key.bits != 0) {
         const std::uint16_t entry =

@@ -76,7 +76,7 @@ struct Stepping {
     static void read_field(State& w, const Payload& payload, const UnitSelection& units, TextScratch& scratch,
                            FieldValue& out, UnitId unit = unit::selected) {
         FieldShape shape = FieldShape::of(plan(w));
-        if (w.is_resolved && w.size >= 0) shape.resize(w.size);
+        if (w.is_resolved && w.size > 0) shape.resize(w.size);
         read(shape, field_row(w.row).dd->dd, payload, w.position, units, unit, scratch, out);
         w.position = out.next = behind(w, out.next);
         out.unit = directed(w, out.unit);
@@ -102,8 +102,8 @@ struct Stepping {
         return false;
     }
 
-    /// What the field depends on. False where it is none of the message: a group that does not come, or a
-    /// value that nothing tells how to read, which ends the walk.
+    /// What the field depends on. False where it is none of the message: a group that does not come, a field
+    /// without a size, or a value that nothing tells how to read, which ends the walk.
     static bool resolve(State& w);
 
     static void remember(State& w, unsigned flags) {

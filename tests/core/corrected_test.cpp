@@ -111,6 +111,12 @@ TEST(Corrected, Messages) {
         {message(130824, of_maker(381, {0x35, 0x20, 0x10, 0x27})),
          {"B&G: key-value data", "Key #1: Optimum Wind Angle", "Length #1: 2 ",
           "Optimum Wind Angle: 57.296 °"}},
+        // A size of 0 is no field, not all that follows.
+        {message(130824, of_maker(381, {0x35, 0x00, 0x35, 0x20, 0x10, 0x27})),
+         {"B&G: key-value data", "Length #1: 0 ", "Key #2: Optimum Wind Angle",
+          "Optimum Wind Angle: 57.296 °"}},
+        {message(129814, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 9}),
+         {"AIS Single Slot Binary Message", "Data: 09"}},
         {message(129809, {24, 0x4E, 0x61, 0xBC, 0, 'A', 'B', '@', 'C'}),
          {"AIS Class B \"CS\" Static Data Report, Part A", "User ID: 012345678", "Name: AB "}},
     };
