@@ -31,3 +31,11 @@ using HINSTANCE = pgn_vistel::NativeModule;
 // The native tree control and its items.
 class CTreeCtrl;
 struct _TREEITEM;
+
+/// Where a control lies in its parent's client area, in pixels.
+struct NativeRect {
+    /// @{ edge
+    int left = 0, top = 0, right = 0, bottom = 0;
+    /// @}
+    bool operator==(const NativeRect&) const = default;  ///< the same four edges
+};

@@ -12,7 +12,7 @@ class CWinApp;
 ///
 /// A platform is a folder beside this file. It implements what is declared here and brings the header of its
 /// native tree control, `public/pgn_vistel/native_tree.h`, with at least the members that the views use
-/// (`NativeRect`; of `CTreeCtrl` what `views/native_tree.cpp`, `OnInit` and `OnSize` call). What its window
+/// (of `CTreeCtrl` what `views/native_tree.cpp`, `OnInit` and `OnSize` call). What its window
 /// and module handles are is said in native.h, for hosts. `platform.cmake` names its sources and the
 /// libraries that they need. No other code of the library depends on which platform it is.
 ///
