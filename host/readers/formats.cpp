@@ -3,6 +3,7 @@
 #include <cassert>
 
 #include "readers/actisense_ascii_format.h"
+#include "readers/block_reader.h"
 #include "readers/candump_format.h"
 #include "readers/line_reader.h"
 #include "readers/plain_format.h"
@@ -12,21 +13,28 @@
 namespace vistel {
 namespace {
 
-template <class TextFormat>
-std::unique_ptr<RecordReader> open_lines(ByteSource& source) {
-    return std::make_unique<LineReader<TextFormat>>(source);
+template <class AnyFormat>
+std::unique_ptr<RecordReader> open_reader(ByteSource& source) {
+    if constexpr (BlockFormat<AnyFormat>) {
+        return std::make_unique<BlockReader<AnyFormat>>(source);
+    } else {
+        return std::make_unique<LineReader<AnyFormat>>(source);
+    }
 }
 
-template <class TextFormat>
-constexpr Format text_format(std::string_view name, std::string_view about) {
-    return {name, about, TextFormat::resembles, open_lines<TextFormat>};
+template <class AnyFormat>
+constexpr Format format(std::string_view name, std::string_view about) {
+    Format row{name, about, nullptr, nullptr, open_reader<AnyFormat>};
+    if constexpr (requires { AnyFormat::resembles; }) row.resembles = AnyFormat::resembles;
+    if constexpr (requires { AnyFormat::begins; }) row.begins = AnyFormat::begins;
+    return row;
 }
 
 constexpr Format formats[] = {
-    text_format<PlainFormat>("plain", "timestamp,priority,PGN,source,destination,length,hh,hh,..."),
-    text_format<CandumpFormat>("candump", "CAN frames as candump prints or logs them"),
-    text_format<YachtDevicesFormat>("yacht-devices", "CAN frames of Yacht Devices gateways in RAW mode"),
-    text_format<ActisenseAsciiFormat>("actisense-ascii", "messages of Actisense gateways as text"),
+    format<PlainFormat>("plain", "timestamp,priority,PGN,source,destination,length,hh,hh,..."),
+    format<CandumpFormat>("candump", "CAN frames as candump prints or logs them"),
+    format<YachtDevicesFormat>("yacht-devices", "CAN frames of Yacht Devices gateways in RAW mode"),
+    format<ActisenseAsciiFormat>("actisense-ascii", "messages of Actisense gateways as text"),
 };
 
 }  // namespace
@@ -44,6 +52,11 @@ const Format* find_format(std::string_view name) {
 
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole) {
     assert(passed <= head.size());
+    if (passed == 0) {
+        for (const Format& format : formats) {
+            if (format.begins != nullptr && format.begins(head)) return &format;
+        }
+    }
     std::string_view rest = head.substr(passed), line;
     for (;;) {
         passed = head.size() - rest.size();
@@ -55,7 +68,7 @@ const Format* recognise_format(std::string_view head, std::size_t& passed, bool 
         }
         if (line.empty() || line[0] == '#') continue;
         for (const Format& format : formats) {
-            if (format.resembles(line)) return &format;
+            if (format.resembles != nullptr && format.resembles(line)) return &format;
         }
     }
 }

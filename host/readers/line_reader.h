@@ -114,7 +114,7 @@ class LineReader final : public RecordReader {
         if (result == LineResult::record) [[likely]]
             return ReadResult::record;
         if (result == LineResult::problem) {
-            problem.line = lines_.number();
+            problem.put_at_line(lines_.number());
             return ReadResult::problem;
         }
         if (result == LineResult::foreign) ++foreign_frames_;
