@@ -46,10 +46,12 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
     constexpr std::size_t pipe_holds = 65536;
     Recording recording;
     const int descriptor = by_pipe && bytes.size() <= pipe_holds ? pipe_of(bytes) : file_of(bytes);
-    require(bool(recording.attach(descriptor, {.format = std::string(format), .patience_ms = -1})));
+    auto input = attach_descriptor(descriptor);
+    require(bool(input));
+    require(bool(recording.attach(std::move(*input), {.format = std::string(format), .patience_ms = -1})));
     Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
     Record record;
-    std::uint64_t last_line = 0;
+    std::uint64_t last_place = 0;
     // Every call takes a line or ends, and what is there never makes one wait.
     for (std::size_t calls = 0; calls < bytes.size() + 3; ++calls) {
         require(!recording.would_wait());
@@ -59,9 +61,9 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
                 reassembler.put(record);
                 break;
             case ReadResult::problem:
-                require(recording.problem().line >= last_line && !recording.problem().text.empty() &&
+                require(recording.problem().number >= last_place && !recording.problem().text.empty() &&
                         recording.problem().text.size() < 200);
-                last_line = recording.problem().line;
+                last_place = recording.problem().number;
                 break;
             case ReadResult::nothing: break;
             case ReadResult::end: reassembler.finish(); return;

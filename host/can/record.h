@@ -30,6 +30,7 @@ struct Record {
     };
 
     Kind kind = Kind::message;
+    std::uint8_t bus = 0;  ///< which of the interfaces that the recording tells apart
     N2KMsg msg{};
     RecordTime time;
 };

@@ -85,12 +85,9 @@ void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
 bool Decoding::report_problem() {
     if (progress_) progress_->clear();
     const Problem& problem = recording_.problem();
-    if (problem.line == 0) {
-        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), problem.text.c_str());
-        return false;
-    }
+    std::fprintf(stderr, "%s\n", described(problem, name_).c_str());
+    if (problem.place == Problem::Place::whole) return false;
     ++problems_;
-    std::fprintf(stderr, "%s:%" PRIu64 ": %s\n", name_.c_str(), problem.line, problem.text.c_str());
     return true;
 }
 

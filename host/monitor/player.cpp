@@ -35,7 +35,7 @@ bool Player::read_record() {
             case ReadResult::record: return true;
             case ReadResult::problem:
                 ++counters_.problems;
-                if (recording_->problem().line == 0) ended_ = true;
+                if (recording_->problem().place == Problem::Place::whole) ended_ = true;
                 break;
             case ReadResult::nothing: break;
             case ReadResult::end: rewind(); return false;

@@ -8,38 +8,25 @@
 #include <string_view>
 #include <utility>
 
-#include "text/result.h"
+#include "readers/byte_input.h"
 
 namespace vistel {
 
-/// Bytes of a file, pipe or terminal through one buffer of fixed size.
+/// Bytes of an input through one buffer of fixed size.
 class ByteSource {
   public:
-    enum class [[nodiscard]] Fill{
-        data,    ///< there are new bytes
-        end,     ///< there will be no more
-        failed,  ///< there will be no more, for the reason in error()
-        idle,    ///< nothing came: not waited, waited long enough, or interrupted by a signal
-    };
+    using Fill = ByteInput::Fill;
     enum class Wait { no, yes };
 
     static constexpr std::size_t capacity = std::size_t{1} << 20;
 
-    ByteSource() = default;
-    ~ByteSource();
-    ByteSource(const ByteSource&) = delete;
-    ByteSource& operator=(const ByteSource&) = delete;
+    /// Takes the bytes of `input`. Once only, before anything else.
+    void attach(std::unique_ptr<ByteInput> input);
 
-    /// Opens a file, or standard input for "-". Once only.
-    Status open(const std::string& path);
-
-    /// Reads from an open descriptor, which is closed in the end unless it is standard input.
-    Status attach(int descriptor);
-
-    /// Longest wait of one fill() for a pipe or terminal, in milliseconds; negative for no limit.
+    /// Longest wait of one fill() for an input that is no file, in milliseconds; negative for no limit.
     void set_patience(int milliseconds) { patience_ = milliseconds; }
 
-    /// Called before every wait for a pipe or terminal.
+    /// Called before every such wait.
     void set_before_wait(std::function<void()> call) { before_wait_ = std::move(call); }
 
     /// Bytes that are there and not consumed. Valid until the next fill().
@@ -54,23 +41,20 @@ class ByteSource {
 
     bool ended() const { return ended_; }
     /// Why a fill() failed; empty as long as none did.
-    const std::string& error() const { return error_; }
+    const std::string& error() const { return input_->error(); }
 
     /// Whether the bytes come from a file, which is there from the first to the last without waiting.
-    bool is_file() const { return is_file_; }
+    bool is_file() const { return input_->is_file(); }
 
     std::uint64_t consumed() const { return received_ - (end_ - begin_); }
-    std::uint64_t total() const { return total_; }  ///< 0 when unknown
+    std::uint64_t total() const { return input_ ? input_->total() : 0; }  ///< 0 when unknown
 
   private:
-    int descriptor_ = -1;
-    bool is_file_ = false;
+    std::unique_ptr<ByteInput> input_;
     bool ended_ = false;
     int patience_ = -1;
     std::function<void()> before_wait_;
     std::uint64_t received_ = 0;
-    std::uint64_t total_ = 0;
-    std::string error_;
     std::unique_ptr<char[]> buffer_;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;

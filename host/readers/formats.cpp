@@ -2,31 +2,34 @@
 
 #include <cassert>
 
-#include "readers/actisense_ascii_format.h"
-#include "readers/candump_format.h"
+#include "format_headers.inc"
+#include "readers/block_reader.h"
 #include "readers/line_reader.h"
-#include "readers/plain_format.h"
-#include "readers/yacht_devices_format.h"
+#include "text/quotes.h"
 #include "text/words.h"
 
 namespace vistel {
 namespace {
 
-template <class TextFormat>
-std::unique_ptr<RecordReader> open_lines(ByteSource& source) {
-    return std::make_unique<LineReader<TextFormat>>(source);
+template <class AnyFormat>
+std::unique_ptr<RecordReader> open_reader(ByteSource& source) {
+    if constexpr (BlockFormat<AnyFormat>) {
+        return std::make_unique<BlockReader<AnyFormat>>(source);
+    } else {
+        return std::make_unique<LineReader<AnyFormat>>(source);
+    }
 }
 
-template <class TextFormat>
-constexpr Format text_format(std::string_view name, std::string_view about) {
-    return {name, about, TextFormat::resembles, open_lines<TextFormat>};
+template <class AnyFormat>
+constexpr Format format(std::string_view name, std::string_view about) {
+    Format row{name, about, nullptr, nullptr, open_reader<AnyFormat>};
+    if constexpr (requires { AnyFormat::resembles; }) row.resembles = AnyFormat::resembles;
+    if constexpr (requires { AnyFormat::begins; }) row.begins = AnyFormat::begins;
+    return row;
 }
 
 constexpr Format formats[] = {
-    text_format<PlainFormat>("plain", "timestamp,priority,PGN,source,destination,length,hh,hh,..."),
-    text_format<CandumpFormat>("candump", "CAN frames as candump prints or logs them"),
-    text_format<YachtDevicesFormat>("yacht-devices", "CAN frames of Yacht Devices gateways in RAW mode"),
-    text_format<ActisenseAsciiFormat>("actisense-ascii", "messages of Actisense gateways as text"),
+#include "format_rows.inc"
 };
 
 }  // namespace
@@ -35,15 +38,20 @@ std::span<const Format> all_formats() {
     return formats;
 }
 
-const Format* find_format(std::string_view name) {
+Result<const Format*> find_format(std::string_view name) {
     for (const Format& format : formats) {
         if (format.name == name) return &format;
     }
-    return nullptr;
+    return failure("unknown format ", quoted(name), "; known are ", format_names());
 }
 
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole) {
     assert(passed <= head.size());
+    if (passed == 0) {
+        for (const Format& format : formats) {
+            if (format.begins != nullptr && format.begins(head)) return &format;
+        }
+    }
     std::string_view rest = head.substr(passed), line;
     for (;;) {
         passed = head.size() - rest.size();
@@ -55,7 +63,7 @@ const Format* recognise_format(std::string_view head, std::size_t& passed, bool 
         }
         if (line.empty() || line[0] == '#') continue;
         for (const Format& format : formats) {
-            if (format.resembles(line)) return &format;
+            if (format.resembles != nullptr && format.resembles(line)) return &format;
         }
     }
 }

@@ -7,29 +7,33 @@
 
 #include "readers/byte_source.h"
 #include "readers/record_reader.h"
+#include "text/result.h"
 
 namespace vistel {
 
-/// One format of recordings.
+/// One format of recordings, a row of formats.tsv.
 struct Format {
     std::string_view name;   ///< as given to --format
     std::string_view about;  ///< a line for the help text
 
-    /// Whether a line speaks for this format.
+    /// Whether a line speaks for this format; null where lines say nothing.
     bool (*resembles)(std::string_view line);
+
+    /// Whether the beginning of a recording speaks for it; null for formats that lines tell.
+    bool (*begins)(std::string_view head);
 
     std::unique_ptr<RecordReader> (*open)(ByteSource& source);
 };
 
 std::span<const Format> all_formats();
 
-/// Null for a name that no format has.
-const Format* find_format(std::string_view name);
+/// Fails for a name that no format has.
+Result<const Format*> find_format(std::string_view name);
 
-/// The format that the first line of `head` speaks for that speaks for any, or null; of several the one that
-/// comes first among all_formats(). `head` is the beginning of a recording, `whole` tells that nothing
-/// follows. `passed` are its bytes that have been looked at, 0 at first, so that a head which grows is looked
-/// at once.
+/// The format that the beginning of `head` speaks for, or else the first line that speaks for any, or null;
+/// of several the one that comes first among all_formats(). `head` is the beginning of a recording, `whole`
+/// tells that nothing follows. `passed` are its bytes that have been looked at, 0 at first, so that a head
+/// which grows is looked at once.
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole);
 
 /// "plain, candump, ..."

@@ -87,7 +87,7 @@ void Lines::skip(Problem& problem) {
     skipping_ = size_ == unread;
     source_.consume(std::min(size_ + 1, unread));
     searched_ = 0;
-    problem.line = ++number_;
+    problem.put_at_line(++number_);
     describe(problem, "the line is longer than ", max_line, " bytes");
 }
 
@@ -96,7 +96,7 @@ ReadResult Lines::report_failure(Problem& problem) {
     failure_reported_ = true;
     source_.consume(source_.unread().size());
     searched_ = 0;
-    problem.line = number_ + 1;
+    problem.put_at_line(number_ + 1);
     describe(problem, "cannot read on: ", source_.error());
     return ReadResult::problem;
 }

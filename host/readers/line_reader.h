@@ -99,6 +99,7 @@ class LineReader final : public RecordReader {
 
     bool would_wait() override { return lines_.would_wait(); }
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
   private:
     [[gnu::noinline]] ReadResult next_of_any_shape(Record& record, Problem& problem) {
@@ -114,7 +115,7 @@ class LineReader final : public RecordReader {
         if (result == LineResult::record) [[likely]]
             return ReadResult::record;
         if (result == LineResult::problem) {
-            problem.line = lines_.number();
+            problem.put_at_line(lines_.number());
             return ReadResult::problem;
         }
         if (result == LineResult::foreign) ++foreign_frames_;

@@ -30,22 +30,19 @@ bool only_blank_lines(std::string_view head) {
 }  // namespace
 
 Status Recording::open(const std::string& path, const RecordingOptions& options) {
-    return start(source_.open(path), options);
+    auto opened = open_file(path);
+    if (!opened) return opened.error();
+    return attach(std::move(*opened), options);
 }
 
-Status Recording::attach(int descriptor, const RecordingOptions& options) {
-    return start(source_.attach(descriptor), options);
-}
-
-Status Recording::start(Status opened, const RecordingOptions& options) {
-    if (!opened) return opened;
+Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOptions& options) {
+    source_.attach(std::move(input));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
     if (options.format.empty()) return done;
-    const Format* format = find_format(options.format);
-    if (format == nullptr)
-        return failure("unknown format ", quoted(options.format), "; known are ", format_names());
-    use(*format);
+    auto format = find_format(options.format);
+    if (!format) return format.error();
+    use(**format);
     return done;
 }
 
@@ -74,7 +71,7 @@ ReadResult Recording::explain_end() {
     if (end_explained_ || (source_.ended() && source_.error().empty() && only_blank_lines(head)))
         return ReadResult::end;
     end_explained_ = true;
-    problem_.line = 0;
+    problem_.put_at_whole();
     if (!source_.error().empty()) {
         describe(problem_, "cannot read on: ", source_.error());
     } else {

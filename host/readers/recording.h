@@ -37,9 +37,8 @@ class Recording {
     /// Opens a file, or standard input for "-". Once only.
     Status open(const std::string& path, const RecordingOptions& options = {});
 
-    /// The same for a descriptor that is open already. It is closed with the recording, unless it is standard
-    /// input.
-    Status attach(int descriptor, const RecordingOptions& options = {});
+    /// The same for an input that is open already.
+    Status attach(std::unique_ptr<ByteInput> input, const RecordingOptions& options = {});
 
     /// Takes the next record, or tells what came instead. A caller goes on after `problem` (problem() then
     /// tells it) and `nothing`, which also stands for a wait that the patience or a signal cut short.
@@ -59,13 +58,17 @@ class Recording {
     std::uint64_t bytes_read() const { return source_.consumed(); }
     std::uint64_t bytes_total() const { return source_.total(); }  ///< 0 when unknown
 
+    /// How the recording names an interface of its records; empty where it does not.
+    std::string_view bus_name(std::uint8_t bus) const {
+        return reader_ ? reader_->bus_name(bus) : std::string_view{};
+    }
+
     /// Frames passed over because they are not NMEA 2000.
     std::uint64_t foreign_frames() const { return reader_ ? reader_->foreign_frames() : 0; }
 
   private:
     enum class State { ready, unknown_format, idle };
 
-    Status start(Status opened, const RecordingOptions& options);
     State prepare(ByteSource::Wait wait);
     void use(const Format& format);
     ReadResult explain_end();

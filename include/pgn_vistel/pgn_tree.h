@@ -3,13 +3,12 @@
 /// @file
 /// The monitor tree.
 
-#include <wx/treebase.h>
-
 #include "pgn_vistel/export.h"
 #include "pgn_vistel/n2k_msg.h"
 #include "pgn_vistel/native.h"
 #include "pgn_vistel/pgn_db.h"
 
+class wxTreeItemId;
 class wxWindow;
 struct TreeState;
 

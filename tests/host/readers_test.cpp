@@ -38,6 +38,12 @@ struct Contents {
     std::string format;
 };
 
+std::unique_ptr<ByteInput> input_of(int descriptor) {
+    auto input = attach_descriptor(descriptor);
+    EXPECT_TRUE(input);
+    return std::move(*input);
+}
+
 Contents drain(Recording& recording) {
     constexpr const char* origins[] = {" none", " start", " day", " epoch"};
     Contents contents;
@@ -48,7 +54,7 @@ Contents drain(Recording& recording) {
             contents.times.push_back(std::to_string(record.time.nanoseconds) +
                                      origins[static_cast<int>(record.time.origin)]);
         } else if (result == ReadResult::problem) {
-            contents.shown.push_back(std::to_string(recording.problem().line) + ": " +
+            contents.shown.push_back(std::to_string(recording.problem().number) + ": " +
                                      recording.problem().text);
         }
     }
@@ -80,7 +86,7 @@ Contents read(std::string_view text, const std::string& format = "", From from =
         writer = std::thread([&] { write_all(ends[1], text), ::close(ends[1]); });
     }
     Recording recording;
-    EXPECT_TRUE(recording.attach(ends[0], {.format = format}));
+    EXPECT_TRUE(recording.attach(input_of(ends[0]), {.format = format}));
     EXPECT_EQ(recording.bytes_total(), from == From::file ? text.size() : 0);
     Contents contents = drain(recording);
     if (writer.joinable()) writer.join();
@@ -191,7 +197,7 @@ TEST(Readers, ReadRecordings) {
     const std::string limit = good + std::string(16384 - good.size(), ' '), endless(3 << 20, 'x');
     const std::string neither = " has neither [length] nor # before its data";
     const std::string too_long = "the line is longer than 16384 bytes";
-    const std::string unknown = "0: the format is none of plain, candump, yacht-devices, actisense-ascii";
+    const std::string unknown = "0: the format is none of " + format_names();
     // The second is the format that is recognised, or else an option when it begins with "=".
     const std::tuple<std::string, std::string, Lines> cases[] = {
         // clang-format off
@@ -319,7 +325,7 @@ TEST(Readers, TellWhenTheyWouldWait) {
         ASSERT_EQ(0, ::pipe(ends));
         Recording recording;
         Record record;
-        ASSERT_TRUE(recording.attach(ends[0], {.format = format, .patience_ms = 0}));
+        ASSERT_TRUE(recording.attach(input_of(ends[0]), {.format = format, .patience_ms = 0}));
         const auto after = [&](std::string_view text) {
             write_all(ends[1], text);
             return recording.would_wait();
@@ -343,12 +349,11 @@ TEST(Readers, TellWhenTheyWouldWait) {
 }
 
 TEST(Readers, ReportWhatCannotBeRead) {
-    const std::string known =
-        "unknown format `pcap`; known are plain, candump, yacht-devices, actisense-ascii";
+    const std::string unknown = "unknown format `none`; known are " + format_names();
     for (const auto& [path, format, expected] :
          {std::tuple{"/no/such/file", "", "No such file or directory"s},
           {"/", "", "Is a directory"},
-          {"/dev/null", "pcap", known}}) {
+          {"/dev/null", "none", unknown}}) {
         Recording recording;
         const auto opened = recording.open(path, {.format = format});
         EXPECT_EQ(opened ? "" : opened.error().text, expected);
@@ -365,7 +370,7 @@ TEST(Readers, ReportWhatCannotBeRead) {
         write_all(ends[1], text);
         ::close(ends[1]);
         Recording recording;
-        ASSERT_TRUE(recording.attach(ends[0], {.format = "candump"}));
+        ASSERT_TRUE(recording.attach(input_of(ends[0]), {.format = "candump"}));
         EXPECT_EQ(drain(recording).shown, expected);
     }
 }

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cassert>
+#include <concepts>
+#include <cstddef>
+#include <string_view>
+
+#include "readers/byte_source.h"
+#include "readers/problem.h"
+#include "readers/record_reader.h"
+
+namespace vistel {
+
+/// What a format found at the beginning of the bytes that it was shown.
+enum class [[nodiscard]] Found{
+    record,
+    nothing,  ///< belongs to the format but holds no record
+    foreign,  ///< not NMEA 2000: another kind of frame, or a message of the gateway itself
+    problem,
+    more,  ///< what is there is not whole: more bytes are wanted
+};
+
+/// One format whose records are not lines of their own: binary ones, and text that is cut by other signs.
+///
+/// It has `begins(std::string_view head)`, which tells whether the beginning of a recording speaks for it
+/// (there may be less than there will be), or `resembles(std::string_view line)`, or both. `take` looks at
+/// the next bytes, sets `size` to how many of them it has dealt with, and fills the record or the text of the
+/// problem; of the record, `nothing` and `foreign` leave the payload and its length as they were, `problem`
+/// may leave anything. All but `more` take at least one byte; `more` takes none. `bytes` is never empty;
+/// `last` tells that nothing follows them: then `more` is a record that is cut off, and its bytes are passed.
+/// No record is longer than ByteSource::capacity, else it is passed as well.
+template <class Format>
+concept BlockFormat = requires(Format format, std::string_view bytes, bool last, std::size_t& size,
+                               Record& record, Problem& problem) {
+    { format.take(bytes, last, size, record, problem) } -> std::same_as<Found>;
+};
+
+/// Reads a format of blocks.
+template <BlockFormat Format>
+class BlockReader final : public RecordReader {
+  public:
+    explicit BlockReader(ByteSource& source) : source_(source) {}
+
+    ReadResult next(Record& record, Problem& problem) override {
+        for (;;) {
+            const std::string_view bytes = source_.unread();
+            if (bytes.empty() || bytes.size() == looked_at_) {
+                if (bytes.size() == ByteSource::capacity) return pass(problem, "a record has no end");
+                switch (source_.fill(ByteSource::Wait::yes)) {
+                    case ByteSource::Fill::data: continue;
+                    case ByteSource::Fill::idle: return ReadResult::nothing;
+                    default: break;
+                }
+                if (bytes.empty()) return end(problem);
+            }
+            std::size_t size = 0;
+            const std::uint64_t offset = source_.consumed();
+            const Found found = format_.take(source_.unread(), source_.ended(), size, record, problem);
+            if (found == Found::more) {
+                if (source_.ended()) return pass(problem, "the last record is cut off");
+                looked_at_ = source_.unread().size();
+                continue;
+            }
+            assert(size > 0);
+            looked_at_ = 0;
+            source_.consume(size);
+            switch (found) {
+                case Found::record: return ReadResult::record;
+                case Found::problem: problem.put_at_byte(offset); return ReadResult::problem;
+                case Found::foreign: ++foreign_frames_; return ReadResult::nothing;
+                default: return ReadResult::nothing;
+            }
+        }
+    }
+
+    bool would_wait() override {
+        return source_.unread().size() == looked_at_ &&
+               source_.fill(ByteSource::Wait::no) == ByteSource::Fill::idle;
+    }
+    std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
+
+  private:
+    /// Passes what is there.
+    ReadResult pass(Problem& problem, const char* why) {
+        problem.put_at_byte(source_.consumed());
+        describe(problem, why);
+        source_.consume(source_.unread().size());
+        looked_at_ = 0;
+        return ReadResult::problem;
+    }
+
+    ReadResult end(Problem& problem) {
+        if (source_.error().empty() || failure_reported_) return ReadResult::end;
+        failure_reported_ = true;
+        problem.put_at_byte(source_.consumed());
+        describe(problem, "cannot read on: ", source_.error());
+        return ReadResult::problem;
+    }
+
+    ByteSource& source_;
+    Format format_;
+    std::size_t looked_at_ = 0;  // bytes that are known not to be whole
+    bool failure_reported_ = false;
+    std::uint64_t foreign_frames_ = 0;
+};
+
+}  // namespace vistel
