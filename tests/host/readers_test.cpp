@@ -1,98 +1,17 @@
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <iterator>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "readers/recording.h"
-#include "text/hex.h"
+#include "host/recording_contents.h"
 
 namespace vistel {
 namespace {
 
 using namespace std::string_literals;
-using Lines = std::vector<std::string>;
-
-/// `F` or `M` for frame or message, priority, PGN, source, destination, payload: "F 2 127250 7 255 FF103B".
-std::string show(const Record& record) {
-    const N2KMsg& msg = record.msg;
-    std::string text = record.kind == Record::Kind::frame ? "F " : "M ";
-    for (const std::uint32_t number :
-         {std::uint32_t{msg.priority}, msg.pgn, std::uint32_t{msg.source}, std::uint32_t{msg.destination}})
-        text += std::to_string(number) + ' ';
-    for (int i = 0; i < msg.length; ++i) append_hex(text, msg.data[i], 2);
-    EXPECT_EQ(std::count(msg.data + msg.length, std::end(msg.data), 0),
-              std::end(msg.data) - msg.data - msg.length);
-    return text;
-}
-
-struct Contents {
-    Lines shown;  // records as by show(), problems as "LINE: text"; last "3 foreign" if there were so many
-    Lines times;  // of the records: "1456660800000000000 epoch"
-    std::string format;
-};
-
-std::unique_ptr<ByteInput> input_of(int descriptor) {
-    auto input = attach_descriptor(descriptor);
-    EXPECT_TRUE(input);
-    return std::move(*input);
-}
-
-Contents drain(Recording& recording) {
-    constexpr const char* origins[] = {" none", " start", " day", " epoch"};
-    Contents contents;
-    Record record;
-    for (ReadResult result; (result = recording.next(record)) != ReadResult::end;) {
-        if (result == ReadResult::record) {
-            contents.shown.push_back(show(record));
-            contents.times.push_back(std::to_string(record.time.nanoseconds) +
-                                     origins[static_cast<int>(record.time.origin)]);
-        } else if (result == ReadResult::problem) {
-            contents.shown.push_back(std::to_string(recording.problem().number) + ": " +
-                                     recording.problem().text);
-        }
-    }
-    contents.format = recording.format_name();
-    if (const auto foreign = recording.foreign_frames(); foreign > 0)
-        contents.shown.push_back(std::to_string(foreign) + " foreign");
-    return contents;
-}
-
-void write_all(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t size = ::write(descriptor, text.data(), text.size());
-        ASSERT_GT(size, 0);
-        text.remove_prefix(static_cast<std::size_t>(size));
-    }
-}
-
-enum class From { file, pipe };
-
-Contents read(std::string_view text, const std::string& format = "", From from = From::file) {
-    int ends[2] = {::memfd_create("recording", 0), -1};
-    std::thread writer;
-    if (from == From::file) {
-        write_all(ends[0], text);
-        ::lseek(ends[0], 0, SEEK_SET);
-    } else {
-        ::close(ends[0]);
-        EXPECT_EQ(0, ::pipe(ends));
-        writer = std::thread([&] { write_all(ends[1], text), ::close(ends[1]); });
-    }
-    Recording recording;
-    EXPECT_TRUE(recording.attach(input_of(ends[0]), {.format = format}));
-    EXPECT_EQ(recording.bytes_total(), from == From::file ? text.size() : 0);
-    Contents contents = drain(recording);
-    if (writer.joinable()) writer.join();
-    return contents;
-}
-
 TEST(Readers, ReadEachShapeOfLine) {
     std::string most;
     for (int i = 0; i < 1785; ++i) most += ",5A";
@@ -117,7 +36,18 @@ TEST(Readers, ReadEachShapeOfLine) {
         {"interface = can0, family = 29, type = 3, proto = 1", ""}, {"can0  123   [2]  00 FC", "1 foreign"},
         {"can0  18EAFF01   [3]  remote request", "1 foreign"},
         {"can0 18EAFF01#R", "1 foreign"}, {"can0 20000004#00", "1 foreign"}, {"can0  09F8027F   [8]  00 FC", "8 bytes announced, 2 given"},
-        {"can0  09F8027F  [12]  00 01 02 03", "a CAN FD frame cannot be NMEA 2000"},
+        {"can0  09F8027F  [12]  00 01 02 03", "1 foreign"}, {"can0 09F8027F##500", "1 foreign"},
+        {"can0   123 [0004] (45|81:00:12345678) 00 00 00 00", "1 foreign"}, {"can0 45123#81:00:12345678#00", "1 foreign"},
+        {"can0  09F8027F   {2}  00 FC", "F 2 129026 127 255 00FC"}, {"can0  09F8027F   {2}  00", "2 bytes announced, 1 given"},
+        {"can0  09F8027F   {C}  00 01 02 03 04 05 06 07", "F 2 129026 127 255 0001020304050607"},
+        {"can0 09F8027F#0001020304050607_C", "F 2 129026 127 255 0001020304050607"},
+        {"can0 09F8027F#01.D5.02", "F 2 129026 127 255 01D502"}, {"can0 09F8027F#01.D5.0", "byte 3 `0` is not hexadecimal"},
+        {"can0  09F8027F   [2]  11111111 00000001   '..'", "F 2 129026 127 255 FF01"},
+        {"can0  RX - -  09F8027F   [3]  FD`7F`00   `..A`", "F 2 129026 127 255 007FFD"},
+        {"\x1B[34m  can0  \x1B[1;31m09F8027F\x1B[0m   [2]  00 \x1B[0mFC\x1B[0m", "F 2 129026 127 255 00FC"},
+        {"can0  20000004   [8]  00 04 00 00 00 00 00 00   ERRORFRAME", "1 foreign"},
+        {"controller-problem{rx-error-warning}", ""}, {"lost-arbitration{at bit 3}", ""}, {"bus-off", ""},
+        {"DROPCOUNT: dropped 2 CAN frames on 'can0' socket (total drops 2)", "frames are missing here: candump dropped 2"},
         {"can0 09F8027F#000102030405060708", "9 bytes given, at most 8 are possible"},
         {"can0 49F8027F#00", "identifier `49F8027F` has more than 29 bits"},
         {"can0  09F8027F  0", "`can0  09F8027F  0` has neither [length] nor # before its data"},
@@ -232,6 +162,15 @@ TEST(Readers, ReadRecordings) {
             EXPECT_EQ(contents.shown, expected) << text.substr(0, 80);
             EXPECT_EQ(contents.format, format.substr(is_given)) << text.substr(0, 80);
         }
+}
+
+TEST(Readers, TellInterfacesApart) {
+    std::string text, shown;
+    for (const char* interface : {"can1 ", "can0 ", "can0 ", "can1 ", "vcan"})
+        text += " (000.5)  "s + interface + "  09F8017F   [1]  50\n (1502979132.106111) " + interface +
+                " 09F8017F#50\n";
+    for (const std::string& bus : read(text).buses) shown += bus;
+    EXPECT_EQ(shown, "0011110022");
 }
 
 TEST(Readers, TellWholeMessagesFromFrames) {
