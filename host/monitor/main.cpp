@@ -52,6 +52,7 @@ int main(int argc, char** argv) {
     app.add_option("FILE", options.file, "Recording to play; - is standard input")->capture_default_str();
     app.add_option("--format", options.format,
                    "Format of the recording; recognised by its contents if not given");
+    vistel::add_contents(app, options.contents);
     app.add_option("--speed", speed, "Times the recording's own pace, or max")
         ->check(check_speed)
         ->capture_default_str();

@@ -10,6 +10,7 @@ bool Player::open(std::string& error) {
     recording_ = std::make_unique<Recording>();
     RecordingOptions how;
     how.format = options_.format;
+    how.contents = options_.contents;
     how.patience_ms = 0;
     if (const auto opened = recording_->open(options_.file, how); !opened) {
         error = opened.error().text;

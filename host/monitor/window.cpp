@@ -147,6 +147,7 @@ bool MonitorWindow::open(const std::string& file, std::string& error) {
     PlayOptions options = player_->options();
     options.file = file;
     options.format.clear();
+    options.contents = ContentKind::as_it_seems;
     auto next = std::make_unique<Player>(options);
     if (!next->open(error)) return false;
     player_ = std::move(next);

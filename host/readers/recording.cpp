@@ -39,6 +39,7 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
     source_.attach(std::move(input));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
+    contents_ = options.contents;
     if (options.format.empty()) return done;
     auto format = find_format(options.format);
     if (!format) return format.error();
@@ -48,7 +49,7 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
 
 void Recording::use(const Format& format) {
     format_ = &format;
-    reader_ = format.open(source_);
+    reader_ = format.open(source_, contents_);
 }
 
 /// Reads the head of the recording until it shows its format.

@@ -76,7 +76,7 @@ Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
     if (hours > 23 || minutes > 59 || seconds > 60) return "there is no such time of day";
     std::int64_t nanoseconds = hours * hour + minutes * minute + seconds * second;
     text.remove_prefix(8);
-    if (!text.empty() && text[0] == '.') {
+    if (!text.empty() && (text[0] == '.' || text[0] == ',')) {
         text.remove_prefix(1);
         std::int64_t fraction = 0;
         if (!take_fraction(text, fraction)) return "the decimals are missing";
@@ -100,8 +100,8 @@ Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const auto calendar_day =
         std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day_of_month);
     if (!calendar_day.ok()) return "there is no such date";
-    if (year < 1970 || year > 2261) return "its year is outside 1970..2261";
-    midnight_ = std::chrono::sys_days(calendar_day).time_since_epoch().count() * day;
+    is_dated_ = year >= 1970 && year <= 2261;
+    midnight_ = !is_dated_ ? 0 : std::chrono::sys_days(calendar_day).time_since_epoch().count() * day;
     std::memcpy(date_, date.data(), date_size);
     return done;
 }
@@ -121,6 +121,7 @@ Result<RecordTime, const char*> TimestampParser::parse(std::string_view text) {
     }
     auto time = parse_time_of_day(text.substr(date_size + 1));
     if (!time) return time.error();
+    if (!is_dated_) return RecordTime{(*time + day) % day, RecordTime::Origin::day};
     const unsigned hours = two_digits(text.data() + 11), minutes = two_digits(text.data() + 14);
     minute_start_ = midnight_ + hours * hour + minutes * minute;
     std::memcpy(minute_, text.data(), minute_size);

@@ -12,7 +12,8 @@ namespace vistel {
 ///   2016-02-28T19:57:02.364Z   T, `-`, Z or a blank between date and time
 ///   2016-02-28-21:57:02+02:00  offsets also as +0200 and +02; without one the time is UTC
 ///   19:57:02.364               time of day alone
-/// with up to nine decimals, for the years 1970 to 2261 (nanoseconds in 64 bits end in 2262).
+/// with up to nine decimals. Of a date outside the years 1970 to 2261 (nanoseconds in 64 bits end in 2262),
+/// which a clock has that was never set, the time of day alone is taken.
 class TimestampParser {
   public:
     /// Of a text that is something else the result says so, as in "there is no such date".
@@ -31,6 +32,7 @@ class TimestampParser {
     // minute.
     static constexpr std::size_t date_size = 10, minute_size = sizeof "2016-02-28T19:57:" - 1;
     char date_[date_size] = {};
+    bool is_dated_ = false;              // whether date_ is within the years that can be told
     std::int64_t midnight_ = 0;          // of date_, in nanoseconds
     char minute_[minute_size] = {'\n'};  // which no time stamp begins with
     std::int64_t minute_start_ = 0;
