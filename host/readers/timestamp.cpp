@@ -150,6 +150,47 @@ const char* TimestampParser::read_usual(const char* p, RecordTime& time) const {
     return p + (*p == 'Z' ? 1 : 0);
 }
 
+bool parse_duration(std::string_view text, std::int64_t unit, std::int64_t& nanoseconds) {
+    const std::int64_t longest = 3650 * day;
+    std::int64_t whole = 0, fraction = 0;
+    std::size_t size = 0;
+    for (; size < text.size() && is_digit(text[size]); ++size) {
+        whole = whole * 10 + (text[size] - '0');
+        if (whole > longest / unit) return false;
+    }
+    if (size == 0) return false;
+    text.remove_prefix(size);
+    if (!text.empty()) {
+        if (text[0] != '.') return false;
+        text.remove_prefix(1);
+        if (!take_fraction(text, fraction) || !text.empty()) return false;
+    }
+    nanoseconds = whole * unit + fraction * unit / second;
+    return true;
+}
+
+RecordTime later(const RecordTime& start, std::int64_t nanoseconds) {
+    RecordTime time{0, start.origin == RecordTime::Origin::none ? RecordTime::Origin::start : start.origin};
+    if (__builtin_add_overflow(start.nanoseconds, nanoseconds, &time.nanoseconds))
+        time.nanoseconds = start.nanoseconds;
+    return time;
+}
+
+bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day_of_month,
+               std::int64_t since_midnight, RecordTime& time) {
+    if (year > 9999 || month > 12 || day_of_month > 31) return false;
+    const auto calendar_day = std::chrono::year(static_cast<int>(year)) / std::chrono::month(month) /
+                              std::chrono::day(day_of_month);
+    if (!calendar_day.ok()) return false;
+    if (year < 1970 || year > 2261) {
+        time = {since_midnight, RecordTime::Origin::day};
+    } else {
+        const std::int64_t days = std::chrono::sys_days(calendar_day).time_since_epoch().count();
+        time = {days * day + since_midnight, RecordTime::Origin::epoch};
+    }
+    return true;
+}
+
 bool read_usual_seconds(const char* p, RecordTime& time) {
     constexpr DigitShape first("00000000"), end(".000000)");
     std::uint64_t digits = 0, decimals = 0;
