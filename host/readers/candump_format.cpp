@@ -4,6 +4,7 @@
 #include <bit>
 #include <cassert>
 #include <cstring>
+#include <optional>
 #include <span>
 
 #include "can/identifier.h"
@@ -261,7 +262,11 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
     const std::string_view text = trimmed(line.substr(1, close - 1));
     line.remove_prefix(close + 1);
     if (text.find(':') == std::string_view::npos) {
-        if (parse_seconds(text, time)) return true;
+        if (parse_seconds(text, time)) {
+            if (counting_ == Counting::from_last_line && time.origin == RecordTime::Origin::start)
+                time = later({since_start_, {}}, time.nanoseconds), since_start_ = time.nanoseconds;
+            return true;
+        }
         describe(problem, "time ", quoted(text), " is not a number of seconds");
         return false;
     }
@@ -272,6 +277,40 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
     }
     time = *parsed;
     return true;
+}
+
+namespace {
+
+/// The seconds at the beginning of a line since whatever start, or nothing.
+std::optional<std::int64_t> seconds_since_start(std::string_view line) {
+    char room[colour_room];
+    line = without_colours(line, room);
+    RecordTime time;
+    if (line.empty() || line[0] != '(' || !parse_seconds(line.substr(1, line.find(')') - 1), time) ||
+        time.origin != RecordTime::Origin::start) {
+        return std::nullopt;
+    }
+    return time.nanoseconds;
+}
+
+}  // namespace
+
+/// Both ways of counting begin with a line at 0.
+bool CandumpFormat::depends_on_later(std::string_view line) {
+    if (counting_ == Counting::unknown && resembles(line) && seconds_since_start(line) != 0) settle();
+    return counting_ == Counting::unknown && resembles(line);
+}
+
+void CandumpFormat::foresee(std::string_view line) {
+    constexpr unsigned most_lines = 32;
+    const auto seconds = seconds_since_start(line);
+    if (!seconds) return;
+    if (*seconds < last_seen_) {
+        counting_ = Counting::from_last_line;
+    } else if (++lines_seen_ == most_lines) {
+        settle();
+    }
+    last_seen_ = *seconds;
 }
 
 LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {

@@ -13,7 +13,8 @@ namespace vistel {
 ///   (1502979132.106111)  can0  09F8027F   [8]  00 FC ...
 ///   (1502979132.106111) can0 09F50374#000A00FF...
 ///   <0x18eeff01> [8] 05 a0 ...
-/// The time in parentheses may be missing, or be date and time. Between it and the identifier stands the
+/// The time in parentheses may be missing, be date and time, or count from the first line or the line before,
+/// which shows when it falls. Between it and the identifier stands the
 /// interface, which is the bus, and perhaps a direction. The text picture of the data and colours are
 /// ignored. Data may be binary, or have its last byte first, with back quotes in between.
 ///
@@ -25,6 +26,10 @@ class CandumpFormat : public IndependentLines {
 
     LineResult read(std::string_view line, Record& record, Problem& problem);
     const char* read_usual(std::string_view text, Record& record) const;
+    bool is_settled() const { return counting_ != Counting::unknown; }
+    bool depends_on_later(std::string_view line);
+    void foresee(std::string_view line);
+    void settle() { counting_ = Counting::from_one_start; }
     std::string_view bus_name(std::uint8_t bus) const { return buses_.name_of(bus); }
 
   private:
@@ -42,6 +47,9 @@ class CandumpFormat : public IndependentLines {
         CharacterPattern<1> behind;  ///< up to the data
     };
 
+    /// What times count from.
+    enum class Counting { unknown, from_one_start, from_last_line };
+
     bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
     const char* read_usual_time(const char* p, RecordTime& time) const;
 
@@ -49,6 +57,10 @@ class CandumpFormat : public IndependentLines {
     BusNames buses_;
     unsigned next_layout_ = 0;
     TimestampParser timestamps_;
+    Counting counting_ = Counting::unknown;
+    std::int64_t since_start_ = 0;  // of the last line, when times count from the line before
+    std::int64_t last_seen_ = -1;   // by foresee()
+    unsigned lines_seen_ = 0;
 };
 
 }  // namespace vistel

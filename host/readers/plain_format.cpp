@@ -146,7 +146,8 @@ bool PlainFormat::resembles(std::string_view line) {
     if (std::count(line.begin(), line.end(), ',') < header_commas) return false;
     const std::size_t comma = line.find(',');
     const std::string_view time = line.substr(0, comma);
-    const bool timed = !time.empty() && is_digit(time[0]) && time.find(':') != std::string_view::npos;
+    const bool timed = !time.empty() && is_digit(time[0]) && time.find(':') != std::string_view::npos &&
+                       time.find_first_not_of("0123456789:-.+TtZz \t") == std::string_view::npos;
     const std::size_t number = line.find_first_not_of(" \t", comma + 1);
     return (timed || time.empty()) && number != std::string_view::npos && is_digit(line[number]);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "readers/known_files.h"
 #include "text/characters.h"
 #include "text/quotes.h"
 
@@ -76,7 +77,9 @@ ReadResult Recording::explain_end() {
     if (!source_.error().empty()) {
         describe(problem_, "cannot read on: ", source_.error());
     } else {
-        describe(problem_, "the format is none of ", format_names());
+        const std::string_view guess = guess_file(head);
+        describe(problem_, guess.empty() ? "" : "this seems to be ", guess, guess.empty() ? "" : "; ",
+                 "the format is none of ", format_names());
     }
     return ReadResult::problem;
 }

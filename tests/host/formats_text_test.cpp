@@ -80,6 +80,12 @@ TEST(TextFormats, ReadTheirRecordings) {
                    "5,5_4_2026_9_30,127250\n6,1,127250,N,S,35,255,8,1,0,0x\n",
          {message, message, "6: 5 bytes announced, 4 given", message, "9: time `5_4_2026_9_30` is neither milliseconds nor month_day_year_...", "10: priority `8` is no number up to 7"},
          {"250000000 start", "300000000 start", epoch(250)}},
+        {"signal-k", "1777887000250;A;09:30:00.000,2,127250,35,255,4,01,39,30,00\n1777887000251;N;$GPGLL\n1777887000250;A;A093000.000 23FF2 1F112 01393000\n"
+                     "1777887000250;A;19:07:21.014 R 09F11223 01 39 30 00\n1777887000000;A;(1777887000.250) can0 09F11223#01393000\n1777887000251;A;x\nx\n"
+                     "1777887000250;A;,2,129029,35,255,1,00\n1777887000250;A;,2,129029,35,255,9,00,01,02,03,04,05,06,07,08\n",
+         {heading, message, heading, heading, "6: `x` is no message in a form that is known", "7: `x` is not milliseconds;letter;line",
+          "M 2 129029 35 255 00", "M 2 129029 35 255 000102030405060708", "1 foreign"},
+         {epoch(250), epoch(250), epoch(250), epoch(250), epoch(250), epoch(250)}},
         {"slcan", "V1013\rT09F11223401393000\r\at1230\rr1230\rR18EAFF233\rT09F1122340139300\rz\r\r?\rT09F11223401393000EA5C\rx09F112230\nT09F1122340139300003E8",
          {heading, "49: `T09F1122340139300` is not T, identifier, length and bytes", "70: `?` begins like no frame and no answer", heading, "F 2 127250 35 255 ", heading, "3 foreign"},
          {"0 none", "59996000000 start", "0 none", "61000000000 start"}},

@@ -55,10 +55,10 @@ TEST(Readers, ReadEachShapeOfLine) {
         {"(1,5) can0 09F8027F#00", "time `1,5` is not a number of seconds"},
     }}, {"yacht-devices", {
         {"19:07:21.014 R 09F8017F 50 C3", "F 2 129025 127 255 50C3"}, {"19:07:21.014 T 18EA23FE", "F 6 59904 254 35 "},
-        {"19:07:21.014 X 09F8017F 50", "direction `X` is neither R nor T"},
+        {"19F51323 01 02", "F 6 128275 35 255 0102"}, {"49F51323 01", "identifier `49F51323` has more than 29 bits"}, {"19:07:21.014 X 09F8017F 50", "direction `X` is neither R nor T"},
     }}, {"actisense-ascii", {
         {"A173321.107 23FF7 1F513 012F", "M 7 128275 35 255 012F"}, {"A173321 01230 3FFFF", "M 0 262143 1 35 "},
-        {"A173321.107 23FF8 1F513 012F", "priority 8 is above 7"},
+        {"A173321.107 23FFA 1F513 012F more", "M 2 128275 35 255 012F"}, {"B173321.107 23FF7 1F513 012F", ""},
         {"A173321.107 23FF7 40000 012F", "PGN 262144 is above 262143"},
         {"A1733.107 23FF7 1F513 012F", "time `A1733.107` is not Ahhmmss.mmm"},
     }}};
@@ -143,7 +143,9 @@ TEST(Readers, ReadRecordings) {
         {",9,129025,127,255,1,50", "plain", {"1: priority 9 is above 7"}}, {"vcan abc#50\n", "candump", {"1 foreign"}},
         {",0,262144,0,0,2,01,0e\n12:00:00,7,4294967295,0,255,1,00\n" + plain, "plain", {shown, "2 foreign"}},
         {"", "", {}}, {"\n# nothing\n  \n", "", {}},
-        {"# nothing\nat all", "", {unknown}}, {std::string(100'000, '\0'), "", {unknown}},
+        {"# nothing\nat all", "", {unknown}}, {"\x89PNG\r\n\x1A\n", "", {"0: this seems to be a PNG picture; " + unknown.substr(3)}},
+        {"h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0\n\0"s, "",
+         {"0: this seems to be UTF-16 text; " + unknown.substr(3)}}, {std::string(100'000, '\0'), "", {unknown}},
         {"a12:00:00" + plain + "12:00:00,two,129025,127,255,1,50\n", "", {unknown}},
         {"vcan ab#50\nvcan xyz [1] 50\n19:07 R 09F8017F 50\n19:07:21 Q 09F8017F 50\n", "", {unknown}},
         {"B173321.107 23FF7 1F513 012F\nA17332 23FF7 1F513 012F\n", "", {unknown}},
@@ -164,6 +166,27 @@ TEST(Readers, ReadRecordings) {
             EXPECT_EQ(contents.shown, expected) << text.substr(0, 80);
             EXPECT_EQ(contents.format, format.substr(is_given)) << text.substr(0, 80);
         }
+}
+
+TEST(Readers, TimesOfCandumpMayCountFromTheLineBefore) {
+    const auto text = [](std::initializer_list<const char*> times) {
+        std::string lines;
+        for (const char* time : times) lines += "("s + time + ") can0 09F8017F#50\n";
+        return lines;
+    };
+    const std::string rising = text({"000.000000", "000.500000", "000.500000", "001.000000"});
+    std::string many = rising;
+    for (int i = 0; i < 28; ++i) many += text({"001.000000"});
+    for (const From from : {From::file, From::pipe}) {
+        const Lines since_start{"0 start", "500000000 start", "500000000 start", "1000000000 start"};
+        EXPECT_EQ(read(rising, "", from).times, since_start);
+        const Lines since_last{"0 start", "500000000 start", "1000000000 start", "2000000000 start"};
+        const Lines& times = read(rising + text({"000.250000"}), "", from).times;
+        EXPECT_EQ(Lines(times.begin(), times.begin() + 4), since_last);
+        EXPECT_EQ(times[4], "2250000000 start");
+        EXPECT_EQ(read(many + text({"000.250000"}), "", from).times.back(), "250000000 start") << "too late";
+        EXPECT_EQ(read(text({"001.000000", "000.250000"}), "", from).times.back(), "250000000 start");
+    }
 }
 
 TEST(Readers, TellInterfacesApart) {
