@@ -24,7 +24,7 @@ std::string format_notes() {
 }
 
 /// What every command takes that reads recordings.
-void add_recording(CLI::App& command, std::string& file, std::string& format) {
+void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
     command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
@@ -33,6 +33,7 @@ void add_recording(CLI::App& command, std::string& file, std::string& format) {
     command
         .add_option("--format", format, "Format of the recording; recognised by its contents if not given")
         ->check(check);
+    vistel::add_contents(command, contents);
     command.footer(format_notes());
 }
 
@@ -52,7 +53,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("decode", "Decode a recording or a live stream, message by message");
     vistel::DecodeOptions& options = arguments.decode;
-    add_recording(*command, options.file, options.format);
+    add_recording(*command, options.file, options.format, options.contents);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
@@ -69,7 +70,7 @@ void add_devices(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
-    add_recording(*command, options.file, options.format);
+    add_recording(*command, options.file, options.format, options.contents);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "pgn_vistel/core/catalogue.h"
+#include "readers/content_kind.h"
 
 namespace vistel {
 
@@ -61,6 +62,17 @@ inline void add_speed(CLI::App& command, std::optional<double>& speed) {
             },
             "Times the recording's own pace, or max")
         ->type_name("TEXT");
+}
+
+/// The option for what the lines of plain text hold.
+inline void add_contents(CLI::App& command, ContentKind& contents) {
+    static const std::map<std::string, ContentKind> names{{"messages", ContentKind::messages},
+                                                          {"frames", ContentKind::frames}};
+    command
+        .add_option("--contents", contents,
+                    "What plain text holds: whole messages, or frames; told by its lines if not given")
+        ->transform(CLI::CheckedTransformer(names).description(""))
+        ->type_name("WHAT");
 }
 
 }  // namespace vistel

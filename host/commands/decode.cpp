@@ -115,6 +115,7 @@ int Decoding::run() {
     if (!apply_units(units_, options_.units)) return EXIT_FAILED;
     RecordingOptions how;
     how.format = options_.format;
+    how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_.flush(); };
     if (const auto opened = recording_.open(options_.file, how); !opened) {

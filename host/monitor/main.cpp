@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
     app.add_option("FILE", options.file, "Recording to play; - is standard input")->capture_default_str();
     app.add_option("--format", options.format,
                    "Format of the recording; recognised by its contents if not given");
+    vistel::add_contents(app, options.contents);
     vistel::add_speed(app, options.speed);
     app.add_flag("--loop", options.loop, "From the start again at the end");
     vistel::add_definitions(app, options.definitions);

@@ -156,6 +156,7 @@ bool MonitorWindow::open(const std::string& file, std::string& error) {
     PlayOptions options = player_->options();
     options.file = file;
     options.format.clear();
+    options.contents = ContentKind::as_it_seems;
     auto next = std::make_unique<Player>(options);
     if (const auto opened = next->open(); !opened) {
         error = opened.error().text;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "readers/known_files.h"
 #include "text/characters.h"
 #include "text/quotes.h"
 
@@ -39,6 +40,7 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
     source_.attach(std::move(input));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
+    contents_ = options.contents;
     if (options.format.empty()) return done;
     auto format = find_format(options.format);
     if (!format) return format.error();
@@ -48,7 +50,7 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
 
 void Recording::use(const Format& format) {
     format_ = &format;
-    reader_ = format.open(source_);
+    reader_ = format.open(source_, contents_);
 }
 
 /// Reads the head of the recording until it shows its format.
@@ -75,7 +77,9 @@ ReadResult Recording::explain_end() {
     if (!source_.error().empty()) {
         describe(problem_, "cannot read on: ", source_.error());
     } else {
-        describe(problem_, "the format is none of ", format_names());
+        const std::string_view guess = guess_file(head);
+        describe(problem_, guess.empty() ? "" : "this seems to be ", guess, guess.empty() ? "" : "; ",
+                 "the format is none of ", format_names());
     }
     return ReadResult::problem;
 }

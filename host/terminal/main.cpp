@@ -82,6 +82,7 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     app.add_option("--format", play.format,
                    "Format of the recording; recognised by its contents if not given");
+    add_contents(app, play.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
     app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
