@@ -108,6 +108,7 @@ void Decoding::print_statistics() const {
     line("repeated frames", c.repeated_frames);
     line("other than NMEA 2000", recording_.foreign_frames());
     unknown_.print();
+    print(reassembler_.losses());
 }
 
 int Decoding::run() {
