@@ -68,6 +68,13 @@ struct TreeState {
         return stream;
     }
 
+    /// Calls `act(control)` for each back end that there is.
+    template <class Act>
+    void for_each_control(Act act) {
+        if (toolkit) act(*toolkit);
+        if (native) act(*native);
+    }
+
     void expand_all(bool expanded) {
         for (StreamEntry& stream : *streams)
             for_each_back_end(stream, [&](TreeControl& tree, void* line) { tree.expand(line, expanded); });
@@ -78,12 +85,14 @@ struct TreeState {
 namespace {
 
 /// Runs an exported entry of the tree: in the library's module state, -1 where there was no memory for the
-/// tree or for what the entry does.
+/// tree or for what the entry does. What it did to the controls shows when it returns.
 template <class Act>
 int entry(TreeState* state, Act act) noexcept {
     const ModuleGuard in_this_module;
     if (state == nullptr) return -1;
-    return contained(-1, [&] { return act(*state); });
+    const int result = contained(-1, [&] { return act(*state); });
+    contained([&] { state->for_each_control([](TreeControl& tree) { tree.show_changes(); }); });
+    return result;
 }
 
 TreeState* share(TreeState* state) {
@@ -180,8 +189,7 @@ void PGN_VistelTree_c::Pause(int paused) {
 int PGN_VistelTree_c::ClearMsg() {
     return entry(state_, [](TreeState& state) {
         state.streams->clear();
-        if (state.toolkit) state.toolkit->clear();
-        if (state.native) state.native->clear();
+        state.for_each_control([](TreeControl& tree) { tree.clear(); });
         return 0;
     });
 }
