@@ -13,6 +13,7 @@
 #include "pgn_vistel/core/render.h"
 #include "pgn_vistel/native_tree.h"
 #include "platform/platform.h"
+#include "views/shown_line.h"
 #include "views/stream_table.h"
 #include "views/tree_control.h"
 
@@ -270,6 +271,7 @@ void PGN_VistelTree_c::add_pgn_fields(void* pgnDef, N2KMsg* msg, wxTreeItemId it
     core::StreamLines lines(static_cast<const core::PgnDef*>(pgnDef), *msg, SelectionAccess::of(*state_->db),
                             shared_scratch(), (state_->display_flags & plain_numbers) != 0);
     while (lines.next(line, core::line_size) >= 0) {
+        make_fit(line);
         if (toolkit != nullptr) toolkit_cursor = insert_child(line, item, toolkit_cursor);
         if (native != nullptr) native_cursor = insert_child(line, hItem, native_cursor);
     }
