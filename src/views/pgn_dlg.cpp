@@ -206,7 +206,7 @@ void PGN_VistelDlg_c::OnButtonClear(wxCommandEvent&) {
 }
 
 void PGN_VistelDlg_c::OnButtonPause(wxCommandEvent&) {
-    if (tree_ == nullptr) return;
+    if (tree_ == nullptr || tree_->GetDB() == nullptr) return;  // or it has no memory
     contained([&] {
         paused_ = paused_ == 0 ? 1 : 0;
         tree_->Pause(paused_);

@@ -127,7 +127,7 @@ TYPED_TEST(Tree, FillsAndPauses) {
     this->tree_.OnInit();
     EXPECT_TRUE(this->blocks().empty()) << "starting over";
     EXPECT_EQ(this->put_from({5, 6, 7, 8}), "0 0 0 -1 ");
-    for (const unsigned long capacity : {0ul, ~0ul}) {  // no memory has room for the second
+    for (const unsigned long capacity : {0ul, 0xFFFFFFFFul, ~0ul}) {  // no memory has room for the others
         N2KMsg msg = message_from(1);
         EXPECT_EQ(TypeParam(capacity).tree.PutMsg(&msg), -1);
     }
