@@ -38,7 +38,7 @@ class PGN_VISTEL_API PGN_VistelUnitDlg_c : public wxDialog {
     ~PGN_VistelUnitDlg_c() override;
 
     /// @{
-    /// Builds the window of an object that was constructed without one.
+    /// Builds the window of an object that was constructed without one. Nothing where there is one already.
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id, const wxString& title,
                 const wxPoint& pos, const wxSize& size, long style, unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long flags);

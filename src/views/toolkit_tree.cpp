@@ -58,8 +58,8 @@ void ToolkitTree::expand(Line line, bool expanded) {
 
 void ToolkitTree::show_changes() {
     if (!std::exchange(has_moved_, false)) return;
-    // The control lays its lines out when the toolkit is idle, which it is only in a host that runs it. Thawed
-    // it does so at once.
+    // The control lays its lines out when the toolkit is idle, which it is only in a host that runs it.
+    // Thawed it does so at once.
     tree_.Freeze();
     tree_.Thaw();
 }

@@ -90,6 +90,7 @@ void PGN_VistelUnitDlg_c::init() {
 void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id,
                                  const wxString& title, const wxPoint& pos, const wxSize& size, long style,
                                  unsigned long flags) {
+    if (GetHandle() != nullptr) return;  // it has a window
     created_ = pCreated;
     if (state_ == nullptr) return;
     state_->flags = flags;
@@ -149,6 +150,7 @@ void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned
 
 void PGN_VistelUnitDlg_c::Create(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
     const ModuleGuard in_this_module;
+    if (GetHandle() != nullptr) return;
     wxWindow* const stand_in =
         contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
     if (stand_in == nullptr) return;
