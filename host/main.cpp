@@ -9,6 +9,7 @@
 #include "commands/encode.h"
 #include "commands/neighbour.h"
 #include "readers/formats.h"
+#include "writers/writers.h"
 
 namespace {
 
@@ -103,8 +104,8 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         "--list", options.list, "Show the fields of the PGN (size, units, choices) or its variants");
     command->add_flag("--all-choices", options.all_choices, "Long choices to their end in that list")
         ->needs(list);
-    command->add_option("--format", options.format, "Of the line: plain, or candump with a frame a line")
-        ->check(CLI::IsMember(vistel::encode_formats()))
+    command->add_option("--format", options.format, "Of the line, or of lines with a frame each")
+        ->check(CLI::IsMember(vistel::written_formats()))
         ->capture_default_str();
     command
         ->add_option("--priority", options.priority, "0 (highest) to 7; that of the catalogue if not given")

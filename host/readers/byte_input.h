@@ -33,6 +33,9 @@ class ByteInput {
 
     /// Bytes there are, 0 when unknown.
     virtual std::uint64_t total() const = 0;
+
+    /// How far the first `given` bytes that read() gave are on the way to total(), about.
+    virtual std::uint64_t position(std::uint64_t given) const { return given; }
 };
 
 /// Opens a file, or standard input for "-".

@@ -47,6 +47,8 @@ class ByteSource {
     bool is_file() const { return input_->is_file(); }
 
     std::uint64_t consumed() const { return received_ - (end_ - begin_); }
+    /// How far what was consumed is on the way to total().
+    std::uint64_t position() const { return input_ ? input_->position(consumed()) : 0; }
     std::uint64_t total() const { return input_ ? input_->total() : 0; }  ///< 0 when unknown
 
   private:

@@ -35,7 +35,7 @@ class Recording {
     Recording(const Recording&) = delete;
     Recording& operator=(const Recording&) = delete;
 
-    /// Opens a file, or standard input for "-". Once only.
+    /// Opens a file, or standard input for "-", compressed or not. Once only.
     Status open(const std::string& path, const RecordingOptions& options = {});
 
     /// The same for an input that is open already.
@@ -56,7 +56,8 @@ class Recording {
     /// Name of the format; empty as long as it is not known.
     std::string_view format_name() const { return format_ != nullptr ? format_->name : std::string_view{}; }
 
-    std::uint64_t bytes_read() const { return source_.consumed(); }
+    /// Of a compressed recording both count its compressed bytes.
+    std::uint64_t bytes_read() const { return source_.position(); }
     std::uint64_t bytes_total() const { return source_.total(); }  ///< 0 when unknown
     /// Whether it is there from the first byte to the last, so that it can be read again.
     bool is_file() const { return source_.is_file(); }

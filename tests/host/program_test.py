@@ -198,7 +198,7 @@ class ProgramTest(unittest.TestCase):
     def test_frames_of_encoding(self):
         cases = [
             (["126464", "Group Function Code=0", "--sequence", "5", "--source", "3", "--time", "08:00:00"] + ["PGN supported #3=129029"],
-             ["(08:00:00) can0 19EEFF03#A00A00FFFFFFFFFF", "(08:00:00) can0 19EEFF03#A1FF05F801FFFFFF"]),
+             ["(28800.000000) can0 19EEFF03#A00A00FFFFFFFFFF", "(28800.000000) can0 19EEFF03#A1FF05F801FFFFFF"]),
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
