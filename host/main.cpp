@@ -11,10 +11,26 @@
 
 namespace {
 
-std::vector<std::string> format_names() {
-    std::vector<std::string> names;
-    for (const vistel::Format& format : vistel::all_formats()) names.emplace_back(format.name);
-    return names;
+/// The formats of recordings, with a line on each.
+std::string format_notes() {
+    std::string notes = "Formats of recordings:";
+    for (const vistel::Format& format : vistel::all_formats()) {
+        constexpr std::size_t column = 26;
+        notes.append("\n  ").append(format.name);
+        notes.append(column - std::min(column, format.name.size()), ' ').append(format.about);
+    }
+    return notes;
+}
+
+void add_format(CLI::App& command, std::string& format) {
+    const auto check = [](const std::string& name) {
+        const auto found = vistel::find_format(name);
+        return found ? std::string() : found.error().text;
+    };
+    command
+        .add_option("--format", format, "Format of the recording; recognised by its contents if not given")
+        ->check(check);
+    command.footer(format_notes());
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -42,10 +58,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     vistel::DecodeOptions& options = arguments.decode;
     command->add_option("FILE", options.file, "Recording to read; - is standard input")
         ->capture_default_str();
-    command
-        ->add_option("--format", options.format,
-                     "Format of the recording; recognised by its contents if not given")
-        ->check(CLI::IsMember(format_names()));
+    add_format(*command, options.format);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);

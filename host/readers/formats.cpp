@@ -2,12 +2,10 @@
 
 #include <cassert>
 
-#include "readers/actisense_ascii_format.h"
+#include "format_headers.inc"
 #include "readers/block_reader.h"
-#include "readers/candump_format.h"
 #include "readers/line_reader.h"
-#include "readers/plain_format.h"
-#include "readers/yacht_devices_format.h"
+#include "text/quotes.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -31,10 +29,7 @@ constexpr Format format(std::string_view name, std::string_view about) {
 }
 
 constexpr Format formats[] = {
-    format<PlainFormat>("plain", "timestamp,priority,PGN,source,destination,length,hh,hh,..."),
-    format<CandumpFormat>("candump", "CAN frames as candump prints or logs them"),
-    format<YachtDevicesFormat>("yacht-devices", "CAN frames of Yacht Devices gateways in RAW mode"),
-    format<ActisenseAsciiFormat>("actisense-ascii", "messages of Actisense gateways as text"),
+#include "format_rows.inc"
 };
 
 }  // namespace
@@ -43,11 +38,11 @@ std::span<const Format> all_formats() {
     return formats;
 }
 
-const Format* find_format(std::string_view name) {
+Result<const Format*> find_format(std::string_view name) {
     for (const Format& format : formats) {
         if (format.name == name) return &format;
     }
-    return nullptr;
+    return failure("unknown format ", quoted(name), "; known are ", format_names());
 }
 
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole) {

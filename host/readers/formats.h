@@ -7,10 +7,11 @@
 
 #include "readers/byte_source.h"
 #include "readers/record_reader.h"
+#include "text/result.h"
 
 namespace vistel {
 
-/// One format of recordings.
+/// One format of recordings, a row of formats.tsv.
 struct Format {
     std::string_view name;   ///< as given to --format
     std::string_view about;  ///< a line for the help text
@@ -26,8 +27,8 @@ struct Format {
 
 std::span<const Format> all_formats();
 
-/// Null for a name that no format has.
-const Format* find_format(std::string_view name);
+/// Fails for a name that no format has.
+Result<const Format*> find_format(std::string_view name);
 
 /// The format that the beginning of `head` speaks for, or else the first line that speaks for any, or null;
 /// of several the one that comes first among all_formats(). `head` is the beginning of a recording, `whole`

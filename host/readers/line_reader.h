@@ -99,6 +99,7 @@ class LineReader final : public RecordReader {
 
     bool would_wait() override { return lines_.would_wait(); }
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
   private:
     [[gnu::noinline]] ReadResult next_of_any_shape(Record& record, Problem& problem) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "can/record.h"
 #include "readers/problem.h"
@@ -28,6 +29,21 @@ class RecordReader {
 
     /// Frames passed over because they are not NMEA 2000.
     virtual std::uint64_t foreign_frames() const = 0;
+
+    /// How the recording names the interface that `Record::bus` numbers; empty where it does not. Valid until
+    /// the next call.
+    virtual std::string_view bus_name(std::uint8_t bus) const = 0;
 };
+
+/// What a format says of an interface: one that tells several apart may have `bus_name(std::uint8_t)`, by
+/// which each is known from its first record on.
+template <class Format>
+std::string_view bus_name_of(const Format& format, std::uint8_t bus) {
+    if constexpr (requires { format.bus_name(bus); }) {
+        return format.bus_name(bus);
+    } else {
+        return {};
+    }
+}
 
 }  // namespace vistel

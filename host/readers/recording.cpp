@@ -40,10 +40,9 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
     if (options.format.empty()) return done;
-    const Format* format = find_format(options.format);
-    if (format == nullptr)
-        return failure("unknown format ", quoted(options.format), "; known are ", format_names());
-    use(*format);
+    auto format = find_format(options.format);
+    if (!format) return format.error();
+    use(**format);
     return done;
 }
 

@@ -58,6 +58,11 @@ class Recording {
     std::uint64_t bytes_read() const { return source_.consumed(); }
     std::uint64_t bytes_total() const { return source_.total(); }  ///< 0 when unknown
 
+    /// How the recording names an interface of its records; empty where it does not.
+    std::string_view bus_name(std::uint8_t bus) const {
+        return reader_ ? reader_->bus_name(bus) : std::string_view{};
+    }
+
     /// Frames passed over because they are not NMEA 2000.
     std::uint64_t foreign_frames() const { return reader_ ? reader_->foreign_frames() : 0; }
 

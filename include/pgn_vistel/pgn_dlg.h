@@ -43,8 +43,9 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     /// @}
     /// @{
     /// Under a native window. With a null handle nothing is built.
-    PGN_VistelDlg_c(HWND parent, unsigned long maxStreams, unsigned long flags);
-    PGN_VistelDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
+    PGN_VistelDlg_c(pgn_vistel::NativeWindow parent, unsigned long maxStreams, unsigned long flags);
+    PGN_VistelDlg_c(pgn_vistel::NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
+                    unsigned long flags);
     /// @}
 
     ~PGN_VistelDlg_c() override;
@@ -54,8 +55,9 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                 unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
-    void Create(HWND parent, unsigned long maxStreams, unsigned long flags);
-    void Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);
+    void Create(pgn_vistel::NativeWindow parent, unsigned long maxStreams, unsigned long flags);
+    void Create(pgn_vistel::NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
+                unsigned long flags);
     /// @}
 
     /// 0 shown or filtered out, 2 paused, -1 no room for a new stream, not created yet, or null.
@@ -68,7 +70,7 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     int ExpandAll();    ///< Expands the streams, new ones too. 0, or -1 before `Create`
 
     /// The module whose product name becomes the title at the next `Create`.
-    void SetModule(HINSTANCE module);
+    void SetModule(pgn_vistel::NativeModule module);
 
     /// @{
     /// What the filter's text control tells of focus and Enter; `owner` is the dialog.
@@ -111,5 +113,5 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     unsigned long flags_ = 0;
     wxString title_;
     int* created_ = nullptr;
-    HINSTANCE module_ = nullptr;
+    pgn_vistel::NativeModule module_ = nullptr;
 };

@@ -3,13 +3,12 @@
 /// @file
 /// The monitor tree.
 
-#include <wx/treebase.h>
-
 #include "pgn_vistel/export.h"
 #include "pgn_vistel/n2k_msg.h"
 #include "pgn_vistel/native.h"
 #include "pgn_vistel/pgn_db.h"
 
+class wxTreeItemId;
 class wxWindow;
 struct TreeState;
 
@@ -32,7 +31,8 @@ class PGN_VISTEL_API PGN_VistelTree_c {
     /// On a native tree control. `maxStreams` is the number of streams kept; messages of further ones are
     /// refused. `flags` bit value 2: numbers without their hexadecimal form;
     /// `PGN_VISTEL_CORRECTED_DEFINITIONS`: what devices send instead of the catalogue of the text interface.
-    PGN_VistelTree_c(HWND parent, CTreeCtrl* tree, unsigned long maxStreams, unsigned long flags);
+    PGN_VistelTree_c(pgn_vistel::NativeWindow parent, CTreeCtrl* tree, unsigned long maxStreams,
+                     unsigned long flags);
 
     /// @{
     /// On a toolkit tree control (`tree` is a `wxTreeCtrl`). `db` null: the global database.

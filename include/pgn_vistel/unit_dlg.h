@@ -33,7 +33,7 @@ class PGN_VISTEL_API PGN_VistelUnitDlg_c : public wxDialog {
     PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
     /// @}
     /// Under a native window. Nothing is built for a null handle.
-    PGN_VistelUnitDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
+    PGN_VistelUnitDlg_c(pgn_vistel::NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
 
     ~PGN_VistelUnitDlg_c() override;
 
@@ -43,7 +43,7 @@ class PGN_VISTEL_API PGN_VistelUnitDlg_c : public wxDialog {
                 const wxPoint& pos, const wxSize& size, long style, unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
-    void Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
+    void Create(pgn_vistel::NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long flags);
     /// @}
 
     /// Called after the user has applied a choice, on the same thread, inside the click.

@@ -12,7 +12,7 @@ class CWinApp;
 ///
 /// A platform is a folder beside this file. It implements what is declared here and brings the header of its
 /// native tree control, `public/pgn_vistel/native_tree.h`, with at least the members that the views use
-/// (`NativeRect`; of `CTreeCtrl` what `views/native_tree.cpp`, `OnInit` and `OnSize` call). What its window
+/// (of `CTreeCtrl` what `views/native_tree.cpp`, `OnInit` and `OnSize` call). What its window
 /// and module handles are is said in native.h, for hosts. `platform.cmake` names its sources and the
 /// libraries that they need. No other code of the library depends on which platform it is.
 ///
@@ -36,7 +36,7 @@ ModuleState* set_module_state(ModuleState* state) noexcept;
 
 /// The product name that a module carries, or an empty text where it carries none or the handle is null. Any
 /// other handle must be one of a module that is loaded.
-std::wstring product_name(HINSTANCE module);
+std::wstring product_name(NativeModule module);
 
 // ---- windows ----
 
@@ -46,15 +46,15 @@ struct Size {
 };
 
 /// Inner size of a native window, in pixels; 0 by 0 for null.
-Size client_size(HWND window);
+Size client_size(NativeWindow window);
 
 /// A toolkit window that stands for a native one and may be a parent; null when that cannot be had. Nobody
 /// deletes it: it goes with the native window, or with the toolkit. Asked again for the same window it gives
 /// the same. Starts the toolkit where the host has not, and stops it at unload if so.
-wxWindow* wrap_native_window(HWND window);
+wxWindow* wrap_native_window(NativeWindow window);
 
 /// Keeps a window above the native one that it was opened under, where its parent alone does not do that.
-void keep_above(wxTopLevelWindow& window, HWND owner);
+void keep_above(wxTopLevelWindow& window, NativeWindow owner);
 
 /// Gives a window the running program's icon "ICON_PROGRAM"; leaves it alone where there is none.
 void set_program_icon(wxTopLevelWindow& window);

@@ -43,10 +43,10 @@ PGN_VistelDlg_c::PGN_VistelDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCr
     Create(parent, db, pCreated, maxStreams, flags);
 }
 
-PGN_VistelDlg_c::PGN_VistelDlg_c(HWND parent, unsigned long maxStreams, unsigned long flags)
+PGN_VistelDlg_c::PGN_VistelDlg_c(NativeWindow parent, unsigned long maxStreams, unsigned long flags)
     : PGN_VistelDlg_c(parent, nullptr, maxStreams, flags) {}
 
-PGN_VistelDlg_c::PGN_VistelDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
+PGN_VistelDlg_c::PGN_VistelDlg_c(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                                  unsigned long flags) {
     const ModuleGuard in_this_module;
     if (parent == nullptr) return;
@@ -156,12 +156,12 @@ void PGN_VistelDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned lon
     Create(parent, db, created_, maxStreams, flags);
 }
 
-void PGN_VistelDlg_c::Create(HWND parent, unsigned long maxStreams, unsigned long flags) {
+void PGN_VistelDlg_c::Create(NativeWindow parent, unsigned long maxStreams, unsigned long flags) {
     const ModuleGuard in_this_module;
     Create(parent, nullptr, maxStreams, flags);
 }
 
-void PGN_VistelDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
+void PGN_VistelDlg_c::Create(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                              unsigned long flags) {
     const ModuleGuard in_this_module;
     wxWindow* const stand_in =
@@ -193,7 +193,7 @@ int PGN_VistelDlg_c::ExpandAll() {
     return tree_ != nullptr ? tree_->ExpandAll() : -1;
 }
 
-void PGN_VistelDlg_c::SetModule(HINSTANCE module) {
+void PGN_VistelDlg_c::SetModule(NativeModule module) {
     module_ = module;
 }
 

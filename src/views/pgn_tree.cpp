@@ -34,7 +34,7 @@ struct TreeState {
     int owners = 1;                      // copies of the tree; user-interface thread only, so no atomic
     std::optional<ToolkitTree> toolkit;  // at most one of the two
     std::optional<NativeTree> native;
-    HWND native_parent = nullptr;
+    NativeWindow native_parent = nullptr;
     CTreeCtrl* native_control = nullptr;
     Anchor anchor;
     std::optional<StreamTable> streams;
@@ -99,7 +99,7 @@ void release(TreeState* state) {
 
 }  // namespace
 
-PGN_VistelTree_c::PGN_VistelTree_c(HWND parent, CTreeCtrl* tree, unsigned long maxStreams,
+PGN_VistelTree_c::PGN_VistelTree_c(NativeWindow parent, CTreeCtrl* tree, unsigned long maxStreams,
                                    unsigned long flags) {
     const ModuleGuard in_this_module;
     init();

@@ -68,7 +68,7 @@ PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, 
 PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long flags)
     : PGN_VistelUnitDlg_c(parent, db, nullptr, flags) {}
 
-PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
+PGN_VistelUnitDlg_c::PGN_VistelUnitDlg_c(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
     const ModuleGuard in_this_module;
     if (parent == nullptr) return;
     init();
@@ -147,7 +147,7 @@ void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned
     Create(parent, db, nullptr, flags);
 }
 
-void PGN_VistelUnitDlg_c::Create(HWND parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
+void PGN_VistelUnitDlg_c::Create(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
     const ModuleGuard in_this_module;
     wxWindow* const stand_in =
         contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });

@@ -7,7 +7,7 @@
 
 namespace pgn_vistel::platform {
 
-Size client_size(HWND window) {
+Size client_size(NativeWindow window) {
     if (window == nullptr) return {};
     auto* const gdk_window = reinterpret_cast<GdkWindow*>(window);
     return {gdk_window_get_width(gdk_window), gdk_window_get_height(gdk_window)};

@@ -60,7 +60,7 @@ int look_at_module(dl_phdr_info* module, std::size_t, void* context) {
 
 }  // namespace
 
-std::wstring product_name(HINSTANCE module) {
+std::wstring product_name(NativeModule module) {
     link_map* loaded = nullptr;
     if (module == nullptr || dlinfo(module, RTLD_DI_LINKMAP, &loaded) != 0) return {};
     Search search{loaded->l_addr, {}};

@@ -50,7 +50,7 @@ class Toolkit {
 };
 
 // A host's window handle is the GdkWindow of one of its realized widgets.
-GdkWindow* gdk_window(HWND window) {
+GdkWindow* gdk_window(NativeWindow window) {
     return reinterpret_cast<GdkWindow*>(window);
 }
 
@@ -88,7 +88,7 @@ class HostPane final : public wxNativeContainerWindow {
 
 }  // namespace
 
-wxWindow* wrap_native_window(HWND window) {
+wxWindow* wrap_native_window(NativeWindow window) {
     if (window == nullptr) return nullptr;
     static const Toolkit toolkit;
     if (!Toolkit::is_running()) return nullptr;
@@ -99,7 +99,7 @@ wxWindow* wrap_native_window(HWND window) {
     return nullptr;
 }
 
-void keep_above(wxTopLevelWindow& window, HWND owner) {
+void keep_above(wxTopLevelWindow& window, NativeWindow owner) {
     gpointer widget = nullptr;
     gdk_window_get_user_data(gdk_window(owner), &widget);
     GtkWidget* const top = widget != nullptr ? gtk_widget_get_toplevel(GTK_WIDGET(widget)) : nullptr;

@@ -7,14 +7,6 @@
 
 #include "pgn_vistel/native.h"
 
-/// Where a control lies in its parent's client area, in pixels.
-struct NativeRect {
-    /// @{ edge
-    int left = 0, top = 0, right = 0, bottom = 0;
-    /// @}
-    bool operator==(const NativeRect&) const = default;  ///< the same four edges
-};
-
 /// One line of a native tree. Owned by its control.
 struct _TREEITEM {
     std::wstring text{};               ///< that is shown

@@ -1,0 +1,117 @@
+// What the table of formats says, held against its own samples.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "readers/line_reader.h"
+#include "readers/recording.h"
+#include "text/hex.h"
+
+namespace vistel {
+namespace {
+
+struct Sample {
+    std::string format, holds, times;
+    std::vector<unsigned char> bytes;
+
+    std::string text() const { return {bytes.begin(), bytes.end()}; }
+};
+
+const std::vector<Sample> samples = {
+#include "format_samples.inc"
+};
+
+/// Bytes of the memory that come a few at a time.
+class Drops final : public ByteInput {
+  public:
+    Drops(std::string text, std::size_t most) : text_(std::move(text)), most_(most) {}
+
+    Fill read(std::span<char> room, int /*patience*/, std::size_t& size) override {
+        size = text_.copy(room.data(), std::min(room.size(), most_), at_);
+        at_ += size;
+        return size > 0 ? Fill::data : Fill::end;
+    }
+    const std::string& error() const override { return none_; }
+    bool is_file() const override { return false; }
+    std::uint64_t total() const override { return 0; }
+
+  private:
+    std::string text_, none_;
+    std::size_t most_, at_ = 0;
+};
+
+struct Found {
+    std::vector<std::string> records;
+    std::string kinds, format, problem;
+    std::vector<std::string> origins;
+};
+
+Found read(const std::string& text, std::size_t most, const std::string& format = "") {
+    constexpr const char* origins[] = {"none", "start", "day", "epoch"};
+    Recording recording;
+    EXPECT_TRUE(recording.attach(std::make_unique<Drops>(text, most), {.format = format}));
+    Found found;
+    Record record;
+    for (ReadResult result; (result = recording.next(record)) != ReadResult::end;) {
+        if (result == ReadResult::problem) found.problem = described(recording.problem(), "sample");
+        if (result != ReadResult::record) continue;
+        const N2KMsg& msg = record.msg;
+        std::string shown = std::to_string(msg.pgn) + ' ' + std::to_string(msg.source);
+        for (int i = 0; i < msg.length; ++i) append_hex(shown += ' ', msg.data[i], 2);
+        found.records.push_back(shown);
+        found.kinds += record.kind == Record::Kind::frame ? 'f' : 'm';
+        found.origins.emplace_back(origins[static_cast<int>(record.time.origin)]);
+    }
+    found.format = recording.format_name();
+    return found;
+}
+
+TEST(Formats, SamplesAreWhatTheirRowsSay) {
+    ASSERT_EQ(samples.size(), all_formats().size());
+    for (const Sample& sample : samples) {
+        const Found whole = read(sample.text(), 1 << 20), drops = read(sample.text(), 1);
+        EXPECT_EQ(whole.format, sample.format);
+        EXPECT_EQ(whole.problem, "") << sample.format;
+        EXPECT_FALSE(whole.records.empty()) << sample.format;
+        EXPECT_EQ(drops.records, whole.records) << sample.format;
+        if (sample.holds != "either") {
+            EXPECT_EQ(whole.kinds, std::string(whole.kinds.size(), sample.holds[0])) << sample.format;
+        }
+        const std::string times = ',' + sample.times + ',';
+        for (const std::string& origin : whole.origins)
+            EXPECT_NE(times.find(',' + origin + ','), std::string::npos) << sample.format;
+    }
+}
+
+/// Order would decide, and whether a recording is understood would hang on a row's place.
+TEST(Formats, NoneTakesTheSampleOfAnother) {
+    for (const Sample& sample : samples)
+        for (const Format& other : all_formats()) {
+            if (other.name == sample.format) continue;
+            const std::string text = sample.text();
+            EXPECT_FALSE(other.begins != nullptr && other.begins(text)) << sample.format << ' ' << other.name;
+            std::string_view rest = text, line;
+            while (take_line(rest, line))
+                EXPECT_FALSE(other.resembles != nullptr && other.resembles(line))
+                    << line << " is " << sample.format << ", not " << other.name;
+        }
+}
+
+TEST(Formats, SamplesMayBeCutAnywhere) {
+    for (const Sample& sample : samples) {
+        const std::string text = sample.text();
+        const Found whole = read(text, text.size(), sample.format);
+        for (std::size_t size = 0; size < text.size(); ++size) {
+            Found cut = read(text.substr(0, size), 7, sample.format);
+            ASSERT_LE(cut.records.size(), whole.records.size()) << sample.format << ' ' << size;
+            if (!cut.records.empty()) cut.records.pop_back();  // a line may be a shorter one when it is cut
+            EXPECT_TRUE(std::equal(cut.records.begin(), cut.records.end(), whole.records.begin()))
+                << sample.format << ' ' << size;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vistel

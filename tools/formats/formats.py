@@ -1,0 +1,163 @@
+#!/usr/bin/env python3
+"""Checks the table of recording formats and makes of it what code, manual and help say of them."""
+
+import argparse
+import re
+import sys
+import textwrap
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tablegen"))
+
+from tables import Report, Row, ascii_text, choice, read_table  # noqa: E402
+
+DOCUMENT_MARK = "<!-- what follows is made of host/readers/formats.tsv by tools/formats -->\n"
+HOLDS = {"messages": "whole messages", "frames": "frames", "either": "whole messages or frames"}
+TIMES = {"epoch": "date and time", "day": "time of day", "start": "time since some start", "none": "none"}
+MAX_NAME = 24  # characters of a name, so that the help has its columns
+MAX_ABOUT = 84
+SHOWN_BYTES = 32  # of a binary sample
+
+
+def matching(pattern, what):
+    def parse(cell):
+        if not re.fullmatch(pattern, cell):
+            raise ValueError(f"'{cell}' is no {what}")
+        return cell
+    return parse
+
+
+def format_name(cell):
+    if len(cell) > MAX_NAME:
+        raise ValueError(f"'{cell}' has more than {MAX_NAME} characters")
+    return matching(r"[a-z0-9]+(-[a-z0-9.]+)*", "name in lower case")(cell)
+
+
+def origins(cell):
+    found = [choice(*TIMES)(word) for word in cell.split(",")]
+    if len(set(found)) < len(found):
+        raise ValueError(f"'{cell}' names one twice")
+    return found
+
+
+def sample(cell):
+    """(bytes, whether they are text)."""
+    if not cell.startswith("hex "):
+        parts = re.split(r"(\\n|\\x[0-9A-F]{2})", ascii_text(4000)(cell))
+        if any("\\" in part for part in parts[::2]):
+            raise ValueError(r"has a \ that begins neither \n nor \xHH")
+        escapes = {part: b"\n" if part == r"\n" else bytes.fromhex(part[2:]) for part in parts[1::2]}
+        return b"".join(escapes.get(part, part.encode()) for part in parts) + b"\n", True
+    found = b""
+    for word in cell.split()[1:]:
+        match = re.fullmatch(r"((?:[0-9A-F]{2})+)(?:\*([1-9][0-9]{0,3}))?", word)
+        if not match:
+            raise ValueError(f"'{word}' is neither hexadecimal bytes nor such a byte and *COUNT")
+        found += bytes.fromhex(match[1]) * int(match[2] or 1)
+    return found, False
+
+
+COLUMNS = {"name": format_name, "class": matching(r"[A-Z][A-Za-z0-9]*", "class"),
+           "header": matching(r"[a-z0-9_]+\.h", "header of this folder"), "holds": choice(*HOLDS), "times": origins,
+           "about": ascii_text(MAX_ABOUT), "written_by": ascii_text(400), "sample": sample}
+
+
+def read_formats(path, report):
+    rows = read_table(Row(summary=[]), path.parent, path.name, COLUMNS, report)
+    if report.messages:
+        return []
+    names = set()
+    for row in rows:
+        if row.name in names:
+            report.add(row.place, f"name {row.name} stands twice")
+        if not (path.parent / row.header).exists():
+            report.add(row.place, f"there is no {row.header}")
+        names.add(row.name)
+    return rows
+
+
+def quoted(text):
+    return '"' + text.replace("\\", "\\\\").replace('"', '\\"') + '"'
+
+
+def code_rows(rows):
+    return [f"format<{getattr(row, 'class')}>({quoted(row.name)}, {quoted(row.about)})," for row in rows]
+
+
+def header_rows(rows):
+    return [f'#include "readers/{header}"' for header in sorted({row.header for row in rows})]
+
+
+def sample_rows(rows):
+    return [f"{{{quoted(row.name)}, {quoted(row.holds)}, {quoted(','.join(row.times))}, "
+            f"{{{', '.join(str(byte) for byte in row.sample[0])}}}}}," for row in rows]
+
+
+def manual(rows):
+    """The list of the man page."""
+    def escaped(text):
+        return text.replace("\\", "\\e").replace("-", "\\-")
+    return "\n".join(f".TP\n.B {escaped(row.name)}\n{escaped(row.about)}.\nHolds {HOLDS[row.holds]}; "
+                     f"times: {times_of(row)}. Written by {escaped(row.written_by)}." for row in rows)
+
+
+def times_of(row):
+    return ", or ".join(TIMES[origin] for origin in row.times)
+
+
+def document(rows):
+    return "".join(document_section(row) for row in rows)
+
+
+def document_section(row):
+    data, is_text = row.sample
+    if is_text:
+        lines = data.decode("latin-1").splitlines()
+    else:
+        lines = textwrap.wrap(data[:SHOWN_BYTES].hex(" ").upper(), 3 * 16)
+        lines[-1] += " ..." if len(data) > SHOWN_BYTES else ""
+    code = "\n".join("    " + "".join(c if " " <= c <= "~" else f"\\x{ord(c):02X}" for c in line) for line in lines)
+    facts = f"Holds {HOLDS[row.holds]}; times: {times_of(row)}. Written by {row.written_by}."
+    return f"\n## {row.name}\n\n{row.about}\n\n{textwrap.fill(facts, 120, break_on_hyphens=False)}\n\n{code}\n"
+
+
+def with_sections(path, rows):
+    """The document with the sections that the rows make."""
+    return path.read_text(encoding="utf-8").partition(DOCUMENT_MARK)[0] + DOCUMENT_MARK + document(rows)
+
+
+def write_changed(path, text):
+    """Leaves a file as it is that has this text, so that nothing is compiled anew."""
+    if not path.exists() or path.read_text(encoding="utf-8") != text:
+        path.write_text(text, encoding="utf-8")
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("table", type=Path)
+    parser.add_argument("--out", type=Path, help="folder that gets the fragments for C++ and manual")
+    parser.add_argument("--document", type=Path, help="document whose sections are written anew")
+    parser.add_argument("--check-document", type=Path, help="document that must have the sections of the table")
+    options = parser.parse_args(arguments)
+    report = Report()
+    rows = read_formats(options.table, report)
+    if options.check_document and not report.messages:
+        path = options.check_document
+        if path.read_text(encoding="utf-8") != with_sections(path, rows):
+            report.add(path, "stale, write it anew with --document")
+    for message in report.messages:
+        print(message, file=sys.stderr)
+    if report.messages:
+        return 1
+    if options.document:
+        options.document.write_text(with_sections(options.document, rows), encoding="utf-8")
+    if options.out:
+        options.out.mkdir(parents=True, exist_ok=True)
+        for name, lines in {"format_headers.inc": header_rows(rows), "format_rows.inc": code_rows(rows),
+                            "format_samples.inc": sample_rows(rows), "formats.man": [manual(rows)]}.items():
+            write_changed(options.out / name, "\n".join(lines) + "\n")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
