@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
 #include "commands/catalogue.h"
 #include "commands/decode.h"
 #include "commands/devices.h"
@@ -163,6 +164,8 @@ bool has_command(const CLI::App& app, const std::string& name) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return vistel::EXIT_FAILED;
     CLI::App app("NMEA 2000 traffic, decoded");
     app.name("vistel");
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
@@ -174,7 +177,6 @@ int main(int argc, char** argv) {
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
-    std::vector<std::string> words = vistel::words(argc, argv);
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.

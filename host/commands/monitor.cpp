@@ -1,56 +1,18 @@
 #include "commands/monitor.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <sstream>
 
 #include "commands/decode.h"
+#include "commands/neighbour.h"
 
 namespace vistel {
 
-namespace {
-
-namespace fs = std::filesystem;
-
-/// The file of this program; empty where that cannot be known. The kernel says it in /proc. Without that
-/// there is the name by which the program was started: the path of a file, or one to be found along PATH.
-/// Parts of PATH that are empty or relative depend on the working directory and are passed over.
-fs::path file_of_this_program(const fs::path& name) {
-    std::error_code error;
-    if (fs::path file = fs::read_symlink("/proc/self/exe", error); !error) return file;
-    if (name.has_parent_path()) return fs::canonical(name, error);
-    const char* const path = std::getenv("PATH");
-    std::istringstream folders(path != nullptr && !name.empty() ? path : "");
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        const fs::path file = fs::path(folder) / name;
-        if (file.is_absolute() && ::access(file.c_str(), X_OK) == 0) return fs::canonical(file, error);
-    }
-    return {};
-}
-
-int cannot_start(const std::string& reason) {
-    std::fprintf(stderr, "vistel: cannot start the window (%s); 'vistel decode' shows the messages as text\n",
-                 reason.c_str());
-    return EXIT_FAILED;
-}
-
-}  // namespace
-
 int run_monitor(const std::string& name, const std::vector<std::string>& arguments) {
-    const fs::path self = file_of_this_program(name);
-    if (self.empty()) return cannot_start("without /proc it is unknown where this program lies");
-    std::string program = (self.parent_path() / "vistel-monitor").string();
-    std::vector<char*> words = {program.data()};
-    std::vector<std::string> copies = arguments;
-    for (std::string& argument : copies) words.push_back(argument.data());
-    words.push_back(nullptr);
-    ::execv(program.c_str(), words.data());
-    return cannot_start(program + ": " + std::strerror(errno));
+    auto status = run_neighbour("vistel-monitor", name, arguments);
+    if (status) return *status;
+    std::fprintf(stderr, "vistel: cannot start the window (%s); 'vistel decode' shows the messages as text\n",
+                 status.error().text.c_str());
+    return EXIT_FAILED;
 }
 
 }  // namespace vistel

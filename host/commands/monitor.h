@@ -5,8 +5,8 @@
 
 namespace vistel {
 
-/// Replaces this program by the one with the window, which lies beside it. `name` is that by which this one
-/// was started. Returns only when the window cannot be started.
+/// Runs the program with the window, which lies beside this one, in place of this one, and gives its exit
+/// status. `name` is that by which this one was started.
 int run_monitor(const std::string& name, const std::vector<std::string>& arguments);
 
 }  // namespace vistel

@@ -1,7 +1,6 @@
 // The window of `vistel monitor`: a program of its own, so that decoding on a machine without a display needs
 // none of the toolkit.
 
-#include <gdk/gdk.h>
 #include <wx/app.h>
 
 #include <CLI/CLI.hpp>
@@ -9,6 +8,8 @@
 #include <cstdlib>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
+#include "monitor/display.h"
 #include "monitor/window.h"
 
 namespace {
@@ -45,6 +46,8 @@ std::string check_speed(const std::string& text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return bad_usage;
     CLI::App app("Show a recording or a live stream in the monitor window");
     app.name("vistel monitor");
     vistel::PlayOptions options;
@@ -59,20 +62,17 @@ int main(int argc, char** argv) {
     vistel::add_definitions(app, options.definitions);
     app.failure_message(vistel::usage_error);
     try {
-        app.parse(vistel::words(argc, argv));
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : bad_usage;
     }
     options.speed = speed == "max" ? 0 : std::strtod(speed.c_str(), nullptr);
 
-    // The toolkit would end the program with a message of its own.
-    GdkDisplay* const display = gdk_display_open(nullptr);
-    if (display == nullptr) {
+    if (!vistel::has_display()) {
         std::fprintf(stderr,
                      "vistel: no display to open a window on; 'vistel decode' shows the messages as text\n");
         return bad_usage;
     }
-    gdk_display_close(display);
     auto player = std::make_unique<vistel::Player>(options);
     if (std::string error; !player->open(error)) {
         std::fprintf(stderr, "vistel: %s: %s\n", options.file.c_str(), error.c_str());
