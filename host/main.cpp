@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
 #include "commands/catalogue.h"
 #include "commands/decode.h"
 #include "commands/devices.h"
@@ -155,9 +156,20 @@ bool has_command(const CLI::App& app, const std::string& name) {
     return false;
 }
 
+int run_program(const char* command, const char* own_name, const std::vector<std::string>& arguments) {
+    const std::string name = std::string("vistel-") + command;
+    auto status = vistel::run_neighbour(name, own_name, arguments);
+    if (status) return *status;
+    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n", name.c_str(),
+                 status.error().text.c_str());
+    return vistel::EXIT_FAILED;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return vistel::EXIT_FAILED;
     CLI::App app("NMEA 2000 traffic, decoded");
     app.name("vistel");
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
@@ -171,7 +183,6 @@ int main(int argc, char** argv) {
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
     add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
                 arguments);
-    std::vector<std::string> words = vistel::words(argc, argv);
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.
@@ -187,9 +198,7 @@ int main(int argc, char** argv) {
     }
 
     for (const char* const name : {"monitor", "top"})
-        if (app.got_subcommand(name))
-            return vistel::run_neighbour(std::string("vistel-") + name, argc > 0 ? argv[0] : "",
-                                         arguments.of_program);
+        if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {

@@ -140,8 +140,9 @@ void MonitorWindow::show_status() {
 
 void MonitorWindow::show_source() {
     const std::string& file = player_->options().file;
-    dialog_->SetTitle((file == "-" ? wxString("standard input") : wxFileName(file).GetFullName()) +
-                      " - PGN Vistel");
+    dialog_->SetTitle(
+        (file == "-" ? wxString("standard input") : wxFileName(wxString::FromUTF8(file)).GetFullName()) +
+        " - PGN Vistel");
 }
 
 void MonitorWindow::choose_recording() {
