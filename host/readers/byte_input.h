@@ -33,6 +33,10 @@ class ByteInput {
 
     /// Bytes there are, 0 when unknown.
     virtual std::uint64_t total() const = 0;
+
+    /// When the bytes of the last read() arrived, in nanoseconds since 1970-01-01 00:00 UTC; 0 for bytes that
+    /// were there before.
+    virtual std::int64_t arrival() const { return 0; }
 };
 
 /// Opens a file, or standard input for "-".
