@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2034 # script/bootstrap composes the names
 # Debian packages, by purpose. Sourced by script/bootstrap. Configuring looks for the test and benchmark libraries too;
 # llvm-14 has the symbolizer, by whose names the leak check knows what it is to pass over.
-build_packages="cmake ninja-build g++ python3 pkg-config libcli11-dev libwxgtk3.2-dev libgtk-3-dev libgtest-dev
+build_packages="cmake ninja-build g++ python3 pkg-config libcli11-dev libasio-dev libwxgtk3.2-dev libgtk-3-dev libgtest-dev
     libbenchmark-dev"
 test_packages="clang-14 libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14 shellcheck pyflakes3
     xvfb xauth"
