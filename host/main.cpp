@@ -24,8 +24,12 @@ std::string format_notes() {
 }
 
 /// What every command takes that reads recordings.
+constexpr const char* source_help =
+    "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
+    "tcp-listen://:PORT or serial:DEVICE (see the manual)";
+
 void add_recording(CLI::App& command, std::string& file, std::string& format) {
-    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+    command.add_option("FILE", file, source_help)->capture_default_str();
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -34,6 +38,14 @@ void add_recording(CLI::App& command, std::string& file, std::string& format) {
         .add_option("--format", format, "Format of the recording; recognised by its contents if not given")
         ->check(check);
     command.footer(format_notes());
+}
+
+void add_live(CLI::App& command, vistel::LiveOptions& options) {
+    command
+        .add_option("--timeout", options.timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -70,6 +82,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     add_units(*command, options.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
+    add_live(*command, options.live);
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }
 
@@ -78,6 +91,7 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
     add_recording(*command, options.file, options.format);
+    add_live(*command, options.live);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "sources/source.h"
+
 namespace vistel {
 
 using namespace std::chrono_literals;
@@ -11,7 +13,9 @@ bool Player::open(std::string& error) {
     RecordingOptions how;
     how.format = options_.format;
     how.patience_ms = 0;
-    if (const auto opened = recording_->open(options_.file, how); !opened) {
+    LinkOptions link;
+    link.tell = [this](const std::string& text) { notice_ = text; };
+    if (const auto opened = open_source(*recording_, options_.file, how, link); !opened) {
         error = opened.error().text;
         return false;
     }
@@ -32,7 +36,7 @@ bool Player::open(std::string& error) {
 bool Player::read_record() {
     while (!ended_ && !recording_->would_wait()) {
         switch (recording_->next(record_)) {
-            case ReadResult::record: return true;
+            case ReadResult::record: notice_.clear(); return true;
             case ReadResult::problem:
                 ++counters_.problems;
                 if (recording_->problem().place == Problem::Place::whole) ended_ = true;

@@ -45,6 +45,8 @@ class Player {
     bool ended() const { return ended_; }
     const PlayCounters& counters() const { return counters_; }
     const PlayOptions& options() const { return options_; }
+    /// What a live source said last: that it was lost, or is silent. Empty as long as all is well.
+    const std::string& notice() const { return notice_; }
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -65,6 +67,7 @@ class Player {
     bool paused_ = false;
     bool ended_ = false;
     PlayCounters counters_;
+    std::string notice_;
 };
 
 }  // namespace vistel

@@ -17,6 +17,7 @@ class CanReader final : public RecordReader {
     ReadResult next(Record& record, Problem& problem) override;
     bool would_wait() override;
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::string_view bus_name(std::uint8_t) const override { return {}; }
 
   private:
     std::shared_ptr<CanPort> port_;

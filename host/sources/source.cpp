@@ -27,8 +27,8 @@ Result<SourceState> open_source(Recording& recording, const std::string& text, c
     if (const Status opened = link->open(); !opened) return opened.error();
     const SourceState state{link->counters()};
     std::unique_ptr<ByteInput> input = std::move(link);
-    if (const Format* const named = find_format(how.format))
-        input = std::make_unique<FormatCheck>(std::move(input), *named, options.tell);
+    if (auto named = find_format(how.format))
+        input = std::make_unique<FormatCheck>(std::move(input), **named, options.tell);
     if (const Status attached = recording.attach(std::move(input), how); !attached) return attached.error();
     return state;
 }
