@@ -26,8 +26,12 @@ std::string format_notes() {
 }
 
 /// What every command takes that reads recordings.
+constexpr const char* source_help =
+    "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
+    "tcp-listen://:PORT or serial:DEVICE (see the manual)";
+
 void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
-    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+    command.add_option("FILE", file, source_help)->capture_default_str();
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -37,6 +41,14 @@ void add_recording(CLI::App& command, std::string& file, std::string& format, vi
         ->check(check);
     vistel::add_contents(command, contents);
     command.footer(format_notes());
+}
+
+void add_live(CLI::App& command, vistel::LiveOptions& options) {
+    command
+        .add_option("--timeout", options.timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -65,6 +77,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
+    add_live(*command, options.live);
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }
 
@@ -73,6 +86,7 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
     add_recording(*command, options.file, options.format, options.contents);
+    add_live(*command, options.live);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
@@ -160,8 +174,8 @@ int run_program(const char* command, const char* own_name, const std::vector<std
     const std::string name = std::string("vistel-") + command;
     auto status = vistel::run_neighbour(name, own_name, arguments);
     if (status) return *status;
-    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n", name.c_str(),
-                 status.error().text.c_str());
+    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n",
+                 name.c_str(), status.error().text.c_str());
     return vistel::EXIT_FAILED;
 }
 
