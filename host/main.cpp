@@ -4,12 +4,13 @@
 
 #include "command_line/command_line.h"
 #include "commands/catalogue.h"
+#include "commands/convert.h"
 #include "commands/decode.h"
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/monitor.h"
 #include "readers/formats.h"
-#include "writers/writers.h"
+#include "writers/written_formats.h"
 
 namespace {
 
@@ -24,9 +25,7 @@ std::string format_notes() {
     return notes;
 }
 
-/// What every command takes that reads recordings.
-void add_recording(CLI::App& command, std::string& file, std::string& format) {
-    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+void add_format(CLI::App& command, std::string& format) {
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -37,9 +36,16 @@ void add_recording(CLI::App& command, std::string& file, std::string& format) {
     command.footer(format_notes());
 }
 
+/// What every command takes that reads a recording.
+void add_recording(CLI::App& command, std::string& file, std::string& format) {
+    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+    add_format(command, format);
+}
+
 // Options that say what to do with it later, when all of them are known.
 struct Arguments {
     vistel::DecodeOptions decode;
+    vistel::ConvertOptions convert;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -86,6 +92,21 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         ->add_option("--every", options.every,
                      "Print the table of a live stream again after so many seconds; 0 for once, at its end")
         ->check(CLI::Range(0.0, 86'400.0));
+}
+
+void add_convert(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("convert", "Write recordings or a live stream in another format");
+    vistel::ConvertOptions& options = arguments.convert;
+    command->add_option("FILE", options.files,
+                        "Recordings to read, one after the other; - is standard input");
+    command->add_option("--to", options.to, "Format to write")
+        ->required()
+        ->check(CLI::IsMember(vistel::written_formats()));
+    command->add_option("-o,--output", options.output, "File to write; - is standard output")
+        ->capture_default_str();
+    add_format(*command, options.format);
+    vistel::add_definitions(*command, options.definitions);
 }
 
 constexpr const char* encode_notes =
@@ -172,6 +193,7 @@ int main(int argc, char** argv) {
     Arguments arguments;
     add_decode(app, arguments);
     add_devices(app, arguments);
+    add_convert(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
@@ -191,6 +213,7 @@ int main(int argc, char** argv) {
     }
 
     if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
+    if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {

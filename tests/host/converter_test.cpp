@@ -11,7 +11,7 @@
 #include "readers/recording.h"
 #include "text/hex.h"
 #include "writers/converter.h"
-#include "writers/writers.h"
+#include "writers/written_formats.h"
 
 namespace vistel {
 namespace {
