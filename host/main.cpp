@@ -8,7 +8,7 @@
 #include "commands/decode.h"
 #include "commands/devices.h"
 #include "commands/encode.h"
-#include "commands/monitor.h"
+#include "commands/neighbour.h"
 #include "readers/formats.h"
 #include "writers/written_formats.h"
 
@@ -52,16 +52,8 @@ struct Arguments {
     bool csv = false;
     std::string table;
     pgn_vistel::core::Definitions listed = pgn_vistel::core::Definitions::corrected;
-    std::vector<std::string> monitor;
+    std::vector<std::string> of_program;
 };
-
-void add_units(CLI::App& command, vistel::UnitOptions& options) {
-    command.add_option("--units", options.set, "Units for everything: default, metric or si");
-    command
-        .add_option("--unit", options.units,
-                    "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
-        ->allow_extra_args(false);
-}
 
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
@@ -74,7 +66,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     command->add_option("--source", options.sources, "Only messages of these source addresses")
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));
-    add_units(*command, options.units);
+    vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
@@ -149,7 +141,7 @@ void add_encode(CLI::App& app, Arguments& arguments) {
     command->add_option("--sequence", options.sequence, "Sequence of a fast packet's frames")
         ->check(CLI::Range(0, 7))
         ->capture_default_str();
-    add_units(*command, options.units);
+    vistel::add_units(*command, options.units.set, options.units.units);
     command->add_option("--variant", options.variant,
                         "Variant of the PGN, by its name or as in 'vistel catalogue pgns'");
     vistel::add_definitions(*command, options.definitions);
@@ -164,11 +156,12 @@ void add_catalogue(CLI::App& app, Arguments& arguments) {
     vistel::add_definitions(*command, arguments.listed);
 }
 
-void add_monitor(CLI::App& app, Arguments& arguments) {
-    CLI::App* const command = app.add_subcommand("monitor", "Show a recording or a live stream in a window");
-    command->set_help_flag();  // the window's program knows its options
+// Commands that are programs of their own, which know their options.
+void add_program(CLI::App& app, const char* name, const char* about, Arguments& arguments) {
+    CLI::App* const command = app.add_subcommand(name, about);
+    command->set_help_flag();
     command->prefix_command();
-    command->callback([command, &arguments] { arguments.monitor = command->remaining(); });
+    command->callback([command, &arguments] { arguments.of_program = command->remaining(); });
 }
 
 // Says which there are where there is no such command.
@@ -196,7 +189,9 @@ int main(int argc, char** argv) {
     add_convert(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
-    add_monitor(app, arguments);
+    add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
+    add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
+                arguments);
     std::vector<std::string> words = vistel::words(argc, argv);
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
@@ -212,7 +207,10 @@ int main(int argc, char** argv) {
         return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
     }
 
-    if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
+    for (const char* const name : {"monitor", "top"})
+        if (app.got_subcommand(name))
+            return vistel::run_neighbour(std::string("vistel-") + name, argc > 0 ? argv[0] : "",
+                                         arguments.of_program);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);

@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,31 @@ inline void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& de
             "library's interface shows)")
         ->transform(CLI::CheckedTransformer(names).description(""))
         ->type_name("SET");
+}
+
+/// The options for units: a named set, and single ones.
+inline void add_units(CLI::App& command, std::string& set, std::vector<std::string>& units) {
+    command.add_option("--units", set, "Units for everything: default, metric or si");
+    command
+        .add_option("--unit", units,
+                    "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
+        ->allow_extra_args(false);
+}
+
+/// The option for the speed at which a recording is played; 0 stands for "max".
+inline void add_speed(CLI::App& command, std::optional<double>& speed) {
+    command
+        .add_option_function<std::string>(
+            "--speed",
+            [&speed](const std::string& text) {
+                char* end = nullptr;
+                const double times = text == "max" ? 0 : std::strtod(text.c_str(), &end);
+                if (text != "max" && (*end != 0 || !(times > 0 && times <= 1e6)))
+                    throw CLI::ValidationError("--speed", "is neither a positive number nor max");
+                speed = times;
+            },
+            "Times the recording's own pace, or max")
+        ->type_name("TEXT");
 }
 
 }  // namespace vistel

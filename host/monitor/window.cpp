@@ -10,6 +10,8 @@
 #include <wx/msgdlg.h>
 #include <wx/treectrl.h>
 
+#include <algorithm>
+
 #include "pgn_vistel/pgn_dlg.h"
 #include "pgn_vistel/pgn_tree.h"
 
@@ -97,8 +99,15 @@ void MonitorWindow::build_menu() {
     on(wxID_EXIT, [this](wxCommandEvent&) { dialog_->Close(); });
 }
 
+void MonitorWindow::on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) {
+    constexpr PlayTime time_stamp_unit = 10'000'000;
+    N2KMsg stamped = msg;
+    stamped.time_stamp = static_cast<std::uint32_t>(std::max<PlayTime>(0, now) / time_stamp_unit);
+    if (latest_.put(stamped)) ++replaced_;
+}
+
 void MonitorWindow::show_frame() {
-    player_->advance(latest_);
+    player_->advance(*this);
     latest_.show_pending([this](N2KMsg& msg) {
         constexpr int dialog_is_paused = 2;
         const int result = dialog_->PutMsg(&msg);
@@ -112,7 +121,7 @@ void MonitorWindow::show_status() {
     const PlayCounters& c = player_->counters();
     wxString text = wxString::Format(
         "%llu messages, %llu of them replaced by later ones before they were shown",
-        static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(c.replaced));
+        static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(replaced_));
     if (latest_.dropped() > 0)
         text << wxString::Format(", %llu dropped because of too many streams",
                                  static_cast<unsigned long long>(latest_.dropped()));
@@ -148,10 +157,13 @@ bool MonitorWindow::open(const std::string& file, std::string& error) {
     options.file = file;
     options.format.clear();
     auto next = std::make_unique<Player>(options);
-    if (!next->open(error)) return false;
+    if (const auto opened = next->open(); !opened) {
+        error = opened.error().text;
+        return false;
+    }
     player_ = std::move(next);
     latest_.clear();
-    refused_ = 0;
+    replaced_ = refused_ = 0;
     dialog_->ClearMsg();
     dialog_->GetMenuBar()->Check(id_pause, false);
     show_source();

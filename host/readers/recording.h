@@ -58,6 +58,8 @@ class Recording {
     /// Of a compressed recording both count its compressed bytes.
     std::uint64_t bytes_read() const { return source_.position(); }
     std::uint64_t bytes_total() const { return source_.total(); }  ///< 0 when unknown
+    /// Whether it is there from the first byte to the last, so that it can be read again.
+    bool is_file() const { return source_.is_file(); }
 
     /// How the recording names an interface of its records; empty where it does not.
     std::string_view bus_name(std::uint8_t bus) const {

@@ -384,10 +384,10 @@ class ProgramTest(unittest.TestCase):
             for path, name, message in [("", str(program), "no display"),
                                         (f"/none:{program.parent}", "vistel", "no display"),
                                         (folder, "vistel", "no display"),  # a link to the program
-                                        ("", "vistel", "cannot start the window"),
-                                        (":/none:", "vistel", "cannot start the window"),
-                                        (".", "vistel", "cannot start the window"),
-                                        (folder, "", "cannot start the window")]:
+                                        ("", "vistel", "cannot start vistel-monitor"),
+                                        (":/none:", "vistel", "cannot start vistel-monitor"),
+                                        (".", "vistel", "cannot start vistel-monitor"),
+                                        (folder, "", "cannot start vistel-monitor")]:
                 with self.subTest(path=path, name=name):
                     result = without_display(*WITHOUT_PROC, folder, path, name, program, "monitor", "none.log")
                     self.assertEqual((result.returncode, result.stdout), (2, ""))

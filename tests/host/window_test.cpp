@@ -19,7 +19,7 @@ TEST(Window, SaysWhatIsNotShown) {
     };
     auto player = std::make_unique<Player>(PlayOptions{.file = full.name(), .format = {}, .speed = 0});
     std::string error;
-    ASSERT_TRUE(player->open(error)) << error;
+    ASSERT_TRUE(player->open());
     MonitorWindow window(std::move(player));
     window.show();
     auto* const frame = dynamic_cast<wxFrame*>(wxWindow::FindWindowByLabel(title(full)));
