@@ -124,10 +124,13 @@ Found BlfFormat::take_held(Record& record, Problem& problem) {
     return Found::more;
 }
 
+bool BlfFormat::is_within() const {
+    return outer_.to_skip > 0 || inner_.to_skip > 0 || held_end_ - held_begin_ > most_padding;
+}
+
 Found BlfFormat::take_object(Sequence& sequence, std::string_view bytes, bool last, std::size_t& size,
                              Record& record, Problem& problem) {
     if (sequence.to_skip > 0) {
-        if (last && bytes.size() < sequence.to_skip) return Found::more;
         size = static_cast<std::size_t>(std::min<std::uint64_t>(sequence.to_skip, bytes.size()));
         sequence.to_skip -= size;
         return Found::nothing;

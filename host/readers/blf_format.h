@@ -21,6 +21,7 @@ class BlfFormat {
 
     Found take(std::string_view bytes, bool last, std::size_t& size, Record& record, Problem& problem);
     Found take_held(Record& record, Problem& problem);
+    bool is_within() const;
 
   private:
     /// A sequence of objects, that of the recording or that of its containers.

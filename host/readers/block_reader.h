@@ -35,6 +35,7 @@ enum class [[nodiscard]] Found{
 /// A format that takes several records at once has `take_held(record, problem)`, which gives one after the
 /// other and `more` when there is none left; nothing else is taken before. One that counts lines has
 /// `line()`, the line of what it took last, from 1; its problems are put there.
+/// One that takes records in pieces has `is_within()`, whether it waits for another piece.
 template <class Format>
 concept BlockFormat = requires(Format format, std::string_view bytes, bool last, std::size_t& size,
                                Record& record, Problem& problem) {
@@ -70,7 +71,7 @@ class BlockReader final : public RecordReader {
             const std::uint64_t offset = source_.consumed();
             const Found found = format_.take(source_.unread(), source_.ended(), size, record, problem);
             if (found == Found::more) {
-                if (source_.ended()) return pass(problem, "the last record is cut off");
+                if (source_.ended()) return pass(problem, cut_off);
                 looked_at_ = source_.unread().size();
                 continue;
             }
@@ -91,6 +92,8 @@ class BlockReader final : public RecordReader {
     std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
   private:
+    static constexpr const char* cut_off = "the last record is cut off";
+
     ReadResult told(Found found, Problem& problem) {
         if constexpr (requires(Record & record) { format_.take_held(record, problem); }) holds_ = true;
         switch (found) {
@@ -125,7 +128,16 @@ class BlockReader final : public RecordReader {
     }
 
     ReadResult end(Problem& problem) {
-        if (source_.error().empty() || failure_reported_) return ReadResult::end;
+        if (failure_reported_) return ReadResult::end;
+        if constexpr (requires { format_.is_within(); }) {
+            if (source_.error().empty() && format_.is_within()) {
+                failure_reported_ = true;
+                put_place(problem);
+                describe(problem, cut_off);
+                return ReadResult::problem;
+            }
+        }
+        if (source_.error().empty()) return ReadResult::end;
         failure_reported_ = true;
         place_ = source_.consumed();
         put_place(problem);

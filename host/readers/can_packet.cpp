@@ -64,12 +64,13 @@ Found read_can_packet(const Packet& packet, Record& record, Problem& problem) {
         return Found::problem;
     }
     constexpr std::uint32_t extended = 0x80000000, remote = 0x40000000, error = 0x20000000;
-    constexpr std::uint8_t is_xl = 0x80, is_fd = 0x04;
-    constexpr std::uint32_t fd_size = 72;
     const auto word = order.load<std::uint32_t>(bytes.data());
-    const std::uint8_t length = bytes[4];
+    const std::uint8_t length = bytes[4], flags = bytes[5];
+    // Of a classical frame some recorders leave anything in the byte of flags, of which there are three.
+    constexpr std::uint8_t is_xl = 0x80, is_fd = 0x04, other_flags = 0x03;
+    constexpr std::uint32_t fd_size = 72;
     if ((word & (extended | remote | error)) != extended || (length & is_xl) != 0 ||
-        (bytes[5] & is_fd) != 0 || packet.original_size == fd_size)
+        (flags & ~other_flags) == is_fd || packet.original_size == fd_size)
         return Found::foreign;
     if (length > max_frame_bytes || bytes.size() < frame_header + length) {
         describe(problem, "a frame says that it has ", unsigned{length}, " bytes; there are ",

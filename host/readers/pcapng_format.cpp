@@ -51,10 +51,8 @@ Found PcapngFormat::broken(Problem& problem, const char* what) const {
     return Found::hopeless;
 }
 
-Found PcapngFormat::take(std::string_view bytes, bool last, std::size_t& size, Record& record,
-                         Problem& problem) {
+Found PcapngFormat::take(std::string_view bytes, bool, std::size_t& size, Record& record, Problem& problem) {
     if (to_skip_ > 0) {
-        if (last && bytes.size() < to_skip_) return Found::more;
         size = static_cast<std::size_t>(std::min<std::uint64_t>(to_skip_, bytes.size()));
         to_skip_ -= size;
         return Found::nothing;

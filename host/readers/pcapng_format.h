@@ -18,6 +18,8 @@ class PcapngFormat {
 
     Found take(std::string_view bytes, bool last, std::size_t& size, Record& record, Problem& problem);
 
+    bool is_within() const { return to_skip_ > 0; }
+
     std::string_view bus_name(std::uint8_t bus) const;
 
   private:

@@ -75,7 +75,8 @@ std::optional<Shape> find_shape(std::string_view bytes, bool last) {
         const auto shape = shape_of(bytes, way);
         if (!shape) continue;
         if (bytes.size() < shape->size + head_size && !last) return Shape{};
-        if (bytes.size() >= shape->size && can_be_head(bytes.substr(shape->size))) return shape;
+        if (bytes.size() < shape->size) return std::nullopt;
+        if (can_be_head(bytes.substr(shape->size))) return shape;
     }
     return std::nullopt;
 }
