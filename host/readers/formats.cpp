@@ -47,10 +47,8 @@ Result<const Format*> find_format(std::string_view name) {
 
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole) {
     assert(passed <= head.size());
-    if (passed == 0) {
-        for (const Format& format : formats) {
-            if (format.begins != nullptr && format.begins(head)) return &format;
-        }
+    for (const Format& format : formats) {
+        if (format.begins != nullptr && format.begins(head)) return &format;
     }
     std::string_view rest = head.substr(passed), line;
     for (;;) {

@@ -16,11 +16,6 @@ constexpr std::int64_t day = 24 * hour;
 
 constexpr std::int64_t last_second = 9'214'646'399;  // end of 2261, as for dates
 
-RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
-    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
-    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
-}
-
 constexpr unsigned not_a_number = 1000;
 
 /// Two decimal digits, or `not_a_number`.
@@ -90,6 +85,11 @@ Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
 }
 
 }  // namespace
+
+RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
+    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
+    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+}
 
 Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const unsigned century = two_digits(date.data()), year_of_century = two_digits(date.data() + 2);
