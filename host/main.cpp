@@ -5,6 +5,7 @@
 #include "command_line/command_line.h"
 #include "commands/catalogue.h"
 #include "commands/decode.h"
+#include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/monitor.h"
 #include "readers/formats.h"
@@ -22,7 +23,9 @@ std::string format_notes() {
     return notes;
 }
 
-void add_format(CLI::App& command, std::string& format) {
+/// What every command takes that reads recordings.
+void add_recording(CLI::App& command, std::string& file, std::string& format) {
+    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -36,6 +39,7 @@ void add_format(CLI::App& command, std::string& format) {
 // Options that say what to do with it later, when all of them are known.
 struct Arguments {
     vistel::DecodeOptions decode;
+    vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
     bool csv = false;
@@ -56,9 +60,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("decode", "Decode a recording or a live stream, message by message");
     vistel::DecodeOptions& options = arguments.decode;
-    command->add_option("FILE", options.file, "Recording to read; - is standard input")
-        ->capture_default_str();
-    add_format(*command, options.format);
+    add_recording(*command, options.file, options.format);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
@@ -69,6 +71,20 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
+}
+
+void add_devices(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
+    vistel::DevicesOptions& options = arguments.devices;
+    add_recording(*command, options.file, options.format);
+    CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
+    command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
+    command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
+    command
+        ->add_option("--every", options.every,
+                     "Print the table of a live stream again after so many seconds; 0 for once, at its end")
+        ->check(CLI::Range(0.0, 86'400.0));
 }
 
 constexpr const char* encode_notes =
@@ -154,6 +170,7 @@ int main(int argc, char** argv) {
     app.failure_message(vistel::usage_error);
     Arguments arguments;
     add_decode(app, arguments);
+    add_devices(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_monitor(app, arguments);
@@ -175,6 +192,11 @@ int main(int argc, char** argv) {
     if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
+    if (app.got_subcommand("devices")) {
+        if (arguments.json) arguments.devices.form = vistel::TableForm::json;
+        if (arguments.csv) arguments.devices.form = vistel::TableForm::csv;
+        return vistel::run_devices(arguments.devices);
+    }
     if (arguments.json) arguments.decode.form = vistel::DecodeOptions::Form::json;
     if (arguments.csv) arguments.decode.form = vistel::DecodeOptions::Form::csv;
     return vistel::run_decode(arguments.decode);

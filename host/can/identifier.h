@@ -18,6 +18,11 @@ constexpr bool is_addressed(std::uint32_t pgn) {
     return ((pgn >> 8) & 0xFF) < first_broadcast_format;
 }
 
+/// Whether makers give a PGN the meanings that they like.
+constexpr bool is_proprietary(std::uint32_t pgn) {
+    return pgn == 0xEF00 || pgn == 0x1EF00 || (pgn >> 8) == 0xFF || (pgn >> 8) == 0x1FF;
+}
+
 /// Priority, PGN and addresses from a 29-bit identifier. The third byte is the destination, or else belongs
 /// to the PGN.
 inline void set_header(N2KMsg& msg, std::uint32_t identifier) {

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "commands/interrupt.h"
+#include "commands/losses.h"
 #include "commands/output_status.h"
 #include "commands/progress.h"
 #include "commands/statistics.h"
@@ -45,7 +46,6 @@ class Decoding {
     void show(const N2KMsg& msg, const RecordTime& time);
     /// False when the recording as a whole is meant: nothing more can come of it.
     bool report_problem();
-    void report_losses() const;
     void print_statistics() const;
 
     const DecodeOptions& options_;
@@ -89,16 +89,6 @@ bool Decoding::report_problem() {
     if (problem.place == Problem::Place::whole) return false;
     ++problems_;
     return true;
-}
-
-void Decoding::report_losses() const {
-    const ReassemblyCounters& c = reassembler_.counters();
-    const auto tell = [](const char* what, std::uint64_t count) {
-        if (count > 0) std::fprintf(stderr, "vistel: %s: %" PRIu64 "\n", what, count);
-    };
-    tell("lines that could not be read", problems_);
-    tell("messages that stayed incomplete", c.incomplete_fast_packets + c.incomplete_transports);
-    tell("frames that belong to no message", c.orphan_frames);
 }
 
 void Decoding::print_statistics() const {
@@ -156,12 +146,9 @@ int Decoding::run() {
     out_.flush();
     progress_->clear();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
-    report_losses();
+    const int status = report_losses(problems_, reassembler_.counters());
     if (options_.statistics) print_statistics();
-    if (!readable) return EXIT_FAILED;
-    const ReassemblyCounters& c = reassembler_.counters();
-    const bool lost = problems_ + c.incomplete_fast_packets + c.incomplete_transports + c.orphan_frames > 0;
-    return lost ? EXIT_SKIPPED : EXIT_CLEAN;
+    return readable ? status : EXIT_FAILED;
 }
 
 }  // namespace

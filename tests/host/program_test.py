@@ -259,6 +259,37 @@ class ProgramTest(unittest.TestCase):
             self.assertIn(message, error)
             self.assertLess(max(map(len, error.splitlines() or [""])), 400, error)
 
+    def test_devices(self):
+        """The three forms of one table say the same."""
+        product = bytes((0x34, 8, 0x15, 0x2A)) + b"".join(
+            text.ljust(32, b"\xff") for text in (b'Sounder "B", new', b"1.02", b"2", b"77")) + b"\1\2"
+        recording = ("# format=FAST\n" + HEADING + CLAIM + f"2026-09-10T08:00:02.25Z,6,126996,35,255,134,{product.hex(',')}\n")
+        text, objects, rows, by_pgn = (vistel("devices", *form, stdin=recording).stdout
+                                       for form in ([], ["--json"], ["--csv"], ["--csv", "--pgns"]))
+        lines = text.splitlines()
+        self.assertRegex(lines[1], r"^   7  - .*  0\.5 .*  unknown at 7$")
+        self.assertRegex(lines[2], r'^  35  Keldor +Sounder "B", new  Bridge .* 1\.0 ')
+        self.assertRegex(lines[3], r"^Devices: 2, messages a second: 1\.5, 0\.6 % of the bus$")
+        objects = [json.loads(line) for line in objects.splitlines()]
+        self.assertEqual([(d["address"], d["manufacturer"], d["model"], d["state"], d["last_seen_absolute"]) for d in objects],
+                         [(7, None, None, "unknown", "2026-09-10T08:00:00.250000Z"),
+                          (35, "Keldor", 'Sounder "B", new', "active", "2026-09-10T08:00:02.250000Z")])
+        self.assertEqual(objects[1]["pgns"][1], {"pgn": 126996, "name": "Product Information", "messages": 1, "bytes": 134,
+                                                 "messages_per_second": 0.5, "bytes_per_second": 67})
+        rows = list(csv.DictReader(io.StringIO(rows)))
+        for device, row in zip(objects, rows, strict=True):
+            self.assertEqual([*device][:-1], [*row])
+            self.assertEqual(["" if value is None else str(value) for value in [*device.values()][:-1]], [*row.values()])
+        self.assertEqual([(row["address"], row["pgn"], row["messages"]) for row in csv.DictReader(io.StringIO(by_pgn))],
+                         [("7", "127250", "1"), ("35", "60928", "1"), ("35", "126996", "1")])
+        with subprocess.Popen([VISTEL, "devices", "--every", "0.1"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, encoding="utf-8") as process:
+            process.stdin.write(HEADING)
+            process.stdin.flush()
+            self.assertIn("unknown at 7", "".join(process.stdout.readline() for _ in range(5)))  # the input is still open
+            process.send_signal(signal.SIGINT)
+            self.assertEqual(process.wait(timeout=30), 0)
+
     def test_losses_are_told(self):
         heading, first, later = "09F11207#05102700FF7FFF7F", "19F01423#0086010203040506", "19F01423#0186010203040506"
         for frames, told in [([first, heading], "messages that stayed incomplete: 1"),
@@ -271,7 +302,7 @@ class ProgramTest(unittest.TestCase):
         self.assertIn("unknown PGNs: 3\n    128999 from source   9: 2\n    128999 from source  10: 1\n", told)
 
     def test_a_full_disk_is_told(self):
-        for arguments in (["decode"], ["catalogue", "fields"], ["encode", "127250"]):
+        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"]):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
                                         encoding="utf-8", timeout=60)

@@ -1,0 +1,24 @@
+#include "commands/losses.h"
+
+#include <cinttypes>
+#include <cstdio>
+
+#include "commands/decode.h"
+
+namespace vistel {
+
+int report_losses(std::uint64_t problems, const ReassemblyCounters& counters) {
+    int status = EXIT_CLEAN;
+    const auto tell = [&status](const char* what, std::uint64_t count) {
+        if (count == 0) return;
+        std::fprintf(stderr, "vistel: %s: %" PRIu64 "\n", what, count);
+        status = EXIT_SKIPPED;
+    };
+    tell("lines that could not be read", problems);
+    tell("messages that stayed incomplete",
+         counters.incomplete_fast_packets + counters.incomplete_transports);
+    tell("frames that belong to no message", counters.orphan_frames);
+    return status;
+}
+
+}  // namespace vistel
