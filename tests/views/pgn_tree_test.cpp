@@ -32,7 +32,7 @@ struct ToolkitMonitor : private ToolkitControl {
 };
 
 /// A monitor on a native tree. It has the global database.
-struct NativeMonitor : private CTreeCtrl {
+struct NativeMonitor : private NativeControl {
     explicit NativeMonitor(unsigned long capacity) : tree(nullptr, this, capacity, plain_display) {
         tree.OnInit();
     }
@@ -204,13 +204,14 @@ TEST(TreeForm, UnitsAreTheDatabases) {
 
 TEST(TreeForm, NativeKeepsItsDistances) {
     HostWindow host;
-    CTreeCtrl control;
+    NativeControl control(&host);
     control.MoveWindow({10, 20, 390, 250});
     PGN_VistelTree_c tree(host.handle(), &control, 10, 0);
     tree.OnInit();
-    EXPECT_EQ(control.GetStyle(), CTreeCtrl::has_buttons | CTreeCtrl::has_lines | CTreeCtrl::lines_at_root);
+    constexpr auto drawn = CTreeCtrl::has_buttons | CTreeCtrl::has_lines | CTreeCtrl::lines_at_root;
+    EXPECT_EQ(control.GetStyle() & drawn, drawn);
     for (const auto& [width, height] : {std::pair(640, 360), std::pair(300, 200)}) {
-        host.resize(width, height);
+        resize(host, width, height);
         tree.OnSize();
         EXPECT_EQ(control.GetRect(), (NativeRect{10, 20, width - 10, height - 50}));
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <gtk/gtk.h>
 #include <wx/stopwatch.h>
 #include <wx/toplevel.h>
 #include <wx/treectrl.h>
@@ -9,8 +8,7 @@
 
 #include <optional>
 
-#include "pgn_vistel/native.h"
-#include "pgn_vistel/native_tree.h"
+#include "native_windows.h"
 #include "support/testing.h"
 
 /// Windows under real events: what the tests press goes through the display, and they wait until it shows.
@@ -32,7 +30,7 @@ bool eventually(Condition holds) {
 /// Lets everything run that is under way: for what must not happen.
 inline void settle() {
     for (int round = 0; round < 5; ++round) {
-        gdk_display_sync(gdk_display_get_default());
+        synchronise();
         wxYield();
     }
 }
@@ -68,10 +66,7 @@ inline void press(int key, int modifiers = wxMOD_NONE) {
 
 /// What the title bar's close button sends, until the window is hidden.
 inline void close_by_title_bar(wxTopLevelWindow& window) {
-    GdkEvent* const event = gdk_event_new(GDK_DELETE);
-    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window.GetHandle())));
-    gdk_event_put(event);
-    gdk_event_free(event);
+    send_close(window);
     EXPECT_TRUE(eventually([&] { return !window.IsShown(); }));
 }
 
@@ -86,6 +81,12 @@ void type_over(Text& control, const char* text) {
     EXPECT_TRUE(eventually([&] { return control.GetValue() == text; })) << control.GetValue();
 }
 
+/// Waits until the host's window has the size.
+inline void resize(HostWindow& host, int width, int height) {
+    host.resize(width, height);
+    EXPECT_TRUE(eventually([&] { return host.width() == width; }));
+}
+
 template <class Control>
 std::vector<Control*> children_of(const wxWindow& window) {
     std::vector<Control*> found;
@@ -93,42 +94,6 @@ std::vector<Control*> children_of(const wxWindow& window) {
         if (auto* const control = dynamic_cast<Control*>(child)) found.push_back(control);
     return found;
 }
-
-/// A top-level window of the host's that is not the toolkit's.
-class HostWindow {
-  public:
-    HostWindow() {
-        gtk_window_set_default_size(GTK_WINDOW(window_), 400, 300);
-        gtk_widget_show(window_);
-        EXPECT_TRUE(eventually([&] { return width() == 400; }));
-    }
-    ~HostWindow() { destroy(); }
-    HWND handle() const { return reinterpret_cast<HWND>(gtk_widget_get_window(window_)); }
-    bool owns(const wxTopLevelWindow& window) const {
-        return gtk_window_get_transient_for(GTK_WINDOW(window.GetHandle())) == GTK_WINDOW(window_);
-    }
-    void resize(int width, int height) {
-        gtk_window_resize(GTK_WINDOW(window_), width, height);
-        EXPECT_TRUE(eventually([&] { return this->width() == width; }));
-    }
-    /// Whether something else lies over what the host shows.
-    bool is_covered() const {
-        GList* const children = gdk_window_peek_children(gtk_widget_get_window(window_));
-        const auto is_visible = [](const void* child, const void*) -> gint {
-            return !gdk_window_is_visible(GDK_WINDOW(child));
-        };
-        return g_list_find_custom(children, nullptr, is_visible) != nullptr;
-    }
-    void destroy() {
-        if (window_ != nullptr) gtk_widget_destroy(window_);
-        window_ = nullptr;
-    }
-
-  private:
-    int width() const { return gdk_window_get_width(gtk_widget_get_window(window_)); }
-
-    GtkWidget* window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-};
 
 /// What a tree shows of one stream.
 struct Block {
@@ -150,10 +115,10 @@ inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
     }
     return blocks;
 }
-inline std::vector<Block> blocks_of(const CTreeCtrl& tree) {
+inline std::vector<Block> blocks_of(const NativeControl& tree) {
     std::vector<Block> blocks;
     for (auto* top = tree.GetChildItem(nullptr); top != nullptr; top = tree.GetNextSiblingItem(top)) {
-        blocks.push_back({top, tree.GetItemText(top), {}, top->expanded});
+        blocks.push_back({top, tree.GetItemText(top), {}, tree.is_expanded(top)});
         for (auto* line = tree.GetChildItem(top); line != nullptr; line = tree.GetNextSiblingItem(line))
             blocks.back().lines.push_back(tree.GetItemText(line));
     }
