@@ -6,8 +6,10 @@
 #include <commctrl.h>
 #include <psapi.h>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,31 +47,31 @@ std::wstring class_of(HWND window) {
     return name;
 }
 
-/// The windows of this thread, or those within one, that fit.
-std::vector<HWND> windows(HWND within, const std::function<bool(HWND)>& fits) {
-    struct Search {
-        const std::function<bool(HWND)>& fits;
-        std::vector<HWND> found{};
-    } search{fits};
-    const auto look = [](HWND window, LPARAM data) -> BOOL {
-        auto& search = *reinterpret_cast<Search*>(data);
-        if (search.fits(window)) search.found.push_back(window);
-        return TRUE;
-    };
+using Windows = std::vector<HWND>;
+BOOL CALLBACK add_window(HWND window, LPARAM found) {
+    reinterpret_cast<Windows*>(found)->push_back(window);
+    return TRUE;
+}
+/// The windows of this thread, or those within one.
+Windows windows(HWND within = nullptr) {
+    Windows found;
     if (within != nullptr)
-        EnumChildWindows(within, look, reinterpret_cast<LPARAM>(&search));
+        EnumChildWindows(within, add_window, reinterpret_cast<LPARAM>(&found));
     else
-        EnumThreadWindows(GetCurrentThreadId(), look, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+        EnumThreadWindows(GetCurrentThreadId(), add_window, reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+template <class Condition>
+HWND first_of(const Windows& all, Condition fits) {
+    const auto found = std::find_if(all.begin(), all.end(), fits);
+    return found != all.end() ? *found : nullptr;
 }
 HWND visible(const wchar_t* title) {
-    const auto found =
-        windows(nullptr, [title](HWND each) { return IsWindowVisible(each) && text_of(each) == title; });
-    return found.empty() ? nullptr : found[0];
+    return first_of(windows(),
+                    [title](HWND each) { return IsWindowVisible(each) && text_of(each) == title; });
 }
 HWND child(HWND window, const wchar_t* kind) {
-    const auto found = windows(window, [kind](HWND each) { return class_of(each) == kind; });
-    return found.empty() ? nullptr : found[0];
+    return first_of(windows(window), [kind](HWND each) { return class_of(each) == kind; });
 }
 
 void press(WORD key) {
@@ -100,8 +102,8 @@ struct Holdings {
         PROCESS_MEMORY_COUNTERS_EX memory{};
         GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
                              sizeof memory);
-        return {GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS),
-                test::windows(nullptr, [](HWND) { return true; }).size(), memory.PrivateUsage};
+        return {GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), test::windows().size(),
+                memory.PrivateUsage};
     }
 };
 
@@ -171,7 +173,7 @@ TEST_F(Win32Host, PassesKeysToTheMonitor) {
     HWND const filter = child(monitor, L"Edit");
     SetForegroundWindow(monitor);
     SetFocus(filter);
-    for (const WORD key : {VK_END, VK_BACK, VK_BACK, '2', VK_TAB}) {
+    for (const int key : {VK_END, VK_BACK, VK_BACK, int{'2'}, VK_TAB}) {
         press(static_cast<WORD>(key));
         run(30);
     }

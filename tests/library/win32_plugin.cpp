@@ -8,17 +8,18 @@ namespace {
 
 PGN_VistelDlg_c* monitor = nullptr;
 
-[[gnu::noinline]] void show(wxFrame& window) {
+[[gnu::noipa]] void show(wxFrame& window) {
     window.Show();
 }
-[[gnu::noinline]] int show_modally(wxDialog& dialog) {
+[[gnu::noipa]] int show_modally(wxDialog& dialog) {
     return dialog.ShowModal();
 }
 
 }  // namespace
 
 /// Opens a monitor over a host's window, its title that of a module.
-extern "C" __declspec(dllexport) void open_monitor(HWND parent, HINSTANCE module) {
+extern "C" __declspec(dllexport) void open_monitor(pgn_vistel::NativeWindow parent,
+                                                   pgn_vistel::NativeModule module) {
     monitor = new PGN_VistelDlg_c;
     monitor->SetModule(module);
     monitor->Create(parent, 10ul, 0ul);
@@ -39,7 +40,7 @@ extern "C" __declspec(dllexport) void close_monitor() {
 }
 
 /// Shows the unit selection over a host's window until the user closes it.
-extern "C" __declspec(dllexport) void choose_units(HWND parent) {
+extern "C" __declspec(dllexport) void choose_units(pgn_vistel::NativeWindow parent) {
     PGN_VistelUnitDlg_c units(parent, nullptr, 0);
     show_modally(units);
 }

@@ -75,7 +75,8 @@ template <class Text>
 void type_over(Text& control, const char* text) {
     click(control);
     ASSERT_TRUE(eventually([&] { return wxWindow::FindFocus() == &control; }));
-    press('A', wxMOD_CONTROL);
+    press(WXK_HOME);
+    press(WXK_END, wxMOD_SHIFT);
     if (*text == '\0') press(WXK_DELETE);
     for (const char* c = text; *c != '\0'; ++c) press(*c, wxIsupper(*c) ? wxMOD_SHIFT : wxMOD_NONE);
     EXPECT_TRUE(eventually([&] { return control.GetValue() == text; })) << control.GetValue();
@@ -105,13 +106,12 @@ struct Block {
 
 inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
     std::vector<Block> blocks;
-    const auto text = [&](const wxTreeItemId& item) { return tree.GetItemText(item).ToStdWstring(); };
     wxTreeItemIdValue cookie;
     for (auto top = tree.GetFirstChild(tree.GetRootItem(), cookie); top.IsOk();
          top = tree.GetNextSibling(top)) {
-        blocks.push_back({top.GetID(), text(top), {}, tree.IsExpanded(top)});
+        blocks.push_back({top.GetID(), whole_text(tree, top), {}, tree.IsExpanded(top)});
         for (auto line = tree.GetFirstChild(top, cookie); line.IsOk(); line = tree.GetNextSibling(line))
-            blocks.back().lines.push_back(text(line));
+            blocks.back().lines.push_back(whole_text(tree, line));
     }
     return blocks;
 }

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <gtk/gtk.h>
 #include <wx/toplevel.h>
+#include <wx/treectrl.h>
 #include <wx/utils.h>
 
 #include "pgn_vistel/native.h"
@@ -68,6 +69,13 @@ class HostWindow {
   private:
     GtkWidget* window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
 };
+
+/// What a line of the toolkit's tree shows.
+inline std::wstring whole_text(const wxTreeCtrl& tree, const wxTreeItemId& item) {
+    return tree.GetItemText(item).ToStdWstring();
+}
+/// How many messages a tree shows in a few seconds.
+constexpr std::uint32_t much_traffic = 10000;
 
 /// A native tree control of the host's.
 class NativeControl : public CTreeCtrl {

@@ -2,6 +2,7 @@
 
 #include <wx/msw/wrapwin.h>
 #include <wx/toplevel.h>
+#include <wx/treectrl.h>
 // After it:
 #include <commctrl.h>
 
@@ -74,6 +75,13 @@ class HostWindow {
     HWND window_ = CreateWindowExW(0, L"#32770", L"Host", WS_OVERLAPPEDWINDOW, 600, 40, 400, 300, nullptr,
                                    nullptr, nullptr, nullptr);
 };
+
+/// What a line of the toolkit's tree shows, of which the toolkit reads the first 511 characters.
+inline std::wstring whole_text(const wxTreeCtrl& tree, const wxTreeItemId& item) {
+    return CTreeCtrl(tree.GetHandle()).GetItemText(static_cast<_TREEITEM*>(item.GetID()));
+}
+/// How many messages a tree shows in a few seconds.
+constexpr std::uint32_t much_traffic = 500;
 
 /// The window of a native tree control, in a host's or at the top.
 class ControlWindow {
