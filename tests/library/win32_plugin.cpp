@@ -42,5 +42,5 @@ extern "C" __declspec(dllexport) void close_monitor() {
 /// Shows the unit selection over a host's window until the user closes it.
 extern "C" __declspec(dllexport) void choose_units(pgn_vistel::NativeWindow parent) {
     PGN_VistelUnitDlg_c units(parent, nullptr, 0);
-    show_modally(units);
+    if (units.GetHandle() != nullptr) show_modally(units);  // or nothing was built
 }
