@@ -30,7 +30,7 @@ void check(const N2KMsg& msg) {
 }
 
 bool looks_packed(std::span<const std::uint8_t> bytes) {
-    constexpr std::uint8_t begins[] = {0x1F, 0xFD, 0x28, 'B'};  // of gzip, xz, zstd, bzip2
+    constexpr std::uint8_t begins[] = {0x1F, 0xFD, 0x28, 'B', 'L'};  // of gzip, xz, zstd, bzip2, BLF
     return !bytes.empty() &&
            (std::ranges::find(begins, bytes[0]) != std::end(begins) || (bytes[0] & 0xF0) == 0x50);
 }
