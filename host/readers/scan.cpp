@@ -1,5 +1,7 @@
 #include "readers/scan.h"
 
+#include <charconv>
+
 #include "can/identifier.h"
 #include "text/characters.h"
 #include "text/hex.h"
@@ -75,9 +77,16 @@ bool parse_number(std::string_view text, std::uint32_t most, std::uint32_t& valu
 
 bool read_number(std::string_view text, std::string_view name, std::uint32_t most, std::uint32_t& value,
                  Problem& problem) {
-    if (parse_number(text, most, value)) return true;
-    describe(problem, name, " ", quoted(text), " is no number up to ", most);
-    return false;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (end != text.data() + text.size() || error == std::errc::invalid_argument) {
+        describe(problem, name, " ", quoted(text), " is not a number");
+        return false;
+    }
+    if (error != std::errc{} || value > most) {
+        describe(problem, name, " ", text.substr(0, 32), " is above ", most);
+        return false;
+    }
+    return true;
 }
 
 bool read_frame_length(std::string_view text, unsigned& length, Problem& problem) {

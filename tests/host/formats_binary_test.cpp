@@ -326,9 +326,8 @@ TEST(BinaryFormats, Sentences) {
                              "\n!PDGY,262144,2,35,255,1.0,AQI=\n!PDGY,x,2,35,255,1.0,AQI=\n$PDGY,127250,2,35,"
                              "255,1.0,AQI=\n!PDGY,127250,2,35,255,1.1000,AQI=\n",
           {shown, "2: payload `35` is not base64 up to its end", "3: a message of 4 fields; there are 3 or 6",
-           "4: priority `8` is no number up to 7", "5: PGN `262144` is no number up to 262143",
-           "6: PGN `x` is no number up to 262143", "7: a message that begins with $",
-           "8: the milliseconds of a time `1000` is no number up to 999"}}},
+           "4: priority 8 is above 7", "5: PGN 262144 is above 262143", "6: PGN `x` is not a number",
+           "7: a message that begins with $", "8: the milliseconds of a time 1000 is above 999"}}},
         "ikonvert");
 
     const std::string pcdin = "$PCDIN,01F112,0000000A,23,0102*56", shown_pcdin = "M 6 127250 35 255 0102";

@@ -39,7 +39,7 @@ TEST(TextFormats, ReadTheirRecordings) {
         {"pcan", pcan + "1.1" + pcan_start + " 1) 250.0 Rx 09F11223 4  01 39 30 00 \n 2) 251.5 Warng FFFFFFFF 4 00 00 00 04 BUSLIGHT\n"
                  "3) 252.5 Error 0 0\n 4) 1.x Rx 09F11223 0\n5) 1 Rx 09F11223 5 01 02 03\n6) 1 Rx 09F11223 1 01 02\n7) 1 Rx 09F11223 9 01\n8) 1 Ry",
          {heading, "7: time `1.x` is not a number of milliseconds", "8: 5 bytes announced, 3 given", "9: 1 bytes announced, `02` follows them",
-          "10: length `9` is no number up to 8", "11: type `Ry` is not known", "1 foreign"}, {epoch(250)}},
+          "10: length 9 is above 8", "11: type `Ry` is not known", "1 foreign"}, {epoch(250)}},
         {"pcan", pcan + "1.2" + pcan_start + " 1) 250.000 1 Tx 09F11223 4  01 39 30 00\n" + pcan + "1.3\n 1) 250.000 1 Rx 09F11223 -  4    01 39 30 00\n",
          {heading, heading}, {epoch(250), "250000000 start"}},
         {"pcan", pcan + "2.0" + pcan_start + ";$COLUMNS=N,O,T,d,I,l,D\n 1 250.000 DT Rx 09F11223 4 01 39 30 00\n 2 250.5 FB Rx 09F11223 12 00\n"
@@ -78,7 +78,7 @@ TEST(TextFormats, ReadTheirRecordings) {
         {"garmin", garmin + "0,250,127250,Vessel, Heading,Sample,35,255,2,1,4,0x01393000\n1,300,127250,Vessel Heading,Unknown\nManufacturer,35,255,2,1,4,0x01393000\n"
                    "2,1,127250,cut\n3,500,127250,N,S,35,255,2,1,5,0x01393000\nSequence #,Month_Day_Year,PGN\n4,5_4_2026_9_30_0_24931250,127250,Processed,N,S,35,255,2,1,4,0x01393000\n"
                    "5,5_4_2026_9_30,127250\n6,1,127250,N,S,35,255,8,1,0,0x\n",
-         {message, message, "6: 5 bytes announced, 4 given", message, "9: time `5_4_2026_9_30` is neither milliseconds nor month_day_year_...", "10: priority `8` is no number up to 7"},
+         {message, message, "6: 5 bytes announced, 4 given", message, "9: time `5_4_2026_9_30` is neither milliseconds nor month_day_year_...", "10: priority 8 is above 7"},
          {"250000000 start", "300000000 start", epoch(250)}},
         {"signal-k", "1777887000250;A;09:30:00.000,2,127250,35,255,4,01,39,30,00\n1777887000251;N;$GPGLL\n1777887000250;A;A093000.000 23FF2 1F112 01393000\n"
                      "1777887000250;A;19:07:21.014 R 09F11223 01 39 30 00\n1777887000000;A;(1777887000.250) can0 09F11223#01393000\n1777887000251;A;x\nx\n"
