@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
 #include "commands/catalogue.h"
 #include "commands/convert.h"
 #include "commands/decode.h"
@@ -25,7 +26,7 @@ std::string format_notes() {
     return notes;
 }
 
-void add_format(CLI::App& command, std::string& format) {
+void add_format(CLI::App& command, std::string& format, vistel::ContentKind& contents) {
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -33,13 +34,14 @@ void add_format(CLI::App& command, std::string& format) {
     command
         .add_option("--format", format, "Format of the recording; recognised by its contents if not given")
         ->check(check);
+    vistel::add_contents(command, contents);
     command.footer(format_notes());
 }
 
 /// What every command takes that reads a recording.
-void add_recording(CLI::App& command, std::string& file, std::string& format) {
+void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
     command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
-    add_format(command, format);
+    add_format(command, format, contents);
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -59,7 +61,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("decode", "Decode a recording or a live stream, message by message");
     vistel::DecodeOptions& options = arguments.decode;
-    add_recording(*command, options.file, options.format);
+    add_recording(*command, options.file, options.format, options.contents);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
@@ -76,7 +78,7 @@ void add_devices(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
-    add_recording(*command, options.file, options.format);
+    add_recording(*command, options.file, options.format, options.contents);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
@@ -97,7 +99,7 @@ void add_convert(CLI::App& app, Arguments& arguments) {
         ->check(CLI::IsMember(vistel::written_formats()));
     command->add_option("-o,--output", options.output, "File to write; - is standard output")
         ->capture_default_str();
-    add_format(*command, options.format);
+    add_format(*command, options.format, options.contents);
     vistel::add_definitions(*command, options.definitions);
 }
 
@@ -175,9 +177,20 @@ bool has_command(const CLI::App& app, const std::string& name) {
     return false;
 }
 
+int run_program(const char* command, const char* own_name, const std::vector<std::string>& arguments) {
+    const std::string name = std::string("vistel-") + command;
+    auto status = vistel::run_neighbour(name, own_name, arguments);
+    if (status) return *status;
+    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n",
+                 name.c_str(), status.error().text.c_str());
+    return vistel::EXIT_FAILED;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return vistel::EXIT_FAILED;
     CLI::App app("NMEA 2000 traffic, decoded");
     app.name("vistel");
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
@@ -192,7 +205,6 @@ int main(int argc, char** argv) {
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
     add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
                 arguments);
-    std::vector<std::string> words = vistel::words(argc, argv);
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.
@@ -208,9 +220,7 @@ int main(int argc, char** argv) {
     }
 
     for (const char* const name : {"monitor", "top"})
-        if (app.got_subcommand(name))
-            return vistel::run_neighbour(std::string("vistel-") + name, argc > 0 ? argv[0] : "",
-                                         arguments.of_program);
+        if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);

@@ -1,23 +1,16 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdlib>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "pgn_vistel/core/catalogue.h"
+#include "readers/content_kind.h"
 
 namespace vistel {
-
-/// The words behind the program's name, the last one first, as `CLI::App::parse` takes them. Some kernels
-/// start a program without even its name.
-inline std::vector<std::string> words(int argc, char** argv) {
-    return {std::reverse_iterator(argv + argc), std::reverse_iterator(argv + std::min(argc, 1))};
-}
 
 /// What both programs say of a command line that they cannot read.
 inline std::string usage_error(const CLI::App* command, const CLI::Error& error) {
@@ -61,6 +54,17 @@ inline void add_speed(CLI::App& command, std::optional<double>& speed) {
             },
             "Times the recording's own pace, or max")
         ->type_name("TEXT");
+}
+
+/// The option for what the lines of plain text hold.
+inline void add_contents(CLI::App& command, ContentKind& contents) {
+    static const std::map<std::string, ContentKind> names{{"messages", ContentKind::messages},
+                                                          {"frames", ContentKind::frames}};
+    command
+        .add_option("--contents", contents,
+                    "What plain text holds: whole messages, or frames; told by its lines if not given")
+        ->transform(CLI::CheckedTransformer(names).description(""))
+        ->type_name("WHAT");
 }
 
 }  // namespace vistel

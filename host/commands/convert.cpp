@@ -61,6 +61,7 @@ bool Converting::open(Recording& recording, const std::string& name) {
     };
     RecordingOptions how;
     how.format = options_.format;
+    how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_->flush(); };
     if (const auto opened = recording.open(name, how); !opened)

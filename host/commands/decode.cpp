@@ -108,6 +108,7 @@ void Decoding::print_statistics() const {
     line("repeated frames", c.repeated_frames);
     line("other than NMEA 2000", recording_.foreign_frames());
     unknown_.print();
+    print(reassembler_.losses());
 }
 
 int Decoding::run() {
@@ -115,6 +116,7 @@ int Decoding::run() {
     if (!apply_units(units_, options_.units)) return EXIT_FAILED;
     RecordingOptions how;
     how.format = options_.format;
+    how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_.flush(); };
     if (const auto opened = recording_.open(options_.file, how); !opened) {

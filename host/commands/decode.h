@@ -6,6 +6,7 @@
 
 #include "commands/unit_options.h"
 #include "pgn_vistel/core/catalogue.h"
+#include "readers/content_kind.h"
 
 namespace vistel {
 
@@ -21,6 +22,7 @@ struct DecodeOptions {
 
     std::string file = "-";
     std::string format;  ///< name of the recording's format, empty to recognise it
+    ContentKind contents = ContentKind::as_it_seems;
     Form form = Form::text;
     std::vector<std::uint32_t> pgns;     ///< empty for all
     std::vector<std::uint32_t> sources;  ///< empty for all

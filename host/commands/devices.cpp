@@ -92,6 +92,7 @@ void Watching::refresh() {
 int Watching::run() {
     RecordingOptions how;
     how.format = options_.format;
+    how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     if (const auto opened = recording_.open(options_.file, how); !opened) {
         std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.error().text.c_str());

@@ -11,6 +11,8 @@ Status Player::open() {
     auto recording = std::make_unique<Recording>();
     RecordingOptions how;
     how.format = options_.format;
+    how.contents = options_.contents;
+    how.contents = options_.contents;
     how.patience_ms = 0;
     if (auto opened = recording->open(options_.file, how); !opened) return opened;
     recording_ = std::move(recording);

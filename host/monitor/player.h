@@ -16,7 +16,8 @@ namespace vistel {
 
 struct PlayOptions {
     std::string file = "-";
-    std::string format;           ///< empty to recognise it
+    std::string format;  ///< empty to recognise it
+    ContentKind contents = ContentKind::as_it_seems;
     std::optional<double> speed;  ///< times a recording's own pace; 0 as fast as the display can
     bool loop = false;
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;

@@ -140,8 +140,9 @@ void MonitorWindow::show_status() {
 
 void MonitorWindow::show_source() {
     const std::string& file = player_->options().file;
-    dialog_->SetTitle((file == "-" ? wxString("standard input") : wxFileName(file).GetFullName()) +
-                      " - PGN Vistel");
+    dialog_->SetTitle(
+        (file == "-" ? wxString("standard input") : wxFileName(wxString::FromUTF8(file)).GetFullName()) +
+        " - PGN Vistel");
 }
 
 void MonitorWindow::choose_recording() {
@@ -156,6 +157,7 @@ bool MonitorWindow::open(const std::string& file, std::string& error) {
     PlayOptions options = player_->options();
     options.file = file;
     options.format.clear();
+    options.contents = ContentKind::as_it_seems;
     auto next = std::make_unique<Player>(options);
     if (const auto opened = next->open(); !opened) {
         error = opened.error().text;

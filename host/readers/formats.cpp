@@ -12,11 +12,11 @@ namespace vistel {
 namespace {
 
 template <class AnyFormat>
-std::unique_ptr<RecordReader> open_reader(ByteSource& source) {
+std::unique_ptr<RecordReader> open_reader(ByteSource& source, [[maybe_unused]] ContentKind contents) {
     if constexpr (BlockFormat<AnyFormat>) {
         return std::make_unique<BlockReader<AnyFormat>>(source);
     } else {
-        return std::make_unique<LineReader<AnyFormat>>(source);
+        return std::make_unique<LineReader<AnyFormat>>(source, contents);
     }
 }
 

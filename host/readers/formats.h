@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "readers/byte_source.h"
+#include "readers/content_kind.h"
 #include "readers/record_reader.h"
 #include "text/result.h"
 
@@ -22,7 +23,7 @@ struct Format {
     /// Whether the beginning of a recording speaks for it; null for formats that lines tell.
     bool (*begins)(std::string_view head);
 
-    std::unique_ptr<RecordReader> (*open)(ByteSource& source);
+    std::unique_ptr<RecordReader> (*open)(ByteSource& source, ContentKind contents);
 };
 
 std::span<const Format> all_formats();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "readers/known_files.h"
 #include "readers/unpacked_input.h"
 #include "text/characters.h"
 #include "text/quotes.h"
@@ -55,6 +56,7 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
     source_.attach(unpacked(std::move(input)));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
+    contents_ = options.contents;
     if (options.format.empty()) return done;
     auto format = find_format(options.format);
     if (!format) return format.error();
@@ -64,7 +66,7 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
 
 void Recording::use(const Format& format) {
     format_ = &format;
-    reader_ = format.open(source_);
+    reader_ = format.open(source_, contents_);
 }
 
 /// Reads the head of the recording until it shows its format.
@@ -94,7 +96,9 @@ ReadResult Recording::explain_end() {
     } else if (const std::string_view kind = archive_kind(head); !kind.empty()) {
         describe(problem_, "this is ", kind, "; take the recording out of it");
     } else {
-        describe(problem_, "the format is none of ", format_names());
+        const std::string_view guess = guess_file(head);
+        describe(problem_, guess.empty() ? "" : "this seems to be ", guess, guess.empty() ? "" : "; ",
+                 "the format is none of ", format_names());
     }
     return ReadResult::problem;
 }

@@ -16,8 +16,9 @@
 namespace vistel {
 
 struct RecordingOptions {
-    std::string format = {};  ///< name of a format; empty to tell it by the contents
-    int patience_ms = -1;     ///< longest wait of next() for a pipe or terminal; negative for no limit
+    std::string format = {};                          ///< name of a format; empty to tell it by the contents
+    ContentKind contents = ContentKind::as_it_seems;  ///< for formats that do not tell
+    int patience_ms = -1;  ///< longest wait of next() for a pipe or terminal; negative for no limit
     std::function<void()> before_wait = {};  ///< called before every such wait: time to show what there is
 };
 
@@ -77,6 +78,7 @@ class Recording {
     ReadResult explain_end();
 
     ByteSource source_;
+    ContentKind contents_ = ContentKind::as_it_seems;
     std::size_t passed_ = 0;  // bytes of the head that speak for no format
     const Format* format_ = nullptr;
     std::unique_ptr<RecordReader> reader_;

@@ -82,7 +82,8 @@ bool Converter::is_said(const N2KMsg& msg) {
     const bool is_piece =
         msg.pgn == transport_protocol::control_pgn || msg.pgn == transport_protocol::data_pgn;
     if (is_piece && msg.length <= max_frame_bytes) {
-        if (const N2KMsg* const complete = transports_.put(msg, {{}, ++frames_})) said_ = *complete;
+        const Moment now{.spoken = 0, .frame = ++frames_, .pauses = 0};
+        if (const N2KMsg* const complete = transports_.put(msg, now, now)) said_ = *complete;
         return false;
     }
     return said_.length > 0 && same_message(msg, std::exchange(said_, {}));

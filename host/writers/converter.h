@@ -56,7 +56,8 @@ class Converter {
     /// Recordings of whole messages may have the frames of the transport protocol beside the message that
     /// they hold. These are followed here, so that it is not written a second time.
     ReassemblyCounters ignored_;
-    Transports transports_{ignored_};
+    Losses ignored_losses_{ignored_};
+    Transports transports_{ignored_losses_};
     std::uint64_t frames_ = 0;
     N2KMsg said_{};
 };

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 /// A player on a recording, with a clock that the test turns.
 struct Played : PlayListener {
     Played(const std::string& text, std::optional<double> speed, bool loop = false)
-        : file(text), player({.file = file.name(), .format = {}, .speed = speed, .loop = loop}, [this] {
+        : file(text), player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop}, [this] {
               return clock;
           }) {
         EXPECT_TRUE(player.open());

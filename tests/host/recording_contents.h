@@ -75,7 +75,8 @@ inline void write_all(int descriptor, std::string_view text) {
 
 enum class From { file, pipe };
 
-inline Contents read(std::string_view text, const std::string& format = "", From from = From::file) {
+inline Contents read(std::string_view text, const std::string& format = "", From from = From::file,
+                     ContentKind kind = ContentKind::as_it_seems) {
     int ends[2] = {::memfd_create("recording", 0), -1};
     std::thread writer;
     if (from == From::file) {
@@ -87,7 +88,7 @@ inline Contents read(std::string_view text, const std::string& format = "", From
         writer = std::thread([&] { write_all(ends[1], text), ::close(ends[1]); });
     }
     Recording recording;
-    EXPECT_TRUE(recording.attach(input_of(ends[0]), {.format = format}));
+    EXPECT_TRUE(recording.attach(input_of(ends[0]), {.format = format, .contents = kind}));
     EXPECT_EQ(recording.bytes_total(), from == From::file ? text.size() : 0);
     Contents contents = drain(recording);
     if (writer.joinable()) writer.join();

@@ -16,7 +16,7 @@ using testing::StartsWith;
 struct Shown {
     explicit Shown(const std::string& text, StreamFilter filter = {})
         : file(text),
-          player({.file = file.name(), .format = {}, .speed = {}}, [this] { return clock; }),
+          player({.file = file.name(), .format = {}, .contents = {}, .speed = {}}, [this] { return clock; }),
           top(player, {{"default", {}}, {"si", pgn_vistel::core::UnitSelection::si()}}, std::move(filter)) {
         EXPECT_TRUE(player.open());
     }
