@@ -12,7 +12,7 @@ struct ConvertOptions {
     std::vector<std::string> files = {"-"};  ///< read one after the other
     std::string format;                      ///< of the recordings, empty to recognise it
     ContentKind contents = ContentKind::as_it_seems;
-    std::string to;                          ///< one of written_formats()
+    std::string to;  ///< one of written_formats()
     std::string output = "-";
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
 };
