@@ -3,12 +3,14 @@
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
 #include "commands/catalogue.h"
 #include "commands/decode.h"
 #include "commands/devices.h"
 #include "commands/encode.h"
-#include "commands/monitor.h"
+#include "commands/neighbour.h"
 #include "readers/formats.h"
+#include "writers/writers.h"
 
 namespace {
 
@@ -24,8 +26,12 @@ std::string format_notes() {
 }
 
 /// What every command takes that reads recordings.
-void add_recording(CLI::App& command, std::string& file, std::string& format) {
-    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+constexpr const char* source_help =
+    "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
+    "tcp-listen://:PORT or serial:DEVICE (see the manual)";
+
+void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
+    command.add_option("FILE", file, source_help)->capture_default_str();
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -33,7 +39,16 @@ void add_recording(CLI::App& command, std::string& file, std::string& format) {
     command
         .add_option("--format", format, "Format of the recording; recognised by its contents if not given")
         ->check(check);
+    vistel::add_contents(command, contents);
     command.footer(format_notes());
+}
+
+void add_live(CLI::App& command, vistel::LiveOptions& options) {
+    command
+        .add_option("--timeout", options.timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -45,31 +60,24 @@ struct Arguments {
     bool csv = false;
     std::string table;
     pgn_vistel::core::Definitions listed = pgn_vistel::core::Definitions::corrected;
-    std::vector<std::string> monitor;
+    std::vector<std::string> of_program;
 };
-
-void add_units(CLI::App& command, vistel::UnitOptions& options) {
-    command.add_option("--units", options.set, "Units for everything: default, metric or si");
-    command
-        .add_option("--unit", options.units,
-                    "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
-        ->allow_extra_args(false);
-}
 
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("decode", "Decode a recording or a live stream, message by message");
     vistel::DecodeOptions& options = arguments.decode;
-    add_recording(*command, options.file, options.format);
+    add_recording(*command, options.file, options.format, options.contents);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
     command->add_option("--source", options.sources, "Only messages of these source addresses")
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));
-    add_units(*command, options.units);
+    vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
+    add_live(*command, options.live);
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }
 
@@ -77,7 +85,8 @@ void add_devices(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
-    add_recording(*command, options.file, options.format);
+    add_recording(*command, options.file, options.format, options.contents);
+    add_live(*command, options.live);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
@@ -110,8 +119,8 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         "--list", options.list, "Show the fields of the PGN (size, units, choices) or its variants");
     command->add_flag("--all-choices", options.all_choices, "Long choices to their end in that list")
         ->needs(list);
-    command->add_option("--format", options.format, "Of the line: plain, or candump with a frame a line")
-        ->check(CLI::IsMember(vistel::encode_formats()))
+    command->add_option("--format", options.format, "Of the line, or of lines with a frame each")
+        ->check(CLI::IsMember(vistel::written_formats()))
         ->capture_default_str();
     command
         ->add_option("--priority", options.priority, "0 (highest) to 7; that of the catalogue if not given")
@@ -127,7 +136,7 @@ void add_encode(CLI::App& app, Arguments& arguments) {
     command->add_option("--sequence", options.sequence, "Sequence of a fast packet's frames")
         ->check(CLI::Range(0, 7))
         ->capture_default_str();
-    add_units(*command, options.units);
+    vistel::add_units(*command, options.units.set, options.units.units);
     command->add_option("--variant", options.variant,
                         "Variant of the PGN, by its name or as in 'vistel catalogue pgns'");
     vistel::add_definitions(*command, options.definitions);
@@ -142,11 +151,12 @@ void add_catalogue(CLI::App& app, Arguments& arguments) {
     vistel::add_definitions(*command, arguments.listed);
 }
 
-void add_monitor(CLI::App& app, Arguments& arguments) {
-    CLI::App* const command = app.add_subcommand("monitor", "Show a recording or a live stream in a window");
-    command->set_help_flag();  // the window's program knows its options
+// Commands that are programs of their own, which know their options.
+void add_program(CLI::App& app, const char* name, const char* about, Arguments& arguments) {
+    CLI::App* const command = app.add_subcommand(name, about);
+    command->set_help_flag();
     command->prefix_command();
-    command->callback([command, &arguments] { arguments.monitor = command->remaining(); });
+    command->callback([command, &arguments] { arguments.of_program = command->remaining(); });
 }
 
 // Says which there are where there is no such command.
@@ -160,9 +170,20 @@ bool has_command(const CLI::App& app, const std::string& name) {
     return false;
 }
 
+int run_program(const char* command, const char* own_name, const std::vector<std::string>& arguments) {
+    const std::string name = std::string("vistel-") + command;
+    auto status = vistel::run_neighbour(name, own_name, arguments);
+    if (status) return *status;
+    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n",
+                 name.c_str(), status.error().text.c_str());
+    return vistel::EXIT_FAILED;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return vistel::EXIT_FAILED;
     CLI::App app("NMEA 2000 traffic, decoded");
     app.name("vistel");
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
@@ -173,8 +194,9 @@ int main(int argc, char** argv) {
     add_devices(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
-    add_monitor(app, arguments);
-    std::vector<std::string> words = vistel::words(argc, argv);
+    add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
+    add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
+                arguments);
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.
@@ -189,7 +211,8 @@ int main(int argc, char** argv) {
         return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
     }
 
-    if (app.got_subcommand("monitor")) return vistel::run_monitor(argc > 0 ? argv[0] : "", arguments.monitor);
+    for (const char* const name : {"monitor", "top"})
+        if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {

@@ -9,7 +9,9 @@ namespace vistel {
 constexpr std::uint32_t max_pgn = 0x3FFFF;
 constexpr std::uint32_t max_identifier = 0x1FFFFFFF;
 constexpr unsigned max_frame_bytes = 8;
-constexpr std::uint8_t everyone = 255;  ///< as a destination
+constexpr std::uint8_t everyone = 255;      ///< as a destination
+constexpr std::uint8_t nobody = 254;        ///< as a source: one that a recording does not tell
+constexpr std::uint8_t usual_priority = 6;  ///< where a recording tells none
 
 /// Whether messages of this PGN have a destination: below PDU format 240. From there on they are for
 /// everyone.

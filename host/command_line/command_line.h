@@ -1,21 +1,16 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <iterator>
+#include <cstdlib>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "pgn_vistel/core/catalogue.h"
+#include "readers/content_kind.h"
 
 namespace vistel {
-
-/// The words behind the program's name, the last one first, as `CLI::App::parse` takes them. Some kernels
-/// start a program without even its name.
-inline std::vector<std::string> words(int argc, char** argv) {
-    return {std::reverse_iterator(argv + argc), std::reverse_iterator(argv + std::min(argc, 1))};
-}
 
 /// What both programs say of a command line that they cannot read.
 inline std::string usage_error(const CLI::App* command, const CLI::Error& error) {
@@ -34,6 +29,42 @@ inline void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& de
             "library's interface shows)")
         ->transform(CLI::CheckedTransformer(names).description(""))
         ->type_name("SET");
+}
+
+/// The options for units: a named set, and single ones.
+inline void add_units(CLI::App& command, std::string& set, std::vector<std::string>& units) {
+    command.add_option("--units", set, "Units for everything: default, metric or si");
+    command
+        .add_option("--unit", units,
+                    "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
+        ->allow_extra_args(false);
+}
+
+/// The option for the speed at which a recording is played; 0 stands for "max".
+inline void add_speed(CLI::App& command, std::optional<double>& speed) {
+    command
+        .add_option_function<std::string>(
+            "--speed",
+            [&speed](const std::string& text) {
+                char* end = nullptr;
+                const double times = text == "max" ? 0 : std::strtod(text.c_str(), &end);
+                if (text != "max" && (*end != 0 || !(times > 0 && times <= 1e6)))
+                    throw CLI::ValidationError("--speed", "is neither a positive number nor max");
+                speed = times;
+            },
+            "Times the recording's own pace, or max")
+        ->type_name("TEXT");
+}
+
+/// The option for what the lines of plain text hold.
+inline void add_contents(CLI::App& command, ContentKind& contents) {
+    static const std::map<std::string, ContentKind> names{{"messages", ContentKind::messages},
+                                                          {"frames", ContentKind::frames}};
+    command
+        .add_option("--contents", contents,
+                    "What plain text holds: whole messages, or frames; told by its lines if not given")
+        ->transform(CLI::CheckedTransformer(names).description(""))
+        ->type_name("WHAT");
 }
 
 }  // namespace vistel

@@ -1,7 +1,10 @@
 #include "commands/statistics.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <functional>
+#include <vector>
 
 namespace vistel {
 
@@ -10,6 +13,27 @@ void UnknownPgns::print() const {
     for (const auto& [key, count] : counts_)
         std::fprintf(stderr, "    %6" PRIu32 " from source %3d: %" PRIu64 "\n", key.pgn, key.source, count);
     if (others_ > 0) std::fprintf(stderr, "    others: %" PRIu64 "\n", others_);
+}
+
+void print(const Losses& losses) {
+    std::vector<Losses::Entry> entries(losses.entries().begin(), losses.entries().end());
+    std::ranges::stable_sort(entries, std::greater(), &Losses::Entry::frames);
+    const Losses::Entry& others = losses.others();
+    const auto counts = [](const Losses::Entry& entry) {
+        std::fprintf(stderr, "%" PRIu64 " missing, %" PRIu64 " of no message, %" PRIu64 " repeated\n",
+                     entry.missing, entry.orphans, entry.repeated);
+    };
+    std::uint64_t total = others.frames();
+    for (const Losses::Entry& entry : entries) total += entry.frames();
+    std::fprintf(stderr, "lost or repeated frames: %" PRIu64 "\n", total);
+    for (const Losses::Entry& entry : entries) {
+        std::fprintf(stderr, "    %6" PRIu32 " from source %3d: ", entry.pgn, entry.source);
+        counts(entry);
+    }
+    if (others.frames() > 0) {
+        std::fputs("    others: ", stderr);
+        counts(others);
+    }
 }
 
 }  // namespace vistel

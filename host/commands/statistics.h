@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <map>
 
+#include "reassembly/losses.h"
+
 namespace vistel {
 
 /// Messages of PGNs that the catalogue does not have, by PGN and source.
@@ -34,5 +36,8 @@ class UnknownPgns {
     std::uint64_t total_ = 0;
     std::uint64_t others_ = 0;
 };
+
+/// Missing and repeated frames by PGN and source, the most first.
+void print(const Losses& losses);
 
 }  // namespace vistel

@@ -2,11 +2,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "monitor/latest.h"
+#include "network/streams.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/recording.h"
 #include "reassembly/reassembler.h"
@@ -16,7 +17,8 @@ namespace vistel {
 struct PlayOptions {
     std::string file = "-";
     std::string format;  ///< empty to recognise it
-    double speed = 1;    ///< times the recording's own pace; 0 as fast as the display can
+    ContentKind contents = ContentKind::as_it_seems;
+    std::optional<double> speed;  ///< times a recording's own pace; 0 as fast as the display can
     bool loop = false;
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
 };
@@ -24,47 +26,94 @@ struct PlayOptions {
 /// What became of the input so far.
 struct PlayCounters {
     std::uint64_t messages = 0;
-    std::uint64_t replaced =
-        0;  ///< never shown, because a later one of the stream came before the next frame
     std::uint64_t problems = 0;
+    std::uint64_t skipped_gaps = 0;  ///< times without a record that were not waited for
 };
 
-/// Plays a recording or live source in its own time. Never waits: `advance` takes what is due.
+/// Who gets what is played.
+class PlayListener {
+  public:
+    virtual ~PlayListener() = default;
+    virtual void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) = 0;
+    /// Behind the messages that the record completed.
+    virtual void on_record(const Record& record) { (void)record; }
+};
+
+/// Plays a recording in its own time, or a live source as it comes. Never waits: `advance` takes what is due.
+///
+/// Time stamps pace a recording alone: one that comes by a file, or for which a speed is asked. It waits for
+/// no gap that is longer than `longest_gap`. A pause stops a recording; a live source is read on.
 class Player {
   public:
-    explicit Player(PlayOptions options) : options_(std::move(options)) {}
+    using Clock = std::chrono::steady_clock;
+    using Now = std::function<Clock::time_point()>;
 
-    /// False with the reason in `error`.
-    bool open(std::string& error);
+    explicit Player(PlayOptions options, Now clock = Clock::now)
+        : options_(std::move(options)), clock_(std::move(clock)) {}
 
-    /// Reads what is due by now into `latest`.
-    void advance(LatestMessages& latest);
+    Status open();
+
+    /// Reads what is due by now.
+    void advance(PlayListener& listener);
 
     void pause(bool paused);
     bool paused() const { return paused_; }
+    /// Whether nothing more will come.
     bool ended() const { return ended_; }
+    bool is_paced() const { return paced_; }
+
+    /// Time that has been played: what messages are given as theirs.
+    PlayTime now() const;
+
+    /// @{ A file's: goes to a place between 0 and 1, showing nothing on the way but handing everything over;
+    /// back to the start where the place lies behind. Takes the next message while paused.
+    bool can_seek() const { return recording_ && recording_->bytes_total() > 0; }
+    double place() const;
+    void seek(double place, PlayListener& listener);
+    void step(PlayListener& listener);
+    /// @}
+
+    void set_speed(double speed);
+
     const PlayCounters& counters() const { return counters_; }
+    /// What went wrong first, with its place; empty as long as nothing did.
+    const std::string& first_problem() const { return first_problem_; }
+    const ReassemblyCounters& losses() const { return reassembler_->counters(); }
     const PlayOptions& options() const { return options_; }
+    std::string_view format_name() const {
+        return recording_ ? recording_->format_name() : std::string_view{};
+    }
+
+    static constexpr PlayTime longest_gap = 3 * one_second;
+    /// What a live source said last: that it was lost, or is silent. Empty as long as all is well.
+    const std::string& notice() const { return notice_; }
 
   private:
-    using Clock = std::chrono::steady_clock;
-
     bool read_record();
-    bool is_due(const RecordTime& time) const;
+    bool is_due();
+    void hand_over();
     void rewind();
+    void continue_at(PlayTime time);
+    double speed() const { return options_.speed.value_or(1); }
 
     PlayOptions options_;
+    Now clock_;
     std::unique_ptr<Recording> recording_;
     std::unique_ptr<Reassembler> reassembler_;
-    LatestMessages* latest_ = nullptr;
+    PlayListener* listener_ = nullptr;
     Record record_;
-    bool has_record_ = false;          // read, but not yet due
-    std::optional<RecordTime> start_;  // of the recording
-    Clock::time_point started_;        // when that was
-    Clock::time_point paused_at_;
+    bool has_record_ = false;  // read, but not yet due
+    bool paced_ = false;
+    std::optional<RecordTime> start_;  // of the recording, or of the round of a loop
+    PlayTime start_played_ = 0;        // when that was
+    PlayTime record_played_ = 0;       // when the record is to be played
+    PlayTime base_ = 0;                // played by the time `since_`
+    Clock::time_point since_;
     bool paused_ = false;
     bool ended_ = false;
     PlayCounters counters_;
+    std::string first_problem_;
+    std::string notice_;
 };
 
 }  // namespace vistel

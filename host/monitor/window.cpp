@@ -10,6 +10,8 @@
 #include <wx/msgdlg.h>
 #include <wx/treectrl.h>
 
+#include <algorithm>
+
 #include "pgn_vistel/pgn_dlg.h"
 #include "pgn_vistel/pgn_tree.h"
 
@@ -97,8 +99,15 @@ void MonitorWindow::build_menu() {
     on(wxID_EXIT, [this](wxCommandEvent&) { dialog_->Close(); });
 }
 
+void MonitorWindow::on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) {
+    constexpr PlayTime time_stamp_unit = 10'000'000;
+    N2KMsg stamped = msg;
+    stamped.time_stamp = static_cast<std::uint32_t>(std::max<PlayTime>(0, now) / time_stamp_unit);
+    if (latest_.put(stamped)) ++replaced_;
+}
+
 void MonitorWindow::show_frame() {
-    player_->advance(latest_);
+    player_->advance(*this);
     latest_.show_pending([this](N2KMsg& msg) {
         constexpr int dialog_is_paused = 2;
         const int result = dialog_->PutMsg(&msg);
@@ -112,7 +121,7 @@ void MonitorWindow::show_status() {
     const PlayCounters& c = player_->counters();
     wxString text = wxString::Format(
         "%llu messages, %llu of them replaced by later ones before they were shown",
-        static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(c.replaced));
+        static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(replaced_));
     if (latest_.dropped() > 0)
         text << wxString::Format(", %llu dropped because of too many streams",
                                  static_cast<unsigned long long>(latest_.dropped()));
@@ -120,7 +129,9 @@ void MonitorWindow::show_status() {
         text << wxString::Format(", %llu errors", static_cast<unsigned long long>(c.problems));
     if (refused_ > 0)
         text << wxString::Format(", %llu without room", static_cast<unsigned long long>(refused_));
-    if (player_->ended())
+    if (!player_->notice().empty())
+        text << " - " << wxString::FromUTF8(player_->notice());
+    else if (player_->ended())
         text << " - end";
     else if (player_->paused())
         text << " - paused";
@@ -131,8 +142,9 @@ void MonitorWindow::show_status() {
 
 void MonitorWindow::show_source() {
     const std::string& file = player_->options().file;
-    dialog_->SetTitle((file == "-" ? wxString("standard input") : wxFileName(file).GetFullName()) +
-                      " - PGN Vistel");
+    dialog_->SetTitle(
+        (file == "-" ? wxString("standard input") : wxFileName(wxString::FromUTF8(file)).GetFullName()) +
+        " - PGN Vistel");
 }
 
 void MonitorWindow::choose_recording() {
@@ -147,11 +159,15 @@ bool MonitorWindow::open(const std::string& file, std::string& error) {
     PlayOptions options = player_->options();
     options.file = file;
     options.format.clear();
+    options.contents = ContentKind::as_it_seems;
     auto next = std::make_unique<Player>(options);
-    if (!next->open(error)) return false;
+    if (const auto opened = next->open(); !opened) {
+        error = opened.error().text;
+        return false;
+    }
     player_ = std::move(next);
     latest_.clear();
-    refused_ = 0;
+    replaced_ = refused_ = 0;
     dialog_->ClearMsg();
     dialog_->GetMenuBar()->Check(id_pause, false);
     show_source();

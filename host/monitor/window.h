@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "monitor/latest.h"
 #include "monitor/player.h"
 
 class PGN_VistelDlg_c;
@@ -13,7 +14,7 @@ namespace vistel {
 
 /// The monitor dialog with a menu and a status line, fed by a player. When the user closes the dialog it is
 /// destroyed and the main loop ends; this object is then good for nothing but to be deleted.
-class MonitorWindow : public wxEvtHandler {
+class MonitorWindow : public wxEvtHandler, private PlayListener {
   public:
     explicit MonitorWindow(std::unique_ptr<Player> player);
     ~MonitorWindow() override;
@@ -25,6 +26,7 @@ class MonitorWindow : public wxEvtHandler {
 
   private:
     void build_menu();
+    void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
     void show_frame();
     void show_status();
     void show_source();
@@ -37,6 +39,8 @@ class MonitorWindow : public wxEvtHandler {
     std::unique_ptr<Player> player_;
     LatestMessages latest_;
     wxTimer timer_;
+    std::uint64_t replaced_ =
+        0;  // messages that a later one of their stream came behind before they were shown
     std::uint64_t refused_ = 0;  // messages of this recording
     bool display_paused_ = false;
     unsigned frames_ = 0;

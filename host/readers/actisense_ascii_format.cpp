@@ -15,21 +15,24 @@ namespace {
 
 constexpr std::size_t clock_digits = 6;
 
-bool starts_with_clock(std::string_view word) {
-    return word.size() > clock_digits && word[0] == 'A' &&
+constexpr char message_letter = 'A';
+
+bool is_letter_and_clock(std::string_view word) {
+    return word.size() > clock_digits && word[0] >= 'A' && word[0] <= 'Z' &&
            std::all_of(word.begin() + 1, word.begin() + 1 + clock_digits, is_digit);
 }
 
 }  // namespace
 
 bool ActisenseAsciiFormat::resembles(std::string_view line) {
-    return starts_with_clock(take_word(line));
+    return line.starts_with(message_letter) && is_letter_and_clock(take_word(line));
 }
 
 LineResult ActisenseAsciiFormat::read(std::string_view line, Record& record, Problem& problem) {
     const std::string_view time = take_word(line);
     constexpr std::size_t most_time = sizeof("Ahhmmss.123456789") - 1;
-    if (!starts_with_clock(time) || time.size() > most_time) {
+    if (is_letter_and_clock(time) && time[0] != message_letter) return LineResult::nothing;
+    if (!is_letter_and_clock(time) || time.size() > most_time) {
         describe(problem, "time ", quoted(time), " is not Ahhmmss.mmm");
         return LineResult::problem;
     }
@@ -60,13 +63,10 @@ LineResult ActisenseAsciiFormat::read(std::string_view line, Record& record, Pro
     }
     msg.source = static_cast<std::uint8_t>(header >> 12);
     msg.destination = static_cast<std::uint8_t>(header >> 4);
-    msg.priority = static_cast<std::uint8_t>(header & 15);
-    if (msg.priority > 7) {
-        describe(problem, "priority ", unsigned{msg.priority}, " is above ", 7u);
-        return LineResult::problem;
-    }
+    msg.priority = static_cast<std::uint8_t>(header & 7);
     record.kind = Record::Kind::message;
-    return read_packed_bytes(line, N2K_MAX_PAYLOAD, msg, problem) ? LineResult::record : LineResult::problem;
+    return read_packed_bytes(take_word(line), N2K_MAX_PAYLOAD, msg, problem) ? LineResult::record
+                                                                             : LineResult::problem;
 }
 
 }  // namespace vistel

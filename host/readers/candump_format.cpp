@@ -4,6 +4,8 @@
 #include <bit>
 #include <cassert>
 #include <cstring>
+#include <optional>
+#include <span>
 
 #include "can/identifier.h"
 #include "readers/scan.h"
@@ -17,7 +19,7 @@ namespace {
 
 /// A line taken apart: what identifies the frame, and the text of its data.
 struct Shape {
-    enum class Kind { none, spaced, packed, flexible_rate } kind = Kind::none;
+    enum class Kind { none, spaced, packed, other_frame } kind = Kind::none;
     std::string_view identifier;
     std::string_view length;  ///< spaced alone
     std::string_view data;
@@ -30,13 +32,16 @@ std::string_view last_word(std::string_view text) {
     return text.substr(start);
 }
 
-/// `... IDENTIFIER  [8]  00 FC` or `<0xIDENTIFIER> [8] 00 fc`.
+/// `... IDENTIFIER  [8]  00 FC` or `<0xIDENTIFIER> [8] 00 fc`; in braces stands the length code of the frame.
 bool take_spaced(std::string_view line, Shape& shape) {
-    for (std::size_t open = line.find('['); open != std::string_view::npos; open = line.find('[', open + 1)) {
+    for (std::size_t open = line.find_first_of("[{"); open != std::string_view::npos;
+         open = line.find_first_of("[{", open + 1)) {
+        const bool is_code = line[open] == '{';
         std::size_t close = open + 1;
-        while (close < line.size() && is_digit(line[close])) ++close;
+        while (close < line.size() && (is_code ? hex_digit(line[close]) < not_hex : is_digit(line[close])))
+            ++close;
         if (open == 0 || !is_blank(line[open - 1]) || close == open + 1 || close == line.size() ||
-            line[close] != ']') {
+            line[close] != (is_code ? '}' : ']')) {
             continue;
         }
         shape.identifier = last_word(line.substr(0, open));
@@ -45,21 +50,23 @@ bool take_spaced(std::string_view line, Shape& shape) {
         }
         shape.length = line.substr(open + 1, close - open - 1);
         shape.data = trimmed(line.substr(close + 1));
-        // A length of two digits is how flexible data rate frames of any size are printed.
-        shape.kind = shape.length.size() == 1 ? Shape::Kind::spaced : Shape::Kind::flexible_rate;
+        // A length of more digits is how frames of other kinds are printed, whatever their size.
+        shape.kind = shape.length.size() == 1 ? Shape::Kind::spaced : Shape::Kind::other_frame;
         return true;
     }
     return false;
 }
 
-/// `... IDENTIFIER#00FC`, `##` for flexible data rate.
+/// `... IDENTIFIER#00FC`; a second `#` for other kinds of frames.
 void take_packed(std::string_view line, Shape& shape) {
-    const std::size_t hash = line.rfind('#');
-    if (hash == std::string_view::npos) return;
-    const bool flexible = hash > 0 && line[hash - 1] == '#';
-    shape.identifier = last_word(line.substr(0, flexible ? hash - 1 : hash));
+    const std::size_t last_hash = line.rfind('#');
+    if (last_hash == std::string_view::npos) return;
+    std::size_t start = last_hash;
+    while (start > 0 && !is_blank(line[start - 1])) --start;
+    const std::size_t hash = line.find('#', start);
+    shape.identifier = line.substr(start, hash - start);
     shape.data = line.substr(hash + 1);
-    shape.kind = flexible ? Shape::Kind::flexible_rate : Shape::Kind::packed;
+    shape.kind = hash == last_hash ? Shape::Kind::packed : Shape::Kind::other_frame;
 }
 
 Shape shape_of(std::string_view line) {
@@ -67,6 +74,35 @@ Shape shape_of(std::string_view line) {
     if (!take_spaced(line, shape)) take_packed(line, shape);
     return shape;
 }
+
+/// Words about an error frame, which stand in lines of their own behind it: `bus-off`,
+/// `lost-arbitration{at bit 3}`.
+bool explains_error(std::string_view line) {
+    const std::string_view word = line.substr(0, line.find_first_of("{,"));
+    return word.find('-') != std::string_view::npos &&
+           std::all_of(word.begin(), word.end(), [](char c) { return c == '-' || (c >= 'a' && c <= 'z'); });
+}
+
+constexpr std::string_view drop_mark = "DROPCOUNT: dropped ";
+
+/// Without what sets colours (ESC [ ... letter), in `room`; the line itself where there is none.
+std::string_view without_colours(std::string_view line, std::span<char> room) {
+    constexpr char escape = '\x1B';
+    if (line.find(escape) == std::string_view::npos) return line;
+    std::size_t size = 0;
+    for (std::size_t at = 0; at < line.size() && size < room.size(); ++at) {
+        if (line[at] == escape) {
+            at += 1;
+            while (at < line.size() && !(line[at] >= 'A' && line[at] <= 'z' && line[at] != '[')) ++at;
+        } else {
+            room[size++] = line[at];
+        }
+    }
+    return trimmed({room.data(), size});
+}
+
+/// More than any line about a frame takes.
+constexpr std::size_t colour_room = 1024;
 
 enum class FrameType { nmea2000, foreign, bad };
 
@@ -81,11 +117,53 @@ FrameType read_frame_identifier(std::string_view text, std::uint32_t& identifier
     return read_identifier(text, identifier, problem) ? FrameType::nmea2000 : FrameType::bad;
 }
 
-LineResult read_spaced(const Shape& shape, N2KMsg& msg, Problem& problem) {
+/// Reads words of two hexadecimal digits or eight binary ones. Back quotes between them tell that the last
+/// byte comes first.
+bool read_printed_bytes(std::string_view text, N2KMsg& msg, Problem& problem) {
+    constexpr std::size_t binary_digits = 8;
+    const auto is_separator = [](char c) { return is_blank(c) || c == '`'; };
+    unsigned count = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        if (is_separator(text[at])) {
+            ++at;
+            continue;
+        }
+        std::size_t end = at;
+        while (end < text.size() && !is_separator(text[end])) ++end;
+        const std::string_view word = text.substr(at, end - at);
+        std::uint32_t value = 0;
+        if (word.size() == binary_digits && word.find_first_not_of("01") == std::string_view::npos) {
+            for (const char c : word) value = value * 2 + static_cast<unsigned>(c - '0');
+        } else if (word.size() != 2 || !parse_hex(word, value)) {
+            describe_bad_byte(problem, count + 1, word);
+            return false;
+        }
+        if (count == max_frame_bytes) {
+            describe(problem, "more than ", max_frame_bytes, " bytes given");
+            return false;
+        }
+        msg.data[count++] = static_cast<std::uint8_t>(value);
+        at = end;
+    }
+    if (text.find('`') != std::string_view::npos) std::reverse(msg.data, msg.data + count);
+    msg.length = static_cast<std::uint16_t>(count);
+    return true;
+}
+
+/// The bytes without the picture of them as text, which stands in quotes behind a blank.
+std::string_view without_picture(std::string_view data) {
+    for (std::size_t at = 0; at < data.size(); ++at) {
+        if ((data[at] == '\'' || data[at] == '`') && (at == 0 || is_blank(data[at - 1])))
+            return data.substr(0, at);
+    }
+    return data;
+}
+
+LineResult read_spaced(const Shape& shape, bool is_code, N2KMsg& msg, Problem& problem) {
     if (shape.data.starts_with("remote request")) return LineResult::foreign;
-    const std::string_view bytes = shape.data.substr(0, shape.data.find('\''));
-    if (!read_spaced_bytes(bytes, max_frame_bytes, msg, problem)) return LineResult::problem;
-    const auto announced = static_cast<unsigned>(shape.length[0] - '0');
+    if (!read_printed_bytes(without_picture(shape.data), msg, problem)) return LineResult::problem;
+    unsigned announced = hex_digit(shape.length[0]);
+    if (is_code) announced = std::min(announced, max_frame_bytes);
     if (announced > max_frame_bytes) {
         describe(problem, "data length ", announced, " is above ", max_frame_bytes);
         return LineResult::problem;
@@ -97,14 +175,22 @@ LineResult read_spaced(const Shape& shape, N2KMsg& msg, Problem& problem) {
     return LineResult::record;
 }
 
+/// Reads `0102`, `01.02`, and behind eight bytes `_C`, the length code that was sent for them.
 LineResult read_packed(const Shape& shape, N2KMsg& msg, Problem& problem) {
     const std::size_t size = std::min(shape.data.find_first_of(" \t"), shape.data.size());
-    const std::string_view bytes = shape.data.substr(0, size);
+    std::string_view bytes = shape.data.substr(0, size);
     const std::string_view direction = trimmed(shape.data.substr(size));
     if (bytes.starts_with('R')) return LineResult::foreign;
     if (!direction.empty() && direction != "R" && direction != "T") {
         describe(problem, quoted(direction), " follows the data");
         return LineResult::problem;
+    }
+    if (bytes.size() >= 2 && bytes[bytes.size() - 2] == '_') bytes.remove_suffix(2);
+    char joined[3 * max_frame_bytes];
+    if (bytes.size() < sizeof joined && bytes.find('.') != std::string_view::npos) {
+        const char* const end =
+            std::copy_if(bytes.begin(), bytes.end(), joined, [](char c) { return c != '.'; });
+        bytes = {joined, static_cast<std::size_t>(end - joined)};
     }
     return read_packed_bytes(bytes, max_frame_bytes, msg, problem) ? LineResult::record : LineResult::problem;
 }
@@ -157,6 +243,8 @@ const char* read_usual_packed_data(const char* p, N2KMsg& msg) {
 }  // namespace
 
 bool CandumpFormat::resembles(std::string_view line) {
+    char room[colour_room];
+    line = without_colours(line, room);
     const Shape shape = shape_of(line);
     std::uint32_t identifier = 0;
     return shape.kind != Shape::Kind::none && shape.identifier.size() >= 3 &&
@@ -174,7 +262,11 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
     const std::string_view text = trimmed(line.substr(1, close - 1));
     line.remove_prefix(close + 1);
     if (text.find(':') == std::string_view::npos) {
-        if (parse_seconds(text, time)) return true;
+        if (parse_seconds(text, time)) {
+            if (counting_ == Counting::from_last_line && time.origin == RecordTime::Origin::start)
+                time = later({since_start_, {}}, time.nanoseconds), since_start_ = time.nanoseconds;
+            return true;
+        }
         describe(problem, "time ", quoted(text), " is not a number of seconds");
         return false;
     }
@@ -187,19 +279,58 @@ bool CandumpFormat::take_time(std::string_view& line, RecordTime& time, Problem&
     return true;
 }
 
+namespace {
+
+/// The seconds at the beginning of a line since whatever start, or nothing.
+std::optional<std::int64_t> seconds_since_start(std::string_view line) {
+    char room[colour_room];
+    line = without_colours(line, room);
+    RecordTime time;
+    if (line.empty() || line[0] != '(' || !parse_seconds(line.substr(1, line.find(')') - 1), time) ||
+        time.origin != RecordTime::Origin::start) {
+        return std::nullopt;
+    }
+    return time.nanoseconds;
+}
+
+}  // namespace
+
+/// Both ways of counting begin with a line at 0.
+bool CandumpFormat::depends_on_later(std::string_view line) {
+    if (counting_ == Counting::unknown && resembles(line) && seconds_since_start(line) != 0) settle();
+    return counting_ == Counting::unknown && resembles(line);
+}
+
+void CandumpFormat::foresee(std::string_view line) {
+    constexpr unsigned most_lines = 32;
+    const auto seconds = seconds_since_start(line);
+    if (!seconds) return;
+    if (*seconds < last_seen_) {
+        counting_ = Counting::from_last_line;
+    } else if (++lines_seen_ == most_lines) {
+        settle();
+    }
+    last_seen_ = *seconds;
+}
+
 LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& problem) {
-    if (line.starts_with("interface = ")) return LineResult::nothing;  // the heading of old versions
+    char room[colour_room];
+    line = without_colours(line, room);
+    if (line.empty() || line.starts_with("interface = ")) return LineResult::nothing;  // an old heading
+    if (line.starts_with(drop_mark)) {
+        std::string_view rest = line.substr(drop_mark.size());
+        describe(problem, "frames are missing here: candump dropped ", take_word(rest));
+        return LineResult::problem;
+    }
     const bool timed = line[0] == '(';
     if (!take_time(line, record.time, problem)) return LineResult::problem;
     const Shape shape = shape_of(line);
     if (shape.kind == Shape::Kind::none) {
+        if (explains_error(line)) return LineResult::nothing;
         describe(problem, quoted(trimmed(line)), " has neither [length] nor # before its data");
         return LineResult::problem;
     }
-    if (shape.kind == Shape::Kind::flexible_rate) {
-        describe(problem, "a CAN FD frame cannot be NMEA 2000");
-        return LineResult::problem;
-    }
+    if (shape.kind == Shape::Kind::other_frame) return LineResult::foreign;
     std::uint32_t identifier = 0;
     switch (read_frame_identifier(shape.identifier, identifier, problem)) {
         case FrameType::bad: return LineResult::problem;
@@ -208,16 +339,24 @@ LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& p
     }
     record.kind = Record::Kind::frame;
     set_header(record.msg, identifier);
+    const auto part = [](const char* begin, const char* end) {
+        return std::string_view(begin, static_cast<std::size_t>(end - begin));
+    };
+    const std::string_view before = part(line.data(), shape.identifier.data());
+    const std::string_view behind =
+        part(shape.identifier.data() + shape.identifier.size(), shape.data.data());
     const bool spaced = shape.kind == Shape::Kind::spaced;
+    const bool is_code = spaced && behind.find('{') != std::string_view::npos;
     const LineResult result =
-        spaced ? read_spaced(shape, record.msg, problem) : read_packed(shape, record.msg, problem);
+        spaced ? read_spaced(shape, is_code, record.msg, problem) : read_packed(shape, record.msg, problem);
     if (result == LineResult::record) {
-        const auto part = [](const char* begin, const char* end) {
-            return std::string_view(begin, static_cast<std::size_t>(end - begin));
-        };
-        const char* const behind = shape.identifier.data() + shape.identifier.size();
+        std::string_view rest = before;
+        const std::string_view interface = take_word(rest);
+        record.bus = interface.starts_with("<0x") ? 0 : buses_.number_of(interface);
+        if (is_code) return result;  // which stands for lengths in another way
         Layout& layout = layouts_[next_layout_++ % layouts_.size()];
-        layout.learn(timed, part(line.data(), shape.identifier.data()), part(behind, shape.data.data()));
+        layout.learn(timed, before, behind);
+        layout.bus = record.bus;
     }
     return result;
 }
@@ -274,6 +413,7 @@ const char* CandumpFormat::read_usual(std::string_view text, Record& record) con
         layout->spaced ? read_usual_spaced_data(p, count, record.msg) : read_usual_packed_data(p, record.msg);
     if (end == nullptr) return nullptr;
     record.kind = Record::Kind::frame;
+    record.bus = layout->bus;
     set_header(record.msg, identifier);
     return end;
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "readers/bus_names.h"
 #include "readers/line_format.h"
 #include "readers/timestamp.h"
 #include "text/character_pattern.h"
@@ -12,17 +13,24 @@ namespace vistel {
 ///   (1502979132.106111)  can0  09F8027F   [8]  00 FC ...
 ///   (1502979132.106111) can0 09F50374#000A00FF...
 ///   <0x18eeff01> [8] 05 a0 ...
-/// The time in parentheses may be missing, or be date and time. What stands between it and the identifier,
-/// the interface and perhaps a direction, is ignored, and so is the text picture of the data behind it.
+/// The time in parentheses may be missing, be date and time, or count from the first line or the line before,
+/// which shows when it falls. Between it and the identifier stands the
+/// interface, which is the bus, and perhaps a direction. The text picture of the data and colours are
+/// ignored. Data may be binary, or have its last byte first, with back quotes in between.
 ///
-/// 11-bit frames, remote requests and the controller's error frames are on a bus for other reasons and are
-/// foreign. CAN FD frames, which cannot occur on an NMEA 2000 bus, are problems.
+/// 11-bit frames, remote requests, the controller's error frames and frames with a flexible data rate are on
+/// a bus for other reasons and are foreign. Frames that candump says it has dropped are a problem.
 class CandumpFormat : public IndependentLines {
   public:
     static bool resembles(std::string_view line);
 
     LineResult read(std::string_view line, Record& record, Problem& problem);
     const char* read_usual(std::string_view text, Record& record) const;
+    bool is_settled() const { return counting_ != Counting::unknown; }
+    bool depends_on_later(std::string_view line);
+    void foresee(std::string_view line);
+    void settle() { counting_ = Counting::from_one_start; }
+    std::string_view bus_name(std::uint8_t bus) const { return buses_.name_of(bus); }
 
   private:
     /// What a line that read() took has around its identifier; most lines of a recording have the same, or
@@ -32,18 +40,27 @@ class CandumpFormat : public IndependentLines {
 
         bool known = false;
         bool timed = false;
-        bool spaced = false;         ///< `behind` has the length in brackets
-        unsigned length_at = 0;      ///< in `behind`
+        bool spaced = false;     ///< `behind` has the length in brackets
+        unsigned length_at = 0;  ///< in `behind`
+        std::uint8_t bus = 0;
         CharacterPattern<2> before;  ///< from behind the time on
         CharacterPattern<1> behind;  ///< up to the data
     };
+
+    /// What times count from.
+    enum class Counting { unknown, from_one_start, from_last_line };
 
     bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
     const char* read_usual_time(const char* p, RecordTime& time) const;
 
     std::array<Layout, 4> layouts_;
+    BusNames buses_;
     unsigned next_layout_ = 0;
     TimestampParser timestamps_;
+    Counting counting_ = Counting::unknown;
+    std::int64_t since_start_ = 0;  // of the last line, when times count from the line before
+    std::int64_t last_seen_ = -1;   // by foresee()
+    unsigned lines_seen_ = 0;
 };
 
 }  // namespace vistel

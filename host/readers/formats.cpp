@@ -12,11 +12,11 @@ namespace vistel {
 namespace {
 
 template <class AnyFormat>
-std::unique_ptr<RecordReader> open_reader(ByteSource& source) {
+std::unique_ptr<RecordReader> open_reader(ByteSource& source, [[maybe_unused]] ContentKind contents) {
     if constexpr (BlockFormat<AnyFormat>) {
         return std::make_unique<BlockReader<AnyFormat>>(source);
     } else {
-        return std::make_unique<LineReader<AnyFormat>>(source);
+        return std::make_unique<LineReader<AnyFormat>>(source, contents);
     }
 }
 
@@ -47,10 +47,8 @@ Result<const Format*> find_format(std::string_view name) {
 
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole) {
     assert(passed <= head.size());
-    if (passed == 0) {
-        for (const Format& format : formats) {
-            if (format.begins != nullptr && format.begins(head)) return &format;
-        }
+    for (const Format& format : formats) {
+        if (format.begins != nullptr && format.begins(head)) return &format;
     }
     std::string_view rest = head.substr(passed), line;
     for (;;) {

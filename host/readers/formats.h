@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "readers/byte_source.h"
+#include "readers/content_kind.h"
 #include "readers/record_reader.h"
 #include "text/result.h"
 
@@ -22,7 +23,7 @@ struct Format {
     /// Whether the beginning of a recording speaks for it; null for formats that lines tell.
     bool (*begins)(std::string_view head);
 
-    std::unique_ptr<RecordReader> (*open)(ByteSource& source);
+    std::unique_ptr<RecordReader> (*open)(ByteSource& source, ContentKind contents);
 };
 
 std::span<const Format> all_formats();
@@ -32,8 +33,8 @@ Result<const Format*> find_format(std::string_view name);
 
 /// The format that the beginning of `head` speaks for, or else the first line that speaks for any, or null;
 /// of several the one that comes first among all_formats(). `head` is the beginning of a recording, `whole`
-/// tells that nothing follows. `passed` are its bytes that have been looked at, 0 at first, so that a head
-/// which grows is looked at once.
+/// tells that nothing follows. `passed` are its bytes whose lines have been looked at, 0 at first, so that
+/// the lines of a head which grows are looked at once.
 const Format* recognise_format(std::string_view head, std::size_t& passed, bool whole);
 
 /// "plain, candump, ..."

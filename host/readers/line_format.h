@@ -23,22 +23,32 @@ enum class [[nodiscard]] LineResult{
 /// for: `text` begins with it and may go on behind it. It returns the line's end, or null for a line of any
 /// other shape or one that is not there as a whole, which leaves the payload and its length as they were
 /// unless `read` would tell a problem. `comment` gets the lines that begin with `#`, which are comments in
-/// every format. As long as `wants_look_ahead`, lines to come may change how the first ones are understood:
-/// where the recording allows it, its beginning is shown to the format once before it is read.
+/// every format.
 template <class Format>
 concept LineFormat = requires(Format format, std::string_view line, Record& record, Problem& problem) {
     { Format::resembles(line) } -> std::same_as<bool>;
     { format.read(line, record, problem) } -> std::same_as<LineResult>;
     { format.read_usual(line, record) } -> std::same_as<const char*>;
     { format.comment(line) } -> std::same_as<void>;
-    { format.wants_look_ahead() } -> std::same_as<bool>;
+};
+
+/// A format whose lines may be understood in several ways, of which the lines behind them tell. As long as it
+/// is not settled, the reader asks of the next line whether that `depends_on_later` ones; if so, it shows
+/// the format this line and those behind it by `foresee` until the format is settled, and has it `settle`
+/// for the likeliest way when there are no more, or too many. Lines that are comments are not asked about,
+/// but foreseen. What came of it depends on the bytes alone, and not on how they came.
+template <class Format>
+concept ForesightedFormat = LineFormat<Format> && requires(Format format, std::string_view line) {
+    { format.is_settled() } -> std::same_as<bool>;
+    { format.depends_on_later(line) } -> std::same_as<bool>;
+    { format.foresee(line) } -> std::same_as<void>;
+    { format.settle() } -> std::same_as<void>;
 };
 
 /// What formats have in common whose lines stand for themselves.
 struct IndependentLines {
     static const char* read_usual(std::string_view, Record&) { return nullptr; }
     static void comment(std::string_view) {}
-    static constexpr bool wants_look_ahead() { return false; }
 };
 
 }  // namespace vistel

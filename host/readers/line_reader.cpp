@@ -12,18 +12,16 @@ bool take_line(std::string_view& text, std::string_view& line) {
     return true;
 }
 
+bool take_rest(std::string_view& text, std::string_view& line) {
+    line = trimmed(text);
+    text.remove_prefix(text.size());
+    return !line.empty();
+}
+
 std::string_view without_mark(std::string_view text) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text.starts_with(mark)) text.remove_prefix(mark.size());
     return text;
-}
-
-std::string_view Lines::beginning() {
-    if (!source_.is_file()) return {};
-    while (source_.unread().size() < ByteSource::capacity &&
-           source_.fill(ByteSource::Wait::yes) == ByteSource::Fill::data) {
-    }
-    return without_mark(source_.unread());
 }
 
 Lines::Found Lines::find(ByteSource::Wait wait) {

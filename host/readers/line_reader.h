@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "readers/byte_source.h"
+#include "readers/content_kind.h"
 #include "readers/line_format.h"
 #include "readers/record_reader.h"
 #include "text/words.h"
@@ -17,6 +18,9 @@ constexpr std::size_t max_line = 16384;
 /// Cuts the next line with its line end off `text`; false when there is no complete one. `line` gets it
 /// without the blanks around it. The last line of all may lack its end: that is for the caller.
 bool take_line(std::string_view& text, std::string_view& line);
+
+/// Cuts the rest off `text` as the last line, if there is any.
+bool take_rest(std::string_view& text, std::string_view& line);
 
 /// `text`, which begins a recording, without the byte order mark that some editors put there.
 std::string_view without_mark(std::string_view text);
@@ -45,8 +49,13 @@ class Lines {
     /// Number of the line that was taken last, from 1.
     std::uint64_t number() const { return number_; }
 
-    /// What is there of a file's beginning, before the first line is taken. Empty for a pipe or terminal.
-    std::string_view beginning();
+    /// What has come and is not taken.
+    std::string_view unread() const {
+        return number_ == 0 ? without_mark(source_.unread()) : source_.unread();
+    }
+    bool ended() const { return source_.ended(); }
+    /// Has some more come. False when that takes a wait which is not wanted, or was cut short.
+    bool fetch(ByteSource::Wait wait) { return source_.fill(wait) != ByteSource::Fill::idle; }
 
   private:
     enum class Found { line, too_long, idle, failed, end };
@@ -85,11 +94,14 @@ inline bool Lines::take_ready_line(std::string_view& line) {
 template <LineFormat Format>
 class LineReader final : public RecordReader {
   public:
-    explicit LineReader(ByteSource& source) : lines_(source) {
-        if (format_.wants_look_ahead()) look_ahead();
+    explicit LineReader(ByteSource& source, ContentKind contents = ContentKind::as_it_seems)
+        : lines_(source) {
+        if constexpr (requires { format_.set_contents(contents); }) format_.set_contents(contents);
     }
 
     ReadResult next(Record& record, Problem& problem) override {
+        if (!settle(ByteSource::Wait::yes)) [[unlikely]]
+            return ReadResult::nothing;
         const char* const end = format_.read_usual(lines_.ahead(), record);
         if (end == nullptr) [[unlikely]]
             return next_of_any_shape(record, problem);
@@ -97,7 +109,7 @@ class LineReader final : public RecordReader {
         return ReadResult::record;
     }
 
-    bool would_wait() override { return lines_.would_wait(); }
+    bool would_wait() override { return !settle(ByteSource::Wait::no) || lines_.would_wait(); }
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
     std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
@@ -122,28 +134,56 @@ class LineReader final : public RecordReader {
         return ReadResult::nothing;
     }
 
-    /// Shows the format the beginning of a file. What its lines hold is read again later.
-    void look_ahead() {
-        std::string_view text = lines_.beginning(), line;
-        Record record;
-        Problem problem;
-        while (format_.wants_look_ahead()) {
-            if (const char* const end = format_.read_usual(text, record); end != nullptr) {
-                text.remove_prefix(static_cast<std::size_t>(end + 1 - text.data()));
-                continue;
-            }
-            if (!take_line(text, line)) break;
-            if (line.empty()) continue;
-            if (line[0] == '#') {
-                format_.comment(line);
-            } else {
-                (void)format_.read(line, record, problem);
-            }
+    /// Shows the format what follows, where its next line cannot be understood without. False when that has
+    /// not come.
+    bool settle(ByteSource::Wait wait) {
+        if constexpr (ForesightedFormat<Format>) {
+            if (!format_.is_settled()) [[unlikely]]
+                return look_ahead(wait);
         }
+        return true;
+    }
+
+    [[gnu::noinline]] bool look_ahead(ByteSource::Wait wait) {
+        constexpr std::size_t most_ahead = 65536;
+        for (;;) {
+            const std::string_view ahead = lines_.unread().substr(0, most_ahead);
+            const bool is_whole = lines_.ended() && ahead.size() < most_ahead;
+            const bool is_all = is_whole || ahead.size() == most_ahead;
+            std::string_view text = ahead, next, line;
+            const auto take = [&](std::string_view& taken) {
+                return take_line(text, taken) || (is_whole && take_rest(text, taken));
+            };
+            bool is_clear = take(next) ? !depends_on_later(next) : is_all;
+            text = ahead.substr(foreseen_);
+            while (!is_clear && take(line)) {
+                if (line.starts_with('#')) {
+                    format_.comment(line);
+                } else if (!line.empty()) {
+                    format_.foresee(line);
+                }
+                foreseen_ = ahead.size() - text.size();
+                is_clear = !depends_on_later(next);
+            }
+            if (!is_clear && is_all) {
+                format_.settle();
+                is_clear = true;
+            }
+            if (is_clear) {
+                foreseen_ = 0;
+                return true;
+            }
+            if (!lines_.fetch(wait)) return false;
+        }
+    }
+
+    bool depends_on_later(std::string_view line) {
+        return !line.empty() && line[0] != '#' && format_.depends_on_later(line);
     }
 
     Lines lines_;
     Format format_;
+    std::size_t foreseen_ = 0;  // unread bytes that a format which is not settled has been shown
     std::uint64_t foreign_frames_ = 0;
 };
 

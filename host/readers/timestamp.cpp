@@ -16,11 +16,6 @@ constexpr std::int64_t day = 24 * hour;
 
 constexpr std::int64_t last_second = 9'214'646'399;  // end of 2261, as for dates
 
-RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
-    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
-    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
-}
-
 constexpr unsigned not_a_number = 1000;
 
 /// Two decimal digits, or `not_a_number`.
@@ -76,7 +71,7 @@ Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
     if (hours > 23 || minutes > 59 || seconds > 60) return "there is no such time of day";
     std::int64_t nanoseconds = hours * hour + minutes * minute + seconds * second;
     text.remove_prefix(8);
-    if (!text.empty() && text[0] == '.') {
+    if (!text.empty() && (text[0] == '.' || text[0] == ',')) {
         text.remove_prefix(1);
         std::int64_t fraction = 0;
         if (!take_fraction(text, fraction)) return "the decimals are missing";
@@ -91,6 +86,11 @@ Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
 
 }  // namespace
 
+RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
+    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
+    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+}
+
 Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const unsigned century = two_digits(date.data()), year_of_century = two_digits(date.data() + 2);
     const unsigned month = two_digits(date.data() + 5), day_of_month = two_digits(date.data() + 8);
@@ -100,8 +100,8 @@ Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const auto calendar_day =
         std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day_of_month);
     if (!calendar_day.ok()) return "there is no such date";
-    if (year < 1970 || year > 2261) return "its year is outside 1970..2261";
-    midnight_ = std::chrono::sys_days(calendar_day).time_since_epoch().count() * day;
+    is_dated_ = year >= 1970 && year <= 2261;
+    midnight_ = !is_dated_ ? 0 : std::chrono::sys_days(calendar_day).time_since_epoch().count() * day;
     std::memcpy(date_, date.data(), date_size);
     return done;
 }
@@ -121,6 +121,7 @@ Result<RecordTime, const char*> TimestampParser::parse(std::string_view text) {
     }
     auto time = parse_time_of_day(text.substr(date_size + 1));
     if (!time) return time.error();
+    if (!is_dated_) return RecordTime{(*time + day) % day, RecordTime::Origin::day};
     const unsigned hours = two_digits(text.data() + 11), minutes = two_digits(text.data() + 14);
     minute_start_ = midnight_ + hours * hour + minutes * minute;
     std::memcpy(minute_, text.data(), minute_size);
@@ -147,6 +148,47 @@ const char* TimestampParser::read_usual(const char* p, RecordTime& time) const {
         p += decimals.size();
     }
     return p + (*p == 'Z' ? 1 : 0);
+}
+
+bool parse_duration(std::string_view text, std::int64_t unit, std::int64_t& nanoseconds) {
+    const std::int64_t longest = 3650 * day;
+    std::int64_t whole = 0, fraction = 0;
+    std::size_t size = 0;
+    for (; size < text.size() && is_digit(text[size]); ++size) {
+        whole = whole * 10 + (text[size] - '0');
+        if (whole > longest / unit) return false;
+    }
+    if (size == 0) return false;
+    text.remove_prefix(size);
+    if (!text.empty()) {
+        if (text[0] != '.') return false;
+        text.remove_prefix(1);
+        if (!take_fraction(text, fraction) || !text.empty()) return false;
+    }
+    nanoseconds = whole * unit + fraction * unit / second;
+    return true;
+}
+
+RecordTime later(const RecordTime& start, std::int64_t nanoseconds) {
+    RecordTime time{0, start.origin == RecordTime::Origin::none ? RecordTime::Origin::start : start.origin};
+    if (__builtin_add_overflow(start.nanoseconds, nanoseconds, &time.nanoseconds))
+        time.nanoseconds = start.nanoseconds;
+    return time;
+}
+
+bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day_of_month,
+               std::int64_t since_midnight, RecordTime& time) {
+    if (year > 9999 || month > 12 || day_of_month > 31) return false;
+    const auto calendar_day = std::chrono::year(static_cast<int>(year)) / std::chrono::month(month) /
+                              std::chrono::day(day_of_month);
+    if (!calendar_day.ok()) return false;
+    if (year < 1970 || year > 2261) {
+        time = {since_midnight, RecordTime::Origin::day};
+    } else {
+        const std::int64_t days = std::chrono::sys_days(calendar_day).time_since_epoch().count();
+        time = {days * day + since_midnight, RecordTime::Origin::epoch};
+    }
+    return true;
 }
 
 bool read_usual_seconds(const char* p, RecordTime& time) {

@@ -12,7 +12,8 @@ namespace vistel {
 ///   2016-02-28T19:57:02.364Z   T, `-`, Z or a blank between date and time
 ///   2016-02-28-21:57:02+02:00  offsets also as +0200 and +02; without one the time is UTC
 ///   19:57:02.364               time of day alone
-/// with up to nine decimals, for the years 1970 to 2261 (nanoseconds in 64 bits end in 2262).
+/// with up to nine decimals. Of a date outside the years 1970 to 2261 (nanoseconds in 64 bits end in 2262),
+/// which a clock has that was never set, the time of day alone is taken.
 class TimestampParser {
   public:
     /// Of a text that is something else the result says so, as in "there is no such date".
@@ -31,14 +32,30 @@ class TimestampParser {
     // minute.
     static constexpr std::size_t date_size = 10, minute_size = sizeof "2016-02-28T19:57:" - 1;
     char date_[date_size] = {};
+    bool is_dated_ = false;              // whether date_ is within the years that can be told
     std::int64_t midnight_ = 0;          // of date_, in nanoseconds
     char minute_[minute_size] = {'\n'};  // which no time stamp begins with
     std::int64_t minute_start_ = 0;
 };
 
-/// Seconds with up to nine decimals: `1502979132.106111`. From 1973 on taken as seconds since 1970, below as
-/// seconds since an unknown start.
+/// What a clock counts from that may not have been set: from 1973 on seconds since 1970, below seconds since
+/// an unknown start.
+RecordTime::Origin origin_of_seconds(std::int64_t seconds);
+
+/// Seconds of such a clock with up to nine decimals: `1502979132.106111`.
 bool parse_seconds(std::string_view text, RecordTime& time);
+
+/// A number with up to nine decimals of a unit of so many nanoseconds, a second at most: `12.5` milliseconds.
+/// False above ten years.
+bool parse_duration(std::string_view text, std::int64_t unit, std::int64_t& nanoseconds);
+
+/// `start` and a time that runs since then. Where no start is known, neither is it of the sum.
+RecordTime later(const RecordTime& start, std::int64_t nanoseconds);
+
+/// A day and the nanoseconds since its midnight; false where there is no such day. As for dates that are
+/// text, of years that cannot be told the time of day remains.
+bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day, std::int64_t since_midnight,
+               RecordTime& time);
 
 /// The same for the usual shape and the parenthesis behind it, the 18 characters `1502979132.106111)`. False
 /// for anything else.

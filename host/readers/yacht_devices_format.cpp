@@ -6,6 +6,11 @@
 #include "text/words.h"
 
 namespace vistel {
+namespace {
+
+constexpr std::size_t identifier_digits = 8;
+
+}  // namespace
 
 bool YachtDevicesFormat::resembles(std::string_view line) {
     const std::string_view time = take_word(line);
@@ -14,22 +19,26 @@ bool YachtDevicesFormat::resembles(std::string_view line) {
 }
 
 LineResult YachtDevicesFormat::read(std::string_view line, Record& record, Problem& problem) {
-    const std::string_view time = take_word(line);
-    auto parsed = timestamps_.parse(time);
-    if (!parsed) {
-        describe(problem, "time ", quoted(time), ": ", parsed.error());
-        return LineResult::problem;
-    }
-    record.time = *parsed;
-    const std::string_view direction = take_word(line);
-    if (direction != "R" && direction != "T") {
-        describe(problem, "direction ", quoted(direction), " is neither R nor T");
-        return LineResult::problem;
+    std::string_view word = take_word(line);
+    record.time = {};
+    const bool is_order = word.size() == identifier_digits && word.find(':') == std::string_view::npos;
+    if (!is_order) {
+        auto parsed = timestamps_.parse(word);
+        if (!parsed) {
+            describe(problem, "time ", quoted(word), ": ", parsed.error());
+            return LineResult::problem;
+        }
+        record.time = *parsed;
+        const std::string_view direction = take_word(line);
+        if (direction != "R" && direction != "T") {
+            describe(problem, "direction ", quoted(direction), " is neither R nor T");
+            return LineResult::problem;
+        }
+        word = take_word(line);
     }
     std::uint32_t identifier = 0;
-    if (!read_identifier(take_word(line), identifier, problem)) return LineResult::problem;
-    record.kind = Record::Kind::frame;
-    set_header(record.msg, identifier);
+    if (!read_identifier(word, identifier, problem)) return LineResult::problem;
+    set_frame(record, identifier);
     return read_spaced_bytes(line, max_frame_bytes, record.msg, problem) ? LineResult::record
                                                                          : LineResult::problem;
 }

@@ -28,6 +28,13 @@ std::uint64_t key_of(const N2KMsg& frame) {
            std::uint64_t{frame.destination} << 3 | sequence_of(frame.data[0]);
 }
 
+std::uint32_t pgn_of(std::uint64_t key) {
+    return static_cast<std::uint32_t>(key >> 19);
+}
+std::uint8_t source_of(std::uint64_t key) {
+    return static_cast<std::uint8_t>(key >> 11);
+}
+
 }  // namespace
 
 /// Whether a stored frame other than 0 belongs to the announced message, with all that is due to it.
@@ -56,17 +63,46 @@ std::size_t FastPackets::open(std::uint64_t key, const Moment& now) {
     const std::size_t i = slots_.add(key, now);
     slots_[i].received = 0;
     slots_[i].overtaken_by = 0;
+    slots_[i].paused_behind = 0;
     return i;
 }
 
 void FastPackets::abandon(std::size_t i) {
     const Slot& slot = slots_[i];
+    const std::uint64_t key = slots_.key(i);
+    const auto received = static_cast<unsigned>(std::popcount(slot.received));
     if (slot.announced()) {
-        ++counters_.incomplete_fast_packets;
+        const auto missing = static_cast<unsigned>(std::popcount(slot.all)) - received;
+        losses_.incomplete_fast_packet(pgn_of(key), source_of(key), missing);
     } else {
-        counters_.orphan_frames += static_cast<unsigned>(std::popcount(slot.received));
+        lose_orphans(key, received);
     }
     slots_.remove(i);
+}
+
+void FastPackets::lose_orphans(std::uint64_t key, unsigned frames) {
+    losses_.orphans(pgn_of(key), source_of(key), frames);
+}
+
+bool FastPackets::repeats_completion(std::uint64_t key, const N2KMsg& frame, const Moment& now) const {
+    const Completion& last = completions_[frame.source];
+    return last.key == key && std::memcmp(last.data, frame.data, max_frame_bytes) == 0 &&
+           last.moment.pauses == now.pauses && adjacent(last.moment, now);
+}
+
+/// Whether the message of a slot goes on with a frame, or has it already.
+bool FastPackets::goes_on(std::size_t i, const N2KMsg& frame, unsigned size, const Moment& now) {
+    Slot& slot = slots_[i];
+    const Moment& then = slots_.last(i);
+    const Following may = following(then, now, longest_silence);
+    if (may != Following::next) [[likely]]
+        return may == Following::any;
+    const unsigned number = number_of(frame.data[0]), header = number == 0 ? 2 : 1;
+    const bool again = number == slot.last_number && slot.holds(number, frame.data + header, size - header);
+    if (!again && !slot.awaits(number)) return false;
+    if (then.pauses == now.pauses && whole_seconds(then, now)) return true;
+    slot.paused_behind = then.frame;
+    return last_orphan_ <= then.frame;
 }
 
 /// A device takes its eight sequences in turn. Where half of them have been begun since, no frame of the
@@ -91,7 +127,7 @@ std::size_t FastPackets::put_first(std::size_t i, std::uint64_t key, const N2KMs
             // A frame that the bus delivers twice comes twice in a row.
             if (slot.last_number == 0 && slot.total == total && slot.holds(0, bytes, count)) {
                 slots_.touch(i, now);
-                ++counters_.repeated_frames;
+                losses_.repeated(frame.pgn, frame.source);
                 return Slots::none;
             }
             abandon(i);
@@ -101,9 +137,13 @@ std::size_t FastPackets::put_first(std::size_t i, std::uint64_t key, const N2KMs
             i = Slots::none;
         }
     }
+    if (i == Slots::none && repeats_completion(key, frame, now)) {
+        losses_.repeated(frame.pgn, frame.source);
+        return Slots::none;
+    }
     overtake(key);
     if (total > most_bytes || count < std::min<unsigned>(total, bytes_in_first)) {
-        ++counters_.incomplete_fast_packets;
+        losses_.incomplete_fast_packet(frame.pgn, frame.source, 1);
         if (i != Slots::none) abandon(i);
         return Slots::none;
     }
@@ -116,7 +156,7 @@ std::size_t FastPackets::put_first(std::size_t i, std::uint64_t key, const N2KMs
         const auto number = static_cast<unsigned>(std::countr_zero(early));
         if (!slot.fits(number)) {
             slot.drop(number);
-            ++counters_.orphan_frames;
+            lose_orphans(key);
         }
     }
     slot.store(0, bytes, count);
@@ -135,18 +175,25 @@ std::size_t FastPackets::put_later(std::size_t i, std::uint64_t key, const N2KMs
         if (slot.holds(number, bytes, count)) {
             slots_.touch(i, now);
             slot.last_number = static_cast<std::uint8_t>(number);
-            ++counters_.repeated_frames;
+            losses_.repeated(frame.pgn, frame.source);
             return Slots::none;
         }
         abandon(i);  // the next message of this sequence, whose frame 0 is late or lost
         i = Slots::none;
     }
-    if (i == Slots::none) i = open(key, now);
+    if (i == Slots::none) {
+        if (repeats_completion(key, frame, now)) {
+            losses_.repeated(frame.pgn, frame.source);
+            return Slots::none;
+        }
+        i = open(key, now);
+        last_orphan_ = now.frame;
+    }
     Slot& slot = slots_[i];
     slot.store(number, bytes, count);
     if (slot.announced() && !slot.fits(number)) {
         slot.drop(number);
-        ++counters_.orphan_frames;
+        lose_orphans(key);
         return Slots::none;
     }
     return i;
@@ -155,12 +202,12 @@ std::size_t FastPackets::put_later(std::size_t i, std::uint64_t key, const N2KMs
 const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
     const unsigned size = std::min<unsigned>(frame.length, max_frame_bytes);
     if (size < 2) {
-        ++counters_.orphan_frames;
+        losses_.orphans(frame.pgn, frame.source);
         return nullptr;
     }
     const std::uint64_t key = key_of(frame);
     std::size_t i = slots_.find(key);
-    if (i != Slots::none && timed_out(slots_.last(i), now, longest_silence)) {
+    if (i != Slots::none && !goes_on(i, frame, size, now)) {
         abandon(i);
         i = Slots::none;
     }
@@ -171,6 +218,14 @@ const N2KMsg* FastPackets::put(const N2KMsg& frame, const Moment& now) {
     Slot& slot = slots_[i];
     slot.last_number = static_cast<std::uint8_t>(number);
     if (!slot.complete()) return nullptr;
+    if (slot.paused_behind != 0 && last_orphan_ > slot.paused_behind) {
+        abandon(i);
+        return nullptr;
+    }
+    Completion& completion = completions_[frame.source];
+    completion.key = key;
+    completion.moment = now;
+    std::memcpy(completion.data, frame.data, max_frame_bytes);
     fill_message(slot, frame);
     slots_.remove(i);
     return &message_;
@@ -188,12 +243,15 @@ void FastPackets::fill_message(const Slot& slot, const N2KMsg& frame) {
     std::memcpy(message_.data, slot.data, slot.total);
 }
 
-void FastPackets::sweep(const Moment& now) {
-    slots_.sweep(now, longest_silence, [this](std::size_t i) { abandon(i); });
+void FastPackets::sweep(std::uint64_t frame) {
+    while (slots_.size() > 0 && frame - slots_.last(slots_.oldest()).frame > longest_absence)
+        abandon(slots_.oldest());
 }
 
 void FastPackets::finish() {
     while (slots_.size() > 0) abandon(slots_.oldest());
+    completions_ = {};
+    last_orphan_ = 0;
 }
 
 }  // namespace vistel

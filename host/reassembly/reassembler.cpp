@@ -11,35 +11,49 @@ void Reassembler::emit(const N2KMsg& msg, const RecordTime& time) {
     emitting_ = false;
 }
 
+void Reassembler::change_bus(std::uint8_t number) {
+    if (!buses_[number]) buses_[number] = std::make_unique<Bus>(losses_);
+    current_number_ = number;
+    current_ = buses_[number].get();
+}
+
 void Reassembler::put(const Record& record) {
     assert(!emitting_);
     if (record.kind == Record::Kind::message) {
         emit(record.msg, record.time);
         return;
     }
+    ++counters_.frames;
+    Bus& on = bus(record.bus);
+    const Moment now = on.clocks[record.msg.source].tick(record.time.nanoseconds, ++on.frames);
     constexpr std::uint64_t frames_between_sweeps = 256;
-    const Moment now{record.time, ++counters_.frames};
-    if (now.frame % frames_between_sweeps == 0) {
-        fast_packets_.sweep(now);
-        transports_.sweep(now);
+    if (on.frames % frames_between_sweeps == 0) {
+        on.fast_packets.sweep(on.frames);
+        on.transports.sweep(on.frames);
     }
 
     const std::uint32_t pgn = record.msg.pgn;
     const N2KMsg* reassembled = nullptr;
     if (pgn_vistel::core::is_fast_packet(pgn, definitions_)) {
-        reassembled = fast_packets_.put(record.msg, now);
+        reassembled = on.fast_packets.put(record.msg, now);
     } else {
         emit(record.msg, record.time);
         if (pgn == transport_protocol::control_pgn || pgn == transport_protocol::data_pgn) {
-            reassembled = transports_.put(record.msg, now);
+            const SourceClock& other = on.clocks[record.msg.destination];
+            reassembled = on.transports.put(record.msg, now, other.look(record.time.nanoseconds, on.frames));
         }
     }
     if (reassembled != nullptr) emit(*reassembled, record.time);
 }
 
 void Reassembler::finish() {
-    fast_packets_.finish();
-    transports_.finish();
+    for (const std::unique_ptr<Bus>& each : buses_) {
+        if (!each) continue;
+        each->fast_packets.finish();
+        each->transports.finish();
+        each->clocks = {};
+        each->frames = 0;
+    }
 }
 
 }  // namespace vistel

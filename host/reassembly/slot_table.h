@@ -15,8 +15,8 @@ namespace vistel {
 /// one.
 ///
 /// Keys that differ in their lowest `group_bits` alone belong together and are found together. What a frame
-/// costs does not depend on the number of slots: keys are hashed, the slots stand in a list by the time since
-/// something was heard of them, and a sweep looks at them only when one may have timed out.
+/// costs does not depend on the number of slots: keys are hashed, and the slots stand in a list by the frame
+/// by which something was heard of them.
 template <class Slot, std::size_t capacity, unsigned group_bits>
 class SlotTable {
   public:
@@ -28,6 +28,7 @@ class SlotTable {
     bool full() const { return size_ == capacity; }
 
     Slot& operator[](std::size_t i) { return slots_[i]; }
+    const Slot& operator[](std::size_t i) const { return slots_[i]; }
     std::uint64_t key(std::size_t i) const { return entries_[i].key; }
     const Moment& last(std::size_t i) const { return entries_[i].last; }
 
@@ -74,11 +75,10 @@ class SlotTable {
         return i;
     }
 
-    /// Notes that something was heard of a slot `now`.
+    /// Notes that something was heard of a slot `now`, by a frame of its sender.
     void touch(std::size_t i, const Moment& now) {
         if (i == newest_) {
             entries_[i].last = now;
-            note_time(now);
             return;
         }
         unlink(i);
@@ -94,26 +94,6 @@ class SlotTable {
         entries_[i].next = free_;
         free_ = static_cast<Index>(i);
         --size_;
-    }
-
-    /// Calls `abandon`, which removes the slot, for each that has timed out.
-    template <class Abandon>
-    void sweep(const Moment& now, std::int64_t limit, Abandon abandon) {
-        // Times may run backwards, so that they do not follow from the order of the list; none is earlier
-        // than this one.
-        if (size_ == 0 ||
-            (!overdue(entries_[oldest_].last, now) && now.time.nanoseconds - earliest_ <= limit)) {
-            return;
-        }
-        earliest_ = now.time.nanoseconds;
-        for (std::size_t i = oldest_; i != end;) {
-            const std::size_t next = entries_[i].newer;
-            if (timed_out(entries_[i].last, now, limit))
-                abandon(i);
-            else
-                note_time(entries_[i].last);
-            i = next;
-        }
     }
 
   private:
@@ -135,18 +115,12 @@ class SlotTable {
         return static_cast<std::size_t>((key >> group_bits) * multiplier >> (64 - std::countr_zero(buckets)));
     }
 
-    void note_time(const Moment& moment) {
-        if (moment.time.nanoseconds < earliest_) earliest_ = moment.time.nanoseconds;
-    }
-
     void append(std::size_t i, const Moment& now) {
         if (oldest_ == end) {
-            earliest_ = now.time.nanoseconds;
             oldest_ = static_cast<Index>(i);
         } else {
             entries_[newest_].newer = static_cast<Index>(i);
         }
-        note_time(now);
         entries_[i].last = now;
         entries_[i].older = newest_;
         entries_[i].newer = end;
@@ -160,10 +134,9 @@ class SlotTable {
     }
 
     std::size_t size_ = 0;
-    std::size_t used_ = 0;  // slots that have ever been in use
-    Index free_ = end;      // of the slots that were in use, the one to take next
-    Index oldest_ = end, newest_ = end;
-    std::int64_t earliest_ = 0;  // no slot was last heard of before
+    std::size_t used_ = 0;               // slots that have ever been in use
+    Index free_ = end;                   // of the slots that were in use, the one to take next
+    Index oldest_ = end, newest_ = end;  // by the frame when something was heard of them
     std::array<Index, buckets> heads_;
     std::array<Entry, capacity> entries_;
     std::array<Slot, capacity> slots_;

@@ -25,7 +25,9 @@ std::uint32_t announced_pgn(const N2KMsg& control) {
 }  // namespace
 
 void Transports::abandon(std::size_t i) {
-    if (!slots_[i].complete()) ++counters_.incomplete_transports;
+    const Slot& slot = slots_[i];
+    if (!slot.complete())
+        losses_.incomplete_transport(slot.message.pgn, slot.message.source, slot.packets - slot.received);
     slots_.remove(i);
 }
 
@@ -40,13 +42,13 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
         if (slot.received == 0 && slot.packets == packets && slot.message.length == length &&
             slot.message.pgn == pgn) {
             slots_.touch(i, now);  // asked once more, as nobody answered
-            ++counters_.repeated_frames;
+            losses_.repeated(pgn, frame.source);
             return;
         }
         abandon(i);
     }
     if (length == 0 || length > N2K_MAX_PAYLOAD || packets != packets_of(length) || pgn > max_pgn) {
-        ++counters_.incomplete_transports;
+        losses_.incomplete_transport(pgn, frame.source, 1);
         return;
     }
     if (slots_.full()) abandon(slots_.oldest());
@@ -63,7 +65,7 @@ void Transports::announce(const N2KMsg& frame, const Moment& now) {
     slot.message.length = static_cast<std::uint16_t>(length);
 }
 
-void Transports::control(const N2KMsg& frame, const Moment& now) {
+void Transports::control(const N2KMsg& frame, const Moment& now, const Moment& at_destination) {
     if (frame.length < max_frame_bytes) return;  // says nothing; the frame itself is shown all the same
     const auto session = [&](std::uint8_t sender, std::uint8_t receiver) {
         const std::size_t i = slots_.find(key_of(sender, receiver));
@@ -75,7 +77,7 @@ void Transports::control(const N2KMsg& frame, const Moment& now) {
         case request_to_send:
         case broadcast_announce: announce(frame, now); break;
         case clear_to_send:
-            if (answered != Slots::none) slots_.touch(answered, now);
+            if (answered != Slots::none) slots_.touch(answered, at_destination);
             break;
         case end_of_message:
             if (answered != Slots::none) abandon(answered);
@@ -90,11 +92,20 @@ void Transports::control(const N2KMsg& frame, const Moment& now) {
     }
 }
 
+bool Transports::goes_on(std::size_t i, unsigned number, const Moment& now) const {
+    const Following may = following(slots_.last(i), now, longest_silence);
+    return may == Following::any || (may == Following::next && slots_[i].awaits(number));
+}
+
 const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
-    const std::size_t i = slots_.find(key_of(frame.source, frame.destination));
+    std::size_t i = slots_.find(key_of(frame.source, frame.destination));
     const unsigned number = frame.data[0];
+    if (i != Slots::none && !goes_on(i, number, now)) {
+        abandon(i);
+        i = Slots::none;
+    }
     if (i == Slots::none || number == 0 || number > slots_[i].packets) {
-        ++counters_.orphan_frames;
+        losses_.orphans(i == Slots::none ? frame.pgn : slots_[i].message.pgn, frame.source);
         return nullptr;
     }
     Slot& slot = slots_[i];
@@ -102,16 +113,16 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
     const unsigned count = std::min(bytes_in_packet, slot.message.length - offset);
     const std::uint8_t* const bytes = frame.data + 1;
     if (frame.length < 1 + count) {
-        ++counters_.orphan_frames;
+        losses_.orphans(slot.message.pgn, frame.source);
         return nullptr;
     }
     slots_.touch(i, now);
     if (slot.has(number)) {
         if (std::memcmp(slot.message.data + offset, bytes, count) == 0) {
-            ++counters_.repeated_frames;
+            losses_.repeated(slot.message.pgn, frame.source);
         } else {
             // The next session, whose announcement is lost, must not be mixed with this one.
-            ++counters_.orphan_frames;
+            losses_.orphans(slot.message.pgn, frame.source);
             abandon(i);
         }
         return nullptr;
@@ -122,15 +133,15 @@ const N2KMsg* Transports::data(const N2KMsg& frame, const Moment& now) {
     return slot.complete() ? &slot.message : nullptr;
 }
 
-const N2KMsg* Transports::put(const N2KMsg& frame, const Moment& now) {
-    sweep(now);
+const N2KMsg* Transports::put(const N2KMsg& frame, const Moment& now, const Moment& at_destination) {
     if (frame.pgn == data_pgn) return data(frame, now);
-    control(frame, now);
+    control(frame, now, at_destination);
     return nullptr;
 }
 
-void Transports::sweep(const Moment& now) {
-    slots_.sweep(now, longest_silence, [this](std::size_t i) { abandon(i); });
+void Transports::sweep(std::uint64_t frame) {
+    while (slots_.size() > 0 && frame - slots_.last(slots_.oldest()).frame > longest_absence)
+        abandon(slots_.oldest());
 }
 
 void Transports::finish() {

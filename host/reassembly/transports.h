@@ -4,7 +4,7 @@
 
 #include "can/transport_protocol.h"
 #include "pgn_vistel/n2k_msg.h"
-#include "reassembly/counters.h"
+#include "reassembly/losses.h"
 #include "reassembly/moment.h"
 #include "reassembly/slot_table.h"
 
@@ -16,13 +16,14 @@ namespace vistel {
 /// here.
 class Transports {
   public:
-    explicit Transports(ReassemblyCounters& counters) : counters_(counters) {}
+    explicit Transports(Losses& losses) : losses_(losses) {}
 
-    /// Takes a frame of either PGN. The message that it completes, valid until the next call, or null.
-    const N2KMsg* put(const N2KMsg& frame, const Moment& now);
+    /// Takes a frame of either PGN. `at_destination` is what the clock of the one shows to whom it is sent.
+    /// The message that it completes, valid until the next call, or null.
+    const N2KMsg* put(const N2KMsg& frame, const Moment& now, const Moment& at_destination);
 
-    /// Abandons what has timed out.
-    void sweep(const Moment& now);
+    /// Abandons what has not been heard of for too many frames, the last of which is number `frame`.
+    void sweep(std::uint64_t frame);
 
     /// Abandons everything.
     void finish();
@@ -39,15 +40,22 @@ class Transports {
         bool has(unsigned number) const { return (have[number / word_bits] >> number % word_bits & 1) != 0; }
         void set(unsigned number) { have[number / word_bits] |= std::uint64_t{1} << number % word_bits; }
         bool complete() const { return received == packets; }
+        /// Whether all packets before this one are there and none behind them.
+        bool awaits(unsigned number) const {
+            unsigned next = 1;
+            while (has(next)) ++next;
+            return number == next && received + 1 == next;
+        }
     };
-    using Slots = SlotTable<Slot, 64, 0>;
+    using Slots = SlotTable<Slot, 256, 0>;  // one for each address and some more
 
     void announce(const N2KMsg& frame, const Moment& now);
-    void control(const N2KMsg& frame, const Moment& now);
+    void control(const N2KMsg& frame, const Moment& now, const Moment& at_destination);
     const N2KMsg* data(const N2KMsg& frame, const Moment& now);
+    bool goes_on(std::size_t i, unsigned number, const Moment& now) const;
     void abandon(std::size_t i);
 
-    ReassemblyCounters& counters_;
+    Losses& losses_;
     Slots slots_;
 };
 

@@ -28,4 +28,21 @@ std::optional<std::u16string> utf16_of(std::string_view text) {
     return result;
 }
 
+void append_utf8(std::string& text, char32_t c) {
+    const auto put = [&text](char32_t byte) { text += static_cast<char>(byte); };
+    if (c < 0x80) return put(c);
+    if (c < 0x800) {
+        put(0xC0 | c >> 6);
+    } else {
+        if (c < 0x10000) {
+            put(0xE0 | c >> 12);
+        } else {
+            put(0xF0 | c >> 18);
+            put(0x80 | (c >> 12 & 0x3F));
+        }
+        put(0x80 | (c >> 6 & 0x3F));
+    }
+    put(0x80 | (c & 0x3F));
+}
+
 }  // namespace vistel

@@ -51,7 +51,7 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
     ~PGN_VistelDlg_c() override;
 
     /// @{
-    /// Builds the window of an object that was constructed without one.
+    /// Builds the window of an object that was constructed without one. Nothing where there is one already.
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                 unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams, unsigned long flags);

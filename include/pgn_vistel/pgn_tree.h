@@ -19,7 +19,10 @@ constexpr unsigned long PGN_VISTEL_CORRECTED_DEFINITIONS = 4;
 /// The monitor tree: one line for each stream of messages (PGN, source and up to four stream keys), beneath
 /// it the source, the destination and the fields of the stream's latest message, rewritten in place.
 ///
-/// Every call is made on the thread that owns the tree control; nothing is locked and nothing is posted.
+/// Every call is made on the thread that owns the tree control; nothing is locked and nothing is posted. What
+/// a call does shows without the toolkit's main loop. In texts of devices U+FFFD stands for control
+/// characters and for what is no character.
+///
 /// Order of calls: construct, `OnInit`, then anything, then destroy. The tree control belongs to the caller
 /// and outlives the object.
 ///

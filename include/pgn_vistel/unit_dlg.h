@@ -15,7 +15,8 @@ class wxComboBox;
 struct UnitDlgState;
 
 /// A small modeless dialog in which the user picks a unit for each quantity (`pgn_vistel::quantity_rows`). It
-/// reads and writes the selection of a database. The user can only hide it; its owner deletes it.
+/// reads and writes the selection of a database. The user can only hide it, by Close or Escape; its owner
+/// deletes it. On a screen that is too low for all rows, these scroll above the buttons.
 ///
 /// User-interface thread only. `db` null is the global database. `pCreated`, where given, receives 1 when the
 /// window is built and 0 when it is destroyed, and must live as long. `flags` is kept and not used.
@@ -38,7 +39,7 @@ class PGN_VISTEL_API PGN_VistelUnitDlg_c : public wxDialog {
     ~PGN_VistelUnitDlg_c() override;
 
     /// @{
-    /// Builds the window of an object that was constructed without one.
+    /// Builds the window of an object that was constructed without one. Nothing where there is one already.
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id, const wxString& title,
                 const wxPoint& pos, const wxSize& size, long style, unsigned long flags);
     void Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long flags);

@@ -67,6 +67,7 @@ void PGN_VistelDlg_c::init() {
 
 void PGN_VistelDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, unsigned long maxStreams,
                              unsigned long flags) {
+    if (GetHandle() != nullptr) return;  // it has a window
     flags_ = flags;
     created_ = pCreated;
     contained([&] { build(parent, db, maxStreams); });
@@ -121,6 +122,8 @@ void PGN_VistelDlg_c::build_controls() {
     centred.SetAlignment(wxTEXT_ALIGNMENT_CENTRE);
     filter_text_.SetDefaultStyle(centred);
     filter_text_.SetStyle(0, 3, centred);
+    // A control of one line goes by its own style.
+    filter_text_.SetWindowStyleFlag(filter_text_.GetWindowStyleFlag() | wxTE_CENTRE);
 
     clear_button_->SetToolTip("Clear data display");
     pause_button_->SetToolTip("Pause data display");
@@ -165,6 +168,7 @@ void PGN_VistelDlg_c::Create(NativeWindow parent, unsigned long maxStreams, unsi
 void PGN_VistelDlg_c::Create(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams,
                              unsigned long flags) {
     const ModuleGuard in_this_module;
+    if (GetHandle() != nullptr) return;
     wxWindow* const stand_in =
         contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
     if (stand_in == nullptr) return;
@@ -207,7 +211,7 @@ void PGN_VistelDlg_c::OnButtonClear(wxCommandEvent&) {
 }
 
 void PGN_VistelDlg_c::OnButtonPause(wxCommandEvent&) {
-    if (tree_ == nullptr) return;
+    if (tree_ == nullptr || tree_->GetDB() == nullptr) return;  // or it has no memory
     contained([&] {
         paused_ = paused_ == 0 ? 1 : 0;
         tree_->Pause(paused_);
@@ -229,8 +233,8 @@ void PGN_VistelDlg_c::OnTextKillfocus(long id, const wxString& text) {
 void PGN_VistelDlg_c::OnTextEnter(long id, const wxString&) {
     if (tree_ == nullptr || id != filter_field) return;
     contained([&] {
-        long address;
-        if (!filter_text_.GetLineText(0).ToCLong(&address, 16)) return;
+        wxLongLong_t address;  // of one width on every platform
+        if (!filter_text_.GetLineText(0).ToLongLong(&address, 16)) return;
         source_filter_ = static_cast<unsigned char>(address > all_sources ? all_sources : address & 0xFF);
     });
 }

@@ -13,6 +13,7 @@
 #include "pgn_vistel/core/render.h"
 #include "pgn_vistel/native_tree.h"
 #include "platform/platform.h"
+#include "views/shown_line.h"
 #include "views/stream_table.h"
 #include "views/tree_control.h"
 
@@ -68,6 +69,13 @@ struct TreeState {
         return stream;
     }
 
+    /// Calls `act(control)` for each back end that there is.
+    template <class Act>
+    void for_each_control(Act act) {
+        if (toolkit) act(*toolkit);
+        if (native) act(*native);
+    }
+
     void expand_all(bool expanded) {
         for (StreamEntry& stream : *streams)
             for_each_back_end(stream, [&](TreeControl& tree, void* line) { tree.expand(line, expanded); });
@@ -78,12 +86,14 @@ struct TreeState {
 namespace {
 
 /// Runs an exported entry of the tree: in the library's module state, -1 where there was no memory for the
-/// tree or for what the entry does.
+/// tree or for what the entry does. What it did to the controls shows when it returns.
 template <class Act>
 int entry(TreeState* state, Act act) noexcept {
     const ModuleGuard in_this_module;
     if (state == nullptr) return -1;
-    return contained(-1, [&] { return act(*state); });
+    const int result = contained(-1, [&] { return act(*state); });
+    contained([&] { state->for_each_control([](TreeControl& tree) { tree.show_changes(); }); });
+    return result;
 }
 
 TreeState* share(TreeState* state) {
@@ -180,8 +190,7 @@ void PGN_VistelTree_c::Pause(int paused) {
 int PGN_VistelTree_c::ClearMsg() {
     return entry(state_, [](TreeState& state) {
         state.streams->clear();
-        if (state.toolkit) state.toolkit->clear();
-        if (state.native) state.native->clear();
+        state.for_each_control([](TreeControl& tree) { tree.clear(); });
         return 0;
     });
 }
@@ -262,6 +271,7 @@ void PGN_VistelTree_c::add_pgn_fields(void* pgnDef, N2KMsg* msg, wxTreeItemId it
     core::StreamLines lines(static_cast<const core::PgnDef*>(pgnDef), *msg, SelectionAccess::of(*state_->db),
                             shared_scratch(), (state_->display_flags & plain_numbers) != 0);
     while (lines.next(line, core::line_size) >= 0) {
+        make_fit(line);
         if (toolkit != nullptr) toolkit_cursor = insert_child(line, item, toolkit_cursor);
         if (native != nullptr) native_cursor = insert_child(line, hItem, native_cursor);
     }

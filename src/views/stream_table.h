@@ -3,8 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
-#include <new>
 
 #include "pgn_vistel/core/catalogue.h"
 #include "pgn_vistel/n2k_msg.h"
@@ -41,12 +41,12 @@ struct StreamKey {
     bool keyed;
 };
 
-/// The streams in the order in which they were first seen. The capacity never changes; it is 0 where there
-/// was no memory for the table.
+/// The streams in the order in which they were first seen. The capacity never changes; it is 0 where a table
+/// of that size cannot be had.
 class StreamTable {
   public:
     explicit StreamTable(std::size_t capacity)
-        : entries_(capacity <= most ? new (std::nothrow) StreamEntry[capacity] : nullptr),
+        : entries_(static_cast<StreamEntry*>(std::calloc(capacity, sizeof(StreamEntry)))),
           capacity_(entries_ != nullptr ? capacity : 0) {}
 
     StreamEntry* find(const StreamKey& key) {
@@ -68,10 +68,13 @@ class StreamTable {
     StreamEntry* end() { return entries_.get() + count_; }
 
   private:
-    // What new[] would throw for, whatever it is told.
-    static constexpr std::size_t most = PTRDIFF_MAX / sizeof(StreamEntry);
+    struct Free {
+        void operator()(void* memory) const { std::free(memory); }
+    };
 
-    std::unique_ptr<StreamEntry[]> entries_;
+    // Nothing but the entries in use is touched, so that a large capacity costs no time, nor memory where the
+    // system gives it when it is used.
+    std::unique_ptr<StreamEntry[], Free> entries_;
     std::size_t capacity_;
     std::size_t count_ = 0;
 };

@@ -1,5 +1,7 @@
 #include <wx/treectrl.h>
 
+#include <utility>
+
 #include "views/tree_control.h"
 
 namespace pgn_vistel {
@@ -18,11 +20,13 @@ void ToolkitTree::prepare() {
 }
 
 void ToolkitTree::clear() {
+    has_moved_ = true;
     tree_.DeleteAllItems();
     tree_.AddRoot(L"None");
 }
 
 TreeControl::Line ToolkitTree::append(Line parent, const wchar_t* text) {
+    has_moved_ = true;
     return tree_.AppendItem(parent != nullptr ? item(parent) : tree_.GetRootItem(), text).GetID();
 }
 
@@ -40,14 +44,24 @@ TreeControl::Line ToolkitTree::next_sibling(Line line) const {
 }
 
 void ToolkitTree::remove(Line line) {
+    has_moved_ = true;
     tree_.Delete(item(line));
 }
 
 void ToolkitTree::expand(Line line, bool expanded) {
+    has_moved_ = true;
     if (expanded)
         tree_.Expand(item(line));
     else
         tree_.Collapse(item(line));
+}
+
+void ToolkitTree::show_changes() {
+    if (!std::exchange(has_moved_, false)) return;
+    // The control lays its lines out when the toolkit is idle, which it is only in a host that runs it.
+    // Thawed it does so at once.
+    tree_.Freeze();
+    tree_.Thaw();
 }
 
 }  // namespace pgn_vistel

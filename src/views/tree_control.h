@@ -23,6 +23,8 @@ class TreeControl {
     virtual Line next_sibling(Line line) const = 0;
     virtual void remove(Line line) = 0;
     virtual void expand(Line line, bool expanded) = 0;
+    /// Has the control show what was done to it, without waiting for the main loop of anybody.
+    virtual void show_changes() = 0;
 
     /// Writes one of a parent's lines: over the one that the cursor names, else as a new last one. Returns
     /// the cursor for the next.
@@ -53,9 +55,11 @@ class ToolkitTree final : public TreeControl {
     Line next_sibling(Line line) const override;
     void remove(Line line) override;
     void expand(Line line, bool expanded) override;
+    void show_changes() override;
 
   private:
     wxTreeCtrl& tree_;
+    bool has_moved_ = false;  // lines have come, gone or moved since changes were shown
 };
 
 class NativeTree final : public TreeControl {
@@ -69,6 +73,7 @@ class NativeTree final : public TreeControl {
     Line next_sibling(Line line) const override;
     void remove(Line line) override;
     void expand(Line line, bool expanded) override;
+    void show_changes() override {}  // the control does so by itself
 
   private:
     CTreeCtrl& tree_;

@@ -1,6 +1,9 @@
 #include "pgn_vistel/unit_dlg.h"
 
 #include <wx/combobox.h>
+#include <wx/display.h>
+#include <wx/scrolwin.h>
+#include <wx/settings.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 
@@ -30,6 +33,30 @@ UnitId unit_at(DispDataType quantity, int position) {
     for (int i = 0; units[i] < unit::count; ++i)
         if (i == position) return units[i];
     return -1;
+}
+
+/// Height that a window can have on its screen.
+int most_height(const wxWindow& window) {
+    constexpr int title_bar = 40;  // it has none as long as it is hidden
+    const int screen = wxDisplay::GetFromWindow(window.GetParent() != nullptr ? window.GetParent() : &window);
+    return wxDisplay(screen != wxNOT_FOUND ? static_cast<unsigned>(screen) : 0).GetClientArea().height -
+           title_bar;
+}
+
+/// Lets the rows of a dialog scroll above the rest of it, in a dialog of this height.
+void scroll(wxWindow& dialog, wxSizer& main_sizer, wxSizer& rows, int height) {
+    constexpr int step = 10, border = 5;
+    auto* const area = new wxScrolledWindow(&dialog, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxVSCROLL);
+    main_sizer.Detach(&rows);
+    for (const wxSizerItem* const item : rows.GetChildren()) item->GetWindow()->Reparent(area);
+    area->SetSizer(&rows);
+    area->SetScrollRate(0, step);
+    area->MoveBeforeInTabOrder(dialog.GetChildren().front());
+    const wxSize size = rows.GetMinSize();
+    area->SetMinSize(wxSize(size.x + wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, area), step));
+    main_sizer.Insert(0, area, 1, wxEXPAND | wxALL, border);
+    dialog.SetSize(main_sizer.ComputeFittingWindowSize(&dialog).x, height);
+    area->FitInside();
 }
 
 /// Calls `act(quantity, its choice)` for each row that is built.
@@ -90,6 +117,7 @@ void PGN_VistelUnitDlg_c::init() {
 void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, int* pCreated, int id,
                                  const wxString& title, const wxPoint& pos, const wxSize& size, long style,
                                  unsigned long flags) {
+    if (GetHandle() != nullptr) return;  // it has a window
     created_ = pCreated;
     if (state_ == nullptr) return;
     state_->flags = flags;
@@ -133,7 +161,12 @@ void PGN_VistelUnitDlg_c::build() {
     main_sizer_->Add(grid, 0, wxEXPAND | wxALL, 5);
     main_sizer_->Add(button_sizer_, 0, wxEXPAND | wxALL, 2);
     SetSizer(main_sizer_);
-    main_sizer_->Fit(this);
+    const int room = most_height(*this);
+    if (main_sizer_->ComputeFittingWindowSize(this).y > room)
+        scroll(*this, *main_sizer_, *grid, room);
+    else
+        main_sizer_->Fit(this);
+    SetEscapeId(close_.GetId());
 
     if (created_ != nullptr) *created_ = 1;
 }
@@ -149,6 +182,7 @@ void PGN_VistelUnitDlg_c::Create(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned
 
 void PGN_VistelUnitDlg_c::Create(NativeWindow parent, QV_N2K_PGN_DB_c* db, unsigned long flags) {
     const ModuleGuard in_this_module;
+    if (GetHandle() != nullptr) return;
     wxWindow* const stand_in =
         contained<wxWindow*>(nullptr, [&] { return platform::wrap_native_window(parent); });
     if (stand_in == nullptr) return;

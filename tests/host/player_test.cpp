@@ -3,100 +3,121 @@
 #include <vector>
 
 #include "host/temporary_recording.h"
+#include "monitor/latest.h"
 
 namespace vistel {
 namespace {
 
-using Milliseconds = std::chrono::milliseconds;
+using namespace std::chrono_literals;
 
-/// A player on a recording.
-struct Played {
-    explicit Played(const std::string& text, double speed, bool loop = false)
-        : file(text), player({.file = file.name(), .format = {}, .speed = speed, .loop = loop}) {
-        std::string error;
-        EXPECT_TRUE(player.open(error)) << error;
+/// A player on a recording, with a clock that the test turns.
+struct Played : PlayListener {
+    Played(const std::string& text, std::optional<double> speed, bool loop = false)
+        : file(text), player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop}, [this] {
+              return clock;
+          }) {
+        EXPECT_TRUE(player.open());
     }
-    std::vector<N2KMsg> shown() {
-        std::vector<N2KMsg> messages;
-        latest.show_pending([&](const N2KMsg& msg) { messages.push_back(msg); });
-        return messages;
+    void on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) override {
+        shown.push_back(msg.data[0]);
+        times.push_back(static_cast<double>(now) / one_second);
     }
-    /// Plays up to so many messages, or to the end, or as long as may be. How long it takes.
-    Milliseconds play(std::uint64_t messages = UINT64_MAX, Milliseconds most = limit) {
-        const auto start = std::chrono::steady_clock::now();
-        const auto taken = [start] { return std::chrono::steady_clock::now() - start; };
-        while (!player.ended() && player.counters().messages < messages && taken() < most)
-            player.advance(latest);
-        return std::chrono::duration_cast<Milliseconds>(taken());
+    /// The first bytes of what is due after some more time.
+    std::vector<int> after(std::chrono::milliseconds time) {
+        shown.clear();
+        clock += time;
+        player.advance(*this);
+        return shown;
     }
 
-    static constexpr Milliseconds limit{10'000};
+    Player::Clock::time_point clock{};
     test::TemporaryRecording file;
     Player player;
-    LatestMessages latest;
+    std::vector<int> shown;
+    std::vector<double> times;
 };
 
-TEST(Player, HandsOverTheLatestOfEachStream) {
-    // Two streams of 127505 (tanks 1 and 2), and one of 129025 from each of two sources.
-    Played played(
-        "00:00:00.00,6,127505,5,255,8,01,00,00,ff,ff,ff,ff,ff\n"
-        "00:00:00.10,2,129025,3,255,8,00,00,00,00,00,00,00,00\n"
-        "00:00:00.20,6,127505,5,255,8,01,10,27,ff,ff,ff,ff,ff\n"
-        "00:00:00.30,6,127505,5,255,8,02,20,4e,ff,ff,ff,ff,ff\n"
-        "00:00:00.40,2,129025,4,255,8,00,00,00,00,00,00,00,00\n"
-        "nonsense\n",
-        0);
-    played.play();
-    const auto messages = played.shown();
-    ASSERT_EQ(messages.size(), 4u);
-    EXPECT_EQ(messages[0].data[1], 0x10);  // the later one, in the earlier one's place
-    EXPECT_EQ(messages[0].time_stamp, 20u);
-    EXPECT_EQ(messages[2].data[0], 2);
-    EXPECT_EQ(messages[3].source, 4);
-    const PlayCounters& counters = played.player.counters();
-    EXPECT_EQ(counters.messages, 5u);
-    EXPECT_EQ(counters.replaced, 1u);
-    EXPECT_EQ(counters.problems, 1u);
-    EXPECT_TRUE(played.shown().empty());
-    EXPECT_FALSE(played.latest.put(messages[0])) << "the one before was shown";
-    EXPECT_EQ(played.shown().size(), 1u);
+std::string line(const char* time, int byte) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%s,2,127250,7,255,1,%02x\n", time, static_cast<unsigned>(byte));
+    return text;
 }
 
-TEST(Player, CountsWhatTooManyStreamsPushOut) {
-    Played played(test::batteries(4200), 0);
-    played.play();
-    EXPECT_EQ(played.latest.dropped(), 4096u);
-    EXPECT_EQ(played.shown().size(), 4200 - 4096u);
-    EXPECT_EQ(played.player.counters().replaced, 0u);
-    played.latest.clear();
-    EXPECT_EQ(played.latest.dropped(), 0u);
-}
+using Bytes = std::vector<int>;
 
-// Each waits for the clock, so a busy machine can only make it last longer.
 TEST(Player, KeepsTheRecordingsPace) {
-    const std::string far = "00:00:00,2,127250,7,255,0,\n01:00:00,2,127250,7,255,0,\n";
-    const std::string near = "00:00:00,2,127250,7,255,0,\n00:00:00.15,2,127250,7,255,0,\n";
-    EXPECT_GE(Played(near, 1).play(), Milliseconds(150));
-    EXPECT_GE(Played(near, 0.5).play(), Milliseconds(300));
-    EXPECT_LT(Played(far, 36'000).play(), Played::limit) << "an hour in a tenth of a second";
-    Played looped(near, 1, true);
-    EXPECT_GE(looped.play(6), Milliseconds(450)) << "each round at the same pace";
+    const std::string text = line("00:00:00", 0) + line("00:00:01", 1) + line("00:00:02", 2);
+    Played usual(text, 1);
+    EXPECT_EQ(usual.after(0ms), Bytes{0});
+    EXPECT_EQ(usual.after(900ms), Bytes{});
+    EXPECT_EQ(usual.after(100ms), Bytes{1});
+    usual.player.pause(true);
+    EXPECT_EQ(usual.after(5000ms), Bytes{}) << "the recording's time stands still";
+    usual.player.step(usual);
+    EXPECT_EQ(usual.shown, Bytes{2});
+    usual.player.pause(false);
+    EXPECT_EQ(usual.after(0ms), Bytes{});
+    EXPECT_TRUE(usual.player.ended());
+    EXPECT_EQ(usual.times, (std::vector<double>{0, 1, 2}));
+
+    EXPECT_EQ(Played(text, 0).after(0ms), (Bytes{0, 1, 2}));
+    Played quick(text, 4);
+    EXPECT_EQ(quick.after(0ms), Bytes{0});
+    EXPECT_EQ(quick.after(499ms), Bytes{1});
+    quick.player.set_speed(0.5);
+    EXPECT_EQ(quick.after(6ms), Bytes{});
+    EXPECT_EQ(quick.after(2ms), Bytes{2});
+}
+
+TEST(Player, WaitsForNoLongGapAndNoClockThatIsPutBack) {
+    Played played(line("00:00:00", 0) + line("01:00:00", 1) + line("01:00:02", 2) + line("00:30:00", 3), 1);
+    EXPECT_EQ(played.after(0ms), (Bytes{0, 1}));
+    EXPECT_EQ(played.player.counters().skipped_gaps, 1u);
+    EXPECT_EQ(played.after(1000ms), Bytes{});
+    EXPECT_EQ(played.after(1000ms), (Bytes{2, 3}));
+    EXPECT_EQ(played.times, (std::vector<double>{0, 3600, 3602, 1800}));
+}
+
+TEST(Player, BeginsAgainAndGoesToAPlace) {
+    const std::string text = line("00:00:00", 0) + line("00:00:01", 1) + "nonsense\n";
+    Played looped(text, 1, true);
+    EXPECT_EQ(looped.after(0ms), Bytes{0});
+    EXPECT_EQ(looped.after(1000ms), Bytes{1});
+    EXPECT_EQ(looped.after(0ms), Bytes{0}) << "the next round begins with the end of this one";
+    EXPECT_EQ(looped.after(1000ms), Bytes{1});
     EXPECT_FALSE(looped.player.ended());
+    EXPECT_EQ(looped.player.counters().problems, 2u);
+    EXPECT_EQ(looped.player.first_problem().find(looped.file.name() + ":3: "), 0u);
     Played nothing("", 0, true);
-    nothing.play(1, Milliseconds(1000));
+    nothing.after(0ms);
     EXPECT_TRUE(nothing.player.ended()) << "or it would open the file for ever";
 
-    // Paused, the recording's time stands still.
-    Played paused(near, 1);
-    paused.player.pause(true);
-    paused.player.advance(paused.latest);
-    EXPECT_TRUE(paused.shown().empty());
-    paused.player.pause(false);
-    const Milliseconds before = paused.play(1);
-    paused.player.pause(true);
-    const Milliseconds pause = paused.play(2, Milliseconds(200));
-    paused.player.pause(false);
-    EXPECT_GE(before + pause + paused.play(), Milliseconds(340));
+    Played sought(line("00:00:00", 0) + line("00:00:10", 1) + line("00:00:20", 2) + line("00:00:21", 3), 1);
+    sought.player.seek(0.6, sought);
+    EXPECT_EQ(sought.shown, (Bytes{0, 1, 2})) << "all that lies before it";
+    EXPECT_EQ(sought.after(900ms), Bytes{});
+    EXPECT_EQ(sought.after(100ms), Bytes{3});
+    sought.shown.clear();
+    sought.player.seek(0.3, sought);
+    EXPECT_EQ(sought.shown, (Bytes{0, 1}));
+}
+
+TEST(LatestMessages, KeepOneOfEachStreamAndDropThemWhereTheyAreTooMany) {
+    LatestMessages latest;
+    N2KMsg msg{};
+    msg.pgn = 127508;
+    msg.length = 1;
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(latest.put(msg), i == 1);
+    int pending = 0;
+    latest.show_pending([&pending](const N2KMsg&) { ++pending; });
+    EXPECT_EQ(pending, 1);
+    EXPECT_FALSE(latest.put(msg)) << "the one before was shown";
+    for (int i = 0; i < 4200; ++i) {
+        msg.source = static_cast<std::uint8_t>(i % 252);
+        msg.data[0] = static_cast<std::uint8_t>(i / 252);
+        latest.put(msg);
+    }
+    EXPECT_EQ(latest.dropped(), 4096u);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@ import json
 import os
 import re
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -198,7 +199,7 @@ class ProgramTest(unittest.TestCase):
     def test_frames_of_encoding(self):
         cases = [
             (["126464", "Group Function Code=0", "--sequence", "5", "--source", "3", "--time", "08:00:00"] + ["PGN supported #3=129029"],
-             ["(08:00:00) can0 19EEFF03#A00A00FFFFFFFFFF", "(08:00:00) can0 19EEFF03#A1FF05F801FFFFFF"]),
+             ["(28800.000000) can0 19EEFF03#A00A00FFFFFFFFFF", "(28800.000000) can0 19EEFF03#A1FF05F801FFFFFF"]),
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
@@ -319,6 +320,27 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
 
+    def test_a_link_that_is_lost_is_made_again(self):
+        line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            server.settimeout(30)
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            with subprocess.Popen([VISTEL, "decode", "--json", name], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                  encoding="utf-8") as process:
+                for _ in range(2):
+                    gateway, _ = server.accept()
+                    with gateway:
+                        gateway.sendall(line)
+                        self.assertEqual(json.loads(process.stdout.readline())["pgn"], 129025)
+                process.send_signal(signal.SIGTERM)
+                self.assertEqual(process.wait(timeout=30), 0)
+                told = process.stderr.read()
+        self.assertIn(f"vistel: {name}: connection lost: closed by the other side; trying again\n", told)
+        self.assertIn("\nmessages: 2\n", told)
+        result = vistel("decode", name)  # nobody listens
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertIn(f"vistel: {name}: ", result.stderr)
+
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
             reader, writer = os.pipe()
@@ -348,10 +370,10 @@ class ProgramTest(unittest.TestCase):
             for path, name, message in [("", str(program), "no display"),
                                         (f"/none:{program.parent}", "vistel", "no display"),
                                         (folder, "vistel", "no display"),  # a link to the program
-                                        ("", "vistel", "cannot start the window"),
-                                        (":/none:", "vistel", "cannot start the window"),
-                                        (".", "vistel", "cannot start the window"),
-                                        (folder, "", "cannot start the window")]:
+                                        ("", "vistel", "cannot start vistel-monitor"),
+                                        (":/none:", "vistel", "cannot start vistel-monitor"),
+                                        (".", "vistel", "cannot start vistel-monitor"),
+                                        (folder, "", "cannot start vistel-monitor")]:
                 with self.subTest(path=path, name=name):
                     result = without_display(*WITHOUT_PROC, folder, path, name, program, "monitor", "none.log")
                     self.assertEqual((result.returncode, result.stdout), (2, ""))

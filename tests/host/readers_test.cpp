@@ -1,98 +1,17 @@
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <iterator>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "readers/recording.h"
-#include "text/hex.h"
+#include "host/recording_contents.h"
 
 namespace vistel {
 namespace {
 
 using namespace std::string_literals;
-using Lines = std::vector<std::string>;
-
-/// `F` or `M` for frame or message, priority, PGN, source, destination, payload: "F 2 127250 7 255 FF103B".
-std::string show(const Record& record) {
-    const N2KMsg& msg = record.msg;
-    std::string text = record.kind == Record::Kind::frame ? "F " : "M ";
-    for (const std::uint32_t number :
-         {std::uint32_t{msg.priority}, msg.pgn, std::uint32_t{msg.source}, std::uint32_t{msg.destination}})
-        text += std::to_string(number) + ' ';
-    for (int i = 0; i < msg.length; ++i) append_hex(text, msg.data[i], 2);
-    EXPECT_EQ(std::count(msg.data + msg.length, std::end(msg.data), 0),
-              std::end(msg.data) - msg.data - msg.length);
-    return text;
-}
-
-struct Contents {
-    Lines shown;  // records as by show(), problems as "LINE: text"; last "3 foreign" if there were so many
-    Lines times;  // of the records: "1456660800000000000 epoch"
-    std::string format;
-};
-
-std::unique_ptr<ByteInput> input_of(int descriptor) {
-    auto input = attach_descriptor(descriptor);
-    EXPECT_TRUE(input);
-    return std::move(*input);
-}
-
-Contents drain(Recording& recording) {
-    constexpr const char* origins[] = {" none", " start", " day", " epoch"};
-    Contents contents;
-    Record record;
-    for (ReadResult result; (result = recording.next(record)) != ReadResult::end;) {
-        if (result == ReadResult::record) {
-            contents.shown.push_back(show(record));
-            contents.times.push_back(std::to_string(record.time.nanoseconds) +
-                                     origins[static_cast<int>(record.time.origin)]);
-        } else if (result == ReadResult::problem) {
-            contents.shown.push_back(std::to_string(recording.problem().number) + ": " +
-                                     recording.problem().text);
-        }
-    }
-    contents.format = recording.format_name();
-    if (const auto foreign = recording.foreign_frames(); foreign > 0)
-        contents.shown.push_back(std::to_string(foreign) + " foreign");
-    return contents;
-}
-
-void write_all(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t size = ::write(descriptor, text.data(), text.size());
-        ASSERT_GT(size, 0);
-        text.remove_prefix(static_cast<std::size_t>(size));
-    }
-}
-
-enum class From { file, pipe };
-
-Contents read(std::string_view text, const std::string& format = "", From from = From::file) {
-    int ends[2] = {::memfd_create("recording", 0), -1};
-    std::thread writer;
-    if (from == From::file) {
-        write_all(ends[0], text);
-        ::lseek(ends[0], 0, SEEK_SET);
-    } else {
-        ::close(ends[0]);
-        EXPECT_EQ(0, ::pipe(ends));
-        writer = std::thread([&] { write_all(ends[1], text), ::close(ends[1]); });
-    }
-    Recording recording;
-    EXPECT_TRUE(recording.attach(input_of(ends[0]), {.format = format}));
-    EXPECT_EQ(recording.bytes_total(), from == From::file ? text.size() : 0);
-    Contents contents = drain(recording);
-    if (writer.joinable()) writer.join();
-    return contents;
-}
-
 TEST(Readers, ReadEachShapeOfLine) {
     std::string most;
     for (int i = 0; i < 1785; ++i) most += ",5A";
@@ -105,6 +24,7 @@ TEST(Readers, ReadEachShapeOfLine) {
         {",7,262143,0,0,8,00,11,22,33,44,55,66,77", "F 7 262143 0 0 0011223344556677"},
         {",0,0,255,254,9,00,11,22,33,44,55,66,77,88", "M 0 0 255 254 001122334455667788"},
         {",2,127250,7,255,1785" + most, "M 2 127250 7 255 " + most_shown}, {",2,4294967295,7,255,1,ff", "1 foreign"}, {",0,262144,0,0,2,01,0e", "1 foreign"},
+        {"12:00:00 , 2,127250 , 7,255,3, f, 10,3b", "F 2 127250 7 255 0F103B"}, {",2,127250,7,255,2,00,", "byte 2 `` is not hexadecimal"},
         {",2,127250,7,255,1786" + most + ",5a", "length 1786 is above 1785"},
         {"hello", "`hello` is not timestamp,priority,PGN,source,destination,length,bytes"},
         {",2,127250,7,255,2,00,\x01\xFF", "byte 2 `\\x01\\xFF` is not hexadecimal"},
@@ -117,17 +37,28 @@ TEST(Readers, ReadEachShapeOfLine) {
         {"interface = can0, family = 29, type = 3, proto = 1", ""}, {"can0  123   [2]  00 FC", "1 foreign"},
         {"can0  18EAFF01   [3]  remote request", "1 foreign"},
         {"can0 18EAFF01#R", "1 foreign"}, {"can0 20000004#00", "1 foreign"}, {"can0  09F8027F   [8]  00 FC", "8 bytes announced, 2 given"},
-        {"can0  09F8027F  [12]  00 01 02 03", "a CAN FD frame cannot be NMEA 2000"},
+        {"can0  09F8027F  [12]  00 01 02 03", "1 foreign"}, {"can0 09F8027F##500", "1 foreign"},
+        {"can0   123 [0004] (45|81:00:12345678) 00 00 00 00", "1 foreign"}, {"can0 45123#81:00:12345678#00", "1 foreign"},
+        {"can0  09F8027F   {2}  00 FC", "F 2 129026 127 255 00FC"}, {"can0  09F8027F   {2}  00", "2 bytes announced, 1 given"},
+        {"can0  09F8027F   {C}  00 01 02 03 04 05 06 07", "F 2 129026 127 255 0001020304050607"},
+        {"can0 09F8027F#0001020304050607_C", "F 2 129026 127 255 0001020304050607"},
+        {"can0 09F8027F#01.D5.02", "F 2 129026 127 255 01D502"}, {"can0 09F8027F#01.D5.0", "byte 3 `0` is not hexadecimal"},
+        {"can0  09F8027F   [2]  11111111 00000001   '..'", "F 2 129026 127 255 FF01"},
+        {"can0  RX - -  09F8027F   [3]  FD`7F`00   `..A`", "F 2 129026 127 255 007FFD"},
+        {"\x1B[34m  can0  \x1B[1;31m09F8027F\x1B[0m   [2]  00 \x1B[0mFC\x1B[0m", "F 2 129026 127 255 00FC"},
+        {"can0  20000004   [8]  00 04 00 00 00 00 00 00   ERRORFRAME", "1 foreign"},
+        {"controller-problem{rx-error-warning}", ""}, {"lost-arbitration{at bit 3}", ""}, {"bus-off", ""},
+        {"DROPCOUNT: dropped 2 CAN frames on 'can0' socket (total drops 2)", "frames are missing here: candump dropped 2"},
         {"can0 09F8027F#000102030405060708", "9 bytes given, at most 8 are possible"},
         {"can0 49F8027F#00", "identifier `49F8027F` has more than 29 bits"},
         {"can0  09F8027F  0", "`can0  09F8027F  0` has neither [length] nor # before its data"},
         {"(1,5) can0 09F8027F#00", "time `1,5` is not a number of seconds"},
     }}, {"yacht-devices", {
         {"19:07:21.014 R 09F8017F 50 C3", "F 2 129025 127 255 50C3"}, {"19:07:21.014 T 18EA23FE", "F 6 59904 254 35 "},
-        {"19:07:21.014 X 09F8017F 50", "direction `X` is neither R nor T"},
+        {"19F51323 01 02", "F 6 128275 35 255 0102"}, {"49F51323 01", "identifier `49F51323` has more than 29 bits"}, {"19:07:21.014 X 09F8017F 50", "direction `X` is neither R nor T"},
     }}, {"actisense-ascii", {
         {"A173321.107 23FF7 1F513 012F", "M 7 128275 35 255 012F"}, {"A173321 01230 3FFFF", "M 0 262143 1 35 "},
-        {"A173321.107 23FF8 1F513 012F", "priority 8 is above 7"},
+        {"A173321.107 23FFA 1F513 012F more", "M 2 128275 35 255 012F"}, {"B173321.107 23FF7 1F513 012F", ""},
         {"A173321.107 23FF7 40000 012F", "PGN 262144 is above 262143"},
         {"A1733.107 23FF7 1F513 012F", "time `A1733.107` is not Ahhmmss.mmm"},
     }}};
@@ -155,7 +86,8 @@ TEST(Readers, ReadTimestamps) {
         {"2016-03-01T00:59:60+01:00", "1456790400000000000 epoch"},
         {"2261-12-31T23:59:59Z", "9214646399000000000 epoch"}, {"19:57:02.364", "71822364000000 day"},
         {"00:30:00+01:00", "84600000000000 day"}, {"2016-02-28T12:00:00+24", zone}, {"2016-02-28T12:00:00+02:60", zone},
-        {"2015-02-29T12:00:00Z", "there is no such date"}, {"2262-01-01T12:00:00Z", "its year is outside 1970..2261"},
+        {"2015-02-29T12:00:00Z", "there is no such date"}, {"2262-01-01T12:00:00Z", "43200000000000 day"},
+        {"0001-01-01T00:00:00,250", "250000000 day"}, {"2016-02-28T12:00:00,500Z", "1456660800500000000 epoch"},
         {"2016-02-28T24:00:00Z", "there is no such time of day"},
         {"2016-02-28T12:00:61Z", "there is no such time of day"},
         {"2016-02-28T12:00:00.1234567890", "it has more than 9 decimals"},
@@ -211,7 +143,9 @@ TEST(Readers, ReadRecordings) {
         {",9,129025,127,255,1,50", "plain", {"1: priority 9 is above 7"}}, {"vcan abc#50\n", "candump", {"1 foreign"}},
         {",0,262144,0,0,2,01,0e\n12:00:00,7,4294967295,0,255,1,00\n" + plain, "plain", {shown, "2 foreign"}},
         {"", "", {}}, {"\n# nothing\n  \n", "", {}},
-        {"# nothing\nat all", "", {unknown}}, {std::string(100'000, '\0'), "", {unknown}},
+        {"# nothing\nat all", "", {unknown}}, {"\x89PNG\r\n\x1A\n", "", {"0: this seems to be a PNG picture; " + unknown.substr(3)}},
+        {"h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0 \0h\0e\0l\0l\0o\0\n\0"s, "",
+         {"0: this seems to be UTF-16 text; " + unknown.substr(3)}}, {std::string(100'000, '\0'), "", {unknown}},
         {"a12:00:00" + plain + "12:00:00,two,129025,127,255,1,50\n", "", {unknown}},
         {"vcan ab#50\nvcan xyz [1] 50\n19:07 R 09F8017F 50\n19:07:21 Q 09F8017F 50\n", "", {unknown}},
         {"B173321.107 23FF7 1F513 012F\nA17332 23FF7 1F513 012F\n", "", {unknown}},
@@ -234,23 +168,82 @@ TEST(Readers, ReadRecordings) {
         }
 }
 
-TEST(Readers, TellWholeMessagesFromFrames) {
-    const std::string piece = ",2,129029,1,255,8,00,01,02,03,04,05,06,07\n";
-    const std::string whole = ",2,129029,1,255,9,00,01,02,03,04,05,06,07,08\n";
-    const std::tuple<std::string, const char*, const char*> cases[] = {
-        // kinds of records in file and pipe
-        {piece + ",2,129029,1,255,9,00\n" + piece, "F1F", "F1F"},
-        {piece + whole + piece, "MMM", "FMM"},
-        {piece + "# format=FAST\n" + piece, "MM", "FM"},
-        {"#format=FAST\r\n" + piece, "M", "M"},
-        {"# format=FASTER\n" + piece, "F", "F"},
+TEST(Readers, TimesOfCandumpMayCountFromTheLineBefore) {
+    const auto text = [](std::initializer_list<const char*> times) {
+        std::string lines;
+        for (const char* time : times) lines += "("s + time + ") can0 09F8017F#50\n";
+        return lines;
     };
-    for (const auto& [text, in_file, in_pipe] : cases)
+    const std::string rising = text({"000.000000", "000.500000", "000.500000", "001.000000"});
+    std::string many = rising;
+    for (int i = 0; i < 28; ++i) many += text({"001.000000"});
+    for (const From from : {From::file, From::pipe}) {
+        const Lines since_start{"0 start", "500000000 start", "500000000 start", "1000000000 start"};
+        EXPECT_EQ(read(rising, "", from).times, since_start);
+        const Lines since_last{"0 start", "500000000 start", "1000000000 start", "2000000000 start"};
+        const Lines& times = read(rising + text({"000.250000"}), "", from).times;
+        EXPECT_EQ(Lines(times.begin(), times.begin() + 4), since_last);
+        EXPECT_EQ(times[4], "2250000000 start");
+        EXPECT_EQ(read(many + text({"000.250000"}), "", from).times.back(), "250000000 start") << "too late";
+        EXPECT_EQ(read(text({"001.000000", "000.250000"}), "", from).times.back(), "250000000 start");
+    }
+}
+
+TEST(Readers, TellInterfacesApart) {
+    std::string text, shown;
+    for (const char* interface : {"can1 ", "can0 ", "can0 ", "can1 ", "vcan"})
+        text += " (000.5)  "s + interface + "  09F8017F   [1]  50\n (1502979132.106111) " + interface +
+                " 09F8017F#50\n";
+    for (const std::string& bus : read(text).buses) shown += bus;
+    EXPECT_EQ(shown, "0011110022");
+}
+
+TEST(Readers, TellWholeMessagesFromFrames) {
+    const std::string piece = ",2,129029,35,255,8,00,01,02,03,04,05,06,07\n";
+    const std::string whole = ",2,129029,35,255,9,00,01,02,03,04,05,06,07,08\n";
+    const std::string single = ",2,127250,35,255,8,00,01,02,03,04,05,06,07\n";
+    const std::string packet =
+        ",2,129029,35,255,8,20,0E,02,03,04,05,06,07\n" + single +
+        ",2,129029,35,255,8,21,01,02,03,04,05,06,07\n" +
+        ",2,129029,36,255,8,22,01,02,03,04,05,06,07\n,2,129029,35,255,8,22,01,02,03,04,05,06,07\n";
+    std::string many;
+    while (many.size() < 70'000) many += single;
+    const std::tuple<std::string, ContentKind, const char*> cases[] = {
+        {piece + ",2,129029,35,255,9,00\n" + piece, ContentKind::as_it_seems, "M1M"},
+        {single + piece + whole + piece, ContentKind::as_it_seems, "FMMM"},
+        {piece + "# format=FAST\n" + piece, ContentKind::as_it_seems, "MM"},
+        {"#FORMAT=fast\r\n" + piece, ContentKind::as_it_seems, "M"},
+        {"# format=FASTER\n" + piece, ContentKind::as_it_seems, "F"},
+        {"# format=PLAIN_MIX_FAST\n" + whole + piece, ContentKind::as_it_seems, "MF"},
+        {packet + whole + piece, ContentKind::as_it_seems, "FFFFFMF"},
+        {packet + whole + piece, ContentKind::messages, "MMMMMMM"},
+        {whole + piece, ContentKind::frames, "MF"},
+        {piece + many + whole + piece, ContentKind::as_it_seems, "FMM"},  // that far nobody looks
+    };
+    for (const auto& [text, kind, expected] : cases)
         for (const From from : {From::file, From::pipe}) {
             std::string kinds;
-            for (const std::string& shown : read(text, "", from).shown)
-                kinds += shown[0] == '2' ? '1' : shown[0];
-            EXPECT_EQ(kinds, from == From::file ? in_file : in_pipe) << text;
+            for (const std::string& shown : read(text, "", from, kind).shown)
+                if (shown.substr(1, 11) != " 2 127250 3" || text.size() < 1000)
+                    kinds += shown.starts_with("M") || shown.starts_with("F") ? shown[0] : '1';
+            EXPECT_EQ(kinds, expected) << text.substr(0, 1000);
+        }
+}
+
+TEST(Readers, TellTheOrderOfPlainHeaders) {
+    const std::string either = "09:30:00,3,129025,2,255,8,00,01,02,03,04,05,06,07\n";
+    std::string few, many;
+    for (int i = 0; i < 31; ++i) few += either;
+    many = few + either;
+    const std::pair<std::string, const char*> cases[] = {
+        {"09:30:00,35,127250,2,255,8,00,01,02,03,04,05,06,07\n", "F 2 129025 3 255 0001020304050607"},
+        {"09:30:00,2,127250,35,255,8,00,01,02,03,04,05,06,07\n", "F 3 129025 2 255 0001020304050607"},
+        {"", "F 3 129025 2 255 0001020304050607"},
+    };
+    for (const auto& [last, first] : cases)
+        for (const From from : {From::file, From::pipe}) {
+            EXPECT_EQ(read(few + last, "", from).shown[0], first);
+            EXPECT_EQ(read(many + last, "", from).shown[0], "F 3 129025 2 255 0001020304050607");
         }
 }
 

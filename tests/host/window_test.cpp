@@ -17,9 +17,9 @@ TEST(Window, SaysWhatIsNotShown) {
     const auto title = [](const TemporaryRecording& file) {
         return wxFileName(file.name()).GetFullName() + " - PGN Vistel";
     };
-    auto player = std::make_unique<Player>(PlayOptions{.file = full.name(), .format = {}, .speed = 0});
+    auto player = std::make_unique<Player>(PlayOptions{.file = full.name(), .format = {}, .contents = {}, .speed = 0});
     std::string error;
-    ASSERT_TRUE(player->open(error)) << error;
+    ASSERT_TRUE(player->open());
     MonitorWindow window(std::move(player));
     window.show();
     auto* const frame = dynamic_cast<wxFrame*>(wxWindow::FindWindowByLabel(title(full)));

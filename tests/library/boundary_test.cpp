@@ -2,6 +2,7 @@
 // entries switch the module state in, and what a host gets when memory runs out.
 
 #include <gtest/gtest.h>
+#include <wx/bmpbuttn.h>
 #include <wx/frame.h>
 #include <wx/treectrl.h>
 
@@ -9,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "library/recording_platform.h"
@@ -23,11 +25,13 @@ using namespace pgn_vistel::core;
 namespace pgn_vistel::test {
 namespace {
 
-/// Lets the n-th allocation of this thread from here on (0: the next) and all after it fail, while it lives.
+/// Lets the n-th allocation of this thread from here on (0: the next) and all after it fail, while it lives;
+/// `states_only`: of those that the library makes with std::nothrow, for its states.
 class ScarceMemory {
   public:
-    explicit ScarceMemory(long allocations_left) {
+    explicit ScarceMemory(long allocations_left, bool states_only = false) {
         left_ = allocations_left;
+        states_only_ = states_only;
         failed_ = false;
         scarce_ = true;
     }
@@ -40,13 +44,13 @@ class ScarceMemory {
         return nullptr;
     }
     static void* allocate_or_throw(std::size_t size) {
-        void* const memory = allocate(size);
+        void* const memory = states_only_ ? std::malloc(size != 0 ? size : 1) : allocate(size);
         if (memory == nullptr) throw std::bad_alloc();
         return memory;
     }
 
   private:
-    static inline thread_local bool scarce_ = false, failed_ = false;
+    static inline thread_local bool scarce_ = false, failed_ = false, states_only_ = false;
     static inline thread_local long left_ = 0;
 };
 
@@ -183,6 +187,38 @@ TEST(MemoryExhaustion, BecomesAResultOfTheTree) {
             EXPECT_LT(left, 2) << "only without a state or a stream table";
         }
         tree->~PGN_VistelTree_c();
+    }
+}
+
+TEST(MemoryExhaustion, LeavesADialogThatDoesNothing) {
+    struct Pressed : PGN_VistelDlg_c {
+        void press_all() {
+            wxCommandEvent click;
+            OnButtonClear(click);
+            OnButtonPause(click);
+            OnButtonUnit(click);
+            s_OnTextEnter(this, 0, "7");
+        }
+        wxString pause_label() const {
+            wxString label;  // of the last one
+            for (wxWindow* const child : GetChildren())
+                if (dynamic_cast<wxBitmapButton*>(child) != nullptr) label = child->GetLabel();
+            return label;
+        }
+    };
+    for (const long states_left : {0, 1, 2}) {
+        std::optional<ScarceMemory> memory(std::in_place, states_left, true);
+        auto* const dialog = new Pressed;
+        dialog->Create(static_cast<wxWindow*>(nullptr), nullptr, 10, 0);
+        const bool was_short = memory->was_short();
+        memory.reset();
+        dialog->Show();
+        const wxString label = dialog->pause_label();
+        N2KMsg msg = heading();
+        EXPECT_EQ(dialog->PutMsg(&msg), was_short ? -1 : 0) << states_left;
+        dialog->press_all();
+        EXPECT_EQ(dialog->pause_label() == label, was_short);
+        dialog->Destroy();
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include <gtk/gtk.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <optional>
 
 #include "loaded_module.h"
@@ -39,6 +41,54 @@ TEST(NativeHost, OutlivesTheLibrary) {
         gtk_window_resize(GTK_WINDOW(window), 300 + 10 * round, 200);
         run(100);
     }
+    gtk_widget_destroy(window);
+    run(50);
+}
+
+/// Lines of text that the display shows at the left of a window's lower part.
+int shown_lines(GtkWidget* window) {
+    constexpr int below_buttons = 40, width = 150, margin = 10;
+    GdkWindow* const area = gtk_widget_get_window(window);
+    const int height = gdk_window_get_height(area) - below_buttons - margin;
+    GdkPixbuf* const picture = gdk_pixbuf_get_from_window(area, margin, below_buttons, width, height);
+    const std::size_t pixel = static_cast<std::size_t>(gdk_pixbuf_get_n_channels(picture));
+    int lines = 0;
+    bool was_blank = true;
+    for (int y = 0; y < height; ++y) {
+        const guchar* const row = gdk_pixbuf_read_pixels(picture) + y * gdk_pixbuf_get_rowstride(picture);
+        const bool is_blank = std::equal(row + pixel, row + width * pixel, row);
+        lines += was_blank && !is_blank;
+        was_blank = is_blank;
+    }
+    g_object_unref(picture);
+    return lines;
+}
+
+TEST(NativeHost, ShowsWhatACallHasDone) {
+    gtk_init(nullptr, nullptr);
+    GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_show_all(window);
+    run(100);
+    std::optional<LoadedModule> plugin(PLUGIN);
+    const auto put = plugin->function<int(std::uint8_t)>("put_message");
+    EXPECT_EQ(
+        plugin->function<int(HWND)>("open_monitor")(reinterpret_cast<HWND>(gtk_widget_get_window(window))),
+        0);
+    run(300);
+    auto* const monitor = static_cast<GtkWidget*>(plugin->function<void*()>("monitor_widget")());
+    EXPECT_EQ(shown_lines(monitor), 1);
+    // The host draws what it was told to, and no event comes in between.
+    for (std::uint8_t source = 1; source < 5; ++source) {
+        EXPECT_EQ(put(source), 0);
+        run(100);
+        EXPECT_EQ(shown_lines(monitor), 1 + source);
+    }
+    EXPECT_EQ(plugin->function<int()>("clear_messages")(), 0);
+    run(100);
+    EXPECT_EQ(shown_lines(monitor), 0);
+    plugin->function<void()>("close_monitor")();
+    run(100);
+    plugin.reset();
     gtk_widget_destroy(window);
     run(50);
 }

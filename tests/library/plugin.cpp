@@ -23,6 +23,24 @@ extern "C" __attribute__((visibility("default"))) int open_monitor(HWND parent) 
     return is_whole ? PGN_VistelDlg_c::s_PutMsg(dialog, &msg) : 1;
 }
 
+/// A message of a stream of its own.
+extern "C" __attribute__((visibility("default"))) int put_message(std::uint8_t source) {
+    N2KMsg msg{};
+    msg.pgn = 127250;
+    msg.source = source;
+    msg.length = 8;
+    return dialog->PutMsg(&msg);
+}
+
+extern "C" __attribute__((visibility("default"))) int clear_messages() {
+    return dialog->ClearMsg();
+}
+
+/// The dialog's widget.
+extern "C" __attribute__((visibility("default"))) void* monitor_widget() {
+    return dialog->GetHandle();
+}
+
 extern "C" __attribute__((visibility("default"))) void close_monitor() {
     delete dialog;
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "pgn_vistel/core/units.h"
+#include "pgn_vistel/unit_dlg.h"
 #include "views/windows.h"
 
 using namespace pgn_vistel::core;
@@ -123,7 +124,8 @@ TEST_F(MonitorDialog, FiltersBySource) {
         {"7", 2, 7},   {"", 2, 0},        // unreadable: as before, 7 alone
         {"zz", 2, 0},  {"23", 23, 0x23},  // hexadecimal
         {"1C4", 0, 2},                    // beyond 255 is all
-        {"7", 3, 0},   {"-1", 0, 3}};     // its low byte
+        {"7", 3, 0},   {"-1", 0, 3},      // its low byte
+        {"7", 10, 0},  {"FFFFFFFF", 0, 10}};
     for (const auto& [typed, hidden, shown] : steps) {
         SCOPED_TRACE(typed);
         type_over(*parts_.filter, typed);
@@ -175,6 +177,41 @@ TEST_F(MonitorDialog, DoesWhatItsButtonsSay) {
     bring_up(*dialog_);
     EXPECT_EQ(blocks().size(), 3u);
     EXPECT_TRUE(shows(4));
+}
+
+TEST_F(MonitorDialog, IsBuiltOnce) {
+    EXPECT_TRUE(shows(1));
+    const std::size_t windows = wxTopLevelWindows.size(), parts = dialog_->GetChildren().size();
+    HostWindow host;
+    int created = -1;
+    dialog_->Create(nullptr, nullptr, &created, 1, 1);
+    dialog_->Create(host.handle(), nullptr, 1, 1);
+    auto& units = dynamic_cast<PGN_VistelUnitDlg_c&>(*parts_.units);
+    units.Create(nullptr, nullptr, &created, 0);
+    EXPECT_EQ(created, -1);
+    EXPECT_EQ(wxTopLevelWindows.size(), windows);
+    EXPECT_FALSE(host.owns(*dialog_));
+    EXPECT_EQ(dialog_->GetChildren().size(), parts);
+    EXPECT_TRUE(shows(2)) << "with the room that it had";
+    EXPECT_EQ(blocks().size(), 2u);
+    dialog_.reset();
+    EXPECT_EQ(created_, 0);
+}
+
+TEST_F(MonitorDialog, CentresTheFilter) {
+    // Where it stands is seen: as much is blank to the left of the text as to its right.
+    bring_up(*dialog_);
+    const wxRect area = parts_.filter->GetScreenRect().Deflate(6);
+    const wxImage picture = picture_of(*dialog_, area);
+    int first = area.width, last = 0;
+    for (int y = 0; y < area.height; ++y)
+        for (int x = 0; x < area.width; ++x) {
+            if (picture.GetRed(x, y) > 128) continue;
+            first = std::min(first, x);
+            last = std::max(last, x);
+        }
+    ASSERT_LT(first, last);
+    EXPECT_NEAR(first, area.width - 1 - last, 2);
 }
 
 TEST(NativeParent, CarriesADialog) {

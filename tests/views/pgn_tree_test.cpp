@@ -26,6 +26,7 @@ struct ToolkitMonitor : private ToolkitControl {
         tree.OnInit();
     }
     std::vector<Block> blocks() const { return blocks_of(control); }
+    wxTreeCtrl& tree_control() { return control; }
     void collapse_first() { control.Collapse(wxTreeItemId(const_cast<void*>(blocks()[0].item))); }
 
     PGN_VistelTree_c tree;
@@ -126,7 +127,7 @@ TYPED_TEST(Tree, FillsAndPauses) {
     this->tree_.OnInit();
     EXPECT_TRUE(this->blocks().empty()) << "starting over";
     EXPECT_EQ(this->put_from({5, 6, 7, 8}), "0 0 0 -1 ");
-    for (const unsigned long capacity : {0ul, ~0ul}) {  // no memory has room for the second
+    for (const unsigned long capacity : {0ul, 0xFFFFFFFFul, ~0ul}) {  // no memory has room for the others
         N2KMsg msg = message_from(1);
         EXPECT_EQ(TypeParam(capacity).tree.PutMsg(&msg), -1);
     }
@@ -217,6 +218,54 @@ TEST(TreeForm, NativeKeepsItsDistances) {
     }
 }
 
+/// Lines as a tree has them: those of UTF-8 text, with nothing in them that ends a line.
+std::vector<std::wstring> as_shown(std::vector<std::wstring> lines) {
+    for (std::wstring& line : lines) {
+        line = wxString::FromUTF8(as_utf8(line)).ToStdWstring();
+        std::ranges::replace_if(
+            line, [](wchar_t c) { return c == 0x2028 || c == 0x2029; }, L'\uFFFD');
+    }
+    return lines;
+}
+
+/// The label of a device (130818) in UTF-16.
+N2KMsg labelled(const std::u16string& text) {
+    Bytes payload{0x89, 0x98, 0, 0, 0, static_cast<std::uint8_t>(2 + 2 * text.size()), 0};
+    for (const char16_t c : text)
+        for (const int shift : {0, 8}) payload.push_back(static_cast<std::uint8_t>(c >> shift));
+    payload.push_back(1);
+    return message_from(9, 130818, payload);
+}
+
+TEST(TreeForm, TextsOfDevicesStayInTheirLines) {
+    ToolkitMonitor toolkit(9);
+    NativeMonitor native(9);
+    const auto height = [&] {
+        wxRect area;
+        EXPECT_TRUE(toolkit.tree_control().GetBoundingRect(
+            wxTreeItemId(const_cast<void*>(toolkit.blocks().at(0).item)), area, true));
+        return area.height;
+    };
+    N2KMsg plain_label = labelled(u"abc");
+    toolkit.tree.PutMsg(&plain_label);
+    const int usual_height = height();
+    const std::pair<std::u16string, std::wstring> cases[] = {
+        {u"abc", L"abc"},
+        {u"a\nb\r\tc", L"a\uFFFDb\uFFFD\uFFFDc"},
+        {u"\x1B[1m\x7F\x85", L"\uFFFD[1m\uFFFD\uFFFD"},
+        {u"a\u2028b\u2029", L"a\uFFFDb\uFFFD"},
+        {{0xD83D, 'a', 0xDE00, 0xD83D}, L"\uFFFDa\uFFFD\uFFFD"},
+        {{0xD83D, 0xDE00, 0xD83D}, L"\U0001F600\uFFFD"},
+    };
+    for (const auto& [sent, shown] : cases) {
+        N2KMsg msg = labelled(sent);
+        for (auto* const tree : {&toolkit.tree, &native.tree}) EXPECT_EQ(tree->PutMsg(&msg), 0);
+        EXPECT_EQ(toolkit.blocks()[0].lines.at(8), L"Label: " + shown + L" ");
+        EXPECT_EQ(native.blocks()[0].lines, toolkit.blocks()[0].lines);
+        EXPECT_EQ(height(), usual_height) << shown.c_str();
+    }
+}
+
 /// Mostly of a catalogued PGN and about as long as it should be, else anything.
 N2KMsg any_message(std::mt19937& random) {
     const auto pick = [&](std::size_t count) { return random() % count; };
@@ -256,7 +305,7 @@ TEST(TreeForm, ShowsAnyTraffic) {
         const auto label = stream_line(msg);
         // Texts that are refused show what the last one left; all three start from the same.
         clear_text_areas();
-        shown[label] = lines_of(msg, plain, SelectionAccess::of(qv_n2k_pgn_db));
+        shown[label] = as_shown(lines_of(msg, plain, SelectionAccess::of(qv_n2k_pgn_db)));
         clear_text_areas();
         const int result = toolkit.tree.PutMsg(&msg);
         refused += result == -1;

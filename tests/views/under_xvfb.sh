@@ -1,6 +1,7 @@
 #!/bin/sh
 # under_xvfb.sh COMMAND ..: runs a command on an X server of its own, which takes a free display by itself and
-# says which when it is ready. The command's result is the script's.
+# says which when it is ready. The command's result is the script's. SCREEN is its size, where the usual one is not
+# meant.
 set -eu
 
 scratch=$(mktemp -d)
@@ -14,7 +15,7 @@ trap tidy_up EXIT
 trap 'exit 1' INT TERM
 
 mkfifo "$scratch/display"
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/log" &
+Xvfb -displayfd 3 -screen 0 "${SCREEN:-1280x1024}x24" -nolisten tcp 3>"$scratch/display" 2>"$scratch/log" &
 server=$!
 # An X server that fails closes the pipe, so this ends in every case.
 if ! read -r number <"$scratch/display"; then

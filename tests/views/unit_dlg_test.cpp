@@ -2,6 +2,7 @@
 
 #include <wx/combobox.h>
 #include <wx/frame.h>
+#include <wx/gdicmn.h>
 #include <wx/stattext.h>
 
 #include <map>
@@ -125,6 +126,24 @@ TEST_F(UnitDialog, HidesAndShowsTheSelectionAnew) {
     EXPECT_EQ(choice("Depth").GetSelection(), 0) << "left as it was";
     dialog_.reset();
     EXPECT_EQ(created_, 0);
+}
+
+TEST_F(UnitDialog, FitsItsScreen) {
+    bring_up(*dialog_);
+    const wxRect screen = wxGetClientDisplayRect();
+    EXPECT_TRUE(screen.Contains(wxWindow::FindWindowByLabel("Close", dialog_.get())->GetScreenRect()));
+    EXPECT_LE(dialog_->GetSize().y, screen.height - 40) << "with room for a title bar";
+    wxComboBox& last = choice(quantity_rows().back().label);
+    last.SetFocus();  // as by the keyboard: rows that are out of sight come into it
+    EXPECT_TRUE(eventually([&] { return dialog_->GetScreenRect().Contains(last.GetScreenRect()); }));
+    settle();
+    const wxRect area = last.GetScreenRect();
+    EXPECT_EQ(wxFindWindowAtPoint(area.GetPosition() + wxPoint(20, area.height / 2)), &last);
+    click_button("Apply");
+    EXPECT_EQ(applied, 1);
+    press(WXK_ESCAPE);
+    EXPECT_TRUE(eventually([&] { return !dialog_->IsShown(); }));
+    EXPECT_EQ(created_, 1);
 }
 
 TEST_F(UnitDialog, EveryWayOfCreation) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <wx/scrolwin.h>
 #include <wx/stopwatch.h>
 #include <wx/toplevel.h>
 #include <wx/treectrl.h>
@@ -40,7 +41,7 @@ inline void bring_up(wxTopLevelWindow& window) {
     window.Show();
     ASSERT_TRUE(eventually([&] { return window.IsShownOnScreen(); }));
     // Without a window manager a window is placed nowhere in particular.
-    window.Move(40, 40);
+    window.Move(40, 0);
     EXPECT_TRUE(eventually([&] {
         if (window.IsActive()) return true;
         window.Raise();
@@ -88,11 +89,15 @@ inline void resize(HostWindow& host, int width, int height) {
     EXPECT_TRUE(eventually([&] { return host.width() == width; }));
 }
 
+/// Those of a window, and of what scrolls in it.
 template <class Control>
 std::vector<Control*> children_of(const wxWindow& window) {
     std::vector<Control*> found;
-    for (wxWindow* const child : window.GetChildren())
+    for (wxWindow* const child : window.GetChildren()) {
         if (auto* const control = dynamic_cast<Control*>(child)) found.push_back(control);
+        if (dynamic_cast<wxScrolledWindow*>(child) != nullptr)
+            for (Control* const control : children_of<Control>(*child)) found.push_back(control);
+    }
     return found;
 }
 

@@ -1,0 +1,337 @@
+#include "terminal/top.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "network/message_view.h"
+#include "text/utf8.h"
+#include "text/words.h"
+
+namespace vistel {
+
+namespace core = pgn_vistel::core;
+
+namespace {
+
+constexpr std::array order_names = {"appearance", "PGN", "source", "rate", "latest"};
+constexpr PlayTime glow = one_second;
+
+template <class... Values>
+std::string formatted(const char* format, Values... values) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+/// "0.3s", "12s", "5m", "3h"
+std::string age_text(PlayTime age) {
+    const double seconds = static_cast<double>(std::max<PlayTime>(0, age)) / one_second;
+    if (seconds < 9.95) return formatted("%.1fs", seconds);
+    if (seconds < 600) return formatted("%.0fs", seconds);
+    if (seconds < 6000) return formatted("%.0fm", seconds / 60);
+    return formatted("%.0fh", seconds / 3600);
+}
+
+std::string rate_text(double rate) {
+    if (rate <= 0) return "-";
+    if (rate < 0.095) return formatted("%.0fs", 1 / rate);  // so long from one to the next
+    return formatted(rate < 9.95 ? "%.1f/s" : "%.0f/s", rate);
+}
+
+constexpr int pgn_column = 1, source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
+
+std::vector<PageLine> help_lines(const std::string& problem) {
+    constexpr const char* keys[][2] = {
+        {"Up, Down, PgUp, PgDn", "to another stream or line"},
+        {"Enter", "the message in full, and back"},
+        {"/", "filter by number, name or text of a field; Enter keeps it, Escape drops it"},
+        {"s", "only what this source sends, or all again"},
+        {"o", "order: appearance, PGN, source, rate, latest"},
+        {"u", "other units"},
+        {"Space, p", "pause: a recording stops; of a live source the picture stands still"},
+        {".", "the next message of a recording that is paused"},
+        {"+, -", "a recording faster or slower"},
+        {"<, >", "a recording back or on by a twentieth"},
+        {"c", "forget all streams"},
+        {"h, ?", "this page"},
+        {"q", "leave"},
+    };
+    std::vector<PageLine> lines;
+    for (const auto& [key, what] : keys)
+        lines.push_back(PageLine().add(" ").add(key, Style::strong).to_column(24).add(what));
+    if (!problem.empty()) {
+        lines.emplace_back();
+        lines.push_back(PageLine().add(" The first error: " + problem, Style::alarm));
+    }
+    return lines;
+}
+
+}  // namespace
+
+Top::Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter)
+    : player_(player), units_(std::move(units)), filter_(std::move(filter)) {}
+
+void Top::on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t bus, PlayTime now) {
+    streams_.put(msg, bus, now);
+}
+
+void Top::advance() {
+    player_.advance(*this);
+}
+
+void Top::pause(bool paused) {
+    player_.pause(paused);
+    rows_.clear();  // until the next page: they may be of the other picture
+    frozen_.reset();
+    if (paused && !player_.is_paced()) {
+        frozen_ = std::make_unique<Streams>(streams_);
+        frozen_at_ = player_.now();
+    }
+}
+
+void Top::move(int lines) {
+    if (view_ == View::streams) {
+        cursor_ = std::clamp(cursor_ + lines, 0, std::max(0, static_cast<int>(rows_.size()) - 1));
+        if (!rows_.empty()) selected_ = rows_[static_cast<std::size_t>(cursor_)]->order();
+    } else {
+        scroll_ = std::max(0, scroll_ + lines);
+    }
+}
+
+bool Top::press_in_filter(std::uint32_t key) {
+    switch (key) {
+        case key_enter: typing_ = false; break;
+        case key_escape:
+            typing_ = false;
+            filter_.text.clear();
+            break;
+        case key_backspace:
+            while (!filter_.text.empty() && (filter_.text.back() & 0xC0) == 0x80) filter_.text.pop_back();
+            if (!filter_.text.empty()) filter_.text.pop_back();
+            break;
+        default:
+            constexpr std::size_t longest = 60;
+            if (key >= ' ' && key < key_up && key != 0x7F && filter_.text.size() < longest)
+                append_utf8(filter_.text, key);
+    }
+    return true;
+}
+
+bool Top::press(std::uint32_t key) {
+    if (typing_) return press_in_filter(key);
+    constexpr double least_speed = 1.0 / 64, most_speed = 64, step = 0.05;
+    const Stream* const chosen = rows_.empty() ? nullptr : rows_[static_cast<std::size_t>(cursor_)];
+    switch (key) {
+        case 'q': return false;
+        case key_up:
+        case 'k': move(-1); break;
+        case key_down:
+        case 'j': move(1); break;
+        case key_page_up: move(-page_rows_); break;
+        case key_page_down: move(page_rows_); break;
+        case key_home: move(-1'000'000); break;
+        case key_end: move(1'000'000); break;
+        case key_enter:
+            scroll_ = 0;
+            view_ = view_ == View::streams && chosen != nullptr ? View::message : View::streams;
+            break;
+        case key_escape: view_ = View::streams; break;
+        case 'h':
+        case '?':
+            scroll_ = 0;
+            view_ = view_ == View::help ? View::streams : View::help;
+            break;
+        case '/': typing_ = true; break;
+        case 's':
+            if (!filter_.sources.empty()) {
+                filter_.sources.clear();
+            } else if (chosen != nullptr) {
+                filter_.sources = {chosen->msg().source};
+            }
+            break;
+        case 'o':
+            order_ = static_cast<StreamOrder>((static_cast<unsigned>(order_) + 1) % order_names.size());
+            break;
+        case 'u': unit_set_ = (unit_set_ + 1) % units_.size(); break;
+        case ' ':
+        case 'p': pause(!player_.paused()); break;
+        case '.':
+            if (player_.paused() && player_.is_paced()) player_.step(*this);
+            break;
+        case '+':
+        case '-':
+            if (const double now = player_.options().speed.value_or(1); player_.is_paced() && now > 0)
+                player_.set_speed(std::clamp(key == '+' ? now * 2 : now / 2, least_speed, most_speed));
+            break;
+        case '<': player_.seek(player_.place() - step, *this); break;
+        case '>': player_.seek(player_.place() + step, *this); break;
+        case 'c':
+            streams_.clear();
+            if (frozen_) frozen_->clear();
+            rows_.clear();
+            view_ = View::streams;
+            break;
+        default: break;
+    }
+    return true;
+}
+
+PageLine Top::status(int width) const {
+    PageLine line;
+    if (player_.paused()) line.add(" PAUSED", Style::alarm).add(" ·");
+    if (player_.ended()) line.add(" END", Style::alarm).add(" ·");
+    line.add(concat(" ", rows_.size() < shown().size() ? concat(rows_.size(), " of ") : std::string(),
+                    shown().size(), " streams · ", streams_.messages(), " messages"));
+    double rate = 0;
+    for (const Stream* const stream : rows_) rate += stream->rate(now());
+    line.add(formatted(" · %.0f/s", rate));
+    if (player_.is_paced()) {
+        if (const double speed = player_.options().speed.value_or(1); speed > 0 && speed != 1)
+            line.add(formatted(" · %g times", speed));
+        if (player_.can_seek()) line.add(formatted(" · %.0f %%", 100 * player_.place()));
+    }
+    const ReassemblyCounters& losses = player_.losses();
+    const std::uint64_t incomplete = losses.incomplete_fast_packets + losses.incomplete_transports;
+    const auto alarm = [&line](std::uint64_t count, const char* what) {
+        if (count > 0) line.add(concat(" · ", count, what), Style::alarm);
+    };
+    alarm(incomplete, " incomplete");
+    alarm(player_.counters().problems, " errors");
+    alarm(streams_.refused(), " without room");
+    return line.to_column(width);
+}
+
+PageLine Top::row_of(const Stream& stream, int width) const {
+    const PlayTime present = now();
+    const Style style = stream.is_silent(present) ? Style::faint : Style::plain;
+    PageLine line;
+    line.add(concat(" ", stream.msg().pgn), style).to_column(source_column);
+    line.add(formatted("%3u", unsigned{stream.msg().source}), style).to_column(rate_column);
+    const auto right = [&](const std::string& text, int column) {
+        line.to_column(std::max(line.width(), column - 1 - columns_of(text)))
+            .add(text, style)
+            .to_column(column);
+    };
+    right(rate_text(stream.rate(present)), age_column);
+    right(age_text(present - stream.seen()), name_column);
+    const MessageView view(stream.msg(), units(), player_.options().definitions);
+    line.add(view.name(), style == Style::plain ? Style::strong : style).add("  ", style);
+    const bool is_fresh = present - stream.changed() < glow && stream.count() > 1;
+    line.add(summary_of(stream.msg(), units(), player_.options().definitions),
+             is_fresh && style == Style::plain ? Style::changed : style);
+    return line.to_column(width);
+}
+
+void Top::add_rows(Page& page, const std::vector<PageLine>& rows, int height) {
+    scroll_ = std::clamp(scroll_, 0, std::max(0, static_cast<int>(rows.size()) - height));
+    for (int i = scroll_; i < scroll_ + height; ++i)
+        page.push_back(i < static_cast<int>(rows.size()) ? rows[static_cast<std::size_t>(i)] : PageLine());
+}
+
+void Top::add_streams(Page& page, int width, int height) {
+    PageLine heading;
+    heading.add(" PGN", Style::heading)
+        .to_column(source_column)
+        .add("Src", Style::heading)
+        .to_column(rate_column);
+    heading.add("  Rate", Style::heading)
+        .to_column(age_column)
+        .add("  Age", Style::heading)
+        .to_column(name_column);
+    page.push_back(
+        heading
+            .add(concat("Message (by ", order_names[static_cast<std::size_t>(order_)], ")"), Style::heading)
+            .to_column(width));
+    page_rows_ = std::max(1, height - 1);
+    first_row_ = std::clamp(first_row_, std::max(0, cursor_ - page_rows_ + 1), cursor_);
+    for (int i = first_row_; i < first_row_ + page_rows_; ++i) {
+        if (i >= static_cast<int>(rows_.size())) {
+            page.emplace_back();
+            continue;
+        }
+        PageLine line = row_of(*rows_[static_cast<std::size_t>(i)], width);
+        if (i == cursor_) line.mark();
+        page.push_back(std::move(line));
+    }
+}
+
+void Top::add_message(Page& page, int width, int height) {
+    std::vector<PageLine> rows;
+    const Stream& stream = *rows_[static_cast<std::size_t>(cursor_)];
+    const N2KMsg& msg = stream.msg();
+    const PlayTime present = now();
+    MessageView view(msg, units(), player_.options().definitions);
+    rows.push_back(PageLine().add(concat(" ", msg.pgn, " ", view.name()), Style::strong));
+    rows.push_back(
+        PageLine().add(concat(" source ", msg.source, ", destination ", msg.destination, ", priority ",
+                              msg.priority, ", ", msg.length, " bytes, ", stream.count(), " messages, ") +
+                       rate_text(stream.rate(present)) + ", " + age_text(present - stream.seen()) + " ago"));
+    rows.emplace_back();
+    while (view.next()) {
+        PageLine line;
+        line.add(" ").add(view.label(), view.is_telling() ? Style::plain : Style::faint);
+        const int value_column = std::min(36, width / 2);
+        line.to_column(value_column - 1).add(" ");
+        line.add(view.value(), view.is_telling() ? Style::strong : Style::faint);
+        constexpr int raw_width = 26;
+        if (width >= 76) {
+            line.to_column(width - raw_width).add(" ");
+            line.add(
+                concat(std::to_string(view.first_bit() / 8 + 1), ".", std::to_string(view.first_bit() % 8),
+                       "+", std::to_string(view.behind_bit() - view.first_bit()), "  ", view.raw()),
+                Style::faint);
+        }
+        rows.push_back(std::move(line.to_column(width)));
+    }
+    if (const std::string rest = view.undecoded(); !rest.empty())
+        rows.push_back(PageLine().add(" Data ").add(rest, Style::strong));
+    rows.emplace_back();
+    constexpr int bytes_in_row = 16;
+    for (int i = 0; i < msg.length; i += bytes_in_row)
+        rows.push_back(PageLine()
+                           .add(formatted(" %4d  ", i), Style::faint)
+                           .add(spaced_bytes(msg.data + i, std::min(bytes_in_row, msg.length - i))));
+    page_rows_ = height;
+    add_rows(page, rows, height);
+}
+
+PageLine Top::footer(int width) const {
+    PageLine line;
+    if (typing_) {
+        line.add(" filter: ").add(filter_.text + "_", Style::strong);
+    } else if (streams_.size() == 0 && !player_.first_problem().empty()) {
+        line.add(" " + player_.first_problem(), Style::alarm);
+    } else {
+        if (!filter_.text.empty()) line.add(concat(" filter: ", filter_.text, " "), Style::strong);
+        line.add(" q leave  Enter message  / filter  s source  o order  Space pause  h help", Style::faint);
+        line.add(concat("  units: ", units_[unit_set_].name), Style::faint);
+    }
+    return line.to_column(width);
+}
+
+Page Top::page(int width, int height) {
+    rows_ = shown().select(filter_, order_, now(), units(), player_.options().definitions);
+    // The cursor stays with its stream.
+    const auto selected = std::ranges::find(rows_, selected_, &Stream::order);
+    if (selected != rows_.end()) cursor_ = static_cast<int>(selected - rows_.begin());
+    cursor_ = std::clamp(cursor_, 0, std::max(0, static_cast<int>(rows_.size()) - 1));
+    if (view_ == View::message && rows_.empty()) view_ = View::streams;
+    Page page;
+    page.push_back(status(width));
+    const int body = std::max(0, height - 2);
+    switch (view_) {
+        case View::streams: add_streams(page, width, body); break;
+        case View::message: add_message(page, width, body); break;
+        case View::help:
+            page_rows_ = body;
+            add_rows(page, help_lines(player_.first_problem()), body);
+            break;
+    }
+    page.resize(static_cast<std::size_t>(std::max(1, height - 1)));
+    page.push_back(footer(width));
+    for (PageLine& line : page) line.cut(width);
+    return page;
+}
+
+}  // namespace vistel

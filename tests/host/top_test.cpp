@@ -1,0 +1,139 @@
+#include "terminal/top.h"
+
+#include <gmock/gmock.h>
+
+#include "host/temporary_recording.h"
+
+namespace vistel {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// `vistel top` on a recording, with a clock that the test turns.
+struct Shown {
+    explicit Shown(const std::string& text, StreamFilter filter = {})
+        : file(text),
+          player({.file = file.name(), .format = {}, .contents = {}, .speed = {}}, [this] { return clock; }),
+          top(player, {{"default", {}}, {"si", pgn_vistel::core::UnitSelection::si()}}, std::move(filter)) {
+        EXPECT_TRUE(player.open());
+    }
+    void turn(std::chrono::milliseconds time) {
+        clock += time;
+        top.advance();
+    }
+    std::vector<std::string> lines(int width = 80, int height = 24) {
+        std::vector<std::string> texts;
+        for (const PageLine& line : top.page(width, height)) {
+            EXPECT_LE(line.width(), std::max(width, 0)) << line.text();
+            texts.push_back(line.text());
+        }
+        EXPECT_EQ(texts.size(), static_cast<std::size_t>(std::max(height, 2)));
+        return texts;
+    }
+    std::string line(std::size_t number) { return lines().at(number); }
+    std::string all() {
+        std::string text;
+        for (const std::string& line : lines()) text += line + "\n";
+        return text;
+    }
+    void type(std::string_view keys) {
+        for (const char key : keys) EXPECT_TRUE(top.press(static_cast<std::uint32_t>(key)));
+    }
+
+    Player::Clock::time_point clock{};
+    test::TemporaryRecording file;
+    Player player;
+    Top top;
+};
+
+std::string every_second(int count, const char* rest) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        char line[80];
+        std::snprintf(line, sizeof line, "00:00:%02d,2,%s\n", i, rest);
+        text += line;
+    }
+    return text;
+}
+
+TEST(Top, ShowsStreamsWithTheirRatesAndAges) {
+    Shown shown("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n" +
+                every_second(12, "128267,4,255,8,00,2c,01,00,00,ff,7f,ff"));
+    shown.turn(0ms);
+    for (int i = 0; i < 8; ++i) shown.turn(1000ms);
+    EXPECT_THAT(shown.line(0), StartsWith(" 2 streams · 10 messages · 1/s · "));
+    EXPECT_THAT(shown.line(2),
+                StartsWith(" 127250   7      -  8.0s Vessel Heading  Heading Sensor Reading 0.0000"));
+    EXPECT_THAT(shown.line(3), StartsWith(" 128267   4  1.0/s  0.0s Water Depth  "));
+    const Page page = shown.top.page(80, 24);
+    EXPECT_EQ(page[2].pieces()[0].style, Style::marked) << "the cursor";
+    shown.type("o");
+    EXPECT_THAT(shown.line(1), HasSubstr("(by PGN)"));
+    EXPECT_TRUE(shown.top.press(key_down));
+    EXPECT_EQ(shown.top.page(80, 24)[3].pieces()[0].style, Style::marked);
+    shown.type("s");
+    EXPECT_THAT(shown.line(0), StartsWith(" 1 of 2 streams"));
+    EXPECT_THAT(shown.line(2), StartsWith(" 128267"));
+    shown.type("s/DUCER: 9.8");
+    EXPECT_THAT(shown.line(0), StartsWith(" 1 of 2 streams"));
+    EXPECT_THAT(shown.line(23), StartsWith(" filter: DUCER: 9.8_"));
+    EXPECT_TRUE(shown.top.press(key_backspace));
+    EXPECT_TRUE(shown.top.press(key_enter));
+    EXPECT_THAT(shown.line(23), HasSubstr("filter: DUCER: 9."));
+    EXPECT_FALSE(shown.top.press('q'));
+}
+
+TEST(Top, ShowsAMessageInFullInTheUnitsWanted) {
+    Shown shown("00:00:00,2,128267,4,255,9,00,2c,01,00,00,ff,7f,ff,AA\n");
+    shown.turn(0ms);
+    shown.lines();
+    EXPECT_TRUE(shown.top.press(key_enter));
+    EXPECT_THAT(shown.all(), HasSubstr(" 128267 Water Depth"));
+    EXPECT_THAT(shown.all(), HasSubstr("2.0+32  2C 01 00 00"));
+    EXPECT_THAT(shown.all(), HasSubstr("9.8425 ft"));
+    shown.type("u");
+    EXPECT_THAT(shown.all(), HasSubstr("3.0000 m"));
+    EXPECT_THAT(shown.all(), HasSubstr(" Data AA"));
+    EXPECT_TRUE(shown.top.press(key_escape));
+    EXPECT_THAT(shown.line(2), StartsWith(" 128267"));
+    shown.type("h");
+    EXPECT_THAT(shown.all(), HasSubstr("this page"));
+}
+
+TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
+    Shown shown("nonsense that is no recording\n");
+    shown.turn(0ms);
+    EXPECT_THAT(shown.line(0), StartsWith(" END"));
+    EXPECT_THAT(shown.line(23), HasSubstr("the format is none of "));
+
+    Shown paused(every_second(3, "127250,7,255,8,00,00,00,ff,7f,ff,7f,fd"),
+                 {.pgns = {127251}, .sources = {}, .text = {}});
+    paused.turn(0ms);
+    paused.type(" ");
+    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 0 of 1 streams · 1 messages"));
+    paused.turn(1000ms);
+    EXPECT_THAT(paused.line(0), HasSubstr(" 1 messages"));
+    paused.type(".");
+    EXPECT_THAT(paused.line(0), HasSubstr(" 2 messages"));
+    paused.type(" ");
+    EXPECT_THAT(paused.line(0), Not(HasSubstr("PAUSED")));
+}
+
+TEST(Top, FitsIntoAnyTerminal) {
+    Shown shown(test::batteries(300));
+    shown.turn(0ms);
+    const std::vector<std::uint32_t> keys = {
+        key_end,    key_page_up, key_enter, key_page_down, 'h',       key_home, '/', 0xB0, 'x',
+        key_escape, key_down,    'c',       key_down,      key_enter, '<',      's', 'o',  'u'};
+    for (const std::uint32_t key : keys) {
+        EXPECT_TRUE(shown.top.press(key));
+        for (const auto& [width, height] : {std::pair(80, 24), {1, 1}, {0, 0}, {10, 3}, {300, 100}})
+            shown.lines(width, height);
+    }
+}
+
+}  // namespace
+}  // namespace vistel
