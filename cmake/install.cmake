@@ -1,5 +1,5 @@
 # What is installed, in three components: library (the shared library), development (what a host is built with) and
-# programs. The CMake package and the pkg-config files are made from packaging/.
+# programs. On Windows examples and a readme go with them, for there is one package (script/windows). The CMake package and the pkg-config files are made from packaging/.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/pgn_vistel)
@@ -17,7 +17,14 @@ install(EXPORT core FILE pgn_vistel-core-targets.cmake NAMESPACE pgn_vistel:: DE
 if(TARGET pgn_vistel)
     install(DIRECTORY src/platform/${PGN_VISTEL_PLATFORM}/public/pgn_vistel
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-    install(TARGETS pgn_vistel EXPORT views
+    set(windows_targets)
+    if(WIN32)
+        set(windows_targets pgn_vistel_host)
+        install(FILES $<TARGET_FILE_DIR:pgn_vistel>/pgn_vistel_msvc.lib DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+    endif()
+    install(TARGETS pgn_vistel ${windows_targets} EXPORT views
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
     install(EXPORT views FILE pgn_vistel-views-targets.cmake NAMESPACE pgn_vistel:: DESTINATION ${package_dir}
             COMPONENT development)
@@ -42,7 +49,9 @@ install(FILES packaging/pgn_vistel-config.cmake ${made_dir}/pgn_vistel-config-ve
 file(RELATIVE_PATH up_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" up_to_prefix "${up_to_prefix}")
 set(pkgconfig_files pgn_vistel-core)
-if(TARGET pgn_vistel)
+if(WIN32)
+    set(pkgconfig_files)  # there is none
+elseif(TARGET pgn_vistel)
     list(APPEND pkgconfig_files pgn_vistel)
     get_target_property(toolkit_includes pgn_vistel::toolkit INTERFACE_INCLUDE_DIRECTORIES)
     get_target_property(toolkit_definitions pgn_vistel::toolkit INTERFACE_COMPILE_DEFINITIONS)
@@ -66,10 +75,25 @@ endforeach()
 foreach(program vistel vistel-monitor)
     if(TARGET ${program})
         install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+    endif()
+    if(TARGET ${program} AND NOT WIN32)
         configure_file(man/${program}.1.in ${made_dir}/${program}.1 @ONLY)
         install(FILES ${made_dir}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
     endif()
 endforeach()
 if(TARGET vistel)
     install(FILES examples/voyage.log DESTINATION ${doc_dir}/examples COMPONENT programs)
+endif()
+
+# ---- Windows ----
+
+if(WIN32 AND PGN_VISTEL_EXAMPLES)
+    foreach(host decode_host win32_host win32_tree_host)
+        if(TARGET ${host})
+            install(TARGETS ${host} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+            install(FILES examples/${host}.cpp DESTINATION ${doc_dir}/examples COMPONENT programs)
+        endif()
+    endforeach()
+    install(FILES examples/made_up_traffic.h examples/win32_host.rc DESTINATION ${doc_dir}/examples COMPONENT programs)
+    install(FILES packaging/windows/README.md DESTINATION . COMPONENT programs)
 endif()

@@ -25,7 +25,7 @@ function(add_room name)
     cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
     add_room_target(room_${name} OBJECT ${ROOM_SOURCES})
     target_include_directories(room_${name} PUBLIC ${PROJECT_SOURCE_DIR}/include)
-    target_compile_definitions(room_${name} PRIVATE PGN_VISTEL_BUILD)
+    target_compile_definitions(room_${name} PRIVATE PGN_VISTEL_STATIC)
     target_link_libraries(room_${name} PRIVATE tables)
     foreach(used IN LISTS ROOM_USES)
         target_include_directories(room_${name}

@@ -4,9 +4,11 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -25,6 +27,12 @@ void require(bool condition) {
 void check(const N2KMsg& msg) {
     require(msg.length <= N2K_MAX_PAYLOAD && msg.priority <= 7 && msg.pgn <= max_pgn);
     for (std::size_t i = msg.length; i < sizeof msg.data; ++i) require(msg.data[i] == 0);
+}
+
+bool looks_packed(std::span<const std::uint8_t> bytes) {
+    constexpr std::uint8_t begins[] = {0x1F, 0xFD, 0x28, 'B'};  // of gzip, xz, zstd, bzip2
+    return !bytes.empty() &&
+           (std::ranges::find(begins, bytes[0]) != std::end(begins) || (bytes[0] & 0xF0) == 0x50);
 }
 
 int file_of(std::span<const std::uint8_t> bytes) {
@@ -52,8 +60,10 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
     Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
     Record record;
     std::uint64_t last_place = 0;
-    // Every call takes a line or ends, and what is there never makes one wait.
-    for (std::size_t calls = 0; calls < bytes.size() + 3; ++calls) {
+    // Every call takes a line or ends, and what is there never makes one wait. A few compressed bytes may
+    // hold any number of lines.
+    const std::size_t most_calls = looks_packed(bytes) ? std::size_t{1} << 24 : bytes.size() + 3;
+    for (std::size_t calls = 0; calls < most_calls; ++calls) {
         require(!recording.would_wait());
         switch (recording.next(record)) {
             case ReadResult::record:

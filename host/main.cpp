@@ -3,12 +3,15 @@
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
 #include "commands/catalogue.h"
+#include "commands/convert.h"
 #include "commands/decode.h"
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
 #include "readers/formats.h"
+#include "writers/written_formats.h"
 
 namespace {
 
@@ -24,8 +27,11 @@ std::string format_notes() {
 }
 
 /// What every command takes that reads recordings.
-void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
-    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+constexpr const char* source_help =
+    "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
+    "tcp-listen://:PORT or serial:DEVICE (see the manual)";
+
+void add_format(CLI::App& command, std::string& format, vistel::ContentKind& contents) {
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -37,9 +43,23 @@ void add_recording(CLI::App& command, std::string& file, std::string& format, vi
     command.footer(format_notes());
 }
 
+void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
+    command.add_option("FILE", file, source_help)->capture_default_str();
+    add_format(command, format, contents);
+}
+
+void add_live(CLI::App& command, vistel::LiveOptions& options) {
+    command
+        .add_option("--timeout", options.timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
+}
+
 // Options that say what to do with it later, when all of them are known.
 struct Arguments {
     vistel::DecodeOptions decode;
+    vistel::ConvertOptions convert;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -63,6 +83,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
+    add_live(*command, options.live);
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }
 
@@ -71,6 +92,7 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
     add_recording(*command, options.file, options.format, options.contents);
+    add_live(*command, options.live);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
@@ -78,6 +100,21 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         ->add_option("--every", options.every,
                      "Print the table of a live stream again after so many seconds; 0 for once, at its end")
         ->check(CLI::Range(0.0, 86'400.0));
+}
+
+void add_convert(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("convert", "Write recordings or a live stream in another format");
+    vistel::ConvertOptions& options = arguments.convert;
+    command->add_option("FILE", options.files,
+                        "Recordings to read, one after the other; - is standard input");
+    command->add_option("--to", options.to, "Format to write")
+        ->required()
+        ->check(CLI::IsMember(vistel::written_formats()));
+    command->add_option("-o,--output", options.output, "File to write; - is standard output")
+        ->capture_default_str();
+    add_format(*command, options.format, options.contents);
+    vistel::add_definitions(*command, options.definitions);
 }
 
 constexpr const char* encode_notes =
@@ -103,8 +140,8 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         "--list", options.list, "Show the fields of the PGN (size, units, choices) or its variants");
     command->add_flag("--all-choices", options.all_choices, "Long choices to their end in that list")
         ->needs(list);
-    command->add_option("--format", options.format, "Of the line: plain, or candump with a frame a line")
-        ->check(CLI::IsMember(vistel::encode_formats()))
+    command->add_option("--format", options.format, "Of the line, or of lines with a frame each")
+        ->check(CLI::IsMember(vistel::written_formats()))
         ->capture_default_str();
     command
         ->add_option("--priority", options.priority, "0 (highest) to 7; that of the catalogue if not given")
@@ -154,9 +191,20 @@ bool has_command(const CLI::App& app, const std::string& name) {
     return false;
 }
 
+int run_program(const char* command, const char* own_name, const std::vector<std::string>& arguments) {
+    const std::string name = std::string("vistel-") + command;
+    auto status = vistel::run_neighbour(name, own_name, arguments);
+    if (status) return *status;
+    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n",
+                 name.c_str(), status.error().text.c_str());
+    return vistel::EXIT_FAILED;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return vistel::EXIT_FAILED;
     CLI::App app("NMEA 2000 traffic, decoded");
     app.name("vistel");
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
@@ -165,12 +213,12 @@ int main(int argc, char** argv) {
     Arguments arguments;
     add_decode(app, arguments);
     add_devices(app, arguments);
+    add_convert(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
     add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
                 arguments);
-    std::vector<std::string> words = vistel::words(argc, argv);
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.
@@ -186,9 +234,8 @@ int main(int argc, char** argv) {
     }
 
     for (const char* const name : {"monitor", "top"})
-        if (app.got_subcommand(name))
-            return vistel::run_neighbour(std::string("vistel-") + name, argc > 0 ? argv[0] : "",
-                                         arguments.of_program);
+        if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {

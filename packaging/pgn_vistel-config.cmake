@@ -1,6 +1,7 @@
 # find_package(pgn_vistel [COMPONENTS core views])
 #   core   pgn_vistel::core, the decoder alone
-#   views  pgn_vistel::pgn_vistel, the shared library with the windows; needs wxWidgets
+#   views  pgn_vistel::pgn_vistel, the shared library with the windows; needs wxWidgets, on Windows for the headers of
+#          the dialogs alone
 # Without components: core, and views where they are installed and wxWidgets is there.
 include(${CMAKE_CURRENT_LIST_DIR}/pgn_vistel-core-targets.cmake)
 set(pgn_vistel_core_FOUND TRUE)
@@ -12,6 +13,9 @@ if(NOT pgn_vistel_FIND_COMPONENTS OR views IN_LIST pgn_vistel_FIND_COMPONENTS)
     else()
         include(${CMAKE_CURRENT_LIST_DIR}/pgn_vistel-toolkit.cmake)
         pgn_vistel_find_toolkit(pgn_vistel_views_FOUND)
+        if(WIN32)
+            set(pgn_vistel_views_FOUND TRUE)
+        endif()
         if(pgn_vistel_views_FOUND)
             include(${CMAKE_CURRENT_LIST_DIR}/pgn_vistel-views-targets.cmake)
         else()

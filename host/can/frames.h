@@ -6,6 +6,7 @@
 
 #include "can/fast_packet.h"
 #include "can/identifier.h"
+#include "can/record.h"
 #include "can/transport_protocol.h"
 #include "pgn_vistel/core/catalogue.h"
 
@@ -20,6 +21,21 @@ inline Carriage carriage_of(const N2KMsg& msg, pgn_vistel::core::Definitions def
     if (pgn_vistel::core::is_fast_packet(msg.pgn, definitions) && msg.length <= fast_packet::most_bytes)
         return Carriage::fast_packet;
     return msg.length <= max_frame_bytes ? Carriage::single : Carriage::transport;
+}
+
+/// Makes a record one frame; bus and time stay.
+inline void set_frame(Record& record, std::uint32_t identifier, FrameBytes bytes) {
+    record.kind = Record::Kind::frame;
+    set_header(record.msg, identifier);
+    record.msg.length = static_cast<std::uint16_t>(bytes.size());
+    std::ranges::copy(bytes, record.msg.data);
+}
+
+/// Why the header of a message fits no frame; null where it does.
+inline const char* why_unframed(const N2KMsg& msg) {
+    if (is_addressed(msg.pgn))
+        return (msg.pgn & 0xFF) == 0 ? nullptr : "the low byte of a PGN with a destination is 0 on a bus";
+    return msg.destination == everyone ? nullptr : "the PGN has no destination on a bus: it goes to everyone";
 }
 
 /// @{ Cuts a message into frames and calls `take(identifier, bytes)` for each; `msg.length` fits the
@@ -56,15 +72,22 @@ void cut_fast_packet(const N2KMsg& msg, unsigned sequence, Take take) {
     }
 }
 
-/// Of a broadcast by transport protocol: an announcement, then packets of seven bytes.
+/// By transport protocol, what the sender sends of it: an announcement, to everyone or to one device, which
+/// would answer, and packets of seven bytes.
 template <class Take>
-void cut_broadcast(const N2KMsg& msg, Take take) {
+void cut_transport(const N2KMsg& msg, Take take) {
     using namespace transport_protocol;
     const auto byte = [](unsigned value) { return static_cast<std::uint8_t>(value); };
     const unsigned size = msg.length;
     const std::uint8_t announced[] = {
-        broadcast_announce, byte(size),         byte(size >> 8),    byte(packets_of(size)), 0xFF,
-        byte(msg.pgn),      byte(msg.pgn >> 8), byte(msg.pgn >> 16)};
+        byte(msg.destination == everyone ? broadcast_announce : request_to_send),
+        byte(size),
+        byte(size >> 8),
+        byte(packets_of(size)),
+        0xFF,
+        byte(msg.pgn),
+        byte(msg.pgn >> 8),
+        byte(msg.pgn >> 16)};
     const auto identifier = [&msg](std::uint32_t pgn) {
         return std::uint32_t{msg.priority} << 26 | (pgn | msg.destination) << 8 | msg.source;
     };
@@ -72,6 +95,16 @@ void cut_broadcast(const N2KMsg& msg, Take take) {
     FrameBytes rest(msg.data, msg.length);
     for (std::uint8_t number = 1; !rest.empty(); ++number)
         detail::take_piece(identifier(data_pgn), FrameBytes(&number, 1), rest, take);
+}
+
+/// As it travels; a fast packet with this sequence.
+template <class Take>
+void cut(const N2KMsg& msg, unsigned sequence, pgn_vistel::core::Definitions definitions, Take take) {
+    switch (carriage_of(msg, definitions)) {
+        case Carriage::single: cut_single(msg, take); break;
+        case Carriage::fast_packet: cut_fast_packet(msg, sequence, take); break;
+        case Carriage::transport: cut_transport(msg, take); break;
+    }
 }
 /// @}
 

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdlib>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,12 +11,6 @@
 #include "readers/content_kind.h"
 
 namespace vistel {
-
-/// The words behind the program's name, the last one first, as `CLI::App::parse` takes them. Some kernels
-/// start a program without even its name.
-inline std::vector<std::string> words(int argc, char** argv) {
-    return {std::reverse_iterator(argv + argc), std::reverse_iterator(argv + std::min(argc, 1))};
-}
 
 /// What both programs say of a command line that they cannot read.
 inline std::string usage_error(const CLI::App* command, const CLI::Error& error) {

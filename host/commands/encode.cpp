@@ -8,7 +8,7 @@
 #include <memory>
 #include <optional>
 
-#include "can/identifier.h"
+#include "can/frames.h"
 #include "commands/decode.h"
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
@@ -16,7 +16,6 @@
 #include "encode/choices.h"
 #include "encode/definitions.h"
 #include "encode/message_builder.h"
-#include "encode/message_lines.h"
 #include "encode/number_entry.h"
 #include "encode/suggestions.h"
 #include "output/unit_names.h"
@@ -25,6 +24,7 @@
 #include "text/quotes.h"
 #include "text/utf8.h"
 #include "text/words.h"
+#include "writers/written_formats.h"
 
 using namespace pgn_vistel::core;
 
@@ -275,31 +275,38 @@ Result<std::vector<TypedField>> parse_fields(const EncodeOptions& options) {
 Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn) {
     if (!is_addressed(pgn) && options.destination != everyone)
         return failure("PGN ", pgn, " goes to everyone; it has no destination");
-    if (is_addressed(pgn) && (pgn & 0xFF) != 0 && options.format == "candump")
-        return failure("PGN ", pgn, " is on no bus: the low byte of one with a destination is 0");
     if (options.time.empty()) return RecordTime{};
     auto time = TimestampParser().parse(options.time);
     if (!time) return failure("time ", quoted(options.time), ": ", time.error());
     return *time;
 }
 
-/// The time stamp as candump writes it: seconds since 1970 where the day is known.
-std::string candump_time(const std::string& typed, const RecordTime& time) {
-    if (time.origin != RecordTime::Origin::epoch) return typed;
-    constexpr std::int64_t second = 1'000'000'000;
-    char text[40];
-    std::snprintf(text, sizeof text, "%lld.%09lld", static_cast<long long>(time.nanoseconds / second),
-                  static_cast<long long>(time.nanoseconds % second));
-    std::string result = text;
-    if (result.ends_with("000")) result.resize(result.size() - 3);  // candump has microseconds
-    return result;
+/// The message in a format. A single frame stands for itself where the format has frames.
+Result<std::string> written(const EncodeOptions& options, const N2KMsg& msg, const RecordTime& time) {
+    const auto writer = make_writer(options.format);
+    const Carriage carriage = carriage_of(msg, options.definitions);
+    using Kind = Record::Kind;
+    const bool is_frame = carriage == Carriage::single && writer->takes(Kind::frame);
+    Record record{is_frame ? Kind::frame : Kind::message, 0, msg, time};
+    std::string lines;
+    if (writer->takes(record.kind)) {
+        // Longer than a frame, it is not taken for one.
+        if (!is_frame && msg.length <= max_frame_bytes) writer->begin(record.kind, lines);
+        if (const char* const why = writer->put(record, lines)) return failure("PGN ", msg.pgn, ": ", why);
+        return lines;
+    }
+    if (carriage == Carriage::transport && msg.destination != everyone)
+        return failure("a message of ", msg.length, " bytes to one device takes a dialogue that ",
+                       options.format, " lines alone cannot show; the plain format can");
+    const auto put = [&](std::uint32_t identifier, FrameBytes bytes) {
+        set_frame(record, identifier, bytes);
+        (void)writer->put(record, lines);
+    };
+    cut(msg, static_cast<unsigned>(options.sequence), options.definitions, put);
+    return lines;
 }
 
 }  // namespace
-
-std::vector<std::string> encode_formats() {
-    return {"plain", "candump"};
-}
 
 int run_encode(const EncodeOptions& options) {
     ReadingContext context{options.definitions, {}, {}};
@@ -330,9 +337,7 @@ int run_encode(const EncodeOptions& options) {
     msg->priority = static_cast<std::uint8_t>(options.priority >= 0 ? options.priority : priority);
     msg->source = static_cast<std::uint8_t>(options.source);
     msg->destination = static_cast<std::uint8_t>(options.destination);
-    if (options.format != "candump") return print(plain_lines(*msg, options.time, options.definitions));
-    Result<std::string> lines = candump_lines(*msg, candump_time(options.time, *time),
-                                              static_cast<unsigned>(options.sequence), options.definitions);
+    Result<std::string> lines = written(options, *msg, *time);
     return lines ? print(*lines) : fail(lines.error());
 }
 

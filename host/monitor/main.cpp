@@ -1,13 +1,14 @@
 // The window of `vistel monitor`: a program of its own, so that decoding on a machine without a display needs
 // none of the toolkit.
 
-#include <gdk/gdk.h>
 #include <wx/app.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
+#include "monitor/display.h"
 #include "monitor/window.h"
 
 namespace {
@@ -36,6 +37,8 @@ class MonitorApp : public wxApp {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!vistel::start_program(argc, argv, words)) return bad_usage;
     CLI::App app("Show a recording or a live stream in the monitor window");
     app.name("vistel monitor");
     vistel::PlayOptions options;
@@ -48,19 +51,16 @@ int main(int argc, char** argv) {
     vistel::add_definitions(app, options.definitions);
     app.failure_message(vistel::usage_error);
     try {
-        app.parse(vistel::words(argc, argv));
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : bad_usage;
     }
 
-    // The toolkit would end the program with a message of its own.
-    GdkDisplay* const display = gdk_display_open(nullptr);
-    if (display == nullptr) {
+    if (!vistel::has_display()) {
         std::fprintf(stderr,
                      "vistel: no display to open a window on; 'vistel decode' shows the messages as text\n");
         return bad_usage;
     }
-    gdk_display_close(display);
     auto player = std::make_unique<vistel::Player>(options);
     if (const auto opened = player->open(); !opened) {
         std::fprintf(stderr, "vistel: %s: %s\n", options.file.c_str(), opened.error().text.c_str());

@@ -59,12 +59,10 @@ WireCount wire_count(const Record& record, pgn_vistel::core::Definitions definit
         ++count.frames;
         count.bits += wire_bits(identifier, bytes);
     };
-    const bool is_frame = record.kind == Record::Kind::frame;
-    switch (is_frame ? Carriage::single : carriage_of(record.msg, definitions)) {
-        case Carriage::single: cut_single(record.msg, add); break;
-        case Carriage::fast_packet: cut_fast_packet(record.msg, 0, add); break;
-        case Carriage::transport: cut_broadcast(record.msg, add); break;
-    }
+    if (record.kind == Record::Kind::frame)
+        cut_single(record.msg, add);
+    else
+        cut(record.msg, 0, definitions, add);
     return count;
 }
 

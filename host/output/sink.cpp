@@ -1,10 +1,10 @@
 #include "output/sink.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+
+#include "output/write.h"
 
 namespace vistel {
 
@@ -23,8 +23,7 @@ void Sink::flush() {
     std::size_t left = used_;
     used_ = 0;
     while (open_ && left > 0) {
-        const ssize_t written = ::write(descriptor_, at, left);
-        if (written < 0 && errno == EINTR) continue;
+        const std::ptrdiff_t written = write_some(descriptor_, at, left);
         if (written <= 0) {
             open_ = false;
             error_ = errno;

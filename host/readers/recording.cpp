@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "readers/known_files.h"
+#include "readers/unpacked_input.h"
 #include "text/characters.h"
 #include "text/quotes.h"
 
@@ -28,6 +29,21 @@ bool only_blank_lines(std::string_view head) {
     return true;
 }
 
+/// What holds recordings instead of being one, by its beginning; empty for anything else. A recording in a
+/// tar archive could be read, but its lines would not be all there is.
+std::string_view archive_kind(std::string_view head) {
+    static constexpr struct {
+        std::size_t at;
+        std::string_view mark, kind;
+    } archives[] = {{0, "PK\3\4", "a zip archive"},
+                    {257, "ustar", "a tar archive"},
+                    {0, "7z\xBC\xAF\x27\x1C", "a 7z archive"},
+                    {0, "Rar!\x1A\7", "a rar archive"}};
+    for (const auto& [at, mark, kind] : archives)
+        if (head.size() >= at + mark.size() && head.substr(at, mark.size()) == mark) return kind;
+    return {};
+}
+
 }  // namespace
 
 Status Recording::open(const std::string& path, const RecordingOptions& options) {
@@ -37,7 +53,7 @@ Status Recording::open(const std::string& path, const RecordingOptions& options)
 }
 
 Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOptions& options) {
-    source_.attach(std::move(input));
+    source_.attach(unpacked(std::move(input)));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
     contents_ = options.contents;
@@ -48,8 +64,13 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
     return done;
 }
 
+void Recording::attach(std::unique_ptr<RecordReader> reader, std::string_view name) {
+    reader_ = std::move(reader);
+    format_name_ = name;
+}
+
 void Recording::use(const Format& format) {
-    format_ = &format;
+    format_name_ = format.name;
     reader_ = format.open(source_, contents_);
 }
 
@@ -57,6 +78,7 @@ void Recording::use(const Format& format) {
 Recording::State Recording::prepare(ByteSource::Wait wait) {
     for (;;) {
         const std::string_view head = source_.unread();
+        if (!archive_kind(head).empty()) return State::unknown_format;
         if (const Format* format = recognise_format(head, passed_, source_.ended())) {
             use(*format);
             return State::ready;
@@ -68,6 +90,12 @@ Recording::State Recording::prepare(ByteSource::Wait wait) {
     }
 }
 
+void Recording::stamp(RecordTime& time) {
+    day_clock_.unroll(time);
+    if (const std::int64_t arrival = source_.arrival(); arrival != 0)
+        time = {arrival, RecordTime::Origin::epoch};
+}
+
 ReadResult Recording::explain_end() {
     const std::string_view head = source_.unread();
     if (end_explained_ || (source_.ended() && source_.error().empty() && only_blank_lines(head)))
@@ -76,6 +104,8 @@ ReadResult Recording::explain_end() {
     problem_.put_at_whole();
     if (!source_.error().empty()) {
         describe(problem_, "cannot read on: ", source_.error());
+    } else if (const std::string_view kind = archive_kind(head); !kind.empty()) {
+        describe(problem_, "this is ", kind, "; take the recording out of it");
     } else {
         const std::string_view guess = guess_file(head);
         describe(problem_, guess.empty() ? "" : "this seems to be ", guess, guess.empty() ? "" : "; ",
@@ -96,7 +126,7 @@ ReadResult Recording::next(Record& record) {
     const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
     const ReadResult result = reader_->next(record, problem_);
     if (result == ReadResult::record) [[likely]] {
-        day_clock_.unroll(record.time);
+        if (record.time.origin != RecordTime::Origin::epoch) stamp(record.time);
         if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
     } else if (result == ReadResult::problem) {
         msg.length = 0;

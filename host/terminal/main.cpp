@@ -1,9 +1,9 @@
 // `vistel top`: a program of its own, so that decoding needs nothing of the terminal's library.
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
 
 #include "command_line/command_line.h"
+#include "command_line/start.h"
 #include "commands/interrupt.h"
 #include "commands/unit_options.h"
 #include "terminal/screen.h"
@@ -73,6 +73,8 @@ int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFi
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    if (!start_program(argc, argv, words)) return bad_usage;
     CLI::App app("Show a recording or a live stream in the terminal, rewritten in place");
     app.name("vistel top");
     PlayOptions play;
@@ -92,7 +94,7 @@ int main(int argc, char** argv) {
     add_definitions(app, play.definitions);
     app.failure_message(usage_error);
     try {
-        app.parse(words(argc, argv));
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : bad_usage;
     }

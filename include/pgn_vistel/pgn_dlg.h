@@ -93,9 +93,9 @@ class PGN_VISTEL_API PGN_VistelDlg_c : public wxFrame {
 
   private:
     void init();
-    PGN_VISTEL_LOCAL void build(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams);
-    PGN_VISTEL_LOCAL void build_controls();
-    PGN_VISTEL_LOCAL void lay_out();
+    void build(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long maxStreams);
+    void build_controls();
+    void lay_out();
 
     PGN_VistelTree_c* tree_ = nullptr;
     PGN_VistelUnitDlg_c* unit_dialog_ = nullptr;

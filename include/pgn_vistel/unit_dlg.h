@@ -64,7 +64,7 @@ class PGN_VISTEL_API PGN_VistelUnitDlg_c : public wxDialog {
   private:
     void init();
     void db2disp();
-    PGN_VISTEL_LOCAL void build();
+    void build();
 
     wxComboBox** choices_ = nullptr;  // one for each row, null beyond
     wxButton load_default_;

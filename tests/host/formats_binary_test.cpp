@@ -299,6 +299,7 @@ TEST(BinaryFormats, Pcapng) {
           {std::to_string(start.size() + 8) + ": the last record is cut off"}},
          {section(little, 2) + start, {"0: a section of a version that is not known" + lost}}},
         "pcapng");
+    expect({{"hello, this is no capture", {"0: here should a section begin" + lost}}}, "pcapng", false);
 }
 
 // ---- sentences ----

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/memory_input.h"
 #include "readers/line_reader.h"
 #include "readers/recording.h"
 #include "text/hex.h"
@@ -23,25 +24,6 @@ const std::vector<Sample> samples = {
 #include "format_samples.inc"
 };
 
-/// Bytes of the memory that come a few at a time.
-class Drops final : public ByteInput {
-  public:
-    Drops(std::string text, std::size_t most) : text_(std::move(text)), most_(most) {}
-
-    Fill read(std::span<char> room, int /*patience*/, std::size_t& size) override {
-        size = text_.copy(room.data(), std::min(room.size(), most_), at_);
-        at_ += size;
-        return size > 0 ? Fill::data : Fill::end;
-    }
-    const std::string& error() const override { return none_; }
-    bool is_file() const override { return false; }
-    std::uint64_t total() const override { return 0; }
-
-  private:
-    std::string text_, none_;
-    std::size_t most_, at_ = 0;
-};
-
 struct Found {
     std::vector<std::string> records;
     std::string kinds, format, problem;
@@ -51,7 +33,7 @@ struct Found {
 Found read(const std::string& text, std::size_t most, const std::string& format = "") {
     constexpr const char* origins[] = {"none", "start", "day", "epoch"};
     Recording recording;
-    EXPECT_TRUE(recording.attach(std::make_unique<Drops>(text, most), {.format = format}));
+    EXPECT_TRUE(recording.attach(std::make_unique<test::Drops>(text, most), {.format = format}));
     Found found;
     Record record;
     for (ReadResult result; (result = recording.next(record)) != ReadResult::end;) {

@@ -3,11 +3,13 @@
 main called without arguments."""
 
 import csv
+import gzip
 import io
 import json
 import os
 import re
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -51,6 +53,11 @@ def catalogue(table, definitions):
     """The rows of a table by column."""
     printed = vistel("catalogue", table, "--definitions", definitions).stdout
     return list(csv.DictReader(io.StringIO(printed), delimiter="\t", quoting=csv.QUOTE_NONE))
+
+
+def json_values(arguments, key):
+    """What the decoded messages have under a key."""
+    return [json.loads(line)[key] for line in vistel("decode", "--json", *arguments).stdout.splitlines()]
 
 
 class ProgramTest(unittest.TestCase):
@@ -195,10 +202,40 @@ class ProgramTest(unittest.TestCase):
                 for line in lines:
                     self.assertIn(f"    {line}\n", shown, arguments)
 
+    def test_converting(self):
+        with tempfile.TemporaryDirectory() as folder:
+            first, second, broken = (Path(folder, name) for name in ("first.log", "second.gz", "broken.log"))
+            first.write_text("# format=FAST\n" + HEADING + CLAIM)
+            second.write_bytes(gzip.compress(UNKNOWN.replace(",35,", ",255,").encode()))
+            broken.write_text(HEADING + "nothing\n" + ",6,59905,7,35,3,14,f0,01\n")
+            names = json_values([str(first)], "pgn") + json_values([str(second)], "pgn")
+            for form in re.search(r"--to TEXT:{(.*?)}", vistel("convert", "--help").stdout)[1].split(","):
+                written = str(Path(folder, form))
+                result = vistel("convert", str(first), str(second), "--to", form, "-o", written)
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""), form)
+                self.assertEqual(json_values([written], "pgn"), names)
+                again = subprocess.run([VISTEL, "convert", "--to", form, written], capture_output=True, check=True)
+                self.assertEqual(again.stdout, Path(written).read_bytes())
+                result = vistel("convert", written, "--to", form, "-o", written)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn("it is one of the recordings that are read", result.stderr)
+                self.assertEqual(json_values([written], "pgn"), names)
+            result = vistel("convert", str(broken), "--to", "candump")
+            self.assertEqual((result.returncode, result.stdout), (1, "(1789027200.250000) can0 09F11207#051027FF7FFF7FFD\n"))
+            self.assertIn(f"{broken}:2: ", result.stderr)
+            self.assertIn("vistel: PGN 59905 from source 7 is left out: ", result.stderr)
+            self.assertIn("vistel: messages that candump cannot hold: 1\n", result.stderr)
+            for arguments, told in [(["--to", "none"], "none not in"), ([], "--to is required"),
+                                    ([folder + "/none", "--to", "plain"], "No such file"),
+                                    ([str(first), "--to", "plain", "-o", folder], "directory")]:
+                result = vistel("convert", *arguments)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn(told, result.stderr)
+
     def test_frames_of_encoding(self):
         cases = [
             (["126464", "Group Function Code=0", "--sequence", "5", "--source", "3", "--time", "08:00:00"] + ["PGN supported #3=129029"],
-             ["(08:00:00) can0 19EEFF03#A00A00FFFFFFFFFF", "(08:00:00) can0 19EEFF03#A1FF05F801FFFFFF"]),
+             ["(28800.000000) can0 19EEFF03#A00A00FFFFFFFFFF", "(28800.000000) can0 19EEFF03#A1FF05F801FFFFFF"]),
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
@@ -318,6 +355,27 @@ class ProgramTest(unittest.TestCase):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
+
+    def test_a_link_that_is_lost_is_made_again(self):
+        line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            server.settimeout(30)
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            with subprocess.Popen([VISTEL, "decode", "--json", name], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                  encoding="utf-8") as process:
+                for _ in range(2):
+                    gateway, _ = server.accept()
+                    with gateway:
+                        gateway.sendall(line)
+                        self.assertEqual(json.loads(process.stdout.readline())["pgn"], 129025)
+                process.send_signal(signal.SIGTERM)
+                self.assertEqual(process.wait(timeout=30), 0)
+                told = process.stderr.read()
+        self.assertIn(f"vistel: {name}: connection lost: closed by the other side; trying again\n", told)
+        self.assertIn("\nmessages: 2\n", told)
+        result = vistel("decode", name)  # nobody listens
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertIn(f"vistel: {name}: ", result.stderr)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):

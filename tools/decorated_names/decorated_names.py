@@ -4,12 +4,12 @@
 Both compilers for 32-bit Windows call functions alike and name them differently. clang tells the names of a
 declaration for both. Written are, for every declaration of the public headers that such a host can use:
 
-    decorated_names.def   aliases of the exported functions, for linking the library
+    decorated_names.def   the module definition that was given, with aliases of what it exports
     decorated_names.cpp   constructors: Microsoft's return the object, the other compiler's return nothing
     microsoft.def         what the import library for such hosts names
 
-Left out is what takes or returns types of the toolkit, and virtual members other than destructors: their place is
-in a table of virtual functions, which the compilers lay out in different ways.
+Left out is what the library does not export, what takes or returns types of the toolkit, and virtual members other
+than destructors: their place is in a table of virtual functions, which the compilers lay out in different ways.
 """
 
 import argparse
@@ -59,12 +59,9 @@ def is_virtual(declaration):
 
 
 def is_usable(declaration):
-    kind = declaration["kind"]
-    if kind != "VarDecl" and kind != "FunctionDecl" and has(declaration, "VisibilityAttr"):
-        return False  # a private helper, which is not exported
     if declaration.get("isImplicit") or declaration.get("explicitlyDefaulted"):
         return False  # written by the host's own compiler
-    if is_virtual(declaration) and kind != "CXXDestructorDecl":
+    if is_virtual(declaration) and declaration["kind"] != "CXXDestructorDecl":
         return False
     return re.search(r"\bwx", declaration["type"]["qualType"]) is None
 
@@ -91,26 +88,29 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--clang", default="clang++-14")
     parser.add_argument("--include", type=Path, required=True, help="folder of the public headers")
+    parser.add_argument("--exports", type=Path, required=True, help="module definition with what the library exports")
     parser.add_argument("--library", default="pgn_vistel.dll", help="file name of the library")
     parser.add_argument("--output", type=Path, required=True, help="folder of what is written")
     options = parser.parse_args()
 
+    definition = options.exports.read_text(encoding="utf-8")
+    exported = set(definition.split())
     pairs = zip(declarations(syntax_tree(options.clang, "i686-pc-windows-msvc", options.include)),
                 declarations(syntax_tree(options.clang, "i686-w64-windows-gnu", options.include)), strict=True)
     aliases, names, constructors = [], [], []
     for (class_name, theirs), (_, ours) in pairs:
-        if not is_usable(theirs):
+        target = ours["mangledName"].removeprefix("_")
+        if target not in exported or not is_usable(theirs):
             continue
         decorated = microsoft_name(class_name, theirs)
         data = " DATA" if theirs["kind"] == "VarDecl" else ""
-        target = ours["mangledName"].removeprefix("_")
         if theirs["kind"] == "CXXConstructorDecl":
             target, text = constructor(len(constructors), class_name, theirs)
             constructors.append(text)
         aliases.append(f'"{decorated}" = {target}{data}\n')
         names.append(f'"{decorated}"{data}\n')
 
-    (options.output / "decorated_names.def").write_text("EXPORTS\n" + "".join(aliases), encoding="utf-8")
+    (options.output / "decorated_names.def").write_text(definition + "".join(aliases), encoding="utf-8")
     (options.output / "microsoft.def").write_text(f"LIBRARY {options.library}\nEXPORTS\n" + "".join(names),
                                                   encoding="utf-8")
     (options.output / "decorated_names.cpp").write_text(

@@ -73,6 +73,8 @@ def read_formats(path, report):
         if not (path.parent / row.header).exists():
             report.add(row.place, f"there is no {row.header}")
         names.add(row.name)
+        row.writer = f"{row.name.replace('-', '_')}_writer.h"
+        row.is_written = (path.parent.parent / "writers" / row.writer).exists()
     return rows
 
 
@@ -88,6 +90,21 @@ def header_rows(rows):
     return [f'#include "readers/{header}"' for header in sorted({row.header for row in rows})]
 
 
+def writer_rows(rows):
+    return [f'{{"{row.name}", make<{"".join(word.title() for word in row.name.split("-"))}Writer>}},'
+            for row in rows if row.is_written]
+
+
+def writer_headers(rows):
+    return [f'#include "writers/{row.writer}"' for row in rows if row.is_written]
+
+
+def facts(row):
+    times = ", or ".join(TIMES[origin] for origin in row.times)
+    written = " vistel convert writes it, too." if row.is_written else ""
+    return f"Holds {HOLDS[row.holds]}; times: {times}. Written by {row.written_by}.{written}"
+
+
 def sample_rows(rows):
     return [f"{{{quoted(row.name)}, {quoted(row.holds)}, {quoted(','.join(row.times))}, "
             f"{{{', '.join(str(byte) for byte in row.sample[0])}}}}}," for row in rows]
@@ -97,12 +114,7 @@ def manual(rows):
     """The list of the man page."""
     def escaped(text):
         return text.replace("\\", "\\e").replace("-", "\\-")
-    return "\n".join(f".TP\n.B {escaped(row.name)}\n{escaped(row.about)}.\nHolds {HOLDS[row.holds]}; "
-                     f"times: {times_of(row)}. Written by {escaped(row.written_by)}." for row in rows)
-
-
-def times_of(row):
-    return ", or ".join(TIMES[origin] for origin in row.times)
+    return "\n".join(f".TP\n.B {escaped(row.name)}\n{escaped(row.about)}.\n{escaped(facts(row))}" for row in rows)
 
 
 def document(rows):
@@ -117,8 +129,8 @@ def document_section(row):
         lines = textwrap.wrap(data[:SHOWN_BYTES].hex(" ").upper(), 3 * 16)
         lines[-1] += " ..." if len(data) > SHOWN_BYTES else ""
     code = "\n".join("    " + "".join(c if " " <= c <= "~" else f"\\x{ord(c):02X}" for c in line) for line in lines)
-    facts = f"Holds {HOLDS[row.holds]}; times: {times_of(row)}. Written by {row.written_by}."
-    return f"\n## {row.name}\n\n{row.about}\n\n{textwrap.fill(facts, 120, break_on_hyphens=False)}\n\n{code}\n"
+    text = textwrap.fill(facts(row), 120, break_on_hyphens=False)
+    return f"\n## {row.name}\n\n{row.about}\n\n{text}\n\n{code}\n"
 
 
 def with_sections(path, rows):
@@ -154,7 +166,8 @@ def main(arguments):
     if options.out:
         options.out.mkdir(parents=True, exist_ok=True)
         for name, lines in {"format_headers.inc": header_rows(rows), "format_rows.inc": code_rows(rows),
-                            "format_samples.inc": sample_rows(rows), "formats.man": [manual(rows)]}.items():
+                            "format_samples.inc": sample_rows(rows), "writer_headers.inc": writer_headers(rows),
+                            "writer_rows.inc": writer_rows(rows), "formats.man": [manual(rows)]}.items():
             write_changed(options.out / name, "\n".join(lines) + "\n")
     return 0
 

@@ -23,8 +23,11 @@ class FormatsTest(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
-        (self.folder / "one_format.h").touch()
+        self.folder = Path(folder.name, "readers")
+        for name in ["readers/one_format.h", "writers/one_2_writer.h"]:
+            path = Path(folder.name, name)
+            path.parent.mkdir()
+            path.touch()
 
     def run_main(self, rows, *arguments):
         (self.folder / "formats.tsv").write_text(table(*rows), encoding="utf-8")
@@ -44,6 +47,8 @@ class FormatsTest(unittest.TestCase):
         self.assertEqual(self.made("format_samples.inc").splitlines(),
                          ['{"one-2", "frames", "day,none", {97, 10, 98, 255, 10}},',
                           '{"two", "either", "epoch", {10, 11' + ", 0" * 40 + "}},"])
+        self.assertEqual(self.made("writer_rows.inc"), '{"one-2", make<One2Writer>},\n')
+        self.assertEqual(self.made("writer_headers.inc"), '#include "writers/one_2_writer.h"\n')
         self.assertIn("\n.B one\\-2\nSays \"one\" \\e so.\nHolds frames; times: time of day, or none.",
                       self.made("formats.man"))
 

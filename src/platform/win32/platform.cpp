@@ -59,6 +59,10 @@ void set_program_icon(wxTopLevelWindow& window) {
     if (!icons.IsEmpty()) window.SetIcons(icons);
 }
 
+void let_tab_pass(wxTopLevelWindow& frame) {
+    frame.SetWindowStyleFlag(frame.GetWindowStyleFlag() | wxTAB_TRAVERSAL);
+}
+
 // The platform's buttons have no margin that an image of that size would not fit into.
 void remove_padding(wxWindow&) {}
 

@@ -1,15 +1,12 @@
-#include "commands/neighbour.h"
-
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <sstream>
 
-#include "commands/decode.h"
+#include "commands/neighbour.h"
 
 namespace vistel {
 
@@ -33,25 +30,19 @@ fs::path file_of_this_program(const fs::path& name) {
     return {};
 }
 
-int cannot_start(const std::string& program, const std::string& reason) {
-    std::fprintf(stderr, "vistel: cannot start %s (%s); 'vistel decode' shows the messages as text\n",
-                 program.c_str(), reason.c_str());
-    return EXIT_FAILED;
-}
-
 }  // namespace
 
-int run_neighbour(const std::string& neighbour, const std::string& name,
-                  const std::vector<std::string>& arguments) {
-    const fs::path self = file_of_this_program(name);
-    if (self.empty()) return cannot_start(neighbour, "without /proc it is unknown where this program lies");
-    std::string program = (self.parent_path() / neighbour).string();
+Result<int> run_neighbour(const std::string& name, const std::string& own_name,
+                          const std::vector<std::string>& arguments) {
+    const fs::path self = file_of_this_program(own_name);
+    if (self.empty()) return failure("without /proc it is unknown where this program lies");
+    std::string program = (self.parent_path() / name).string();
     std::vector<char*> words = {program.data()};
     std::vector<std::string> copies = arguments;
     for (std::string& argument : copies) words.push_back(argument.data());
     words.push_back(nullptr);
     ::execv(program.c_str(), words.data());
-    return cannot_start(program, std::strerror(errno));
+    return failure(program, ": ", std::strerror(errno));
 }
 
 }  // namespace vistel

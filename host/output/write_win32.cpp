@@ -1,0 +1,38 @@
+#include <io.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "output/write.h"
+
+namespace vistel {
+
+namespace {
+
+int errno_of(DWORD error) {
+    switch (error) {
+        case ERROR_BROKEN_PIPE:
+        case ERROR_NO_DATA:
+        case ERROR_PIPE_NOT_CONNECTED: return EPIPE;
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL: return ENOSPC;
+        case ERROR_INVALID_HANDLE: return EBADF;
+        default: return EIO;
+    }
+}
+
+}  // namespace
+
+std::ptrdiff_t write_some(int descriptor, const char* bytes, std::size_t size) {
+    constexpr std::size_t most = std::size_t{1} << 30;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
+    DWORD written = 0;
+    if (!WriteFile(handle, bytes, static_cast<DWORD>(std::min(size, most)), &written, nullptr)) {
+        errno = errno_of(GetLastError());
+        return -1;
+    }
+    return static_cast<std::ptrdiff_t>(written);
+}
+
+}  // namespace vistel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+
+#include "readers/byte_input.h"
+
+namespace vistel {
+
+/// The bytes of `input`, unpacked where their beginning says that they are compressed (gzip, xz, zstd,
+/// bzip2). Several compressed pieces one after the other are one recording. What was cut off or damaged gives
+/// what can be unpacked of it, and then fails. Memory is bounded, whatever the bytes say.
+std::unique_ptr<ByteInput> unpacked(std::unique_ptr<ByteInput> input);
+
+}  // namespace vistel

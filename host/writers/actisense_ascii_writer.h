@@ -1,0 +1,13 @@
+#pragma once
+
+#include "writers/record_writer.h"
+
+namespace vistel {
+
+/// What ActisenseAsciiFormat reads.
+class ActisenseAsciiWriter final : public WholeMessageWriter {
+  public:
+    const char* put(const Record& record, std::string& out) override;
+};
+
+}  // namespace vistel

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "writers/record_writer.h"
+
+namespace vistel {
+
+/// What PlainFormat reads. Frames stay frames; in front of messages stands that they are whole.
+class PlainWriter final : public RecordWriter {
+  public:
+    bool takes(Record::Kind) const override { return true; }
+    void begin(Record::Kind kind, std::string& out) override;
+    const char* put(const Record& record, std::string& out) override;
+};
+
+}  // namespace vistel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+
+#include "can/frames.h"
+#include "can/record.h"
+
+namespace vistel {
+
+/// Writes records in one format. Bytes are appended to a text of the caller, who empties it when he has used
+/// them; nothing is allocated once it has its size.
+class RecordWriter {
+  public:
+    virtual ~RecordWriter() = default;
+
+    virtual bool takes(Record::Kind kind) const = 0;
+
+    /// What stands in front of the first record, which is of this kind.
+    virtual void begin(Record::Kind /*kind*/, std::string& /*out*/) {}
+
+    /// A record of a kind that it takes. Returns null, or why the format cannot hold it; then nothing is
+    /// appended.
+    virtual const char* put(const Record& record, std::string& out) = 0;
+};
+
+/// One of a format whose records are frames with their identifiers.
+class FrameWriter : public RecordWriter {
+  public:
+    bool takes(Record::Kind kind) const final { return kind == Record::Kind::frame; }
+
+    const char* put(const Record& record, std::string& out) final {
+        const char* const why = why_unframed(record.msg);
+        if (why == nullptr) put_frame(identifier_of(record.msg), record, out);
+        return why;
+    }
+
+  private:
+    virtual void put_frame(std::uint32_t identifier, const Record& record, std::string& out) = 0;
+};
+
+/// One of a format whose records are whole messages.
+class WholeMessageWriter : public RecordWriter {
+  public:
+    bool takes(Record::Kind kind) const final { return kind == Record::Kind::message; }
+};
+
+inline FrameBytes payload_of(const Record& record) {
+    return {record.msg.data, record.msg.length};
+}
+
+}  // namespace vistel

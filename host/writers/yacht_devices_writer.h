@@ -1,0 +1,13 @@
+#pragma once
+
+#include "writers/record_writer.h"
+
+namespace vistel {
+
+/// What YachtDevicesFormat reads, all of it as received from the bus.
+class YachtDevicesWriter final : public FrameWriter {
+  private:
+    void put_frame(std::uint32_t identifier, const Record& record, std::string& out) override;
+};
+
+}  // namespace vistel

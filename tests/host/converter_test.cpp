@@ -1,0 +1,183 @@
+// What is written in another format is read back as the same messages.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "can/transport_protocol.h"
+#include "host/memory_input.h"
+#include "readers/recording.h"
+#include "text/hex.h"
+#include "writers/converter.h"
+#include "writers/written_formats.h"
+
+namespace vistel {
+namespace {
+
+using Messages = std::vector<std::string>;
+using Kind = Record::Kind;
+
+std::string show(const N2KMsg& msg, std::int64_t time) {
+    std::string text = std::to_string(time);
+    for (const unsigned number :
+         {unsigned{msg.priority}, unsigned{msg.pgn}, unsigned{msg.source}, unsigned{msg.destination}})
+        text += ' ' + std::to_string(number);
+    for (int i = 0; i < msg.length; ++i) append_hex(text += i == 0 ? " " : "", msg.data[i], 2);
+    return text;
+}
+
+/// The messages of records but for the pieces that transport protocol cuts them into; times in milliseconds
+/// of the day since the first.
+class Joined {
+  public:
+    void put(const Record& record) { reassembler_.put(record); }
+    Messages messages() {
+        reassembler_.finish();
+        const ReassemblyCounters& c = reassembler_.counters();
+        EXPECT_EQ(c.incomplete_fast_packets + c.incomplete_transports + c.orphan_frames, 0u);
+        return messages_;
+    }
+
+  private:
+    Messages messages_;
+    std::int64_t start_ = -1;
+    Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) {
+        const std::int64_t now = time.nanoseconds / 1'000'000;
+        if (start_ < 0) start_ = now;
+        if (msg.pgn != transport_protocol::control_pgn && msg.pgn != transport_protocol::data_pgn)
+            messages_.push_back(show(msg, now - start_));
+    }};
+};
+
+std::string converted(const std::vector<Record>& records, const std::string& format,
+                      std::vector<std::string>* refused = nullptr) {
+    const auto writer = make_writer(format);
+    std::string out;
+    Converter converter(*writer, out, [&](const N2KMsg& msg, const char* why) {
+        if (refused == nullptr) ADD_FAILURE() << format << ": " << why;
+        if (refused != nullptr) refused->push_back(std::to_string(msg.pgn) + ": " + why);
+    });
+    for (const Record& record : records) converter.put(record);
+    converter.finish();
+    return out;
+}
+
+std::vector<Record> read(const std::string& bytes, const std::string& format) {
+    Recording recording;
+    EXPECT_TRUE(recording.attach(std::make_unique<test::Drops>(bytes, 4096)));
+    std::vector<Record> records;
+    Record record;
+    for (ReadResult result; (result = recording.next(record)) != ReadResult::end;) {
+        EXPECT_NE(result, ReadResult::problem) << format << ": " << described(recording.problem(), "written");
+        if (result == ReadResult::record) records.push_back(record);
+    }
+    EXPECT_EQ(recording.format_name(), format);
+    return records;
+}
+
+Messages joined(const std::vector<Record>& records) {
+    Joined all;
+    for (const Record& record : records) all.put(record);
+    return all.messages();
+}
+
+/// A message of each way to travel, at random.
+Record any_message(std::mt19937& random, RecordTime::Origin origin, std::int64_t milliseconds) {
+    struct Sort {
+        std::uint32_t pgn;
+        unsigned least, most;
+    };
+    constexpr Sort sorts[] = {
+        {127250, 0, 8},  {59904, 3, 3},   {129029, 0, 223},       {126720, 2, 223},   {130306, 6, 6},
+        {65240, 9, 9},   {126208, 6, 60}, {129540, 9, 223},       {126996, 134, 134}, {126998, 224, 1785},
+        {61184, 9, 400}, {60928, 8, 8},   {262143 - 511, 9, 223},
+    };
+    const Sort& sort = sorts[random() % std::size(sorts)];
+    Record record;
+    N2KMsg& msg = record.msg;
+    msg.pgn = sort.pgn;
+    msg.priority = random() % 8;
+    msg.source = static_cast<std::uint8_t>(random() % 4);
+    msg.destination =
+        static_cast<std::uint8_t>(is_addressed(sort.pgn) && random() % 3 > 0 ? random() % 254 : everyone);
+    msg.length = static_cast<std::uint16_t>(sort.least + random() % (sort.most - sort.least + 1));
+    for (unsigned i = 0; i < msg.length; ++i)
+        msg.data[i] = static_cast<std::uint8_t>(random() % 3 > 0 ? random() : 0x10);
+    record.time = {milliseconds * 1'000'000, origin};
+    return record;
+}
+
+class EachFormat : public testing::TestWithParam<std::string> {};
+
+TEST_P(EachFormat, HoldsTheSameMessages) {
+    using Origin = RecordTime::Origin;
+    std::mt19937 random(2000);
+    for (const auto& [origin, start] : {std::pair{Origin::epoch, std::int64_t{1'777'887'000'250}},
+                                        {Origin::day, std::int64_t{86'390'000}},
+                                        {Origin::start, std::int64_t{12}}}) {
+        std::vector<Record> messages;
+        for (int i = 0; i < 100; ++i) messages.push_back(any_message(random, origin, start + 40 * i));
+        const std::vector<Record> once = read(converted(messages, GetParam()), GetParam());
+        EXPECT_EQ(joined(once), joined(messages));
+        for (const std::string& other : written_formats()) {
+            const std::vector<Record> there = read(converted(once, other), other);
+            EXPECT_EQ(joined(there), joined(messages)) << other;
+            EXPECT_EQ(joined(read(converted(there, GetParam()), GetParam())), joined(messages))
+                << "back from " << other;
+        }
+    }
+}
+
+TEST(Converter, RefusesWhatFormatsCannotHold) {
+    Record everyones, addressed;
+    everyones.msg.pgn = 127250;
+    everyones.msg.destination = 3;
+    addressed.msg.pgn = 59905;
+    for (const std::string& format : written_formats()) {
+        const bool is_text = format == "plain" || format == "actisense-ascii";
+        const std::size_t expected = is_text ? 0 : make_writer(format)->takes(Kind::message) ? 1 : 2;
+        std::vector<std::string> refused;
+        converted({everyones, addressed}, format, &refused);
+        EXPECT_EQ(refused.size(), expected) << format;
+    }
+}
+
+TEST(Converter, WritesTimesAsFormatsHaveThem) {
+    Record record;
+    record.msg.pgn = 127250;
+    record.msg.destination = everyone;
+    const auto written = [&](const std::string& format, Kind kind, std::int64_t nanoseconds,
+                             RecordTime::Origin origin) {
+        record.kind = kind;
+        record.time = {nanoseconds, origin};
+        const std::string out = converted({record}, format);
+        return out.substr(0, out.find_first_of(" ,", 1));
+    };
+    using Origin = RecordTime::Origin;
+    constexpr std::int64_t second = 1'000'000'000, epoch = 1'777'887'000 * second;
+    EXPECT_EQ(written("plain", Kind::frame, epoch, Origin::epoch), "2026-05-04T09:30:00.000Z");
+    EXPECT_EQ(written("plain", Kind::frame, epoch + 1'000, Origin::epoch), "2026-05-04T09:30:00.000001Z");
+    EXPECT_EQ(written("plain", Kind::frame, epoch + 1, Origin::epoch), "2026-05-04T09:30:00.000000001Z");
+    EXPECT_EQ(written("plain", Kind::frame, 86'399 * second, Origin::day), "23:59:59.000");
+    EXPECT_EQ(written("plain", Kind::frame, 86'401 * second, Origin::day), "00:00:01.000");
+    EXPECT_EQ(written("plain", Kind::frame, 0, Origin::none), ",0");
+    EXPECT_EQ(written("candump", Kind::frame, epoch + 1'000, Origin::epoch), "(1777887000.000001)");
+    EXPECT_EQ(written("candump", Kind::frame, 12'000'001, Origin::start), "(0.012000001)");
+    EXPECT_EQ(written("candump", Kind::frame, 0, Origin::none), "can0");
+    EXPECT_EQ(written("yacht-devices", Kind::frame, epoch + 999'999, Origin::epoch), "09:30:00.000");
+    EXPECT_EQ(written("actisense-ascii", Kind::message, epoch + second / 4, Origin::epoch), "A093000.250");
+}
+
+std::string name_of(const testing::TestParamInfo<std::string>& tested) {
+    std::string name = tested.param;
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; },
+        '_');
+    return name;
+}
+INSTANTIATE_TEST_SUITE_P(Converting, EachFormat, testing::ValuesIn(written_formats()), name_of);
+
+}  // namespace
+}  // namespace vistel
