@@ -84,16 +84,16 @@ TEST(TextFormats, ReadTheirRecordings) {
          {message, message, "6: 5 bytes announced, 4 given", message, "9: time `5_4_2026_9_30` is neither milliseconds nor month_day_year_...", "10: priority 8 is above 7"},
          {"250000000 start", "300000000 start", epoch(250)}},
         {"signal-k", "1777887000250;A;09:30:00.000,2,127250,35,255,4,01,39,30,00\n1777887000251;N;$GPGLL\n1777887000250;A;A093000.000 23FF2 1F112 01393000\n"
-                     "1777887000250;A;19:07:21.014 R 09F11223 01 39 30 00\n1777887000000;A;(1777887000.250) can0 09F11223#01393000\n1777887000251;A;x\nx\n"
+                     "1777887000250;A;19:07:21.014 R 09F11223 01 39 30 00\n1777887000000;A;(1777887000.250) can0 09F11223#01393000\n1777887000251;A;x\nx\n1777887000250;A;!PDGY,127250,2,35,255,11.250,ATkwAA==\n"
                      "1777887000250;A;,2,129029,35,255,1,00\n1777887000250;A;,2,129029,35,255,9,00,01,02,03,04,05,06,07,08\n",
          {heading, message, heading, heading, "6: `x` is no message in a form that is known", "7: `x` is not milliseconds;letter;line",
-          "M 2 129029 35 255 00", "M 2 129029 35 255 000102030405060708", "1 foreign"},
-         {epoch(250), epoch(250), epoch(250), epoch(250), epoch(250), epoch(250)}},
+          message, "M 2 129029 35 255 00", "M 2 129029 35 255 000102030405060708", "1 foreign"},
+         {epoch(250), epoch(250), epoch(250), epoch(250), epoch(250), epoch(250), epoch(250)}},
         {"vistel-json", "{\"time\":0.25,\"pgn\":127250,\"name\":\"x\",\"priority\":2,\"source\":35,\"destination\":255,\"fields\":["
                         "{\"label\":\"\\\"raw\\\":\\\"FF\",\"raw\":\"01\"},{\"x\":1,\"raw\":\"3930\"},{\"x\":1,\"raw\":\"00\"}]}\n"
                         "{\"time\":0,\"pgn\":127250,\"priority\":2,\"source\":35,\"destination\":255,\"fields\":[{\"x\":1,\"raw\":\"0139\"}]}\n"
                         "{\"time\":0,\"pgn\":262144,\"fields\":[]}\n{\"time\":x,\"fields\":[]}\n{\"time\":0",
-         {message, "2: the fields are not those of a message 127250", "3: PGN `262144` is no number up to 262143", "4: the time is missing or wrong",
+         {message, "2: the fields are not those of a message 127250", "3: PGN 262144 is above 262143", "4: the time is missing or wrong",
           "5: `{\"time\":0` is no message that was decoded to JSON"}, {"250000000 start"}},
         {"slcan", "V1013\rT09F11223401393000\r\at1230\rr1230\rR18EAFF233\rT09F1122340139300\rz\r\r?\rT09F11223401393000EA5C\rx09F112230\nT09F1122340139300003E8",
          {heading, "49: `T09F1122340139300` is not T, identifier, length and bytes", "70: `?` begins like no frame and no answer", heading, "F 2 127250 35 255 ", heading, "3 foreign"},
