@@ -72,7 +72,7 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
                 break;
             case ReadResult::problem:
                 require(recording.problem().number >= last_place && !recording.problem().text.empty() &&
-                        recording.problem().text.size() < 200);
+                        recording.problem().text.size() < 1000);
                 last_place = recording.problem().number;
                 break;
             case ReadResult::nothing: break;
