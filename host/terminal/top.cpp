@@ -94,6 +94,10 @@ void Top::on_record(const Record& record) {
     networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 
+void Top::on_lost(std::uint8_t bus, std::uint8_t source) {
+    networks_[bus].count_lost(source, 1);
+}
+
 void Top::advance() {
     player_.advance(*this);
     if (player_.now() - last_turn_ < rate_period) return;

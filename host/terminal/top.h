@@ -28,6 +28,7 @@ class Top final : public PlayListener {
 
     void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
     void on_record(const Record& record) override;
+    void on_lost(std::uint8_t bus, std::uint8_t source) override;
 
     /// Takes what is due.
     void advance();
