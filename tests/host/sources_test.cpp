@@ -417,15 +417,17 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
     };
     auto port = std::make_shared<CanPort>(open, options);
     ASSERT_TRUE(port->open());
-    CanReader reader(port, {.patience_ms = 100});
+    Recording recording;
+    recording.attach(std::make_unique<CanReader>(port, RecordingOptions{.patience_ms = 100}), "socketcan");
+    EXPECT_EQ(std::tuple(recording.is_file(), recording.bytes_total(), recording.format_name()),
+              std::tuple(false, 0u, "socketcan"));
     Record record;
-    Problem problem;
     int frames = 0;
-    for (int i = 0; i < 30 && frames < 3; ++i) frames += reader.next(record, problem) == ReadResult::record;
+    for (int i = 0; i < 30 && frames < 3; ++i) frames += recording.next(record) == ReadResult::record;
     EXPECT_EQ(frames, 3);
     EXPECT_EQ(std::tuple(record.msg.pgn, record.msg.source, record.msg.length, record.time.nanoseconds),
               std::tuple(127250u, 0x23, 8, 123));
-    EXPECT_EQ(reader.foreign_frames(), 3u);
+    EXPECT_EQ(recording.foreign_frames(), 3u);
     const LinkCounters& counters = *port->counters();
     EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped_frames),
               std::tuple(1u, 2u, 3u, 14u));
