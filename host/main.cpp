@@ -10,6 +10,7 @@
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
+#include "commands/record.h"
 #include "readers/formats.h"
 #include "writers/written_formats.h"
 
@@ -60,6 +61,7 @@ void add_live(CLI::App& command, vistel::LiveOptions& options) {
 struct Arguments {
     vistel::DecodeOptions decode;
     vistel::ConvertOptions convert;
+    vistel::RecordOptions record;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -100,6 +102,17 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         ->add_option("--every", options.every,
                      "Print the table of a live stream again after so many seconds; 0 for once, at its end")
         ->check(CLI::Range(0.0, 86'400.0));
+}
+
+void add_record(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("record", "Keep what a live source brings, with its times, until interrupted");
+    vistel::RecordOptions& options = arguments.record;
+    command
+        ->add_option("SOURCE", options.source, "Live source: can0, tcp://HOST:PORT, serial:DEVICE and so on")
+        ->required();
+    command->add_option("FILE", options.output, "File to write; - is standard output")->required();
+    add_live(*command, options.live);
 }
 
 void add_convert(CLI::App& app, Arguments& arguments) {
@@ -214,6 +227,7 @@ int main(int argc, char** argv) {
     add_decode(app, arguments);
     add_devices(app, arguments);
     add_convert(app, arguments);
+    add_record(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
@@ -235,6 +249,7 @@ int main(int argc, char** argv) {
 
     for (const char* const name : {"monitor", "top"})
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("record")) return vistel::run_record(arguments.record);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);

@@ -7,12 +7,14 @@
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
+#include "commands/live_options.h"
 #include "commands/losses.h"
 #include "commands/output_status.h"
 #include "commands/progress.h"
 #include "output/output_file.h"
 #include "output/sink.h"
 #include "readers/recording.h"
+#include "sources/source.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
@@ -43,6 +45,7 @@ class Converting {
     Converter converter_{*writer_, bytes_, [this](const N2KMsg& msg, const char* why) { refuse(msg, why); },
                          options_.definitions};
     std::optional<Progress> progress_;
+    SourceState source_;  // of what is being read
     std::uint64_t problems_ = 0;
     std::uint64_t refused_ = 0;
 };
@@ -64,8 +67,10 @@ bool Converting::open(Recording& recording, const std::string& name) {
     how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_->flush(); };
-    if (const auto opened = recording.open(name, how); !opened)
-        return fail(name == "-" ? "standard input" : name, opened.error());
+    const std::string shown = name == "-" ? "standard input" : name;
+    auto opened = open_source(recording, name, how, link_options({}, shown));
+    if (!opened) return fail(shown, opened.error());
+    source_ = *opened;
     if (out_) return true;
     auto output = open_output(options_.output, options_.files);
     if (!output) return fail(options_.output, output.error());
@@ -121,7 +126,9 @@ int Converting::run() {
     if (refused_ > 0)
         std::fprintf(stderr, "vistel: messages that %s cannot hold: %" PRIu64 "\n", options_.to.c_str(),
                      refused_);
+    if (source_.is_live()) print_link(*source_.counters);
     if (!readable) return EXIT_FAILED;
+    if (source_.is_live()) return EXIT_CLEAN;  // ended by hand; what is lost on the way is told above
     return refused_ > 0 ? EXIT_SKIPPED : status;
 }
 
