@@ -26,6 +26,10 @@ std::string format_notes() {
     return notes;
 }
 
+constexpr const char* source_help =
+    "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
+    "tcp-listen://:PORT or serial:DEVICE (see the manual)";
+
 void add_format(CLI::App& command, std::string& format, vistel::ContentKind& contents) {
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
@@ -40,8 +44,16 @@ void add_format(CLI::App& command, std::string& format, vistel::ContentKind& con
 
 /// What every command takes that reads a recording.
 void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
-    command.add_option("FILE", file, "Recording to read; - is standard input")->capture_default_str();
+    command.add_option("FILE", file, source_help)->capture_default_str();
     add_format(command, format, contents);
+}
+
+void add_live(CLI::App& command, vistel::LiveOptions& options) {
+    command
+        .add_option("--timeout", options.timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -71,6 +83,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
+    add_live(*command, options.live);
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }
 
@@ -79,6 +92,7 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
     add_recording(*command, options.file, options.format, options.contents);
+    add_live(*command, options.live);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
@@ -92,14 +106,14 @@ void add_convert(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("convert", "Write recordings or a live stream in another format");
     vistel::ConvertOptions& options = arguments.convert;
-    command->add_option("FILE", options.files,
-                        "Recordings to read, one after the other; - is standard input");
+    command->add_option("FILE", options.files, source_help);
     command->add_option("--to", options.to, "Format to write")
         ->required()
         ->check(CLI::IsMember(vistel::written_formats()));
     command->add_option("-o,--output", options.output, "File to write; - is standard output")
         ->capture_default_str();
     add_format(*command, options.format, options.contents);
+    add_live(*command, options.live);
     vistel::add_definitions(*command, options.definitions);
 }
 

@@ -12,13 +12,17 @@
 #include "commands/progress.h"
 #include "output/output_file.h"
 #include "output/sink.h"
-#include "readers/recording.h"
+#include "sources/source.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
 namespace vistel {
 
 namespace {
+
+std::string shown_name(const std::string& file) {
+    return file == "-" ? "standard input" : file;
+}
 
 /// One run over recordings.
 class Converting {
@@ -43,6 +47,7 @@ class Converting {
     Converter converter_{*writer_, bytes_, [this](const N2KMsg& msg, const char* why) { refuse(msg, why); },
                          options_.definitions};
     std::optional<Progress> progress_;
+    bool is_live_ = false;
     std::uint64_t problems_ = 0;
     std::uint64_t refused_ = 0;
 };
@@ -64,8 +69,12 @@ bool Converting::open(Recording& recording, const std::string& name) {
     how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_->flush(); };
-    if (const auto opened = recording.open(name, how); !opened)
-        return fail(name == "-" ? "standard input" : name, opened.error());
+    const std::string shown = shown_name(name);
+    auto opened = open_source(recording, name, how, link_options(options_.live, shown, [this] {
+                                  if (progress_) progress_->clear();
+                              }));
+    if (!opened) return fail(shown, opened.error());
+    is_live_ = is_live_ || opened->is_live();
     if (out_) return true;
     auto output = open_output(options_.output, options_.files);
     if (!output) return fail(options_.output, output.error());
@@ -90,8 +99,7 @@ bool Converting::read(const std::string& file) {
             case ReadResult::problem: {
                 progress_->clear();
                 const Problem& problem = recording.problem();
-                std::fprintf(stderr, "%s\n",
-                             described(problem, file == "-" ? "standard input" : file).c_str());
+                std::fprintf(stderr, "%s\n", described(problem, shown_name(file)).c_str());
                 if (problem.place == Problem::Place::whole)
                     readable = false;
                 else
@@ -122,7 +130,8 @@ int Converting::run() {
         std::fprintf(stderr, "vistel: messages that %s cannot hold: %" PRIu64 "\n", options_.to.c_str(),
                      refused_);
     if (!readable) return EXIT_FAILED;
-    return refused_ > 0 ? EXIT_SKIPPED : status;
+    if (refused_ > 0) return EXIT_SKIPPED;
+    return is_live_ ? EXIT_CLEAN : status;  // ended by hand
 }
 
 }  // namespace

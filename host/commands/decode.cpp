@@ -16,6 +16,7 @@
 #include "output/writers.h"
 #include "readers/recording.h"
 #include "reassembly/reassembler.h"
+#include "sources/source.h"
 
 namespace vistel {
 
@@ -52,6 +53,7 @@ class Decoding {
     const std::string name_;
     core::UnitSelection units_;  // JSON and CSV are for programs, which do not know what somebody picked
     Recording recording_;
+    SourceState source_;
     Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); },
                              options_.definitions};
     Sink out_{STDOUT_FILENO};
@@ -107,6 +109,7 @@ void Decoding::print_statistics() const {
     line("frames of no message", c.orphan_frames);
     line("repeated frames", c.repeated_frames);
     line("other than NMEA 2000", recording_.foreign_frames());
+    if (source_.is_live()) print_link(*source_.counters);
     unknown_.print();
     print(reassembler_.losses());
 }
@@ -119,10 +122,14 @@ int Decoding::run() {
     how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_.flush(); };
-    if (const auto opened = recording_.open(options_.file, how); !opened) {
+    auto opened = open_source(recording_, options_.file, how, link_options(options_.live, name_, [this] {
+                                  if (progress_) progress_->clear();
+                              }));
+    if (!opened) {
         std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.error().text.c_str());
         return EXIT_FAILED;
     }
+    source_ = *opened;
     watch_interrupts();
     ignore_closed_pipes();
     progress_.emplace(recording_.bytes_total());
@@ -149,8 +156,9 @@ int Decoding::run() {
     progress_->clear();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
     const int status = report_losses(problems_, reassembler_.counters());
-    if (options_.statistics) print_statistics();
-    return readable ? status : EXIT_FAILED;
+    if (options_.statistics || source_.is_live()) print_statistics();
+    if (!readable) return EXIT_FAILED;
+    return source_.is_live() ? EXIT_CLEAN : status;  // ended by hand; what is lost on the way is told above
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/live_options.h"
 #include "commands/unit_options.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/content_kind.h"
@@ -23,6 +24,7 @@ struct DecodeOptions {
     std::string file = "-";
     std::string format;  ///< name of the recording's format, empty to recognise it
     ContentKind contents = ContentKind::as_it_seems;
+    LiveOptions live;
     Form form = Form::text;
     std::vector<std::uint32_t> pgns;     ///< empty for all
     std::vector<std::uint32_t> sources;  ///< empty for all

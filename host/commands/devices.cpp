@@ -15,6 +15,7 @@
 #include "output/sink.h"
 #include "readers/recording.h"
 #include "reassembly/reassembler.h"
+#include "sources/source.h"
 
 namespace vistel {
 
@@ -94,8 +95,9 @@ int Watching::run() {
     how.format = options_.format;
     how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
-    if (const auto opened = recording_.open(options_.file, how); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.error().text.c_str());
+    auto source = open_source(recording_, options_.file, how, link_options(options_.live, name_));
+    if (!source) {
+        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), source.error().text.c_str());
         return EXIT_FAILED;
     }
     watch_interrupts();
@@ -133,7 +135,8 @@ int Watching::run() {
     print();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
     const int status = report_losses(problems_, reassembler_.counters());
-    return readable ? status : EXIT_FAILED;
+    if (!readable) return EXIT_FAILED;
+    return source->is_live() ? EXIT_CLEAN : status;  // ended by hand; what is lost on the way is told above
 }
 
 }  // namespace

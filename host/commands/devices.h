@@ -4,6 +4,7 @@
 
 #include "commands/device_table.h"
 #include "readers/content_kind.h"
+#include "commands/live_options.h"
 
 namespace vistel {
 
@@ -11,6 +12,7 @@ struct DevicesOptions {
     std::string file = "-";
     std::string format;  ///< name of the recording's format, empty to recognise it
     ContentKind contents = ContentKind::as_it_seems;
+    LiveOptions live;
     TableForm form = TableForm::text;
     bool by_pgn = false;  ///< what each device sends, too
     /// Seconds after which the table is printed again while a live source goes on; 0 for once, at its end.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "sources/source.h"
+
 namespace vistel {
 
 using namespace std::chrono_literals;
@@ -14,9 +16,12 @@ Status Player::open() {
     how.contents = options_.contents;
     how.contents = options_.contents;
     how.patience_ms = 0;
-    if (auto opened = recording->open(options_.file, how); !opened) return opened;
+    LinkOptions link;
+    link.tell = [this](const std::string& text) { notice_ = text; };
+    auto opened = open_source(*recording, options_.file, how, link);
+    if (!opened) return opened.error();
     recording_ = std::move(recording);
-    paced_ = recording_->is_file() || options_.speed.has_value();
+    paced_ = recording_->is_file() || (options_.speed.has_value() && !opened->is_live());
     if (!reassembler_)
         reassembler_ = std::make_unique<Reassembler>(
             [this](const N2KMsg& msg, const RecordTime& time) {
@@ -46,7 +51,7 @@ void Player::continue_at(PlayTime time) {
 bool Player::read_record() {
     while (!ended_ && !recording_->would_wait()) {
         switch (recording_->next(record_)) {
-            case ReadResult::record: return true;
+            case ReadResult::record: notice_.clear(); return true;
             case ReadResult::problem:
                 if (counters_.problems++ == 0)
                     first_problem_ = described(recording_->problem(), options_.file);

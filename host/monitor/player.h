@@ -85,6 +85,8 @@ class Player {
     }
 
     static constexpr PlayTime longest_gap = 3 * one_second;
+    /// What a live source said last: that it was lost, or is silent. Empty as long as all is well.
+    const std::string& notice() const { return notice_; }
 
   private:
     bool read_record();
@@ -111,6 +113,7 @@ class Player {
     bool ended_ = false;
     PlayCounters counters_;
     std::string first_problem_;
+    std::string notice_;
 };
 
 }  // namespace vistel

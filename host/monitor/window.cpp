@@ -129,7 +129,9 @@ void MonitorWindow::show_status() {
         text << wxString::Format(", %llu errors", static_cast<unsigned long long>(c.problems));
     if (refused_ > 0)
         text << wxString::Format(", %llu without room", static_cast<unsigned long long>(refused_));
-    if (player_->ended())
+    if (!player_->notice().empty())
+        text << " - " << wxString::FromUTF8(player_->notice());
+    else if (player_->ended())
         text << " - end";
     else if (player_->paused())
         text << " - paused";

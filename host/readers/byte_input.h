@@ -36,6 +36,9 @@ class ByteInput {
 
     /// How far the first `given` bytes that read() gave are on the way to total(), about.
     virtual std::uint64_t position(std::uint64_t given) const { return given; }
+    /// When the bytes of the last read() arrived, in nanoseconds since 1970-01-01 00:00 UTC; 0 for bytes that
+    /// were there before.
+    virtual std::int64_t arrival() const { return 0; }
 };
 
 /// Opens a file, or standard input for "-".

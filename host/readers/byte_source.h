@@ -46,6 +46,9 @@ class ByteSource {
     /// Whether the bytes come from a file, which is there from the first to the last without waiting.
     bool is_file() const { return input_->is_file(); }
 
+    /// When the last bytes arrived: those that made the record whole which was read last. 0 for a recording.
+    std::int64_t arrival() const { return input_ ? input_->arrival() : 0; }
+
     std::uint64_t consumed() const { return received_ - (end_ - begin_); }
     /// How far what was consumed is on the way to total().
     std::uint64_t position() const { return input_ ? input_->position(consumed()) : 0; }

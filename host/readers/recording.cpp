@@ -64,8 +64,13 @@ Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOption
     return done;
 }
 
+void Recording::attach(std::unique_ptr<RecordReader> reader, std::string_view name) {
+    reader_ = std::move(reader);
+    format_name_ = name;
+}
+
 void Recording::use(const Format& format) {
-    format_ = &format;
+    format_name_ = format.name;
     reader_ = format.open(source_, contents_);
 }
 
@@ -83,6 +88,12 @@ Recording::State Recording::prepare(ByteSource::Wait wait) {
             return State::idle;
         }
     }
+}
+
+void Recording::stamp(RecordTime& time) {
+    day_clock_.unroll(time);
+    if (const std::int64_t arrival = source_.arrival(); arrival != 0)
+        time = {arrival, RecordTime::Origin::epoch};
 }
 
 ReadResult Recording::explain_end() {
@@ -115,7 +126,7 @@ ReadResult Recording::next(Record& record) {
     const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
     const ReadResult result = reader_->next(record, problem_);
     if (result == ReadResult::record) [[likely]] {
-        day_clock_.unroll(record.time);
+        if (record.time.origin != RecordTime::Origin::epoch) stamp(record.time);
         if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
     } else if (result == ReadResult::problem) {
         msg.length = 0;

@@ -41,8 +41,12 @@ class Recording {
     /// The same for an input that is open already.
     Status attach(std::unique_ptr<ByteInput> input, const RecordingOptions& options = {});
 
+    /// The same for a source that gives records; `name` is that of their format.
+    void attach(std::unique_ptr<RecordReader> reader, std::string_view name);
+
     /// Takes the next record, or tells what came instead. A caller goes on after `problem` (problem() then
     /// tells it) and `nothing`, which also stands for a wait that the patience or a signal cut short.
+    /// A record of a live source that has no absolute time has that of its arrival.
     /// `record` is fresh or as the last call left it: behind its length the payload must be 0, and is so
     /// again.
     ReadResult next(Record& record);
@@ -54,7 +58,7 @@ class Recording {
     bool would_wait();
 
     /// Name of the format; empty as long as it is not known.
-    std::string_view format_name() const { return format_ != nullptr ? format_->name : std::string_view{}; }
+    std::string_view format_name() const { return format_name_; }
 
     /// Of a compressed recording both count its compressed bytes.
     std::uint64_t bytes_read() const { return source_.position(); }
@@ -75,12 +79,13 @@ class Recording {
 
     State prepare(ByteSource::Wait wait);
     void use(const Format& format);
+    void stamp(RecordTime& time);
     ReadResult explain_end();
 
     ByteSource source_;
     ContentKind contents_ = ContentKind::as_it_seems;
     std::size_t passed_ = 0;  // bytes of the head that speak for no format
-    const Format* format_ = nullptr;
+    std::string_view format_name_;
     std::unique_ptr<RecordReader> reader_;
     DayClock day_clock_;
     Problem problem_;

@@ -9,6 +9,7 @@ import json
 import os
 import re
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -354,6 +355,27 @@ class ProgramTest(unittest.TestCase):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
+
+    def test_a_link_that_is_lost_is_made_again(self):
+        line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            server.settimeout(30)
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            with subprocess.Popen([VISTEL, "decode", "--json", name], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                  encoding="utf-8") as process:
+                for _ in range(2):
+                    gateway, _ = server.accept()
+                    with gateway:
+                        gateway.sendall(line)
+                        self.assertEqual(json.loads(process.stdout.readline())["pgn"], 129025)
+                process.send_signal(signal.SIGTERM)
+                self.assertEqual(process.wait(timeout=30), 0)
+                told = process.stderr.read()
+        self.assertIn(f"vistel: {name}: connection lost: closed by the other side; trying again\n", told)
+        self.assertIn("\nmessages: 2\n", told)
+        result = vistel("decode", name)  # nobody listens
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertIn(f"vistel: {name}: ", result.stderr)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):

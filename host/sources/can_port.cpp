@@ -1,0 +1,79 @@
+#include "sources/can_port.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "text/words.h"
+
+namespace vistel {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Between two looks at what is due.
+constexpr auto slice = 100ms;
+
+}  // namespace
+
+Status CanPort::open() {
+    watch_.attempt();
+    auto opened = open_();
+    if (!opened) return opened.error();
+    socket_ = std::move(*opened);
+    watch_.opened(LinkWatch::Clock::now());
+    return done;
+}
+
+bool CanPort::receive(CanFrame& frame, int patience) {
+    const auto start = LinkWatch::Clock::now();
+    for (auto now = start;;) {
+        const auto left = patience < 0 ? slice : std::chrono::milliseconds(patience) - (now - start);
+        const int wait = static_cast<int>(std::clamp<std::int64_t>(
+            std::chrono::ceil<std::chrono::milliseconds>(left).count(), 0, slice.count()));
+        const auto received = socket_ ? socket_->receive(frame, wait) : CanSocket::Received::nothing;
+        if (received == CanSocket::Received::frame) [[likely]] {
+            count_dropped();
+            if ((frame.identifier & CanFrame::error) != 0) {
+                ++watch_.counters().error_frames;
+            } else {
+                watch_.traffic(LinkWatch::Clock::now());
+            }
+            return true;
+        }
+        now = LinkWatch::Clock::now();
+        if (received == CanSocket::Received::down) watch_.lost(now, "the interface is down");
+        if (received == CanSocket::Received::removed) {
+            watch_.lost(now, "the interface is gone");
+            earlier_dropped_ += socket_->dropped();
+            socket_.reset();
+        }
+        if (!socket_ && now >= watch_.retry_at()) look_again();
+        watch_.elapsed(now, watch_.counters().error_frames > 0 ? "there are error frames" : "");
+        if (patience >= 0 && now - start >= std::chrono::milliseconds(patience)) return false;
+        // A socket without an interface does not wait.
+        if (wait > 0 && received != CanSocket::Received::nothing) std::this_thread::sleep_for(10ms);
+        if (wait > 0 && !socket_) std::this_thread::sleep_for(std::chrono::milliseconds(wait));
+    }
+}
+
+void CanPort::look_again() {
+    watch_.attempt();
+    const auto now = LinkWatch::Clock::now();
+    auto opened = open_();
+    if (!opened) return watch_.lost(now, opened.error().text);
+    socket_ = std::move(*opened);
+    watch_.opened(now);
+}
+
+void CanPort::count_dropped() {
+    watch_.counters().dropped_frames = earlier_dropped_ + socket_->dropped();
+    if (watch_.counters().dropped_frames == told_dropped_) return;
+    const auto now = LinkWatch::Clock::now();
+    if (told_dropped_ > 0 && now - dropped_told_at_ < 10s) return;
+    watch_.tell(concat("frames that the system dropped, because they were not read in time: ",
+                       watch_.counters().dropped_frames));
+    told_dropped_ = watch_.counters().dropped_frames;
+    dropped_told_at_ = now;
+}
+
+}  // namespace vistel

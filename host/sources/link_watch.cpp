@@ -1,0 +1,72 @@
+#include "sources/link_watch.h"
+
+#include <algorithm>
+
+#include "text/words.h"
+
+namespace vistel {
+namespace {
+
+using std::chrono::milliseconds;
+
+milliseconds in_milliseconds(LinkWatch::Clock::duration duration) {
+    return std::chrono::duration_cast<milliseconds>(duration);
+}
+
+/// "3.2 s"
+std::string in_seconds(milliseconds duration) {
+    const auto tenths = static_cast<std::uint64_t>(std::max<std::int64_t>(0, duration.count())) / 100;
+    return concat(tenths / 10, ".", tenths % 10, " s");
+}
+
+}  // namespace
+
+void LinkWatch::opened(Time now) {
+    is_open_ = true;
+    heard_ = now;
+    if (!silence_told_) silent_since_ = now;
+}
+
+void LinkWatch::traffic(Time now) {
+    if (is_lost_) {
+        const milliseconds without = in_milliseconds(now - lost_at_);
+        counters_->without += without;
+        tell(concat("receiving again after ", in_seconds(without)));
+    } else if (silence_told_) {
+        tell(concat("receiving again after ", in_seconds(in_milliseconds(now - silent_since_)),
+                    " of silence"));
+    }
+    is_lost_ = silence_told_ = absence_told_ = false;
+    pause_ = milliseconds{};
+    heard_ = silent_since_ = now;
+}
+
+void LinkWatch::lost(Time now, const std::string& reason) {
+    reason_ = reason;
+    if (!is_lost_) {
+        ++counters_->losses;
+        lost_at_ = now;
+        tell(concat("connection lost: ", reason, "; trying again"));
+    }
+    is_lost_ = true;
+    is_open_ = silence_told_ = false;
+    // A link that is made again and brings nothing is no better than none: the pause goes on growing.
+    retry_at_ = now + pause_;
+    pause_ = std::min(std::max(pause_ * 2, options_.first_pause), options_.longest_pause);
+}
+
+void LinkWatch::elapsed(Time now, std::string_view state) {
+    if (options_.silence.count() <= 0) return;
+    if (!is_open_) {
+        if (!is_lost_ || absence_told_ || now - lost_at_ < options_.silence) return;
+        absence_told_ = true;
+        tell(concat("not connected for ", in_seconds(in_milliseconds(now - lost_at_)), ": ", reason_));
+    } else if (!silence_told_ && now - heard_ >= options_.silence) {
+        silence_told_ = true;
+        ++counters_->silences;
+        tell(concat(connected_, ", nothing received for ", in_seconds(in_milliseconds(now - heard_)),
+                    state.empty() ? "" : "; ", state));
+    }
+}
+
+}  // namespace vistel

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vistel {
+
+struct LinkOptions {
+    /// How long a connection may bring nothing before that is told; 0 for ever.
+    std::chrono::milliseconds silence{std::chrono::seconds{30}};
+    std::chrono::milliseconds first_pause{std::chrono::seconds{1}};  ///< before a lost link is made again
+    std::chrono::milliseconds longest_pause{std::chrono::seconds{30}};
+    std::function<void(const std::string&)> tell = {};  ///< what the user should know, once each
+};
+
+/// What became of a link so far.
+struct LinkCounters {
+    std::uint64_t losses = 0;
+    std::uint64_t attempts = 0;           ///< to connect, the first one among them
+    std::chrono::milliseconds without{};  ///< a connection, of the losses that are over
+    std::uint64_t silences = 0;
+    std::uint64_t bytes = 0;           ///< of links that bring bytes
+    std::uint64_t error_frames = 0;    ///< of CAN interfaces
+    std::uint64_t dropped_frames = 0;  ///< by the system, because they were not taken in time
+};
+
+/// Keeps the account of one link: tells what changes, counts, and says when to try again. Its times are those
+/// that it is given.
+class LinkWatch {
+  public:
+    using Clock = std::chrono::steady_clock;
+    using Time = Clock::time_point;
+
+    /// `connected` is the word for a link that is there.
+    LinkWatch(LinkOptions options, std::string_view connected)
+        : options_(std::move(options)), connected_(connected) {}
+
+    void attempt() { ++counters_->attempts; }
+    void opened(Time now);
+    /// Traffic of the bus, and only that.
+    void traffic(Time now);
+    /// A connection that was there, or an attempt to make one, came to an end.
+    void lost(Time now, const std::string& reason);
+    /// To be called several times a second. `state` may say more of a link that brings nothing.
+    void elapsed(Time now, std::string_view state = {});
+
+    void tell(const std::string& text) const {
+        if (options_.tell) options_.tell(text);
+    }
+
+    /// When a link that is not there should be tried.
+    Time retry_at() const { return retry_at_; }
+    /// For how long it has been there and brought nothing.
+    Clock::duration silent(Time now) const { return is_open_ ? now - heard_ : Clock::duration{}; }
+    const LinkOptions& options() const { return options_; }
+    LinkCounters& counters() { return *counters_; }
+    /// The same for those who look at them when the link may be gone.
+    std::shared_ptr<const LinkCounters> shared_counters() const { return counters_; }
+
+  private:
+    LinkOptions options_;
+    std::string connected_;
+    std::shared_ptr<LinkCounters> counters_ = std::make_shared<LinkCounters>();
+    bool is_open_ = false;
+    bool is_lost_ = false;  // and nothing has come since
+    bool silence_told_ = false;
+    bool absence_told_ = false;
+    Time heard_;  // the last traffic, or since when there could have been
+    Time silent_since_;
+    Time lost_at_;
+    Time retry_at_;
+    std::string reason_;
+    std::chrono::milliseconds pause_{};
+};
+
+}  // namespace vistel

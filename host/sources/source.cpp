@@ -1,0 +1,36 @@
+#include "sources/source.h"
+
+#include "sources/can_reader.h"
+#include "sources/format_check.h"
+#include "sources/link.h"
+#include "sources/source_name.h"
+
+namespace vistel {
+
+Result<SourceState> open_source(Recording& recording, const std::string& text, const RecordingOptions& how,
+                                const LinkOptions& options) {
+    auto name = parse_source(text);
+    if (!name) return name.error();
+    if (!name->is_live()) {
+        if (const Status opened = recording.open(text, how); !opened) return opened.error();
+        return SourceState{};
+    }
+    if (name->kind == SourceName::Kind::can) {
+        if (!how.format.empty()) return Failure{"a CAN interface has no format to be named"};
+        auto port =
+            std::make_shared<CanPort>([interface = name->target] { return open_can(interface); }, options);
+        if (const Status opened = port->open(); !opened) return opened.error();
+        recording.attach(std::make_unique<CanReader>(port, how), "socketcan");
+        return SourceState{port->counters()};
+    }
+    auto link = std::make_unique<Link>(std::make_shared<EventLoop>(), *name, options);
+    if (const Status opened = link->open(); !opened) return opened.error();
+    const SourceState state{link->counters()};
+    std::unique_ptr<ByteInput> input = std::move(link);
+    if (auto named = find_format(how.format))
+        input = std::make_unique<FormatCheck>(std::move(input), **named, options.tell);
+    if (const Status attached = recording.attach(std::move(input), how); !attached) return attached.error();
+    return state;
+}
+
+}  // namespace vistel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "readers/recording.h"
+#include "sources/event_loop.h"
+#include "sources/link_watch.h"
+
+namespace vistel {
+
+/// What is known of a source that a recording reads; a file has none of it.
+struct SourceState {
+    std::shared_ptr<const LinkCounters> counters = {};
+
+    bool is_live() const { return counters != nullptr; }
+};
+
+/// Opens what a name stands for (source_name.h): a file, or a live source, which never ends. Live records
+/// without an absolute time get that of their arrival. A name that is a live source by mistake, or a file
+/// that is not there, is a failure at once; links that are lost later are made again.
+Result<SourceState> open_source(Recording& recording, const std::string& name,
+                                const RecordingOptions& how = {}, const LinkOptions& link = {});
+
+}  // namespace vistel

@@ -1,0 +1,464 @@
+// Live sources against devices that the test plays: sockets of this machine, pseudo-terminals, made-up
+// frames.
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/can.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "sources/can_reader.h"
+#include "sources/gateway.h"
+#include "sources/source.h"
+#include "sources/source_name.h"
+
+namespace vistel {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_view_literals;
+
+TEST(SourceNames, WhatTheyStandFor) {
+    using Kind = SourceName::Kind;
+    struct Case {
+        const char* text;
+        Kind kind;
+        const char* target;
+        unsigned port, speed;
+        GatewayKind gateway;
+    };
+    for (const Case& c : {
+             Case{"-", Kind::file, "-", 0, 0, GatewayKind::none},
+             {"none.log", Kind::file, "none.log", 0, 0, GatewayKind::none},
+             {"canal.log", Kind::file, "canal.log", 0, 0, GatewayKind::none},
+             {"can", Kind::file, "can", 0, 0, GatewayKind::none},
+             {"can0", Kind::can, "can0", 0, 0, GatewayKind::none},
+             {"vcan12", Kind::can, "vcan12", 0, 0, GatewayKind::none},
+             {"can:nmea", Kind::can, "nmea", 0, 0, GatewayKind::none},
+             {"tcp://gw:1457", Kind::tcp, "gw", 1457, 0, GatewayKind::none},
+             {"tcp://[::1]:65535?gateway=ngt1", Kind::tcp, "::1", 65535, 0, GatewayKind::ngt1},
+             {"tcp-listen://:60002", Kind::tcp_listen, "", 60002, 0, GatewayKind::none},
+             {"udp://:2000", Kind::udp, "", 2000, 0, GatewayKind::none},
+             {"serial:/dev/none", Kind::serial, "/dev/none", 0, 115200, GatewayKind::recognised},
+             {"serial:COM3?gateway=ikonvert", Kind::serial, "COM3", 0, 230400, GatewayKind::ikonvert},
+             {"serial:x?speed=9600&gateway=none", Kind::serial, "x", 0, 9600, GatewayKind::none},
+         }) {
+        auto name = parse_source(c.text);
+        ASSERT_TRUE(name) << c.text;
+        EXPECT_EQ(std::tuple(name->kind, name->target, name->port, name->speed, name->gateway),
+                  std::tuple(c.kind, c.target, c.port, c.speed, c.gateway))
+            << c.text;
+    }
+    const std::pair<const char*, const char*> wrong[] = {
+        {"tcp://gw", "has no port"},
+        {"tcp://gw:0", "has no port"},
+        {"tcp://gw:65536", "has no port"},
+        {"tcp://:1457", "has no host"},
+        {"udp://:1x", "has no port"},
+        {"serial:", "names no device"},
+        {"serial:x?speed=0", "no speed '0'"},
+        {"serial:x?gateway=gw", "no gateway 'gw'"},
+        {"can:c?speed=1", "no setting 'speed=1'"},
+        {"tcp://gw:1?=", "no setting '='"},
+    };
+    for (const auto& [text, told] : wrong) {
+        const auto name = parse_source(text);
+        ASSERT_FALSE(name) << text;
+        EXPECT_NE(name.error().text.find(told), std::string::npos) << name.error().text;
+    }
+}
+
+/// What is said to a gateway and to the user.
+struct Heard final : Gateway::Side {
+    void send(std::string_view bytes) override { sent += bytes; }
+    void tell(const std::string& text) override { told += text + "\n"; }
+    std::string sent, told;
+};
+
+constexpr std::string_view ngt_filtered = "\x10\x02\xA1\x03\x11\x01\x00\x4A\x10\x03"sv;
+constexpr std::string_view ngt_all = "\x10\x02\xA1\x03\x11\x02\x00\x49\x10\x03"sv;
+/// Answers of an NGT-1 to the two, with the doubled escape in the serial number of the second one.
+constexpr std::string_view ngt_is_filtered =
+    "\x10\x02\xA0\x0E\x11\x01\x0E\x00\x01\x02\x03\x04\x00\x00\x00\x00\x01\x00\x18\x10\x03"sv;
+constexpr std::string_view ngt_is_open =
+    "\x10\x02\xA0\x0E\x11\x02\x0E\x00\x10\x10\x02\x03\x04\x00\x00\x00\x00\x02\x00\x07\x10\x03"sv;
+constexpr std::string_view ngt_heading =
+    "\x10\x02\x93\x13\x02\x12\xF1\x01\xFF\x23\x00\x00\x00\x00\x08\x00\x39\x30\x00\x00\xFF\x7F\xFD\x56\x10\x03"sv;
+
+TEST(Gateways, AreAskedForWhatTheyHoldBack) {
+    struct Step {
+        std::chrono::milliseconds at;
+        std::string_view comes;  // nothing: time passes
+        std::string_view sent;
+        bool traffic = false;
+        std::string_view told = {};
+        std::string_view state = {};
+    };
+    struct Case {
+        GatewayKind kind;
+        std::vector<Step> steps;  // the first one connects
+    };
+    const std::string_view offline = "$PDGY,N2NET_OFFLINE\r\n", all = "$PDGY,N2NET_INIT,ALL\r\n";
+    std::string off_the_bus;
+    for (int i = 0; i < 10; ++i) off_the_bus += "$PDGY,000000,,,,,,\r\n";
+    for (const Case& c : {
+             Case{GatewayKind::ngt1,
+                  {{0ms, "", ngt_filtered, false, "", "does not answer"},
+                   {10ms, ngt_is_filtered.substr(0, 9), ""},
+                   {20ms, ngt_is_filtered.substr(9), ngt_all, false, "", "not confirm its mode"},
+                   {30ms, ngt_is_open, "", false, "", "answers, but has no traffic"},
+                   {40ms, ngt_heading, "", true},
+                   {15s, "", ""},
+                   {21s, "", ngt_all},  // it may have lost its power
+                   {42s, "", ngt_all}}},
+             Case{GatewayKind::ngt1,
+                  {{0ms, "", ngt_filtered},
+                   {1s, ngt_heading, "", true},
+                   {3s, "", ngt_all},
+                   {6s, "", ngt_filtered},
+                   {9s, "", ngt_all},
+                   {12s, "", ngt_filtered, false, "the gateway does not confirm"},
+                   {15s, "", ngt_all},
+                   {16s, ngt_is_open, "", false, "the gateway confirms"}}},
+             Case{GatewayKind::ikonvert,
+                  {{0ms, "", offline},
+                   {10ms, "$PDGY,TEXT,Digital Yacht\r\n$PDGY,0000", all},
+                   {20ms, "00,,,,,,\r\n$PDGY,ACK,N2NET_INIT,ALL\r\n", "", false, "", "not on the bus"},
+                   {1s, "!PDGY,127250,2,1,255,0.1,ADkwAAD/f/0=\r\n", "", true},
+                   {2s, "$PDGY,000000,4,0,3,17,50,0\r\n", "", false, "", "answers, but has no traffic"},
+                   {20s, off_the_bus, offline, false, "the gateway is not on the bus"}}},
+             Case{GatewayKind::ikonvert, {{0ms, "", offline}, {5s, "", all}, {10s, "", offline}}},
+             Case{GatewayKind::slcan,
+                  {{0ms, "", "\rC\r", false, "", "does not answer"},
+                   {1ms, "\r", "S5\r"},
+                   {2ms, "\r", "L\r"},
+                   {3ms, "\a", "O\r"},  // it cannot only listen
+                   {4ms, "\r", "", false, "", "answers, but has no traffic"},
+                   {5ms, "T09F11223800393", "", false},
+                   {6ms, "00000FF7FFD\r", "", true},
+                   {60s, "", ""}}},
+             Case{GatewayKind::slcan,  // one that answers nothing
+                  {{0ms, "", "\rC\r"},
+                   {500ms, "", "S5\r"},
+                   {1s, "", "L\r"},
+                   {1100ms, "T09F1122380039300000FF7FFD\r", "", true},
+                   {60s, "", ""}}},
+             Case{GatewayKind::ydnu,
+                  {{0ms, "", "0\n"},
+                   {1s, "$GPGLL,,,,,,V,N*64\r\n", "", false, "", "other things"},
+                   {5s, "", "0\n"},
+                   {6s, "19:07:21.014 R 09F8017F 50 C3 9E 2C\r\n", "", true},
+                   {60s, "", ""}}},
+             Case{GatewayKind::recognised,
+                  {{0ms, "", ""},
+                   {1s, "$GPGLL,,,,,,V,N*64\r\n", "", true, "", "?gateway="},
+                   {2s, "$PDGY,TEXT,Digital Yacht\r\n", "$PDGY,N2NET_OFFLINE\r\n$PDGY,N2NET_INIT,ALL\r\n"}}},
+             Case{GatewayKind::recognised, {{0ms, "", ""}, {2s, ngt_heading, ngt_filtered, true}}},
+         }) {
+        Heard heard;
+        const auto gateway = make_gateway(c.kind, heard);
+        const Gateway::Time start{1h};
+        for (const Step& step : c.steps) {
+            SCOPED_TRACE(std::to_string(static_cast<int>(c.kind)) + " at " + std::to_string(step.at.count()));
+            heard = {};
+            if (&step == c.steps.data())
+                gateway->connected(start);
+            else if (step.comes.empty())
+                gateway->elapsed(start + step.at);
+            else
+                EXPECT_EQ(gateway->received(step.comes, start + step.at), step.traffic);
+            EXPECT_EQ(heard.sent, step.sent);
+            EXPECT_EQ(heard.told.substr(0, step.told.size()), step.told);
+            EXPECT_EQ(heard.told.empty(), step.told.empty()) << heard.told;
+            EXPECT_NE(gateway->state().find(step.state), std::string::npos) << gateway->state();
+        }
+    }
+}
+
+/// A descriptor that is closed in the end.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : number_(number) { EXPECT_GE(number, 0); }
+    ~Descriptor() { ::close(number_); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    operator int() const { return number_; }
+
+    void put(std::string_view bytes) const {
+        ASSERT_EQ(::write(number_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    }
+    /// What comes within a short time.
+    std::string get() const {
+        pollfd request{number_, POLLIN, 0};
+        char room[256];
+        const ssize_t size = ::poll(&request, 1, 0) > 0 ? ::read(number_, room, sizeof room) : 0;
+        return {room, static_cast<std::size_t>(std::max<ssize_t>(0, size))};
+    }
+
+  private:
+    int number_;
+};
+
+sockaddr_in here(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+const sockaddr* generic(const sockaddr_in& address) {
+    return reinterpret_cast<const sockaddr*>(&address);
+}
+
+/// A bound socket and its port.
+struct Bound {
+    explicit Bound(int type, std::uint16_t wanted = 0) : socket(::socket(AF_INET, type, 0)) {
+        const int on = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        sockaddr_in address = here(wanted);
+        EXPECT_EQ(::bind(socket, generic(address), sizeof address), 0);
+        socklen_t size = sizeof address;
+        ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
+        port = ntohs(address.sin_port);
+        EXPECT_TRUE(type != SOCK_STREAM || ::listen(socket, 4) == 0);
+    }
+    bool is_asked() const {
+        pollfd request{socket, POLLIN, 0};
+        return ::poll(&request, 1, 0) > 0;
+    }
+    int accept() const { return ::accept(socket, nullptr, nullptr); }
+    Descriptor socket;
+    std::uint16_t port = 0;
+};
+
+std::uint16_t free_port(int type) {
+    return Bound(type).port;
+}
+
+/// A live source that is read until something is the case.
+struct Listening {
+    explicit Listening(const std::string& name, const char* format = "",
+                       std::chrono::milliseconds silence = 0ms) {
+        LinkOptions link;
+        link.silence = silence;
+        link.first_pause = 10ms;
+        link.longest_pause = 40ms;
+        link.tell = [this](const std::string& text) { told += text + "\n"; };
+        auto opened = open_source(recording, name, {.format = format, .patience_ms = 10}, link);
+        if (opened) {
+            state = *opened;
+        } else {
+            failure = opened.error().text;
+        }
+    }
+
+    template <class Done>
+    testing::AssertionResult until(Done done) {
+        const auto end = std::chrono::steady_clock::now() + 20s;
+        while (!done()) {
+            if (std::chrono::steady_clock::now() > end)
+                return testing::AssertionFailure() << messages << " messages; " << told;
+            switch (recording.next(record)) {
+                case ReadResult::record: ++messages; break;
+                case ReadResult::problem: problems += recording.problem().text + "\n"; break;
+                default: break;
+            }
+        }
+        return testing::AssertionSuccess();
+    }
+    bool has_told(std::string_view text) const { return told.find(text) != std::string::npos; }
+
+    Recording recording;
+    SourceState state;
+    Record record;
+    int messages = 0;
+    std::string told, problems, failure;
+};
+
+constexpr std::string_view raw_line = "19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n";
+
+TEST(Links, AreMadeAgainAndSaySoOnce) {
+    Bound server(SOCK_STREAM);
+    std::optional<Descriptor> gateway;
+    Listening live("tcp://127.0.0.1:" + std::to_string(server.port), "", 100ms);
+    ASSERT_EQ(live.failure, "");
+    const auto before = std::chrono::system_clock::now().time_since_epoch();
+    gateway.emplace(server.accept());
+    gateway->put(raw_line);
+    gateway->put(raw_line.substr(0, 30));  // a piece that would be a frame by itself
+    ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
+    EXPECT_EQ(live.record.time.origin, RecordTime::Origin::epoch);
+    EXPECT_GE(std::chrono::nanoseconds(live.record.time.nanoseconds), before);
+    ASSERT_TRUE(live.until([&] { return live.has_told("connected, nothing received for 0.1 s\n"); }));
+
+    for (int again = 0; again < 3; ++again) {  // and lost before anything came
+        gateway.reset();
+        ASSERT_TRUE(live.until([&] { return server.is_asked(); }));
+        gateway.emplace(server.accept());
+    }
+    gateway->put(raw_line);
+    ASSERT_TRUE(live.until([&] { return live.messages == 2; }));
+    EXPECT_TRUE(live.has_told("connection lost: closed by the other side; trying again\n"));
+    EXPECT_TRUE(live.has_told("receiving again after "));
+    EXPECT_EQ(live.told.find("connection lost"), live.told.rfind("connection lost"));
+    EXPECT_NE(live.problems, "");
+    EXPECT_EQ(live.state.counters->losses, 1u);
+    EXPECT_GE(live.state.counters->attempts, 4u);
+}
+
+TEST(Links, ThatAreSilentForLongAreMadeAnew) {
+    Bound server(SOCK_STREAM);
+    Listening live("tcp://127.0.0.1:" + std::to_string(server.port), "", 50ms);
+    const Descriptor hung(server.accept());
+    ASSERT_TRUE(live.until([&] { return server.is_asked(); }));
+    const Descriptor gateway(server.accept());
+    gateway.put(raw_line);
+    ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
+    EXPECT_EQ(live.state.counters->losses, 0u);
+    EXPECT_FALSE(live.has_told("lost"));
+}
+
+TEST(Links, ThatCannotBeMadeAreAFailure) {
+    const std::string nobody = "127.0.0.1:" + std::to_string(free_port(SOCK_STREAM));
+    const Bound taken(SOCK_STREAM);
+    for (const std::string& name : {"tcp://" + nobody, "tcp-listen://127.0.0.1:" + std::to_string(taken.port),
+                                    std::string("udp://host:1457"), std::string("serial:/dev/none"),
+                                    std::string("can999"), std::string("none.log")})
+        EXPECT_NE(Listening(name).failure, "") << name;
+}
+
+TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
+    const std::uint16_t datagrams = free_port(SOCK_DGRAM);
+    Listening udp("udp://127.0.0.1:" + std::to_string(datagrams));
+    ASSERT_EQ(udp.failure, "");
+    const Bound sender(SOCK_DGRAM);
+    const sockaddr_in to = here(datagrams);
+    const std::string two = std::string(raw_line) + std::string(raw_line);
+    for (int i = 0; i < 2; ++i) ::sendto(sender.socket, two.data(), two.size(), 0, generic(to), sizeof to);
+    ASSERT_TRUE(udp.until([&] { return udp.messages == 4; }));
+
+    const std::uint16_t port = free_port(SOCK_STREAM);
+    Listening server("tcp-listen://:" + std::to_string(port), "candump");
+    ASSERT_EQ(server.failure, "");
+    for (unsigned i = 1; i <= 2; ++i) {
+        const Descriptor gateway(::socket(AF_INET, SOCK_STREAM, 0));
+        const sockaddr_in address = here(port);
+        ASSERT_EQ(::connect(gateway, generic(address), sizeof address), 0);
+        gateway.put(raw_line);
+        ASSERT_TRUE(server.until([&] { return server.state.counters->bytes == i * raw_line.size(); }));
+        ::shutdown(gateway, SHUT_RDWR);
+        ASSERT_TRUE(server.until([&] { return server.state.counters->losses == i; }));
+    }
+    EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
+}
+
+TEST(Links, OfSerialPorts) {
+    Descriptor device(::posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(::grantpt(device) | ::unlockpt(device), 0);
+    const std::string port = ::ptsname(device);
+    {
+        Listening live("serial:" + port + "?gateway=slcan", "yacht-devices");
+        ASSERT_EQ(live.failure, "");
+        std::string asked;
+        ASSERT_TRUE(live.until([&] { return (asked += device.get()).ends_with("C\r"); }));
+        device.put("\r");
+        ASSERT_TRUE(live.until([&] { return (asked += device.get()).ends_with("S5\r"); }));
+        device.put(raw_line);
+        ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
+        device.get();
+    }
+    EXPECT_EQ(device.get(), "C\r");  // the bus is closed when it is left
+}
+
+/// Frames and events of an interface that the test plays.
+struct PlayedSocket final : CanSocket {
+    std::deque<std::pair<Received, CanFrame>>& events;
+    explicit PlayedSocket(std::deque<std::pair<Received, CanFrame>>& played) : events(played) {}
+    Received receive(CanFrame& frame, int) override {
+        if (events.empty()) return Received::nothing;
+        const auto [received, next] = events.front();
+        events.pop_front();
+        frame = next;
+        return received;
+    }
+    std::uint64_t dropped() const override { return 7; }
+};
+
+constexpr CanFrame heading{CanFrame::extended | 0x09F11223, 8, {0, 0x39, 0x30, 0, 0, 0xFF, 0x7F, 0xFD}, 123};
+
+TEST(CanInterfaces, GoDownAndAreRemoved) {
+    using Received = CanSocket::Received;
+    CanFrame error = heading, remote = heading, standard = heading;
+    error.identifier |= CanFrame::error;
+    remote.identifier |= CanFrame::remote;
+    standard.identifier = 0x123;
+    std::deque<std::pair<Received, CanFrame>> events{
+        {Received::frame, error},   {Received::frame, remote}, {Received::frame, standard},
+        {Received::frame, heading}, {Received::down, {}},      {Received::down, {}},
+        {Received::frame, heading}, {Received::removed, {}},   {Received::frame, heading},
+    };
+    std::string told;
+    LinkOptions options;
+    options.first_pause = 1ms;
+    options.tell = [&](const std::string& text) { told += text + "\n"; };
+    int opened = 0;
+    const auto open = [&]() -> Result<std::unique_ptr<CanSocket>> {
+        if (++opened == 2) return Failure{"there is no such interface"};
+        return std::unique_ptr<CanSocket>(std::make_unique<PlayedSocket>(events));
+    };
+    auto port = std::make_shared<CanPort>(open, options);
+    ASSERT_TRUE(port->open());
+    CanReader reader(port, {.patience_ms = 100});
+    Record record;
+    Problem problem;
+    int frames = 0;
+    for (int i = 0; i < 30 && frames < 3; ++i) frames += reader.next(record, problem) == ReadResult::record;
+    EXPECT_EQ(frames, 3);
+    EXPECT_EQ(std::tuple(record.msg.pgn, record.msg.source, record.msg.length, record.time.nanoseconds),
+              std::tuple(127250u, 0x23, 8, 123));
+    EXPECT_EQ(reader.foreign_frames(), 3u);
+    const LinkCounters& counters = *port->counters();
+    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped_frames),
+              std::tuple(1u, 2u, 3u, 14u));
+    for (const char* text :
+         {"because they were not read in time: 7\n", "connection lost: the interface is down",
+          "connection lost: the interface is gone", "receiving again after"})
+        EXPECT_NE(told.find(text), std::string::npos) << text << told;
+}
+
+TEST(CanInterfaces, GiveFramesOfTheKernel) {
+    int ends[2];
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
+    std::optional<Descriptor> sender(ends[0]);
+    const auto socket = attach_can(ends[1]);
+    can_frame raw{};
+    raw.can_id = CAN_EFF_FLAG | 0x09F11223;
+    for (const int length : {8, 3, 0, 200}) {
+        raw.can_dlc = static_cast<std::uint8_t>(length);
+        std::fill_n(raw.data, 8, 0xAA);
+        ASSERT_EQ(::write(*sender, &raw, sizeof raw), static_cast<ssize_t>(sizeof raw));
+        CanFrame frame;
+        ASSERT_EQ(socket->receive(frame, 1000), CanSocket::Received::frame);
+        EXPECT_EQ(std::tuple(frame.identifier, frame.length), std::tuple(raw.can_id, std::min(length, 8)));
+        for (int i = 0; i < 8; ++i) EXPECT_EQ(frame.data[i], i < length ? 0xAA : 0);
+        EXPECT_NEAR(static_cast<double>(frame.time) / 1e9, static_cast<double>(::time(nullptr)), 5);
+    }
+    CanFrame frame;
+    EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
+    ASSERT_EQ(::write(*sender, &raw, 5), 5);
+    EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::nothing);
+    sender.reset();
+    EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::removed);
+}
+
+}  // namespace
+}  // namespace vistel
