@@ -27,7 +27,6 @@ std::string format_notes() {
     return notes;
 }
 
-/// What every command takes that reads recordings.
 constexpr const char* source_help =
     "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
     "tcp-listen://:PORT or serial:DEVICE (see the manual)";
@@ -44,6 +43,7 @@ void add_format(CLI::App& command, std::string& format, vistel::ContentKind& con
     command.footer(format_notes());
 }
 
+/// What every command takes that reads a recording.
 void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
     command.add_option("FILE", file, source_help)->capture_default_str();
     add_format(command, format, contents);
@@ -119,14 +119,14 @@ void add_convert(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("convert", "Write recordings or a live stream in another format");
     vistel::ConvertOptions& options = arguments.convert;
-    command->add_option("FILE", options.files,
-                        "Recordings to read, one after the other; - is standard input");
+    command->add_option("FILE", options.files, source_help);
     command->add_option("--to", options.to, "Format to write")
         ->required()
         ->check(CLI::IsMember(vistel::written_formats()));
     command->add_option("-o,--output", options.output, "File to write; - is standard output")
         ->capture_default_str();
     add_format(*command, options.format, options.contents);
+    add_live(*command, options.live);
     vistel::add_definitions(*command, options.definitions);
 }
 

@@ -13,7 +13,6 @@
 #include "commands/progress.h"
 #include "output/output_file.h"
 #include "output/sink.h"
-#include "readers/recording.h"
 #include "sources/source.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
@@ -21,6 +20,10 @@
 namespace vistel {
 
 namespace {
+
+std::string shown_name(const std::string& file) {
+    return file == "-" ? "standard input" : file;
+}
 
 /// One run over recordings.
 class Converting {
@@ -46,6 +49,7 @@ class Converting {
                          options_.definitions};
     std::optional<Progress> progress_;
     SourceState source_;  // of what is being read
+    bool is_live_ = false;
     std::uint64_t problems_ = 0;
     std::uint64_t refused_ = 0;
 };
@@ -67,10 +71,13 @@ bool Converting::open(Recording& recording, const std::string& name) {
     how.contents = options_.contents;
     how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
     how.before_wait = [this] { out_->flush(); };
-    const std::string shown = name == "-" ? "standard input" : name;
-    auto opened = open_source(recording, name, how, link_options({}, shown));
+    const std::string shown = shown_name(name);
+    auto opened = open_source(recording, name, how, link_options(options_.live, shown, [this] {
+                                  if (progress_) progress_->clear();
+                              }));
     if (!opened) return fail(shown, opened.error());
     source_ = *opened;
+    is_live_ = is_live_ || opened->is_live();
     if (out_) return true;
     auto output = open_output(options_.output, options_.files);
     if (!output) return fail(options_.output, output.error());
@@ -95,8 +102,7 @@ bool Converting::read(const std::string& file) {
             case ReadResult::problem: {
                 progress_->clear();
                 const Problem& problem = recording.problem();
-                std::fprintf(stderr, "%s\n",
-                             described(problem, file == "-" ? "standard input" : file).c_str());
+                std::fprintf(stderr, "%s\n", described(problem, shown_name(file)).c_str());
                 if (problem.place == Problem::Place::whole)
                     readable = false;
                 else
@@ -128,8 +134,8 @@ int Converting::run() {
                      refused_);
     if (source_.is_live()) print_link(*source_.counters);
     if (!readable) return EXIT_FAILED;
-    if (source_.is_live()) return EXIT_CLEAN;  // ended by hand; what is lost on the way is told above
-    return refused_ > 0 ? EXIT_SKIPPED : status;
+    if (refused_ > 0) return EXIT_SKIPPED;
+    return is_live_ ? EXIT_CLEAN : status;  // ended by hand
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/live_options.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/content_kind.h"
 
@@ -14,6 +15,7 @@ struct ConvertOptions {
     ContentKind contents = ContentKind::as_it_seems;
     std::string to;  ///< one of written_formats()
     std::string output = "-";
+    LiveOptions live;
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
 };
 
