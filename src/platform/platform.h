@@ -59,6 +59,9 @@ void keep_above(wxTopLevelWindow& window, NativeWindow owner);
 /// Gives a window the running program's icon "ICON_PROGRAM"; leaves it alone where there is none.
 void set_program_icon(wxTopLevelWindow& window);
 
+/// Lets the Tab key go through the controls of a frame, where the toolkit does that in dialogs alone.
+void let_tab_pass(wxTopLevelWindow& frame);
+
 /// Lets a small button use all of its size for its image, where the platform's style would keep a margin.
 void remove_padding(wxWindow& button);
 

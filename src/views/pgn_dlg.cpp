@@ -78,6 +78,7 @@ void PGN_VistelDlg_c::build(wxWindow* parent, QV_N2K_PGN_DB_c* db, unsigned long
                          wxDEFAULT_FRAME_STYLE))
         return;
     platform::set_program_icon(*this);
+    platform::let_tab_pass(*this);
 
     // A frame that looks like a dialog.
     auto* const model =

@@ -165,7 +165,12 @@ TEST(WideFormat, FlagsAreThoseOfTheRuntime) {
     check(any, "feg", std::vector{HUGE_VAL, -HUGE_VAL}, print);
     check({"", "-", "+", " ", "0", "+0"}, "d", std::vector{0, 42, -42}, print);
     check({"", "-", "0"}, "u", std::vector{0u, 59904u}, print);
-    check(any, "oxX", std::vector{0u, 1u, 7u, 8u, 0xFEu, 0xFFFFFFFFu}, print);
+#if defined(__MINGW32__)
+    const char* const bases = "xX";  // this runtime prints nothing for "%#.0o" of 0
+#else
+    const char* const bases = "oxX";
+#endif
+    check(any, bases, std::vector{0u, 1u, 7u, 8u, 0xFEu, 0xFFFFFFFFu}, print);
     // of values, which are shown as singles
     check({"", "#", "+", "#0"}, "fe", std::vector{0.0, 12.25, -0.96875, 100.0, 0x1p100},
           [](const std::wstring& format, double number) { return text_of(real(number), format.c_str()); });

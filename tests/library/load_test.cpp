@@ -2,7 +2,7 @@
 
 #include <wx/log.h>
 
-#include "library/loaded_module.h"
+#include "loaded_module.h"
 #include "pgn_vistel/native.h"
 
 namespace pgn_vistel::test {

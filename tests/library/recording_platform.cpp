@@ -127,6 +127,8 @@ void keep_above(wxTopLevelWindow&, HWND) {}
 
 void set_program_icon(wxTopLevelWindow&) {}
 
+void let_tab_pass(wxTopLevelWindow&) {}
+
 void remove_padding(wxWindow&) {}
 
 }  // namespace pgn_vistel::platform

@@ -1,6 +1,5 @@
 #include "pgn_vistel/pgn_dlg.h"
 
-#include <dlfcn.h>
 #include <wx/bmpbuttn.h>
 #include <wx/combobox.h>
 #include <wx/dialog.h>
@@ -8,21 +7,15 @@
 #include <memory>
 
 #include "pgn_vistel/core/units.h"
-#include "pgn_vistel/product_name.h"
 #include "pgn_vistel/unit_dlg.h"
 #include "views/windows.h"
 
 using namespace pgn_vistel::core;
 
-PGN_VISTEL_PRODUCT_NAME("Kartentisch für 2")
+PGN_VISTEL_TEST_PRODUCT_NAME("Kartentisch für 2")
 
 namespace pgn_vistel::test {
 namespace {
-
-/// A loaded module's handle; null is the program's own name.
-HINSTANCE module_of(const char* name) {
-    return static_cast<HINSTANCE>(dlopen(name, RTLD_LAZY | RTLD_NOLOAD));
-}
 
 /// The parts of a monitor window, as a user finds them.
 struct Parts {
@@ -102,8 +95,8 @@ struct PressedDialog : PGN_VistelDlg_c {
 TEST_F(MonitorDialog, CreatedLater) {
     const std::pair<HINSTANCE, const char*> cases[] = {
         {nullptr, "PGN Vistel"},
-        {module_of(nullptr), "Kartentisch für 2"},
-        {module_of("libc.so.6"), ""},  // it has notes, but none of ours
+        {program(), "Kartentisch für 2"},
+        {module_without_name(), ""},
     };
     for (const auto& [module, title] : cases) {
         N2KMsg msg = message_from(1);
@@ -208,22 +201,15 @@ TEST_F(MonitorDialog, IsBuiltOnce) {
 TEST_F(MonitorDialog, CentresTheFilter) {
     // Where it stands is seen: as much is blank to the left of the text as to its right.
     bring_up(*dialog_);
-    GdkWindow* const window = gtk_widget_get_window(dialog_->GetHandle());
-    const wxRect area =
-        wxRect(parts_.filter->GetScreenPosition() - dialog_->GetScreenPosition(), parts_.filter->GetSize())
-            .Deflate(6);
-    GdkPixbuf* const picture = gdk_pixbuf_get_from_window(window, area.x, area.y, area.width, area.height);
-    const int channels = gdk_pixbuf_get_n_channels(picture);
+    const wxRect area = parts_.filter->GetScreenRect().Deflate(6);
+    const wxImage picture = picture_of(*dialog_, area);
     int first = area.width, last = 0;
     for (int y = 0; y < area.height; ++y)
         for (int x = 0; x < area.width; ++x) {
-            const guchar* const pixel =
-                gdk_pixbuf_read_pixels(picture) + y * gdk_pixbuf_get_rowstride(picture) + x * channels;
-            if (pixel[0] > 128) continue;
+            if (picture.GetRed(x, y) > 128) continue;
             first = std::min(first, x);
             last = std::max(last, x);
         }
-    g_object_unref(picture);
     ASSERT_LT(first, last);
     EXPECT_NEAR(first, area.width - 1 - last, 2);
 }
@@ -247,7 +233,7 @@ TEST(NativeParent, CarriesADialog) {
         click(*Parts(dialog).clear);
         EXPECT_TRUE(blocks_of(*Parts(dialog).tree).empty());
         close_by_title_bar(dialog);
-        host.resize(410, 310);  // the host's window lives on beside them
+        resize(host, 410, 310);  // the host's window lives on beside them
         EXPECT_FALSE(host.is_covered());
     }
     int created = -1;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <gtk/gtk.h>
 #include <wx/scrolwin.h>
 #include <wx/stopwatch.h>
 #include <wx/toplevel.h>
@@ -10,8 +9,7 @@
 
 #include <optional>
 
-#include "pgn_vistel/native.h"
-#include "pgn_vistel/native_tree.h"
+#include "native_windows.h"
 #include "support/testing.h"
 
 /// Windows under real events: what the tests press goes through the display, and they wait until it shows.
@@ -33,7 +31,7 @@ bool eventually(Condition holds) {
 /// Lets everything run that is under way: for what must not happen.
 inline void settle() {
     for (int round = 0; round < 5; ++round) {
-        gdk_display_sync(gdk_display_get_default());
+        synchronise();
         wxYield();
     }
 }
@@ -69,10 +67,7 @@ inline void press(int key, int modifiers = wxMOD_NONE) {
 
 /// What the title bar's close button sends, until the window is hidden.
 inline void close_by_title_bar(wxTopLevelWindow& window) {
-    GdkEvent* const event = gdk_event_new(GDK_DELETE);
-    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window.GetHandle())));
-    gdk_event_put(event);
-    gdk_event_free(event);
+    send_close(window);
     EXPECT_TRUE(eventually([&] { return !window.IsShown(); }));
 }
 
@@ -81,10 +76,17 @@ template <class Text>
 void type_over(Text& control, const char* text) {
     click(control);
     ASSERT_TRUE(eventually([&] { return wxWindow::FindFocus() == &control; }));
-    press('A', wxMOD_CONTROL);
+    press(WXK_HOME);
+    press(WXK_END, wxMOD_SHIFT);
     if (*text == '\0') press(WXK_DELETE);
     for (const char* c = text; *c != '\0'; ++c) press(*c, wxIsupper(*c) ? wxMOD_SHIFT : wxMOD_NONE);
     EXPECT_TRUE(eventually([&] { return control.GetValue() == text; })) << control.GetValue();
+}
+
+/// Waits until the host's window has the size.
+inline void resize(HostWindow& host, int width, int height) {
+    host.resize(width, height);
+    EXPECT_TRUE(eventually([&] { return host.width() == width; }));
 }
 
 /// Those of a window, and of what scrolls in it.
@@ -99,42 +101,6 @@ std::vector<Control*> children_of(const wxWindow& window) {
     return found;
 }
 
-/// A top-level window of the host's that is not the toolkit's.
-class HostWindow {
-  public:
-    HostWindow() {
-        gtk_window_set_default_size(GTK_WINDOW(window_), 400, 300);
-        gtk_widget_show(window_);
-        EXPECT_TRUE(eventually([&] { return width() == 400; }));
-    }
-    ~HostWindow() { destroy(); }
-    HWND handle() const { return reinterpret_cast<HWND>(gtk_widget_get_window(window_)); }
-    bool owns(const wxTopLevelWindow& window) const {
-        return gtk_window_get_transient_for(GTK_WINDOW(window.GetHandle())) == GTK_WINDOW(window_);
-    }
-    void resize(int width, int height) {
-        gtk_window_resize(GTK_WINDOW(window_), width, height);
-        EXPECT_TRUE(eventually([&] { return this->width() == width; }));
-    }
-    /// Whether something else lies over what the host shows.
-    bool is_covered() const {
-        GList* const children = gdk_window_peek_children(gtk_widget_get_window(window_));
-        const auto is_visible = [](const void* child, const void*) -> gint {
-            return !gdk_window_is_visible(GDK_WINDOW(child));
-        };
-        return g_list_find_custom(children, nullptr, is_visible) != nullptr;
-    }
-    void destroy() {
-        if (window_ != nullptr) gtk_widget_destroy(window_);
-        window_ = nullptr;
-    }
-
-  private:
-    int width() const { return gdk_window_get_width(gtk_widget_get_window(window_)); }
-
-    GtkWidget* window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-};
-
 /// What a tree shows of one stream.
 struct Block {
     const void* item = nullptr;
@@ -145,20 +111,19 @@ struct Block {
 
 inline std::vector<Block> blocks_of(const wxTreeCtrl& tree) {
     std::vector<Block> blocks;
-    const auto text = [&](const wxTreeItemId& item) { return tree.GetItemText(item).ToStdWstring(); };
     wxTreeItemIdValue cookie;
     for (auto top = tree.GetFirstChild(tree.GetRootItem(), cookie); top.IsOk();
          top = tree.GetNextSibling(top)) {
-        blocks.push_back({top.GetID(), text(top), {}, tree.IsExpanded(top)});
+        blocks.push_back({top.GetID(), whole_text(tree, top), {}, tree.IsExpanded(top)});
         for (auto line = tree.GetFirstChild(top, cookie); line.IsOk(); line = tree.GetNextSibling(line))
-            blocks.back().lines.push_back(text(line));
+            blocks.back().lines.push_back(whole_text(tree, line));
     }
     return blocks;
 }
-inline std::vector<Block> blocks_of(const CTreeCtrl& tree) {
+inline std::vector<Block> blocks_of(const NativeControl& tree) {
     std::vector<Block> blocks;
     for (auto* top = tree.GetChildItem(nullptr); top != nullptr; top = tree.GetNextSiblingItem(top)) {
-        blocks.push_back({top, tree.GetItemText(top), {}, top->expanded});
+        blocks.push_back({top, tree.GetItemText(top), {}, tree.is_expanded(top)});
         for (auto* line = tree.GetChildItem(top); line != nullptr; line = tree.GetNextSiblingItem(line))
             blocks.back().lines.push_back(tree.GetItemText(line));
     }

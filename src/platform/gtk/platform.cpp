@@ -19,6 +19,8 @@ void set_program_icon(wxTopLevelWindow& window) {
     if (icon.IsOk()) window.SetIcon(icon);
 }
 
+void let_tab_pass(wxTopLevelWindow&) {}
+
 void remove_padding(wxWindow& button) {
     GtkCssProvider* const provider = gtk_css_provider_new();
     gtk_css_provider_load_from_data(provider, "* { padding: 0; }", -1, nullptr);

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "library/loaded_module.h"
+#include "loaded_module.h"
 #include "pgn_vistel/native.h"
 
 namespace pgn_vistel::test {
