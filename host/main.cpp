@@ -5,12 +5,13 @@
 #include "command_line/command_line.h"
 #include "command_line/start.h"
 #include "commands/catalogue.h"
+#include "commands/convert.h"
 #include "commands/decode.h"
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
 #include "readers/formats.h"
-#include "writers/writers.h"
+#include "writers/written_formats.h"
 
 namespace {
 
@@ -30,8 +31,7 @@ constexpr const char* source_help =
     "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
     "tcp-listen://:PORT or serial:DEVICE (see the manual)";
 
-void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
-    command.add_option("FILE", file, source_help)->capture_default_str();
+void add_format(CLI::App& command, std::string& format, vistel::ContentKind& contents) {
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -41,6 +41,11 @@ void add_recording(CLI::App& command, std::string& file, std::string& format, vi
         ->check(check);
     vistel::add_contents(command, contents);
     command.footer(format_notes());
+}
+
+void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
+    command.add_option("FILE", file, source_help)->capture_default_str();
+    add_format(command, format, contents);
 }
 
 void add_live(CLI::App& command, vistel::LiveOptions& options) {
@@ -54,6 +59,7 @@ void add_live(CLI::App& command, vistel::LiveOptions& options) {
 // Options that say what to do with it later, when all of them are known.
 struct Arguments {
     vistel::DecodeOptions decode;
+    vistel::ConvertOptions convert;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -94,6 +100,21 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         ->add_option("--every", options.every,
                      "Print the table of a live stream again after so many seconds; 0 for once, at its end")
         ->check(CLI::Range(0.0, 86'400.0));
+}
+
+void add_convert(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("convert", "Write recordings or a live stream in another format");
+    vistel::ConvertOptions& options = arguments.convert;
+    command->add_option("FILE", options.files,
+                        "Recordings to read, one after the other; - is standard input");
+    command->add_option("--to", options.to, "Format to write")
+        ->required()
+        ->check(CLI::IsMember(vistel::written_formats()));
+    command->add_option("-o,--output", options.output, "File to write; - is standard output")
+        ->capture_default_str();
+    add_format(*command, options.format, options.contents);
+    vistel::add_definitions(*command, options.definitions);
 }
 
 constexpr const char* encode_notes =
@@ -192,6 +213,7 @@ int main(int argc, char** argv) {
     Arguments arguments;
     add_decode(app, arguments);
     add_devices(app, arguments);
+    add_convert(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
@@ -213,6 +235,7 @@ int main(int argc, char** argv) {
 
     for (const char* const name : {"monitor", "top"})
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {

@@ -24,7 +24,7 @@
 #include "text/quotes.h"
 #include "text/utf8.h"
 #include "text/words.h"
-#include "writers/writers.h"
+#include "writers/written_formats.h"
 
 using namespace pgn_vistel::core;
 

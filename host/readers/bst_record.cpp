@@ -33,7 +33,7 @@ void set_payload(N2KMsg& msg, Bytes bytes) {
 /// Priority, PGN (3 bytes) and destination, as messages have them that are no identifier.
 void set_addressing(N2KMsg& msg, const std::uint8_t* p) {
     msg.priority = p[0] & 7;
-    msg.pgn = (p[1] | p[2] << 8u | p[3] << 16u) & max_pgn;
+    msg.pgn = (p[1] | std::uint32_t{p[2]} << 8 | std::uint32_t{p[3]} << 16) & max_pgn;
     msg.destination = p[4];
     if (is_addressed(msg.pgn)) msg.pgn &= ~std::uint32_t{0xFF};
 }
@@ -89,9 +89,9 @@ Found BstReader::read(Bytes bytes, Checksum checksum, Record& record, Problem& p
         case long_id: {
             constexpr std::size_t head = 13;
             if (size < head) return too_short(problem, bytes);
-            const std::uint8_t pdu_specific = bytes[5], pdu_format = bytes[6], page_and_priority = bytes[7];
-            set_header(record.msg, (page_and_priority >> 2u & 7u) << 26 | (page_and_priority & 3u) << 24 |
-                                       std::uint32_t{pdu_format} << 16 | pdu_specific << 8u | bytes[4]);
+            const std::uint32_t pdu_specific = bytes[5], pdu_format = bytes[6], page_and_priority = bytes[7];
+            set_header(record.msg, (page_and_priority >> 2 & 7) << 26 | (page_and_priority & 3) << 24 |
+                                       pdu_format << 16 | pdu_specific << 8 | bytes[4]);
             record.msg.destination = bytes[3];
             set_time(little_endian<std::uint32_t>(&bytes[9]), record);
             set_payload(record.msg, bytes.subspan(head));

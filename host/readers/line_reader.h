@@ -12,8 +12,9 @@
 
 namespace vistel {
 
-/// Longest line read, line end not counted. The longest message takes 5,400 bytes as plain text.
-constexpr std::size_t max_line = 16384;
+/// Longest line read, line end not counted. The longest message takes 5,400 bytes as plain text, and as JSON
+/// with hundreds of fields about 100,000.
+constexpr std::size_t max_line = 131'072;
 
 /// Cuts the next line with its line end off `text`; false when there is no complete one. `line` gets it
 /// without the blanks around it. The last line of all may lack its end: that is for the caller.
@@ -100,8 +101,6 @@ class LineReader final : public RecordReader {
     }
 
     ReadResult next(Record& record, Problem& problem) override {
-        if (!settle(ByteSource::Wait::yes)) [[unlikely]]
-            return ReadResult::nothing;
         const char* const end = format_.read_usual(lines_.ahead(), record);
         if (end == nullptr) [[unlikely]]
             return next_of_any_shape(record, problem);
@@ -115,6 +114,7 @@ class LineReader final : public RecordReader {
 
   private:
     [[gnu::noinline]] ReadResult next_of_any_shape(Record& record, Problem& problem) {
+        if (!settle(ByteSource::Wait::yes)) return ReadResult::nothing;
         std::string_view line;
         const ReadResult taken = lines_.take(line, problem);
         if (taken != ReadResult::record) return taken;

@@ -61,8 +61,9 @@ Found PcapngFormat::take(std::string_view bytes, bool, std::size_t& size, Record
     size = block_head;
     if (begins(bytes)) {
         order_.big = has_mark(bytes, {true});
-    } else if (interfaces_.empty() && big_endian<std::uint32_t>(bytes.data()) == section_block) {
-        return broken(problem, "a section whose byte order cannot be told");
+        begun_ = true;
+    } else if (!begun_ || big_endian<std::uint32_t>(bytes.data()) == section_block) {
+        return broken(problem, "here should a section begin");
     }
     const auto type = order_.load<std::uint32_t>(bytes.data());
     const auto total = order_.load<std::uint32_t>(bytes.data() + 4);
@@ -119,8 +120,9 @@ Found PcapngFormat::take_interface(std::string_view block, Problem& problem) {
         }
         options.remove_prefix(std::min<std::size_t>(options.size(), (size + 3u) & ~3u));
     }
+    interface.readable = can_read(interface.type, problem);
     interfaces_.push_back(std::move(interface));
-    return can_read(interfaces_.back().type, problem) ? Found::nothing : Found::problem;
+    return interfaces_.back().readable ? Found::nothing : Found::problem;
 }
 
 Found PcapngFormat::take_packet(std::string_view block, std::uint32_t type, Record& record,
@@ -145,8 +147,7 @@ Found PcapngFormat::take_packet(std::string_view block, std::uint32_t type, Reco
     }
     if (head.captured > block.size() - head.size)
         return broken(problem, "a packet that is longer than its block");
-    Problem unreadable;
-    if (!can_read(interface.type, unreadable)) return Found::foreign;
+    if (!interface.readable) return Found::foreign;
 
     const Packet packet{{reinterpret_cast<const std::uint8_t*>(block.data()) + head.size, head.captured},
                         head.original,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +24,7 @@ class PcapngFormat {
   private:
     struct Interface {
         std::uint16_t type = 0;
+        bool readable = false;
         std::uint32_t most_captured = 0;  // 0 for no limit
         std::uint8_t resolution = 6;      // decimal digits of a second, or binary ones with the highest bit
         std::int64_t offset = 0;          // seconds
@@ -38,6 +38,7 @@ class PcapngFormat {
     Found broken(Problem& problem, const char* what) const;
     bool set_time(const Interface& interface, std::uint64_t time, Record& record) const;
 
+    bool begun_ = false;
     ByteOrder order_;
     std::vector<Interface> interfaces_;  // of the section
     std::uint64_t to_skip_ = 0;          // bytes of a block that holds nothing to read

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "readers/known_files.h"
+#include "readers/line_reader.h"
 #include "readers/unpacked_input.h"
 #include "text/characters.h"
 #include "text/quotes.h"
@@ -12,7 +13,7 @@ namespace vistel {
 namespace {
 
 /// A recording that shows no format within its first bytes will not show one later.
-constexpr std::size_t most_head = 65536;
+constexpr std::size_t most_head = 2 * max_line;
 static_assert(most_head <= ByteSource::capacity);
 
 bool only_blank_lines(std::string_view head) {

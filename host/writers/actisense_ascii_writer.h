@@ -5,7 +5,7 @@
 namespace vistel {
 
 /// What ActisenseAsciiFormat reads.
-class ActisenseAsciiWriter final : public MessageWriter {
+class ActisenseAsciiWriter final : public WholeMessageWriter {
   public:
     const char* put(const Record& record, std::string& out) override;
 };

@@ -39,7 +39,7 @@ class FrameWriter : public RecordWriter {
 };
 
 /// One of a format whose records are whole messages.
-class MessageWriter : public RecordWriter {
+class WholeMessageWriter : public RecordWriter {
   public:
     bool takes(Record::Kind kind) const final { return kind == Record::Kind::message; }
 };

@@ -3,6 +3,7 @@
 main called without arguments."""
 
 import csv
+import gzip
 import io
 import json
 import os
@@ -52,6 +53,11 @@ def catalogue(table, definitions):
     """The rows of a table by column."""
     printed = vistel("catalogue", table, "--definitions", definitions).stdout
     return list(csv.DictReader(io.StringIO(printed), delimiter="\t", quoting=csv.QUOTE_NONE))
+
+
+def json_values(arguments, key):
+    """What the decoded messages have under a key."""
+    return [json.loads(line)[key] for line in vistel("decode", "--json", *arguments).stdout.splitlines()]
 
 
 class ProgramTest(unittest.TestCase):
@@ -195,6 +201,36 @@ class ProgramTest(unittest.TestCase):
                 shown = vistel("decode", stdin=encoded.stdout).stdout
                 for line in lines:
                     self.assertIn(f"    {line}\n", shown, arguments)
+
+    def test_converting(self):
+        with tempfile.TemporaryDirectory() as folder:
+            first, second, broken = (Path(folder, name) for name in ("first.log", "second.gz", "broken.log"))
+            first.write_text("# format=FAST\n" + HEADING + CLAIM)
+            second.write_bytes(gzip.compress(UNKNOWN.replace(",35,", ",255,").encode()))
+            broken.write_text(HEADING + "nothing\n" + ",6,59905,7,35,3,14,f0,01\n")
+            names = json_values([str(first)], "pgn") + json_values([str(second)], "pgn")
+            for form in re.search(r"--to TEXT:{(.*?)}", vistel("convert", "--help").stdout)[1].split(","):
+                written = str(Path(folder, form))
+                result = vistel("convert", str(first), str(second), "--to", form, "-o", written)
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""), form)
+                self.assertEqual(json_values([written], "pgn"), names)
+                again = subprocess.run([VISTEL, "convert", "--to", form, written], capture_output=True, check=True)
+                self.assertEqual(again.stdout, Path(written).read_bytes())
+                result = vistel("convert", written, "--to", form, "-o", written)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn("it is one of the recordings that are read", result.stderr)
+                self.assertEqual(json_values([written], "pgn"), names)
+            result = vistel("convert", str(broken), "--to", "candump")
+            self.assertEqual((result.returncode, result.stdout), (1, "(1789027200.250000) can0 09F11207#051027FF7FFF7FFD\n"))
+            self.assertIn(f"{broken}:2: ", result.stderr)
+            self.assertIn("vistel: PGN 59905 from source 7 is left out: ", result.stderr)
+            self.assertIn("vistel: messages that candump cannot hold: 1\n", result.stderr)
+            for arguments, told in [(["--to", "none"], "none not in"), ([], "--to is required"),
+                                    ([folder + "/none", "--to", "plain"], "No such file"),
+                                    ([str(first), "--to", "plain", "-o", folder], "directory")]:
+                result = vistel("convert", *arguments)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn(told, result.stderr)
 
     def test_frames_of_encoding(self):
         cases = [

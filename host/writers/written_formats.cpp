@@ -1,4 +1,4 @@
-#include "writers/writers.h"
+#include "writers/written_formats.h"
 
 #include "writer_headers.inc"
 

@@ -1,0 +1,218 @@
+#include "inputs/inputs.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <utility>
+
+#include "text/words.h"
+
+namespace vistel {
+
+namespace {
+
+using Origin = RecordTime::Origin;
+
+constexpr int patience_ms = 250;  // a signal may come between the look at its flag and the wait
+
+/// The bytes of several files; 0 where that is not known of one of them.
+std::uint64_t size_of(const std::vector<std::string>& names) {
+    std::uint64_t sum = 0;
+    for (const std::string& name : names) {
+        std::error_code error;
+        if (!std::filesystem::exists(name, error)) continue;
+        if (!std::filesystem::is_regular_file(name, error)) return 0;
+        const std::uintmax_t size = std::filesystem::file_size(name, error);
+        if (!error) sum += size;
+    }
+    return sum;
+}
+
+std::string_view kind_of_times(Origin origin) {
+    switch (origin) {
+        case Origin::none: return "no times";
+        case Origin::start: return "times since a start of its own";
+        case Origin::day: return "times of day";
+        case Origin::epoch: break;
+    }
+    return "dates and times";
+}
+
+}  // namespace
+
+struct Inputs::Input {
+    explicit Input(std::size_t number) : place(number) { buses.fill(-1); }
+
+    const std::size_t place;  // among the names
+    Recording recording;
+    std::array<std::int16_t, 256> buses;  // their numbers over all inputs, -1 for those not met yet
+
+    // of merged ones
+    Record ahead;
+    bool has_record = false;
+    std::int64_t time = INT64_MIN;  // of `ahead`, or of the last record that told one
+};
+
+Inputs::Inputs(const InputOptions& options, std::function<void()> before_wait) : options_(options) {
+    how_.format = options_.format;
+    how_.contents = options_.contents;
+    how_.patience_ms = patience_ms;
+    how_.before_wait = std::move(before_wait);
+    for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
+}
+
+Inputs::~Inputs() = default;
+
+Inputs::Event Inputs::next(Record& record) {
+    if (options_.merge) return next_merged(record);
+    if (open_.empty()) return begin_next();
+    Input& input = *open_.front();
+    switch (input.recording.next(record)) {
+        case ReadResult::record: record.bus = bus_of(input, record.bus); return Event::record;
+        case ReadResult::problem: return pass_problem(input);
+        case ReadResult::nothing: return Event::nothing;
+        case ReadResult::end: break;
+    }
+    close(input);
+    open_.clear();
+    return begin_next();
+}
+
+// ---- opening and closing ----
+
+bool Inputs::open_next() {
+    auto input = std::make_unique<Input>(opened_++);
+    if (auto opened = input->recording.open(options_.names[input->place], how_); !opened) {
+        fail(input->place, opened.error().text);
+        return false;
+    }
+    if (!any_open_)
+        bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
+    any_open_ = true;
+    open_.push_back(std::move(input));
+    return true;
+}
+
+Inputs::Event Inputs::begin_next() {
+    if (opened_ == names_.size()) return Event::end;
+    if (!open_next()) return Event::problem;
+    return Event::begins;
+}
+
+void Inputs::note_format(std::vector<std::string_view>& formats, const Recording& recording) {
+    const std::string_view name = recording.format_name();
+    if (!name.empty() && std::ranges::find(formats, name) == formats.end()) formats.push_back(name);
+}
+
+void Inputs::close(const Input& input) {
+    bytes_read_ += input.recording.bytes_read();
+    foreign_frames_ += input.recording.foreign_frames();
+    note_format(formats_, input.recording);
+}
+
+Inputs::Event Inputs::fail(std::size_t place, std::string text) {
+    failure_.put_at_whole();
+    failure_.text = std::move(text);
+    problem_ = &failure_;
+    problem_place_ = place;
+    return Event::problem;
+}
+
+Inputs::Event Inputs::pass_problem(const Input& input) {
+    problem_ = &input.recording.problem();
+    problem_place_ = input.place;
+    return Event::problem;
+}
+
+// ---- merged by time ----
+
+Inputs::Event Inputs::next_merged(Record& record) {
+    if (is_refused_) return Event::end;
+    if (opened_ < names_.size()) return open_next() ? Event::nothing : Event::problem;
+    // The earliest is known when each has a record or has ended.
+    for (auto each = open_.begin(); each != open_.end();) {
+        Input& input = **each;
+        if (!input.has_record) switch (input.recording.next(input.ahead)) {
+                case ReadResult::record: input.has_record = true; break;
+                case ReadResult::problem: return pass_problem(input);
+                case ReadResult::nothing: return Event::nothing;
+                case ReadResult::end:
+                    close(input);
+                    each = open_.erase(each);
+                    continue;
+            }
+        if (begun_ && input.ahead.time.origin == origin_) input.time = input.ahead.time.nanoseconds;
+        ++each;
+    }
+    if (!begun_) return begin_merged();
+    const auto earliest = std::ranges::min_element(open_, {}, [](const auto& input) { return input->time; });
+    if (earliest == open_.end()) return Event::end;
+    Input& input = **earliest;
+    record = input.ahead;
+    record.bus = bus_of(input, record.bus);
+    input.has_record = false;
+    return Event::record;
+}
+
+/// All have shown their first record.
+Inputs::Event Inputs::begin_merged() {
+    if (!open_.empty()) origin_ = open_.front()->ahead.time.origin;
+    for (const auto& input : open_) {
+        const Origin origin = input->ahead.time.origin;
+        const bool is_shared = origin == Origin::epoch || origin == Origin::day;
+        if (open_.size() == 1 || (is_shared && origin == origin_)) continue;
+        is_refused_ = true;
+        std::string text = concat("cannot be merged by time: it has ", kind_of_times(origin));
+        if (is_shared) text += concat(", ", names_[open_.front()->place], " ", kind_of_times(origin_));
+        return fail(input->place, std::move(text));
+    }
+    begun_ = true;
+    return any_open_ ? Event::begins : Event::end;
+}
+
+// ---- buses ----
+
+std::uint8_t Inputs::bus_of(Input& input, std::uint8_t number) {
+    std::int16_t& known = input.buses[number];
+    if (known < 0) [[unlikely]]
+        known = add_bus(input, number);
+    return static_cast<std::uint8_t>(known);
+}
+
+std::uint8_t Inputs::add_bus(const Input& input, std::uint8_t number) {
+    const std::string_view name = input.recording.bus_name(number);
+    Bus bus{name.empty() ? std::to_string(number) : std::string(name), !name.empty()};
+    if (options_.merge && names_.size() > 1) {
+        const bool is_file_enough = name.empty() && number == 0;
+        bus = {is_file_enough ? names_[input.place] : concat(names_[input.place], ":", bus.label), true};
+    } else if (const auto same = std::ranges::find(buses_, bus.label, &Bus::label); same != buses_.end()) {
+        return static_cast<std::uint8_t>(same - buses_.begin());
+    }
+    constexpr std::size_t most = 256;
+    if (buses_.size() < most) buses_.push_back(std::move(bus));
+    return static_cast<std::uint8_t>(buses_.size() - 1);
+}
+
+// ---- what came of them ----
+
+std::uint64_t Inputs::bytes_read() const {
+    std::uint64_t sum = bytes_read_;
+    for (const auto& input : open_) sum += input->recording.bytes_read();
+    return sum;
+}
+
+std::uint64_t Inputs::foreign_frames() const {
+    std::uint64_t sum = foreign_frames_;
+    for (const auto& input : open_) sum += input->recording.foreign_frames();
+    return sum;
+}
+
+std::string Inputs::format_names() const {
+    std::vector<std::string_view> formats = formats_;
+    for (const auto& input : open_) note_format(formats, input->recording);
+    std::string names;
+    for (const std::string_view name : formats) names.append(names.empty() ? "" : ", ").append(name);
+    return names;
+}
+
+}  // namespace vistel

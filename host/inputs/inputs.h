@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "can/record.h"
+#include "readers/recording.h"
+
+namespace vistel {
+
+/// Which recordings a command reads, and how.
+struct InputOptions {
+    std::vector<std::string> names = {"-"};           ///< files; "-" is standard input
+    std::string format;                               ///< name of a format; empty to recognise each
+    ContentKind contents = ContentKind::as_it_seems;  ///< for formats that do not tell
+    bool merge = false;                               ///< by time, instead of one after the other
+};
+
+/// Several recordings as one stream of records: one after the other, or merged by time.
+///
+/// Their buses are numbered over all of them. Where recordings follow one another a bus is known by its name,
+/// or else by its number, so that the pieces of a long recording have the same buses; the buses of merged
+/// recordings are different ones. More than 256 share the last number.
+///
+/// Merged recordings must all tell dates and times, or all times of day, which are taken as those of one
+/// day. Each keeps its own order.
+class Inputs {
+  public:
+    enum class [[nodiscard]] Event : std::uint8_t {
+        begins,   ///< a recording begins, or all that are merged: nothing before belongs to what follows
+        record,   ///< `record` has the next one
+        problem,  ///< problem() tells it; reading goes on, if need be with the next recording
+        nothing,  ///< a piece without a record was passed, or the wait for input was cut short
+        end,
+    };
+
+    /// `before_wait` is called before every wait for input, which lasts a quarter of a second at the most.
+    explicit Inputs(const InputOptions& options, std::function<void()> before_wait = {});
+    ~Inputs();
+    Inputs(const Inputs&) = delete;
+    Inputs& operator=(const Inputs&) = delete;
+
+    /// Says what comes next. `record` is fresh or as the last call left it.
+    Event next(Record& record);
+
+    /// @{ Of the problem that next() has just met: whether a recording as a whole is meant, and all of it as a
+    /// text, with the name of the recording and the place.
+    bool is_problem_of_whole() const { return problem_->place == Problem::Place::whole; }
+    std::string problem() const { return described(*problem_, names_[problem_place_]); }
+    /// @}
+
+    /// Buses that records came from so far.
+    std::size_t bus_count() const { return buses_.size(); }
+    /// The name of a bus of theirs; empty where the recording does not tell one.
+    std::string_view bus_name(std::uint8_t bus) const {
+        return buses_[bus].is_named ? std::string_view(buses_[bus].label) : std::string_view{};
+    }
+    /// The name, or else the number.
+    std::string_view bus_label(std::uint8_t bus) const { return buses_[bus].label; }
+
+    std::uint64_t bytes_read() const;
+    std::uint64_t bytes_total() const { return bytes_total_; }  ///< 0 when unknown; told from `begins` on
+    std::uint64_t foreign_frames() const;
+
+    /// The formats that were found, each once, with commas between them.
+    std::string format_names() const;
+
+  private:
+    struct Input;
+    struct Bus {
+        std::string label;
+        bool is_named;
+    };
+
+    bool open_next();
+    Event begin_next();
+    Event next_merged(Record& record);
+    Event begin_merged();
+    Event pass_problem(const Input& input);
+    Event fail(std::size_t place, std::string text);
+    void close(const Input& input);
+    std::uint8_t bus_of(Input& input, std::uint8_t number);
+    std::uint8_t add_bus(const Input& input, std::uint8_t number);
+    static void note_format(std::vector<std::string_view>& formats, const Recording& recording);
+
+    const InputOptions options_;
+    RecordingOptions how_;
+    std::vector<std::string> names_;            // as they are shown
+    std::size_t opened_ = 0;                    // of the names
+    bool any_open_ = false;                     // could be opened
+    std::vector<std::unique_ptr<Input>> open_;  // at present: one at a time, unless they are merged
+    std::vector<Bus> buses_;
+    std::uint64_t bytes_total_ = 0;
+
+    const Problem* problem_ = &failure_;
+    std::size_t problem_place_ = 0;
+    Problem failure_;
+
+    // Of merged ones.
+    bool begun_ = false;
+    bool is_refused_ = false;
+    RecordTime::Origin origin_ = RecordTime::Origin::none;
+
+    // Of those that are closed.
+    std::uint64_t bytes_read_ = 0;
+    std::uint64_t foreign_frames_ = 0;
+    std::vector<std::string_view> formats_;
+};
+
+}  // namespace vistel

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "writers/bst_record_writer.h"
+
+namespace vistel {
+
+/// What ActisenseFormat reads, as received from the bus.
+class ActisenseWriter final : public WholeMessageWriter {
+  public:
+    const char* put(const Record& record, std::string& out) override { return records_.put(record, 0, out); }
+
+  private:
+    BstRecordWriter records_;
+};
+
+}  // namespace vistel

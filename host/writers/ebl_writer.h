@@ -1,0 +1,18 @@
+#pragma once
+
+#include "writers/bst_record_writer.h"
+
+namespace vistel {
+
+/// What EblFormat reads: a stream of records with a tag in front of all that came at the same time.
+class EblWriter final : public WholeMessageWriter {
+  public:
+    const char* put(const Record& record, std::string& out) override;
+
+  private:
+    BstRecordWriter records_;
+    RecordTime time_;  // of the last tag
+    bool begun_ = false;
+};
+
+}  // namespace vistel
