@@ -1,12 +1,15 @@
 #include "commands/record.h"
 
+#include <chrono>
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 #include "commands/convert.h"
 #include "commands/decode.h"
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
+#include "commands/statistics.h"
 #include "output/output_file.h"
 #include "output/sink.h"
 #include "readers/stream_capture.h"
@@ -23,7 +26,12 @@ int fail(const std::string& what, const std::string& why) {
 }
 
 int record_stream(const RecordOptions& options, const SourceName& name) {
-    auto link = open_link(name, link_options(options.live, options.source));
+    LinkOptions how;
+    how.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
+    how.tell = [&options](const std::string& text) {
+        std::fprintf(stderr, "vistel: %s: %s\n", options.source.c_str(), text.c_str());
+    };
+    auto link = open_link(name, how);
     if (!link) return fail(options.source, link.error().text);
     auto output = open_output(options.output, {});
     if (!output) return fail(options.output, output.error().text);
@@ -46,7 +54,7 @@ int record_stream(const RecordOptions& options, const SourceName& name) {
     out->put(bytes);
     out->flush();
     if (const int status = output_status(*out); status != EXIT_CLEAN) return status;
-    print_link(*link->counters);
+    print(*link->counters);
     return EXIT_CLEAN;
 }
 
@@ -58,7 +66,7 @@ int run_record(const RecordOptions& options) {
     if (!name->is_live()) return fail(options.source, "is no live source");
     if (name->kind != SourceName::Kind::can) return record_stream(options, *name);
     ConvertOptions frames;
-    frames.files = {options.source};
+    frames.input.names = {options.source};
     frames.to = "pcap";
     frames.output = options.output;
     return run_convert(frames);

@@ -2,14 +2,12 @@
 
 #include <string>
 
-#include "commands/live_options.h"
-
 namespace vistel {
 
 struct RecordOptions {
     std::string source;
     std::string output;
-    LiveOptions live;
+    double timeout = 30;  ///< seconds without traffic until that is told; 0 never
 };
 
 /// Keeps what a live source brings in a file that other commands read, until it is interrupted: the bytes of
