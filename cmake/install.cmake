@@ -72,7 +72,7 @@ endforeach()
 
 # ---- programs ----
 
-foreach(program vistel vistel-monitor)
+foreach(program vistel vistel-monitor vistel-top)
     if(TARGET ${program})
         install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
     endif()
@@ -94,6 +94,11 @@ if(WIN32 AND PGN_VISTEL_EXAMPLES)
             install(FILES examples/${host}.cpp DESTINATION ${doc_dir}/examples COMPONENT programs)
         endif()
     endforeach()
+    if(TARGET microsoft_host)
+        install(PROGRAMS ${PROJECT_BINARY_DIR}/examples/microsoft_host.exe
+                DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+        install(FILES examples/microsoft_host.cpp DESTINATION ${doc_dir}/examples COMPONENT programs)
+    endif()
     install(FILES examples/made_up_traffic.h examples/win32_host.rc DESTINATION ${doc_dir}/examples COMPONENT programs)
     install(FILES packaging/windows/README.md DESTINATION . COMPONENT programs)
 endif()

@@ -30,7 +30,7 @@ void check(const N2KMsg& msg) {
 }
 
 bool looks_packed(std::span<const std::uint8_t> bytes) {
-    constexpr std::uint8_t begins[] = {0x1F, 0xFD, 0x28, 'B'};  // of gzip, xz, zstd, bzip2
+    constexpr std::uint8_t begins[] = {0x1F, 0xFD, 0x28, 'B', 'L'};  // of gzip, xz, zstd, bzip2, BLF
     return !bytes.empty() &&
            (std::ranges::find(begins, bytes[0]) != std::end(begins) || (bytes[0] & 0xF0) == 0x50);
 }
@@ -71,8 +71,10 @@ void read_recording(std::span<const std::uint8_t> bytes, std::string_view format
                 reassembler.put(record);
                 break;
             case ReadResult::problem:
+                // That of a whole recording may list all formats.
                 require(recording.problem().number >= last_place && !recording.problem().text.empty() &&
-                        recording.problem().text.size() < 200);
+                        (recording.problem().text.size() < 200 ||
+                         recording.problem().place == Problem::Place::whole));
                 last_place = recording.problem().number;
                 break;
             case ReadResult::nothing: break;

@@ -12,4 +12,5 @@ try_packages="debootstrap"
 docs_packages="doxygen"
 bench_packages="valgrind"
 # clang tells the names that Microsoft's compiler gives.
-windows_packages="g++-mingw-w64-i686-posix clang-14 llvm-14 dpkg-dev"
+windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev"
+wine_packages="debootstrap googletest imagemagick xvfb"

@@ -54,4 +54,11 @@ void Device::absorb(Device&& earlier) {
     }
 }
 
+std::string device_label(const Device& device) {
+    if (!device.product.model.empty()) return device.product.model;
+    const std::string& maker = device.parts.manufacturer.text;
+    const std::string& function = device.parts.function.text;
+    return maker.empty() || function.empty() ? maker + function : maker + " " + function;
+}
+
 }  // namespace vistel

@@ -143,4 +143,8 @@ struct Device {
     PgnTally& tally_of(std::uint32_t pgn);
 };
 
+/// What people call it, as far as it said: model, else manufacturer and function; empty where it said
+/// nothing.
+std::string device_label(const Device& device);
+
 }  // namespace vistel

@@ -47,8 +47,9 @@ double Stream::rate(PlayTime now) const {
     for (std::int64_t s = from; s <= std::min(second - 1, second_); ++s)
         messages += s > second_ - rate_seconds ? in_second_[static_cast<std::size_t>(s % rate_seconds)] : 0;
     if (messages > 0) return static_cast<double>(messages) / static_cast<double>(second - from);
-    const double interval = mean_interval();
-    return interval > 0 ? 1 / interval : 0;
+    return count_ > 1 && now > first_
+               ? static_cast<double>(count_ - 1) * one_second / static_cast<double>(now - first_)
+               : 0;
 }
 
 bool Stream::is_silent(PlayTime now) const {

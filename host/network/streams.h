@@ -30,7 +30,7 @@ class Stream {
     /// When the payload was last another one than before.
     PlayTime changed() const { return changed_; }
 
-    /// Messages in a second, over the last seconds; of streams slower than these by their mean interval.
+    /// Messages in a second, over the last seconds; of streams slower than these over all of their time.
     double rate(PlayTime now) const;
 
     /// Whether it has not come for several times its interval.

@@ -1,32 +1,34 @@
 #include "output/output_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
+#include "output/write.h"
+
 namespace vistel {
+namespace {
+
+std::filesystem::path path_of(const std::string& name) {
+    return std::u8string(name.begin(), name.end());
+}
+
+}  // namespace
 
 Result<int> open_output(const std::string& path, const std::vector<std::string>& inputs) {
-    if (path == "-") return STDOUT_FILENO;
-    constexpr mode_t anybody = 0666;  // but for what the user's mask takes away
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, anybody);
-    struct stat file {};
-    if (descriptor < 0 || ::fstat(descriptor, &file) != 0)
-        return Failure{std::generic_category().message(errno)};
-    if (!S_ISREG(file.st_mode)) return descriptor;
-    const bool is_input = std::ranges::any_of(inputs, [&file](const std::string& input) {
-        struct stat other {};
-        const int result = input == "-" ? ::fstat(STDIN_FILENO, &other) : ::stat(input.c_str(), &other);
-        return result == 0 && other.st_dev == file.st_dev && other.st_ino == file.st_ino;
+    constexpr int standard_output = 1;
+    if (path == "-") return standard_output;
+    const bool is_input = std::ranges::any_of(inputs, [&path](const std::string& input) {
+        std::error_code error;  // where there is no such file, it is none
+        return std::filesystem::is_regular_file(path_of(path), error) &&
+               std::filesystem::equivalent(path_of(path), path_of(input == "-" ? "/dev/stdin" : input),
+                                           error);
     });
-    if (!is_input && ::ftruncate(descriptor, 0) == 0) return descriptor;
-    const int error = errno;
-    ::close(descriptor);
-    return Failure{is_input ? "it is one of the recordings that are read" : std::generic_category().message(error)};
+    if (is_input) return Failure{"it is one of the recordings that are read"};
+    const int descriptor = open_to_write(path);
+    if (descriptor < 0) return Failure{std::generic_category().message(errno)};
+    return descriptor;
 }
 
 }  // namespace vistel

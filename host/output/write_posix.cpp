@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,6 +14,11 @@ std::ptrdiff_t write_some(int descriptor, const char* bytes, std::size_t size) {
         written = ::write(descriptor, bytes, size);
     } while (written < 0 && errno == EINTR);
     return written;
+}
+
+int open_to_write(const std::string& path) {
+    constexpr mode_t anybody = 0666;  // but for whom the user's mask takes it from
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, anybody);
 }
 
 }  // namespace vistel

@@ -1,10 +1,13 @@
+#include <fcntl.h>
 #include <io.h>
+#include <sys/stat.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "output/write.h"
+#include "text/windows_text.h"
 
 namespace vistel {
 
@@ -33,6 +36,11 @@ std::ptrdiff_t write_some(int descriptor, const char* bytes, std::size_t size) {
         return -1;
     }
     return static_cast<std::ptrdiff_t>(written);
+}
+
+int open_to_write(const std::string& path) {
+    return _wopen(wide(path).c_str(), _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY | _O_NOINHERIT,
+                  _S_IREAD | _S_IWRITE);
 }
 
 }  // namespace vistel

@@ -36,7 +36,8 @@ bool ActisenseFormat::begins(std::string_view head) {
 }
 
 /// Bytes outside of frames. A recording may begin with the rest of one.
-Found ActisenseFormat::pass_others(std::string_view bytes, bool last, std::size_t& size, Problem& problem) {
+Found ActisenseFormat::pass_others(std::string_view bytes, bool last, std::size_t& size,
+                                   Problem& problem) const {
     size = find_start(bytes, 0, last);
     if (size == 0) return Found::more;
     const bool rest_of_one = !begun_ && size < most_framed && size < bytes.size();

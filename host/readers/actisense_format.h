@@ -14,7 +14,7 @@ class ActisenseFormat {
     Found take(std::string_view bytes, bool last, std::size_t& size, Record& record, Problem& problem);
 
   private:
-    Found pass_others(std::string_view bytes, bool last, std::size_t& size, Problem& problem);
+    Found pass_others(std::string_view bytes, bool last, std::size_t& size, Problem& problem) const;
 
     BstReader records_;
     BstFrame frame_;

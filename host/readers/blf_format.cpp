@@ -1,6 +1,7 @@
 #include "readers/blf_format.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cstring>
 #include <limits>
@@ -126,6 +127,11 @@ Found BlfFormat::take_held(Record& record, Problem& problem) {
 
 bool BlfFormat::is_within() const {
     return outer_.to_skip > 0 || inner_.to_skip > 0 || held_end_ - held_begin_ > most_padding;
+}
+
+std::string_view BlfFormat::bus_name(std::uint8_t bus) const {
+    const auto end = std::to_chars(std::begin(bus_name_), std::end(bus_name_), bus + 1).ptr;
+    return {bus_name_, static_cast<std::size_t>(end - bus_name_)};
 }
 
 Found BlfFormat::take_object(Sequence& sequence, std::string_view bytes, bool last, std::size_t& size,

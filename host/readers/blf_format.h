@@ -23,6 +23,9 @@ class BlfFormat {
     Found take_held(Record& record, Problem& problem);
     bool is_within() const;
 
+    /// Channels count from 1.
+    std::string_view bus_name(std::uint8_t bus) const;
+
   private:
     /// A sequence of objects, that of the recording or that of its containers.
     struct Sequence {
@@ -39,6 +42,7 @@ class BlfFormat {
     bool begun_ = false;
     RecordTime start_;
     Sequence outer_, inner_;
+    mutable char bus_name_[4] = {};
     bool gap_ = false;  // something of the containers is missing
     Inflater inflater_;
     std::unique_ptr<char[]> held_;  // what containers held, as far as it is needed

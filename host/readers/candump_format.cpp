@@ -353,7 +353,8 @@ LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& p
         std::string_view rest = before;
         const std::string_view interface = take_word(rest);
         record.bus = interface.starts_with("<0x") ? 0 : buses_.number_of(interface);
-        if (is_code) return result;  // which stands for lengths in another way
+        // A code stands for lengths, and times may count from the line before: not so in usual lines.
+        if (is_code || counting_ != Counting::from_one_start) return result;
         Layout& layout = layouts_[next_layout_++ % layouts_.size()];
         layout.learn(timed, before, behind);
         layout.bus = record.bus;

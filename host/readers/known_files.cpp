@@ -41,6 +41,8 @@ constexpr struct {
     {0, "<?xml"sv, "XML"},
     {0, "<!DOCTYPE"sv, "HTML"},
     {0, "<html"sv, "HTML"},
+    {0, "{\"timestamp\":"sv, "values without their bytes as JSON"sv},
+    {0, "{\"version\":"sv, "values without their bytes as JSON"sv},
     {0, "$GP"sv, "NMEA 0183 sentences"},
     {0, "$II"sv, "NMEA 0183 sentences"},
     {0, "!AIVDM"sv, "NMEA 0183 sentences"},

@@ -18,14 +18,10 @@ Found MxpgnSentences::read(Sentence sentence, Record& record, Problem& problem) 
     (void)sentence.take_field();
     N2KMsg& msg = record.msg;
     std::uint32_t pgn = 0, attributes = 0;
-    if (!read_hex_field(sentence.take_field(), "PGN", 6, pgn, problem)) return Found::problem;
+    if (!read_pgn_field(sentence.take_field(), pgn, problem)) return Found::problem;
     const std::string_view attribute_digits = sentence.take_field();
     if (!attribute_digits.empty() && !read_hex_field(attribute_digits, "attribute", 4, attributes, problem))
         return Found::problem;
-    if (pgn > max_pgn) {
-        describe(problem, "PGN ", pgn, " is above ", max_pgn);
-        return Found::problem;
-    }
     if (!read_packed_bytes(sentence.text, max_frame_bytes, msg, problem)) return Found::problem;
     const unsigned announced = attributes >> 8 & 15;
     if (!attribute_digits.empty() && announced <= max_frame_bytes && announced != msg.length) {

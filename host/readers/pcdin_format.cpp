@@ -15,7 +15,7 @@ Found PcdinSentences::read(Sentence sentence, Record& record, Problem& problem) 
     (void)sentence.take_field();
     std::uint32_t pgn = 0, milliseconds = 0, source = 0;
     constexpr std::size_t time_digits = 8;
-    if (!read_hex_field(sentence.take_field(), "PGN", 6, pgn, problem)) return Found::problem;
+    if (!read_pgn_field(sentence.take_field(), pgn, problem)) return Found::problem;
     const std::string_view time = sentence.take_field();
     const bool old_device = time.size() == time_digits && hex_digit(time.back()) == not_hex;
     if (old_device ? !read_hex_field(time.substr(0, time_digits - 1), "time", 7, milliseconds, problem)
@@ -25,10 +25,6 @@ Found PcdinSentences::read(Sentence sentence, Record& record, Problem& problem) 
     if (!read_hex_field(sentence.take_field(), "source", 2, source, problem) ||
         !read_packed_bytes(sentence.text, N2K_MAX_PAYLOAD, record.msg, problem))
         return Found::problem;
-    if (pgn > max_pgn) {
-        describe(problem, "PGN ", pgn, " is above ", max_pgn);
-        return Found::problem;
-    }
     record.kind = Record::Kind::message;
     record.time = {clock_.unroll(milliseconds) * 1'000'000, RecordTime::Origin::start};
     record.msg.pgn = is_addressed(pgn) ? pgn & ~std::uint32_t{0xFF} : pgn;

@@ -186,8 +186,7 @@ std::size_t PlainFormat::place_of(const char* p) {
 }
 
 const char* PlainFormat::read_usual(std::string_view text, Record& record) {
-    constexpr std::size_t room = TimestampParser::usual_room + 2 * Header::room;
-    if (text.size() < room || order_ == Order::source_first) return nullptr;
+    if (text.size() < usual_room_) return nullptr;
     const char* p = text.data();
     record.time = {};
     if (*p != ',') {
@@ -215,6 +214,7 @@ const char* PlainFormat::read_usual(std::string_view text, Record& record) {
 }
 
 LineResult PlainFormat::read(std::string_view line, Record& record, Problem& problem) {
+    if (is_settled() && order_ == Order::priority_first) usual_room_ = fewest_for_usual;
     const std::size_t time_size = size_of_time(line);
     if (time_size == std::string_view::npos) {
         describe(problem, quoted(line), " is not timestamp,priority,PGN,source,destination,length,bytes");

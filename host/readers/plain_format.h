@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 
 #include "readers/content_kind.h"
 #include "readers/line_format.h"
@@ -64,11 +65,15 @@ class PlainFormat {
         friend bool operator==(const Piece&, const Piece&) = default;
     };
 
+    static constexpr std::size_t fewest_for_usual = TimestampParser::usual_room + 2 * Header::room;
+
     static std::size_t place_of(const char* p);
     void learn_order(std::uint32_t first, std::uint32_t third);
     void look_for_pieces(const Piece& piece, unsigned second_byte, unsigned length);
     void finish(Record& record, unsigned length);
 
+    /// Characters that read_usual() wants to see; none are enough before the format is settled.
+    std::size_t usual_room_ = std::numeric_limits<std::size_t>::max();
     bool is_told_ = false;  // by set_contents()
     Kind kind_ = Kind::unknown;
     Order order_ = Order::unknown;

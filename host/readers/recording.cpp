@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "readers/known_files.h"
+#include "readers/line_reader.h"
+#include "readers/stream_capture.h"
 #include "readers/unpacked_input.h"
 #include "text/characters.h"
 #include "text/quotes.h"
@@ -12,7 +14,7 @@ namespace vistel {
 namespace {
 
 /// A recording that shows no format within its first bytes will not show one later.
-constexpr std::size_t most_head = 65536;
+constexpr std::size_t most_head = 2 * max_line;
 static_assert(most_head <= ByteSource::capacity);
 
 bool only_blank_lines(std::string_view head) {
@@ -53,7 +55,7 @@ Status Recording::open(const std::string& path, const RecordingOptions& options)
 }
 
 Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOptions& options) {
-    source_.attach(unpacked(std::move(input)));
+    source_.attach(played_stream(unpacked(std::move(input))));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
     contents_ = options.contents;

@@ -77,9 +77,16 @@ bool parse_number(std::string_view text, std::uint32_t most, std::uint32_t& valu
 
 bool read_number(std::string_view text, std::string_view name, std::uint32_t most, std::uint32_t& value,
                  Problem& problem) {
-    if (parse_number(text, most, value)) return true;
-    describe(problem, name, " ", quoted(text), " is no number up to ", most);
-    return false;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (end != text.data() + text.size() || error == std::errc::invalid_argument) {
+        describe(problem, name, " ", quoted(text), " is not a number");
+        return false;
+    }
+    if (error != std::errc{} || value > most) {
+        describe(problem, name, " ", text.substr(0, 32), " is above ", most);
+        return false;
+    }
+    return true;
 }
 
 bool read_frame_length(std::string_view text, unsigned& length, Problem& problem) {
@@ -119,20 +126,6 @@ LineResult read_frame_bytes(std::string_view text, unsigned length, unsigned bas
 
 void describe_bad_byte(Problem& problem, unsigned number, std::string_view text) {
     describe(problem, "byte ", number, " ", quoted(text), " is not hexadecimal");
-}
-
-bool read_number(std::string_view text, const char* name, std::uint32_t most, std::uint32_t& value,
-                 Problem& problem) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (end != text.data() + text.size() || error == std::errc::invalid_argument) {
-        describe(problem, name, " ", quoted(text), " is not a number");
-        return false;
-    }
-    if (error != std::errc{} || value > most) {
-        describe(problem, name, " ", text.substr(0, 32), " is above ", most);
-        return false;
-    }
-    return true;
 }
 
 bool read_hex_field(std::string_view text, const char* name, unsigned digits, std::uint32_t& value,

@@ -25,7 +25,7 @@ bool parse_number(std::string_view text, std::uint32_t most, std::uint32_t& valu
 /// The same in `base`, 10 or 16.
 bool parse_number(std::string_view text, unsigned base, std::uint32_t most, std::uint32_t& value);
 
-/// Reads `text` as the number called `name`, up to `most`.
+/// Reads `text` as a number from 0 to `most`, which the problem calls `name`.
 bool read_number(std::string_view text, std::string_view name, std::uint32_t most, std::uint32_t& value,
                  Problem& problem);
 
@@ -41,10 +41,6 @@ LineResult read_frame_bytes(std::string_view text, unsigned length, unsigned bas
 
 /// Byte `number` (from 1) is no pair of hexadecimal digits.
 void describe_bad_byte(Problem& problem, unsigned number, std::string_view text);
-
-/// Reads `text` as a number from 0 to `most`, which the problem calls `name`.
-bool read_number(std::string_view text, const char* name, std::uint32_t most, std::uint32_t& value,
-                 Problem& problem);
 
 /// Reads `text` as `digits` hexadecimal digits of something that the problem calls `name`.
 bool read_hex_field(std::string_view text, const char* name, unsigned digits, std::uint32_t& value,

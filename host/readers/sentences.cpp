@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "can/identifier.h"
+#include "readers/scan.h"
 #include "text/characters.h"
 #include "text/hex.h"
 #include "text/quotes.h"
@@ -107,6 +109,12 @@ bool is_whole(const Sentence& sentence, Problem& problem) {
     describe(problem, sentence.checksum == Sentence::Checksum::none ? "a sentence without its checksum"
                                                                     : "the checksum of a sentence is wrong");
     return false;
+}
+
+bool read_pgn_field(std::string_view text, std::uint32_t& pgn, Problem& problem) {
+    if (!read_hex_field(text, "PGN", 6, pgn, problem)) return false;
+    if (pgn > max_pgn) describe(problem, "PGN ", pgn, " is above ", max_pgn);
+    return pgn <= max_pgn;
 }
 
 bool has_sentence(std::string_view line, bool (*is_one)(const Sentence&)) {

@@ -44,6 +44,9 @@ class SentenceCutter {
     bool line_ended_ = false;  // with the last piece
 };
 
+/// Reads a PGN of six hexadecimal digits.
+bool read_pgn_field(std::string_view text, std::uint32_t& pgn, Problem& problem);
+
 /// Whether `line` begins with sentences and has one of a format by whose `is_one` it is told.
 bool has_sentence(std::string_view line, bool (*is_one)(const Sentence&));
 

@@ -28,6 +28,19 @@ bool read_entry(std::string_view text, Entry& entry) {
     return true;
 }
 
+/// Reads the sentence that a line is.
+template <class SentenceFormat>
+LineResult read_sentence(SentenceFormat& format, std::string_view line, Record& record, Problem& problem) {
+    std::size_t size = 0;
+    switch (format.take(line, true, size, record, problem)) {
+        case Found::record: return LineResult::record;
+        case Found::nothing: return LineResult::nothing;
+        case Found::foreign: return LineResult::foreign;
+        case Found::more: describe(problem, "the sentence is cut off"); return LineResult::problem;
+        default: return LineResult::problem;
+    }
+}
+
 }  // namespace
 
 bool SignalKFormat::resembles(std::string_view line) {
@@ -40,6 +53,9 @@ LineResult SignalKFormat::read_inner(std::string_view line, Record& record, Prob
     if (ActisenseAsciiFormat::resembles(line)) return actisense_ascii_.read(line, record, problem);
     if (YachtDevicesFormat::resembles(line)) return yacht_devices_.read(line, record, problem);
     if (CandumpFormat::resembles(line)) return candump_.read(line, record, problem);
+    if (IkonvertFormat::resembles(line)) return read_sentence(ikonvert_, line, record, problem);
+    if (PcdinFormat::resembles(line)) return read_sentence(pcdin_, line, record, problem);
+    if (MxpgnFormat::resembles(line)) return read_sentence(mxpgn_, line, record, problem);
     describe(problem, quoted(line), " is no message in a form that is known");
     return LineResult::problem;
 }

@@ -4,15 +4,19 @@
 
 #include "readers/actisense_ascii_format.h"
 #include "readers/candump_format.h"
+#include "readers/ikonvert_format.h"
 #include "readers/line_format.h"
+#include "readers/mxpgn_format.h"
+#include "readers/pcdin_format.h"
 #include "readers/plain_format.h"
 #include "readers/yacht_devices_format.h"
 
 namespace vistel {
 
 /// Logs of Signal K servers, which put the time and a letter for the kind of connection before the lines that
-/// came by it: `1777887000012;A;LINE`. A is NMEA 2000, in any form that has a line a record; the other kinds
-/// are foreign. The time counts, in milliseconds since 1970, where the line itself has no date.
+/// came by it: `1777887000012;A;LINE`. A is NMEA 2000, in any form that has a line a record, or a sentence;
+/// the other kinds are foreign. The time counts, in milliseconds since 1970, where the line itself has no
+/// date.
 class SignalKFormat : public IndependentLines {
   public:
     static bool resembles(std::string_view line);
@@ -32,6 +36,9 @@ class SignalKFormat : public IndependentLines {
     CandumpFormat candump_;
     YachtDevicesFormat yacht_devices_;
     ActisenseAsciiFormat actisense_ascii_;
+    IkonvertFormat ikonvert_;
+    PcdinFormat pcdin_;
+    MxpgnFormat mxpgn_;
 };
 
 }  // namespace vistel

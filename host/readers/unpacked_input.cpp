@@ -43,6 +43,7 @@ class UnpackedInput final : public ByteInput {
     Fill read(std::span<char> room, int patience, std::size_t& size) override;
     const std::string& error() const override { return error_.empty() ? input_->error() : error_; }
     bool is_file() const override { return input_->is_file(); }
+    std::int64_t arrival() const override { return input_->arrival(); }
     std::uint64_t total() const override { return input_->total(); }
     std::uint64_t position(std::uint64_t given) const override {
         if (given_ == 0) return input_->position(given);

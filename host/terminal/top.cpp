@@ -39,13 +39,26 @@ std::string rate_text(double rate) {
     return formatted(rate < 9.95 ? "%.1f/s" : "%.0f/s", rate);
 }
 
-constexpr int pgn_column = 1, source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
+constexpr PlayTime rate_period = 10 * one_second;  // of devices
+
+std::string_view state_text(Device::State state) {
+    switch (state) {
+        case Device::State::active: return "";
+        case Device::State::displaced: return "displaced";
+        case Device::State::cannot_claim: return "no address";
+        case Device::State::unknown: break;
+    }
+    return "no NAME heard";
+}
+
+constexpr int source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
 
 std::vector<PageLine> help_lines(const std::string& problem) {
     constexpr const char* keys[][2] = {
         {"Up, Down, PgUp, PgDn", "to another stream or line"},
         {"Enter", "the message in full, and back"},
         {"/", "filter by number, name or text of a field; Enter keeps it, Escape drops it"},
+        {"d, Tab", "the devices of the bus; Enter shows what one of them sends"},
         {"s", "only what this source sends, or all again"},
         {"o", "order: appearance, PGN, source, rate, latest"},
         {"u", "other units"},
@@ -72,12 +85,20 @@ std::vector<PageLine> help_lines(const std::string& problem) {
 Top::Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter)
     : player_(player), units_(std::move(units)), filter_(std::move(filter)) {}
 
-void Top::on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t bus, PlayTime now) {
+void Top::on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) {
     streams_.put(msg, bus, now);
+    networks_[bus].put(msg, time);
+}
+
+void Top::on_record(const Record& record) {
+    networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 
 void Top::advance() {
     player_.advance(*this);
+    if (player_.now() - last_turn_ < rate_period) return;
+    last_turn_ = player_.now();
+    for (auto& [bus, network] : networks_) network.turn();
 }
 
 void Top::pause(bool paused) {
@@ -94,9 +115,21 @@ void Top::move(int lines) {
     if (view_ == View::streams) {
         cursor_ = std::clamp(cursor_ + lines, 0, std::max(0, static_cast<int>(rows_.size()) - 1));
         if (!rows_.empty()) selected_ = rows_[static_cast<std::size_t>(cursor_)]->order();
+    } else if (view_ == View::devices) {
+        device_cursor_ =
+            std::clamp(device_cursor_ + lines, 0, std::max(0, static_cast<int>(devices_.size()) - 1));
     } else {
         scroll_ = std::max(0, scroll_ + lines);
     }
+}
+
+/// Shows what the device under the cursor sends.
+void Top::choose_device() {
+    view_ = View::streams;
+    if (devices_.empty()) return;
+    const Device& device = *devices_[static_cast<std::size_t>(device_cursor_)].device;
+    if (const auto address = device.address ? device.address : device.last_address)
+        filter_.sources = {*address};
 }
 
 bool Top::press_in_filter(std::uint32_t key) {
@@ -134,6 +167,10 @@ bool Top::press(std::uint32_t key) {
         case key_end: move(1'000'000); break;
         case key_enter:
             scroll_ = 0;
+            if (view_ == View::devices) {
+                choose_device();
+                break;
+            }
             view_ = view_ == View::streams && chosen != nullptr ? View::message : View::streams;
             break;
         case key_escape: view_ = View::streams; break;
@@ -142,6 +179,8 @@ bool Top::press(std::uint32_t key) {
             scroll_ = 0;
             view_ = view_ == View::help ? View::streams : View::help;
             break;
+        case 'd':
+        case '\t': view_ = view_ == View::devices ? View::streams : View::devices; break;
         case '/': typing_ = true; break;
         case 's':
             if (!filter_.sources.empty()) {
@@ -168,6 +207,8 @@ bool Top::press(std::uint32_t key) {
         case '>': player_.seek(player_.place() + step, *this); break;
         case 'c':
             streams_.clear();
+            networks_.clear();
+            devices_.clear();
             if (frozen_) frozen_->clear();
             rows_.clear();
             view_ = View::streams;
@@ -181,15 +222,21 @@ PageLine Top::status(int width) const {
     PageLine line;
     if (player_.paused()) line.add(" PAUSED", Style::alarm).add(" ·");
     if (player_.ended()) line.add(" END", Style::alarm).add(" ·");
-    line.add(concat(" ", rows_.size() < shown().size() ? concat(rows_.size(), " of ") : std::string(),
-                    shown().size(), " streams · ", streams_.messages(), " messages"));
+    line.add(concat(" ", devices_.size(), devices_.size() == 1 ? " device · " : " devices · "));
+    line.add(concat(rows_.size() < shown().size() ? concat(rows_.size(), " of ") : std::string(),
+                    shown().size(), " streams"));
     double rate = 0;
     for (const Stream* const stream : rows_) rate += stream->rate(now());
     line.add(formatted(" · %.0f/s", rate));
+    // Of several buses the busiest.
+    std::optional<double> share;
+    for (const auto& [bus, network] : networks_)
+        if (const auto one = network.share(network.wire()); one && (!share || *one > *share)) share = one;
+    if (share) line.add(formatted(" · %.1f %% of the bus", 100 * *share));
     if (player_.is_paced()) {
         if (const double speed = player_.options().speed.value_or(1); speed > 0 && speed != 1)
             line.add(formatted(" · %g times", speed));
-        if (player_.can_seek()) line.add(formatted(" · %.0f %%", 100 * player_.place()));
+        if (player_.can_seek()) line.add(formatted(" · at %.0f %%", 100 * player_.place()));
     }
     const ReassemblyCounters& losses = player_.losses();
     const std::uint64_t incomplete = losses.incomplete_fast_packets + losses.incomplete_transports;
@@ -199,6 +246,7 @@ PageLine Top::status(int width) const {
     alarm(incomplete, " incomplete");
     alarm(player_.counters().problems, " errors");
     alarm(streams_.refused(), " without room");
+    if (!player_.notice().empty()) line.add(" · " + player_.notice(), Style::alarm);
     return line.to_column(width);
 }
 
@@ -256,6 +304,59 @@ void Top::add_streams(Page& page, int width, int height) {
     }
 }
 
+std::string Top::device_at(std::uint8_t bus, std::uint8_t address) const {
+    for (const DeviceRow& row : devices_)
+        if (row.bus == bus && row.device->address == address) return device_label(*row.device);
+    return {};
+}
+
+void Top::add_devices(Page& page, int width, int height) {
+    constexpr int address_column = 1, label_column = 6;
+    const int rate_column = width - 44, share_column = width - 34, lost_column = width - 25,
+              state_column = width - 16;
+    PageLine heading;
+    heading.to_column(address_column)
+        .add("Addr", Style::heading)
+        .to_column(label_column)
+        .add("Device", Style::heading);
+    heading.to_column(rate_column)
+        .add("    Rate", Style::heading)
+        .to_column(share_column)
+        .add("    Bus", Style::heading);
+    heading.to_column(lost_column)
+        .add("   Lost", Style::heading)
+        .to_column(state_column)
+        .add(" State", Style::heading);
+    page.push_back(std::move(heading));
+    page_rows_ = std::max(1, height - 1);
+    device_cursor_ = std::clamp(device_cursor_, 0, std::max(0, static_cast<int>(devices_.size()) - 1));
+    first_device_ = std::clamp(first_device_, std::max(0, device_cursor_ - page_rows_ + 1), device_cursor_);
+    for (int i = first_device_; i < first_device_ + page_rows_; ++i) {
+        PageLine line;
+        if (i < static_cast<int>(devices_.size())) {
+            const auto& [bus, network, device] = devices_[static_cast<std::size_t>(i)];
+            const auto rates = network->rates(device->messages);
+            const auto share = network->share(device->wire);
+            line.to_column(address_column);
+            line.add(device->address ? formatted("%4u", unsigned{*device->address}) : std::string("   -"));
+            line.to_column(label_column).add(device_label(*device), Style::strong);
+            if (const auto& product = device->product; !product.model.empty())
+                line.add("  " + device->parts.manufacturer.text + "  " + product.software_version);
+            line.to_column(rate_column)
+                .add(rates ? formatted(" %5.1f/s", rates->messages) : std::string("       -"));
+            line.to_column(share_column)
+                .add(share ? formatted(" %5.1f %%", 100 * *share) : std::string("       -"));
+            line.to_column(lost_column)
+                .add(formatted(" %6llu", static_cast<unsigned long long>(device->lost)),
+                     device->lost > 0 ? Style::alarm : Style::plain);
+            line.to_column(state_column).add(" ").add(state_text(device->state), Style::faint);
+            line.to_column(width);
+            if (i == device_cursor_) line.mark();
+        }
+        page.push_back(std::move(line));
+    }
+}
+
 void Top::add_message(Page& page, int width, int height) {
     std::vector<PageLine> rows;
     const Stream& stream = *rows_[static_cast<std::size_t>(cursor_)];
@@ -263,6 +364,8 @@ void Top::add_message(Page& page, int width, int height) {
     const PlayTime present = now();
     MessageView view(msg, units(), player_.options().definitions);
     rows.push_back(PageLine().add(concat(" ", msg.pgn, " ", view.name()), Style::strong));
+    if (const std::string device = device_at(stream.bus(), msg.source); !device.empty())
+        rows.push_back(PageLine().add(" " + device));
     rows.push_back(
         PageLine().add(concat(" source ", msg.source, ", destination ", msg.destination, ", priority ",
                               msg.priority, ", ", msg.length, " bytes, ", stream.count(), " messages, ") +
@@ -304,7 +407,7 @@ PageLine Top::footer(int width) const {
         line.add(" " + player_.first_problem(), Style::alarm);
     } else {
         if (!filter_.text.empty()) line.add(concat(" filter: ", filter_.text, " "), Style::strong);
-        line.add(" q leave  Enter message  / filter  s source  o order  Space pause  h help", Style::faint);
+        line.add(" q leave  Enter message  d devices  / filter  o order  Space pause  h help", Style::faint);
         line.add(concat("  units: ", units_[unit_set_].name), Style::faint);
     }
     return line.to_column(width);
@@ -312,6 +415,9 @@ PageLine Top::footer(int width) const {
 
 Page Top::page(int width, int height) {
     rows_ = shown().select(filter_, order_, now(), units(), player_.options().definitions);
+    devices_.clear();
+    for (const auto& [bus, network] : networks_)
+        for (const Device* const device : network.devices()) devices_.push_back({bus, &network, device});
     // The cursor stays with its stream.
     const auto selected = std::ranges::find(rows_, selected_, &Stream::order);
     if (selected != rows_.end()) cursor_ = static_cast<int>(selected - rows_.begin());
@@ -322,6 +428,7 @@ Page Top::page(int width, int height) {
     const int body = std::max(0, height - 2);
     switch (view_) {
         case View::streams: add_streams(page, width, body); break;
+        case View::devices: add_devices(page, width, body); break;
         case View::message: add_message(page, width, body); break;
         case View::help:
             page_rows_ = body;

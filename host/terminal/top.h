@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "monitor/player.h"
+#include "network/network.h"
 #include "network/streams.h"
 #include "pgn_vistel/core/units.h"
 #include "terminal/keys.h"
@@ -25,6 +27,7 @@ class Top final : public PlayListener {
     Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter);
 
     void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
+    void on_record(const Record& record) override;
 
     /// Takes what is due.
     void advance();
@@ -36,15 +39,25 @@ class Top final : public PlayListener {
     Page page(int width, int height);
 
   private:
-    enum class View : std::uint8_t { streams, message, help };
+    enum class View : std::uint8_t { streams, devices, message, help };
+
+    /// A device and the number of its bus.
+    struct DeviceRow {
+        std::uint8_t bus;
+        const Network* network;
+        const Device* device;
+    };
 
     bool press_in_filter(std::uint32_t key);
     void move(int lines);
     void pause(bool paused);
     PageLine status(int width) const;
     void add_streams(Page& page, int width, int height);
+    void add_devices(Page& page, int width, int height);
     void add_message(Page& page, int width, int height);
     void add_rows(Page& page, const std::vector<PageLine>& rows, int height);
+    void choose_device();
+    std::string device_at(std::uint8_t bus, std::uint8_t address) const;
     PageLine row_of(const Stream& stream, int width) const;
     PageLine footer(int width) const;
     const Streams& shown() const { return frozen_ ? *frozen_ : streams_; }
@@ -55,6 +68,11 @@ class Top final : public PlayListener {
     std::vector<NamedUnits> units_;
     std::size_t unit_set_ = 0;
     Streams streams_;
+    std::map<std::uint8_t, Network> networks_;  // by bus
+    PlayTime last_turn_ = 0;                    // of their rates
+    std::vector<DeviceRow> devices_;
+    int device_cursor_ = 0;
+    int first_device_ = 0;
     std::unique_ptr<Streams> frozen_;  // what a paused display shows of a live source
     PlayTime frozen_at_ = 0;
     StreamFilter filter_;

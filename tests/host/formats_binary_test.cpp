@@ -350,8 +350,9 @@ TEST(BinaryFormats, Sentences) {
              {"F 2 127250 35 255 0102", "F 6 59904 3 35 14F001", "F 6 59904 254 35 14F001",
               "F 7 127250 254 255 0102"},
              Lines(4, "0 none")},
-            {"$MXPGN,01F112,2323,0201*16\n$MXPGN,01F112,2223,020*26\n",
-             {"1: 3 bytes announced, 2 given", "2: byte 2 `0` is not hexadecimal"}}},
+            {"$MXPGN,01F112,2323,0201*16\n$MXPGN,01F112,2223,020*26\n$MXPGN,040000,2223,0201*66\n",
+             {"1: 3 bytes announced, 2 given", "2: byte 2 `0` is not hexadecimal",
+              "3: PGN 262144 is above 262143"}}},
            "mxpgn");
 }
 

@@ -126,9 +126,9 @@ TEST(Readers, ReadRecordings) {
     const std::string no_time = "it is neither date and time nor time of day",
                       plain = ",2,129025,127,255,1,50\n";
     const std::string shown = "F 2 129025 127 255 50", mark = "\xEF\xBB\xBF", good = "can0 09F8017F#50";
-    const std::string limit = good + std::string(16384 - good.size(), ' '), endless(3 << 20, 'x');
+    const std::string limit = good + std::string(131'072 - good.size(), ' '), endless(3 << 20, 'x');
     const std::string neither = " has neither [length] nor # before its data";
-    const std::string too_long = "the line is longer than 16384 bytes";
+    const std::string too_long = "the line is longer than 131072 bytes";
     const std::string unknown = "0: the format is none of " + format_names();
     // The second is the format that is recognised, or else an option when it begins with "=".
     const std::tuple<std::string, std::string, Lines> cases[] = {

@@ -132,7 +132,7 @@ struct Cast {
         header.pgn = transport_protocol::data_pgn;
         for (unsigned i = 0; i < packets; ++i) {
             Bytes packet{static_cast<std::uint8_t>(i + 1)};
-            packet.insert(packet.end(), bytes.begin() + i * 7, bytes.begin() + std::min(i * 7 + 7, length));
+            for (unsigned at = i * 7; at < std::min(i * 7 + 7, length); ++at) packet.push_back(bytes[at]);
             packet.resize(8, 0xFF);
             pieces[letter + std::to_string(i + 1)] = frame(header, packet);
         }
@@ -325,7 +325,7 @@ class Simulation {
         send();
         for (auto late = line_.begin(); line_.end() - late > 4; ++late) {
             if (!chance(faults.late)) continue;
-            const auto overtaken = 1 + below(3);
+            const auto overtaken = static_cast<std::ptrdiff_t>(1 + below(3));
             std::rotate(late, late + 1, late + 1 + overtaken);
             late += overtaken;
         }

@@ -1,6 +1,8 @@
-"""same_output.py PROGRAM OTHER: fails unless two builds of vistel show any payloads alike, to the byte."""
+"""same_output.py PROGRAM OTHER: fails unless two builds of vistel show any payloads and the sample voyage alike, to the
+byte. Both are commands, of one or more words."""
 
 import itertools
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -10,7 +12,7 @@ FORMS = [], ["--units", "metric"], ["--json"], ["--csv"]
 
 
 def output(program, form, recording):
-    return subprocess.run([program, "decode", *form, recording], check=True, capture_output=True).stdout
+    return subprocess.run([*shlex.split(program), "decode", *form, recording], check=True, capture_output=True).stdout
 
 
 def main(program, other):
@@ -25,6 +27,8 @@ def main(program, other):
         if any(one == another for one, another in itertools.combinations(shown, 2)):
             sys.exit(f"{program} shows the same in two forms of {FORMS}")
         different = [form for form, text in zip(FORMS, shown) if output(other, form, recording.name) != text]
+    voyage = str(Path(__file__).parents[2] / "examples/voyage.log")
+    different += [[*form, voyage] for form in FORMS if output(program, form, voyage) != output(other, form, voyage)]
     for form in different:
         print(" ".join(["decode", *form]) + f": {other} shows something else than {program}", file=sys.stderr)
     return 1 if different else 0

@@ -64,7 +64,7 @@ TEST(Top, ShowsStreamsWithTheirRatesAndAges) {
                 every_second(12, "128267,4,255,8,00,2c,01,00,00,ff,7f,ff"));
     shown.turn(0ms);
     for (int i = 0; i < 8; ++i) shown.turn(1000ms);
-    EXPECT_THAT(shown.line(0), StartsWith(" 2 streams · 10 messages · 1/s · "));
+    EXPECT_THAT(shown.line(0), StartsWith(" 2 devices · 2 streams · 1/s · "));
     EXPECT_THAT(shown.line(2),
                 StartsWith(" 127250   7      -  8.0s Vessel Heading  Heading Sensor Reading 0.0000"));
     EXPECT_THAT(shown.line(3), StartsWith(" 128267   4  1.0/s  0.0s Water Depth  "));
@@ -75,10 +75,10 @@ TEST(Top, ShowsStreamsWithTheirRatesAndAges) {
     EXPECT_TRUE(shown.top.press(key_down));
     EXPECT_EQ(shown.top.page(80, 24)[3].pieces()[0].style, Style::marked);
     shown.type("s");
-    EXPECT_THAT(shown.line(0), StartsWith(" 1 of 2 streams"));
+    EXPECT_THAT(shown.line(0), StartsWith(" 2 devices · 1 of 2 streams · "));
     EXPECT_THAT(shown.line(2), StartsWith(" 128267"));
     shown.type("s/DUCER: 9.8");
-    EXPECT_THAT(shown.line(0), StartsWith(" 1 of 2 streams"));
+    EXPECT_THAT(shown.line(0), StartsWith(" 2 devices · 1 of 2 streams · "));
     EXPECT_THAT(shown.line(23), StartsWith(" filter: DUCER: 9.8_"));
     EXPECT_TRUE(shown.top.press(key_backspace));
     EXPECT_TRUE(shown.top.press(key_enter));
@@ -103,6 +103,26 @@ TEST(Top, ShowsAMessageInFullInTheUnitsWanted) {
     EXPECT_THAT(shown.all(), HasSubstr("this page"));
 }
 
+TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
+    Shown shown("00:00:00,6,60928,35,255,8,79,53,22,FA,00,A0,64,C0\n" +
+                every_second(2, "127250,35,255,8,00,00,00,ff,7f,ff,7f,fd") +
+                every_second(2, "127251,7,255,8,00,00,00,ff,7f,ff,7f,fd"));
+    shown.turn(0ms);
+    shown.turn(1000ms);
+    shown.type("d");
+    EXPECT_THAT(shown.line(1), StartsWith(" Addr Device"));
+    EXPECT_THAT(shown.line(2), HasSubstr("   7 "));
+    EXPECT_THAT(shown.line(2), HasSubstr("no NAME heard"));
+    EXPECT_THAT(shown.line(3), HasSubstr("  35 Engine Gateway "));
+    EXPECT_THAT(shown.line(3), HasSubstr(" 3.0/s "));
+    EXPECT_TRUE(shown.top.press(key_down));
+    shown.lines();
+    EXPECT_TRUE(shown.top.press(key_enter));
+    EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 2 of 3 streams · "));
+    EXPECT_TRUE(shown.top.press(key_enter));
+    EXPECT_THAT(shown.line(2), StartsWith(" Engine Gateway"));
+}
+
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
     Shown shown("nonsense that is no recording\n");
     shown.turn(0ms);
@@ -113,11 +133,11 @@ TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
                  {.pgns = {127251}, .sources = {}, .text = {}});
     paused.turn(0ms);
     paused.type(" ");
-    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 0 of 1 streams · 1 messages"));
+    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 1 device · 0 of 1 streams"));
     paused.turn(1000ms);
-    EXPECT_THAT(paused.line(0), HasSubstr(" 1 messages"));
+    EXPECT_EQ(paused.player.counters().messages, 1u);
     paused.type(".");
-    EXPECT_THAT(paused.line(0), HasSubstr(" 2 messages"));
+    EXPECT_EQ(paused.player.counters().messages, 2u);
     paused.type(" ");
     EXPECT_THAT(paused.line(0), Not(HasSubstr("PAUSED")));
 }

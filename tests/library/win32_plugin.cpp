@@ -4,7 +4,18 @@
 #include "pgn_vistel/pgn_dlg.h"
 #include "pgn_vistel/unit_dlg.h"
 
+// Of the runtime that this module has of its own.
+namespace __gnu_cxx {
+void __freeres();
+}
+
 namespace {
+
+/// What the library does about the runtime's memory, too.
+struct RuntimeReserve {
+    ~RuntimeReserve() { __gnu_cxx::__freeres(); }
+};
+[[gnu::init_priority(101)]] const RuntimeReserve runtime_reserve;
 
 PGN_VistelDlg_c* monitor = nullptr;
 

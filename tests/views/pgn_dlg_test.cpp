@@ -201,22 +201,15 @@ TEST_F(MonitorDialog, IsBuiltOnce) {
 TEST_F(MonitorDialog, CentresTheFilter) {
     // Where it stands is seen: as much is blank to the left of the text as to its right.
     bring_up(*dialog_);
-    GdkWindow* const window = gtk_widget_get_window(dialog_->GetHandle());
-    const wxRect area =
-        wxRect(parts_.filter->GetScreenPosition() - dialog_->GetScreenPosition(), parts_.filter->GetSize())
-            .Deflate(6);
-    GdkPixbuf* const picture = gdk_pixbuf_get_from_window(window, area.x, area.y, area.width, area.height);
-    const int channels = gdk_pixbuf_get_n_channels(picture);
+    const wxRect area = parts_.filter->GetScreenRect().Deflate(6);
+    const wxImage picture = picture_of(*dialog_, area);
     int first = area.width, last = 0;
     for (int y = 0; y < area.height; ++y)
         for (int x = 0; x < area.width; ++x) {
-            const guchar* const pixel =
-                gdk_pixbuf_read_pixels(picture) + y * gdk_pixbuf_get_rowstride(picture) + x * channels;
-            if (pixel[0] > 128) continue;
+            if (picture.GetRed(x, y) > 128) continue;
             first = std::min(first, x);
             last = std::max(last, x);
         }
-    g_object_unref(picture);
     ASSERT_LT(first, last);
     EXPECT_NEAR(first, area.width - 1 - last, 2);
 }

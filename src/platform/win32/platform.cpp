@@ -7,9 +7,21 @@
 #include <cwchar>
 #include <vector>
 
+// Of the C++ runtime, which every module on Windows has of its own.
+namespace __gnu_cxx {
+void __freeres();
+}
+
 namespace pgn_vistel::platform {
 
 namespace {
+
+/// The runtime keeps memory for exceptions that find none. A host that loads the library again and again has
+/// no more of it than one that loads it once.
+struct RuntimeReserve {
+    ~RuntimeReserve() { __gnu_cxx::__freeres(); }
+};
+[[gnu::init_priority(101)]] const RuntimeReserve runtime_reserve;
 
 std::wstring file_of(HMODULE module) {
     constexpr std::size_t longest_path = 32768;
@@ -61,6 +73,8 @@ void set_program_icon(wxTopLevelWindow& window) {
 
 void let_tab_pass(wxTopLevelWindow& frame) {
     frame.SetWindowStyleFlag(frame.GetWindowStyleFlag() | wxTAB_TRAVERSAL);
+    const LONG style = GetWindowLongW(frame.GetHandle(), GWL_EXSTYLE);  // which the toolkit leaves as it is
+    SetWindowLongW(frame.GetHandle(), GWL_EXSTYLE, style | WS_EX_CONTROLPARENT);
 }
 
 // The platform's buttons have no margin that an image of that size would not fit into.

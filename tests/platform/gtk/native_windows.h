@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <gtk/gtk.h>
+#include <wx/image.h>
 #include <wx/toplevel.h>
 #include <wx/treectrl.h>
 #include <wx/utils.h>
@@ -28,6 +29,22 @@ inline HINSTANCE module_without_name() {
 /// Waits until the display has done what it was asked for.
 inline void synchronise() {
     gdk_display_sync(gdk_display_get_default());
+}
+
+/// What a window shows, of an area of the screen.
+inline wxImage picture_of(const wxTopLevelWindow& window, const wxRect& area) {
+    const wxPoint at = area.GetPosition() - window.GetScreenPosition();
+    GdkPixbuf* const shown = gdk_pixbuf_get_from_window(gtk_widget_get_window(window.GetHandle()), at.x, at.y,
+                                                        area.width, area.height);
+    wxImage picture(area.GetSize());
+    for (int y = 0; y < area.height; ++y)
+        for (int x = 0; x < area.width; ++x) {
+            const guchar* const pixel = gdk_pixbuf_read_pixels(shown) + y * gdk_pixbuf_get_rowstride(shown) +
+                                        x * gdk_pixbuf_get_n_channels(shown);
+            picture.SetRGB(x, y, pixel[0], pixel[1], pixel[2]);
+        }
+    g_object_unref(shown);
+    return picture;
 }
 
 /// What the title bar's close button sends.

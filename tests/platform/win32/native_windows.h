@@ -1,5 +1,8 @@
 #pragma once
 
+#include <wx/dcmemory.h>
+#include <wx/dcscreen.h>
+#include <wx/image.h>
 #include <wx/msw/wrapwin.h>
 #include <wx/toplevel.h>
 #include <wx/treectrl.h>
@@ -28,6 +31,14 @@ inline HINSTANCE module_without_name() {
 /// Waits until the display has done what it was asked for.
 inline void synchronise() {
     Sleep(5);
+}
+
+/// What a window shows, of an area of the screen.
+inline wxImage picture_of(const wxTopLevelWindow&, const wxRect& area) {
+    wxScreenDC screen;
+    wxBitmap picture(area.GetSize());
+    wxMemoryDC(picture).Blit(wxPoint(), area.GetSize(), &screen, area.GetPosition());
+    return picture.ConvertToImage();
 }
 
 /// What the title bar's close button sends.
