@@ -72,7 +72,7 @@ endforeach()
 
 # ---- programs ----
 
-foreach(program vistel vistel-monitor)
+foreach(program vistel vistel-monitor vistel-top)
     if(TARGET ${program})
         install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
     endif()

@@ -13,7 +13,9 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
+from datetime import datetime
 from pathlib import Path
 
 VISTEL = os.environ["VISTEL"]
@@ -376,6 +378,25 @@ class ProgramTest(unittest.TestCase):
         result = vistel("decode", name)  # nobody listens
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn(f"vistel: {name}: ", result.stderr)
+
+    def test_a_live_source_is_recorded(self):
+        line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
+        with socket.create_server(("127.0.0.1", 0)) as server, tempfile.TemporaryDirectory() as folder:
+            server.settimeout(30)
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            file = Path(folder, "live.pcap")
+            with subprocess.Popen([VISTEL, "record", name, file], stderr=subprocess.PIPE) as process:
+                gateway, _ = server.accept()
+                with gateway:
+                    gateway.sendall(line * 3)
+                    while not file.exists() or file.stat().st_size < 3 * len(line):
+                        time.sleep(0.01)
+                    process.send_signal(signal.SIGINT)
+                    self.assertEqual(process.wait(timeout=30), 0)
+            shown = [json.loads(each) for each in vistel("decode", "--json", str(file)).stdout.splitlines()]
+        self.assertEqual([each["pgn"] for each in shown], [129025] * 3)
+        self.assertLess(abs(datetime.fromisoformat(shown[0]["absolute"]).timestamp() - time.time()), 60)
+        self.assertEqual(vistel("record", "none.log", "-").returncode, 2)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
