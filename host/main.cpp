@@ -10,6 +10,7 @@
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
+#include "commands/record.h"
 #include "readers/formats.h"
 #include "writers/written_formats.h"
 
@@ -24,6 +25,14 @@ std::string format_notes() {
         notes.append(column - std::min(column, format.name.size()), ' ').append(format.about);
     }
     return notes;
+}
+
+void add_timeout(CLI::App& command, double& timeout) {
+    command
+        .add_option("--timeout", timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
 }
 
 /// What every command takes that reads recordings.
@@ -44,11 +53,7 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
                     "Format of the recordings; recognised by their contents if not given")
         ->check(check);
     vistel::add_contents(command, options.contents);
-    command
-        .add_option("--timeout", options.timeout,
-                    "Seconds without traffic until a live source is told to be silent; 0 is never")
-        ->check(CLI::Range(0.0, 86400.0))
-        ->capture_default_str();
+    add_timeout(command, options.timeout);
     command.footer(format_notes());
 }
 
@@ -56,6 +61,7 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
 struct Arguments {
     vistel::DecodeOptions decode;
     vistel::ConvertOptions convert;
+    vistel::RecordOptions record;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -95,6 +101,17 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         ->add_option("--every", options.every,
                      "Print the table of a live stream again after so many seconds; 0 for once, at its end")
         ->check(CLI::Range(0.0, 86'400.0));
+}
+
+void add_record(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("record", "Keep what a live source brings, with its times, until interrupted");
+    vistel::RecordOptions& options = arguments.record;
+    command
+        ->add_option("SOURCE", options.source, "Live source: can0, tcp://HOST:PORT, serial:DEVICE and so on")
+        ->required();
+    command->add_option("FILE", options.output, "File to write; - is standard output")->required();
+    add_timeout(*command, options.timeout);
 }
 
 void add_convert(CLI::App& app, Arguments& arguments) {
@@ -207,6 +224,7 @@ int main(int argc, char** argv) {
     add_decode(app, arguments);
     add_devices(app, arguments);
     add_convert(app, arguments);
+    add_record(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
@@ -228,6 +246,7 @@ int main(int argc, char** argv) {
 
     for (const char* const name : {"monitor", "top"})
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("record")) return vistel::run_record(arguments.record);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
