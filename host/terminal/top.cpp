@@ -91,6 +91,7 @@ void Top::on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus
 }
 
 void Top::on_record(const Record& record) {
+    kind_ = record.kind;
     networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 
@@ -98,8 +99,16 @@ void Top::on_lost(std::uint8_t bus, std::uint8_t source) {
     networks_[bus].count_lost(source, 1);
 }
 
+bool Top::ask(std::uint8_t bus, const N2KMsg& frame) {
+    auto sent = player_.send({.kind = kind_, .bus = bus, .msg = frame, .time = {}});
+    if (sent) return *sent;
+    cannot_ask_ = sent.error().text;
+    return false;
+}
+
 void Top::advance() {
     player_.advance(*this);
+    if (player_.options().sends && cannot_ask_.empty()) questions_.advance(networks_, player_.now());
     if (player_.now() - last_turn_ < rate_period) return;
     last_turn_ = player_.now();
     for (auto& [bus, network] : networks_) network.turn();
@@ -250,6 +259,7 @@ PageLine Top::status(int width) const {
     alarm(incomplete, " incomplete");
     alarm(player_.counters().problems, " errors");
     alarm(streams_.refused(), " without room");
+    if (!cannot_ask_.empty()) line.add(" · " + cannot_ask_, Style::alarm);
     if (!player_.notice().empty()) line.add(" · " + player_.notice(), Style::alarm);
     return line.to_column(width);
 }

@@ -8,6 +8,7 @@
 
 #include "monitor/player.h"
 #include "network/network.h"
+#include "network/questions.h"
 #include "network/streams.h"
 #include "pgn_vistel/core/units.h"
 #include "terminal/keys.h"
@@ -49,6 +50,7 @@ class Top final : public PlayListener {
         const Device* device;
     };
 
+    bool ask(std::uint8_t bus, const N2KMsg& frame);
     bool press_in_filter(std::uint32_t key);
     void move(int lines);
     void pause(bool paused);
@@ -70,7 +72,10 @@ class Top final : public PlayListener {
     std::size_t unit_set_ = 0;
     Streams streams_;
     std::map<std::uint8_t, Network> networks_;  // by bus
-    PlayTime last_turn_ = 0;                    // of their rates
+    BusQuestions questions_{[this](std::uint8_t bus, const N2KMsg& frame) { return ask(bus, frame); }};
+    Record::Kind kind_ = Record::Kind::message;  // of the records that come
+    std::string cannot_ask_;                     // why not
+    PlayTime last_turn_ = 0;                     // of their rates
     std::vector<DeviceRow> devices_;
     int device_cursor_ = 0;
     int first_device_ = 0;

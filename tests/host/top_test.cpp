@@ -133,6 +133,15 @@ TEST(Top, CountsTheLossesOfADevice) {
     EXPECT_THAT(shown.all(), HasSubstr("   0   no NAME heard"));
 }
 
+TEST(Top, SaysThatARecordingCannotBeAsked) {
+    const test::TemporaryRecording file("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n");
+    Player player({.file = file.name(), .format = {}, .contents = {}, .speed = {}, .sends = true});
+    ASSERT_TRUE(player.open());
+    Top top(player, {{"default", {}}}, {});
+    top.advance();
+    EXPECT_THAT(top.page(120, 24)[0].text(), HasSubstr(" · only a live source can be sent something"));
+}
+
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
     Shown shown("nonsense that is no recording\n");
     shown.turn(0ms);
