@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "network/message_view.h"
+#include "network/stream_text.h"
 #include "text/utf8.h"
 #include "text/words.h"
 
@@ -14,30 +15,7 @@ namespace core = pgn_vistel::core;
 
 namespace {
 
-constexpr std::array order_names = {"appearance", "PGN", "source", "rate", "latest"};
 constexpr PlayTime glow = one_second;
-
-template <class... Values>
-std::string formatted(const char* format, Values... values) {
-    char text[64];
-    std::snprintf(text, sizeof text, format, values...);
-    return text;
-}
-
-/// "0.3s", "12s", "5m", "3h"
-std::string age_text(PlayTime age) {
-    const double seconds = static_cast<double>(std::max<PlayTime>(0, age)) / one_second;
-    if (seconds < 9.95) return formatted("%.1fs", seconds);
-    if (seconds < 600) return formatted("%.0fs", seconds);
-    if (seconds < 6000) return formatted("%.0fm", seconds / 60);
-    return formatted("%.0fh", seconds / 3600);
-}
-
-std::string rate_text(double rate) {
-    if (rate <= 0) return "-";
-    if (rate < 0.095) return formatted("%.0fs", 1 / rate);  // so long from one to the next
-    return formatted(rate < 9.95 ? "%.1f/s" : "%.0f/s", rate);
-}
 
 constexpr int pgn_column = 1, source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
 
@@ -70,24 +48,15 @@ std::vector<PageLine> help_lines(const std::string& problem) {
 }  // namespace
 
 Top::Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter)
-    : player_(player), units_(std::move(units)), filter_(std::move(filter)) {}
-
-void Top::on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t bus, PlayTime now) {
-    streams_.put(msg, bus, now);
-}
+    : player_(player), traffic_(player), units_(std::move(units)), filter_(std::move(filter)) {}
 
 void Top::advance() {
-    player_.advance(*this);
+    traffic_.advance();
 }
 
 void Top::pause(bool paused) {
-    player_.pause(paused);
+    traffic_.pause(paused);
     rows_.clear();  // until the next page: they may be of the other picture
-    frozen_.reset();
-    if (paused && !player_.is_paced()) {
-        frozen_ = std::make_unique<Streams>(streams_);
-        frozen_at_ = player_.now();
-    }
 }
 
 void Top::move(int lines) {
@@ -151,24 +120,24 @@ bool Top::press(std::uint32_t key) {
             }
             break;
         case 'o':
-            order_ = static_cast<StreamOrder>((static_cast<unsigned>(order_) + 1) % order_names.size());
+            order_ =
+                static_cast<StreamOrder>((static_cast<unsigned>(order_) + 1) % stream_order_names.size());
             break;
         case 'u': unit_set_ = (unit_set_ + 1) % units_.size(); break;
         case ' ':
         case 'p': pause(!player_.paused()); break;
         case '.':
-            if (player_.paused() && player_.is_paced()) player_.step(*this);
+            if (player_.paused() && player_.is_paced()) traffic_.step();
             break;
         case '+':
         case '-':
             if (const double now = player_.options().speed.value_or(1); player_.is_paced() && now > 0)
                 player_.set_speed(std::clamp(key == '+' ? now * 2 : now / 2, least_speed, most_speed));
             break;
-        case '<': player_.seek(player_.place() - step, *this); break;
-        case '>': player_.seek(player_.place() + step, *this); break;
+        case '<': traffic_.seek(player_.place() - step); break;
+        case '>': traffic_.seek(player_.place() + step); break;
         case 'c':
-            streams_.clear();
-            if (frozen_) frozen_->clear();
+            traffic_.clear();
             rows_.clear();
             view_ = View::streams;
             break;
@@ -182,7 +151,7 @@ PageLine Top::status(int width) const {
     if (player_.paused()) line.add(" PAUSED", Style::alarm).add(" ·");
     if (player_.ended()) line.add(" END", Style::alarm).add(" ·");
     line.add(concat(" ", rows_.size() < shown().size() ? concat(rows_.size(), " of ") : std::string(),
-                    shown().size(), " streams · ", streams_.messages(), " messages"));
+                    shown().size(), " streams · ", traffic_.messages(), " messages"));
     double rate = 0;
     for (const Stream* const stream : rows_) rate += stream->rate(now());
     line.add(formatted(" · %.0f/s", rate));
@@ -198,7 +167,7 @@ PageLine Top::status(int width) const {
     };
     alarm(incomplete, " incomplete");
     alarm(player_.counters().problems, " errors");
-    alarm(streams_.refused(), " without room");
+    alarm(traffic_.refused(), " without room");
     return line.to_column(width);
 }
 
@@ -239,10 +208,10 @@ void Top::add_streams(Page& page, int width, int height) {
         .to_column(age_column)
         .add("  Age", Style::heading)
         .to_column(name_column);
-    page.push_back(
-        heading
-            .add(concat("Message (by ", order_names[static_cast<std::size_t>(order_)], ")"), Style::heading)
-            .to_column(width));
+    page.push_back(heading
+                       .add(concat("Message (by ", stream_order_names[static_cast<std::size_t>(order_)], ")"),
+                            Style::heading)
+                       .to_column(width));
     page_rows_ = std::max(1, height - 1);
     first_row_ = std::clamp(first_row_, std::max(0, cursor_ - page_rows_ + 1), cursor_);
     for (int i = first_row_; i < first_row_ + page_rows_; ++i) {
@@ -300,7 +269,7 @@ PageLine Top::footer(int width) const {
     PageLine line;
     if (typing_) {
         line.add(" filter: ").add(filter_.text + "_", Style::strong);
-    } else if (streams_.size() == 0 && !player_.first_problem().empty()) {
+    } else if (shown().size() == 0 && !player_.first_problem().empty()) {
         line.add(" " + player_.first_problem(), Style::alarm);
     } else {
         if (!filter_.text.empty()) line.add(concat(" filter: ", filter_.text, " "), Style::strong);

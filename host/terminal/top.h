@@ -1,12 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "monitor/player.h"
-#include "network/streams.h"
+#include "monitor/traffic.h"
 #include "pgn_vistel/core/units.h"
 #include "terminal/keys.h"
 #include "terminal/page.h"
@@ -14,7 +12,7 @@
 namespace vistel {
 
 /// What `vistel top` shows, and what its keys do. Knows no terminal: pages go in and out as text.
-class Top final : public PlayListener {
+class Top {
   public:
     struct NamedUnits {
         std::string name;
@@ -23,8 +21,6 @@ class Top final : public PlayListener {
 
     /// The units' key goes through the selections, of which there is one at least.
     Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter);
-
-    void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
 
     /// Takes what is due.
     void advance();
@@ -47,16 +43,14 @@ class Top final : public PlayListener {
     void add_rows(Page& page, const std::vector<PageLine>& rows, int height);
     PageLine row_of(const Stream& stream, int width) const;
     PageLine footer(int width) const;
-    const Streams& shown() const { return frozen_ ? *frozen_ : streams_; }
-    PlayTime now() const { return frozen_ ? frozen_at_ : player_.now(); }
+    const Streams& shown() const { return traffic_.streams(); }
+    PlayTime now() const { return traffic_.now(); }
     const pgn_vistel::core::UnitSelection& units() const { return units_[unit_set_].units; }
 
     Player& player_;
+    Traffic traffic_;
     std::vector<NamedUnits> units_;
     std::size_t unit_set_ = 0;
-    Streams streams_;
-    std::unique_ptr<Streams> frozen_;  // what a paused display shows of a live source
-    PlayTime frozen_at_ = 0;
     StreamFilter filter_;
     StreamOrder order_ = StreamOrder::appearance;
     View view_ = View::streams;
