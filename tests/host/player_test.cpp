@@ -12,9 +12,9 @@ using namespace std::chrono_literals;
 /// A player on a recording, with a clock that the test turns.
 struct Played : PlayListener {
     Played(const std::string& text, std::optional<double> speed, bool loop = false)
-        : file(text), player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop}, [this] {
-              return clock;
-          }) {
+        : file(text),
+          player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop},
+                 [this] { return clock; }) {
         EXPECT_TRUE(player.open());
     }
     void on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) override {
