@@ -70,7 +70,8 @@ Value state_of(const Device& device) {
 }
 
 Value since_start(const Network& network, const std::optional<RecordTime>& time) {
-    if (!time || !network.first() || time->origin == RecordTime::Origin::none) return {};
+    if (!time || !network.first() || time->origin != network.first()->origin) return {};
+    if (time->origin == RecordTime::Origin::none) return {};
     return decimal_of(static_cast<double>(time->nanoseconds - network.first()->nanoseconds) * 1e-9, 6);
 }
 

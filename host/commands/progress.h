@@ -14,9 +14,9 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// To be called often: asks `done` how far it is, and looks at the clock, only now and then.
+    /// To be called often: looks at the clock only now and then, and asks `done` only where there is a bar.
     template <class Done>
-    void update(Done done) {
+    void update(const Done& done) {
         if (shown_at_all_ && ++calls_ % 4096 == 0) show(done());
     }
 
