@@ -1,5 +1,6 @@
 #include "encode/calendar_entry.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "encode/number_entry.h"
@@ -33,10 +34,19 @@ std::optional<Clock> take_clock(std::string_view text) {
     return clock;
 }
 
+/// The value in the steps that times of day are sent in, as digits for RawScale: single precision gives
+/// many of these one value.
+std::uint64_t clock_digits(double seconds) {
+    constexpr double steps = 1e4, most = 1e15;
+    auto digits = static_cast<std::uint64_t>(std::llround(std::clamp(seconds * steps, 0.0, most)));
+    while (digits != 0 && digits % 10 == 0) digits /= 10;
+    return digits;
+}
+
 Status enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit) {
     const RawScale scale = scale_of(cell, unit);
     if (scale.empty()) return failure("has no values that could be encoded");
-    const std::uint64_t raw = scale.nearest(value);
+    const std::uint64_t raw = scale.nearest(value, clock_digits(value));
     cell.put(raw);
     if (scale.meets(raw, value)) return done;
     return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));
