@@ -10,6 +10,7 @@
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
+#include "commands/record.h"
 #include "readers/formats.h"
 #include "writers/written_formats.h"
 
@@ -26,40 +27,41 @@ std::string format_notes() {
     return notes;
 }
 
-/// What every command takes that reads recordings.
-constexpr const char* source_help =
-    "Recording or live source: a file, - for standard input, can0, tcp://HOST:PORT, udp://:PORT, "
-    "tcp-listen://:PORT or serial:DEVICE (see the manual)";
+void add_timeout(CLI::App& command, double& timeout) {
+    command
+        .add_option("--timeout", timeout,
+                    "Seconds without traffic until a live source is told to be silent; 0 is never")
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
+}
 
-void add_format(CLI::App& command, std::string& format, vistel::ContentKind& contents) {
+/// What every command takes that reads recordings.
+void add_input(CLI::App& command, vistel::InputOptions& options) {
+    command
+        .add_option("FILE", options.names,
+                    "Recordings or live source: files, which are read one after the other, - for standard "
+                    "input, can0, tcp://HOST:PORT, udp://:PORT, tcp-listen://:PORT or serial:DEVICE (see the "
+                    "manual)")
+        ->default_str("-");
+    command.add_flag("--merge", options.merge, "Several recordings by time instead of one after the other");
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
     };
     command
-        .add_option("--format", format, "Format of the recording; recognised by its contents if not given")
+        .add_option("--format", options.format,
+                    "Format of the recordings; recognised by their contents if not given")
         ->check(check);
-    vistel::add_contents(command, contents);
+    vistel::add_contents(command, options.contents);
+    add_timeout(command, options.timeout);
     command.footer(format_notes());
-}
-
-void add_recording(CLI::App& command, std::string& file, std::string& format, vistel::ContentKind& contents) {
-    command.add_option("FILE", file, source_help)->capture_default_str();
-    add_format(command, format, contents);
-}
-
-void add_live(CLI::App& command, vistel::LiveOptions& options) {
-    command
-        .add_option("--timeout", options.timeout,
-                    "Seconds without traffic until a live source is told to be silent; 0 is never")
-        ->check(CLI::Range(0.0, 86400.0))
-        ->capture_default_str();
 }
 
 // Options that say what to do with it later, when all of them are known.
 struct Arguments {
     vistel::DecodeOptions decode;
     vistel::ConvertOptions convert;
+    vistel::RecordOptions record;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -71,9 +73,9 @@ struct Arguments {
 
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
-        app.add_subcommand("decode", "Decode a recording or a live stream, message by message");
+        app.add_subcommand("decode", "Decode recordings or a live stream, message by message");
     vistel::DecodeOptions& options = arguments.decode;
-    add_recording(*command, options.file, options.format, options.contents);
+    add_input(*command, options.input);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
@@ -83,16 +85,15 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
-    add_live(*command, options.live);
+    command->add_flag("--bus", options.bus, "Tell the bus of each message, in CSV in a last column");
     command->add_flag("--stats", options.statistics, "Say at the end what was read, on standard error");
 }
 
 void add_devices(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
-        app.add_subcommand("devices", "List the devices on the bus of a recording or a live stream");
+        app.add_subcommand("devices", "List the devices on the bus of recordings or a live stream");
     vistel::DevicesOptions& options = arguments.devices;
-    add_recording(*command, options.file, options.format, options.contents);
-    add_live(*command, options.live);
+    add_input(*command, options.input);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
@@ -102,18 +103,27 @@ void add_devices(CLI::App& app, Arguments& arguments) {
         ->check(CLI::Range(0.0, 86'400.0));
 }
 
+void add_record(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("record", "Keep what a live source brings, with its times, until interrupted");
+    vistel::RecordOptions& options = arguments.record;
+    command
+        ->add_option("SOURCE", options.source, "Live source: can0, tcp://HOST:PORT, serial:DEVICE and so on")
+        ->required();
+    command->add_option("FILE", options.output, "File to write; - is standard output")->required();
+    add_timeout(*command, options.timeout);
+}
+
 void add_convert(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
         app.add_subcommand("convert", "Write recordings or a live stream in another format");
     vistel::ConvertOptions& options = arguments.convert;
-    command->add_option("FILE", options.files,
-                        "Recordings to read, one after the other; - is standard input");
+    add_input(*command, options.input);
     command->add_option("--to", options.to, "Format to write")
         ->required()
         ->check(CLI::IsMember(vistel::written_formats()));
     command->add_option("-o,--output", options.output, "File to write; - is standard output")
         ->capture_default_str();
-    add_format(*command, options.format, options.contents);
     vistel::add_definitions(*command, options.definitions);
 }
 
@@ -214,6 +224,7 @@ int main(int argc, char** argv) {
     add_decode(app, arguments);
     add_devices(app, arguments);
     add_convert(app, arguments);
+    add_record(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
@@ -235,6 +246,7 @@ int main(int argc, char** argv) {
 
     for (const char* const name : {"monitor", "top"})
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("record")) return vistel::run_record(arguments.record);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);

@@ -7,12 +7,10 @@
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
-#include "commands/losses.h"
 #include "commands/output_status.h"
-#include "commands/progress.h"
+#include "commands/reading.h"
 #include "output/output_file.h"
 #include "output/sink.h"
-#include "readers/recording.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
@@ -28,8 +26,7 @@ class Converting {
     int run();
 
   private:
-    bool open(Recording& recording, const std::string& name);
-    bool read(const std::string& file);
+    bool begin();
     void put_out() {
         out_->put(bytes_);
         bytes_.clear();
@@ -42,87 +39,62 @@ class Converting {
     std::optional<Sink> out_;
     Converter converter_{*writer_, bytes_, [this](const N2KMsg& msg, const char* why) { refuse(msg, why); },
                          options_.definitions};
-    std::optional<Progress> progress_;
-    std::uint64_t problems_ = 0;
+    Reading reading_{options_.input, [this] {
+                         if (out_) out_->flush();
+                     }};
     std::uint64_t refused_ = 0;
 };
 
 void Converting::refuse(const N2KMsg& msg, const char* why) {
-    progress_->clear();
+    reading_.clear_progress();
     std::fprintf(stderr, "vistel: PGN %" PRIu32 " from source %d is left out: %s\n", msg.pgn, msg.source,
                  why);
     ++refused_;
 }
 
-bool Converting::open(Recording& recording, const std::string& name) {
-    const auto fail = [](const std::string& what, const Failure& why) {
-        std::fprintf(stderr, "vistel: %s: %s\n", what.c_str(), why.text.c_str());
+/// An input begins. False where there is nothing to write to.
+bool Converting::begin() {
+    if (out_) {
+        converter_.finish();
+        return true;
+    }
+    auto output = open_output(options_.output, options_.input.names);
+    if (!output) {
+        std::fprintf(stderr, "vistel: %s: %s\n", options_.output.c_str(), output.error().text.c_str());
         return false;
-    };
-    RecordingOptions how;
-    how.format = options_.format;
-    how.contents = options_.contents;
-    how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
-    how.before_wait = [this] { out_->flush(); };
-    if (const auto opened = recording.open(name, how); !opened)
-        return fail(name == "-" ? "standard input" : name, opened.error());
-    if (out_) return true;
-    auto output = open_output(options_.output, options_.files);
-    if (!output) return fail(options_.output, output.error());
+    }
     out_.emplace(*output);
     return true;
 }
 
-/// False when nothing comes of the recording.
-bool Converting::read(const std::string& file) {
-    Recording recording;
-    if (!open(recording, file)) return false;
-    progress_.emplace(recording.bytes_total());
-    bool readable = true;
+int Converting::run() {
+    using Event = Reading::Event;
     Record record;
-    while (out_->is_open() && !interrupted()) {
-        switch (recording.next(record)) {
-            case ReadResult::record:
+    for (bool more = true; more && !interrupted();) {
+        switch (reading_.next(record)) {
+            case Event::begins: more = begin(); break;
+            case Event::record:
                 converter_.put(record);
                 put_out();
-                progress_->update(recording.bytes_read());
+                more = out_->is_open();
                 break;
-            case ReadResult::problem: {
-                progress_->clear();
-                const Problem& problem = recording.problem();
-                std::fprintf(stderr, "%s\n",
-                             described(problem, file == "-" ? "standard input" : file).c_str());
-                if (problem.place == Problem::Place::whole)
-                    readable = false;
-                else
-                    ++problems_;
+            case Event::problem:
+            case Event::nothing: break;
+            case Event::end:
+                converter_.finish();  // what the user breaks off is not missing anything
+                more = false;
                 break;
-            }
-            case ReadResult::nothing: break;
-            case ReadResult::end:
-                converter_.finish();
-                progress_->clear();
-                return readable;
         }
     }
-    return readable;
-}
-
-int Converting::run() {
-    watch_interrupts();
-    ignore_closed_pipes();
-    bool readable = true;
-    for (const std::string& file : options_.files) readable = read(file) && readable;
     if (!out_) return EXIT_FAILED;
     out_->flush();
-    progress_->clear();
+    reading_.clear_progress();
     if (output_status(*out_) != EXIT_CLEAN) return EXIT_FAILED;
-    const int status = report_losses(problems_, converter_.counters());
+    const int status = reading_.finish(converter_.counters());
     if (refused_ > 0)
         std::fprintf(stderr, "vistel: messages that %s cannot hold: %" PRIu64 "\n", options_.to.c_str(),
                      refused_);
-    if (!readable) return EXIT_FAILED;
-    return refused_ > 0 ? EXIT_SKIPPED : status;
+    return refused_ > 0 && status == EXIT_CLEAN ? EXIT_SKIPPED : status;
 }
 
 }  // namespace

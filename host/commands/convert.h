@@ -1,17 +1,14 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
+#include "inputs/input_options.h"
 #include "pgn_vistel/core/catalogue.h"
-#include "readers/content_kind.h"
 
 namespace vistel {
 
 struct ConvertOptions {
-    std::vector<std::string> files = {"-"};  ///< read one after the other
-    std::string format;                      ///< of the recordings, empty to recognise it
-    ContentKind contents = ContentKind::as_it_seems;
+    InputOptions input;
     std::string to;  ///< one of written_formats()
     std::string output = "-";
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;

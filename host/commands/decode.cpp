@@ -9,14 +9,11 @@
 #include <optional>
 
 #include "commands/interrupt.h"
-#include "commands/losses.h"
 #include "commands/output_status.h"
-#include "commands/progress.h"
+#include "commands/reading.h"
 #include "commands/statistics.h"
 #include "output/writers.h"
-#include "readers/recording.h"
 #include "reassembly/reassembler.h"
-#include "sources/source.h"
 
 namespace vistel {
 
@@ -34,63 +31,77 @@ bool apply_units(core::UnitSelection& units, const UnitOptions& options) {
     return static_cast<bool>(selected);
 }
 
-/// One run over a recording.
+/// One run over recordings.
 class Decoding {
   public:
-    explicit Decoding(const DecodeOptions& options)
-        : options_(options), name_(options.file == "-" ? "standard input" : options.file) {}
+    explicit Decoding(const DecodeOptions& options) : options_(options) {}
 
     int run();
 
   private:
     std::unique_ptr<MessageWriter> make_writer();
+    void begin();
     void show(const N2KMsg& msg, const RecordTime& time);
-    /// False when the recording as a whole is meant: nothing more can come of it.
-    bool report_problem();
+    void start_at(const RecordTime& time);
     void print_statistics() const;
 
     const DecodeOptions& options_;
-    const std::string name_;
     core::UnitSelection units_;  // JSON and CSV are for programs, which do not know what somebody picked
-    Recording recording_;
-    SourceState source_;
+    Reading reading_{options_.input, [this] { out_.flush(); }};
+    Record record_;
     Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { show(msg, time); },
                              options_.definitions};
     Sink out_{STDOUT_FILENO};
     std::unique_ptr<MessageWriter> writer_;
-    std::optional<Progress> progress_;
+    bool is_first_ = true;  // the next message is, of the input
     std::optional<RecordTime> start_;
     UnknownPgns unknown_;
     std::uint64_t shown_ = 0;
-    std::uint64_t problems_ = 0;
 };
 
 std::unique_ptr<MessageWriter> Decoding::make_writer() {
     switch (options_.form) {
         case DecodeOptions::Form::json: return make_json_writer(units_);
-        case DecodeOptions::Form::csv: return make_csv_writer(units_);
+        case DecodeOptions::Form::csv: return make_csv_writer(units_, options_.bus);
         default: return make_text_writer(units_, options_.plain_numbers);
     }
 }
 
+/// Another input begins.
+void Decoding::begin() {
+    if (writer_) {
+        reassembler_.finish();
+        is_first_ = true;
+        return;
+    }
+    writer_ = make_writer();
+    writer_->begin(out_);
+}
+
+/// Time goes on from input to input where their clocks tell how; otherwise each has its own.
+void Decoding::start_at(const RecordTime& time) {
+    constexpr auto epoch = RecordTime::Origin::epoch;
+    const bool goes_on =
+        start_ && time.origin == epoch && start_->origin == epoch && time.nanoseconds >= start_->nanoseconds;
+    if (!goes_on) start_ = time;
+    is_first_ = false;
+}
+
 void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
-    if (!start_) start_ = time;
+    if (is_first_) [[unlikely]]
+        start_at(time);
     if (!allows(options_.pgns, msg.pgn) || !allows(options_.sources, msg.source)) return;
     const std::int64_t since_start = std::max<std::int64_t>(0, time.nanoseconds - start_->nanoseconds);
     const core::PgnDef* const row = core::find_definition(options_.definitions, msg);
     if (row == nullptr || row->pgn == 0) unknown_.count(msg.pgn, msg.source);
     ++shown_;
-    writer_->write(out_,
-                   {msg, row, {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds}});
-}
-
-bool Decoding::report_problem() {
-    if (progress_) progress_->clear();
-    const Problem& problem = recording_.problem();
-    std::fprintf(stderr, "%s\n", described(problem, name_).c_str());
-    if (problem.place == Problem::Place::whole) return false;
-    ++problems_;
-    return true;
+    const Inputs& inputs = reading_.inputs();
+    const bool tells_bus =
+        options_.bus || (inputs.bus_count() > 1 && options_.form != DecodeOptions::Form::csv);
+    writer_->write(out_, {msg,
+                          row,
+                          {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds},
+                          tells_bus ? inputs.bus_label(record_.bus) : std::string_view{}});
 }
 
 void Decoding::print_statistics() const {
@@ -98,18 +109,17 @@ void Decoding::print_statistics() const {
     const auto line = [](const char* what, std::uint64_t count) {
         std::fprintf(stderr, "%s: %" PRIu64 "\n", what, count);
     };
-    std::fprintf(stderr, "format: %.*s\n", static_cast<int>(recording_.format_name().size()),
-                 recording_.format_name().data());
+    std::fprintf(stderr, "format: %s\n", reading_.inputs().format_names().c_str());
     line("messages", c.messages);
     line("shown", shown_);
     line("frames", c.frames);
-    line("errors", problems_);
+    line("errors", reading_.problems());
     line("incomplete fast packets", c.incomplete_fast_packets);
     line("incomplete transport sessions", c.incomplete_transports);
     line("frames of no message", c.orphan_frames);
     line("repeated frames", c.repeated_frames);
-    line("other than NMEA 2000", recording_.foreign_frames());
-    if (source_.is_live()) print_link(*source_.counters);
+    line("other than NMEA 2000", reading_.inputs().foreign_frames());
+    for (const auto& link : reading_.inputs().links()) print(*link);
     unknown_.print();
     print(reassembler_.losses());
 }
@@ -117,48 +127,26 @@ void Decoding::print_statistics() const {
 int Decoding::run() {
     if (options_.form != DecodeOptions::Form::text) units_ = core::UnitSelection::si();
     if (!apply_units(units_, options_.units)) return EXIT_FAILED;
-    RecordingOptions how;
-    how.format = options_.format;
-    how.contents = options_.contents;
-    how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
-    how.before_wait = [this] { out_.flush(); };
-    auto opened = open_source(recording_, options_.file, how, link_options(options_.live, name_, [this] {
-                                  if (progress_) progress_->clear();
-                              }));
-    if (!opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), opened.error().text.c_str());
-        return EXIT_FAILED;
-    }
-    source_ = *opened;
-    watch_interrupts();
-    ignore_closed_pipes();
-    progress_.emplace(recording_.bytes_total());
-    writer_ = make_writer();
-    writer_->begin(out_);
-
-    Record record;
-    bool more = true;
-    bool readable = true;
-    while (more && out_.is_open() && !interrupted()) {
-        switch (recording_.next(record)) {
-            case ReadResult::record:
-                reassembler_.put(record);
-                progress_->update(recording_.bytes_read());
+    using Event = Reading::Event;
+    for (bool more = true; more && out_.is_open() && !interrupted();) {
+        switch (reading_.next(record_)) {
+            case Event::begins: begin(); break;
+            case Event::record: reassembler_.put(record_); break;
+            case Event::problem:
+            case Event::nothing: break;
+            case Event::end:
+                reassembler_.finish();  // what the user breaks off is not missing anything
+                more = false;
                 break;
-            case ReadResult::problem: readable = report_problem() && readable; break;
-            case ReadResult::nothing: break;
-            case ReadResult::end: more = false; break;
         }
     }
-    // Messages that the user broke off are not missing anything.
-    if (!more) reassembler_.finish();
+    if (!reading_.has_begun()) return EXIT_FAILED;
     out_.flush();
-    progress_->clear();
+    reading_.clear_progress();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
-    const int status = report_losses(problems_, reassembler_.counters());
-    if (options_.statistics || source_.is_live()) print_statistics();
-    if (!readable) return EXIT_FAILED;
-    return source_.is_live() ? EXIT_CLEAN : status;  // ended by hand; what is lost on the way is told above
+    const int status = reading_.finish(reassembler_.counters());
+    if (options_.statistics || reading_.is_live()) print_statistics();
+    return status;
 }
 
 }  // namespace

@@ -4,10 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "commands/live_options.h"
 #include "commands/unit_options.h"
+#include "inputs/input_options.h"
 #include "pgn_vistel/core/catalogue.h"
-#include "readers/content_kind.h"
 
 namespace vistel {
 
@@ -21,20 +20,18 @@ enum ExitStatus {
 struct DecodeOptions {
     enum class Form { text, json, csv };
 
-    std::string file = "-";
-    std::string format;  ///< name of the recording's format, empty to recognise it
-    ContentKind contents = ContentKind::as_it_seems;
-    LiveOptions live;
+    InputOptions input;
     Form form = Form::text;
     std::vector<std::uint32_t> pgns;     ///< empty for all
     std::vector<std::uint32_t> sources;  ///< empty for all
     UnitOptions units;
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
     bool plain_numbers = false;  ///< without hexadecimal forms
+    bool bus = false;            ///< tells the bus even where there is but one, and in CSV
     bool statistics = false;
 };
 
-/// Decodes a recording or a live stream to standard output. Problems, progress and statistics go to standard
+/// Decodes recordings or a live stream to standard output. Problems, progress and statistics go to standard
 /// error. Returns the exit status.
 int run_decode(const DecodeOptions& options);
 

@@ -6,16 +6,14 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <utility>
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
-#include "commands/losses.h"
 #include "commands/output_status.h"
-#include "commands/progress.h"
+#include "commands/reading.h"
 #include "output/sink.h"
-#include "readers/recording.h"
 #include "reassembly/reassembler.h"
-#include "sources/source.h"
 
 namespace vistel {
 
@@ -27,26 +25,26 @@ constexpr auto rate_period = 10s;  // rates are those of one to two of them
 
 constexpr auto definitions = pgn_vistel::core::Definitions::corrected;
 
-/// One run over a recording or live source.
+/// One run over recordings or a live source.
 class Watching {
   public:
-    explicit Watching(const DevicesOptions& options)
-        : options_(options), name_(options.file == "-" ? "standard input" : options.file) {}
+    explicit Watching(const DevicesOptions& options) : options_(options) {}
 
     int run();
 
   private:
     using Clock = std::chrono::steady_clock;
 
-    void take(const Record& record);
-    bool report_problem();
+    void begin();
+    void take();
     void refresh();
     void print();
 
     const DevicesOptions& options_;
-    const std::string name_;
-    Recording recording_;
-    std::map<std::uint8_t, Network> networks_;  // by the bus that records name
+    Reading reading_{options_.input};
+    Record record_;
+    bool has_begun_ = false;
+    std::map<std::uint8_t, Network> networks_;  // by the number of the bus
     Network* network_ = nullptr;                // of the record at hand
     Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { network_->put(msg, time); },
                              definitions};
@@ -54,27 +52,34 @@ class Watching {
     Clock::duration period_{};  // of printing, 0 for once
     Clock::time_point next_, next_turn_;
     bool clears_screen_ = false;
-    std::uint64_t problems_ = 0;
 };
 
-void Watching::take(const Record& record) {
-    network_ = &networks_[record.bus];
-    reassembler_.put(record);
-    network_->count_wire(record, definitions);
+/// Another input begins.
+void Watching::begin() {
+    if (std::exchange(has_begun_, true)) return reassembler_.finish();
+    const bool is_live = reading_.inputs().bytes_total() == 0;
+    const bool is_shown = options_.form == TableForm::text && isatty(STDOUT_FILENO) != 0;
+    if (is_live) {
+        const double seconds = options_.every >= 0 ? options_.every : is_shown ? 1 : 0;
+        period_ = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+        clears_screen_ = is_shown && period_ > Clock::duration::zero();
+    }
+    next_ = Clock::now() + period_;
+    next_turn_ = Clock::now() + rate_period;
+    out_.put(device_header(options_.form, options_.by_pgn));
 }
 
-bool Watching::report_problem() {
-    const Problem& problem = recording_.problem();
-    std::fprintf(stderr, "%s\n", described(problem, name_).c_str());
-    ++problems_;
-    return problem.place != Problem::Place::whole;
+void Watching::take() {
+    network_ = &networks_[record_.bus];
+    reassembler_.put(record_);
+    network_->count_wire(record_, definitions);
 }
 
 void Watching::print() {
     if (clears_screen_) out_.put("\033[H\033[J");
     for (const auto& [number, network] : networks_) {
-        std::string bus(recording_.bus_name(number));
-        if (bus.empty() && networks_.size() > 1) bus = std::to_string(number);
+        const Inputs& inputs = reading_.inputs();
+        const std::string bus(networks_.size() > 1 ? inputs.bus_label(number) : inputs.bus_name(number));
         if (options_.form == TableForm::text && networks_.size() > 1) out_.put("Bus " + bus + "\n");
         out_.put(device_table(network, bus, options_.form, options_.by_pgn));
     }
@@ -91,52 +96,25 @@ void Watching::refresh() {
 }
 
 int Watching::run() {
-    RecordingOptions how;
-    how.format = options_.format;
-    how.contents = options_.contents;
-    how.patience_ms = 250;  // a signal may come between the look at its flag and the wait
-    auto source = open_source(recording_, options_.file, how, link_options(options_.live, name_));
-    if (!source) {
-        std::fprintf(stderr, "vistel: %s: %s\n", name_.c_str(), source.error().text.c_str());
-        return EXIT_FAILED;
-    }
-    watch_interrupts();
-    ignore_closed_pipes();
-    const bool is_live = recording_.bytes_total() == 0;
-    const bool is_shown = options_.form == TableForm::text && isatty(STDOUT_FILENO) != 0;
-    if (is_live) {
-        const double seconds = options_.every >= 0 ? options_.every : is_shown ? 1 : 0;
-        period_ = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-        clears_screen_ = is_shown && period_ > Clock::duration::zero();
-    }
-    next_ = Clock::now() + period_;
-    next_turn_ = Clock::now() + rate_period;
-    out_.put(device_header(options_.form, options_.by_pgn));
-    Progress progress(recording_.bytes_total());
-    Record record;
-    bool more = true;
-    bool readable = true;
-    while (more && out_.is_open() && !interrupted()) {
-        switch (recording_.next(record)) {
-            case ReadResult::record: take(record); break;
-            case ReadResult::problem:
-                progress.clear();
-                readable = report_problem() && readable;
+    using Event = Reading::Event;
+    for (bool more = true; more && out_.is_open() && !interrupted();) {
+        switch (reading_.next(record_)) {
+            case Event::begins: begin(); break;
+            case Event::record: take(); break;
+            case Event::problem:
+            case Event::nothing: break;
+            case Event::end:
+                reassembler_.finish();  // what the user breaks off is not missing anything
+                more = false;
                 break;
-            case ReadResult::nothing: break;
-            case ReadResult::end: more = false; break;
         }
-        progress.update(recording_.bytes_read());
         refresh();
     }
-    // Messages that the user broke off are not missing anything.
-    if (!more) reassembler_.finish();
-    progress.clear();
+    if (!reading_.has_begun()) return EXIT_FAILED;
+    reading_.clear_progress();
     print();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
-    const int status = report_losses(problems_, reassembler_.counters());
-    if (!readable) return EXIT_FAILED;
-    return source->is_live() ? EXIT_CLEAN : status;  // ended by hand; what is lost on the way is told above
+    return reading_.finish(reassembler_.counters());
 }
 
 }  // namespace

@@ -1,18 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "commands/device_table.h"
-#include "readers/content_kind.h"
-#include "commands/live_options.h"
+#include "inputs/input_options.h"
 
 namespace vistel {
 
 struct DevicesOptions {
-    std::string file = "-";
-    std::string format;  ///< name of the recording's format, empty to recognise it
-    ContentKind contents = ContentKind::as_it_seems;
-    LiveOptions live;
+    InputOptions input;
     TableForm form = TableForm::text;
     bool by_pgn = false;  ///< what each device sends, too
     /// Seconds after which the table is printed again while a live source goes on; 0 for once, at its end.
@@ -20,7 +14,7 @@ struct DevicesOptions {
     double every = -1;
 };
 
-/// Prints the devices of a recording or of a live source to standard output; problems go to standard error.
+/// Prints the devices of recordings or of a live source to standard output; problems go to standard error.
 /// Returns the exit status.
 int run_devices(const DevicesOptions& options);
 

@@ -15,6 +15,19 @@ void UnknownPgns::print() const {
     if (others_ > 0) std::fprintf(stderr, "    others: %" PRIu64 "\n", others_);
 }
 
+void print(const LinkCounters& link) {
+    const auto line = [](const char* what, std::uint64_t count) {
+        std::fprintf(stderr, "%s: %" PRIu64 "\n", what, count);
+    };
+    line("connections lost", link.losses);
+    std::fprintf(stderr, "seconds without a connection: %.1f\n",
+                 static_cast<double>(link.without.count()) / 1000);
+    line("times without traffic", link.silences);
+    if (link.bytes > 0) line("bytes received", link.bytes);
+    line("error frames", link.error_frames);
+    line("frames dropped by the system", link.dropped_frames);
+}
+
 void print(const Losses& losses) {
     std::vector<Losses::Entry> entries(losses.entries().begin(), losses.entries().end());
     std::ranges::stable_sort(entries, std::greater(), &Losses::Entry::frames);

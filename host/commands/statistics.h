@@ -4,6 +4,7 @@
 #include <map>
 
 #include "reassembly/losses.h"
+#include "sources/link_watch.h"
 
 namespace vistel {
 
@@ -36,6 +37,9 @@ class UnknownPgns {
     std::uint64_t total_ = 0;
     std::uint64_t others_ = 0;
 };
+
+/// What became of a live source.
+void print(const LinkCounters& link);
 
 /// Missing and repeated frames by PGN and source, the most first.
 void print(const Losses& losses);

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <utility>
 
+#include "text/printable.h"
+#include "text/utf8.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -38,6 +41,15 @@ std::string_view kind_of_times(Origin origin) {
     return "dates and times";
 }
 
+/// A name as outputs may show it: well-formed UTF-8 without control characters.
+std::string shown(std::string_view name) {
+    std::string text = printable(name);
+    if (!utf16_of(text))
+        std::ranges::replace_if(
+            text, [](char c) { return (c & 0x80) != 0; }, '?');
+    return text;
+}
+
 }  // namespace
 
 struct Inputs::Input {
@@ -53,11 +65,11 @@ struct Inputs::Input {
     std::int64_t time = INT64_MIN;  // of `ahead`, or of the last record that told one
 };
 
-Inputs::Inputs(const InputOptions& options, std::function<void()> before_wait) : options_(options) {
+Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), hooks_(std::move(hooks)) {
     how_.format = options_.format;
     how_.contents = options_.contents;
     how_.patience_ms = patience_ms;
-    how_.before_wait = std::move(before_wait);
+    how_.before_wait = hooks_.before_wait;
     for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
 }
 
@@ -82,10 +94,17 @@ Inputs::Event Inputs::next(Record& record) {
 
 bool Inputs::open_next() {
     auto input = std::make_unique<Input>(opened_++);
-    if (auto opened = input->recording.open(options_.names[input->place], how_); !opened) {
+    LinkOptions link;
+    link.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options_.timeout * 1000));
+    link.tell = [this, place = input->place](const std::string& text) {
+        if (hooks_.tell) hooks_.tell(concat("vistel: ", names_[place], ": ", text));
+    };
+    auto opened = open_source(input->recording, options_.names[input->place], how_, link);
+    if (!opened) {
         fail(input->place, opened.error().text);
         return false;
     }
+    if (opened->is_live()) links_.push_back(opened->counters);
     if (!any_open_)
         bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
     any_open_ = true;
@@ -110,12 +129,11 @@ void Inputs::close(const Input& input) {
     note_format(formats_, input.recording);
 }
 
-Inputs::Event Inputs::fail(std::size_t place, std::string text) {
+void Inputs::fail(std::size_t place, std::string text) {
     failure_.put_at_whole();
     failure_.text = std::move(text);
     problem_ = &failure_;
     problem_place_ = place;
-    return Event::problem;
 }
 
 Inputs::Event Inputs::pass_problem(const Input& input) {
@@ -164,7 +182,8 @@ Inputs::Event Inputs::begin_merged() {
         is_refused_ = true;
         std::string text = concat("cannot be merged by time: it has ", kind_of_times(origin));
         if (is_shared) text += concat(", ", names_[open_.front()->place], " ", kind_of_times(origin_));
-        return fail(input->place, std::move(text));
+        fail(input->place, std::move(text));
+        return Event::problem;
     }
     begun_ = true;
     return any_open_ ? Event::begins : Event::end;
@@ -180,11 +199,12 @@ std::uint8_t Inputs::bus_of(Input& input, std::uint8_t number) {
 }
 
 std::uint8_t Inputs::add_bus(const Input& input, std::uint8_t number) {
-    const std::string_view name = input.recording.bus_name(number);
-    Bus bus{name.empty() ? std::to_string(number) : std::string(name), !name.empty()};
+    const std::string name = shown(input.recording.bus_name(number));
+    Bus bus{name.empty() ? std::to_string(number) : name, !name.empty()};
     if (options_.merge && names_.size() > 1) {
+        const std::string file = shown(names_[input.place]);
         const bool is_file_enough = name.empty() && number == 0;
-        bus = {is_file_enough ? names_[input.place] : concat(names_[input.place], ":", bus.label), true};
+        bus = {is_file_enough ? file : concat(file, ":", bus.label), true};
     } else if (const auto same = std::ranges::find(buses_, bus.label, &Bus::label); same != buses_.end()) {
         return static_cast<std::uint8_t>(same - buses_.begin());
     }

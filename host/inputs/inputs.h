@@ -9,19 +9,13 @@
 #include <vector>
 
 #include "can/record.h"
+#include "inputs/input_options.h"
 #include "readers/recording.h"
+#include "sources/source.h"
 
 namespace vistel {
 
-/// Which recordings a command reads, and how.
-struct InputOptions {
-    std::vector<std::string> names = {"-"};           ///< files; "-" is standard input
-    std::string format;                               ///< name of a format; empty to recognise each
-    ContentKind contents = ContentKind::as_it_seems;  ///< for formats that do not tell
-    bool merge = false;                               ///< by time, instead of one after the other
-};
-
-/// Several recordings as one stream of records: one after the other, or merged by time.
+/// Several recordings or live sources as one stream of records: one after the other, or merged by time.
 ///
 /// Their buses are numbered over all of them. Where recordings follow one another a bus is known by its name,
 /// or else by its number, so that the pieces of a long recording have the same buses; the buses of merged
@@ -31,7 +25,7 @@ struct InputOptions {
 /// day. Each keeps its own order.
 class Inputs {
   public:
-    enum class [[nodiscard]] Event : std::uint8_t {
+    enum class [[nodiscard]] Event : std::uint8_t{
         begins,   ///< a recording begins, or all that are merged: nothing before belongs to what follows
         record,   ///< `record` has the next one
         problem,  ///< problem() tells it; reading goes on, if need be with the next recording
@@ -39,8 +33,11 @@ class Inputs {
         end,
     };
 
-    /// `before_wait` is called before every wait for input, which lasts a quarter of a second at the most.
-    explicit Inputs(const InputOptions& options, std::function<void()> before_wait = {});
+    struct Hooks {
+        std::function<void()> before_wait = {};  ///< for input; no wait is longer than a quarter of a second
+        std::function<void(const std::string& line)> tell = {};  ///< what a live source has to say
+    };
+    explicit Inputs(const InputOptions& options, Hooks hooks);
     ~Inputs();
     Inputs(const Inputs&) = delete;
     Inputs& operator=(const Inputs&) = delete;
@@ -48,13 +45,13 @@ class Inputs {
     /// Says what comes next. `record` is fresh or as the last call left it.
     Event next(Record& record);
 
-    /// @{ Of the problem that next() has just met: whether a recording as a whole is meant, and all of it as a
-    /// text, with the name of the recording and the place.
+    /// @{ Of the problem that next() has just met: whether a recording as a whole is meant, and all of it as
+    /// a text, with the name of the recording and the place.
     bool is_problem_of_whole() const { return problem_->place == Problem::Place::whole; }
     std::string problem() const { return described(*problem_, names_[problem_place_]); }
     /// @}
 
-    /// Buses that records came from so far.
+    /// Buses that records came from so far. Their names are UTF-8 text without control characters.
     std::size_t bus_count() const { return buses_.size(); }
     /// The name of a bus of theirs; empty where the recording does not tell one.
     std::string_view bus_name(std::uint8_t bus) const {
@@ -66,6 +63,9 @@ class Inputs {
     std::uint64_t bytes_read() const;
     std::uint64_t bytes_total() const { return bytes_total_; }  ///< 0 when unknown; told from `begins` on
     std::uint64_t foreign_frames() const;
+
+    /// What became of the live sources among them.
+    const std::vector<std::shared_ptr<const LinkCounters>>& links() const { return links_; }
 
     /// The formats that were found, each once, with commas between them.
     std::string format_names() const;
@@ -82,18 +82,20 @@ class Inputs {
     Event next_merged(Record& record);
     Event begin_merged();
     Event pass_problem(const Input& input);
-    Event fail(std::size_t place, std::string text);
+    void fail(std::size_t place, std::string text);
     void close(const Input& input);
     std::uint8_t bus_of(Input& input, std::uint8_t number);
     std::uint8_t add_bus(const Input& input, std::uint8_t number);
     static void note_format(std::vector<std::string_view>& formats, const Recording& recording);
 
     const InputOptions options_;
+    const Hooks hooks_;
     RecordingOptions how_;
     std::vector<std::string> names_;            // as they are shown
     std::size_t opened_ = 0;                    // of the names
     bool any_open_ = false;                     // could be opened
     std::vector<std::unique_ptr<Input>> open_;  // at present: one at a time, unless they are merged
+    std::vector<std::shared_ptr<const LinkCounters>> links_;
     std::vector<Bus> buses_;
     std::uint64_t bytes_total_ = 0;
 

@@ -44,7 +44,7 @@ class ByteSource {
     const std::string& error() const { return input_->error(); }
 
     /// Whether the bytes come from a file, which is there from the first to the last without waiting.
-    bool is_file() const { return input_->is_file(); }
+    bool is_file() const { return input_ && input_->is_file(); }
 
     /// When the last bytes arrived: those that made the record whole which was read last. 0 for a recording.
     std::int64_t arrival() const { return input_ ? input_->arrival() : 0; }

@@ -35,9 +35,9 @@ concept LineFormat = requires(Format format, std::string_view line, Record& reco
 /// A format whose lines may be understood in several ways, of which the lines behind them tell. As long as it
 /// is not settled, the reader asks of the next line whether that `depends_on_later` ones; if so, it shows
 /// the format this line and those behind it by `foresee` until the format is settled, and has it `settle`
-/// for the likeliest way when there are no more, or too many. Until then its `read_usual` takes none. Lines
-/// that are comments are not asked about, but foreseen. What came of it depends on the bytes alone, and not
-/// on how they came.
+/// for the likeliest way when there are no more, or too many, or when a live source is silent. Until then its
+/// `read_usual` takes none. Lines that are comments are not asked about, but foreseen. But for such a
+/// silence, what comes of it depends on the bytes alone, and not on how they came.
 template <class Format>
 concept ForesightedFormat = LineFormat<Format> && requires(Format format, std::string_view line) {
     { format.is_settled() } -> std::same_as<bool>;

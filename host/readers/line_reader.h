@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cassert>
+#include <chrono>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 #include "readers/byte_source.h"
@@ -165,16 +167,29 @@ class LineReader final : public RecordReader {
                 foreseen_ = ahead.size() - text.size();
                 is_clear = !depends_on_later(next);
             }
-            if (!is_clear && is_all) {
+            if (!is_clear && (is_all || (!next.empty() && is_silent()))) {
                 format_.settle();
                 is_clear = true;
             }
             if (is_clear) {
                 foreseen_ = 0;
+                silent_since_.reset();
                 return true;
             }
-            if (!lines_.fetch(wait)) return false;
+            if (lines_.fetch(wait)) {
+                silent_since_.reset();
+            } else if (next.empty() || !is_silent()) {
+                return false;
+            }
         }
+    }
+
+    /// Whether nothing has come for so long that a line of a live source should not wait for others.
+    bool is_silent() {
+        constexpr std::chrono::milliseconds longest_wait{200};
+        const auto now = std::chrono::steady_clock::now();
+        if (!silent_since_) silent_since_ = now;
+        return now - *silent_since_ >= longest_wait;
     }
 
     bool depends_on_later(std::string_view line) {
@@ -184,6 +199,7 @@ class LineReader final : public RecordReader {
     Lines lines_;
     Format format_;
     std::size_t foreseen_ = 0;  // unread bytes that a format which is not settled has been shown
+    std::optional<std::chrono::steady_clock::time_point> silent_since_;  // while a line waits for others
     std::uint64_t foreign_frames_ = 0;
 };
 

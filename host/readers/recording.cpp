@@ -5,6 +5,7 @@
 
 #include "readers/known_files.h"
 #include "readers/line_reader.h"
+#include "readers/stream_capture.h"
 #include "readers/unpacked_input.h"
 #include "text/characters.h"
 #include "text/quotes.h"
@@ -54,7 +55,7 @@ Status Recording::open(const std::string& path, const RecordingOptions& options)
 }
 
 Status Recording::attach(std::unique_ptr<ByteInput> input, const RecordingOptions& options) {
-    source_.attach(unpacked(std::move(input)));
+    source_.attach(played_stream(unpacked(std::move(input))));
     source_.set_patience(options.patience_ms);
     source_.set_before_wait(options.before_wait);
     contents_ = options.contents;

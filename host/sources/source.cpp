@@ -7,6 +7,13 @@
 
 namespace vistel {
 
+Result<OpenedLink> open_link(const SourceName& name, const LinkOptions& options) {
+    auto link = std::make_unique<Link>(std::make_shared<EventLoop>(), name, options);
+    if (const Status opened = link->open(); !opened) return opened.error();
+    auto counters = link->counters();
+    return OpenedLink{std::move(link), std::move(counters)};
+}
+
 Result<SourceState> open_source(Recording& recording, const std::string& text, const RecordingOptions& how,
                                 const LinkOptions& options) {
     auto name = parse_source(text);
@@ -23,14 +30,13 @@ Result<SourceState> open_source(Recording& recording, const std::string& text, c
         recording.attach(std::make_unique<CanReader>(port, how), "socketcan");
         return SourceState{port->counters()};
     }
-    auto link = std::make_unique<Link>(std::make_shared<EventLoop>(), *name, options);
-    if (const Status opened = link->open(); !opened) return opened.error();
-    const SourceState state{link->counters()};
-    std::unique_ptr<ByteInput> input = std::move(link);
+    auto link = open_link(*name, options);
+    if (!link) return link.error();
+    std::unique_ptr<ByteInput> input = std::move(link->input);
     if (auto named = find_format(how.format))
         input = std::make_unique<FormatCheck>(std::move(input), **named, options.tell);
     if (const Status attached = recording.attach(std::move(input), how); !attached) return attached.error();
-    return state;
+    return SourceState{link->counters};
 }
 
 }  // namespace vistel

@@ -7,6 +7,7 @@
 #include "readers/recording.h"
 #include "sources/event_loop.h"
 #include "sources/link_watch.h"
+#include "sources/source_name.h"
 
 namespace vistel {
 
@@ -16,6 +17,15 @@ struct SourceState {
 
     bool is_live() const { return counters != nullptr; }
 };
+
+/// A link to a gateway by itself.
+struct OpenedLink {
+    std::unique_ptr<ByteInput> input;
+    std::shared_ptr<const LinkCounters> counters;
+};
+
+/// Of a live source that is no CAN interface. What is there at the start has to be; see open_source().
+Result<OpenedLink> open_link(const SourceName& name, const LinkOptions& options);
 
 /// Opens what a name stands for (source_name.h): a file, or a live source, which never ends. Live records
 /// without an absolute time get that of their arrival. A name that is a live source by mistake, or a file

@@ -117,13 +117,12 @@ void PGN_VistelDlg_c::build_controls() {
     platform::remove_padding(*clear_button_);
     platform::remove_padding(*pause_button_);
 
-    focus_watcher_->create_field(&filter_text_, 0, 0, "FF", wxDefaultSize, 0);
+    // A control of one line goes by its own style, on Windows by the one that it is made with.
+    focus_watcher_->create_field(&filter_text_, 0, 0, "FF", wxDefaultSize, wxTE_CENTRE);
     wxTextAttr centred = filter_text_.GetDefaultStyle();
     centred.SetAlignment(wxTEXT_ALIGNMENT_CENTRE);
     filter_text_.SetDefaultStyle(centred);
     filter_text_.SetStyle(0, 3, centred);
-    // A control of one line goes by its own style.
-    filter_text_.SetWindowStyleFlag(filter_text_.GetWindowStyleFlag() | wxTE_CENTRE);
 
     clear_button_->SetToolTip("Clear data display");
     pause_button_->SetToolTip("Pause data display");

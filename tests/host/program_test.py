@@ -13,7 +13,9 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
+from datetime import datetime
 from pathlib import Path
 
 VISTEL = os.environ["VISTEL"]
@@ -327,6 +329,61 @@ class ProgramTest(unittest.TestCase):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(timeout=30), 0)
 
+    def test_several_recordings(self):
+        """Times and buses of what is shown, of recordings that are given together."""
+        def frame(bus, source, seconds, day=None):
+            time = f"{day}{seconds:04.1f}" if day else f"{1_500_000_000 + seconds:.1f}"
+            return f"({time}) {bus} 09F112{source:02X}#05102700FF7FFF7F\n"
+        first, later = "0086010203040506", "0186010203040506"  # of a fast packet
+        contents = {"a": frame("can0", 1, 1) + frame("can1", 2, 3), "b": frame("can1", 3, 2) + frame("can0", 4, 2.5),
+                    "day": frame("vcan0", 5, 9, "08:00:"), "later": frame("vcan0", 6, 9.5, "08:00:"), "empty": "",
+                    "bad": "can0 09F11207#0\n" + frame("can0", 7, 5), "early": frame("can0", 8, 0),
+                    "head": f"can0 19F01423#{first}\n", "tail": f"can0 19F01423#{later}\n"}
+        # Source, time and bus of each message; status; what is told.
+        cases = [
+            (["a", "b"], "1 0, 2 2 can1, 3 1 can1, 4 1.5 can0", 0, ""),
+            (["a", "early", "b"], "1 0, 2 2 can1, 8 0 can0, 3 2 can1, 4 2.5 can0", 0, ""),
+            (["a", "day", "empty", "later"], "1 0, 2 2 can1, 5 0 vcan0, 6 0 vcan0", 0, ""),
+            (["early", "none", "bad"], "8 0, 7 5", 2, r"none: No such file or directory\n.*bad:1: .*\nvistel: lines .*: 1\n"),
+            (["bad", "bad"], "7 0, 7 0", 1, "lines that could not be read: 2"),
+            (["head", "tail"], "", 1, "incomplete: 1\n.*no message: 1\n"), (["none", "none"], "", 2, "none: No such.*\n.*No such"),
+            (["--merge", "b", "empty", "a"], "1 0, 3 1 b:can1, 4 1.5 b:can0, 2 2 a:can1", 0, ""),
+            (["--merge", "later", "day"], "5 0, 6 0.5 later:vcan0", 0, ""), (["--merge", "head"], "", 1, "incomplete: 1"),
+            (["--merge", "a", "none", "early"], "8 0, 1 1 a:can0, 2 3 a:can1", 2, "none: No such file"),
+            (["--merge", "a", "day"], "", 2, "day: cannot be merged by time: it has times of day, .*a dates and times\n"),
+            (["--merge", "empty", "head", "a"], "", 2, "head: cannot be merged by time: it has no times\n"),
+            (["--bus", "early"], "8 0 can0", 0, ""),
+        ]
+        with tempfile.TemporaryDirectory() as folder:
+            for name, text in contents.items():
+                Path(folder, name).write_text(text, encoding="utf-8")
+            for given, expected, status, told in cases:
+                arguments = [each if each.startswith("-") else os.path.join(folder, each) for each in given]
+                result = vistel("decode", "--json", *arguments)
+                shown = [json.loads(line) for line in result.stdout.splitlines()]
+                shown = [f"{m['source']} {m['time']:g} {m.get('bus', '')}".rstrip() for m in shown]
+                self.assertEqual((", ".join(shown).replace(folder + "/", ""), result.returncode), (expected, status), given)
+                self.assertRegex(result.stderr, f"(?s){told}" if told else "^$", given)
+                if not shown and status == 2:
+                    self.assertEqual(vistel("decode", "--csv", *arguments).stdout, "", given)
+            both = [os.path.join(folder, name) for name in "ab"]
+            self.assertEqual(len(vistel("convert", "--to", "candump", *both).stdout.splitlines()), 4)
+            merged = csv.DictReader(io.StringIO(vistel("devices", "--csv", "--merge", *both).stdout))
+            self.assertEqual([row["bus"] for row in merged], [os.path.join(folder, bus) for bus in
+                                                              ("a:can0", "b:can1", "b:can0", "a:can1")])
+
+    def test_the_bus_of_a_message(self):
+        buses = "can0", 'x"y,\\z', "can0"  # with what forms have to quote
+        recording = "".join(f"(1.0) {bus} 09F11207#05102700FF7FFF7F\n" for bus in buses)
+        text, objects, rows = (vistel("decode", *form, stdin=recording).stdout for form in ([], ["--json"], ["--csv", "--bus"]))
+        self.assertEqual(re.findall("Vessel Heading(.*)", text), ["", f" [{buses[1]}]", " [can0]"])
+        self.assertEqual([json.loads(line).get("bus") for line in objects.splitlines()], [None, *buses[1:]])
+        self.assertEqual([row["bus"] for row in csv.DictReader(io.StringIO(rows)) if row["field"] == "1"], [*buses])
+        recording = "".join(map(label, HOSTILE))
+        without, rows = (list(csv.reader(io.StringIO(vistel("decode", "--csv", *more, stdin=recording).stdout, newline="")))
+                         for more in ([], ["--bus"]))
+        self.assertEqual(rows, [[*row, "0" if i > 0 else "bus"] for i, row in enumerate(without)])
+
     def test_losses_are_told(self):
         heading, first, later = "09F11207#05102700FF7FFF7F", "19F01423#0086010203040506", "19F01423#0186010203040506"
         for frames, told in [([first, heading], "messages that stayed incomplete: 1"),
@@ -334,6 +391,8 @@ class ProgramTest(unittest.TestCase):
             result = vistel("decode", "--stats", stdin="".join(f"(1.0) can0 {frame}\n" for frame in frames))
             self.assertEqual(result.returncode, 1)
             self.assertIn(f"vistel: {told}\n", result.stderr)
+        told = vistel("decode", "--stats", stdin=f"can0 {first}\n" * 3 + f"can0 {later.replace('#01', '#21')}\n" * 2).stderr
+        self.assertIn("lost or repeated frames: 23\n    126996 from source  35: 19 missing, 1 of no message, 3 repeated\n", told)
         other = UNKNOWN.replace(",9,", ",10,")
         told = vistel("decode", "--stats", stdin="# format=FAST\n" + UNKNOWN * 2 + other + HEADING).stderr
         self.assertIn("unknown PGNs: 3\n    128999 from source   9: 2\n    128999 from source  10: 1\n", told)
@@ -376,6 +435,25 @@ class ProgramTest(unittest.TestCase):
         result = vistel("decode", name)  # nobody listens
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn(f"vistel: {name}: ", result.stderr)
+
+    def test_a_live_source_is_recorded(self):
+        line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
+        with socket.create_server(("127.0.0.1", 0)) as server, tempfile.TemporaryDirectory() as folder:
+            server.settimeout(30)
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            file = Path(folder, "live.pcap")
+            with subprocess.Popen([VISTEL, "record", name, file], stderr=subprocess.PIPE) as process:
+                gateway, _ = server.accept()
+                with gateway:
+                    gateway.sendall(line * 3)
+                    while not file.exists() or file.stat().st_size < 3 * len(line):
+                        time.sleep(0.01)
+                    process.send_signal(signal.SIGINT)
+                    self.assertEqual(process.wait(timeout=30), 0)
+            shown = [json.loads(each) for each in vistel("decode", "--json", str(file)).stdout.splitlines()]
+        self.assertEqual([each["pgn"] for each in shown], [129025] * 3)
+        self.assertLess(abs(datetime.fromisoformat(shown[0]["absolute"]).timestamp() - time.time()), 60)
+        self.assertEqual(vistel("record", "none.log", "-").returncode, 2)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):

@@ -132,14 +132,14 @@ struct Cast {
         header.pgn = transport_protocol::data_pgn;
         for (unsigned i = 0; i < packets; ++i) {
             Bytes packet{static_cast<std::uint8_t>(i + 1)};
-            packet.insert(packet.end(), bytes.begin() + i * 7, bytes.begin() + std::min(i * 7 + 7, length));
+            for (unsigned at = i * 7; at < std::min(i * 7 + 7, length); ++at) packet.push_back(bytes[at]);
             packet.resize(8, 0xFF);
             pieces[letter + std::to_string(i + 1)] = frame(header, packet);
         }
     }
 
     /// Plays the words of a script: `+750` and `-750` move the clock by milliseconds, `noclock` switches it
-    /// off, `finish` ends the recording, `*4000` puts as many frames of others, any other word is the name of
+    /// off, `bus1` goes to another bus, `finish` ends the recording, `*4000` puts as many frames of others, any other word is the name of
     /// a piece.
     std::string outcome(const std::string& script) const {
         std::string delivered;
@@ -155,8 +155,10 @@ struct Cast {
             pieces_emitted += is_piece(msg);
             if (!is_piece(msg) && msg.source < 90) delivered += known == letters.end() ? '?' : known->second;
         });
+        std::uint8_t bus = 0;
         const auto put = [&](Record record) {
             record.time = now;
+            record.bus = bus;
             pieces_put += is_piece(record.msg);
             reassembler.put(record);
         };
@@ -170,6 +172,8 @@ struct Cast {
                           c.incomplete_fast_packets + c.incomplete_transports + c.orphan_frames);
             } else if (word == "noclock") {
                 now.origin = RecordTime::Origin::none;
+            } else if (word.starts_with("bus")) {
+                bus = static_cast<std::uint8_t>(std::stoi(word.substr(3)));
             } else if (word == "finish") {
                 reassembler.finish();
             } else if (word[0] == '*') {
@@ -235,6 +239,7 @@ TEST(Reassembly, OfScripts) {
         {"longer than possible", "huge a1 a2 a0 huge", "a 2 0 0"}, {"cut short", "lone empty short0 a1 a2", " 1 4 0"},
         {"nothing behind the end", "40 41 short42", "4 0 0 0"},
         {"beyond the end", "a0 beyond a1 a2 beyond", "a 0 2 0"}, {"as new after the end", "a0 a1 finish a2", " 1 1 0"},
+        {"the same on two buses", "a0 v! bus1 A0 v! bus0 a1 v1 v2 bus1 A1 A2 bus0 a2 v3 bus1 v1 v2 v3", "Aavv 0 0 0"},
         {"whole already", "message_6 70 message_6 71", "667 0 0 0"},
         // transport protocol
         {"the longest, backwards", "L!" + backwards('L', 255, 1), "L 0 0 0"},
@@ -320,7 +325,7 @@ class Simulation {
         send();
         for (auto late = line_.begin(); line_.end() - late > 4; ++late) {
             if (!chance(faults.late)) continue;
-            const auto overtaken = 1 + below(3);
+            const auto overtaken = static_cast<std::ptrdiff_t>(1 + below(3));
             std::rotate(late, late + 1, late + 1 + overtaken);
             late += overtaken;
         }

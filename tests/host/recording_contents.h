@@ -2,8 +2,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <iterator>
@@ -11,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/descriptors.h"
 #include "readers/recording.h"
 #include "text/hex.h"
 
@@ -77,14 +76,14 @@ enum class From { file, pipe };
 
 inline Contents read(std::string_view text, const std::string& format = "", From from = From::file,
                      ContentKind kind = ContentKind::as_it_seems) {
-    int ends[2] = {::memfd_create("recording", 0), -1};
+    int ends[2] = {open_nameless_file(), -1};
     std::thread writer;
     if (from == From::file) {
         write_all(ends[0], text);
         ::lseek(ends[0], 0, SEEK_SET);
     } else {
         ::close(ends[0]);
-        EXPECT_EQ(0, ::pipe(ends));
+        EXPECT_EQ(0, open_pipe(ends));
         writer = std::thread([&] { write_all(ends[1], text), ::close(ends[1]); });
     }
     Recording recording;

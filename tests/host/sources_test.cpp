@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "host/temporary_recording.h"
+#include "readers/stream_capture.h"
 #include "sources/can_reader.h"
 #include "sources/gateway.h"
 #include "sources/source.h"
@@ -315,6 +317,39 @@ TEST(Links, AreMadeAgainAndSaySoOnce) {
     EXPECT_GE(live.state.counters->attempts, 4u);
 }
 
+TEST(Links, AreRecordedWithTheirTimes) {
+    constexpr std::int64_t start = 1'777'887'000'123'456'789, later = start + 5'000'000'000;
+    std::string file;
+    begin_stream_capture(file);
+    append_stream_piece(file, start, raw_line.substr(0, 20));
+    append_stream_piece(file, start + 1, std::string(raw_line.substr(20)) + std::string(raw_line));
+    append_stream_piece(file, later, raw_line);
+    const std::vector<std::int64_t> times{start + 1, start + 1, later};
+    for (std::size_t size = 0; size <= file.size(); ++size) {  // cut anywhere
+        const test::TemporaryRecording cut(file.substr(0, size));
+        Recording recording;
+        ASSERT_TRUE(recording.open(cut.name()));
+        Record record;
+        std::vector<std::int64_t> read;
+        bool is_whole = true;
+        for (;;) {
+            const ReadResult result = recording.next(record);
+            if (result == ReadResult::end) break;
+            if (result == ReadResult::record && record.time.origin == RecordTime::Origin::epoch)
+                read.push_back(record.time.nanoseconds);
+            is_whole = is_whole && result != ReadResult::problem;
+        }
+        EXPECT_TRUE(
+            std::equal(read.begin(), read.end(), times.begin(), times.begin() + std::ptrdiff_t(read.size())));
+        if (size == file.size()) {
+            EXPECT_EQ(read, times);
+            EXPECT_TRUE(is_whole);
+        } else if (size > 40 && size != 60 && size != file.size() - raw_line.size() - 16) {
+            EXPECT_FALSE(is_whole) << size;
+        }
+    }
+}
+
 TEST(Links, ThatAreSilentForLongAreMadeAnew) {
     Bound server(SOCK_STREAM);
     Listening live("tcp://127.0.0.1:" + std::to_string(server.port), "", 50ms);
@@ -417,15 +452,17 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
     };
     auto port = std::make_shared<CanPort>(open, options);
     ASSERT_TRUE(port->open());
-    CanReader reader(port, {.patience_ms = 100});
+    Recording recording;
+    recording.attach(std::make_unique<CanReader>(port, RecordingOptions{.patience_ms = 100}), "socketcan");
+    EXPECT_EQ(std::tuple(recording.is_file(), recording.bytes_total(), recording.format_name()),
+              std::tuple(false, 0u, "socketcan"));
     Record record;
-    Problem problem;
     int frames = 0;
-    for (int i = 0; i < 30 && frames < 3; ++i) frames += reader.next(record, problem) == ReadResult::record;
+    for (int i = 0; i < 30 && frames < 3; ++i) frames += recording.next(record) == ReadResult::record;
     EXPECT_EQ(frames, 3);
     EXPECT_EQ(std::tuple(record.msg.pgn, record.msg.source, record.msg.length, record.time.nanoseconds),
               std::tuple(127250u, 0x23, 8, 123));
-    EXPECT_EQ(reader.foreign_frames(), 3u);
+    EXPECT_EQ(recording.foreign_frames(), 3u);
     const LinkCounters& counters = *port->counters();
     EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped_frames),
               std::tuple(1u, 2u, 3u, 14u));

@@ -211,7 +211,7 @@ TEST_F(MonitorDialog, CentresTheFilter) {
             last = std::max(last, x);
         }
     ASSERT_LT(first, last);
-    EXPECT_NEAR(first, area.width - 1 - last, 2);
+    EXPECT_NEAR(first, area.width - 1 - last, off_centre);
 }
 
 TEST(NativeParent, CarriesADialog) {

@@ -44,6 +44,8 @@ class HostPane final : public wxNativeContainerWindow {
 class Toolkit {
   public:
     Toolkit() {
+        const DWORD thread = GetCurrentThreadId();
+        window_hook_ = SetWindowsHookExW(WH_CBT, see_window, nullptr, thread);
         if (wxTheApp != nullptr) return;
         HINSTANCE module = nullptr;
         GetModuleHandleExW(
@@ -55,16 +57,15 @@ class Toolkit {
         if (!started_) return;
         loop_ = std::make_unique<wxGUIEventLoop>();
         wxEventLoopBase::SetActive(loop_.get());
-        const DWORD thread = GetCurrentThreadId();
         message_hook_ = SetWindowsHookExW(WH_GETMESSAGE, take_message, nullptr, thread);
-        window_hook_ = SetWindowsHookExW(WH_CBT, see_window, nullptr, thread);
     }
     ~Toolkit() {
         // Of a process that ends, other threads may be gone with what they had locked, and the host's
         // objects, too.
-        if (!started_ || is_process_ending()) return;
-        UnhookWindowsHookEx(message_hook_);
+        if (is_process_ending()) return;
         UnhookWindowsHookEx(window_hook_);
+        if (!started_) return;
+        UnhookWindowsHookEx(message_hook_);
         stop_idle_timer();
         wxEventLoopBase::SetActive(nullptr);
         while (HostPane* const pane = HostPane::find([](HWND) { return true; })) delete pane;

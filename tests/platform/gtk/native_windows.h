@@ -47,6 +47,9 @@ inline wxImage picture_of(const wxTopLevelWindow& window, const wxRect& area) {
     return picture;
 }
 
+/// How much more room, in pixels, a centred text may have on one side.
+constexpr int off_centre = 2;
+
 /// What the title bar's close button sends.
 inline void send_close(wxTopLevelWindow& window) {
     GdkEvent* const event = gdk_event_new(GDK_DELETE);

@@ -41,6 +41,9 @@ inline wxImage picture_of(const wxTopLevelWindow&, const wxRect& area) {
     return picture.ConvertToImage();
 }
 
+/// How much more room, in pixels, a centred text may have on one side: Wine's margins differ.
+constexpr int off_centre = 6;
+
 /// What the title bar's close button sends.
 inline void send_close(wxTopLevelWindow& window) {
     PostMessageW(window.GetHandle(), WM_SYSCOMMAND, SC_CLOSE, 0);

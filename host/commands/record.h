@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace vistel {
+
+struct RecordOptions {
+    std::string source;
+    std::string output;
+    double timeout = 30;  ///< seconds without traffic until that is told; 0 never
+};
+
+/// Keeps what a live source brings in a file that other commands read, until it is interrupted: the bytes of
+/// a gateway as they come, with their times, frames of a CAN interface as a capture. Returns the exit status.
+int run_record(const RecordOptions& options);
+
+}  // namespace vistel
