@@ -8,7 +8,7 @@ file(GLOB table_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/data/*.tsv
      ${CMAKE_CURRENT_SOURCE_DIR}/tools/tablegen/*.py)
 
 # Named, so that what includes a changed fragment is compiled in the same build.
-set(tables_fragments availability catalogued_formats corrected_fast_packet_ranges dd_class_0 dd_class_10000 dd_class_2436 df_conv_list
+set(tables_fragments analyzer_names analyzer_texts availability catalogued_formats corrected_fast_packet_ranges dd_class_0 dd_class_10000 dd_class_2436 df_conv_list
     df_conv_table dictionary_formats dictionary_table entry_sources enum_index enum_names enum_pairs enum_plans
     enum_sets enum_texts fast_packet_ranges field_extras field_note_index field_notes field_plans field_table
     format_class_table format_plans format_table listed_conditions listed_groups listed_messages listing_texts

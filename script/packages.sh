@@ -2,7 +2,7 @@
 # Debian packages, by purpose. Sourced by script/bootstrap. Configuring looks for the test and benchmark libraries too;
 # llvm-14 has the symbolizer, by whose names the leak check knows what it is to pass over.
 build_packages="cmake ninja-build g++ python3 pkg-config libcli11-dev libasio-dev zlib1g-dev liblzma-dev libzstd-dev
-    libbz2-dev libncurses-dev libwxgtk3.2-dev libgtk-3-dev libgtest-dev libgmock-dev libbenchmark-dev"
+    libbz2-dev nlohmann-json3-dev libncurses-dev libwxgtk3.2-dev libgtk-3-dev libgtest-dev libgmock-dev libbenchmark-dev"
 test_packages="clang-14 libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14 shellcheck pyflakes3
     xvfb xauth"
 # The 32-bit build needs a processor that has one.

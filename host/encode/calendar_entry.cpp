@@ -1,5 +1,6 @@
 #include "encode/calendar_entry.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "encode/number_entry.h"
@@ -33,10 +34,20 @@ std::optional<Clock> take_clock(std::string_view text) {
     return clock;
 }
 
+/// Times of day are sent in steps of which single precision gives many one value: the step that was typed.
+std::optional<std::uint64_t> step_of_day(const RawScale& scale, double seconds) {
+    constexpr double steps = 1e4, day = 86400, rounding = 0x1p-22;
+    if (!(seconds >= 0 && seconds <= day)) return {};
+    const auto raw = static_cast<std::uint64_t>(std::llround(seconds * steps));
+    const std::optional<double> value = scale.value_of(raw);
+    const bool is_it = value && std::fabs(*value - seconds) <= seconds * rounding;
+    return is_it ? std::optional(raw) : std::nullopt;
+}
+
 Status enter_in(FieldCell& cell, std::string_view text, double value, UnitId unit) {
     const RawScale scale = scale_of(cell, unit);
     if (scale.empty()) return failure("has no values that could be encoded");
-    const std::uint64_t raw = scale.nearest(value);
+    const std::uint64_t raw = step_of_day(scale, value).value_or(scale.nearest(value));
     cell.put(raw);
     if (scale.meets(raw, value)) return done;
     return failure(in_quotes(text), " is out of range: ", range_text(scale, unit));

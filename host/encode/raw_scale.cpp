@@ -56,7 +56,8 @@ RawScale::RawScale(Conversion value_of, int bits)
 void RawScale::find_runs(std::uint64_t first, std::uint64_t last) {
     constexpr int most = 3;  // an offset may wrap around once
     for (int i = 0; i < most; ++i) {
-        const std::optional<double> from = value_of_(first);
+        std::optional<double> from = value_of_(first);
+        if (!from && first < last) from = value_of_(++first);  // the first code may be none
         if (!from) return;
         const auto end_of = [&](bool rising) {
             return last_that(first, last, [&](std::uint64_t raw) {

@@ -20,6 +20,7 @@ Status Player::open() {
     link.tell = [this](const std::string& text) { notice_ = text; };
     auto opened = open_source(*recording, options_.file, how, link);
     if (!opened) return opened.error();
+    const PlayTime present = now();  // 0 before the first recording
     recording_ = std::move(recording);
     send_ = opened->send;
     paced_ = recording_->is_file() || (options_.speed.has_value() && !opened->is_live());
@@ -35,7 +36,7 @@ Status Player::open() {
     }
     has_record_ = ended_ = false;
     start_.reset();
-    continue_at(now());
+    continue_at(present);
     return done;
 }
 

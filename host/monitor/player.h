@@ -77,6 +77,7 @@ class Player {
     /// @}
 
     void set_speed(double speed);
+    void set_loop(bool loop) { options_.loop = loop; }
 
     /// Sends a single frame to the bus; see SourceState::send.
     Result<bool> send(const Record& frame) {

@@ -423,6 +423,9 @@ TEST(Encode, TypedFieldsOfCorrectedDefinitions) {
         // clang-format off
         // exact numbers
         {129025, "Latitude=52.5|Longitude=-0.0000001 \u00B0", "40DD4A1FFFFFFFFF"},
+        {126992, "Time=19:57:09.2736", "FFFFFFFF0047D02A"}, {126992, "Time=19:57:12.2", "FFFFFFFF50B9D02A"},
+        // below zero where the lowest code is none
+        {129029, "Altitude=-27.2 m", "FFFFFFFFFFFFFFFFFFFFFFFFFFFF7FFFFFFFFFFFFFFF7F00F660FEFFFFFFFFFFFFFFFF7FFF7FFFFFFF7F00"},
         // the variant that the fields fit, whose fixed bits are filled in or may be typed; another one's
         {65280, "Heave=-1.2 m|Manufacturer Code=Furuno", "3F9F50FBFFFFFFFF"},
         {65280, "Manufacturer Code=Furuno|Industry Code=Marine|Reserved=0", "3F87FFFFFF7FFFFF"},

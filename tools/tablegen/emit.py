@@ -2,6 +2,7 @@
 
 from types import SimpleNamespace as Row
 
+from analyzer import analyzer_fragments
 from corrected_plans import plan_corrected
 from listing import listing_fragments
 from plans import (escaped, factor_lines, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal)
@@ -95,6 +96,7 @@ def fragments(tables, overlay):
         "enum_index.inc": ("enums", plans.index_lines),
         "pgn_vistel/core/ids.h": ("", id_lines(tables)),
         **{name: ("corrections", lines) for name, lines in listing_fragments(corrected, plans).items()},
+        **{name: ("corrections", lines) for name, lines in analyzer_fragments(overlay, corrected).items()},
         **power_lines(),
     }
     classes = {row.dd: getattr(row, "class") for row in tables.disp_data_types}

@@ -9,7 +9,7 @@ from checks import MAX_FLAGS, MAX_FORM, check_ascending, check_packets, file_of
 from keys import key_of_label
 from plans import label_forms, pgn_forms
 from tables import (COLUMNS, DD, DECIMAL, FIELD, FLAGS, MAX_ENTRY, MAX_LABEL, MAX_NAME, MAX_PAYLOAD, MAX_U32, NO_KEY,
-                    PGN, ascii_text, choice, int_of, number, optional, read_lines, read_row, read_table, size,
+                    PGN, ascii_text, choice, field_key, int_of, number, optional, read_lines, read_row, read_table, size,
                     summarise)
 
 FOLDER = "corrections"
@@ -182,8 +182,11 @@ OVERLAY_COLUMNS = {
                     "reason": REASON},
     "dd_texts": {"dd": DD, "texts": texts, "reason": REASON},
     "left_out": {"pgn": optional(PGN), "field": optional(FIELD_NUMBERS), "what": REASON, "reason": REASON},
+    "analyzer_names": {"pgn": optional(PGN), "variant": str, "name": ascii_text(MAX_LABEL), "key": optional(field_key)},
+    "analyzer_texts": {"set": str, "value": number(0, MAX_U32), "text": ENTRY},
 }
-FILE_NAMES = {name: f"{name}.tsv" for name in OVERLAY_COLUMNS} | {"left_out": "left-out.tsv"}
+FILE_NAMES = {name: f"{name}.tsv" for name in OVERLAY_COLUMNS} | {
+    name: f"{name.replace('_', '-')}.tsv" for name in ("left_out", "analyzer_names", "analyzer_texts")}
 SET_COLUMNS = {"set": str, "name": SET_NAME, "kind": choice(*SET_KINDS)}
 ENTRY_COLUMNS = {"value": number(0, MAX_U32), "text": ENTRY, "source": SOURCE}
 KEY_COLUMNS = {"value": number(0, MAX_U32), "text": ENTRY, "coding": choice(*KEY_CODINGS),

@@ -6,6 +6,7 @@ import unittest
 from pathlib import Path
 from types import SimpleNamespace as Row
 
+from analyzer import analyzer_fragments
 from corrected import BadRow, corrected_messages
 from corrected_plans import plan_corrected
 from overlay import MOST_BITS, read_overlay
@@ -123,6 +124,32 @@ class SmallTest(unittest.TestCase):
         for rows, message in cases:
             with self.subTest(message), self.assertRaisesRegex(BadRow, rf"a\.tsv:\d+: .*{message}"):
                 self.one_message(*rows)
+
+    def analyzer(self, name, text):
+        overlay = self.overlay(**{"analyzer-names": lines("pgn variant name key", *name),
+                                  "analyzer-texts": lines("set value text", *text)})
+        return analyzer_fragments(overlay, plan_corrected(self.tables, overlay, make_plans(self.tables)))
+
+    def test_names_of_the_analyzer(self):
+        found = self.analyzer(["127250 - Heading~(x) deviation", "- - SID sequence_id", "127250 - Rest -"],
+                              ["117 1 Magnetic~North"])
+        self.assertEqual(found["analyzer_names.inc"],
+                         ['{0, "-", "sid", "sequence_id"},', '{127250, "-", "headingx", "deviation"},',
+                          '{127250, "-", "rest", ""},'])
+        self.assertEqual(found["analyzer_texts.inc"], ['{"117", "magnetic north", 1u},'])
+
+    def test_names_of_the_analyzer_that_cannot_be(self):
+        good = "127250 - Heading deviation"
+        for names, texts, message in (
+                (["127250 - Heading speed"], [], "names.tsv:2: no field has the key speed"),
+                (["- - Heading no_such"], [], "names.tsv:2: no field has the key no_such"),
+                (["- - Heading -"], [], "names.tsv:2: no field has the key -"),
+                (["127250 x Heading deviation"], [], "names.tsv:2: pgn 127250 has no variant x"),
+                ([good, "127250 - heading variation"], [], "names.tsv:3: stands twice"),
+                ([good], ["1117 1 Magnetic"], "texts.tsv:2: unknown set 1117"),
+                ([good], ["117 1 A", "117 2 a"], "texts.tsv:3: stands twice")):
+            with self.subTest(message), self.assertRaisesRegex(BadRow, message):
+                self.analyzer(names, texts or ["117 1 A"])
 
     def test_variants_in_the_order_in_which_they_are_tried(self):
         """Conditions first, then the base's, by message number before any, then what has no condition."""
