@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <initializer_list>
 #include <span>
 #include <variant>
@@ -244,6 +245,17 @@ struct TextColumn {
 /// More than this of a text is cut off.
 constexpr std::size_t widest = 28;
 
+/// Time stamps in which the bus would have carried more than it can are not those of the messages.
+bool are_times_real(const Network& network) {
+    return network.share(network.wire()).value_or(0) <= 1;
+}
+
+/// What is less than can be shown is not shown as nothing.
+std::string rate_text(double rate, int decimals) {
+    const double least = std::pow(10, -decimals);
+    return rate > 0 && rate < least / 2 ? "<" + fixed_text(least, decimals) : fixed_text(rate, decimals);
+}
+
 constexpr TextColumn text_columns[] = {
     {"Addr", true,
      [](const Network&, const Device& d) { return d.address ? std::to_string(*d.address) : std::string(); }},
@@ -260,14 +272,14 @@ constexpr TextColumn text_columns[] = {
     {"Msg/s", true,
      [](const Network& n, const Device& d) {
          const auto rates = n.rates(d.messages);
-         return rates ? fixed_text(rates->messages, 1) : std::string();
+         return rates && are_times_real(n) ? rate_text(rates->messages, 1) : std::string();
      }},
     {"Bus %", true,
      [](const Network& n, const Device& d) {
          const auto share = n.share(d.wire);
-         return share ? fixed_text(*share * 100, 2) : std::string();
+         return share && are_times_real(n) ? rate_text(*share * 100, 2) : std::string();
      }},
-    {"Notes", false, [](const Network&, const Device& d) { return notes_on(d); }},
+    {"Notes", false, [](const Network& n, const Device& d) { return notes_on(d, n.now()); }},
 };
 
 /// Characters of a UTF-8 text, as far as columns are about them.
@@ -275,7 +287,10 @@ std::size_t width_of(std::string_view text) {
     return static_cast<std::size_t>(std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
+/// With single blanks, and no more than `widest`: devices align their texts by blanks for displays.
 std::string cut(std::string text) {
+    const auto both_blank = [](char a, char b) { return a == ' ' && b == ' '; };
+    text.erase(std::unique(text.begin(), text.end(), both_blank), text.end());
     if (width_of(text) <= widest) return text;
     while (width_of(text) >= widest) text.pop_back();
     return text + "\u2026";
@@ -283,6 +298,7 @@ std::string cut(std::string text) {
 
 std::string devices_as_text(const Network& network, bool by_pgn) {
     const auto devices = network.devices();
+    const bool are_real = are_times_real(network);
     constexpr std::size_t count = std::size(text_columns);
     constexpr std::size_t notes = count - 1;  // the last column takes what it needs
     std::vector<std::array<std::string, count>> cells(devices.size() + 1);
@@ -310,17 +326,18 @@ std::string devices_as_text(const Network& network, bool by_pgn) {
             const auto rates = network.rates(tally.messages);
             out += concat("      ", pgn == Device::other_pgns ? "" : std::to_string(pgn) + " ",
                           pgn_label(pgn, tally), ": ", tally.messages.total.messages);
-            if (rates)
+            if (rates && are_real)
                 out += concat(" (", fixed_text(rates->messages, 2), " a second, ",
                               fixed_text(rates->bytes, 0), " bytes)");
             out += '\n';
         }
     }
-    const auto rates = network.rates(network.messages());
-    const auto share = network.share(network.wire());
+    const auto rates = are_real ? network.rates(network.messages()) : std::nullopt;
+    const auto share = are_real ? network.share(network.wire()) : std::nullopt;
     out += concat("Devices: ", devices.size());
     if (rates) out += concat(", messages a second: ", fixed_text(rates->messages, 1));
     if (share) out += concat(", ", fixed_text(*share * 100, 1), " % of the bus");
+    if (!are_real) out += ", no rates: more messages in the time than a bus can carry";
     return out + '\n';
 }
 

@@ -62,7 +62,7 @@ std::vector<DeviceRow> Traffic::devices() const {
             const auto rates = network.rates(device->messages);
             rows.push_back({bus, device->name, device->address, title_of(*device), device->product.model,
                             device->parts.function.text, rates ? rates->messages : 0,
-                            network.share(device->wire), notes_on(*device)});
+                            network.share(device->wire), notes_on(*device, network.now())});
         }
     return rows;
 }

@@ -1,5 +1,7 @@
 #include "network/device.h"
 
+#include <algorithm>
+
 #include "pgn_vistel/core/decode.h"
 #include "text/words.h"
 
@@ -67,7 +69,25 @@ std::string title_of(const Device& device) {
     return title + what;
 }
 
-std::string notes_on(const Device& device) {
+namespace {
+
+/// For how long it was not heard of, in seconds; nothing where that is not known.
+std::optional<double> silence_of(const Device& device, const std::optional<RecordTime>& now) {
+    if (!now || !device.last_seen || now->origin != device.last_seen->origin) return {};
+    return (static_cast<double>(now->nanoseconds) - static_cast<double>(device.last_seen->nanoseconds)) *
+           1e-9;
+}
+
+std::string duration_text(double seconds) {
+    constexpr double minute = 60, hour = 60 * minute;
+    const auto whole = [](double number) { return static_cast<std::uint64_t>(number); };
+    if (seconds < 2 * minute) return concat(whole(seconds), " s");
+    return seconds < 2 * hour ? concat(whole(seconds / minute), " min") : concat(whole(seconds / hour), " h");
+}
+
+}  // namespace
+
+std::string notes_on(const Device& device, const std::optional<RecordTime>& now) {
     std::string notes;
     const auto add = [&notes](const auto&... parts) { notes += concat(notes.empty() ? "" : ", ", parts...); };
     switch (device.state) {
@@ -78,7 +98,17 @@ std::string notes_on(const Device& device) {
     }
     if (device.commanded && device.commanded != device.address)
         add("told to take ", unsigned{*device.commanded});
-    if (device.conflicts > 0) add("conflicts: ", device.conflicts);
+    if (device.conflicts > 0) add("address conflicts: ", device.conflicts);
+    constexpr double usual_heartbeat = 60;  // seconds
+    const double patience = std::max(usual_heartbeat, 2 * device.heartbeat.interval.value_or(0));
+    const auto silence = silence_of(device, now);
+    if (device.address && silence && *silence > patience) add("silent for ", duration_text(*silence));
+    // 0 is as it should be, 3 not available.
+    for (const Code* const code :
+         {&device.heartbeat.controller_1, &device.heartbeat.controller_2, &device.heartbeat.equipment})
+        if (code->number == 1 || code->number == 2)
+            add(code == &device.heartbeat.equipment ? "equipment: " : "bus controller: ",
+                text_or_number(*code));
     if (device.lost > 0) add("lost: ", device.lost);
     return notes;
 }

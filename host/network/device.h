@@ -147,8 +147,9 @@ struct Device {
 /// nothing is known of it.
 std::string title_of(const Device& device);
 
-/// What is not as it should be with a device, "displaced from 3, lost: 2". Empty where all is well.
-std::string notes_on(const Device& device);
+/// What is not as it should be with a device, "displaced from 3, lost: 2", by the time of the records. Empty
+/// where all is well.
+std::string notes_on(const Device& device, const std::optional<RecordTime>& now);
 
 /// The text of a code, or its number where that has none. Empty for neither.
 std::string text_or_number(const Code& code);

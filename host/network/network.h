@@ -65,6 +65,8 @@ class Network {
     /// @}
 
     const std::optional<RecordTime>& first() const { return first_; }
+    /// The time that the records have come to.
+    std::optional<RecordTime> now() const { return first_ ? std::optional(latest_) : std::nullopt; }
 
     static constexpr std::size_t most_devices = 512;  ///< one an address, and as many without
 

@@ -132,6 +132,27 @@ TEST(Network, ReadsWhatDevicesSayOfThemselves) {
     EXPECT_FALSE(device.receives);
 }
 
+TEST(Network, NotesWhatIsNotAsItShouldBe) {
+    Bus bus;
+    const auto notes = [&bus] { return notes_on(*bus.network.devices().at(0), bus.network.now()); };
+    bus.put(60928, 35, name_of('a'));
+    bus.put(126993, 35, {0x60, 0xEA, 7, 0xFC, 0xFF, 0xFF, 0xFF, 0xFF});  // every 60 s
+    EXPECT_EQ(notes(), "");
+    bus.now += 119 * second;
+    bus.put(127250, 36, Bytes(8));
+    EXPECT_EQ(notes(), "");
+    bus.now += 2 * second;
+    bus.put(127250, 36, Bytes(8));
+    EXPECT_EQ(notes(), "silent for 2 min");
+    bus.put(60928, 35, name_of('b'));
+    bus.put(60928, 35, name_of('a'));
+    bus.put(126993, 35, {0x60, 0xEA, 7, 0xD9, 0xFF, 0xFF, 0xFF, 0xFF});
+    bus.network.count_lost(35, 2);
+    EXPECT_EQ(notes(),
+              "address conflicts: 2, bus controller: Error passive, bus controller: Bus off, equipment: "
+              "Fault, lost: 2");
+}
+
 TEST(Network, CountsInTheTimeOfTheRecords) {
     Bus bus;
     EXPECT_FALSE(bus.network.seconds());

@@ -321,6 +321,8 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(["" if value is None else str(value) for value in [*device.values()][:-1]], [*row.values()])
         self.assertEqual([(row["address"], row["pgn"], row["messages"]) for row in csv.DictReader(io.StringIO(by_pgn))],
                          [("7", "127250", "1"), ("35", "60928", "1"), ("35", "126996", "1")])
+        fast = "".join(f"{second},2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n" for second in ("00:00:00", "00:00:00.000001"))
+        self.assertIn(", no rates: ", vistel("devices", "--pgns", stdin=fast).stdout)
         with subprocess.Popen([VISTEL, "devices", "--every", "0.1"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, encoding="utf-8") as process:
             process.stdin.write(HEADING)
