@@ -28,7 +28,10 @@ constexpr auto definitions = pgn_vistel::core::Definitions::corrected;
 /// One run over recordings or a live source.
 class Watching {
   public:
-    explicit Watching(const DevicesOptions& options) : options_(options) {}
+    explicit Watching(const DevicesOptions& options) : options_(options) {
+        reassembler_.tell_lost(
+            [this](std::uint8_t bus, std::uint8_t source) { networks_[bus].count_lost(source, 1); });
+    }
 
     int run();
 

@@ -22,13 +22,16 @@ Status Player::open() {
     const PlayTime present = now();  // 0 before the first recording
     recording_ = std::move(recording);
     paced_ = recording_->is_file() || (options_.speed.has_value() && !opened->is_live());
-    if (!reassembler_)
+    if (!reassembler_) {
         reassembler_ = std::make_unique<Reassembler>(
             [this](const N2KMsg& msg, const RecordTime& time) {
                 ++counters_.messages;
                 listener_->on_message(msg, time, record_.bus, record_played_);
             },
             options_.definitions);
+        reassembler_->tell_lost(
+            [this](std::uint8_t bus, std::uint8_t source) { listener_->on_lost(bus, source); });
+    }
     has_record_ = ended_ = false;
     start_.reset();
     continue_at(present);

@@ -37,6 +37,8 @@ class PlayListener {
     virtual void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) = 0;
     /// Behind the messages that the record completed.
     virtual void on_record(const Record& record) { (void)record; }
+    /// A message of this source stays incomplete.
+    virtual void on_lost(std::uint8_t bus, std::uint8_t source) { (void)bus, (void)source; }
 };
 
 /// Plays a recording in its own time, or a live source as it comes. Never waits: `advance` takes what is due.

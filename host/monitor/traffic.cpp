@@ -19,6 +19,10 @@ void Traffic::on_record(const Record& record) {
     networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 
+void Traffic::on_lost(std::uint8_t bus, std::uint8_t source) {
+    networks_[bus].count_lost(source, 1);
+}
+
 void Traffic::advance() {
     player_.advance(*this);
     const PlayTime present = player_.now();

@@ -53,6 +53,7 @@ class Traffic final : public PlayListener {
 
     void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
     void on_record(const Record& record) override;
+    void on_lost(std::uint8_t bus, std::uint8_t source) override;
 
   private:
     Player& player_;

@@ -3,7 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 
 #include "reassembly/counters.h"
 
@@ -24,13 +26,16 @@ class Losses {
 
     explicit Losses(ReassemblyCounters& counters) : counters_(counters) {}
 
+    /// Tells the source of every message that stays incomplete.
+    void tell(std::function<void(std::uint8_t source)> incomplete) { incomplete_ = std::move(incomplete); }
+
     void incomplete_fast_packet(std::uint32_t pgn, std::uint8_t source, unsigned missing) {
         ++counters_.incomplete_fast_packets;
-        entry(pgn, source).missing += missing;
+        incomplete(pgn, source, missing);
     }
     void incomplete_transport(std::uint32_t pgn, std::uint8_t source, unsigned missing) {
         ++counters_.incomplete_transports;
-        entry(pgn, source).missing += missing;
+        incomplete(pgn, source, missing);
     }
     void orphans(std::uint32_t pgn, std::uint8_t source, unsigned frames = 1) {
         counters_.orphan_frames += frames;
@@ -47,6 +52,10 @@ class Losses {
     const Entry& others() const { return others_; }
 
   private:
+    void incomplete(std::uint32_t pgn, std::uint8_t source, unsigned missing) {
+        entry(pgn, source).missing += missing;
+        if (incomplete_) incomplete_(source);
+    }
     Entry& entry(std::uint32_t pgn, std::uint8_t source) {
         for (std::size_t i = 0; i < size_; ++i)
             if (entries_[i].pgn == pgn && entries_[i].source == source) return entries_[i];
@@ -55,6 +64,7 @@ class Losses {
     }
 
     ReassemblyCounters& counters_;
+    std::function<void(std::uint8_t source)> incomplete_;
     std::size_t size_ = 0;
     std::array<Entry, 512> entries_;  // a broken stream may hold any number
     Entry others_{};

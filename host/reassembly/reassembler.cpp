@@ -47,12 +47,13 @@ void Reassembler::put(const Record& record) {
 }
 
 void Reassembler::finish() {
-    for (const std::unique_ptr<Bus>& each : buses_) {
-        if (!each) continue;
-        each->fast_packets.finish();
-        each->transports.finish();
-        each->clocks = {};
-        each->frames = 0;
+    for (std::size_t number = 0; number < buses_.size(); ++number) {
+        if (!buses_[number]) continue;
+        change_bus(static_cast<std::uint8_t>(number));
+        current_->fast_packets.finish();
+        current_->transports.finish();
+        current_->clocks = {};
+        current_->frames = 0;
     }
 }
 

@@ -33,6 +33,13 @@ class Reassembler {
     Reassembler(const Reassembler&) = delete;
     Reassembler& operator=(const Reassembler&) = delete;
 
+    /// Tells the bus and the source of every message that stays incomplete, out of put() and finish().
+    void tell_lost(std::function<void(std::uint8_t bus, std::uint8_t source)> lost) {
+        losses_.tell([this, lost = std::move(lost)](std::uint8_t source) {
+            lost(static_cast<std::uint8_t>(current_number_), source);
+        });
+    }
+
     void put(const Record& record);
 
     /// Counts what is still open as incomplete. The reassembler is then as new, but for its counters.

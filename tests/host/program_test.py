@@ -393,6 +393,11 @@ class ProgramTest(unittest.TestCase):
             result = vistel("decode", "--stats", stdin="".join(f"(1.0) can0 {frame}\n" for frame in frames))
             self.assertEqual(result.returncode, 1)
             self.assertIn(f"vistel: {told}\n", result.stderr)
+        # A message begun again, and one that the end cuts off, each on a bus of its own.
+        frames = f"(1.0) can0 {first}\n(1.1) can0 {first.replace('#00', '#20')}\n(1.2) can1 {first.replace('23#', '24#')}\n"
+        devices = map(json.loads, vistel("devices", "--json", stdin=frames * 2).stdout.splitlines())
+        self.assertEqual([(d["bus"], d["address"], d["lost_messages"]) for d in devices],
+                         [("can0", 0x23, 2), ("can1", 0x24, 1)])
         told = vistel("decode", "--stats", stdin=f"can0 {first}\n" * 3 + f"can0 {later.replace('#01', '#21')}\n" * 2).stderr
         self.assertIn("lost or repeated frames: 23\n    126996 from source  35: 19 missing, 1 of no message, 3 repeated\n", told)
         other = UNKNOWN.replace(",9,", ",10,")

@@ -123,6 +123,16 @@ TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
     EXPECT_THAT(shown.line(2), StartsWith(" 2001 Engine Gateway"));
 }
 
+TEST(Top, CountsTheLossesOfADevice) {
+    Shown shown("(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n");
+    shown.turn(0ms);
+    shown.turn(1000ms);
+    shown.turn(1000ms);
+    shown.type("d");
+    EXPECT_THAT(shown.all(), HasSubstr(" unknown at 35, lost: 1 "));
+    EXPECT_THAT(shown.all(), HasSubstr(" unknown at 7  "));
+}
+
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
     Shown shown("nonsense that is no recording\n");
     shown.turn(0ms);
