@@ -78,7 +78,7 @@ MessagePane::MessagePane(wxWindow* parent) : wxPanel(parent) {
     auto* const halves = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                               wxSP_LIVE_UPDATE | wxSP_3DSASH);
     fields_ = new TextTable(halves,
-                            {{"Field", 170}, {"Value", 170}, {"Raw", 90, true}, {"Bits", 60}, {"Bytes", 120}},
+                            {{"Field", 160}, {"Value", 140}, {"Raw", 70, true}, {"Bits", 55}, {"Bytes", 90}},
                             wxLC_SINGLE_SEL);
     auto* const right = new wxPanel(halves);
     description_ = new wxTextCtrl(right, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
@@ -114,8 +114,12 @@ void MessagePane::show(const Stream& stream, const core::UnitSelection& units,
     const bool is_another = order_ != stream.order();
     order_ = stream.order();
     fields_->set_rows(std::move(rows));
-    if (is_another && !fields_->rows().empty()) fields_->select(0, true);
+    if (is_another) choose(0);
     describe(stream, units, definitions);
+}
+
+void MessagePane::choose(std::size_t field) {
+    if (field < fields_->rows().size()) fields_->select(field, true);
 }
 
 void MessagePane::describe(const Stream& stream, const core::UnitSelection& units,

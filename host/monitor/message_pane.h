@@ -24,6 +24,8 @@ class MessagePane : public wxPanel {
     /// Shows the latest message of a stream; of another stream than before from its first field on.
     void show(const Stream& stream, const pgn_vistel::core::UnitSelection& units,
               pgn_vistel::core::Definitions definitions);
+    /// Chooses the field at a position, from 0.
+    void choose(std::size_t field);
 
   private:
     void describe(const Stream& stream, const pgn_vistel::core::UnitSelection& units,

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "commands/unit_options.h"
 #include "output/unit_names.h"
@@ -86,12 +87,11 @@ wxString choice_text(UnitId unit) {
     return text.empty() ? wxString("as a number") : wxString::FromUTF8(text);
 }
 
-constexpr int most_bits = 64;
+constexpr int most_bits = 64, usual_width = 16;
 
 /// A number that is a likely value in most fields of this width: a tenth of what they hold.
 std::uint64_t likely_number(DispDataType q, int bits) {
     constexpr std::uint64_t room_temperature = 29315, today = 20600;  // in 0.01 K and days
-    constexpr int usual_width = 16;
     if (q == quantity::temperature && bits == usual_width) return room_temperature;
     if (q == quantity::date && bits == usual_width) return today;
     constexpr std::uint64_t tenth = 10;
@@ -109,7 +109,7 @@ std::string quantity_title(DispDataType q) {
 }
 
 std::string example_of(DispDataType q, UnitId unit) {
-    // A field for each quantity, as wide as it goes.
+    // A field for each quantity, as near to the usual width as there is one.
     static const auto samples = [] {
         std::array<const core::FieldDef*, quantity::count> found{};
         std::array<int, quantity::count> widths{};
@@ -122,7 +122,9 @@ std::string example_of(DispDataType q, UnitId unit) {
             const int width = reading.next.byte * 8 + reading.next.bit;
             if (!core::is_quantity(reading.quantity) || width > most_bits) continue;
             const auto at = static_cast<std::size_t>(reading.quantity);
-            if (width > widths[at]) widths[at] = width, found[at] = &field;
+            const auto distance = [](int bits) { return std::abs(bits - usual_width); };
+            if (found[at] == nullptr || distance(width) < distance(widths[at]))
+                widths[at] = width, found[at] = &field;
         }
         return std::pair(found, widths);
     }();

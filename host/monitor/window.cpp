@@ -121,7 +121,9 @@ MonitorWindow::MonitorWindow(Options options)
     show_status();
 }
 
-MonitorWindow::~MonitorWindow() = default;
+MonitorWindow::~MonitorWindow() {
+    if (GetMenuBar() == nullptr) delete menu_bar_;
+}
 
 // ---- building ----
 
@@ -154,7 +156,7 @@ void MonitorWindow::build_controls() {
     auto* const sides =
         new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
     device_table_ =
-        new TextTable(sides, {{"Addr", 42, true}, {"Device", 170}, {"Msg/s", 52, true}, {"State", 120}});
+        new TextTable(sides, {{"Addr", 42, true}, {"Device", 175}, {"Msg/s", 52, true}, {"State", 120}});
     const auto on_choice = [this](wxListEvent& event) {
         if (!is_choosing_) CallAfter([this] { choose_devices(); });
         event.Skip();
@@ -176,7 +178,7 @@ void MonitorWindow::build_controls() {
     halves_->SetMinimumPaneSize(FromDIP(80));
     halves_->SetSashGravity(0.6);
     sides->SetMinimumPaneSize(FromDIP(60));
-    sides->SplitVertically(device_table_, halves_, FromDIP(300));
+    sides->SplitVertically(device_table_, halves_, FromDIP(350));
     player_bar_ = new PlayerBar(all, {[this](double place) {
                                           traffic_->seek(place);
                                           take_new_streams();
@@ -193,7 +195,10 @@ void MonitorWindow::build_controls() {
     wxTreeCtrl& control = tree_->control();
     control.Bind(wxEVT_TREE_ITEM_ACTIVATED, [this](wxTreeEvent&) { open_message(); });
     control.Bind(wxEVT_TREE_SEL_CHANGED, [this](wxTreeEvent& event) {
-        CallAfter([this] { show_message(); });
+        CallAfter([this] {
+            show_message();
+            if (const auto field = tree_->selected_field()) message_->choose(*field);
+        });
         event.Skip();
     });
     control.Bind(wxEVT_TREE_ITEM_MENU, [this](wxTreeEvent& event) { show_context_menu(event); });
@@ -281,7 +286,16 @@ void MonitorWindow::build_menu() {
     bar->Append(view, "&View");
     bar->Append(playing, "&Play");
     bar->Append(help, "&Help");
-    SetMenuBar(bar);
+    menu_bar_ = bar;
+    // Not before it is drawn: GTK allocates the menu bar of a window that is not there yet no room, and
+    // warns.
+    tree_->control().Bind(wxEVT_PAINT, [this](wxPaintEvent& event) {
+        if (GetMenuBar() == nullptr)
+            CallAfter([this] {
+                if (GetMenuBar() == nullptr) SetMenuBar(menu_bar_);
+            });
+        event.Skip();
+    });
     Bind(
         wxEVT_MENU,
         [this](wxCommandEvent& event) {
@@ -304,7 +318,7 @@ void MonitorWindow::place() {
     const int display = last.IsEmpty() ? wxNOT_FOUND : wxDisplay::GetFromPoint(last.GetPosition());
     const wxRect screen =
         wxDisplay(display != wxNOT_FOUND ? static_cast<unsigned>(display) : 0).GetClientArea();
-    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1000, 720)) : last.GetSize();
+    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1120, 740)) : last.GetSize();
     size.IncTo(GetMinSize());
     size.DecTo(screen.GetSize());
     SetSize(size);
@@ -334,7 +348,7 @@ void MonitorWindow::play(std::unique_ptr<Player> player) {
     told_problem_.clear();
     problems_->Dismiss();
     pause_->SetValue(false);
-    GetMenuBar()->Check(id_pause, false);
+    menu_bar_->Check(id_pause, false);
     player_bar_->use(*player_);
     Layout();
     player_bar_->GetParent()->Layout();
@@ -542,7 +556,7 @@ void MonitorWindow::show_problems() {
 
 void MonitorWindow::pause(bool paused) {
     pause_->SetValue(paused);
-    GetMenuBar()->Check(id_pause, paused);
+    menu_bar_->Check(id_pause, paused);
     if (!traffic_) return;
     traffic_->pause(paused);
     // While a live source is paused the streams are others, of which there may be fewer.
@@ -586,6 +600,7 @@ void MonitorWindow::open_message() {
     if (tree_->selected() == nullptr) return;
     if (!halves_->IsSplit()) halves_->SplitHorizontally(halves_->GetWindow1(), message_, -FromDIP(240));
     show_message();
+    if (const auto field = tree_->selected_field()) message_->choose(*field);
 }
 
 void MonitorWindow::find_next() {

@@ -105,6 +105,7 @@ class MonitorWindow : public wxFrame {
     MessagePane* message_ = nullptr;
     PlayerBar* player_bar_ = nullptr;
     UnitWindow* unit_window_ = nullptr;
+    wxMenuBar* menu_bar_ = nullptr;
     wxMenu* recent_ = nullptr;
 
     std::vector<const Stream*> streams_;  // all, in the order of their appearance
