@@ -172,8 +172,7 @@ TEST(Window, RemembersWhatItIsTold) {
     EXPECT_EQ(read.recent.front(), "tcp://host:9");
     EXPECT_EQ(read.recent.size(), Settings::most_recent);
     EXPECT_EQ(read.units[pgn_vistel::core::quantity::depth], pgn_vistel::core::unit::m);
-    EXPECT_EQ(read.units[pgn_vistel::core::quantity::speed],
-              default_unit(pgn_vistel::core::quantity::speed));
+    EXPECT_EQ(read.units[pgn_vistel::core::quantity::speed], default_unit(pgn_vistel::core::quantity::speed));
     wxRemoveFile(file);
 }
 
