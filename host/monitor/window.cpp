@@ -110,7 +110,7 @@ MonitorWindow::MonitorWindow(Options options)
     build_menu();
     CreateStatusBar();
     show_recent();
-    apply(units());
+    apply(options_.units.value_or(options_.settings.units));
     place();
     Bind(wxEVT_TIMER, [this](wxTimerEvent&) { show_frame(); });
     Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
@@ -253,8 +253,10 @@ void MonitorWindow::build_menu() {
     });
     add(*view, id_units, "&Units...\tCtrl+U", [this] {
         if (unit_window_ == nullptr)
-            unit_window_ =
-                new UnitWindow(this, units(), [this](const core::UnitSelection& picked) { apply(picked); });
+            unit_window_ = new UnitWindow(this, units(), [this](const core::UnitSelection& picked) {
+                options_.settings.units = picked;
+                apply(picked);
+            });
         unit_window_->load(units());
         unit_window_->Show();
         unit_window_->Raise();
@@ -573,8 +575,11 @@ void MonitorWindow::pause(bool paused) {
     show_status();
 }
 
-void MonitorWindow::apply(const core::UnitSelection& units) {
-    options_.settings.units = units;
+void MonitorWindow::apply(core::UnitSelection units) {
+    // Trees take the units of the text interface, which has no kelvin.
+    if (units[core::quantity::temperature] == core::unit::kelvin)
+        units.select(core::quantity::temperature, core::unit::celsius);
+    units_ = units;
     tree_->set_units(units);
     if (!traffic_) return;
     tree_->refresh(traffic_->now(), false);
