@@ -96,6 +96,9 @@ void add_devices(CLI::App& app, Arguments& arguments) {
     add_input(*command, options.input);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a device");
     command->add_flag("--csv", arguments.csv, "One CSV row a device")->excludes(json);
+    command->add_flag(
+        "--ask", options.input.sends,
+        "Ask the devices of a live source for what they have not said; otherwise nothing is sent");
     command->add_flag("--pgns", options.by_pgn, "What each device sends, too, by PGN");
     command
         ->add_option("--every", options.every,

@@ -12,6 +12,7 @@
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
 #include "commands/reading.h"
+#include "network/questions.h"
 #include "output/sink.h"
 #include "reassembly/reassembler.h"
 
@@ -24,6 +25,10 @@ using namespace std::chrono_literals;
 constexpr auto rate_period = 10s;  // rates are those of one to two of them
 
 constexpr auto definitions = pgn_vistel::core::Definitions::corrected;
+
+std::int64_t nanoseconds(std::chrono::steady_clock::time_point time) {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
+}
 
 /// One run over recordings or a live source.
 class Watching {
@@ -51,6 +56,10 @@ class Watching {
     Network* network_ = nullptr;                // of the record at hand
     Reassembler reassembler_{[this](const N2KMsg& msg, const RecordTime& time) { network_->put(msg, time); },
                              definitions};
+    BusQuestions questions_{[this](std::uint8_t bus, const N2KMsg& frame) {
+        Record question{.kind = record_.kind, .bus = bus, .msg = frame, .time = {}};
+        return reading_.send(question);
+    }};
     Sink out_{STDOUT_FILENO};
     Clock::duration period_{};  // of printing, 0 for once
     Clock::time_point next_, next_turn_;
@@ -111,9 +120,13 @@ int Watching::run() {
                 more = false;
                 break;
         }
+        if (options_.input.sends && reading_.is_live())
+            questions_.advance(networks_, nanoseconds(Clock::now()));
         refresh();
     }
     if (!reading_.has_begun()) return EXIT_FAILED;
+    if (options_.input.sends && !reading_.is_live())
+        std::fputs("vistel: nobody can be asked: that needs a live source\n", stderr);
     reading_.clear_progress();
     print();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;

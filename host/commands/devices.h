@@ -6,7 +6,7 @@
 namespace vistel {
 
 struct DevicesOptions {
-    InputOptions input;
+    InputOptions input;  ///< `sends`: devices are asked for what they have not said
     TableForm form = TableForm::text;
     bool by_pgn = false;  ///< what each device sends, too
     /// Seconds after which the table is printed again while a live source goes on; 0 for once, at its end.

@@ -13,6 +13,7 @@ struct InputOptions {
     std::string format;                               ///< name of a format; empty to recognise each
     ContentKind contents = ContentKind::as_it_seems;  ///< for formats that do not tell
     bool merge = false;                               ///< by time, instead of one after the other
+    bool sends = false;                               ///< frames are going to be sent to live sources
     double timeout = 30;  ///< seconds without traffic until a live source says so; 0 never
 };
 

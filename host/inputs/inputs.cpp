@@ -75,6 +75,7 @@ bool Inputs::open_next() {
     auto input = std::make_unique<Input>(opened_++);
     LinkOptions link;
     link.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options_.timeout * 1000));
+    link.sends = options_.sends;
     link.tell = [this, place = input->place](const std::string& text) {
         if (hooks_.tell) hooks_.tell(concat("vistel: ", names_[place], ": ", text));
     };
@@ -87,6 +88,7 @@ bool Inputs::open_next() {
     if (!any_open_)
         bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
     any_open_ = true;
+    input->send = opened->send;
     open_.push_back(std::move(input));
     return true;
 }
@@ -184,6 +186,21 @@ std::uint8_t Inputs::add_bus(const Input& input, std::uint8_t number) {
     constexpr std::size_t most = 256;
     if (buses_.size() < most) buses_.push_back(std::move(bus));
     return static_cast<std::uint8_t>(buses_.size() - 1);
+}
+
+// ---- the way back ----
+
+bool Inputs::send(Record frame) {
+    for (const auto& input : open_) {
+        const auto bus = std::ranges::find(input->buses, std::int16_t{frame.bus});
+        if (bus == input->buses.end() || !input->send) continue;
+        frame.bus = static_cast<std::uint8_t>(bus - input->buses.begin());
+        auto sent = input->send(frame);
+        if (sent) return *sent;
+        if (hooks_.tell) hooks_.tell(concat("vistel: ", names_[input->place], ": ", sent.error().text));
+        input->send = {};
+    }
+    return false;
 }
 
 // ---- what came of them ----

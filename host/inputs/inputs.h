@@ -72,6 +72,11 @@ class Inputs {
     std::uint64_t bytes_total() const { return bytes_total_; }  ///< 0 when unknown; told from `begins` on
     std::uint64_t foreign_frames() const;
 
+    /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
+    /// possible, at present or ever, which `tell` is told. `kind` is that of the records that come from
+    /// there.
+    bool send(Record frame);
+
     /// What became of the live sources among them.
     const std::vector<std::shared_ptr<const LinkCounters>>& links() const { return links_; }
 
@@ -84,6 +89,7 @@ class Inputs {
 
         const std::size_t place;  // among the names
         Recording recording;
+        std::function<Result<bool>(const Record&)> send;  // to its bus, where it can
         std::array<std::int16_t, 256> buses;  // their numbers over all inputs, -1 for those not met yet
 
         // of merged ones

@@ -16,11 +16,13 @@ Status Player::open() {
     how.contents = options_.contents;
     how.patience_ms = 0;
     LinkOptions link;
+    link.sends = options_.sends;
     link.tell = [this](const std::string& text) { notice_ = text; };
     auto opened = open_source(*recording, options_.file, how, link);
     if (!opened) return opened.error();
     const PlayTime present = now();  // 0 before the first recording
     recording_ = std::move(recording);
+    send_ = opened->send;
     paced_ = recording_->is_file() || (options_.speed.has_value() && !opened->is_live());
     if (!reassembler_) {
         reassembler_ = std::make_unique<Reassembler>(

@@ -20,6 +20,7 @@ struct PlayOptions {
     ContentKind contents = ContentKind::as_it_seems;
     std::optional<double> speed;  ///< times a recording's own pace; 0 as fast as the display can
     bool loop = false;
+    bool sends = false;  ///< frames are going to be sent to a live source
     pgn_vistel::core::Definitions definitions = pgn_vistel::core::Definitions::corrected;
 };
 
@@ -78,6 +79,12 @@ class Player {
     void set_speed(double speed);
     void set_loop(bool loop) { options_.loop = loop; }
 
+    /// Sends a single frame to the bus; see SourceState::send.
+    Result<bool> send(const Record& frame) {
+        if (send_) return send_(frame);
+        return Failure{"only a live source can be sent something"};
+    }
+
     const PlayCounters& counters() const { return counters_; }
     /// What went wrong first, with its place; empty as long as nothing did.
     const std::string& first_problem() const { return first_problem_; }
@@ -102,6 +109,7 @@ class Player {
     PlayOptions options_;
     Now clock_;
     std::unique_ptr<Recording> recording_;
+    std::function<Result<bool>(const Record& frame)> send_;
     std::unique_ptr<Reassembler> reassembler_;
     PlayListener* listener_ = nullptr;
     Record record_;

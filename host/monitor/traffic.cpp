@@ -16,6 +16,7 @@ void Traffic::on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t
 }
 
 void Traffic::on_record(const Record& record) {
+    kind_ = record.kind;
     networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 
@@ -23,8 +24,16 @@ void Traffic::on_lost(std::uint8_t bus, std::uint8_t source) {
     networks_[bus].count_lost(source, 1);
 }
 
+bool Traffic::ask(std::uint8_t bus, const N2KMsg& frame) {
+    auto sent = player_.send({.kind = kind_, .bus = bus, .msg = frame, .time = {}});
+    if (sent) return *sent;
+    asking_failure_ = sent.error().text;
+    return false;
+}
+
 void Traffic::advance() {
     player_.advance(*this);
+    if (player_.options().sends && asking_failure_.empty()) questions_.advance(networks_, player_.now());
     const PlayTime present = player_.now();
     if (present < next_turn_) return;
     if (next_turn_ > 0)

@@ -8,6 +8,7 @@
 
 #include "monitor/player.h"
 #include "network/network.h"
+#include "network/questions.h"
 #include "network/streams.h"
 
 namespace vistel {
@@ -55,13 +56,21 @@ class Traffic final : public PlayListener {
     void on_record(const Record& record) override;
     void on_lost(std::uint8_t bus, std::uint8_t source) override;
 
+    /// Why devices cannot be asked for what they have not said, if that is wanted; else empty.
+    const std::string& asking_failure() const { return asking_failure_; }
+
   private:
+    bool ask(std::uint8_t bus, const N2KMsg& frame);
+
     Player& player_;
     Streams streams_;
     std::unique_ptr<Streams> frozen_;  // what a paused display shows of a live source
     PlayTime frozen_at_ = 0;
     std::map<std::uint8_t, Network> networks_;  // by the bus that records name
     PlayTime next_turn_ = 0;
+    BusQuestions questions_{[this](std::uint8_t bus, const N2KMsg& frame) { return ask(bus, frame); }};
+    Record::Kind kind_ = Record::Kind::message;  // of the records that come
+    std::string asking_failure_;
 };
 
 }  // namespace vistel

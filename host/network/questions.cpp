@@ -16,7 +16,7 @@ static_assert(std::size(subject_pgns) == subject_count);
 
 }  // namespace
 
-void Questions::ask(std::uint8_t destination, std::uint32_t pgn) {
+bool Questions::ask(std::uint8_t destination, std::uint32_t pgn) {
     N2KMsg question{};
     question.pgn = pgn::iso_request;
     question.priority = 6;
@@ -24,23 +24,30 @@ void Questions::ask(std::uint8_t destination, std::uint32_t pgn) {
     question.destination = destination;
     question.length = 3;
     for (int i = 0; i < 3; ++i) question.data[i] = static_cast<std::uint8_t>(pgn >> 8 * i);
-    send_(question);
+    return send_(question);
 }
 
 void Questions::advance(Network& network, std::int64_t now) {
+    if (next_ && now < *next_) return;
     if (!began_) {
-        began_ = true;
-        next_ = now + long_pause;
-        return ask(everyone, pgn::address_claim);
+        began_ = ask(everyone, pgn::address_claim);
+        next_ = now + (began_ ? long_pause : pause);
+        return;
     }
-    if (now < next_) return;
     for (std::size_t i = 0; i < subject_count; ++i) {
         Device* const device = network.first_to_ask(
             [&](const Device& d) { return d.address != source_ && !d.asked[i] && !d.known[i]; });
         if (device == nullptr) continue;
-        device->asked[i] = true;
+        device->asked[i] = ask(*device->address, subject_pgns[i]);
         next_ = now + pause;
-        return ask(*device->address, subject_pgns[i]);
+        return;
+    }
+}
+
+void BusQuestions::advance(std::map<std::uint8_t, Network>& networks, std::int64_t now) {
+    for (auto& [number, network] : networks) {
+        const auto send = [this, bus = number](const N2KMsg& frame) { return send_(bus, frame); };
+        questions_.try_emplace(number, send).first->second.advance(network, now);
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <optional>
+#include <utility>
 
 #include "network/network.h"
 
@@ -13,8 +16,8 @@ namespace vistel {
 /// twenty frames and more.
 class Questions {
   public:
-    /// Sends a frame: `vistel::identifier_of` and the payload. False where it could not be sent; the question
-    /// counts as asked all the same.
+    /// Sends a frame: `vistel::identifier_of` and the payload. False where that is not possible at present;
+    /// the question is asked again after the pause.
     using Send = std::function<bool(const N2KMsg& frame)>;
 
     static constexpr std::int64_t pause = 1'000'000'000;  ///< nanoseconds between two questions
@@ -30,12 +33,26 @@ class Questions {
     void advance(Network& network, std::int64_t now);
 
   private:
-    void ask(std::uint8_t destination, std::uint32_t pgn);
+    bool ask(std::uint8_t destination, std::uint32_t pgn);
 
     Send send_;
     const std::uint8_t source_;
     bool began_ = false;
-    std::int64_t next_ = 0;  // not before
+    std::optional<std::int64_t> next_;  // not before
+};
+
+/// The questions of several buses.
+class BusQuestions {
+  public:
+    using Send = std::function<bool(std::uint8_t bus, const N2KMsg& frame)>;
+
+    explicit BusQuestions(Send send) : send_(std::move(send)) {}
+
+    void advance(std::map<std::uint8_t, Network>& networks, std::int64_t now);
+
+  private:
+    Send send_;
+    std::map<std::uint8_t, Questions> questions_;
 };
 
 }  // namespace vistel

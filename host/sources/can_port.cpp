@@ -1,8 +1,10 @@
 #include "sources/can_port.h"
 
 #include <algorithm>
+#include <cstring>
 #include <thread>
 
+#include "can/identifier.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -14,6 +16,12 @@ using namespace std::chrono_literals;
 constexpr auto slice = 100ms;
 
 }  // namespace
+
+CanFrame frame_of(const N2KMsg& msg) {
+    CanFrame frame{CanFrame::extended | identifier_of(msg), static_cast<std::uint8_t>(msg.length)};
+    std::memcpy(frame.data, msg.data, sizeof frame.data);
+    return frame;
+}
 
 Status CanPort::open() {
     watch_.attempt();

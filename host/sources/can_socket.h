@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "pgn_vistel/n2k_msg.h"
 #include "text/result.h"
 
 namespace vistel {
@@ -36,9 +37,15 @@ class CanSocket {
     /// Waits for a frame at most `patience` milliseconds.
     virtual Received receive(CanFrame& frame, int patience) = 0;
 
+    /// False where it was not taken: the interface is down, or has no room for more.
+    virtual bool send(const CanFrame& frame) = 0;
+
     /// Frames that the system dropped because they were not taken in time.
     virtual std::uint64_t dropped() const = 0;
 };
+
+/// What is sent of a message that fits one.
+CanFrame frame_of(const N2KMsg& msg);
 
 /// Frames of an open descriptor, each a `struct can_frame`, which is closed in the end.
 std::unique_ptr<CanSocket> attach_can(int descriptor);

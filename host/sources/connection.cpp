@@ -229,11 +229,15 @@ class UdpSession final : public Session {
                                    [this, self = shared_from_this()](const Error& error, std::size_t size) {
                                        if (!error && !is_wanted(sender_.address()))
                                            return is_dropped() ? void() : read();
+                                       if (!error) gateway_ = sender_;
                                        received(error, size);
                                    });
     }
 
-    void send(std::string_view) override {}
+    void send(std::string_view bytes) override {
+        Error ignored;  // a datagram may be lost on any way
+        if (gateway_.port() != 0) socket_.send_to(asio::buffer(bytes), gateway_, 0, ignored);
+    }
 
     void close() override {
         Error ignored;
@@ -247,6 +251,7 @@ class UdpSession final : public Session {
 
     udp::socket socket_;
     udp::endpoint sender_;
+    udp::endpoint gateway_;   // whose datagram came last; what is sent goes there
     asio::ip::address host_;  // whose datagrams are wanted, or the group that they go to
 };
 

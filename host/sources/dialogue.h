@@ -48,6 +48,7 @@ class Dialogue {
     }
 
     bool is_at(std::size_t step) const { return !finished_ && step_ == step; }
+    bool is_at_last() const { return is_at(commands_.size() - 1); }
     bool is_finished() const { return finished_; }
     unsigned rounds() const { return rounds_; }  ///< that came to nothing
 

@@ -200,10 +200,12 @@ class IKonvert final : public Gateway {
 };
 
 /// Adapters of serial line CAN: closed, set to the speed of the bus, opened for listening only, or where they
-/// cannot do that, for all. Many answer nothing: then traffic is the answer.
+/// cannot do that or frames are to be sent, for all. Many answer nothing: then traffic is the answer.
 class Slcan final : public Gateway {
   public:
-    explicit Slcan(Side& side) : side_(side), dialogue_(side, commands) {}
+    explicit Slcan(Side& side)
+        : side_(side),
+          dialogue_(side, side.wants_to_send() ? std::span<const Command>(sending) : listening) {}
 
     void connected(Time now) override {
         answers_ = 0;
@@ -215,7 +217,7 @@ class Slcan final : public Gateway {
         items_.put(bytes, [&](std::string_view item, char end) {
             if (item.size() > 4 && std::string_view("TtRrx").find(item[0]) != std::string_view::npos) {
                 traffic = true;
-                if (dialogue_.is_at(listen) || dialogue_.is_at(open)) dialogue_.finish(now);
+                if (is_opening()) dialogue_.finish(now);
             } else if (end == '\a' || (end == '\r' && item.empty())) {
                 ++answers_;
                 take_answer(end == '\r', now);
@@ -233,17 +235,18 @@ class Slcan final : public Gateway {
 
   private:
     void take_answer(bool good, Time now) {
-        const bool opening = dialogue_.is_at(listen) || dialogue_.is_at(open);
-        if (opening && good) return dialogue_.finish(now);
-        if (dialogue_.is_at(open) && !told_) {
+        if (is_opening() && good) return dialogue_.finish(now);
+        if (dialogue_.is_at_last() && !told_) {
             told_ = true;
             side_.tell("the adapter refuses to open the bus");
         }
-        if (!dialogue_.is_finished() && !dialogue_.is_at(open)) dialogue_.next(now);
+        if (!dialogue_.is_finished() && !dialogue_.is_at_last()) dialogue_.next(now);
     }
+    bool is_opening() const { return dialogue_.is_at(2) || dialogue_.is_at_last(); }
 
-    static constexpr std::size_t listen = 2, open = 3;
-    static constexpr Command commands[] = {{"\rC\r", 500ms}, {"S5\r", 500ms}, {"L\r", 500ms}, {"O\r", 10s}};
+    static constexpr Command close{"\rC\r", 500ms}, speed{"S5\r", 500ms}, open{"O\r", 10s};
+    static constexpr Command listening[] = {close, speed, {"L\r", 500ms}, open};
+    static constexpr Command sending[] = {close, speed, open};
     Side& side_;
     Dialogue dialogue_;
     ItemScan items_;

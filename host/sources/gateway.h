@@ -36,6 +36,8 @@ class Gateway {
       public:
         virtual void send(std::string_view bytes) = 0;
         virtual void tell(const std::string& text) = 0;
+        /// Whether frames are going to be sent, so that the device must not only listen.
+        virtual bool wants_to_send() const = 0;
 
       protected:
         ~Side() = default;

@@ -36,7 +36,10 @@ Link::Link(std::shared_ptr<EventLoop> loop, SourceName name, LinkOptions options
       gateway_(make_gateway(name_.gateway, *this)) {}
 
 Link::~Link() {
-    if (gateway_ && connection_ && is_open_) connection_->send(gateway_->farewell());
+    if (!gateway_ || gateway_->farewell().empty()) return;
+    constexpr int most_events = 4;  // the end of what was sent before is among them
+    for (int i = 0; i < most_events; ++i) loop_->run_one(0ms);
+    if (is_open_) send(gateway_->farewell());
 }
 
 Status Link::open() {

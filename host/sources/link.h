@@ -29,6 +29,12 @@ class Link final : public ByteInput, Connection::Events, Gateway::Side {
     std::uint64_t total() const override { return 0; }
     std::int64_t arrival() const override { return arrival_; }
 
+    /// Sends to the gateway; false while there is no connection.
+    bool transmit(std::string_view bytes) {
+        if (is_open_) send(bytes);
+        return is_open_;
+    }
+
     std::shared_ptr<const LinkCounters> counters() const { return watch_.shared_counters(); }
 
   private:
@@ -39,6 +45,7 @@ class Link final : public ByteInput, Connection::Events, Gateway::Side {
     void lost(const std::string& reason) override;
     void send(std::string_view bytes) override;
     void tell(const std::string& text) override { watch_.tell(text); }
+    bool wants_to_send() const override { return watch_.options().sends; }
 
     void connect();
     void keep_up();

@@ -15,6 +15,7 @@ struct LinkOptions {
     std::chrono::milliseconds first_pause{std::chrono::seconds{1}};  ///< before a lost link is made again
     std::chrono::milliseconds longest_pause{std::chrono::seconds{30}};
     std::function<void(const std::string&)> tell = {};  ///< what the user should know, once each
+    bool sends = false;  ///< frames are going to be sent, too: an adapter must not only listen
 };
 
 /// What became of a link so far.

@@ -4,6 +4,7 @@
 #include "sources/format_check.h"
 #include "sources/link.h"
 #include "sources/source_name.h"
+#include "writers/transmission.h"
 
 namespace vistel {
 
@@ -11,7 +12,8 @@ Result<OpenedLink> open_link(const SourceName& name, const LinkOptions& options)
     auto link = std::make_unique<Link>(std::make_shared<EventLoop>(), name, options);
     if (const Status opened = link->open(); !opened) return opened.error();
     auto counters = link->counters();
-    return OpenedLink{std::move(link), std::move(counters)};
+    const auto send = [to = link.get()](std::string_view bytes) { return to->transmit(bytes); };
+    return OpenedLink{std::move(link), send, std::move(counters)};
 }
 
 Result<SourceState> open_source(Recording& recording, const std::string& text, const RecordingOptions& how,
@@ -28,7 +30,8 @@ Result<SourceState> open_source(Recording& recording, const std::string& text, c
             std::make_shared<CanPort>([interface = name->target] { return open_can(interface); }, options);
         if (const Status opened = port->open(); !opened) return opened.error();
         recording.attach(std::make_unique<CanReader>(port, how), "socketcan");
-        return SourceState{port->counters()};
+        return SourceState{port->counters(),
+                           [port](const Record& frame) { return port->send(frame_of(frame.msg)); }};
     }
     auto link = open_link(*name, options);
     if (!link) return link.error();
@@ -36,7 +39,14 @@ Result<SourceState> open_source(Recording& recording, const std::string& text, c
     if (auto named = find_format(how.format))
         input = std::make_unique<FormatCheck>(std::move(input), **named, options.tell);
     if (const Status attached = recording.attach(std::move(input), how); !attached) return attached.error();
-    return SourceState{link->counters};
+    const auto send = [to = link->send, &recording](const Record& frame) -> Result<bool> {
+        const std::string_view format = recording.format_name();
+        if (format.empty()) return false;  // nothing has come
+        std::string bytes;
+        if (append_transmission(format, frame, recording.bus_name(frame.bus), bytes)) return to(bytes);
+        return failure("nothing can be sent to a source that speaks ", format);
+    };
+    return SourceState{link->counters, send};
 }
 
 }  // namespace vistel

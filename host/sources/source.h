@@ -14,6 +14,9 @@ namespace vistel {
 /// What is known of a source that a recording reads; a file has none of it.
 struct SourceState {
     std::shared_ptr<const LinkCounters> counters = {};
+    /// Sends a single frame to the bus, as long as the recording is there: `kind` and `bus` are those of its
+    /// records. False where that is not possible at present; a failure where it never will be.
+    std::function<Result<bool>(const Record& frame)> send = {};
 
     bool is_live() const { return counters != nullptr; }
 };
@@ -21,6 +24,7 @@ struct SourceState {
 /// A link to a gateway by itself.
 struct OpenedLink {
     std::unique_ptr<ByteInput> input;
+    std::function<bool(std::string_view bytes)> send;  ///< to the gateway; false while it is not connected
     std::shared_ptr<const LinkCounters> counters;
 };
 

@@ -87,6 +87,8 @@ int main(int argc, char** argv) {
     add_contents(app, play.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
+    app.add_flag("--ask", play.sends,
+                 "Ask the devices of a live source for what they have not said; otherwise nothing is sent");
     app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
     app.add_option("--source", filter.sources, "Only messages of these source addresses")
         ->allow_extra_args(false);

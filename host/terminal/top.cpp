@@ -190,6 +190,8 @@ PageLine Top::status(int width) const {
     alarm(incomplete, " incomplete");
     alarm(player_.counters().problems, " errors");
     alarm(traffic_.refused(), " without room");
+    if (const auto& failure = traffic_.asking_failure(); !failure.empty())
+        line.add(" · " + failure, Style::alarm);
     if (!player_.notice().empty()) line.add(" · " + player_.notice(), Style::alarm);
     return line.to_column(width);
 }

@@ -7,8 +7,9 @@ namespace {
 
 constexpr std::uint8_t no_digit = 64;
 
+constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
 constexpr auto digit_values = [] {
-    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::array<std::uint8_t, 256> values{};
     values.fill(no_digit);
     for (std::size_t i = 0; i < digits.size(); ++i)
@@ -38,6 +39,15 @@ std::optional<std::size_t> read_base64(std::string_view text, std::span<std::uin
         }
     }
     return size;
+}
+
+void append_base64(std::string& text, std::span<const std::uint8_t> bytes) {
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+        std::uint32_t three = 0;
+        for (std::size_t i = at; i < at + 3; ++i) three = three << 8 | (i < bytes.size() ? bytes[i] : 0u);
+        for (std::size_t i = 0; i < 4; ++i)
+            text += at + i <= bytes.size() ? digits[three >> (18 - 6 * i) & 63] : '=';
+    }
 }
 
 }  // namespace vistel

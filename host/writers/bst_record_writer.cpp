@@ -6,6 +6,21 @@
 
 namespace vistel {
 
+void append_bst(std::string& record, char escape, std::string& out) {
+    const unsigned sum = std::accumulate(record.begin(), record.end(), 0u, [](unsigned all, char byte) {
+        return all + static_cast<unsigned char>(byte);
+    });
+    append_little_endian(record, 0u - sum, 1);
+
+    constexpr char frame = 0x10;
+    out += "\x10\x02";
+    for (const char byte : record) {
+        out += byte;
+        if (byte == frame || (byte == escape && escape != 0)) out += byte;
+    }
+    out += "\x10\x03";
+}
+
 std::uint32_t BstRecordWriter::milliseconds_of(const RecordTime& time) {
     constexpr std::uint32_t no_time = 0xFFFFFFFF;
     if (time.origin == RecordTime::Origin::none) return no_time;
@@ -42,18 +57,7 @@ const char* BstRecordWriter::put(const Record& record, char escape, std::string&
         append_little_endian(bytes_, time, 4);
     }
     for (const std::uint8_t byte : payload_of(record)) bytes_ += static_cast<char>(byte);
-    const unsigned sum = std::accumulate(bytes_.begin(), bytes_.end(), 0u, [](unsigned all, char byte) {
-        return all + static_cast<unsigned char>(byte);
-    });
-    append_little_endian(bytes_, 0u - sum, 1);
-
-    constexpr char frame = 0x10;
-    out += "\x10\x02";
-    for (const char byte : bytes_) {
-        out += byte;
-        if (byte == frame || (byte == escape && escape != 0)) out += byte;
-    }
-    out += "\x10\x03";
+    append_bst(bytes_, escape, out);
     return nullptr;
 }
 

@@ -7,6 +7,9 @@
 
 namespace vistel {
 
+/// Gives a record its checksum and appends it, framed. `escape` is doubled, too, unless it is 0.
+void append_bst(std::string& record, char escape, std::string& out);
+
 /// Makes of messages what BstReader reads, and frames it for a stream.
 class BstRecordWriter {
   public:

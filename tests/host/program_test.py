@@ -443,6 +443,22 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn(f"vistel: {name}: ", result.stderr)
 
+    def test_devices_are_asked_where_that_is_wanted(self):
+        for options, asked in (["--ask"], b"18EAFFFE 00 EE 00\r\n"), ([], b""):
+            with socket.create_server(("127.0.0.1", 0)) as server:
+                server.settimeout(30)
+                name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+                with subprocess.Popen([VISTEL, "devices", "--every", "0.1", *options, name], stdout=subprocess.PIPE) as process:
+                    with server.accept()[0] as gateway:
+                        gateway.settimeout(30)
+                        gateway.sendall(b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n")
+                        while b" 127 " not in process.stdout.readline():
+                            pass
+                        process.send_signal(signal.SIGTERM)
+                        process.communicate(timeout=30)
+                        self.assertEqual(gateway.recv(1000), asked)
+        self.assertIn("nobody can be asked", vistel("devices", "--ask", stdin=HEADING).stderr)
+
     def test_a_live_source_is_recorded(self):
         line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
         with socket.create_server(("127.0.0.1", 0)) as server, tempfile.TemporaryDirectory() as folder:

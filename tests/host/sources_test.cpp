@@ -11,10 +11,12 @@
 
 #include <cstdlib>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "can/identifier.h"
 #include "host/temporary_recording.h"
 #include "readers/stream_capture.h"
 #include "sources/can_reader.h"
@@ -82,7 +84,9 @@ TEST(SourceNames, WhatTheyStandFor) {
 struct Heard final : Gateway::Side {
     void send(std::string_view bytes) override { sent += bytes; }
     void tell(const std::string& text) override { told += text + "\n"; }
+    bool wants_to_send() const override { return sends; }
     std::string sent, told;
+    bool sends = false;
 };
 
 constexpr std::string_view ngt_filtered = "\x10\x02\xA1\x03\x11\x01\x00\x4A\x10\x03"sv;
@@ -93,7 +97,7 @@ constexpr std::string_view ngt_is_filtered =
 constexpr std::string_view ngt_is_open =
     "\x10\x02\xA0\x0E\x11\x02\x0E\x00\x10\x10\x02\x03\x04\x00\x00\x00\x00\x02\x00\x07\x10\x03"sv;
 constexpr std::string_view ngt_heading =
-    "\x10\x02\x93\x13\x02\x12\xF1\x01\xFF\x23\x00\x00\x00\x00\x08\x00\x39\x30\x00\x00\xFF\x7F\xFD\x56\x10\x03"sv;
+    "\x10\x02\x93\x13\x02\x12\xF1\x01\xFF\x23\x00\x00\x00\x00\x08\x00\x39\x30\x00\x00\xFF\x7F\xFD\x46\x10\x03"sv;
 
 TEST(Gateways, AreAskedForWhatTheyHoldBack) {
     struct Step {
@@ -107,6 +111,7 @@ TEST(Gateways, AreAskedForWhatTheyHoldBack) {
     struct Case {
         GatewayKind kind;
         std::vector<Step> steps;  // the first one connects
+        bool sends = false;
     };
     const std::string_view offline = "$PDGY,N2NET_OFFLINE\r\n", all = "$PDGY,N2NET_INIT,ALL\r\n";
     std::string off_the_bus;
@@ -153,6 +158,13 @@ TEST(Gateways, AreAskedForWhatTheyHoldBack) {
                    {1s, "", "L\r"},
                    {1100ms, "T09F1122380039300000FF7FFD\r", "", true},
                    {60s, "", ""}}},
+             Case{GatewayKind::slcan,
+                  {{0ms, "", "\rC\r"},
+                   {1ms, "\r", "S5\r"},
+                   {2ms, "\r", "O\r"},
+                   {3ms, "\r", ""},
+                   {60s, "", ""}},
+                  true},
              Case{GatewayKind::ydnu,
                   {{0ms, "", "0\n"},
                    {1s, "$GPGLL,,,,,,V,N*64\r\n", "", false, "", "other things"},
@@ -166,11 +178,12 @@ TEST(Gateways, AreAskedForWhatTheyHoldBack) {
              Case{GatewayKind::recognised, {{0ms, "", ""}, {2s, ngt_heading, ngt_filtered, true}}},
          }) {
         Heard heard;
+        heard.sends = c.sends;
         const auto gateway = make_gateway(c.kind, heard);
         const Gateway::Time start{1h};
         for (const Step& step : c.steps) {
             SCOPED_TRACE(std::to_string(static_cast<int>(c.kind)) + " at " + std::to_string(step.at.count()));
-            heard = {};
+            heard.sent = heard.told = "";
             if (&step == c.steps.data())
                 gateway->connected(start);
             else if (step.comes.empty())
@@ -276,6 +289,14 @@ struct Listening {
             }
         }
         return testing::AssertionSuccess();
+    }
+    /// Sends a request of everyone's NAME, in the manner of the record that came last.
+    Result<bool> ask() {
+        Record question{.kind = record.kind, .bus = record.bus, .msg = {}, .time = {}};
+        set_header(question.msg, 0x18EAFFFE);
+        question.msg.length = 3;
+        question.msg.data[1] = 0xEE;
+        return state.send(question);
     }
     bool has_told(std::string_view text) const { return told.find(text) != std::string::npos; }
 
@@ -396,6 +417,65 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
     EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
 }
 
+TEST(Links, SendFramesAsTheGatewaySpeaks) {
+    const struct {
+        std::string_view speaks, format, sent;
+    } gateways[] = {
+        {raw_line, "", "18EAFFFE 00 EE 00\r\n"},
+        {"  can1  09F8017F   [8]  50 C3 9E 2C 4A 21 B5 01\n", "", "(0.000000) can1 18EAFFFE#00EE00\n"},
+        {"A173321.107 23FF7 1F513 012F3070002F30709F\r\n", "", "A000000.000 FEFF6 0EA00 00EE00\r\n"},
+        {"2026-09-10T08:00:00.25Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n", "plain",
+         ",6,59904,254,255,3,00,EE,00\n"},
+        {"T09F1122380039300000FF7FFD\r", "slcan", "T18EAFFFE300EE00\r"},
+        {"!PDGY,127250,2,1,255,0.1,ADkwAAD/f/0=\r\n", "ikonvert", "!PDGY,59904,255,AO4A\r\n"},
+        {"$MXPGN,01F801,2801,C1308AC40C5DE343*19\r\n", "", "$MXPGN,00EAFF,E3FF,00EE00*12\r\n"},
+        {ngt_heading, "actisense", "\x10\x02\x94\x09\x06\x00\xEA\x00\xFF\x03\x00\xEE\x00\x83\x10\x03"sv},
+        {"\x10\x02\x95\x0E\x00\x00\x23\x12\xF1\x09\x00\x39\x30\x00\x00\xFF\x7F\xFD\x4A\x10\x03"sv,
+         "actisense", "\x10\x02\x95\x09\x00\x00\xFE\xFF\xEA\x98\x00\xEE\x00\xF5\x10\x03"sv},
+    };
+    for (const auto& c : gateways) {
+        auto server = std::make_unique<Bound>(SOCK_STREAM);
+        Listening live("tcp://127.0.0.1:" + std::to_string(server->port), std::string(c.format).c_str());
+        std::optional<Descriptor> gateway(server->accept());
+        EXPECT_EQ(*live.ask(), !c.format.empty()) << "what it speaks is not known yet";
+        ASSERT_TRUE(live.until([&] { return c.format.empty() || !gateway->get().empty(); }));
+        gateway->put(c.speaks);
+        ASSERT_TRUE(live.until([&] { return live.messages == 1; })) << c.sent;
+        EXPECT_EQ(gateway->get(), "") << "nothing by itself";
+        ASSERT_TRUE(*live.ask());
+        std::string sent;
+        EXPECT_TRUE(live.until([&] { return (sent += gateway->get()).size() >= c.sent.size(); }));
+        EXPECT_EQ(sent, c.sent);
+        server.reset();
+        gateway.reset();
+        ASSERT_TRUE(live.until([&] { return live.has_told("connection lost"); }));
+        EXPECT_FALSE(*live.ask());
+    }
+}
+
+TEST(Links, SendToWhoeverTheDatagramsComeFrom) {
+    const std::uint16_t port = free_port(SOCK_DGRAM);
+    Listening live("udp://:" + std::to_string(port));
+    const Bound gateway(SOCK_DGRAM);
+    const sockaddr_in to = here(port);
+    ::sendto(gateway.socket, raw_line.data(), raw_line.size(), 0, generic(to), sizeof to);
+    ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
+    ASSERT_TRUE(live.ask());
+    ASSERT_TRUE(live.until([&] { return gateway.is_asked(); }));
+    EXPECT_EQ(gateway.socket.get(), "18EAFFFE 00 EE 00\r\n");
+}
+
+TEST(Links, SayWhereNothingCanBeSent) {
+    const Bound server(SOCK_STREAM);
+    Listening live("tcp://127.0.0.1:" + std::to_string(server.port));
+    const Descriptor gateway(server.accept());
+    gateway.put("$PCDIN,01F112,00000000,23,0039300000FF7FFD*5C\r\n");
+    ASSERT_TRUE(live.until([&] { return live.messages + static_cast<int>(live.problems.size()) > 0; }));
+    auto sent = live.ask();
+    ASSERT_FALSE(sent) << live.problems;
+    EXPECT_EQ(sent.error().text, "nothing can be sent to a source that speaks pcdin");
+}
+
 TEST(Links, OfSerialPorts) {
     Descriptor device(::posix_openpt(O_RDWR | O_NOCTTY));
     ASSERT_EQ(::grantpt(device) | ::unlockpt(device), 0);
@@ -410,6 +490,10 @@ TEST(Links, OfSerialPorts) {
         device.put(raw_line);
         ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
         device.get();
+        ASSERT_TRUE(live.ask());
+        asked.clear();
+        ASSERT_TRUE(live.until([&] { return (asked += device.get()).ends_with("\n"); }));
+        EXPECT_EQ(asked, "18EAFFFE 00 EE 00\r\n");
     }
     EXPECT_EQ(device.get(), "C\r");  // the bus is closed when it is left
 }
@@ -425,6 +509,7 @@ struct PlayedSocket final : CanSocket {
         frame = next;
         return received;
     }
+    bool send(const CanFrame&) override { return false; }
     std::uint64_t dropped() const override { return 7; }
 };
 
@@ -489,12 +574,21 @@ TEST(CanInterfaces, GiveFramesOfTheKernel) {
         for (int i = 0; i < 8; ++i) EXPECT_EQ(frame.data[i], i < length ? 0xAA : 0);
         EXPECT_NEAR(static_cast<double>(frame.time) / 1e9, static_cast<double>(::time(nullptr)), 5);
     }
+    N2KMsg request{};
+    set_header(request, 0x18EA23FE);
+    request.length = 3;
+    request.data[2] = 0x5A;
+    ASSERT_TRUE(socket->send(frame_of(request)));
+    ASSERT_EQ(::read(*sender, &raw, sizeof raw), static_cast<ssize_t>(sizeof raw));
+    EXPECT_EQ(std::tuple(raw.can_id, raw.can_dlc, raw.data[2]),
+              std::tuple(CAN_EFF_FLAG | 0x18EA23FE, 3, 0x5A));
     CanFrame frame;
     EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
     ASSERT_EQ(::write(*sender, &raw, 5), 5);
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::nothing);
     sender.reset();
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::removed);
+    EXPECT_FALSE(socket->send(frame));
 }
 
 }  // namespace

@@ -129,8 +129,17 @@ TEST(Top, CountsTheLossesOfADevice) {
     shown.turn(1000ms);
     shown.turn(1000ms);
     shown.type("d");
-    EXPECT_THAT(shown.all(), HasSubstr(" unknown at 35, lost: 1 "));
-    EXPECT_THAT(shown.all(), HasSubstr(" unknown at 7  "));
+    EXPECT_THAT(shown.line(2), Not(HasSubstr("lost")));
+    EXPECT_THAT(shown.line(3), HasSubstr(" unknown at 35, lost: 1"));
+}
+
+TEST(Top, SaysThatARecordingCannotBeAsked) {
+    const test::TemporaryRecording file("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n");
+    Player player({.file = file.name(), .format = {}, .contents = {}, .speed = {}, .sends = true});
+    ASSERT_TRUE(player.open());
+    Top top(player, {{"default", {}}}, {});
+    top.advance();
+    EXPECT_THAT(top.page(120, 24)[0].text(), HasSubstr(" · only a live source can be sent something"));
 }
 
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
