@@ -1,5 +1,5 @@
-// A program of Microsoft's compiler: decoding by the text interface, and the monitor's lines in a tree control
-// of its own. It is linked with pgn_vistel_msvc.lib and prints what it has.
+// A program of Microsoft's compiler: decoding by the text interface, and the monitor's lines in a tree
+// control of its own. It is linked with pgn_vistel_msvc.lib and prints what it has.
 //
 // It needs no C or C++ runtime, so that clang can build it for the example's sake; in a program that has one
 // `main` is the start and std::printf prints.
@@ -85,8 +85,8 @@ void print_lines(HWND control, HTREEITEM item, const wchar_t* indent) {
 
 void show_in_tree() {
     InitCommonControls();
-    HWND const control = CreateWindowExW(0, WC_TREEVIEWW, L"Monitor", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40,
-                                         500, 300, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    HWND const control = CreateWindowExW(0, WC_TREEVIEWW, L"Monitor", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40,
+                                         40, 500, 300, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     require(control != nullptr, L"a tree control");
     // The library asks of a CTreeCtrl that it begins with the handle; this program has no such class.
     HWND handle = control;

@@ -70,7 +70,8 @@ Value state_of(const Device& device) {
 }
 
 Value since_start(const Network& network, const std::optional<RecordTime>& time) {
-    if (!time || !network.first() || time->origin == RecordTime::Origin::none) return {};
+    if (!time || !network.first() || time->origin != network.first()->origin) return {};
+    if (time->origin == RecordTime::Origin::none) return {};
     return decimal_of(static_cast<double>(time->nanoseconds - network.first()->nanoseconds) * 1e-9, 6);
 }
 
@@ -243,36 +244,13 @@ struct TextColumn {
 /// More than this of a text is cut off.
 constexpr std::size_t widest = 28;
 
-std::string either(const std::string& text, const std::optional<int>& number) {
-    return !text.empty() || !number ? text : std::to_string(*number);
-}
-
-std::string notes_on(const Network&, const Device& device) {
-    std::string notes;
-    const auto add = [&notes](const auto&... parts) { notes += concat(notes.empty() ? "" : ", ", parts...); };
-    switch (device.state) {
-        case Device::State::unknown: add("unknown at ", unsigned{*device.address}); break;
-        case Device::State::active: break;
-        case Device::State::displaced: add("displaced from ", unsigned{*device.last_address}); break;
-        case Device::State::cannot_claim: add("cannot claim an address"); break;
-    }
-    if (device.commanded && device.commanded != device.address)
-        add("told to take ", unsigned{*device.commanded});
-    if (device.conflicts > 0) add("conflicts: ", device.conflicts);
-    if (device.lost > 0) add("lost: ", device.lost);
-    return notes;
-}
-
 constexpr TextColumn text_columns[] = {
     {"Addr", true,
      [](const Network&, const Device& d) { return d.address ? std::to_string(*d.address) : std::string(); }},
     {"Manufacturer", false,
-     [](const Network&, const Device& d) {
-         return either(d.parts.manufacturer.text, d.parts.manufacturer.number);
-     }},
+     [](const Network&, const Device& d) { return text_or_number(d.parts.manufacturer); }},
     {"Model", false, [](const Network&, const Device& d) { return d.product.model; }},
-    {"Function", false,
-     [](const Network&, const Device& d) { return either(d.parts.function.text, d.parts.function.number); }},
+    {"Function", false, [](const Network&, const Device& d) { return text_or_number(d.parts.function); }},
     {"Inst", true,
      [](const Network&, const Device& d) {
          return d.parts.device_instance ? std::to_string(*d.parts.device_instance) : std::string();
@@ -289,7 +267,7 @@ constexpr TextColumn text_columns[] = {
          const auto share = n.share(d.wire);
          return share ? fixed_text(*share * 100, 2) : std::string();
      }},
-    {"Notes", false, notes_on},
+    {"Notes", false, [](const Network&, const Device& d) { return notes_on(d); }},
 };
 
 /// Characters of a UTF-8 text, as far as columns are about them.

@@ -14,9 +14,10 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// To be called often: looks at the clock only now and then.
-    void update(std::uint64_t done) {
-        if (shown_at_all_ && ++calls_ % 4096 == 0) show(done);
+    /// To be called often: looks at the clock only now and then, and asks `done` only where there is a bar.
+    template <class Done>
+    void update(const Done& done) {
+        if (shown_at_all_ && ++calls_ % 4096 == 0) show(done());
     }
 
     /// Takes the bar off the screen, so that something else can be said.

@@ -23,7 +23,7 @@ class Reading {
     Event next(Record& record) {
         const Event event = inputs_.next(record);
         if (event == Event::record) [[likely]] {
-            progress_->update(inputs_.bytes_read());
+            progress_->update([this] { return inputs_.bytes_read(); });
         } else {
             note(event);
         }

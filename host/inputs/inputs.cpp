@@ -1,7 +1,6 @@
 #include "inputs/inputs.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <filesystem>
 #include <utility>
@@ -52,19 +51,6 @@ std::string shown(std::string_view name) {
 
 }  // namespace
 
-struct Inputs::Input {
-    explicit Input(std::size_t number) : place(number) { buses.fill(-1); }
-
-    const std::size_t place;  // among the names
-    Recording recording;
-    std::array<std::int16_t, 256> buses;  // their numbers over all inputs, -1 for those not met yet
-
-    // of merged ones
-    Record ahead;
-    bool has_record = false;
-    std::int64_t time = INT64_MIN;  // of `ahead`, or of the last record that told one
-};
-
 Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), hooks_(std::move(hooks)) {
     how_.format = options_.format;
     how_.contents = options_.contents;
@@ -73,19 +59,12 @@ Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), ho
     for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
 }
 
-Inputs::~Inputs() = default;
-
-Inputs::Event Inputs::next(Record& record) {
-    if (options_.merge) return next_merged(record);
-    if (open_.empty()) return begin_next();
-    Input& input = *open_.front();
-    switch (input.recording.next(record)) {
-        case ReadResult::record: record.bus = bus_of(input, record.bus); return Event::record;
-        case ReadResult::problem: return pass_problem(input);
-        case ReadResult::nothing: return Event::nothing;
-        case ReadResult::end: break;
-    }
-    close(input);
+/// Behind the last result of the current input, which is no record.
+Inputs::Event Inputs::go_on(ReadResult result) {
+    if (result == ReadResult::nothing) return Event::nothing;
+    if (result == ReadResult::problem) return pass_problem(*current_);
+    close(*current_);
+    current_ = nullptr;
     open_.clear();
     return begin_next();
 }
@@ -115,6 +94,7 @@ bool Inputs::open_next() {
 Inputs::Event Inputs::begin_next() {
     if (opened_ == names_.size()) return Event::end;
     if (!open_next()) return Event::problem;
+    current_ = open_.front().get();
     return Event::begins;
 }
 
@@ -190,13 +170,6 @@ Inputs::Event Inputs::begin_merged() {
 }
 
 // ---- buses ----
-
-std::uint8_t Inputs::bus_of(Input& input, std::uint8_t number) {
-    std::int16_t& known = input.buses[number];
-    if (known < 0) [[unlikely]]
-        known = add_bus(input, number);
-    return static_cast<std::uint8_t>(known);
-}
 
 std::uint8_t Inputs::add_bus(const Input& input, std::uint8_t number) {
     const std::string name = shown(input.recording.bus_name(number));

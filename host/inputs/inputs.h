@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -38,12 +39,19 @@ class Inputs {
         std::function<void(const std::string& line)> tell = {};  ///< what a live source has to say
     };
     explicit Inputs(const InputOptions& options, Hooks hooks);
-    ~Inputs();
     Inputs(const Inputs&) = delete;
     Inputs& operator=(const Inputs&) = delete;
 
     /// Says what comes next. `record` is fresh or as the last call left it.
-    Event next(Record& record);
+    Event next(Record& record) {
+        if (current_ == nullptr) [[unlikely]]
+            return options_.merge ? next_merged(record) : begin_next();
+        const ReadResult result = current_->recording.next(record);
+        if (result != ReadResult::record) [[unlikely]]
+            return go_on(result);
+        record.bus = bus_of(*current_, record.bus);
+        return Event::record;
+    }
 
     /// @{ Of the problem that next() has just met: whether a recording as a whole is meant, and all of it as
     /// a text, with the name of the recording and the place.
@@ -71,7 +79,18 @@ class Inputs {
     std::string format_names() const;
 
   private:
-    struct Input;
+    struct Input {
+        explicit Input(std::size_t number) : place(number) { buses.fill(-1); }
+
+        const std::size_t place;  // among the names
+        Recording recording;
+        std::array<std::int16_t, 256> buses;  // their numbers over all inputs, -1 for those not met yet
+
+        // of merged ones
+        Record ahead;
+        bool has_record = false;
+        std::int64_t time = INT64_MIN;  // of `ahead`, or of the last record that told one
+    };
     struct Bus {
         std::string label;
         bool is_named;
@@ -79,12 +98,18 @@ class Inputs {
 
     bool open_next();
     Event begin_next();
+    Event go_on(ReadResult result);
     Event next_merged(Record& record);
     Event begin_merged();
     Event pass_problem(const Input& input);
     void fail(std::size_t place, std::string text);
     void close(const Input& input);
-    std::uint8_t bus_of(Input& input, std::uint8_t number);
+    std::uint8_t bus_of(Input& input, std::uint8_t number) {
+        std::int16_t& known = input.buses[number];
+        if (known < 0) [[unlikely]]
+            known = add_bus(input, number);
+        return static_cast<std::uint8_t>(known);
+    }
     std::uint8_t add_bus(const Input& input, std::uint8_t number);
     static void note_format(std::vector<std::string_view>& formats, const Recording& recording);
 
@@ -95,6 +120,7 @@ class Inputs {
     std::size_t opened_ = 0;                    // of the names
     bool any_open_ = false;                     // could be opened
     std::vector<std::unique_ptr<Input>> open_;  // at present: one at a time, unless they are merged
+    Input* current_ = nullptr;                  // that one
     std::vector<std::shared_ptr<const LinkCounters>> links_;
     std::vector<Bus> buses_;
     std::uint64_t bytes_total_ = 0;

@@ -14,12 +14,12 @@ Status Player::open() {
     RecordingOptions how;
     how.format = options_.format;
     how.contents = options_.contents;
-    how.contents = options_.contents;
     how.patience_ms = 0;
     LinkOptions link;
     link.tell = [this](const std::string& text) { notice_ = text; };
     auto opened = open_source(*recording, options_.file, how, link);
     if (!opened) return opened.error();
+    const PlayTime present = now();  // 0 before the first recording
     recording_ = std::move(recording);
     paced_ = recording_->is_file() || (options_.speed.has_value() && !opened->is_live());
     if (!reassembler_)
@@ -31,7 +31,7 @@ Status Player::open() {
             options_.definitions);
     has_record_ = ended_ = false;
     start_.reset();
-    continue_at(now());
+    continue_at(present);
     return done;
 }
 

@@ -74,6 +74,7 @@ class Player {
     /// @}
 
     void set_speed(double speed);
+    void set_loop(bool loop) { options_.loop = loop; }
 
     const PlayCounters& counters() const { return counters_; }
     /// What went wrong first, with its place; empty as long as nothing did.

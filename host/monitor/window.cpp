@@ -1,196 +1,648 @@
 #include "monitor/window.h"
 
-#include <wx/app.h>
+#include <wx/aboutdlg.h>
+#include <wx/choice.h>
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
+#include <wx/display.h>
 #include <wx/file.h>
 #include <wx/filedlg.h>
 #include <wx/filename.h>
+#include <wx/infobar.h>
 #include <wx/menu.h>
 #include <wx/msgdlg.h>
-#include <wx/treectrl.h>
+#include <wx/sizer.h>
+#include <wx/splitter.h>
+#include <wx/srchctrl.h>
+#include <wx/stattext.h>
+#include <wx/tglbtn.h>
 
 #include <algorithm>
 
-#include "pgn_vistel/pgn_dlg.h"
-#include "pgn_vistel/pgn_tree.h"
+#include "monitor/message_pane.h"
+#include "monitor/message_text.h"
+#include "monitor/open_dialog.h"
+#include "monitor/player_bar.h"
+#include "monitor/stream_columns.h"
+#include "monitor/text_table.h"
+#include "monitor/unit_window.h"
+#include "network/message_view.h"
+#include "network/stream_text.h"
+#include "text/words.h"
 
 namespace vistel {
 
+namespace core = pgn_vistel::core;
+
 namespace {
 
-constexpr unsigned long most_streams = 2000;
 constexpr int frame_interval_ms = 100;  // quicker than the eye reads figures, and calm
-constexpr unsigned frames_per_status = 5;
+// Frames between looks at what changes slowly.
+constexpr unsigned frames_per_column = 3, frames_per_status = 5, frames_per_filter = 10;
 
-enum Command { id_open = wxID_HIGHEST + 1, id_save, id_copy, id_pause, id_expand, id_collapse };
+enum Command : int {
+    id_open = wxID_HIGHEST + 1,
+    id_save,
+    id_copy_line,
+    id_copy_text,
+    id_copy_json,
+    id_copy_hex,
+    id_copy_key,
+    id_find,
+    id_find_next,
+    id_everything,
+    id_message,
+    id_expand,
+    id_collapse,
+    id_sort,
+    id_clear,
+    id_units,
+    id_pause,
+    id_step,
+    id_faster,
+    id_slower,
+    id_keys,
+    id_recent,  // and those behind it
+};
 
-wxTreeCtrl* tree_of(const wxWindow& window) {
-    for (wxWindow* const child : window.GetChildren())
-        if (auto* const tree = dynamic_cast<wxTreeCtrl*>(child)) return tree;
-    return nullptr;
+struct Key {
+    const char* key;
+    const char* what;
+};
+constexpr Key keys[] = {
+    {"Ctrl+O", "another recording or live source"},
+    {"Ctrl+F", "filter by number, name or text of a field; Escape drops it"},
+    {"F3", "the next line with that text"},
+    {"Enter, double click", "the message in full, with every field"},
+    {"Left, Right", "collapse or expand the line"},
+    {"Ctrl+E, Ctrl+L", "expand or collapse all"},
+    {"F5", "sort anew"},
+    {"Ctrl+R", "all devices and streams again"},
+    {"Ctrl+D", "forget all streams"},
+    {"Ctrl+P", "pause: a recording stops; of a live source the picture stands still"},
+    {"Ctrl+T", "the next message of a recording that is paused"},
+    {"Ctrl++, Ctrl+-", "a recording faster or slower"},
+    {"Ctrl+U", "the units"},
+    {"Ctrl+C", "copy the line"},
+    {"Ctrl+S", "save the lines that are expanded"},
+    {"Menu key, right click", "what else can be copied"},
+    {"Tab", "to the next part of the window"},
+};
+
+void copy(const wxString& text) {
+    if (text.empty() || !wxTheClipboard->Open()) return;
+    wxTheClipboard->SetData(new wxTextDataObject(text));
+    wxTheClipboard->Flush();
+    wxTheClipboard->Close();
 }
 
-void append_visible(const wxTreeCtrl& tree, const wxTreeItemId& parent, const wxString& indent,
-                    wxString& text) {
-    wxTreeItemIdValue cookie;
-    for (wxTreeItemId item = tree.GetFirstChild(parent, cookie); item.IsOk();
-         item = tree.GetNextSibling(item)) {
-        text << indent << tree.GetItemText(item) << '\n';
-        if (tree.IsExpanded(item)) append_visible(tree, item, indent + "    ", text);
-    }
+bool is_same(const DeviceRow& a, const DeviceRow& b) {
+    if (a.bus != b.bus) return false;
+    return a.name && b.name ? a.name == b.name : a.address && a.address == b.address;
 }
 
 }  // namespace
 
-MonitorWindow::MonitorWindow(std::unique_ptr<Player> player)
-    : dialog_(new PGN_VistelDlg_c(static_cast<wxWindow*>(nullptr), most_streams,
-                                  player->options().definitions == pgn_vistel::core::Definitions::corrected
-                                      ? PGN_VISTEL_CORRECTED_DEFINITIONS
-                                      : 0)),
-      tree_(tree_of(*dialog_)),
-      player_(std::move(player)),
-      timer_(this) {
+MonitorWindow::MonitorWindow(Options options)
+    : wxFrame(nullptr, wxID_ANY, "PGN Vistel"), options_(std::move(options)), timer_(this) {
+    SetName("monitor");
+    build_controls();
     build_menu();
-    dialog_->CreateStatusBar();
-    dialog_->SetSize(dialog_->FromDIP(wxSize(640, 760)));
-    show_source();
-    dialog_->Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) {
-        timer_.Stop();
-        dialog_->Destroy();
-        wxTheApp->ExitMainLoop();
-    });
+    CreateStatusBar();
+    show_recent();
+    apply(units());
+    place();
     Bind(wxEVT_TIMER, [this](wxTimerEvent&) { show_frame(); });
+    Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
+        close();
+        event.Skip();
+    });
+    tree_->control().SetFocus();
+    show_status();
 }
 
-MonitorWindow::~MonitorWindow() = default;
+MonitorWindow::~MonitorWindow() {
+    if (GetMenuBar() == nullptr) delete menu_bar_;
+}
 
-void MonitorWindow::show() {
-    dialog_->Show();
-    timer_.Start(frame_interval_ms);
+// ---- building ----
+
+void MonitorWindow::build_controls() {
+    auto* const all = new wxPanel(this);
+    pause_ = new wxToggleButton(all, wxID_ANY, "Pause");
+    pause_->SetToolTip("Holds the picture still (Ctrl+P)");
+    pause_->Bind(wxEVT_TOGGLEBUTTON, [this](wxCommandEvent& event) { pause(event.IsChecked()); });
+    search_ = new wxSearchCtrl(all, wxID_ANY);
+    search_->SetDescriptiveText("PGN, name or text of a field");
+    search_->ShowCancelButton(true);
+    search_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) {
+        options_.filter.text = search_->GetValue().ToStdString(wxConvUTF8);
+        is_stale_ = true;
+    });
+    search_->Bind(wxEVT_SEARCH, [this](wxCommandEvent&) { find_next(); });
+    search_->Bind(wxEVT_SEARCH_CANCEL, [this](wxCommandEvent&) { search_->Clear(); });
+    order_ = new wxChoice(all, wxID_ANY);
+    for (const char* const name : stream_order_names) order_->Append(wxString("By ") + name);
+    order_->SetSelection(0);
+    order_->SetToolTip("Order of the streams (F5 sorts anew)");
+    order_->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { is_stale_ = true; });
+    auto* const bar = new wxBoxSizer(wxHORIZONTAL);
+    const auto middle = wxSizerFlags().CenterVertical().Border(wxALL, FromDIP(3));
+    bar->Add(pause_, middle);
+    bar->Add(search_, wxSizerFlags(1).CenterVertical().Border(wxALL, FromDIP(3)));
+    bar->Add(order_, middle);
+
+    problems_ = new wxInfoBar(all);
+    auto* const sides =
+        new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
+    device_table_ =
+        new TextTable(sides, {{"Addr", 42, true}, {"Device", 175}, {"Msg/s", 52, true}, {"State", 120}});
+    const auto on_choice = [this](wxListEvent& event) {
+        if (!is_choosing_) CallAfter([this] { choose_devices(); });
+        event.Skip();
+    };
+    device_table_->Bind(wxEVT_LIST_ITEM_SELECTED, on_choice);
+    device_table_->Bind(wxEVT_LIST_ITEM_DESELECTED, on_choice);
+    halves_ = new wxSplitterWindow(sides, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                   wxSP_LIVE_UPDATE | wxSP_3DSASH);
+    auto* const streams = new wxPanel(halves_);
+    tree_ = std::make_unique<StreamTree>(*streams, definitions());
+    columns_ = new StreamColumns(streams);
+    auto* const row = new wxBoxSizer(wxHORIZONTAL);
+    row->Add(&tree_->control(), wxSizerFlags(1).Expand());
+    row->Add(columns_, wxSizerFlags().Expand());
+    streams->SetSizer(row);
+    message_ = new MessagePane(halves_);
+    message_->Hide();
+    halves_->Initialize(streams);
+    halves_->SetMinimumPaneSize(FromDIP(80));
+    halves_->SetSashGravity(0.6);
+    sides->SetMinimumPaneSize(FromDIP(60));
+    sides->SplitVertically(device_table_, halves_, FromDIP(350));
+    player_bar_ = new PlayerBar(all, {[this](double place) {
+                                          traffic_->seek(place);
+                                          take_new_streams();
+                                      },
+                                      [this] { traffic_->step(); }});
+    player_bar_->Hide();
+    auto* const sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(bar, wxSizerFlags().Expand());
+    sizer->Add(problems_, wxSizerFlags().Expand());
+    sizer->Add(sides, wxSizerFlags(1).Expand());
+    sizer->Add(player_bar_, wxSizerFlags().Expand());
+    all->SetSizer(sizer);
+
+    wxTreeCtrl& control = tree_->control();
+    control.Bind(wxEVT_TREE_ITEM_ACTIVATED, [this](wxTreeEvent&) { open_message(); });
+    control.Bind(wxEVT_TREE_SEL_CHANGED, [this](wxTreeEvent& event) {
+        CallAfter([this] {
+            show_message();
+            if (const auto field = tree_->selected_field()) message_->choose(*field);
+        });
+        event.Skip();
+    });
+    control.Bind(wxEVT_TREE_ITEM_MENU, [this](wxTreeEvent& event) { show_context_menu(event); });
 }
 
 void MonitorWindow::build_menu() {
+    const auto add = [this](wxMenu& menu, int id, const char* text, auto act) {
+        menu.Append(id, text);
+        Bind(
+            wxEVT_MENU, [act](wxCommandEvent&) { act(); }, id);
+    };
     auto* const file = new wxMenu;
-    file->Append(id_open, "&Open...\tCtrl+O");
-    file->Append(id_save, "&Save visible lines...\tCtrl+S");
+    add(*file, id_open, "&Open...\tCtrl+O", [this] { choose_source(); });
+    recent_ = new wxMenu;
+    file->AppendSubMenu(recent_, "Open &recent");
+    add(*file, id_save, "&Save expanded lines...\tCtrl+S", [this] { save(); });
     file->AppendSeparator();
-    file->Append(wxID_EXIT, "&Quit\tCtrl+Q");
+    add(*file, wxID_EXIT, "&Quit\tCtrl+Q", [this] { Close(); });
+
+    auto* const edit = new wxMenu;
+    add(*edit, id_copy_line, "&Copy line\tCtrl+C", [this] {
+        // A text that is being typed has a selection of its own.
+        if (auto* const text = dynamic_cast<wxTextEntry*>(FindFocus()); text != nullptr) return text->Copy();
+        const wxTreeItemId line = tree_->control().GetSelection();
+        if (line.IsOk()) copy(tree_->control().GetItemText(line));
+    });
+    add(*edit, id_copy_text, "Copy message as &text",
+        [this] { copy_of_stream([this](const Stream& s) { return as_text(s, units(), definitions()); }); });
+    add(*edit, id_copy_json, "Copy message as &JSON",
+        [this] { copy_of_stream([this](const Stream& s) { return as_json(s, definitions()); }); });
+    add(*edit, id_copy_hex, "Copy message as &hex", [this] {
+        copy_of_stream([](const Stream& s) { return spaced_bytes(s.msg().data, s.msg().length); });
+    });
+    add(*edit, id_copy_key, "Copy &key of the field", [this] { copy_field_key(); });
+    edit->AppendSeparator();
+    add(*edit, id_find, "&Filter\tCtrl+F", [this] {
+        search_->SetFocus();
+        search_->SelectAll();
+    });
+    add(*edit, id_find_next, "Find &next\tF3", [this] { find_next(); });
+
     auto* const view = new wxMenu;
-    view->AppendCheckItem(id_pause, "&Pause playing\tCtrl+P");
-    view->Append(id_expand, "&Expand all\tCtrl+E");
-    view->Append(id_collapse, "&Collapse all\tCtrl+L");
-    view->Append(id_copy, "Cop&y line\tCtrl+C");
+    add(*view, id_message, "Show &message", [this] { open_message(); });
+    add(*view, id_expand, "&Expand all\tCtrl+E", [this] { tree_->expand_all(true); });
+    add(*view, id_collapse, "&Collapse all\tCtrl+L", [this] { tree_->expand_all(false); });
+    add(*view, id_sort, "&Sort anew\tF5", [this] { is_stale_ = true; });
+    add(*view, id_everything, "&All devices and streams\tCtrl+R", [this] { show_everything(); });
+    add(*view, id_clear, "&Forget all streams\tCtrl+D", [this] {
+        tree_->show({});
+        if (traffic_) traffic_->clear();
+        rebuild();
+    });
+    add(*view, id_units, "&Units...\tCtrl+U", [this] {
+        if (unit_window_ == nullptr)
+            unit_window_ =
+                new UnitWindow(this, units(), [this](const core::UnitSelection& picked) { apply(picked); });
+        unit_window_->load(units());
+        unit_window_->Show();
+        unit_window_->Raise();
+    });
+
+    auto* const playing = new wxMenu;
+    playing->AppendCheckItem(id_pause, "&Pause\tCtrl+P");
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent& event) { pause(event.IsChecked()); }, id_pause);
+    add(*playing, id_step, "&Next message\tCtrl+T", [this] {
+        if (player_ && player_->paused() && player_->is_paced()) traffic_->step();
+    });
+    add(*playing, id_faster, "&Faster\tCtrl++", [this] { player_bar_->change_speed(1); });
+    add(*playing, id_slower, "&Slower\tCtrl+-", [this] { player_bar_->change_speed(-1); });
+
+    auto* const help = new wxMenu;
+    add(*help, id_keys, "&Keys\tF1", [this] { show_keys(); });
+    add(*help, wxID_ABOUT, "&About", [this] {
+        wxAboutDialogInfo info;
+        info.SetName("PGN Vistel");
+        info.SetVersion(PGN_VISTEL_VERSION);
+        info.SetDescription("Shows the traffic of NMEA 2000 networks, live and decoded.");
+        wxAboutBox(info, this);
+    });
+
     auto* const bar = new wxMenuBar;
     bar->Append(file, "&File");
+    bar->Append(edit, "&Edit");
     bar->Append(view, "&View");
-    dialog_->SetMenuBar(bar);
-
-    const auto on = [this](int id, auto act) {
-        dialog_->Bind(
-            wxEVT_MENU, [act](wxCommandEvent& e) { act(e); }, id);
-    };
-    on(id_open, [this](wxCommandEvent&) { choose_recording(); });
-    on(id_save, [this](wxCommandEvent&) { save(); });
-    on(id_copy, [this](wxCommandEvent&) { copy(); });
-    on(id_pause, [this](wxCommandEvent& event) { player_->pause(event.IsChecked()); });
-    on(id_expand, [this](wxCommandEvent&) { dialog_->ExpandAll(); });
-    on(id_collapse, [this](wxCommandEvent&) { dialog_->CollapseAll(); });
-    on(wxID_EXIT, [this](wxCommandEvent&) { dialog_->Close(); });
-}
-
-void MonitorWindow::on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) {
-    constexpr PlayTime time_stamp_unit = 10'000'000;
-    N2KMsg stamped = msg;
-    stamped.time_stamp = static_cast<std::uint32_t>(std::max<PlayTime>(0, now) / time_stamp_unit);
-    if (latest_.put(stamped)) ++replaced_;
-}
-
-void MonitorWindow::show_frame() {
-    player_->advance(*this);
-    latest_.show_pending([this](N2KMsg& msg) {
-        constexpr int dialog_is_paused = 2;
-        const int result = dialog_->PutMsg(&msg);
-        display_paused_ = result == dialog_is_paused;
-        if (result < 0) ++refused_;
+    bar->Append(playing, "&Play");
+    bar->Append(help, "&Help");
+    menu_bar_ = bar;
+    // Not before it is drawn: GTK allocates the menu bar of a window that is not there yet no room, and
+    // warns.
+    tree_->control().Bind(wxEVT_PAINT, [this](wxPaintEvent& event) {
+        if (GetMenuBar() == nullptr)
+            CallAfter([this] {
+                if (GetMenuBar() == nullptr) SetMenuBar(menu_bar_);
+            });
+        event.Skip();
     });
-    if (++frames_ % frames_per_status == 0) show_status();
+    Bind(
+        wxEVT_MENU,
+        [this](wxCommandEvent& event) {
+            const auto chosen = static_cast<std::size_t>(event.GetId() - id_recent);
+            if (chosen < options_.settings.recent.size())
+                open_or_tell(std::string(options_.settings.recent[chosen]));
+        },
+        id_recent, id_recent + static_cast<int>(Settings::most_recent));
+    Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+        const bool is_searching = search_->HasFocus() || search_->IsDescendant(FindFocus());
+        if (event.GetKeyCode() != WXK_ESCAPE || !is_searching) return event.Skip();
+        search_->Clear();
+        tree_->control().SetFocus();
+    });
 }
 
-void MonitorWindow::show_status() {
-    const PlayCounters& c = player_->counters();
-    wxString text = wxString::Format(
-        "%llu messages, %llu of them replaced by later ones before they were shown",
-        static_cast<unsigned long long>(c.messages), static_cast<unsigned long long>(replaced_));
-    if (latest_.dropped() > 0)
-        text << wxString::Format(", %llu dropped because of too many streams",
-                                 static_cast<unsigned long long>(latest_.dropped()));
-    if (c.problems > 0)
-        text << wxString::Format(", %llu errors", static_cast<unsigned long long>(c.problems));
-    if (refused_ > 0)
-        text << wxString::Format(", %llu without room", static_cast<unsigned long long>(refused_));
-    if (!player_->notice().empty())
-        text << " - " << wxString::FromUTF8(player_->notice());
-    else if (player_->ended())
-        text << " - end";
-    else if (player_->paused())
-        text << " - paused";
-    else if (display_paused_)
-        text << " - display paused";
-    if (dialog_->GetStatusBar()->GetStatusText() != text) dialog_->SetStatusText(text);
+void MonitorWindow::place() {
+    SetMinSize(FromDIP(wxSize(520, 360)));
+    const wxRect& last = options_.settings.place;
+    const int display = last.IsEmpty() ? wxNOT_FOUND : wxDisplay::GetFromPoint(last.GetPosition());
+    const wxRect screen =
+        wxDisplay(display != wxNOT_FOUND ? static_cast<unsigned>(display) : 0).GetClientArea();
+    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1120, 740)) : last.GetSize();
+    size.IncTo(GetMinSize());
+    size.DecTo(screen.GetSize());
+    SetSize(size);
+    if (display != wxNOT_FOUND && screen.Contains(wxRect(last.GetPosition(), size)))
+        Move(last.GetPosition());
+    else
+        Centre();
+    if (options_.settings.is_maximised) Maximize();
 }
 
-void MonitorWindow::show_source() {
+void MonitorWindow::close() {
+    timer_.Stop();
+    Settings& settings = options_.settings;
+    settings.is_maximised = IsMaximized();
+    if (!IsMaximized() && !IsIconized()) settings.place = GetRect();
+    if (!options_.settings_file.empty()) settings.save(options_.settings_file);
+}
+
+// ---- sources ----
+
+void MonitorWindow::play(std::unique_ptr<Player> player) {
+    tree_->show({});  // before its streams are gone
+    player_ = std::move(player);
+    traffic_ = std::make_unique<Traffic>(*player_);
+    options_.play.speed = player_->options().speed;
+    chosen_devices_.clear();
+    told_problem_.clear();
+    problems_->Dismiss();
+    pause_->SetValue(false);
+    menu_bar_->Check(id_pause, false);
+    player_bar_->use(*player_);
+    Layout();
+    player_bar_->GetParent()->Layout();
     const std::string& file = player_->options().file;
-    dialog_->SetTitle(
-        (file == "-" ? wxString("standard input") : wxFileName(wxString::FromUTF8(file)).GetFullName()) +
-        " - PGN Vistel");
+    SetTitle((file == "-" ? wxString("standard input") : wxFileName(wxString::FromUTF8(file)).GetFullName()) +
+             " - PGN Vistel");
+    if (file != "-") options_.settings.remember_source(file);
+    show_recent();
+    rebuild();
+    show_frame();
+    show_devices();
+    show_status();
+    timer_.Start(frame_interval_ms);
 }
 
-void MonitorWindow::choose_recording() {
-    wxFileDialog chooser(dialog_, "Open a recording", wxEmptyString, wxEmptyString,
-                         wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
-    if (chooser.ShowModal() != wxID_OK) return;
-    if (std::string error; !open(chooser.GetPath().ToStdString(wxConvUTF8), error))
-        wxMessageBox(wxString::FromUTF8(error), "Cannot open the recording", wxOK | wxICON_ERROR, dialog_);
-}
-
-bool MonitorWindow::open(const std::string& file, std::string& error) {
-    PlayOptions options = player_->options();
-    options.file = file;
-    options.format.clear();
-    options.contents = ContentKind::as_it_seems;
-    auto next = std::make_unique<Player>(options);
+bool MonitorWindow::open(const std::string& name, std::string& error) {
+    PlayOptions how = options_.play;
+    how.file = name;
+    how.format.clear();
+    how.contents = ContentKind::as_it_seems;
+    auto next = std::make_unique<Player>(how);
     if (const auto opened = next->open(); !opened) {
         error = opened.error().text;
         return false;
     }
-    player_ = std::move(next);
-    latest_.clear();
-    replaced_ = refused_ = 0;
-    dialog_->ClearMsg();
-    dialog_->GetMenuBar()->Check(id_pause, false);
-    show_source();
+    play(std::move(next));
     return true;
 }
 
-void MonitorWindow::save() {
-    wxFileDialog chooser(dialog_, "Save the visible lines", wxEmptyString, "monitor.txt",
-                         "Text (*.txt)|*.txt", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
-    if (chooser.ShowModal() != wxID_OK) return;
-    wxString text;
-    append_visible(*tree_, tree_->GetRootItem(), "", text);
-    wxFile file;
-    if (!file.Create(chooser.GetPath(), true) || !file.Write(text, wxConvUTF8) || !file.Close())
-        wxMessageBox("The file could not be written.", "Save", wxOK | wxICON_ERROR, dialog_);
+void MonitorWindow::open_or_tell(const std::string& name) {
+    if (std::string error; !open(name, error))
+        wxMessageBox(wxString::FromUTF8(name + ": " + error), "Cannot be opened", wxOK | wxICON_ERROR, this);
 }
 
-void MonitorWindow::copy() {
-    const wxTreeItemId item = tree_->GetSelection();
-    if (!item.IsOk() || !wxTheClipboard->Open()) return;
-    wxTheClipboard->SetData(new wxTextDataObject(tree_->GetItemText(item)));
-    wxTheClipboard->Flush();
-    wxTheClipboard->Close();
+void MonitorWindow::choose_source() {
+    if (const std::string name = ask_for_source(this, options_.settings.recent); !name.empty())
+        open_or_tell(name);
+}
+
+void MonitorWindow::show_recent() {
+    while (recent_->GetMenuItemCount() > 0) recent_->Destroy(recent_->FindItemByPosition(0));
+    int id = id_recent;
+    for (const std::string& name : options_.settings.recent)
+        recent_->Append(id++, wxControl::EscapeMnemonics(wxString::FromUTF8(name)));
+}
+
+// ---- what is shown ----
+
+void MonitorWindow::show_frame() {
+    ++frames_;
+    traffic_->advance();
+    take_new_streams();
+    if (is_stale_) rebuild();
+    tree_->refresh(traffic_->now(), !player_->paused());
+    if (frames_ % frames_per_column == 1) {
+        show_columns();
+        show_message();
+        player_bar_->refresh();
+    }
+    if (frames_ % frames_per_status == 0) {
+        show_devices();
+        show_status();
+    }
+}
+
+bool MonitorWindow::admits(const Stream& stream) const {
+    const bool is_of_device = chosen_.empty() || chosen_.contains({stream.bus(), stream.msg().source});
+    return is_of_device &&
+           (options_.filter.is_empty() || options_.filter.admits(stream, units(), definitions()));
+}
+
+void MonitorWindow::take_new_streams() {
+    const Streams& streams = traffic_->streams();
+    const std::size_t known = streams_.size();
+    const bool looks_again = !options_.filter.text.empty() && frames_ % frames_per_filter == 0;
+    if (streams.size() == known && !looks_again) return;
+    if (streams.size() != known) {
+        streams_ = streams.select({}, StreamOrder::appearance, traffic_->now(), units(), definitions());
+        is_shown_.resize(streams_.size());
+    }
+    std::vector<const Stream*> further;
+    for (std::size_t i = looks_again ? 0 : known; i < streams_.size(); ++i)
+        if (!is_shown_[i] && admits(*streams_[i])) {
+            further.push_back(streams_[i]);
+            is_shown_[i] = true;
+        }
+    if (further.empty()) return;
+    if (order_->GetSelection() == static_cast<int>(StreamOrder::appearance))
+        tree_->add(further);
+    else
+        is_stale_ = true;
+}
+
+void MonitorWindow::rebuild() {
+    is_stale_ = false;
+    if (!traffic_) return;
+    const Streams& streams = traffic_->streams();
+    streams_ = streams.select({}, StreamOrder::appearance, traffic_->now(), units(), definitions());
+    is_shown_.assign(streams_.size(), false);
+    auto chosen = streams.select({}, static_cast<StreamOrder>(order_->GetSelection()), traffic_->now(),
+                                 units(), definitions());
+    std::erase_if(chosen, [this](const Stream* stream) { return !admits(*stream); });
+    for (const Stream* const stream : chosen) is_shown_[stream->order()] = true;
+    tree_->show(chosen);
+    tree_->refresh(traffic_->now(), false);
+    show_columns();
+}
+
+void MonitorWindow::show_devices() {
+    if (!traffic_ || (player_->paused() && !devices_.empty())) return;
+    devices_ = traffic_->devices();
+    std::vector<TextTable::Row> rows;
+    titles_.clear();
+    for (const DeviceRow& device : devices_) {
+        const wxString title = wxString::FromUTF8(device.title);
+        if (device.address) titles_[{device.bus, *device.address}] = title;
+        rows.push_back({device.address ? std::to_string(*device.address) : std::string(), title,
+                        wxString::Format("%.1f", device.rate), wxString::FromUTF8(device.notes)});
+    }
+    // A device keeps being chosen wherever its row and its address went.
+    is_choosing_ = true;
+    device_table_->set_rows(std::move(rows));
+    for (std::size_t i = 0; i < devices_.size(); ++i)
+        device_table_->select(i, std::ranges::any_of(chosen_devices_, [&](const DeviceRow& chosen) {
+                                  return is_same(chosen, devices_[i]);
+                              }));
+    is_choosing_ = false;
+    choose_devices();
+}
+
+void MonitorWindow::choose_devices() {
+    chosen_devices_.clear();
+    std::set<Address> addresses;
+    for (const std::size_t i : device_table_->selection()) {
+        if (i >= devices_.size()) continue;
+        chosen_devices_.push_back(devices_[i]);
+        if (devices_[i].address) addresses.insert({devices_[i].bus, *devices_[i].address});
+    }
+    if (addresses == chosen_) return;
+    chosen_ = std::move(addresses);
+    rebuild();
+    show_status();
+}
+
+void MonitorWindow::show_columns() {
+    if (!traffic_) return;
+    std::vector<StreamColumns::Line> lines;
+    const PlayTime now = traffic_->now();
+    for (const auto& [stream, area] : tree_->visible()) {
+        const auto title = titles_.find({stream->bus(), stream->msg().source});
+        wxString name = wxString::Format("%d", stream->msg().source);
+        if (title != titles_.end() && !title->second.empty()) name << "  " << title->second;
+        lines.push_back({area.y + area.height / 2, name, rate_text(stream->rate(now)),
+                         age_text(now - stream->seen()), stream->is_silent(now)});
+    }
+    columns_->show(std::move(lines));
+}
+
+void MonitorWindow::show_message() {
+    if (!halves_->IsSplit()) return;
+    if (const Stream* const stream = tree_->selected(); stream != nullptr)
+        message_->show(*stream, units(), definitions());
+}
+
+wxString MonitorWindow::status() const {
+    if (!player_) return "No source; Ctrl+O opens one";
+    std::string text;
+    const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : " · ") + part; };
+    if (player_->paused()) add("PAUSED");
+    if (player_->ended()) add("END");
+    if (!player_->notice().empty()) add(player_->notice());
+    const std::size_t shown = tree_->size(), all = streams_.size();
+    add(chosen_.empty() ? concat(devices_.size(), " devices")
+                        : concat(chosen_.size(), " of ", devices_.size(), " devices"));
+    add(shown == all ? concat(all, " streams") : concat(shown, " of ", all, " streams"));
+    double rate = 0;
+    for (std::size_t i = 0; i < all; ++i)
+        if (is_shown_[i]) rate += streams_[i]->rate(traffic_->now());
+    add(formatted("%.0f/s", rate));
+    if (const auto share = traffic_->share_of_bus()) add(formatted("%.1f %% of the bus", 100 * *share));
+    if (player_->can_seek()) add(formatted("%.0f %%", 100 * player_->place()));
+    const auto lost = [&add](std::uint64_t count, const char* what) {
+        if (count > 0) add(concat(count, what));
+    };
+    const ReassemblyCounters& losses = player_->losses();
+    lost(losses.incomplete_fast_packets + losses.incomplete_transports, " incomplete");
+    lost(player_->counters().problems, " errors");
+    lost(traffic_->refused(), " without room");
+    return wxString::FromUTF8(text);
+}
+
+void MonitorWindow::show_status() {
+    const wxString text = status();
+    if (GetStatusBar()->GetStatusText() != text) SetStatusText(text);
+    show_problems();
+}
+
+void MonitorWindow::show_problems() {
+    if (!player_ || player_->first_problem() == told_problem_) return;
+    told_problem_ = player_->first_problem();
+    problems_->ShowMessage("The first error: " + wxString::FromUTF8(told_problem_), wxICON_WARNING);
+}
+
+// ---- what the user does ----
+
+void MonitorWindow::pause(bool paused) {
+    pause_->SetValue(paused);
+    menu_bar_->Check(id_pause, paused);
+    if (!traffic_) return;
+    traffic_->pause(paused);
+    // While a live source is paused the streams are others, of which there may be fewer.
+    streams_ =
+        traffic_->streams().select({}, StreamOrder::appearance, traffic_->now(), units(), definitions());
+    tree_->rebind(streams_);
+    is_shown_.resize(streams_.size());
+    is_stale_ = is_stale_ || !paused;
+    show_status();
+}
+
+void MonitorWindow::apply(const core::UnitSelection& units) {
+    options_.settings.units = units;
+    tree_->set_units(units);
+    if (!traffic_) return;
+    tree_->refresh(traffic_->now(), false);
+    show_message();
+}
+
+void MonitorWindow::show_everything() {
+    options_.filter = {};
+    search_->ChangeValue("");
+    for (std::size_t i = 0; i < devices_.size(); ++i) device_table_->select(i, false);
+    is_stale_ = true;
+}
+
+void MonitorWindow::show_context_menu(wxTreeEvent& event) {
+    if (event.GetItem().IsOk()) tree_->control().SelectItem(event.GetItem());
+    wxMenu menu;
+    menu.Append(id_message, "Show &message");
+    menu.AppendSeparator();
+    menu.Append(id_copy_line, "&Copy line");
+    menu.Append(id_copy_text, "Copy message as &text");
+    menu.Append(id_copy_json, "Copy message as &JSON");
+    menu.Append(id_copy_hex, "Copy message as &hex");
+    menu.Append(id_copy_key, "Copy &key of the field");
+    PopupMenu(&menu);
+}
+
+void MonitorWindow::open_message() {
+    if (tree_->selected() == nullptr) return;
+    if (!halves_->IsSplit()) halves_->SplitHorizontally(halves_->GetWindow1(), message_, -FromDIP(240));
+    show_message();
+    if (const auto field = tree_->selected_field()) message_->choose(*field);
+}
+
+void MonitorWindow::find_next() {
+    if (!tree_->find_next(search_->GetValue()) && !search_->IsEmpty()) wxBell();
+}
+
+template <class Text>
+void MonitorWindow::copy_of_stream(Text text) {
+    if (const Stream* const stream = tree_->selected(); stream != nullptr)
+        copy(wxString::FromUTF8(text(*stream)));
+}
+
+void MonitorWindow::copy_field_key() {
+    if (const auto field = tree_->selected_field())
+        copy_of_stream([&](const Stream& s) { return key_of_field(s.msg(), *field, definitions()); });
+}
+
+void MonitorWindow::save() {
+    wxFileDialog chooser(this, "Save the expanded lines", wxEmptyString, "monitor.txt", "Text (*.txt)|*.txt",
+                         wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    if (chooser.ShowModal() != wxID_OK) return;
+    wxFile file;
+    if (!file.Create(chooser.GetPath(), true) || !file.Write(tree_->visible_lines(), wxConvUTF8) ||
+        !file.Close())
+        wxMessageBox("The file could not be written.", "Save", wxOK | wxICON_ERROR, this);
+}
+
+void MonitorWindow::show_keys() {
+    wxDialog dialog(this, wxID_ANY, "Keys");
+    auto* const grid = new wxFlexGridSizer(2, FromDIP(wxSize(16, 4)));
+    for (const Key& key : keys) {
+        auto* const name = new wxStaticText(&dialog, wxID_ANY, key.key);
+        name->SetFont(name->GetFont().Bold());
+        grid->Add(name);
+        grid->Add(new wxStaticText(&dialog, wxID_ANY, key.what));
+    }
+    auto* const sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(grid, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(12)));
+    sizer->Add(dialog.CreateButtonSizer(wxOK), wxSizerFlags().Expand().Border());
+    dialog.SetSizerAndFit(sizer);
+    dialog.CentreOnParent();
+    dialog.ShowModal();
 }
 
 }  // namespace vistel

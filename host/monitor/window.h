@@ -1,48 +1,123 @@
 #pragma once
 
+#include <wx/frame.h>
 #include <wx/timer.h>
 
+#include <map>
 #include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
-#include "monitor/latest.h"
-#include "monitor/player.h"
+#include "monitor/settings.h"
+#include "monitor/stream_tree.h"
+#include "monitor/traffic.h"
 
-class PGN_VistelDlg_c;
-class wxTreeCtrl;
+class wxChoice;
+class wxInfoBar;
+class wxSearchCtrl;
+class wxSplitterWindow;
+class wxToggleButton;
 
 namespace vistel {
 
-/// The monitor dialog with a menu and a status line, fed by a player. When the user closes the dialog it is
-/// destroyed and the main loop ends; this object is then good for nothing but to be deleted.
-class MonitorWindow : public wxEvtHandler, private PlayListener {
+class MessagePane;
+class PlayerBar;
+class StreamColumns;
+class TextTable;
+class UnitWindow;
+
+/// The window of `vistel monitor`: devices at the left, at the right the streams of those that are chosen,
+/// and beneath them the message that is looked at. It is fed by a player and closes like any frame.
+class MonitorWindow : public wxFrame {
   public:
-    explicit MonitorWindow(std::unique_ptr<Player> player);
+    struct Options {
+        PlayOptions play = {};  ///< how later recordings are played, too
+        StreamFilter filter = {};
+        Settings settings = {};
+        wxString settings_file = {};  ///< that they are kept in; empty for none
+    };
+
+    /// Without a source; `open` gives it one.
+    explicit MonitorWindow(Options options);
     ~MonitorWindow() override;
 
-    void show();
-    /// Plays another recording from its start, in the same way. False with the reason in `error`, and the
-    /// one that is playing goes on.
-    bool open(const std::string& file, std::string& error);
+    /// Plays a recording or a live source from its start. False with the reason in `error`, and the one that
+    /// is playing goes on.
+    bool open(const std::string& name, std::string& error);
+    /// The same for a player that has opened its source.
+    void play(std::unique_ptr<Player> player);
+
+    /// Asks for a source, and opens it.
+    void choose_source();
 
   private:
-    void build_menu();
-    void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
-    void show_frame();
-    void show_status();
-    void show_source();
-    void choose_recording();
-    void save();
-    void copy();
+    using Definitions = pgn_vistel::core::Definitions;
+    using Address = std::pair<std::uint8_t, std::uint8_t>;  ///< bus and source
 
-    PGN_VistelDlg_c* dialog_;
-    wxTreeCtrl* tree_;
+    void build_menu();
+    void build_controls();
+    void place();
+    void close();
+
+    void show_frame();
+    void take_new_streams();
+    void rebuild();
+    bool admits(const Stream& stream) const;
+    void show_devices();
+    void choose_devices();
+    void show_columns();
+    void show_message();
+    void show_status();
+    void show_problems();
+    wxString status() const;
+
+    void pause(bool paused);
+    void apply(const pgn_vistel::core::UnitSelection& units);
+    void open_or_tell(const std::string& name);
+    void show_recent();
+    void show_everything();
+    void show_context_menu(wxTreeEvent& event);
+    void open_message();
+    void find_next();
+    void save();
+    void show_keys();
+    void copy_field_key();
+    template <class Text>
+    void copy_of_stream(Text text);
+
+    const pgn_vistel::core::UnitSelection& units() const { return options_.settings.units; }
+    Definitions definitions() const { return options_.play.definitions; }
+
+    Options options_;
     std::unique_ptr<Player> player_;
-    LatestMessages latest_;
+    std::unique_ptr<Traffic> traffic_;
+
+    wxToggleButton* pause_ = nullptr;
+    wxSearchCtrl* search_ = nullptr;
+    wxChoice* order_ = nullptr;
+    wxInfoBar* problems_ = nullptr;
+    TextTable* device_table_ = nullptr;
+    wxSplitterWindow* halves_ = nullptr;  // streams above, message below
+    std::unique_ptr<StreamTree> tree_;
+    StreamColumns* columns_ = nullptr;
+    MessagePane* message_ = nullptr;
+    PlayerBar* player_bar_ = nullptr;
+    UnitWindow* unit_window_ = nullptr;
+    wxMenuBar* menu_bar_ = nullptr;
+    wxMenu* recent_ = nullptr;
+
+    std::vector<const Stream*> streams_;  // all, in the order of their appearance
+    std::vector<bool> is_shown_;          // of each
+    std::vector<DeviceRow> devices_;
+    std::vector<DeviceRow> chosen_devices_;
+    std::set<Address> chosen_;  // their addresses
+    std::map<Address, wxString> titles_;
+    std::string told_problem_;
+    bool is_choosing_ = false;  // devices, not the user but the window
+    bool is_stale_ = false;     // the filter or the order is another one
     wxTimer timer_;
-    std::uint64_t replaced_ =
-        0;  // messages that a later one of their stream came behind before they were shown
-    std::uint64_t refused_ = 0;  // messages of this recording
-    bool display_paused_ = false;
     unsigned frames_ = 0;
 };
 

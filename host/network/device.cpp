@@ -1,6 +1,7 @@
 #include "network/device.h"
 
 #include "pgn_vistel/core/decode.h"
+#include "text/words.h"
 
 namespace vistel {
 
@@ -54,11 +55,32 @@ void Device::absorb(Device&& earlier) {
     }
 }
 
-std::string device_label(const Device& device) {
-    if (!device.product.model.empty()) return device.product.model;
-    const std::string& maker = device.parts.manufacturer.text;
-    const std::string& function = device.parts.function.text;
-    return maker.empty() || function.empty() ? maker + function : maker + " " + function;
+std::string text_or_number(const Code& code) {
+    return !code.text.empty() || !code.number ? code.text : std::to_string(*code.number);
+}
+
+std::string title_of(const Device& device) {
+    std::string title = text_or_number(device.parts.manufacturer);
+    const std::string what =
+        device.product.model.empty() ? text_or_number(device.parts.function) : device.product.model;
+    if (!title.empty() && !what.empty()) title += ' ';
+    return title + what;
+}
+
+std::string notes_on(const Device& device) {
+    std::string notes;
+    const auto add = [&notes](const auto&... parts) { notes += concat(notes.empty() ? "" : ", ", parts...); };
+    switch (device.state) {
+        case Device::State::unknown: add("unknown at ", unsigned{*device.address}); break;
+        case Device::State::active: break;
+        case Device::State::displaced: add("displaced from ", unsigned{*device.last_address}); break;
+        case Device::State::cannot_claim: add("cannot claim an address"); break;
+    }
+    if (device.commanded && device.commanded != device.address)
+        add("told to take ", unsigned{*device.commanded});
+    if (device.conflicts > 0) add("conflicts: ", device.conflicts);
+    if (device.lost > 0) add("lost: ", device.lost);
+    return notes;
 }
 
 }  // namespace vistel

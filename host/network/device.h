@@ -143,8 +143,14 @@ struct Device {
     PgnTally& tally_of(std::uint32_t pgn);
 };
 
-/// What people call it, as far as it said: model, else manufacturer and function; empty where it said
-/// nothing.
-std::string device_label(const Device& device);
+/// What a device is called: manufacturer and model, or the function where it tells no model. Empty where
+/// nothing is known of it.
+std::string title_of(const Device& device);
+
+/// What is not as it should be with a device, "displaced from 3, lost: 2". Empty where all is well.
+std::string notes_on(const Device& device);
+
+/// The text of a code, or its number where that has none. Empty for neither.
+std::string text_or_number(const Code& code);
 
 }  // namespace vistel

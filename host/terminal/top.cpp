@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "network/message_view.h"
+#include "network/stream_text.h"
 #include "text/utf8.h"
 #include "text/words.h"
 
@@ -14,42 +15,7 @@ namespace core = pgn_vistel::core;
 
 namespace {
 
-constexpr std::array order_names = {"appearance", "PGN", "source", "rate", "latest"};
 constexpr PlayTime glow = one_second;
-
-template <class... Values>
-std::string formatted(const char* format, Values... values) {
-    char text[64];
-    std::snprintf(text, sizeof text, format, values...);
-    return text;
-}
-
-/// "0.3s", "12s", "5m", "3h"
-std::string age_text(PlayTime age) {
-    const double seconds = static_cast<double>(std::max<PlayTime>(0, age)) / one_second;
-    if (seconds < 9.95) return formatted("%.1fs", seconds);
-    if (seconds < 600) return formatted("%.0fs", seconds);
-    if (seconds < 6000) return formatted("%.0fm", seconds / 60);
-    return formatted("%.0fh", seconds / 3600);
-}
-
-std::string rate_text(double rate) {
-    if (rate <= 0) return "-";
-    if (rate < 0.095) return formatted("%.0fs", 1 / rate);  // so long from one to the next
-    return formatted(rate < 9.95 ? "%.1f/s" : "%.0f/s", rate);
-}
-
-constexpr PlayTime rate_period = 10 * one_second;  // of devices
-
-std::string_view state_text(Device::State state) {
-    switch (state) {
-        case Device::State::active: return "";
-        case Device::State::displaced: return "displaced";
-        case Device::State::cannot_claim: return "no address";
-        case Device::State::unknown: break;
-    }
-    return "no NAME heard";
-}
 
 constexpr int source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
 
@@ -83,32 +49,15 @@ std::vector<PageLine> help_lines(const std::string& problem) {
 }  // namespace
 
 Top::Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter)
-    : player_(player), units_(std::move(units)), filter_(std::move(filter)) {}
-
-void Top::on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) {
-    streams_.put(msg, bus, now);
-    networks_[bus].put(msg, time);
-}
-
-void Top::on_record(const Record& record) {
-    networks_[record.bus].count_wire(record, player_.options().definitions);
-}
+    : player_(player), traffic_(player), units_(std::move(units)), filter_(std::move(filter)) {}
 
 void Top::advance() {
-    player_.advance(*this);
-    if (player_.now() - last_turn_ < rate_period) return;
-    last_turn_ = player_.now();
-    for (auto& [bus, network] : networks_) network.turn();
+    traffic_.advance();
 }
 
 void Top::pause(bool paused) {
-    player_.pause(paused);
+    traffic_.pause(paused);
     rows_.clear();  // until the next page: they may be of the other picture
-    frozen_.reset();
-    if (paused && !player_.is_paced()) {
-        frozen_ = std::make_unique<Streams>(streams_);
-        frozen_at_ = player_.now();
-    }
 }
 
 void Top::move(int lines) {
@@ -127,9 +76,8 @@ void Top::move(int lines) {
 void Top::choose_device() {
     view_ = View::streams;
     if (devices_.empty()) return;
-    const Device& device = *devices_[static_cast<std::size_t>(device_cursor_)].device;
-    if (const auto address = device.address ? device.address : device.last_address)
-        filter_.sources = {*address};
+    const DeviceRow& device = devices_[static_cast<std::size_t>(device_cursor_)];
+    if (device.address) filter_.sources = {*device.address};
 }
 
 bool Top::press_in_filter(std::uint32_t key) {
@@ -190,26 +138,25 @@ bool Top::press(std::uint32_t key) {
             }
             break;
         case 'o':
-            order_ = static_cast<StreamOrder>((static_cast<unsigned>(order_) + 1) % order_names.size());
+            order_ =
+                static_cast<StreamOrder>((static_cast<unsigned>(order_) + 1) % stream_order_names.size());
             break;
         case 'u': unit_set_ = (unit_set_ + 1) % units_.size(); break;
         case ' ':
         case 'p': pause(!player_.paused()); break;
         case '.':
-            if (player_.paused() && player_.is_paced()) player_.step(*this);
+            if (player_.paused() && player_.is_paced()) traffic_.step();
             break;
         case '+':
         case '-':
             if (const double now = player_.options().speed.value_or(1); player_.is_paced() && now > 0)
                 player_.set_speed(std::clamp(key == '+' ? now * 2 : now / 2, least_speed, most_speed));
             break;
-        case '<': player_.seek(player_.place() - step, *this); break;
-        case '>': player_.seek(player_.place() + step, *this); break;
+        case '<': traffic_.seek(player_.place() - step); break;
+        case '>': traffic_.seek(player_.place() + step); break;
         case 'c':
-            streams_.clear();
-            networks_.clear();
+            traffic_.clear();
             devices_.clear();
-            if (frozen_) frozen_->clear();
             rows_.clear();
             view_ = View::streams;
             break;
@@ -228,11 +175,8 @@ PageLine Top::status(int width) const {
     double rate = 0;
     for (const Stream* const stream : rows_) rate += stream->rate(now());
     line.add(formatted(" · %.0f/s", rate));
-    // Of several buses the busiest.
-    std::optional<double> share;
-    for (const auto& [bus, network] : networks_)
-        if (const auto one = network.share(network.wire()); one && (!share || *one > *share)) share = one;
-    if (share) line.add(formatted(" · %.1f %% of the bus", 100 * *share));
+    if (const auto share = traffic_.share_of_bus())
+        line.add(formatted(" · %.1f %% of the bus", 100 * *share));
     if (player_.is_paced()) {
         if (const double speed = player_.options().speed.value_or(1); speed > 0 && speed != 1)
             line.add(formatted(" · %g times", speed));
@@ -245,7 +189,7 @@ PageLine Top::status(int width) const {
     };
     alarm(incomplete, " incomplete");
     alarm(player_.counters().problems, " errors");
-    alarm(streams_.refused(), " without room");
+    alarm(traffic_.refused(), " without room");
     if (!player_.notice().empty()) line.add(" · " + player_.notice(), Style::alarm);
     return line.to_column(width);
 }
@@ -287,10 +231,10 @@ void Top::add_streams(Page& page, int width, int height) {
         .to_column(age_column)
         .add("  Age", Style::heading)
         .to_column(name_column);
-    page.push_back(
-        heading
-            .add(concat("Message (by ", order_names[static_cast<std::size_t>(order_)], ")"), Style::heading)
-            .to_column(width));
+    page.push_back(heading
+                       .add(concat("Message (by ", stream_order_names[static_cast<std::size_t>(order_)], ")"),
+                            Style::heading)
+                       .to_column(width));
     page_rows_ = std::max(1, height - 1);
     first_row_ = std::clamp(first_row_, std::max(0, cursor_ - page_rows_ + 1), cursor_);
     for (int i = first_row_; i < first_row_ + page_rows_; ++i) {
@@ -306,51 +250,31 @@ void Top::add_streams(Page& page, int width, int height) {
 
 std::string Top::device_at(std::uint8_t bus, std::uint8_t address) const {
     for (const DeviceRow& row : devices_)
-        if (row.bus == bus && row.device->address == address) return device_label(*row.device);
+        if (row.bus == bus && row.address == address) return row.title;
     return {};
 }
 
 void Top::add_devices(Page& page, int width, int height) {
-    constexpr int address_column = 1, label_column = 6;
-    const int rate_column = width - 44, share_column = width - 34, lost_column = width - 25,
-              state_column = width - 16;
+    constexpr int address_column = 1, title_column = 6;
+    const int rate_column = width - 46, share_column = width - 36, notes_column = width - 27;
     PageLine heading;
-    heading.to_column(address_column)
-        .add("Addr", Style::heading)
-        .to_column(label_column)
-        .add("Device", Style::heading);
-    heading.to_column(rate_column)
-        .add("    Rate", Style::heading)
-        .to_column(share_column)
-        .add("    Bus", Style::heading);
-    heading.to_column(lost_column)
-        .add("   Lost", Style::heading)
-        .to_column(state_column)
-        .add(" State", Style::heading);
-    page.push_back(std::move(heading));
+    heading.to_column(address_column).add("Addr", Style::heading).to_column(title_column);
+    heading.add("Device", Style::heading).to_column(rate_column).add("    Rate", Style::heading);
+    heading.to_column(share_column).add("    Bus", Style::heading).to_column(notes_column);
+    page.push_back(std::move(heading.add(" Notes", Style::heading)));
     page_rows_ = std::max(1, height - 1);
     device_cursor_ = std::clamp(device_cursor_, 0, std::max(0, static_cast<int>(devices_.size()) - 1));
     first_device_ = std::clamp(first_device_, std::max(0, device_cursor_ - page_rows_ + 1), device_cursor_);
     for (int i = first_device_; i < first_device_ + page_rows_; ++i) {
         PageLine line;
         if (i < static_cast<int>(devices_.size())) {
-            const auto& [bus, network, device] = devices_[static_cast<std::size_t>(i)];
-            const auto rates = network->rates(device->messages);
-            const auto share = network->share(device->wire);
+            const DeviceRow& device = devices_[static_cast<std::size_t>(i)];
             line.to_column(address_column);
-            line.add(device->address ? formatted("%4u", unsigned{*device->address}) : std::string("   -"));
-            line.to_column(label_column).add(device_label(*device), Style::strong);
-            if (const auto& product = device->product; !product.model.empty())
-                line.add("  " + device->parts.manufacturer.text + "  " + product.software_version);
-            line.to_column(rate_column)
-                .add(rates ? formatted(" %5.1f/s", rates->messages) : std::string("       -"));
-            line.to_column(share_column)
-                .add(share ? formatted(" %5.1f %%", 100 * *share) : std::string("       -"));
-            line.to_column(lost_column)
-                .add(formatted(" %6llu", static_cast<unsigned long long>(device->lost)),
-                     device->lost > 0 ? Style::alarm : Style::plain);
-            line.to_column(state_column).add(" ").add(state_text(device->state), Style::faint);
-            line.to_column(width);
+            line.add(device.address ? formatted("%4u", unsigned{*device.address}) : std::string("   -"));
+            line.to_column(title_column).add(device.title, Style::strong).to_column(rate_column);
+            line.add(formatted(" %5.1f/s", device.rate)).to_column(share_column);
+            line.add(device.share ? formatted(" %5.1f %%", 100 * *device.share) : std::string("       -"));
+            line.to_column(notes_column).add(" ").add(device.notes, Style::faint).to_column(width);
             if (i == device_cursor_) line.mark();
         }
         page.push_back(std::move(line));
@@ -403,7 +327,7 @@ PageLine Top::footer(int width) const {
     PageLine line;
     if (typing_) {
         line.add(" filter: ").add(filter_.text + "_", Style::strong);
-    } else if (streams_.size() == 0 && !player_.first_problem().empty()) {
+    } else if (shown().size() == 0 && !player_.first_problem().empty()) {
         line.add(" " + player_.first_problem(), Style::alarm);
     } else {
         if (!filter_.text.empty()) line.add(concat(" filter: ", filter_.text, " "), Style::strong);
@@ -415,9 +339,7 @@ PageLine Top::footer(int width) const {
 
 Page Top::page(int width, int height) {
     rows_ = shown().select(filter_, order_, now(), units(), player_.options().definitions);
-    devices_.clear();
-    for (const auto& [bus, network] : networks_)
-        for (const Device* const device : network.devices()) devices_.push_back({bus, &network, device});
+    devices_ = traffic_.devices();
     // The cursor stays with its stream.
     const auto selected = std::ranges::find(rows_, selected_, &Stream::order);
     if (selected != rows_.end()) cursor_ = static_cast<int>(selected - rows_.begin());

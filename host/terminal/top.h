@@ -1,14 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "monitor/player.h"
-#include "network/network.h"
-#include "network/streams.h"
+#include "monitor/traffic.h"
 #include "pgn_vistel/core/units.h"
 #include "terminal/keys.h"
 #include "terminal/page.h"
@@ -16,7 +12,7 @@
 namespace vistel {
 
 /// What `vistel top` shows, and what its keys do. Knows no terminal: pages go in and out as text.
-class Top final : public PlayListener {
+class Top {
   public:
     struct NamedUnits {
         std::string name;
@@ -25,9 +21,6 @@ class Top final : public PlayListener {
 
     /// The units' key goes through the selections, of which there is one at least.
     Top(Player& player, std::vector<NamedUnits> units, StreamFilter filter);
-
-    void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
-    void on_record(const Record& record) override;
 
     /// Takes what is due.
     void advance();
@@ -41,13 +34,6 @@ class Top final : public PlayListener {
   private:
     enum class View : std::uint8_t { streams, devices, message, help };
 
-    /// A device and the number of its bus.
-    struct DeviceRow {
-        std::uint8_t bus;
-        const Network* network;
-        const Device* device;
-    };
-
     bool press_in_filter(std::uint32_t key);
     void move(int lines);
     void pause(bool paused);
@@ -60,25 +46,21 @@ class Top final : public PlayListener {
     std::string device_at(std::uint8_t bus, std::uint8_t address) const;
     PageLine row_of(const Stream& stream, int width) const;
     PageLine footer(int width) const;
-    const Streams& shown() const { return frozen_ ? *frozen_ : streams_; }
-    PlayTime now() const { return frozen_ ? frozen_at_ : player_.now(); }
+    const Streams& shown() const { return traffic_.streams(); }
+    PlayTime now() const { return traffic_.now(); }
     const pgn_vistel::core::UnitSelection& units() const { return units_[unit_set_].units; }
 
     Player& player_;
+    Traffic traffic_;
     std::vector<NamedUnits> units_;
     std::size_t unit_set_ = 0;
-    Streams streams_;
-    std::map<std::uint8_t, Network> networks_;  // by bus
-    PlayTime last_turn_ = 0;                    // of their rates
-    std::vector<DeviceRow> devices_;
-    int device_cursor_ = 0;
-    int first_device_ = 0;
-    std::unique_ptr<Streams> frozen_;  // what a paused display shows of a live source
-    PlayTime frozen_at_ = 0;
     StreamFilter filter_;
     StreamOrder order_ = StreamOrder::appearance;
     View view_ = View::streams;
     bool typing_ = false;  // the text of the filter
+    std::vector<DeviceRow> devices_;
+    int device_cursor_ = 0;
+    int first_device_ = 0;
     std::vector<const Stream*> rows_;
     std::uint64_t selected_ = 0;  // `order` of the stream under the cursor
     int cursor_ = 0;              // its row

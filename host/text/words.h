@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +40,14 @@ template <class... Parts>
 std::string concat(const Parts&... parts) {
     std::string text;
     (append_part(text, parts), ...);
+    return text;
+}
+
+/// A number or two by a format of `printf`, up to 63 characters.
+template <class... Numbers>
+std::string formatted(const char* format, Numbers... numbers) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, numbers...);
     return text;
 }
 

@@ -51,7 +51,7 @@ struct FieldValue {
 };
 
 /// Eight bytes, of which those behind the `available` ones are 0.
-inline std::uint64_t load_bytes(const std::uint8_t* data, int byte, int available) {
+[[gnu::always_inline]] inline std::uint64_t load_bytes(const std::uint8_t* data, int byte, int available) {
     constexpr int size = 8;
     std::uint64_t word = 0;
     if (available >= size) {

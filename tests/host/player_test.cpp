@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "host/temporary_recording.h"
-#include "monitor/latest.h"
 
 namespace vistel {
 namespace {
@@ -13,9 +12,9 @@ using namespace std::chrono_literals;
 /// A player on a recording, with a clock that the test turns.
 struct Played : PlayListener {
     Played(const std::string& text, std::optional<double> speed, bool loop = false)
-        : file(text), player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop}, [this] {
-              return clock;
-          }) {
+        : file(text),
+          player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop},
+                 [this] { return clock; }) {
         EXPECT_TRUE(player.open());
     }
     void on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) override {
@@ -30,7 +29,7 @@ struct Played : PlayListener {
         return shown;
     }
 
-    Player::Clock::time_point clock{};
+    Player::Clock::time_point clock{1h};
     test::TemporaryRecording file;
     Player player;
     std::vector<int> shown;
@@ -49,6 +48,7 @@ TEST(Player, KeepsTheRecordingsPace) {
     const std::string text = line("00:00:00", 0) + line("00:00:01", 1) + line("00:00:02", 2);
     Played usual(text, 1);
     EXPECT_EQ(usual.after(0ms), Bytes{0});
+    EXPECT_EQ(usual.times, std::vector{0.0}) << "whatever the host's clock says";
     EXPECT_EQ(usual.after(900ms), Bytes{});
     EXPECT_EQ(usual.after(100ms), Bytes{1});
     usual.player.pause(true);
@@ -100,24 +100,6 @@ TEST(Player, BeginsAgainAndGoesToAPlace) {
     sought.shown.clear();
     sought.player.seek(0.3, sought);
     EXPECT_EQ(sought.shown, (Bytes{0, 1}));
-}
-
-TEST(LatestMessages, KeepOneOfEachStreamAndDropThemWhereTheyAreTooMany) {
-    LatestMessages latest;
-    N2KMsg msg{};
-    msg.pgn = 127508;
-    msg.length = 1;
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(latest.put(msg), i == 1);
-    int pending = 0;
-    latest.show_pending([&pending](const N2KMsg&) { ++pending; });
-    EXPECT_EQ(pending, 1);
-    EXPECT_FALSE(latest.put(msg)) << "the one before was shown";
-    for (int i = 0; i < 4200; ++i) {
-        msg.source = static_cast<std::uint8_t>(i % 252);
-        msg.data[0] = static_cast<std::uint8_t>(i / 252);
-        latest.put(msg);
-    }
-    EXPECT_EQ(latest.dropped(), 4096u);
 }
 
 }  // namespace

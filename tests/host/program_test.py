@@ -337,7 +337,7 @@ class ProgramTest(unittest.TestCase):
         first, later = "0086010203040506", "0186010203040506"  # of a fast packet
         contents = {"a": frame("can0", 1, 1) + frame("can1", 2, 3), "b": frame("can1", 3, 2) + frame("can0", 4, 2.5),
                     "day": frame("vcan0", 5, 9, "08:00:"), "later": frame("vcan0", 6, 9.5, "08:00:"), "empty": "",
-                    "bad": "can0 09F11207#0\n" + frame("can0", 7, 5), "early": frame("can0", 8, 0),
+                    "clockless": "can0 09F11209#05102700FF7FFF7F\n", "bad": "can0 09F11207#0\n" + frame("can0", 7, 5), "early": frame("can0", 8, 0),
                     "head": f"can0 19F01423#{first}\n", "tail": f"can0 19F01423#{later}\n"}
         # Source, time and bus of each message; status; what is told.
         cases = [
@@ -368,6 +368,8 @@ class ProgramTest(unittest.TestCase):
                     self.assertEqual(vistel("decode", "--csv", *arguments).stdout, "", given)
             both = [os.path.join(folder, name) for name in "ab"]
             self.assertEqual(len(vistel("convert", "--to", "candump", *both).stdout.splitlines()), 4)
+            mixed = vistel("devices", "--json", os.path.join(folder, "clockless"), both[0]).stdout.splitlines()
+            self.assertEqual({json.loads(line)["first_seen"] for line in mixed}, {None, 0})
             merged = csv.DictReader(io.StringIO(vistel("devices", "--csv", "--merge", *both).stdout))
             self.assertEqual([row["bus"] for row in merged], [os.path.join(folder, bus) for bus in
                                                               ("a:can0", "b:can1", "b:can0", "a:can1")])

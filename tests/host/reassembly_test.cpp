@@ -139,8 +139,8 @@ struct Cast {
     }
 
     /// Plays the words of a script: `+750` and `-750` move the clock by milliseconds, `noclock` switches it
-    /// off, `bus1` goes to another bus, `finish` ends the recording, `*4000` puts as many frames of others, any other word is the name of
-    /// a piece.
+    /// off, `bus1` goes to another bus, `finish` ends the recording, `*4000` puts as many frames of others,
+    /// any other word is the name of a piece.
     std::string outcome(const std::string& script) const {
         std::string delivered;
         std::uint64_t messages = 0, pieces_put = 0, pieces_emitted = 0;  // of sessions: emitted as they are

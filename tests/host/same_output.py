@@ -2,6 +2,7 @@
 byte. Both are commands, of one or more words."""
 
 import itertools
+import os
 import shlex
 import subprocess
 import sys
@@ -12,6 +13,7 @@ FORMS = [], ["--units", "metric"], ["--json"], ["--csv"]
 
 
 def output(program, form, recording):
+    recording = os.path.relpath(recording)  # on Windows a slash in front may begin an option
     return subprocess.run([*shlex.split(program), "decode", *form, recording], check=True, capture_output=True).stdout
 
 

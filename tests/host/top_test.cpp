@@ -112,15 +112,15 @@ TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
     shown.type("d");
     EXPECT_THAT(shown.line(1), StartsWith(" Addr Device"));
     EXPECT_THAT(shown.line(2), HasSubstr("   7 "));
-    EXPECT_THAT(shown.line(2), HasSubstr("no NAME heard"));
-    EXPECT_THAT(shown.line(3), HasSubstr("  35 Engine Gateway "));
+    EXPECT_THAT(shown.line(2), HasSubstr("unknown at 7"));
+    EXPECT_THAT(shown.line(3), HasSubstr("  35 2001 Engine Gateway "));
     EXPECT_THAT(shown.line(3), HasSubstr(" 3.0/s "));
     EXPECT_TRUE(shown.top.press(key_down));
     shown.lines();
     EXPECT_TRUE(shown.top.press(key_enter));
     EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 2 of 3 streams · "));
     EXPECT_TRUE(shown.top.press(key_enter));
-    EXPECT_THAT(shown.line(2), StartsWith(" Engine Gateway"));
+    EXPECT_THAT(shown.line(2), StartsWith(" 2001 Engine Gateway"));
 }
 
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {

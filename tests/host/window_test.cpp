@@ -1,7 +1,11 @@
 #include "monitor/window.h"
 
 #include <wx/filename.h>
-#include <wx/frame.h>
+#include <wx/infobar.h>
+#include <wx/listctrl.h>
+#include <wx/srchctrl.h>
+#include <wx/stattext.h>
+#include <wx/tglbtn.h>
 
 #include "host/temporary_recording.h"
 #include "views/windows.h"
@@ -12,40 +16,164 @@ namespace {
 using namespace pgn_vistel::test;
 using namespace vistel::test;
 
-TEST(Window, SaysWhatIsNotShown) {
-    const TemporaryRecording full(batteries(2100)), many(batteries(4200)), few(batteries(2));
-    const auto title = [](const TemporaryRecording& file) {
-        return wxFileName(file.name()).GetFullName() + " - PGN Vistel";
-    };
-    auto player = std::make_unique<Player>(PlayOptions{.file = full.name(), .format = {}, .contents = {}, .speed = 0});
-    std::string error;
-    ASSERT_TRUE(player->open());
-    MonitorWindow window(std::move(player));
-    window.show();
-    auto* const frame = dynamic_cast<wxFrame*>(wxWindow::FindWindowByLabel(title(full)));
-    ASSERT_NE(frame, nullptr);
-    /// The status at the end of the recording that is playing.
-    const auto final_status = [frame] {
-        frame->SetStatusText("");
-        const auto status = [frame] { return frame->GetStatusBar()->GetStatusText(); };
-        EXPECT_TRUE(eventually([&] { return status().EndsWith(" - end"); })) << status();
-        return status();
-    };
+/// The first control of a kind in a window, at any depth.
+template <class Control>
+Control* find_in(const wxWindow& window) {
+    for (wxWindow* const child : window.GetChildren()) {
+        if (auto* const control = dynamic_cast<Control*>(child)) return control;
+        if (auto* const control = find_in<Control>(*child)) return control;
+    }
+    return nullptr;
+}
 
-    const wxString seen = ", 0 of them replaced by later ones before they were shown";
-    EXPECT_EQ(final_status(), "2100 messages" + seen + ", 100 without room - end");
-    EXPECT_FALSE(window.open("/none.log", error));
-    EXPECT_NE(error, "");
-    EXPECT_TRUE(window.open(many.name(), error)) << error;
-    EXPECT_EQ(frame->GetTitle(), title(many));
-    const wxString of_many = final_status();
-    EXPECT_TRUE(of_many.StartsWith("4200 messages" + seen + ", ")) << of_many;
-    EXPECT_TRUE(of_many.Contains(" dropped because of too many streams")) << of_many;
-    EXPECT_TRUE(window.open(few.name(), error)) << error;
-    EXPECT_EQ(final_status(), "2 messages" + seen + " - end") << "of this recording alone";
-    EXPECT_EQ(blocks_of(*children_of<wxTreeCtrl>(*frame).at(0)).size(), 2u);
-    frame->Close();
-    EXPECT_TRUE(eventually([] { return wxTopLevelWindows.empty(); }));
+/// The window, playing as quickly as it can.
+struct Shown {
+    explicit Shown(MonitorWindow::Options options = {}) {
+        options.play.speed = 0;
+        window = new MonitorWindow(std::move(options));
+        bring_up(*window);
+    }
+    ~Shown() {
+        window->Close();
+        EXPECT_TRUE(eventually([] { return wxTopLevelWindows.empty(); }));
+    }
+    bool open(const std::string& name) { return window->open(name, error); }
+    void play_to_end(const TemporaryRecording& recording) {
+        ASSERT_TRUE(open(recording.name())) << error;
+        EXPECT_TRUE(eventually_says("END")) << status();
+    }
+    /// In UTF-8.
+    std::string status() const { return window->GetStatusBar()->GetStatusText().ToStdString(wxConvUTF8); }
+    bool eventually_says(const char* part) const {
+        return eventually([&] { return status().find(part) != std::string::npos; });
+    }
+    std::vector<Block> blocks() const { return blocks_of(*find_in<wxTreeCtrl>(*window)); }
+    /// PGN and name of the streams that are shown.
+    std::vector<std::wstring> names() const {
+        std::vector<std::wstring> found;
+        for (const Block& block : blocks()) found.push_back(block.label.substr(block.label.find(L',') + 2));
+        return found;
+    }
+
+    MonitorWindow* window;
+    std::string error;
+};
+
+using Names = std::vector<std::wstring>;
+
+const char* const boat =
+    "00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n"
+    "00:00:01,3,128267,4,255,8,00,2c,01,00,00,ff,7f,ff\n"
+    "00:00:02,6,127508,9,255,8,00,b0,04,ff,ff,ff,ff,00\n";
+
+TEST(Window, SaysWhatIsNotShown) {
+    const TemporaryRecording too_many(batteries(4200)), few(batteries(2)), none("no recording at all\n");
+    Shown shown;
+    EXPECT_FALSE(shown.open("/none.log"));
+    EXPECT_NE(shown.error, "");
+    shown.play_to_end(too_many);
+    EXPECT_EQ(shown.window->GetTitle(), wxFileName(too_many.name()).GetFullName() + " - PGN Vistel");
+    EXPECT_TRUE(shown.eventually_says("104 without room")) << shown.status();
+    shown.play_to_end(few);
+    EXPECT_TRUE(shown.status().starts_with("END · 2 devices · 2 streams")) << shown.status();
+    EXPECT_EQ(shown.status().find("room"), std::string::npos) << "of this recording alone";
+    EXPECT_EQ(shown.blocks().size(), 2u);
+    shown.play_to_end(none);
+    const auto* const problems = find_in<wxInfoBar>(*shown.window);
+    EXPECT_TRUE(eventually([&] { return problems->IsShown(); }));
+}
+
+TEST(Window, ShowsWhatTheFilterAdmits) {
+    const TemporaryRecording recording(boat);
+    Shown shown;
+    shown.play_to_end(recording);
+    const Names all = {L"Vessel Heading", L"Water Depth", L"Battery Status"};
+    EXPECT_EQ(shown.names(), all);
+
+    press('F', wxMOD_CONTROL);
+    for (const char key : {'d', 'e', 'p', 't', 'h'}) press(key);
+    EXPECT_TRUE(shown.eventually_says("1 of 3 streams")) << shown.status();
+    EXPECT_EQ(shown.names(), Names{L"Water Depth"});
+    press(WXK_F3);
+    auto& tree = *find_in<wxTreeCtrl>(*shown.window);
+    EXPECT_TRUE(tree.GetItemText(tree.GetSelection()).Contains("Water Depth"));
+    press(WXK_F3);
+    EXPECT_TRUE(tree.GetItemText(tree.GetSelection()).Contains("Depth")) << "a field beneath";
+    EXPECT_TRUE(tree.IsExpanded(tree.GetItemParent(tree.GetSelection())));
+    press(WXK_ESCAPE);
+    EXPECT_TRUE(shown.eventually_says("· 3 streams")) << shown.status();
+    EXPECT_EQ(shown.names(), all);
+
+    // The device at the second of three addresses.
+    auto& devices = *find_in<wxListCtrl>(*shown.window);
+    wxRect row;
+    ASSERT_TRUE(devices.GetItemRect(1, row));
+    const wxPoint at = devices.ClientToScreen(row.GetPosition());
+    click_at(at.x + 10, at.y + row.height / 2);
+    EXPECT_TRUE(shown.eventually_says("1 of 3 devices · 1 of 3 streams")) << shown.status();
+    EXPECT_EQ(shown.names(), Names{L"Vessel Heading"});
+    press('R', wxMOD_CONTROL);
+    EXPECT_TRUE(shown.eventually_says("3 devices · 3 streams")) << shown.status();
+}
+
+TEST(Window, RedrawsInOtherUnitsAtTheEndOfARecording) {
+    const TemporaryRecording recording(boat);
+    Shown shown;
+    shown.play_to_end(recording);
+    const auto depth = [&] { return shown.blocks().at(1).lines.at(3); };
+    EXPECT_EQ(depth(), L"Water Depth, Transducer: 9.8425 ft");
+    press('U', wxMOD_CONTROL);
+    const auto button = [](const char* label) {
+        wxWindow* found = nullptr;
+        EXPECT_TRUE(eventually([&] { return (found = wxWindow::FindWindowByLabel(label)) != nullptr; }));
+        return found;
+    };
+    click(*button("&Metric"));
+    click(*button("&Apply"));
+    EXPECT_TRUE(eventually([&] { return depth() == L"Water Depth, Transducer: 3.0000 m"; }))
+        << wxString(depth());
+    click(*button("&Close"));
+}
+
+TEST(Window, PausesAndShowsOneMessage) {
+    const TemporaryRecording recording(boat);
+    MonitorWindow::Options looped;
+    looped.play.loop = true;
+    Shown shown(looped);
+    ASSERT_TRUE(shown.open(recording.name()));
+    EXPECT_TRUE(eventually([&] { return shown.blocks().size() == 3; }));
+    press('P', wxMOD_CONTROL);
+    EXPECT_TRUE(shown.eventually_says("PAUSED")) << shown.status();
+    EXPECT_TRUE(find_in<wxToggleButton>(*shown.window)->GetValue());
+    auto& tree = *find_in<wxTreeCtrl>(*shown.window);
+    wxTreeItemIdValue cookie;
+    tree.SelectItem(tree.GetFirstChild(tree.GetRootItem(), cookie));
+    tree.SetFocus();
+    press(WXK_RETURN);
+    EXPECT_TRUE(eventually([&] {
+        const auto* const title = find_in<wxStaticText>(*shown.window);
+        return title != nullptr && title->IsShownOnScreen() &&
+               title->GetLabel().StartsWith("127250 Vessel Heading");
+    }));
+}
+
+TEST(Window, RemembersWhatItIsTold) {
+    const wxString file = wxFileName::CreateTempFileName("window");
+    Settings written;
+    for (int i = 0; i < 12; ++i) written.remember_source("tcp://host:" + std::to_string(i));
+    written.remember_source("tcp://host:9");
+    written.place = wxRect(10, 20, 700, 500);
+    written.units.select(pgn_vistel::core::quantity::depth, pgn_vistel::core::unit::m);
+    written.save(file);
+    Settings read;
+    read.load(file);
+    EXPECT_EQ(read.place, written.place);
+    EXPECT_EQ(read.recent, written.recent);
+    EXPECT_EQ(read.recent.front(), "tcp://host:9");
+    EXPECT_EQ(read.recent.size(), Settings::most_recent);
+    EXPECT_EQ(read.units[pgn_vistel::core::quantity::depth], pgn_vistel::core::unit::m);
+    EXPECT_EQ(read.units[pgn_vistel::core::quantity::speed], default_unit(pgn_vistel::core::quantity::speed));
+    wxRemoveFile(file);
 }
 
 }  // namespace

@@ -1,0 +1,48 @@
+#include "monitor/message_text.h"
+
+#include <vector>
+
+#include "network/message_view.h"
+#include "pgn_vistel/core/render.h"
+
+namespace vistel {
+
+namespace core = pgn_vistel::core;
+
+namespace {
+
+template <class Renderer>
+std::string rendered(Renderer& renderer) {
+    std::string text;
+    std::vector<char> area(2 * core::piece_room);
+    while (!renderer.is_done())
+        text.append(area.data(), renderer.write(area.data(), area.data() + area.size()));
+    return text;
+}
+
+}  // namespace
+
+std::string as_text(const Stream& stream, const core::UnitSelection& units, core::Definitions definitions) {
+    constexpr PlayTime time_stamp_unit = 10'000'000;
+    core::TextRenderer renderer(units, false);
+    renderer.start(stream.msg(), core::find_definition(definitions, stream.msg()),
+                   static_cast<std::uint32_t>(stream.seen() / time_stamp_unit));
+    return rendered(renderer);
+}
+
+std::string as_json(const Stream& stream, core::Definitions definitions) {
+    core::JsonRenderer renderer(core::UnitSelection::si());
+    renderer.start(stream.msg(), core::find_definition(definitions, stream.msg()),
+                   {.since_start = stream.seen()});
+    return rendered(renderer);
+}
+
+std::string key_of_field(const N2KMsg& msg, std::size_t position, core::Definitions definitions) {
+    const core::UnitSelection units;
+    MessageView view(msg, units, definitions);
+    for (std::size_t i = 0; view.next(); ++i)
+        if (i == position) return std::string(core::field_key(view.field()));
+    return {};
+}
+
+}  // namespace vistel

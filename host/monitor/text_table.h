@@ -1,0 +1,34 @@
+#pragma once
+
+#include <wx/listctrl.h>
+
+#include <string>
+#include <vector>
+
+namespace vistel {
+
+/// A list of rows of text under headings, of which only what changed is drawn again.
+class TextTable : public wxListCtrl {
+  public:
+    struct Column {
+        const char* heading;
+        int width;  ///< in pixels of the usual scale
+        bool is_number = false;
+    };
+    using Row = std::vector<wxString>;
+
+    TextTable(wxWindow* parent, const std::vector<Column>& columns, long style = 0);
+
+    void set_rows(std::vector<Row> rows);
+    const std::vector<Row>& rows() const { return rows_; }
+
+    std::vector<std::size_t> selection() const;
+    void select(std::size_t row, bool selected);
+
+  private:
+    wxString OnGetItemText(long item, long column) const override;
+
+    std::vector<Row> rows_;
+};
+
+}  // namespace vistel
