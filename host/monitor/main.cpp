@@ -28,7 +28,10 @@ class MonitorApp : public wxApp {
         // What it remembers, but for what the command line says.
         options_.settings_file = Settings::usual_file();
         options_.settings.load(options_.settings_file);
-        if (!select_units(options_.settings.units, units_)) return false;
+        if (!units_.set.empty() || !units_.units.empty()) {
+            options_.units = options_.settings.units;
+            if (!select_units(*options_.units, units_)) return false;
+        }
         auto* const window = new MonitorWindow(std::move(options_));
         window->Show();
         if (player_)
@@ -93,7 +96,7 @@ int main(int argc, char** argv) {
             return bad_usage;
         }
     }
-    wxApp::SetInstance(new MonitorApp({play, filter, {}, {}}, units, std::move(player)));
+    wxApp::SetInstance(new MonitorApp({play, filter}, units, std::move(player)));
     char name[] = "vistel-monitor";
     char* name_alone[] = {name, nullptr};
     int count = 1;

@@ -56,17 +56,17 @@ void StreamTree::for_each_field(const wxTreeItemId& item, Act act) const {
 // ---- rows ----
 
 void StreamTree::append(const Stream& stream) {
-    const wxTreeItemId root = control_->GetRootItem();
-    const wxTreeItemId before = control_->GetLastChild(root);
     Row row{&stream, stream.order()};
     put(row);
-    const wxTreeItemId after = control_->GetLastChild(root);
-    if (after != before) {
-        row.item = after;
-        row_by_item_[after.GetID()] = rows_.size();
+    wxTreeItemIdValue cookie;
+    const wxTreeItemId added = last_.IsOk() ? control_->GetNextSibling(last_)
+                                            : control_->GetFirstChild(control_->GetRootItem(), cookie);
+    if (added.IsOk()) {
+        row.item = last_ = added;
+        row_by_item_[added.GetID()] = rows_.size();
         if (const auto known = is_expanded_.find(row.order);
-            known != is_expanded_.end() && known->second != control_->IsExpanded(after))
-            control_->Toggle(after);
+            known != is_expanded_.end() && known->second != control_->IsExpanded(added))
+            control_->Toggle(added);
     }
     rows_.push_back(row);
 }
@@ -89,6 +89,7 @@ void StreamTree::show(const std::vector<const Stream*>& streams) {
     const std::uint64_t chosen = row != nullptr ? row->order : Streams::most;
     rows_.clear();
     row_by_item_.clear();
+    last_ = {};
     glowing_.clear();
     tree_.ClearMsg();
     add(streams);

@@ -82,6 +82,7 @@ class StreamTree : private wxEvtHandler {
     wxTreeCtrl* control_;
     PGN_VistelTree_c tree_;
     std::vector<Row> rows_;
+    wxTreeItemId last_;  // of the messages' own lines
     std::unordered_map<void*, std::size_t> row_by_item_;
     std::unordered_map<void*, unsigned> glowing_;  // items, and for how many frames they have
     std::map<std::uint64_t, bool> is_expanded_;  // by the order of streams, also of those that are not shown

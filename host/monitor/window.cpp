@@ -110,7 +110,7 @@ MonitorWindow::MonitorWindow(Options options)
     build_menu();
     CreateStatusBar();
     show_recent();
-    apply(units());
+    apply(options_.units.value_or(options_.settings.units));
     place();
     Bind(wxEVT_TIMER, [this](wxTimerEvent&) { show_frame(); });
     Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
@@ -253,8 +253,10 @@ void MonitorWindow::build_menu() {
     });
     add(*view, id_units, "&Units...\tCtrl+U", [this] {
         if (unit_window_ == nullptr)
-            unit_window_ =
-                new UnitWindow(this, units(), [this](const core::UnitSelection& picked) { apply(picked); });
+            unit_window_ = new UnitWindow(this, units(), [this](const core::UnitSelection& picked) {
+                options_.settings.units = picked;
+                apply(picked);
+            });
         unit_window_->load(units());
         unit_window_->Show();
         unit_window_->Raise();
@@ -353,9 +355,12 @@ void MonitorWindow::play(std::unique_ptr<Player> player) {
     Layout();
     player_bar_->GetParent()->Layout();
     const std::string& file = player_->options().file;
-    SetTitle((file == "-" ? wxString("standard input") : wxFileName(wxString::FromUTF8(file)).GetFullName()) +
-             " - PGN Vistel");
-    if (file != "-") options_.settings.remember_source(file);
+    wxFileName path(wxString::FromUTF8(file));
+    const bool is_file = path.FileExists() && path.MakeAbsolute();
+    const wxString name = file == "-" ? wxString("standard input") : wxString::FromUTF8(file);
+    SetTitle((is_file ? path.GetFullName() : name) + " - PGN Vistel");
+    if (file != "-")
+        options_.settings.remember_source(is_file ? path.GetFullPath().ToStdString(wxConvUTF8) : file);
     show_recent();
     rebuild();
     show_frame();
@@ -520,10 +525,12 @@ wxString MonitorWindow::status() const {
     if (player_->paused()) add("PAUSED");
     if (player_->ended()) add("END");
     if (!player_->notice().empty()) add(player_->notice());
-    const std::size_t shown = tree_->size(), all = streams_.size();
-    add(chosen_.empty() ? concat(devices_.size(), " devices")
-                        : concat(chosen_.size(), " of ", devices_.size(), " devices"));
-    add(shown == all ? concat(all, " streams") : concat(shown, " of ", all, " streams"));
+    const std::size_t all = streams_.size();
+    const auto add_part = [&add](std::size_t shown, std::size_t of, const char* what) {
+        add(concat(shown < of ? concat(shown, " of ") : std::string(), of, what, of == 1 ? "" : "s"));
+    };
+    add_part(chosen_.empty() ? devices_.size() : chosen_.size(), devices_.size(), " device");
+    add_part(tree_->size(), all, " stream");
     double rate = 0;
     for (std::size_t i = 0; i < all; ++i)
         if (is_shown_[i]) rate += streams_[i]->rate(traffic_->now());
@@ -535,7 +542,7 @@ wxString MonitorWindow::status() const {
     };
     const ReassemblyCounters& losses = player_->losses();
     lost(losses.incomplete_fast_packets + losses.incomplete_transports, " incomplete");
-    lost(player_->counters().problems, " errors");
+    lost(player_->counters().problems, player_->counters().problems == 1 ? " error" : " errors");
     lost(traffic_->refused(), " without room");
     return wxString::FromUTF8(text);
 }
@@ -568,8 +575,11 @@ void MonitorWindow::pause(bool paused) {
     show_status();
 }
 
-void MonitorWindow::apply(const core::UnitSelection& units) {
-    options_.settings.units = units;
+void MonitorWindow::apply(core::UnitSelection units) {
+    // Trees take the units of the text interface, which has no kelvin.
+    if (units[core::quantity::temperature] == core::unit::kelvin)
+        units.select(core::quantity::temperature, core::unit::celsius);
+    units_ = units;
     tree_->set_units(units);
     if (!traffic_) return;
     tree_->refresh(traffic_->now(), false);

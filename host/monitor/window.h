@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -36,7 +37,8 @@ class MonitorWindow : public wxFrame {
         PlayOptions play = {};  ///< how later recordings are played, too
         StreamFilter filter = {};
         Settings settings = {};
-        wxString settings_file = {};  ///< that they are kept in; empty for none
+        wxString settings_file = {};                                ///< that they are kept in; empty for none
+        std::optional<pgn_vistel::core::UnitSelection> units = {};  ///< for this time, instead of those
     };
 
     /// Without a source; `open` gives it one.
@@ -74,7 +76,7 @@ class MonitorWindow : public wxFrame {
     wxString status() const;
 
     void pause(bool paused);
-    void apply(const pgn_vistel::core::UnitSelection& units);
+    void apply(pgn_vistel::core::UnitSelection units);
     void open_or_tell(const std::string& name);
     void show_recent();
     void show_everything();
@@ -87,10 +89,11 @@ class MonitorWindow : public wxFrame {
     template <class Text>
     void copy_of_stream(Text text);
 
-    const pgn_vistel::core::UnitSelection& units() const { return options_.settings.units; }
+    const pgn_vistel::core::UnitSelection& units() const { return units_; }
     Definitions definitions() const { return options_.play.definitions; }
 
     Options options_;
+    pgn_vistel::core::UnitSelection units_;
     std::unique_ptr<Player> player_;
     std::unique_ptr<Traffic> traffic_;
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <numbers>
+#include <optional>
 
 #include "encode/definitions.h"
 #include "packing/analyzer_names.h"
@@ -28,6 +29,9 @@ constexpr Conversion conversions[] = {
     {"rad", degree, 0, 1}, {"rad/s", degree, 0, 1}, {"K", 1, 273.15, 1},       {"Pa", 1e5, 0, 1},
     {"C", 3600, 0, 1},     {"m3", litre, 0, litre}, {"m3/h", litre, 0, litre}, {"kWh", 1, 0, joule},
 };
+
+/// Of a message: two a byte. Building takes a time that grows with their square.
+constexpr std::size_t most_fields = 2 * N2K_MAX_PAYLOAD;
 
 /// Members with the rounds of the repeating groups, in the order of these.
 constexpr std::string_view group_members[] = {"list", "list2"};
@@ -161,8 +165,8 @@ Status ValuePacker::type(const Message& message, const json& values, Typed& type
         int round = 0;
         for (const json& each : *rounds) {
             if (!each.is_object()) return failure(in_short(group_members[i]), " has ", shown(each));
-            if (++round > N2K_MAX_PAYLOAD) return failure(in_short(group_members[i]), " is too long");
-            if (Status one = type_group(message, each, &message.groups[i], round, typed); !one) return one;
+            if (typed.size() > most_fields) return failure(in_short(group_members[i]), " is too long");
+            if (Status one = type_group(message, each, &message.groups[i], ++round, typed); !one) return one;
         }
     }
     return done;
@@ -171,6 +175,7 @@ Status ValuePacker::type(const Message& message, const json& values, Typed& type
 Result<N2KMsg> ValuePacker::pack(std::uint32_t pgn, const json& values) {
     std::string why = "is not in the catalogue";
     bool has_fields = false;  // that one of the variants has
+    std::optional<N2KMsg> found;
     for (const PgnDef* const definition : definitions_of(pgn)) {
         const Message message = listed(*definition);
         if (message.row == nullptr) continue;
@@ -183,9 +188,15 @@ Result<N2KMsg> ValuePacker::pack(std::uint32_t pgn, const json& values) {
         }
         has_fields = true;
         BuiltMessage built = build_corrected(context_, pgn, *definition, typed);
-        if (built) return *built;
-        why = built.error().texts.front();
+        if (!built) {
+            why = built.error().texts.front();
+            continue;
+        }
+        if (found) return failure("the fields do not tell which variant it is");
+        found = *built;
+        if (message.conditions.empty()) break;  // others differ in length alone
     }
+    if (found) return *found;
     return failure(why);
 }
 

@@ -32,6 +32,7 @@ ByteSource::Fill ByteSource::fill(Wait wait) {
     if (came == Fill::data) {
         end_ += size;
         received_ += size;
+        arrival_ = input_->arrival();
     } else if (came != Fill::idle) {
         ended_ = true;
     }

@@ -47,7 +47,7 @@ class ByteSource {
     bool is_file() const { return input_ && input_->is_file(); }
 
     /// When the last bytes arrived: those that made the record whole which was read last. 0 for a recording.
-    std::int64_t arrival() const { return input_ ? input_->arrival() : 0; }
+    std::int64_t arrival() const { return arrival_; }
 
     std::uint64_t consumed() const { return received_ - (end_ - begin_); }
     /// How far what was consumed is on the way to total().
@@ -60,6 +60,7 @@ class ByteSource {
     int patience_ = -1;
     std::function<void()> before_wait_;
     std::uint64_t received_ = 0;
+    std::int64_t arrival_ = 0;
     std::unique_ptr<char[]> buffer_;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;

@@ -26,6 +26,12 @@ std::string packed(const std::string& header, const std::string& line) {
     return shown;
 }
 
+std::string repeated(std::string_view text, int times) {
+    std::string result;
+    while (times-- > 0) result += text;
+    return result;
+}
+
 TEST(AnalyzerJson, Values) {
     const struct {
         int pgn;
@@ -74,8 +80,7 @@ TEST(AnalyzerJson, Shapes) {
 }
 
 TEST(AnalyzerJson, WhatCannotBePackedIsAProblem) {
-    std::string deep;
-    for (int i = 0; i < 10'000; ++i) deep += R"({"value":)";
+    const std::string deep = repeated(R"({"value":)", 10'000);
     const std::pair<std::string, const char*> cases[] = {
         {message(127250, R"("Heading":70.7,"Speed":1)"), "PGN 127250: no field `Speed` in it"},
         {message(127250, R"("Heading":400)"), "is out of range"},
@@ -92,6 +97,8 @@ TEST(AnalyzerJson, WhatCannotBePackedIsAProblem) {
         {message(129540, R"("list":[{"SID":7}])"), "no field `SID` in it"},
         {message(130560, R"("Payload Mass":7)"), "no field `Payload Mass` in it"},
         {message(127489, R"("Discrete Status 1":["Tired"])"), "has no flag `Tired`"},
+        {message(65280, R"("Reserved":3)"), "do not tell which variant"},
+        {message(129540, R"("list":[{})" + repeated(",{}", 4'000) + "]"), "`list` is too long"},
         {message(999, R"("SID":7)"), "PGN 999: is not in the catalogue"},
         {message(262144, ""), "\"pgn\" is no number up to 262143"},
         {R"({"pgn":127250,"fields":[]})", "the fields are no object"},
