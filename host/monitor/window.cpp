@@ -8,7 +8,6 @@
 #include <wx/file.h>
 #include <wx/filedlg.h>
 #include <wx/filename.h>
-#include <wx/infobar.h>
 #include <wx/menu.h>
 #include <wx/msgdlg.h>
 #include <wx/sizer.h>
@@ -456,7 +455,7 @@ void MonitorWindow::rebuild() {
     auto chosen = streams.select({}, static_cast<StreamOrder>(order_->GetSelection()), traffic_->now(),
                                  units(), definitions());
     std::erase_if(chosen, [this](const Stream* stream) { return !admits(*stream); });
-    for (const Stream* const stream : chosen) is_shown_[stream->order()] = true;
+    for (const Stream* const stream : chosen) is_shown_[static_cast<std::size_t>(stream->order())] = true;
     tree_->show(chosen);
     tree_->refresh(traffic_->now(), false);
     show_columns();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <wx/frame.h>
+#include <wx/infobar.h>
 #include <wx/timer.h>
 
 #include <map>
@@ -16,7 +17,6 @@
 #include "monitor/traffic.h"
 
 class wxChoice;
-class wxInfoBar;
 class wxSearchCtrl;
 class wxSplitterWindow;
 class wxToggleButton;
