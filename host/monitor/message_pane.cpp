@@ -88,7 +88,7 @@ MessagePane::MessagePane(wxWindow* parent) : wxPanel(parent) {
     right_sizer->Add(description_, 1, wxEXPAND);
     right_sizer->Add(plot_, 1, wxEXPAND | wxTOP, FromDIP(2));
     right->SetSizer(right_sizer);
-    halves->SetMinimumPaneSize(FromDIP(240));
+    halves->SetMinimumPaneSize(FromDIP(180));
     halves->SetSashGravity(0.65);
     halves->SplitVertically(fields_, right, FromDIP(450));
     auto* const sizer = new wxBoxSizer(wxVERTICAL);

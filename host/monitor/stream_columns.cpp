@@ -3,13 +3,14 @@
 #include <wx/control.h>
 #include <wx/dcbuffer.h>
 
+#include <algorithm>
+
 #include "monitor/colours.h"
 
 namespace vistel {
 
 StreamColumns::StreamColumns(wxWindow* parent) : wxPanel(parent) {
     SetBackgroundStyle(wxBG_STYLE_PAINT);
-    SetMinSize(FromDIP(wxSize(270, 50)));
     Bind(wxEVT_PAINT, [this](wxPaintEvent&) { paint(); });
 }
 
@@ -30,8 +31,9 @@ void StreamColumns::paint() {
     for (const Line& line : lines_) {
         dc.SetTextForeground(line.is_faint ? faint_colour() : text_colour());
         const int y = line.middle - half;
-        dc.DrawText(wxControl::Ellipsize(line.title, dc, wxELLIPSIZE_END, width - 2 * number - 2 * gap), gap,
-                    y);
+        dc.DrawText(
+            wxControl::Ellipsize(line.title, dc, wxELLIPSIZE_END, std::max(0, width - 2 * number - 2 * gap)),
+            gap, y);
         dc.DrawText(line.rate, width - number - gap - dc.GetTextExtent(line.rate).x, y);
         dc.DrawText(line.age, width - gap - dc.GetTextExtent(line.age).x, y);
     }

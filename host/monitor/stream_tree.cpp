@@ -101,7 +101,7 @@ void StreamTree::show(const std::vector<const Stream*>& streams) {
 
 void StreamTree::rebind(const std::vector<const Stream*>& streams) {
     for (Row& row : rows_)
-        if (row.order < streams.size()) row.stream = streams[row.order];
+        if (row.order < streams.size()) row.stream = streams[static_cast<std::size_t>(row.order)];
 }
 
 void StreamTree::put(Row& row) {

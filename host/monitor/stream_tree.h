@@ -16,7 +16,7 @@ namespace vistel {
 /// The tree of the streams that a filter admits. Lines of messages are those of the library's tree, which is
 /// given the latest message of a stream when it can be seen; others are brought up to date when they are
 /// scrolled into sight or asked for. Changed lines glow, streams that fell silent are grey.
-class StreamTree : private wxEvtHandler {
+class StreamTree : public wxEvtHandler {
   public:
     StreamTree(wxWindow& parent, pgn_vistel::core::Definitions definitions);
 

@@ -91,7 +91,7 @@ constexpr int most_bits = 64, usual_width = 16;
 
 /// A number that is a likely value in most fields of this width: a tenth of what they hold.
 std::uint64_t likely_number(DispDataType q, int bits) {
-    constexpr std::uint64_t room_temperature = 29315, today = 20600;  // in 0.01 K and days
+    constexpr std::uint64_t room_temperature = 2931, today = 20600;  // in 0.1 K and days
     if (q == quantity::temperature && bits == usual_width) return room_temperature;
     if (q == quantity::date && bits == usual_width) return today;
     constexpr std::uint64_t tenth = 10;

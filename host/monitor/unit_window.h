@@ -24,7 +24,7 @@ class UnitWindow : public wxDialog {
     void load(const pgn_vistel::core::UnitSelection& units);
 
   private:
-    void show_example(std::size_t row);
+    void show_example(std::size_t at);
     pgn_vistel::core::UnitSelection picked() const;
 
     struct Row {

@@ -8,7 +8,6 @@
 #include <wx/file.h>
 #include <wx/filedlg.h>
 #include <wx/filename.h>
-#include <wx/infobar.h>
 #include <wx/menu.h>
 #include <wx/msgdlg.h>
 #include <wx/sizer.h>
@@ -153,17 +152,17 @@ void MonitorWindow::build_controls() {
     bar->Add(order_, middle);
 
     problems_ = new wxInfoBar(all);
-    auto* const sides =
+    sides_ =
         new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
     device_table_ =
-        new TextTable(sides, {{"Addr", 42, true}, {"Device", 175}, {"Msg/s", 52, true}, {"State", 120}});
+        new TextTable(sides_, {{"Addr", 42, true}, {"Device", 175}, {"Msg/s", 52, true}, {"State", 120}});
     const auto on_choice = [this](wxListEvent& event) {
         if (!is_choosing_) CallAfter([this] { choose_devices(); });
         event.Skip();
     };
     device_table_->Bind(wxEVT_LIST_ITEM_SELECTED, on_choice);
     device_table_->Bind(wxEVT_LIST_ITEM_DESELECTED, on_choice);
-    halves_ = new wxSplitterWindow(sides, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+    halves_ = new wxSplitterWindow(sides_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                    wxSP_LIVE_UPDATE | wxSP_3DSASH);
     auto* const streams = new wxPanel(halves_);
     tree_ = std::make_unique<StreamTree>(*streams, definitions());
@@ -172,13 +171,21 @@ void MonitorWindow::build_controls() {
     row->Add(&tree_->control(), wxSizerFlags(1).Expand());
     row->Add(columns_, wxSizerFlags().Expand());
     streams->SetSizer(row);
+    tree_->control().SetMinSize(FromDIP(wxSize(150, 60)));
+    streams->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        // The lines themselves come first.
+        const int width = event.GetSize().x, usual = columns_->FromDIP(270);
+        columns_->SetMinSize(wxSize(std::min(width * 2 / 5, usual), -1));
+        columns_->Show(width >= usual);
+        event.Skip();
+    });
     message_ = new MessagePane(halves_);
     message_->Hide();
     halves_->Initialize(streams);
     halves_->SetMinimumPaneSize(FromDIP(80));
     halves_->SetSashGravity(0.6);
-    sides->SetMinimumPaneSize(FromDIP(60));
-    sides->SplitVertically(device_table_, halves_, FromDIP(350));
+    sides_->SetMinimumPaneSize(FromDIP(60));
+    sides_->SplitVertically(device_table_, halves_, FromDIP(350));
     player_bar_ = new PlayerBar(all, {[this](double place) {
                                           traffic_->seek(place);
                                           take_new_streams();
@@ -188,7 +195,7 @@ void MonitorWindow::build_controls() {
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(bar, wxSizerFlags().Expand());
     sizer->Add(problems_, wxSizerFlags().Expand());
-    sizer->Add(sides, wxSizerFlags(1).Expand());
+    sizer->Add(sides_, wxSizerFlags(1).Expand());
     sizer->Add(player_bar_, wxSizerFlags().Expand());
     all->SetSizer(sizer);
 
@@ -328,6 +335,8 @@ void MonitorWindow::place() {
         Move(last.GetPosition());
     else
         Centre();
+    sides_->SetSashPosition(std::min(GetClientSize().x * 31 / 100, FromDIP(350)));
+    sides_->SetSashGravity(0.2);
     if (options_.settings.is_maximised) Maximize();
 }
 
@@ -456,7 +465,7 @@ void MonitorWindow::rebuild() {
     auto chosen = streams.select({}, static_cast<StreamOrder>(order_->GetSelection()), traffic_->now(),
                                  units(), definitions());
     std::erase_if(chosen, [this](const Stream* stream) { return !admits(*stream); });
-    for (const Stream* const stream : chosen) is_shown_[stream->order()] = true;
+    for (const Stream* const stream : chosen) is_shown_[static_cast<std::size_t>(stream->order())] = true;
     tree_->show(chosen);
     tree_->refresh(traffic_->now(), false);
     show_columns();

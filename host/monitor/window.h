@@ -1,6 +1,7 @@
 #pragma once
 
 #include <wx/frame.h>
+#include <wx/infobar.h>
 #include <wx/timer.h>
 
 #include <map>
@@ -16,7 +17,6 @@
 #include "monitor/traffic.h"
 
 class wxChoice;
-class wxInfoBar;
 class wxSearchCtrl;
 class wxSplitterWindow;
 class wxToggleButton;
@@ -102,6 +102,7 @@ class MonitorWindow : public wxFrame {
     wxChoice* order_ = nullptr;
     wxInfoBar* problems_ = nullptr;
     TextTable* device_table_ = nullptr;
+    wxSplitterWindow* sides_ = nullptr;   // devices, and the rest
     wxSplitterWindow* halves_ = nullptr;  // streams above, message below
     std::unique_ptr<StreamTree> tree_;
     StreamColumns* columns_ = nullptr;
