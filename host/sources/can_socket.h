@@ -36,6 +36,9 @@ class CanSocket {
     /// Waits for a frame at most `patience` milliseconds.
     virtual Received receive(CanFrame& frame, int patience) = 0;
 
+    /// False where it was not taken: the interface is down, or has no room for more.
+    virtual bool send(const CanFrame& frame) = 0;
+
     /// Frames that the system dropped because they were not taken in time.
     virtual std::uint64_t dropped() const = 0;
 };

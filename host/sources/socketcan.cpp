@@ -31,6 +31,7 @@ class KernelSocket final : public CanSocket {
     KernelSocket& operator=(const KernelSocket&) = delete;
 
     Received receive(CanFrame& frame, int patience) override;
+    bool send(const CanFrame& frame) override;
     std::uint64_t dropped() const override { return dropped_; }
 
   private:
@@ -78,6 +79,14 @@ CanSocket::Received KernelSocket::receive(CanFrame& frame, int patience) {
                          .count();
     }
     return Received::frame;
+}
+
+bool KernelSocket::send(const CanFrame& frame) {
+    can_frame raw{};
+    raw.can_id = frame.identifier;
+    raw.can_dlc = frame.length;
+    std::memcpy(raw.data, frame.data, sizeof raw.data);
+    return ::send(descriptor_, &raw, sizeof raw, MSG_DONTWAIT | MSG_NOSIGNAL) == sizeof raw;
 }
 
 /// What the kernel says beside a frame: when it came, and how many were dropped so far.

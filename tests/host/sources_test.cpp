@@ -425,6 +425,7 @@ struct PlayedSocket final : CanSocket {
         frame = next;
         return received;
     }
+    bool send(const CanFrame&) override { return false; }
     std::uint64_t dropped() const override { return 7; }
 };
 
