@@ -118,6 +118,16 @@ void add_record(CLI::App& app, Arguments& arguments) {
         ->add_option("SOURCE", options.source, "Live source: can0, tcp://HOST:PORT, serial:DEVICE and so on")
         ->required();
     command->add_option("FILE", options.output, "File to write; - is standard output")->required();
+    command
+        ->add_option_function<std::string>(
+            "--rotate",
+            [&options](const std::string& text) {
+                auto rotation = vistel::parse_rotation(text);
+                if (!rotation) throw CLI::ValidationError("--rotate", rotation.error().text);
+                options.rotation = *rotation;
+            },
+            "A new file at each size or time, as in 100M or 1h; the time is put into its name")
+        ->type_name("LIMIT");
     add_timeout(*command, options.timeout);
 }
 
