@@ -11,6 +11,7 @@
 #include "commands/encode.h"
 #include "commands/neighbour.h"
 #include "commands/record.h"
+#include "commands/replay.h"
 #include "readers/formats.h"
 #include "writers/written_formats.h"
 
@@ -35,15 +36,8 @@ void add_timeout(CLI::App& command, double& timeout) {
         ->capture_default_str();
 }
 
-/// What every command takes that reads recordings.
-void add_input(CLI::App& command, vistel::InputOptions& options) {
-    command
-        .add_option("FILE", options.names,
-                    "Recordings or live source: files, which are read one after the other, - for standard "
-                    "input, can0, tcp://HOST:PORT, udp://:PORT, tcp-listen://:PORT or serial:DEVICE (see the "
-                    "manual)")
-        ->default_str("-");
-    command.add_flag("--merge", options.merge, "Several recordings by time instead of one after the other");
+/// What the recordings of a command hold.
+void add_format(CLI::App& command, vistel::InputOptions& options) {
     const auto check = [](const std::string& name) {
         const auto found = vistel::find_format(name);
         return found ? std::string() : found.error().text;
@@ -53,8 +47,20 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
                     "Format of the recordings; recognised by their contents if not given")
         ->check(check);
     vistel::add_contents(command, options.contents);
-    add_timeout(command, options.timeout);
     command.footer(format_notes());
+}
+
+/// What every command takes that reads recordings and live sources.
+void add_input(CLI::App& command, vistel::InputOptions& options) {
+    command
+        .add_option("FILE", options.names,
+                    "Recordings or live source: files, which are read one after the other, - for standard "
+                    "input, can0, tcp://HOST:PORT, udp://:PORT, tcp-listen://:PORT or serial:DEVICE (see the "
+                    "manual)")
+        ->default_str("-");
+    command.add_flag("--merge", options.merge, "Several recordings by time instead of one after the other");
+    add_format(command, options);
+    add_timeout(command, options.timeout);
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -62,6 +68,7 @@ struct Arguments {
     vistel::DecodeOptions decode;
     vistel::ConvertOptions convert;
     vistel::RecordOptions record;
+    vistel::ReplayOptions replay;
     vistel::DevicesOptions devices;
     vistel::EncodeOptions encode;
     bool json = false;
@@ -114,7 +121,35 @@ void add_record(CLI::App& app, Arguments& arguments) {
         ->add_option("SOURCE", options.source, "Live source: can0, tcp://HOST:PORT, serial:DEVICE and so on")
         ->required();
     command->add_option("FILE", options.output, "File to write; - is standard output")->required();
+    command
+        ->add_option_function<std::string>(
+            "--rotate",
+            [&options](const std::string& text) {
+                auto rotation = vistel::parse_rotation(text);
+                if (!rotation) throw CLI::ValidationError("--rotate", rotation.error().text);
+                options.rotation = *rotation;
+            },
+            "A new file at each size or time, as in 100M or 1h; the time is put into its name")
+        ->type_name("LIMIT");
     add_timeout(*command, options.timeout);
+}
+
+void add_replay(CLI::App& app, Arguments& arguments) {
+    CLI::App* const command =
+        app.add_subcommand("replay", "Play recordings to other programs, in their own time");
+    vistel::ReplayOptions& options = arguments.replay;
+    command->add_option("FILE", options.input.names, "Recordings, which are played one after the other")
+        ->required();
+    command
+        ->add_option("--to", options.to,
+                     "Where: can0, udp://HOST:PORT, tcp-listen://:PORT or tcp://HOST:PORT")
+        ->required();
+    command->add_option("--as", options.as, "Format to send; yacht-devices if not given")
+        ->check(CLI::IsMember(vistel::written_formats()));
+    vistel::add_speed(*command, options.speed);
+    command->add_flag("--loop", options.loop, "From the start again at the end");
+    add_format(*command, options.input);
+    vistel::add_definitions(*command, options.definitions);
 }
 
 void add_convert(CLI::App& app, Arguments& arguments) {
@@ -228,6 +263,7 @@ int main(int argc, char** argv) {
     add_devices(app, arguments);
     add_convert(app, arguments);
     add_record(app, arguments);
+    add_replay(app, arguments);
     add_encode(app, arguments);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
@@ -250,6 +286,7 @@ int main(int argc, char** argv) {
     for (const char* const name : {"monitor", "top"})
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
     if (app.got_subcommand("record")) return vistel::run_record(arguments.record);
+    if (app.got_subcommand("replay")) return vistel::run_replay(arguments.replay);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
     if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);

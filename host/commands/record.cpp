@@ -2,19 +2,17 @@
 
 #include <chrono>
 #include <cstdio>
-#include <memory>
-#include <optional>
+#include <string_view>
+#include <utility>
 
-#include "commands/convert.h"
 #include "commands/decode.h"
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
 #include "commands/statistics.h"
-#include "output/output_file.h"
-#include "output/sink.h"
 #include "readers/stream_capture.h"
 #include "sources/source.h"
 #include "sources/source_name.h"
+#include "writers/pcap_writer.h"
 
 namespace vistel {
 
@@ -25,37 +23,71 @@ int fail(const std::string& what, const std::string& why) {
     return EXIT_FAILED;
 }
 
-int record_stream(const RecordOptions& options, const SourceName& name) {
+LinkOptions link_options(const RecordOptions& options) {
     LinkOptions how;
     how.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
     how.tell = [&options](const std::string& text) {
         std::fprintf(stderr, "vistel: %s: %s\n", options.source.c_str(), text.c_str());
     };
-    auto link = open_link(name, how);
-    if (!link) return fail(options.source, link.error().text);
-    auto output = open_output(options.output, {});
-    if (!output) return fail(options.output, output.error().text);
+    return how;
+}
+
+/// Longest wait for more, behind which the flag of interrupts is looked at.
+constexpr int patience = 250;
+
+/// Takes pieces by `take`, which appends one, tells whether it ends a record, or leaves the text empty, until
+/// the user ends it.
+template <class Take>
+int keep(const RecordOptions& options, const LinkCounters& counters, std::string head, Take take) {
+    RecordedFile file(options.output, options.rotation, std::move(head));
+    if (const Status opened = file.open(); !opened) return fail(file.current(), opened.error().text);
     watch_interrupts();
     ignore_closed_pipes();
-    const auto out = std::make_unique<Sink>(*output);
+    file.flush();
     std::string bytes;
-    begin_stream_capture(bytes);
-    std::string room(std::size_t{1} << 16, '\0');
-    std::size_t size = 0;
-    while (out->is_open() && !interrupted()) {
-        // Behind every piece, so that a recording is whole whatever ends it.
-        out->put(bytes);
-        out->flush();
+    while (file.out().is_open() && !interrupted()) {
+        const bool ends_record = take(bytes, file);
+        if (bytes.empty()) continue;
+        if (const Status put = file.put(bytes, ends_record); !put)
+            return fail(file.current(), put.error().text);
         bytes.clear();
-        constexpr int patience = 250;
-        if (link->input->read(room, patience, size) == ByteInput::Fill::data)
-            append_stream_piece(bytes, link->input->arrival(), {room.data(), size});
     }
-    out->put(bytes);
-    out->flush();
-    if (const int status = output_status(*out); status != EXIT_CLEAN) return status;
-    print(*link->counters);
+    file.flush();
+    if (const int status = output_status(file.out()); status != EXIT_CLEAN) return status;
+    print(counters);
     return EXIT_CLEAN;
+}
+
+int record_stream(const RecordOptions& options, const SourceName& name) {
+    auto link = open_link(name, link_options(options));
+    if (!link) return fail(options.source, link.error().text);
+    std::string head;
+    begin_stream_capture(head);
+    std::string room(std::size_t{1} << 16, '\0');
+    return keep(options, *link->counters, head, [&](std::string& bytes, RecordedFile& file) {
+        std::size_t size = 0;
+        // Behind every piece, so that a recording is whole whatever ends it.
+        file.flush();
+        if (link->input->read(room, patience, size) != ByteInput::Fill::data) return false;
+        const std::string_view piece(room.data(), size);
+        append_stream_piece(bytes, link->input->arrival(), piece);
+        return piece.ends_with('\n') || piece.ends_with('\r') || piece.ends_with("\x10\x03");
+    });
+}
+
+int record_frames(const RecordOptions& options) {
+    Recording recording;
+    auto opened = open_source(recording, options.source, {.patience_ms = patience}, link_options(options));
+    if (!opened) return fail(options.source, opened.error().text);
+    PcapWriter writer;
+    std::string head;
+    writer.begin(Record::Kind::frame, head);
+    Record record;
+    return keep(options, *opened->counters, head, [&](std::string& bytes, RecordedFile& file) {
+        if (recording.would_wait()) file.flush();
+        if (recording.next(record) == ReadResult::record) writer.put(record, bytes);
+        return true;
+    });
 }
 
 }  // namespace
@@ -64,12 +96,9 @@ int run_record(const RecordOptions& options) {
     auto name = parse_source(options.source);
     if (!name) return fail(options.source, name.error().text);
     if (!name->is_live()) return fail(options.source, "is no live source");
-    if (name->kind != SourceName::Kind::can) return record_stream(options, *name);
-    ConvertOptions frames;
-    frames.input.names = {options.source};
-    frames.to = "pcap";
-    frames.output = options.output;
-    return run_convert(frames);
+    if (options.rotation.is_wanted() && options.output == "-")
+        return fail("--rotate", "standard output is one file");
+    return name->kind == SourceName::Kind::can ? record_frames(options) : record_stream(options, *name);
 }
 
 }  // namespace vistel

@@ -2,11 +2,14 @@
 
 #include <string>
 
+#include "commands/recorded_file.h"
+
 namespace vistel {
 
 struct RecordOptions {
     std::string source;
     std::string output;
+    Rotation rotation;
     double timeout = 30;  ///< seconds without traffic until that is told; 0 never
 };
 

@@ -87,9 +87,16 @@ bool Player::is_due() {
     }
     if (!start_) {
         start_ = record_.time;
-        start_played_ = present;
+        start_played_ = latest_ = present;
     }
     record_played_ = start_played_ + (record_.time.nanoseconds - start_->nanoseconds);
+    early_ = latest_ - record_played_ > longest_gap ? early_ + 1 : 0;
+    if (early_ == most_early) {
+        start_ = record_.time;
+        start_played_ = record_played_ = latest_;
+        early_ = 0;
+    }
+    latest_ = std::max(latest_, record_played_);
     if (record_played_ <= present) return true;
     if (speed() <= 0) {
         continue_at(record_played_);
@@ -99,6 +106,12 @@ bool Player::is_due() {
     ++counters_.skipped_gaps;
     continue_at(record_played_);
     return true;
+}
+
+Player::Clock::duration Player::until_due() const {
+    if (!has_record_ || !paced_ || speed() <= 0) return {};
+    const std::chrono::duration<double, std::nano> left(static_cast<double>(record_played_ - now()) / speed());
+    return std::max(std::chrono::ceil<Clock::duration>(left), Clock::duration{});
 }
 
 void Player::hand_over() {

@@ -45,7 +45,8 @@ class PlayListener {
 /// Plays a recording in its own time, or a live source as it comes. Never waits: `advance` takes what is due.
 ///
 /// Time stamps pace a recording alone: one that comes by a file, or for which a speed is asked. It waits for
-/// no gap that is longer than `longest_gap`. A pause stops a recording; a live source is read on.
+/// no gap that is longer than `longest_gap`. A clock that was put back by more than that is followed, once
+/// `most_early` records in a row say so; fewer are played at once, as those of a second clock are. A pause stops a recording; a live source is read on.
 class Player {
   public:
     using Clock = std::chrono::steady_clock;
@@ -58,6 +59,9 @@ class Player {
 
     /// Reads what is due by now.
     void advance(PlayListener& listener);
+
+    /// How long nothing will be due; 0 where that is not known.
+    Clock::duration until_due() const;
 
     void pause(bool paused);
     bool paused() const { return paused_; }
@@ -95,6 +99,7 @@ class Player {
     }
 
     static constexpr PlayTime longest_gap = 3 * one_second;
+    static constexpr unsigned most_early = 16;
     /// What a live source said last: that it was lost, or is silent. Empty as long as all is well.
     const std::string& notice() const { return notice_; }
 
@@ -118,6 +123,8 @@ class Player {
     std::optional<RecordTime> start_;  // of the recording, or of the round of a loop
     PlayTime start_played_ = 0;        // when that was
     PlayTime record_played_ = 0;       // when the record is to be played
+    PlayTime latest_ = 0;              // of these times since the start
+    unsigned early_ = 0;               // records in a row that are far before it
     PlayTime base_ = 0;                // played by the time `since_`
     Clock::time_point since_;
     bool paused_ = false;

@@ -12,4 +12,6 @@ std::ptrdiff_t write_some(int descriptor, const char* bytes, std::size_t size);
 /// Opens a file to be written anew. Negative where it cannot, with the reason in errno.
 int open_to_write(const std::string& path);
 
+void close_written(int descriptor);
+
 }  // namespace vistel

@@ -21,4 +21,8 @@ int open_to_write(const std::string& path) {
     return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, anybody);
 }
 
+void close_written(int descriptor) {
+    ::close(descriptor);
+}
+
 }  // namespace vistel

@@ -43,4 +43,8 @@ int open_to_write(const std::string& path) {
                   _S_IREAD | _S_IWRITE);
 }
 
+void close_written(int descriptor) {
+    _close(descriptor);
+}
+
 }  // namespace vistel

@@ -10,6 +10,7 @@
 #include <asio/write.hpp>
 
 #include "sources/event_loop_parts.h"
+#include "sources/tcp_listener.h"
 #include "text/quotes.h"
 
 namespace vistel {
@@ -151,15 +152,7 @@ class ListenSession final : public StreamSession<tcp::socket> {
         : StreamSession(loop, events), acceptor_(loop.parts().context) {}
 
     Status open(const SourceName& name) override {
-        Error error;
-        const auto address = name.target.empty() ? asio::ip::address(asio::ip::address_v4::any())
-                                                 : asio::ip::make_address(name.target, error);
-        const tcp::endpoint endpoint(address, name.port);
-        if (!error) acceptor_.open(endpoint.protocol(), error);
-        if (!error) acceptor_.set_option(asio::socket_base::reuse_address(true), error);
-        if (!error) acceptor_.bind(endpoint, error);
-        if (!error) acceptor_.listen(1, error);
-        if (error) return Failure{text_of(error)};
+        if (const Error error = listen_at(acceptor_, name, 1)) return Failure{text_of(error)};
         acceptor_.async_accept(stream_, [this, self = shared_from_this()](const Error& refused) {
             if (is_dropped()) return;
             if (refused) return lost(refused);

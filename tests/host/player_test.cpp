@@ -78,6 +78,19 @@ TEST(Player, WaitsForNoLongGapAndNoClockThatIsPutBack) {
     EXPECT_EQ(played.times, (std::vector<double>{0, 3600, 3602, 1800}));
 }
 
+TEST(Player, FollowsAClockThatWasPutBack) {
+    std::string text = line("01:00:00", 0);
+    for (int i = 1; i <= 40; ++i) {
+        char time[16];
+        std::snprintf(time, sizeof time, "00:00:%02d", i);
+        text += line(time, i);
+    }
+    Played played(text, 1);
+    EXPECT_EQ(played.after(0ms).size(), 1 + Player::most_early);
+    EXPECT_EQ(played.player.until_due(), 1s);
+    EXPECT_EQ(played.after(1000ms), Bytes{17});
+}
+
 TEST(Player, BeginsAgainAndGoesToAPlace) {
     const std::string text = line("00:00:00", 0) + line("00:00:01", 1) + "nonsense\n";
     Played looped(text, 1, true);

@@ -480,6 +480,32 @@ class ProgramTest(unittest.TestCase):
         self.assertLess(abs(datetime.fromisoformat(shown[0]["absolute"]).timestamp() - time.time()), 60)
         self.assertEqual(vistel("record", "none.log", "-").returncode, 2)
 
+    def test_a_recording_is_replayed_and_kept_in_several_files(self):
+        line = "2026-09-10T08:00:{:02}.000Z,2,127250,7,255,8,00,39,30,00,00,ff,7f,fd\n"
+        with tempfile.TemporaryDirectory() as folder:
+            recording = Path(folder, "voyage.log")
+            recording.write_text("".join(map(line.format, range(40))))
+            with socket.create_server(("127.0.0.1", 0)) as unused:
+                port = unused.getsockname()[1]
+            command = [VISTEL, "replay", recording, "--to", f"tcp-listen://127.0.0.1:{port}", "--speed", "20"]
+            with subprocess.Popen(command, stderr=subprocess.PIPE, text=True) as player:
+                self.assertIn("waiting for the first client", player.stderr.readline())
+                keep = [VISTEL, "record", f"tcp://127.0.0.1:{port}", Path(folder, "kept.pcap"), "--rotate", "1k"]
+                with subprocess.Popen(keep, stderr=subprocess.DEVNULL) as recorder:
+                    told = player.communicate(timeout=60)[1]
+                    time.sleep(0.3)
+                    recorder.send_signal(signal.SIGINT)
+                    self.assertEqual((recorder.wait(timeout=30), player.returncode), (0, 0))
+            self.assertIn("messages: 40, frames: 40, bytes sent: 1960, clients: 1, dropped: 0\n", told)
+            files = sorted(Path(folder).glob("kept-20*Z.pcap"))
+            self.assertGreater(len(files), 2)
+            results = [vistel("decode", "--json", str(each)) for each in files]
+        self.assertEqual([(each.returncode, each.stderr) for each in results], [(0, "")] * len(files))
+        self.assertEqual(sum(each.stdout.count("\n") for each in results), 40)
+        for arguments in (["x", "--rotate", "1"], ["x", "--rotate", "0M"], ["-", "--rotate", "1M"]):
+            self.assertEqual(vistel("record", "tcp://127.0.0.1:1", *arguments).returncode, 2, arguments)
+        self.assertEqual(vistel("replay", "none.log", "--to", "udp://127.0.0.1:9").returncode, 2)
+
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
             reader, writer = os.pipe()

@@ -21,6 +21,7 @@
 #include "readers/stream_capture.h"
 #include "sources/can_reader.h"
 #include "sources/gateway.h"
+#include "sources/outlet.h"
 #include "sources/source.h"
 #include "sources/source_name.h"
 
@@ -589,6 +590,116 @@ TEST(CanInterfaces, GiveFramesOfTheKernel) {
     sender.reset();
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::removed);
     EXPECT_FALSE(socket->send(frame));
+}
+
+/// An outlet and what it told.
+struct Sending {
+    explicit Sending(const std::string& to, std::size_t most_queued = 1 << 20) {
+        auto opened =
+            open_outlet(*parse_source(to), {.most_queued = most_queued,
+                                            .patience = 50ms,
+                                            .tell = [this](const std::string& text) { told += text; }});
+        EXPECT_TRUE(opened) << opened.error().text;
+        outlet = std::move(*opened);
+    }
+    /// What a client gets, who is heard until he has so much.
+    std::string heard_by(const Descriptor& client, std::size_t size) const {
+        std::string heard;
+        for (const auto end = std::chrono::steady_clock::now() + 20s;
+             heard.size() < size && std::chrono::steady_clock::now() < end;) {
+            outlet->run(0ms);
+            heard += client.get();
+        }
+        return heard;
+    }
+    template <class Done>
+    bool until(Done done) const {
+        const auto end = std::chrono::steady_clock::now() + 20s;
+        while (!done() && std::chrono::steady_clock::now() < end) outlet->run(1ms);
+        return done();
+    }
+    std::string told;
+    std::unique_ptr<Outlet> outlet;
+};
+
+TEST(Outlets, ServeManyClientsAndDropWhoDoesNotTake) {
+    const std::uint16_t port = free_port(SOCK_STREAM);
+    const Sending server("tcp-listen://127.0.0.1:" + std::to_string(port), 100'000);
+    server.outlet->begin("head\n");
+    EXPECT_FALSE(server.outlet->has_room()) << "nobody is there";
+    const sockaddr_in address = here(port);
+    const Descriptor idle(::socket(AF_INET, SOCK_STREAM, 0)), keen(::socket(AF_INET, SOCK_STREAM, 0));
+    const int small = 4096;
+    ::setsockopt(idle, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+    for (const int client : {int(idle), int(keen)})
+        ASSERT_EQ(::connect(client, generic(address), sizeof address), 0);
+    ASSERT_TRUE(server.until([&] { return server.outlet->counters().clients == 2; }));
+    EXPECT_EQ(server.heard_by(keen, 5), "head\n");
+    const std::string record(200, 'x');
+    std::size_t sent = 0;
+    for (; server.outlet->counters().dropped == 0 && sent < 100'000'000; sent += record.size()) {
+        server.outlet->put(record);
+        if (sent % 20'000 == 0) {
+            EXPECT_EQ(server.heard_by(keen, sent == 0 ? 200 : 20'000).find('h'), std::string::npos);
+        }
+    }
+    EXPECT_EQ(server.outlet->counters().dropped, 1u);
+    EXPECT_NE(server.told.find("does not take what is sent"), std::string::npos);
+    EXPECT_TRUE(server.until([&] { return keen.get().empty() && server.outlet->is_empty(); }));
+    EXPECT_TRUE(server.outlet->has_room());
+    ::shutdown(keen, SHUT_RDWR);
+    EXPECT_TRUE(server.until([&] { return !server.outlet->has_room(); }));
+    EXPECT_EQ(server.outlet->counters().dropped, 1u) << "who leaves is not dropped";
+}
+
+TEST(Outlets, OfOneClientAreMadeAgain) {
+    const Bound program(SOCK_STREAM);
+    const Sending link("tcp://127.0.0.1:" + std::to_string(program.port));
+    for (int again = 0; again < 2; ++again) {
+        ASSERT_TRUE(link.until([&] { return program.is_asked(); }));
+        const Descriptor client(program.accept());
+        ASSERT_TRUE(link.until([&] { return link.outlet->has_room(); }));
+        link.outlet->put(raw_line);
+        EXPECT_EQ(link.heard_by(client, raw_line.size()), raw_line);
+        ::shutdown(client, SHUT_RDWR);
+        ASSERT_TRUE(link.until([&] { return !link.outlet->has_room(); }));
+    }
+    for (const std::string& name :
+         {std::string("file.log"), std::string("serial:/dev/none"), std::string("udp://:2000"),
+          "tcp://127.0.0.1:" + std::to_string(free_port(SOCK_STREAM)),
+          "tcp-listen://127.0.0.1:" + std::to_string(program.port)})
+        EXPECT_FALSE(open_outlet(*parse_source(name), {})) << name;
+}
+
+TEST(Outlets, SendWholeRecordsInDatagrams) {
+    const Bound program(SOCK_DGRAM);
+    const Sending udp("udp://127.0.0.1:" + std::to_string(program.port));
+    for (const std::size_t size : {600u, 700u, 200u, 3000u, 10u}) udp.outlet->put(std::string(size, 'x'));
+    udp.outlet->flush();
+    for (const ssize_t size : {1300, 200, 3000, 10}) {
+        char room[4096];
+        pollfd request{program.socket, POLLIN, 0};
+        ASSERT_EQ(::poll(&request, 1, 20'000), 1);
+        EXPECT_EQ(::recv(program.socket, room, sizeof room, 0), size);
+    }
+}
+
+TEST(Outlets, SendFramesToAnInterface) {
+    int ends[2];
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
+    const Descriptor bus(ends[0]);
+    const auto outlet = make_can_outlet(attach_can(ends[1]), {});
+    const std::string packet("\x89\xF1\x12\x23\x03\0\0\0\1\2\3\0\0\0\0\0", 16);
+    outlet->put(std::string(16, '\0') + packet);
+    outlet->put("cut");
+    can_frame frame;
+    ASSERT_EQ(::read(bus, &frame, sizeof frame), static_cast<ssize_t>(sizeof frame));
+    EXPECT_EQ(std::tuple(frame.can_id, frame.can_dlc, frame.data[0], frame.data[2], frame.data[3]),
+              std::tuple(0x89F11223, 3, 1, 3, 0));
+    EXPECT_EQ(outlet->counters().lost, 0u);
+    ::shutdown(bus, SHUT_RDWR);
+    outlet->put(std::string(16, '\0') + packet);
+    EXPECT_EQ(outlet->counters().lost, 1u);
 }
 
 }  // namespace
