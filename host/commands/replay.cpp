@@ -68,7 +68,11 @@ class Replaying final : PlayListener {
 };
 
 void Replaying::on_record(const Record& record) {
-    if (options_.speed == 0.0) wait_for_room();
+    if (options_.speed == 0.0 || record.time.origin == RecordTime::Origin::none) {
+        wait_for_room();
+    } else if (!outlet_.has_room() && !outlet_.is_empty()) {
+        outlet_.run(1ms);  // much has the same time; slow clients get a chance, no more
+    }
     if (!interrupted()) converter_.put(record);
 }
 
