@@ -85,7 +85,8 @@ std::string MessageView::raw() const {
     for (int bit = first_bit(); bit < end; bit += 8) {
         const int count = std::min(end - bit, 8);
         unsigned two_bytes = msg_.data[bit / 8];
-        if (bit / 8 + 1 < static_cast<int>(sizeof msg_.data)) two_bytes |= msg_.data[bit / 8 + 1] << 8;
+        if (bit / 8 + 1 < static_cast<int>(sizeof msg_.data))
+            two_bytes |= unsigned{msg_.data[bit / 8 + 1]} << 8;
         const auto byte = static_cast<std::uint8_t>(two_bytes >> bit % 8 & ((1u << count) - 1));
         if (!text.empty()) text += ' ';
         text += spaced_bytes(&byte, 1);

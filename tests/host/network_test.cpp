@@ -240,7 +240,8 @@ TEST(Questions, AskForWhatIsMissingOnceAndSlowly) {
             EXPECT_EQ(frame.pgn, 59904u);
             EXPECT_EQ(frame.length, 3);
             EXPECT_EQ(frame.source, 50);
-            const std::uint32_t pgn = frame.data[0] | frame.data[1] << 8 | frame.data[2] << 16;
+            const std::uint32_t pgn =
+                frame.data[0] | unsigned{frame.data[1]} << 8 | unsigned{frame.data[2]} << 16;
             if (asked.find("126996") != std::string::npos && refusals-- > 0) return false;
             asked += std::to_string(bus.now / second - 1000) + ':' + std::to_string(pgn) + '>' +
                      std::to_string(frame.destination) + ' ';
