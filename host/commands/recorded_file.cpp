@@ -91,7 +91,7 @@ bool RecordedFile::is_due() const {
 Status RecordedFile::put(std::string_view piece, bool ends_record) {
     constexpr unsigned most_late = 1'000;
     if (written_ > head_.size() && is_due() && (is_whole_ || ++late_ == most_late))
-        if (const Status opened = open(); !opened) return opened;
+        if (Status opened = open(); !opened) return opened;
     out_->put(piece);
     written_ += piece.size();
     is_whole_ = ends_record;

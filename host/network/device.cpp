@@ -106,7 +106,7 @@ std::string notes_on(const Device& device, const std::optional<RecordTime>& now)
     // 0 is as it should be, 3 not available.
     for (const Code* const code :
          {&device.heartbeat.controller_1, &device.heartbeat.controller_2, &device.heartbeat.equipment})
-        if (code->number == 1 || code->number == 2)
+        if (code->number.value_or(0) == 1 || code->number.value_or(0) == 2)
             add(code == &device.heartbeat.equipment ? "equipment: " : "bus controller: ",
                 text_or_number(*code));
     if (device.lost > 0) add("lost: ", device.lost);

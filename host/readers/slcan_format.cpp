@@ -50,7 +50,7 @@ bool SlcanFormat::begins(std::string_view head) {
     constexpr std::size_t most_dialogue = 8;
     for (;;) {
         const std::size_t end = head.find_first_of(ends);
-        if (end == std::string_view::npos || end > most_item) return false;
+        if (end > most_item) return false;
         const std::string_view item = head.substr(0, end);
         if (is_frame(item)) return head[end] == '\r';
         if (!item.empty() && (item.size() > most_dialogue || !is_dialogue(item[0]))) return false;

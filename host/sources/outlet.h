@@ -15,8 +15,9 @@
 namespace vistel {
 
 struct OutletOptions {
-    std::size_t most_queued = std::size_t{1} << 20;     ///< bytes for one client; who lets more pile up is dropped
-    std::chrono::milliseconds patience{1'000};          ///< with a client that takes nothing, in has_room()
+    std::size_t most_queued = std::size_t{1}
+                              << 20;            ///< bytes for one client; who lets more pile up is dropped
+    std::chrono::milliseconds patience{1'000};  ///< with a client that takes nothing, in has_room()
     std::function<void(const std::string&)> tell = {};  ///< who comes and goes, and what fails first
 };
 

@@ -31,10 +31,10 @@ struct OpenedLink {
 /// Of a live source that is no CAN interface. What is there at the start has to be; see open_source().
 Result<OpenedLink> open_link(const SourceName& name, const LinkOptions& options);
 
-/// Opens what a name stands for (source_name.h): a file, or a live source, which never ends. Live records
+/// Opens what a text names (source_name.h): a file, or a live source, which never ends. Live records
 /// without an absolute time get that of their arrival. A name that is a live source by mistake, or a file
 /// that is not there, is a failure at once; links that are lost later are made again.
-Result<SourceState> open_source(Recording& recording, const std::string& name,
-                                const RecordingOptions& how = {}, const LinkOptions& link = {});
+Result<SourceState> open_source(Recording& recording, const std::string& text,
+                                const RecordingOptions& how = {}, const LinkOptions& options = {});
 
 }  // namespace vistel

@@ -32,6 +32,6 @@ struct SourceName {
 ///     can:interface              a CAN interface; `can0`, `vcan1`, `slcan0` without "can:"
 ///
 /// Each may end in `?gateway=NAME`. Everything else is a file, as is what exists as one.
-Result<SourceName> parse_source(const std::string& name);
+Result<SourceName> parse_source(const std::string& text);
 
 }  // namespace vistel

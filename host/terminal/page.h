@@ -40,7 +40,7 @@ using Page = std::vector<PageLine>;
 /// Columns that a text takes: one for each character, as all those of units and names do.
 int columns_of(std::string_view text);
 
-/// The beginning of a text, at most so many columns; of one that is cut the last is "~".
-std::string cut_to(std::string_view text, int columns);
+/// The beginning of a text, at most `count` columns; of one that is cut the last is "~".
+std::string cut_to(std::string_view text, int count);
 
 }  // namespace vistel

@@ -11,8 +11,6 @@
 
 namespace vistel {
 
-namespace core = pgn_vistel::core;
-
 namespace {
 
 constexpr PlayTime glow = one_second;
