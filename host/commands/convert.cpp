@@ -90,6 +90,10 @@ int Converting::run() {
     out_->flush();
     reading_.clear_progress();
     if (output_status(*out_) != EXIT_CLEAN) return EXIT_FAILED;
+    const std::size_t buses = reading_.inputs().bus_count();
+    constexpr std::string_view tells_buses_apart = "candump";
+    if (buses > 1 && options_.to != tells_buses_apart)
+        std::fprintf(stderr, "vistel: %zu interfaces are one in what was written\n", buses);
     const int status = reading_.finish(converter_.counters());
     if (refused_ > 0)
         std::fprintf(stderr, "vistel: messages that %s cannot hold: %" PRIu64 "\n", options_.to.c_str(),
