@@ -255,6 +255,7 @@ int main(int argc, char** argv) {
     if (!vistel::start_program(argc, argv, words)) return vistel::EXIT_FAILED;
     CLI::App app("NMEA 2000 traffic, decoded");
     app.name("vistel");
+    app.allow_windows_style_options(false);  // /tmp/boat.log is a file
     app.set_version_flag("--version", PGN_VISTEL_VERSION);
     app.require_subcommand(1);
     app.failure_message(vistel::usage_error);

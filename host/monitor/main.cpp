@@ -54,6 +54,7 @@ int main(int argc, char** argv) {
     if (!start_program(argc, argv, words)) return bad_usage;
     CLI::App app("Show a recording or a live stream in the monitor window");
     app.name("vistel monitor");
+    app.allow_windows_style_options(false);  // /tmp/boat.log is a file
     PlayOptions play;
     UnitOptions units;
     StreamFilter filter;
