@@ -46,7 +46,8 @@ class PlayListener {
 ///
 /// Time stamps pace a recording alone: one that comes by a file, or for which a speed is asked. It waits for
 /// no gap that is longer than `longest_gap`. A clock that was put back by more than that is followed, once
-/// `most_early` records in a row say so; fewer are played at once, as those of a second clock are. A pause stops a recording; a live source is read on.
+/// `most_early` records in a row say so; fewer are played at once, as those of a second clock are. A pause
+/// stops a recording; a live source is read on.
 class Player {
   public:
     using Clock = std::chrono::steady_clock;
