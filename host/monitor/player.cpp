@@ -110,7 +110,8 @@ bool Player::is_due() {
 
 Player::Clock::duration Player::until_due() const {
     if (!has_record_ || !paced_ || speed() <= 0) return {};
-    const std::chrono::duration<double, std::nano> left(static_cast<double>(record_played_ - now()) / speed());
+    const std::chrono::duration<double, std::nano> left(static_cast<double>(record_played_ - now()) /
+                                                        speed());
     return std::max(std::chrono::ceil<Clock::duration>(left), Clock::duration{});
 }
 
