@@ -248,7 +248,7 @@ void convert_measured(const FormatPlan& format, const RawField& raw, UnitId u, T
         const std::int64_t count = widened(raw.bits, format.width, format.is_signed != 0);
         if (is_none(format, measure, count)) return store_none(out);
         fine = is_fine(format, count);
-        number = measured(format, measure, count, factor);
+        number = measured(measure, count, factor, fine);
     }
     if (served == 0)
         apply_unit_rule(format.rule, static_cast<float>(number), u, scratch, out);

@@ -53,7 +53,7 @@ char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
 /// A row behind the columns that it shares.
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
                   int from) {
-    at = copy_blocks(at, text_pool + plan.texts + plan.line_size + plan.json_size, plan.csv_size);
+    at = copy_blocks<64>(at, text_pool + plan.texts + plan.line_size + plan.json_size, plan.csv_size);
     if ((plan.flags & numbered) != 0) {
         at = write_text(at, " #");
         at = write_unsigned(at, static_cast<unsigned>(round));
@@ -69,7 +69,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     }
     at = write_meaning(at, plan, parts);
     *at++ = ',';
-    at = write_raw(at, payload, from, parts.reading.next);
+    at = write_raw(at, parts, payload, from);
     *at++ = ',';
     if (round > 0) at = write_unsigned(at, static_cast<unsigned>(round));
     *at++ = '\n';
@@ -116,6 +116,7 @@ char* CsvRenderer::write(char* at, char* limit) {
         return copy_blocks(to, head_.data(), static_cast<std::size_t>(head_size_));
     };
     if (stage_ == Stage::head) stage_ = Stage::fields;
+    FieldParts parts;
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
         if (!Stepping::next(walk)) {
@@ -124,7 +125,6 @@ char* CsvRenderer::write(char* at, char* limit) {
         }
         const FieldPlan& plan = Stepping::plan(walk);
         const int from = walk.position;
-        FieldParts parts;
         read_parts(walk, payload, units_, scratch_, parts);
         at = write_field(write_head(at), plan, Stepping::round(walk), parts, payload, from);
         any_ = true;

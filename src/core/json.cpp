@@ -62,7 +62,7 @@ char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
 
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
                   int from) {
-    at = copy_blocks(at, text_pool + plan.texts + plan.line_size, plan.json_size);
+    at = copy_blocks<64>(at, text_pool + plan.texts + plan.line_size, plan.json_size);
     if ((plan.flags & numbered) != 0) {
         at = write_text(at, " #");
         at = write_unsigned(at, static_cast<unsigned>(round));
@@ -77,7 +77,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     }
     at = write_meaning(at, plan, parts);
     at = write_text(at, R"(,"raw":")");
-    at = write_raw(at, payload, from, parts.reading.next);
+    at = write_raw(at, parts, payload, from);
     *at++ = '"';
     if (round > 0) {
         at = write_text(at, R"(,"round":)");
@@ -136,6 +136,7 @@ char* JsonRenderer::write(char* at, char* limit) {
     }
     const Payload payload{msg_->data, payload_length(*msg_)};
     Stepping::State& walk = Stepping::state(walk_);
+    FieldParts parts;
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
         if (!Stepping::next(walk)) {
@@ -144,7 +145,6 @@ char* JsonRenderer::write(char* at, char* limit) {
         }
         const FieldPlan& plan = Stepping::plan(walk);
         const int from = walk.position;
-        FieldParts parts;
         read_parts(walk, payload, units_, scratch_, parts);
         if (!first_) *at++ = ',';
         first_ = false;

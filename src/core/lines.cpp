@@ -122,7 +122,8 @@ template <class Out>
     const FieldPlan& plan = Stepping::plan(walk);
     if ((plan.flags & numbered) != 0) put_round(out, Stepping::round(walk));
     if (Stepping::is_plain(walk)) [[likely]] {
-        const QuickNumber quick = read_quick(plan, payload, walk.position, units);
+        QuickNumber quick;
+        read_quick(plan, payload, walk.position, units, quick);
         if (quick.kind != Kind::slow && (plan.flags & plainly) != 0 &&
             (plan.form == Form::plain || quick.kind == Kind::integer)) [[likely]] {
             walk.position = quick.next;
@@ -255,7 +256,7 @@ char* TextRenderer::write(char* at, char* limit) {
         }
         const FieldPlan& plan = Stepping::plan(walk);
         Utf8Out out(at);
-        out.put_pooled(text_pool + plan.texts, plan.line_size);
+        out.put_label(text_pool + plan.texts, plan.line_size);
         const UnitId unit = put_field(out, walk, payload, units_, scratch_, plain_numbers_);
         if (unit >= 0) {
             const UnitTexts& texts = unit_texts[unit];

@@ -100,7 +100,8 @@ struct Measure {
     double times, over;
     double step;  ///< the quotient: good enough for results in single precision
     std::int64_t offset;
-    std::int64_t none[2];  ///< codes that are no values, or INT64_MIN
+    std::int64_t none[2];              ///< codes that are no values, or INT64_MIN
+    std::uint16_t multiple, decimals;  ///< the step is multiple / 10^decimals; 0 where it is no such number
 };
 
 /// How a value is shown, as far as the dictionary entry and the place of the field decide.
