@@ -19,7 +19,7 @@ if(TARGET pgn_vistel)
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
     set(windows_targets)
     if(WIN32)
-        set(windows_targets pgn_vistel_host)
+        set(windows_targets pgn_vistel_host pgn_vistel_views)
         install(FILES $<TARGET_FILE_DIR:pgn_vistel>/pgn_vistel_msvc.lib DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
     endif()
     install(TARGETS pgn_vistel ${windows_targets} EXPORT views
@@ -88,7 +88,7 @@ endif()
 # ---- Windows ----
 
 if(WIN32 AND PGN_VISTEL_EXAMPLES)
-    foreach(host decode_host win32_host win32_tree_host)
+    foreach(host decode_host toolkit_host win32_host win32_tree_host)
         if(TARGET ${host})
             install(TARGETS ${host} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
             install(FILES examples/${host}.cpp DESTINATION ${doc_dir}/examples COMPONENT programs)
