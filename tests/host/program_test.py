@@ -8,6 +8,7 @@ import io
 import json
 import os
 import re
+import select
 import signal
 import socket
 import subprocess
@@ -511,6 +512,26 @@ class ProgramTest(unittest.TestCase):
         for arguments in (["x", "--rotate", "1"], ["x", "--rotate", "0M"], ["-", "--rotate", "1M"]):
             self.assertEqual(vistel("record", "tcp://127.0.0.1:1", *arguments).returncode, 2, arguments)
         self.assertEqual(vistel("replay", "none.log", "--to", "udp://127.0.0.1:9").returncode, 2)
+
+    def test_datagrams_go_and_come(self):
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as peer, tempfile.TemporaryDirectory() as folder:
+            peer.settimeout(30)
+            peer.bind(("127.0.0.1", 0))
+            recording = Path(folder, "one.log")
+            recording.write_text(HEADING)
+            to = f"udp://127.0.0.1:{peer.getsockname()[1]}"
+            self.assertEqual(vistel("replay", str(recording), "--to", to).returncode, 0)
+            datagram = peer.recv(2000)
+            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as unused:
+                unused.bind(("127.0.0.1", 0))
+                port = unused.getsockname()[1]
+            with subprocess.Popen([*PROGRAM, "decode", "--json", f"udp://:{port}"], stdout=subprocess.PIPE,
+                                  stderr=subprocess.DEVNULL) as process:
+                while not select.select([process.stdout], [], [], 0.1)[0]:
+                    peer.sendto(datagram, ("127.0.0.1", port))
+                self.assertEqual(json.loads(process.stdout.readline())["pgn"], 127250)
+                process.send_signal(signal.SIGINT)
+                self.assertEqual(process.wait(timeout=30), 0)
 
     def test_a_closed_pipe_ends_it_quietly(self):
         for arguments in (["decode"], ["catalogue", "fields"], ["encode", "--list", "127250"]):
