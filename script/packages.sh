@@ -11,6 +11,6 @@ package_packages="dpkg-dev file"
 try_packages="debootstrap"
 docs_packages="doxygen"
 bench_packages="valgrind"
-# clang tells the names that Microsoft's compiler gives.
-windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev"
+# clang tells the names that Microsoft's compiler gives, git the time of the package's contents.
+windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev git"
 wine_packages="debootstrap googletest imagemagick xvfb"
