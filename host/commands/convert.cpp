@@ -11,6 +11,7 @@
 #include "commands/reading.h"
 #include "output/output_file.h"
 #include "output/sink.h"
+#include "text/words.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
@@ -46,9 +47,8 @@ class Converting {
 };
 
 void Converting::refuse(const N2KMsg& msg, const char* why) {
-    reading_.clear_progress();
-    std::fprintf(stderr, "vistel: PGN %" PRIu32 " from source %d is left out: %s\n", msg.pgn, msg.source,
-                 why);
+    reading_.tell(concat("PGN ", msg.pgn, " from source ", unsigned{msg.source}),
+                  concat("is left out: ", why));
     ++refused_;
 }
 
@@ -92,7 +92,7 @@ int Converting::run() {
     if (output_status(*out_) != EXIT_CLEAN) return EXIT_FAILED;
     const std::size_t buses = reading_.inputs().bus_count();
     constexpr std::string_view tells_buses_apart = "candump";
-    if (buses > 1 && options_.to != tells_buses_apart)
+    if (buses > 1 && !reading_.is_quiet() && options_.to != tells_buses_apart)
         std::fprintf(stderr, "vistel: %zu interfaces are one in what was written\n", buses);
     const int status = reading_.finish(converter_.counters());
     if (refused_ > 0)

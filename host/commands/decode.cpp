@@ -150,7 +150,7 @@ int Decoding::run() {
     reading_.clear_progress();
     if (output_status(out_) != EXIT_CLEAN) return EXIT_FAILED;
     const int status = reading_.finish(reassembler_.counters());
-    if (options_.statistics || reading_.is_live()) print_statistics();
+    if (options_.statistics || (reading_.is_live() && !reading_.is_quiet())) print_statistics();
     return status;
 }
 

@@ -6,8 +6,8 @@
 
 namespace vistel {
 
-/// Says on standard error what was skipped: `problems` are lines that could not be read. Returns the exit
-/// status that it leads to.
-int report_losses(std::uint64_t problems, const ReassemblyCounters& counters);
+/// Says on standard error what was skipped, lines and records that could not be read among it. Returns the
+/// exit status that it leads to.
+int report_losses(std::uint64_t lines, std::uint64_t records, const ReassemblyCounters& counters);
 
 }  // namespace vistel

@@ -27,6 +27,7 @@ LinkOptions link_options(const RecordOptions& options) {
     LinkOptions how;
     how.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
     how.tell = [&options](const std::string& text) {
+        if (options.quiet) return;
         std::fprintf(stderr, "vistel: %s: %s\n", options.source.c_str(), text.c_str());
     };
     return how;
@@ -54,7 +55,7 @@ int keep(const RecordOptions& options, const LinkCounters& counters, std::string
     }
     file.flush();
     if (const int status = output_status(file.out()); status != EXIT_CLEAN) return status;
-    print(counters);
+    if (!options.quiet) print(counters);
     return EXIT_CLEAN;
 }
 

@@ -10,6 +10,7 @@ struct RecordOptions {
     std::string source;
     std::string output;
     Rotation rotation;
+    bool quiet = false;   ///< nothing is told but what the exit status stands for
     double timeout = 30;  ///< seconds without traffic until that is told; 0 never
 };
 

@@ -55,10 +55,9 @@ class Inputs {
         return Event::record;
     }
 
-    /// @{ Of the problem that next() has just met: whether a recording as a whole is meant, and all of it as
-    /// a text, with the name of the recording and the place.
-    bool is_problem_of_whole() const { return problem_->place == Problem::Place::whole; }
-    std::string problem() const { return described(*problem_, names_[problem_place_]); }
+    /// @{ The problem that next() has just met, and the name of its recording.
+    const Problem& problem() const { return *problem_; }
+    const std::string& recording_of_problem() const { return names_[problem_place_]; }
     /// @}
 
     /// Whether records come from more than one bus, as far as that is known.

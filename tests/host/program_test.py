@@ -168,6 +168,30 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
         self.assertEqual(vistel("decode").returncode, 0)
 
+    def test_what_is_alike_is_counted(self):
+        lines = "".join(f"`line {n}`\n" for n in range(12)) + "".join(f",2,127250,7,255,{n},01\n" for n in (3, 4))
+        record = "1002 9313 0212F101FF230CCDAB000800393000 00FF7FFD{} 1003"  # and its checksum
+        records = bytes.fromhex(record.format("C2") + record.format("C3") * 7)
+        with tempfile.TemporaryDirectory() as folder:
+            Path(folder, "lines").write_text(HEADING + lines)
+            Path(folder, "records").write_bytes(records)
+            text, binary = str(Path(folder, "lines")), str(Path(folder, "records"))
+            result = vistel("decode", text, binary)
+            told = result.stderr.replace(folder + "/", "").splitlines()
+            self.assertEqual([line.split(": ")[0] for line in told[:12]],
+                             [f"lines:{n}" for n in (2, 3, 4, 5, 6, 14, 15)] + ["records"] * 5)
+            self.assertEqual(told[12:], ["vistel: 7 more lines like lines:2",
+                                         "vistel: 2 more records of records like the one at byte 26",
+                                         "vistel: lines that could not be read: 14",
+                                         "vistel: records that could not be read: 7"])
+            quiet = vistel("decode", "--quiet", text, binary)
+            self.assertEqual(quiet.stderr.replace(folder + "/", "").splitlines(), told[-2:])
+            self.assertEqual((quiet.stdout, quiet.returncode), (result.stdout, 1))
+            unframed = ",6,59905,7,35,9,1,2,3,4,5,6,7,8,9\n" * 8
+            told = vistel("convert", "--to", "candump", stdin="# format=FAST\n" + unframed).stderr.splitlines()
+            self.assertEqual((len(told), told[5]), (7, "vistel: 3 more like PGN 59905 from source 7"), told)
+        self.assertIn("No such file", vistel("decode", "-q", "/none").stderr)
+
     def test_encoding_is_decoded_again(self):
         def pgns(count):
             return ["126464", "Group Function Code=0"] + [f"PGN supported #{n}=129029" for n in range(1, count + 1)]

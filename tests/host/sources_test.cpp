@@ -525,7 +525,9 @@ TEST(Links, AreReadSideBySide) {
                     ++came[std::string(inputs.bus_label(record.bus))];
                     if (order.size() < 4) order += std::to_string(record.bus);
                     break;
-                case Inputs::Event::problem: failures += inputs.problem(); break;
+                case Inputs::Event::problem:
+                    failures += described(inputs.problem(), inputs.recording_of_problem());
+                    break;
                 default: break;
             }
         }
