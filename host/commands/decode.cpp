@@ -120,6 +120,7 @@ void Decoding::print_statistics() const {
     line("frames of no message", c.orphan_frames);
     line("repeated frames", c.repeated_frames);
     line("other than NMEA 2000", reading_.inputs().foreign_frames());
+    line("frames dropped by the recorder", reading_.inputs().dropped_frames());
     for (const auto& [name, counters] : reading_.inputs().links()) {
         if (reading_.inputs().links().size() > 1)
             std::fprintf(stderr, "source: %s\n", printable(name).c_str());

@@ -6,8 +6,13 @@
 
 namespace vistel {
 
-/// Says on standard error what was skipped, lines and records that could not be read among it. Returns the
-/// exit status that it leads to.
-int report_losses(std::uint64_t lines, std::uint64_t records, const ReassemblyCounters& counters);
+/// What was lost before frames could be put together.
+struct InputLosses {
+    std::uint64_t lines = 0, records = 0;  ///< that could not be read
+    std::uint64_t dropped = 0;             ///< frames that whoever made a recording had lost
+};
+
+/// Says on standard error what was skipped. Returns the exit status that it leads to.
+int report_losses(const InputLosses& losses, const ReassemblyCounters& counters);
 
 }  // namespace vistel

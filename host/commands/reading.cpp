@@ -5,7 +5,6 @@
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
-#include "commands/losses.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -38,7 +37,7 @@ void Reading::note_problem() {
         return;
     }
     const bool is_line = problem.place == Problem::Place::line;
-    ++(is_line ? bad_lines_ : bad_records_);
+    ++(is_line ? losses_.lines : losses_.records);
     log_.tell(recording, problem.text, line, [&] {
         return is_line ? concat("lines like ", recording, ":", problem.number)
                        : concat("records of ", recording, " like the one at byte ", problem.number);
@@ -54,8 +53,9 @@ void Reading::tell(const std::string& what, std::string_view why) {
 
 int Reading::finish(const ReassemblyCounters& counters) {
     log_.finish();
+    losses_.dropped = inputs_.dropped_frames();
     if (is_quiet_ && is_live()) return is_readable_ ? EXIT_CLEAN : EXIT_FAILED;
-    const int status = report_losses(bad_lines_, bad_records_, counters);
+    const int status = report_losses(losses_, counters);
     if (!is_readable_) return EXIT_FAILED;
     return is_live() ? EXIT_CLEAN : status;
 }

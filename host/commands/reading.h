@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "commands/losses.h"
 #include "commands/problem_log.h"
 #include "commands/progress.h"
 #include "inputs/inputs.h"
@@ -58,7 +59,7 @@ class Reading {
     /// live source, which the user ends, is told and no more.
     int finish(const ReassemblyCounters& counters);
 
-    std::uint64_t problems() const { return bad_lines_ + bad_records_; }
+    std::uint64_t problems() const { return losses_.lines + losses_.records; }
 
   private:
     void note(Event event);
@@ -68,7 +69,7 @@ class Reading {
     Inputs inputs_;
     std::optional<Progress> progress_;
     ProblemLog log_{is_quiet_};
-    std::uint64_t bad_lines_ = 0, bad_records_ = 0;
+    InputLosses losses_;
     bool is_readable_ = true;
 };
 

@@ -145,6 +145,7 @@ void Inputs::note_format(std::vector<std::string_view>& formats, const Recording
 void Inputs::close(const Input& input) {
     bytes_read_ += input.recording.bytes_read();
     foreign_frames_ += input.recording.foreign_frames();
+    dropped_frames_ += input.recording.dropped_frames();
     note_format(formats_, input.recording);
 }
 
@@ -286,6 +287,12 @@ std::uint64_t Inputs::bytes_read() const {
 std::uint64_t Inputs::foreign_frames() const {
     std::uint64_t sum = foreign_frames_;
     for (const auto& input : open_) sum += input->recording.foreign_frames();
+    return sum;
+}
+
+std::uint64_t Inputs::dropped_frames() const {
+    std::uint64_t sum = dropped_frames_;
+    for (const auto& input : open_) sum += input->recording.dropped_frames();
     return sum;
 }
 

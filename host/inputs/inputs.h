@@ -74,6 +74,7 @@ class Inputs {
     std::uint64_t bytes_read() const;
     std::uint64_t bytes_total() const { return bytes_total_; }  ///< 0 when unknown; told from `begins` on
     std::uint64_t foreign_frames() const;
+    std::uint64_t dropped_frames() const;  ///< as the recordings themselves say
 
     /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
     /// possible, at present or ever, which `tell` is told. `kind` is that of the records that come from
@@ -159,6 +160,7 @@ class Inputs {
     // Of those that are closed.
     std::uint64_t bytes_read_ = 0;
     std::uint64_t foreign_frames_ = 0;
+    std::uint64_t dropped_frames_ = 0;
     std::vector<std::string_view> formats_;
 };
 

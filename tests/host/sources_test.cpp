@@ -420,6 +420,22 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
     EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
 }
 
+TEST(Links, TellWhatTheSystemDropped) {
+    const std::uint16_t port = free_port(SOCK_DGRAM);
+    Listening live("udp://:" + std::to_string(port));
+    const Bound sender(SOCK_DGRAM);
+    const sockaddr_in to = here(port);
+    constexpr int sent = 20'000;  // more than any usual buffer holds
+    for (int i = 0; i < sent; ++i)
+        ::sendto(sender.socket, raw_line.data(), raw_line.size(), 0, generic(to), sizeof to);
+    const LinkCounters& counters = *live.state.counters;
+    EXPECT_TRUE(live.until([&] {
+        return static_cast<std::uint64_t>(live.messages) + counters.dropped == sent;
+    })) << counters.dropped;
+    EXPECT_GT(counters.dropped, 0u);
+    EXPECT_TRUE(live.has_told("datagrams that the system dropped, because they were not read in time: "));
+}
+
 TEST(Links, SendFramesAsTheGatewaySpeaks) {
     const struct {
         std::string_view speaks, format, sent;
@@ -608,7 +624,7 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
               std::tuple(127250u, 0x23, 8, 123));
     EXPECT_EQ(recording.foreign_frames(), 3u);
     const LinkCounters& counters = *port->counters();
-    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped_frames),
+    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped),
               std::tuple(1u, 2u, 3u, 14u));
     for (const char* text :
          {"because they were not read in time: 7\n", "connection lost: the interface is down",
