@@ -393,7 +393,12 @@ class ProgramTest(unittest.TestCase):
                 if not shown and status == 2:
                     self.assertEqual(vistel("decode", "--csv", *arguments).stdout, "", given)
             both = [os.path.join(folder, name) for name in "ab"]
-            self.assertEqual(len(vistel("convert", "--to", "candump", *both).stdout.splitlines()), 4)
+            log = contents["a"].replace(".0)", ".000000)").replace("can1", "nmea")
+            kept = vistel("convert", "--to", "candump", stdin=log)
+            self.assertEqual((kept.stdout, kept.stderr), (log, ""))
+            told = vistel("convert", "--to", "candump", "--merge", *both).stderr
+            self.assertIn(f"vistel: interface {both[0]}:can0 is can0 in what is written\n", told)
+            self.assertIn("2 interfaces are one", vistel("convert", "--to", "plain", stdin=log).stderr)
             mixed = vistel("devices", "--json", os.path.join(folder, "clockless"), both[0]).stdout.splitlines()
             self.assertEqual({json.loads(line)["first_seen"] for line in mixed}, {None, 0})
             merged = csv.DictReader(io.StringIO(vistel("devices", "--csv", "--merge", *both).stdout))
