@@ -529,6 +529,14 @@ class ProgramTest(unittest.TestCase):
             files = sorted(Path(folder).glob("kept-20*Z.pcap"))
             self.assertGreater(len(files), 2)
             results = [vistel("decode", "--json", str(each)) for each in files]
+            # More at one time than is kept for a client that does not take it; this one does.
+            recording.write_text(line.format(0) * 60_000)
+            command[-1] = "1"
+            with subprocess.Popen(command, stderr=subprocess.PIPE, text=True) as player:
+                player.stderr.readline()
+                with socket.create_connection(("127.0.0.1", port)) as client:
+                    size = sum(map(len, iter(lambda: client.recv(1 << 16), b"")))
+                self.assertIn(f"frames: 60000, bytes sent: {size}, clients: 1, dropped: 0\n", player.communicate()[1])
         self.assertEqual([(each.returncode, each.stderr) for each in results], [(0, "")] * len(files))
         self.assertEqual(sum(each.stdout.count("\n") for each in results), 40)
         for arguments in (["x", "--rotate", "1"], ["x", "--rotate", "0M"], ["-", "--rotate", "1M"]):

@@ -9,15 +9,20 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "can/identifier.h"
+#include "commands/record.h"
 #include "host/temporary_recording.h"
 #include "inputs/inputs.h"
 #include "readers/stream_capture.h"
@@ -630,6 +635,78 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
          {"because they were not read in time: 7\n", "connection lost: the interface is down",
           "connection lost: the interface is gone", "receiving again after"})
         EXPECT_NE(told.find(text), std::string::npos) << text << told;
+}
+
+TEST(CanInterfaces, AreRecordedInSeveralFiles) {
+    struct Interrupting final : CanSocket {
+        int left = 20;
+        Received receive(CanFrame& frame, int) override {
+            if (left-- == 0) std::raise(SIGINT);
+            frame = heading;
+            return left >= 0 ? Received::frame : Received::nothing;
+        }
+        bool send(const CanFrame&) override { return false; }
+        void wake(EventLoop&) override {}
+        std::uint64_t dropped() const override { return 0; }
+    };
+    auto port = std::make_shared<CanPort>(
+        [] { return Result<std::unique_ptr<CanSocket>>(std::make_unique<Interrupting>()); }, LinkOptions{});
+    ASSERT_TRUE(port->open());
+    Recording source;
+    source.attach(std::make_unique<CanReader>(port, RecordingOptions{.patience_ms = 0}), "socketcan");
+    const test::TemporaryRecording place("");
+    const RecordOptions options{
+        .source = "can0", .output = place.name() + ".pcap", .rotation = {.bytes = 200}, .quiet = true};
+    EXPECT_EQ(record_frames(options, source, *port->counters()), 0);
+    std::map<std::string, int> frames;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(place.name()).parent_path())) {
+        if (!entry.path().string().starts_with(place.name() + "-")) continue;
+        Recording file;
+        ASSERT_TRUE(file.open(entry.path()));
+        Record record;
+        for (ReadResult result; (result = file.next(record)) != ReadResult::end;) {
+            EXPECT_NE(result, ReadResult::problem);
+            if (result == ReadResult::record) ++frames[entry.path()];
+        }
+        EXPECT_EQ(record.time.nanoseconds, heading.time);
+        std::filesystem::remove(entry.path());
+    }
+    // A file has 24 bytes at its head and 32 a frame, and the one that passes the limit is the last.
+    std::string sizes;
+    for (const auto& [file, count] : frames) sizes += std::to_string(count) + ' ';
+    EXPECT_EQ(sizes, "6 6 6 2 ");
+}
+
+TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
+    const test::TemporaryRecording place("");
+    const auto files_of = [&](const Rotation& rotation, auto put) {
+        RecordedFile file(place.name(), rotation, "head");
+        EXPECT_TRUE(file.open());
+        std::set<std::string> names;
+        put([&](bool ends_record) {
+            EXPECT_TRUE(file.put("piece", ends_record));
+            names.insert(file.current());
+        });
+        for (const std::string& name : names) std::filesystem::remove(name);
+        return names.size();
+    };
+    EXPECT_EQ(
+        files_of({.bytes = 10}, [](auto put) { put(false), put(false), put(false), put(true), put(true); }),
+        2u);
+    EXPECT_EQ(files_of({.bytes = 10},
+                       [](auto put) {
+                           for (int i = 0; i < 1'001; ++i) put(false);
+                       }),
+              1u);
+    EXPECT_EQ(files_of({.bytes = 10},
+                       [](auto put) {
+                           for (int i = 0; i < 1'003; ++i) put(false);
+                       }),
+              2u);
+    EXPECT_EQ(
+        files_of({.time = 1s}, [](auto put) { put(true), std::this_thread::sleep_for(1001ms), put(true); }),
+        2u);
 }
 
 TEST(CanInterfaces, GiveFramesOfTheKernel) {
