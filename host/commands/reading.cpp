@@ -39,8 +39,8 @@ void Reading::note_problem() {
     const bool is_line = problem.place == Problem::Place::line;
     ++(is_line ? losses_.lines : losses_.records);
     log_.tell(recording, problem.text, line, [&] {
-        return is_line ? concat("lines like ", recording, ":", problem.number)
-                       : concat("records of ", recording, " like the one at byte ", problem.number);
+        return is_line ? concat("like ", recording, ":", problem.number)
+                       : concat("like that at byte ", problem.number, " of ", recording);
     });
 }
 

@@ -180,8 +180,8 @@ class ProgramTest(unittest.TestCase):
             told = result.stderr.replace(folder + "/", "").splitlines()
             self.assertEqual([line.split(": ")[0] for line in told[:12]],
                              [f"lines:{n}" for n in (2, 3, 4, 5, 6, 14, 15)] + ["records"] * 5)
-            self.assertEqual(told[12:], ["vistel: 7 more lines like lines:2",
-                                         "vistel: 2 more records of records like the one at byte 26",
+            self.assertEqual(told[12:], ["vistel: 7 more like lines:2",
+                                         "vistel: 2 more like that at byte 26 of records",
                                          "vistel: lines that could not be read: 14",
                                          "vistel: records that could not be read: 7"])
             quiet = vistel("decode", "--quiet", text, binary)
