@@ -36,6 +36,10 @@ void add_timeout(CLI::App& command, double& timeout) {
         ->capture_default_str();
 }
 
+void add_quiet(CLI::App& command, bool& quiet) {
+    command.add_flag("-q,--quiet", quiet, "Tell nothing but what makes the exit status another than 0");
+}
+
 /// What the recordings of a command hold.
 void add_format(CLI::App& command, vistel::InputOptions& options) {
     const auto check = [](const std::string& name) {
@@ -61,6 +65,7 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
     command.add_flag("--merge", options.merge, "Several recordings by time instead of one after the other");
     add_format(command, options);
     add_timeout(command, options.timeout);
+    add_quiet(command, options.quiet);
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -132,6 +137,7 @@ void add_record(CLI::App& app, Arguments& arguments) {
             "A new file at each size or time, as in 100M or 1h; the time is put into its name")
         ->type_name("LIMIT");
     add_timeout(*command, options.timeout);
+    add_quiet(*command, options.quiet);
 }
 
 void add_replay(CLI::App& app, Arguments& arguments) {
@@ -149,6 +155,7 @@ void add_replay(CLI::App& app, Arguments& arguments) {
     vistel::add_speed(*command, options.speed);
     command->add_flag("--loop", options.loop, "From the start again at the end");
     add_format(*command, options.input);
+    add_quiet(*command, options.input.quiet);
     vistel::add_definitions(*command, options.definitions);
 }
 

@@ -6,8 +6,13 @@
 
 namespace vistel {
 
-/// Says on standard error what was skipped: `problems` are lines that could not be read. Returns the exit
-/// status that it leads to.
-int report_losses(std::uint64_t problems, const ReassemblyCounters& counters);
+/// What was lost before frames could be put together.
+struct InputLosses {
+    std::uint64_t lines = 0, records = 0;  ///< that could not be read
+    std::uint64_t dropped = 0;             ///< frames that whoever made a recording had lost
+};
+
+/// Says on standard error what was skipped. Returns the exit status that it leads to.
+int report_losses(const InputLosses& losses, const ReassemblyCounters& counters);
 
 }  // namespace vistel

@@ -27,6 +27,7 @@ LinkOptions link_options(const RecordOptions& options) {
     LinkOptions how;
     how.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
     how.tell = [&options](const std::string& text) {
+        if (options.quiet) return;
         std::fprintf(stderr, "vistel: %s: %s\n", options.source.c_str(), text.c_str());
     };
     return how;
@@ -54,7 +55,7 @@ int keep(const RecordOptions& options, const LinkCounters& counters, std::string
     }
     file.flush();
     if (const int status = output_status(file.out()); status != EXIT_CLEAN) return status;
-    print(counters);
+    if (!options.quiet) print(counters);
     return EXIT_CLEAN;
 }
 
@@ -75,22 +76,26 @@ int record_stream(const RecordOptions& options, const SourceName& name) {
     });
 }
 
-int record_frames(const RecordOptions& options) {
+int record_can(const RecordOptions& options) {
     Recording recording;
     auto opened = open_source(recording, options.source, {.patience_ms = patience}, link_options(options));
     if (!opened) return fail(options.source, opened.error().text);
+    return record_frames(options, recording, *opened->counters);
+}
+
+}  // namespace
+
+int record_frames(const RecordOptions& options, Recording& source, const LinkCounters& counters) {
     PcapWriter writer;
     std::string head;
     writer.begin(Record::Kind::frame, head);
     Record record;
-    return keep(options, *opened->counters, head, [&](std::string& bytes, RecordedFile& file) {
-        if (recording.would_wait()) file.flush();
-        if (recording.next(record) == ReadResult::record) writer.put(record, bytes);
+    return keep(options, counters, head, [&](std::string& bytes, RecordedFile& file) {
+        if (source.would_wait()) file.flush();
+        if (source.next(record) == ReadResult::record) writer.put(record, bytes);
         return true;
     });
 }
-
-}  // namespace
 
 int run_record(const RecordOptions& options) {
     auto name = parse_source(options.source);
@@ -98,7 +103,7 @@ int run_record(const RecordOptions& options) {
     if (!name->is_live()) return fail(options.source, "is no live source");
     if (options.rotation.is_wanted() && options.output == "-")
         return fail("--rotate", "standard output is one file");
-    return name->kind == SourceName::Kind::can ? record_frames(options) : record_stream(options, *name);
+    return name->kind == SourceName::Kind::can ? record_can(options) : record_stream(options, *name);
 }
 
 }  // namespace vistel

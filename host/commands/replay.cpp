@@ -100,7 +100,7 @@ bool Replaying::play(const std::string& name) {
     const PlayCounters& counters = player.counters();
     played_.messages += counters.messages;
     played_.skipped_gaps += counters.skipped_gaps;
-    if (played_.problems == 0 && counters.problems > 0)
+    if (played_.problems == 0 && counters.problems > 0 && !options_.input.quiet)
         std::fprintf(stderr, "%s\n", player.first_problem().c_str());
     played_.problems += counters.problems;
     return counters.messages > 0 || counters.problems == 0;
@@ -118,7 +118,7 @@ int Replaying::run() {
     for (const auto until = std::chrono::steady_clock::now() + most;
          !outlet_.is_empty() && std::chrono::steady_clock::now() < until;)
         outlet_.run(10ms);
-    say_what_was_sent();
+    if (!options_.input.quiet) say_what_was_sent();
     return is_readable ? EXIT_CLEAN : EXIT_FAILED;
 }
 
@@ -152,6 +152,7 @@ int run_replay(const ReplayOptions& options) {
     if (is_can && !options.as.empty()) return fail(options.to, "a CAN interface has no format to be named");
     OutletOptions how;
     how.tell = [&options](const std::string& text) {
+        if (options.input.quiet) return;
         std::fprintf(stderr, "vistel: %s: %s\n", options.to.c_str(), text.c_str());
     };
     watch_interrupts();

@@ -112,6 +112,7 @@ class LineReader final : public RecordReader {
 
     bool would_wait() override { return !settle(ByteSource::Wait::no) || lines_.would_wait(); }
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::uint64_t dropped_frames() const override { return dropped_frames_of(format_); }
     std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
   private:

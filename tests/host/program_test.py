@@ -173,6 +173,30 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
         self.assertEqual(vistel("decode").returncode, 0)
 
+    def test_what_is_alike_is_counted(self):
+        lines = "".join(f"`line {n}`\n" for n in range(12)) + "".join(f",2,127250,7,255,{n},01\n" for n in (3, 4))
+        record = "1002 9313 0212F101FF230CCDAB000800393000 00FF7FFD{} 1003"  # and its checksum
+        records = bytes.fromhex(record.format("C2") + record.format("C3") * 7)
+        with tempfile.TemporaryDirectory() as folder:
+            Path(folder, "lines").write_text(HEADING + lines)
+            Path(folder, "records").write_bytes(records)
+            text, binary = str(Path(folder, "lines")), str(Path(folder, "records"))
+            result = vistel("decode", text, binary)
+            told = result.stderr.replace(folder + "/", "").splitlines()
+            self.assertEqual([line.split(": ")[0] for line in told[:12]],
+                             [f"lines:{n}" for n in (2, 3, 4, 5, 6, 14, 15)] + ["records"] * 5)
+            self.assertEqual(told[12:], ["vistel: 7 more like lines:2",
+                                         "vistel: 2 more like that at byte 26 of records",
+                                         "vistel: lines that could not be read: 14",
+                                         "vistel: records that could not be read: 7"])
+            quiet = vistel("decode", "--quiet", text, binary)
+            self.assertEqual(quiet.stderr.replace(folder + "/", "").splitlines(), told[-2:])
+            self.assertEqual((quiet.stdout, quiet.returncode), (result.stdout, 1))
+            unframed = ",6,59905,7,35,9,1,2,3,4,5,6,7,8,9\n" * 8
+            told = vistel("convert", "--to", "candump", stdin="# format=FAST\n" + unframed).stderr.splitlines()
+            self.assertEqual((len(told), told[5]), (7, "vistel: 3 more like PGN 59905 from source 7"), told)
+        self.assertIn("No such file", vistel("decode", "-q", "/none").stderr)
+
     def test_encoding_is_decoded_again(self):
         def pgns(count):
             return ["126464", "Group Function Code=0"] + [f"PGN supported #{n}=129029" for n in range(1, count + 1)]
@@ -376,7 +400,12 @@ class ProgramTest(unittest.TestCase):
                 if not shown and status == 2:
                     self.assertEqual(vistel("decode", "--csv", *arguments).stdout, "", given)
             both = [os.path.join(folder, name) for name in "ab"]
-            self.assertEqual(len(vistel("convert", "--to", "candump", *both).stdout.splitlines()), 4)
+            log = contents["a"].replace(".0)", ".000000)").replace("can1", "nmea")
+            kept = vistel("convert", "--to", "candump", stdin=log)
+            self.assertEqual((kept.stdout, kept.stderr), (log, ""))
+            told = vistel("convert", "--to", "candump", "--merge", *both).stderr
+            self.assertIn(f"vistel: interface {both[0]}:can0 is can0 in what is written\n", told)
+            self.assertIn("2 interfaces are one", vistel("convert", "--to", "plain", stdin=log).stderr)
             mixed = vistel("devices", "--json", os.path.join(folder, "clockless"), both[0]).stdout.splitlines()
             self.assertEqual({json.loads(line)["first_seen"] for line in mixed}, {None, 0})
             merged = csv.DictReader(io.StringIO(vistel("devices", "--csv", "--merge", *both).stdout))
@@ -507,6 +536,14 @@ class ProgramTest(unittest.TestCase):
             files = sorted(Path(folder).glob("kept-20*Z.pcap"))
             self.assertGreater(len(files), 2)
             results = [vistel("decode", "--json", str(each)) for each in files]
+            # More at one time than is kept for a client that does not take it; this one does.
+            recording.write_text(line.format(0) * 60_000)
+            command[-1] = "1"
+            with subprocess.Popen(command, stderr=subprocess.PIPE, text=True) as player:
+                player.stderr.readline()
+                with socket.create_connection(("127.0.0.1", port)) as client:
+                    size = sum(map(len, iter(lambda: client.recv(1 << 16), b"")))
+                self.assertIn(f"frames: 60000, bytes sent: {size}, clients: 1, dropped: 0\n", player.communicate()[1])
         self.assertEqual([(each.returncode, each.stderr) for each in results], [(0, "")] * len(files))
         self.assertEqual(sum(each.stdout.count("\n") for each in results), 40)
         for arguments in (["x", "--rotate", "1"], ["x", "--rotate", "0M"], ["-", "--rotate", "1M"]):
