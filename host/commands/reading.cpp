@@ -20,6 +20,8 @@ void Reading::note(Event event) {
         watch_interrupts();
         ignore_closed_pipes();
         progress_.emplace(inputs_.bytes_total());
+    } else if (event == Event::end) {
+        has_ended_ = true;
     } else if (event == Event::problem) {
         clear_progress();
         std::fprintf(stderr, "%s\n", inputs_.problem().c_str());
@@ -31,8 +33,11 @@ void Reading::note(Event event) {
     }
 }
 
-int Reading::finish(const ReassemblyCounters& counters) const {
+int Reading::finish(const ReassemblyCounters& counters) {
     const int status = report_losses(problems_, counters);
+    if (!has_ended_ && interrupted())
+        if (const std::string place = inputs_.unread_place(); !place.empty())
+            return report_interrupt(place);
     if (!is_readable_) return EXIT_FAILED;
     return is_live() ? EXIT_CLEAN : status;
 }

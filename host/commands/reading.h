@@ -44,9 +44,9 @@ class Reading {
         if (progress_) progress_->clear();
     }
 
-    /// At the end: says what was skipped, and returns the exit status that it leads to. What is lost on a
-    /// live source, which the user ends, is told and no more.
-    int finish(const ReassemblyCounters& counters) const;
+    /// At the end: says what was skipped and where an interrupt ended the reading, and returns the exit status
+    /// that it leads to. What is lost on a live source, which the user ends, is told and no more.
+    int finish(const ReassemblyCounters& counters);
 
     std::uint64_t problems() const { return problems_; }
 
@@ -57,6 +57,7 @@ class Reading {
     std::optional<Progress> progress_;
     std::uint64_t problems_ = 0;
     bool is_readable_ = true;
+    bool has_ended_ = false;
 };
 
 }  // namespace vistel

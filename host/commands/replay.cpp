@@ -8,8 +8,10 @@
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
+#include "commands/losses.h"
 #include "monitor/player.h"
 #include "sources/outlet.h"
+#include "text/words.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
@@ -65,6 +67,7 @@ class Replaying final : PlayListener {
     Converter converter_{writer_, unused_, [this](const N2KMsg&, const char*) { ++refused_; },
                          options_.definitions};
     PlayCounters played_;  // of the players that are gone
+    std::string place_ = "before the first recording";
 };
 
 void Replaying::on_record(const Record& record) {
@@ -82,6 +85,7 @@ void Replaying::wait_for_room() {
 
 /// False where the recording as a whole cannot be read.
 bool Replaying::play(const std::string& name) {
+    place_ = "in " + name;
     Player player({.file = name,
                    .format = options_.input.format,
                    .contents = options_.input.contents,
@@ -114,11 +118,13 @@ int Replaying::run() {
             if (!interrupted() && !play(name)) is_readable = false;
         if (!options_.loop || played_.messages == before) break;
     }
+    const bool is_broken_off = interrupted() && !options_.loop;
     constexpr auto most = 2s;
     for (const auto until = std::chrono::steady_clock::now() + most;
          !outlet_.is_empty() && std::chrono::steady_clock::now() < until;)
         outlet_.run(10ms);
     say_what_was_sent();
+    if (is_broken_off) return report_interrupt(concat("after ", played_.messages, " messages, ", place_));
     return is_readable ? EXIT_CLEAN : EXIT_FAILED;
 }
 

@@ -88,6 +88,7 @@ bool Inputs::open_next() {
     if (!any_open_)
         bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
     any_open_ = true;
+    input->is_live = opened->is_live();
     input->send = opened->send;
     open_.push_back(std::move(input));
     return true;
@@ -204,6 +205,13 @@ bool Inputs::send(Record frame) {
 }
 
 // ---- what came of them ----
+
+std::string Inputs::unread_place() {
+    for (const auto& input : open_)
+        if (!input->is_live && !input->recording.would_wait())
+            return concat("at byte ", input->recording.bytes_read(), " of ", names_[input->place]);
+    return open_.empty() && opened_ < names_.size() ? "before " + names_[opened_] : "";
+}
 
 std::uint64_t Inputs::bytes_read() const {
     std::uint64_t sum = bytes_read_;

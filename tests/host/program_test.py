@@ -424,6 +424,32 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
 
+    def test_an_interrupt_in_the_middle_of_a_recording(self):
+        """Commands stand still at the first thing that they write, into a pipe or for a client."""
+        with tempfile.TemporaryDirectory() as folder:
+            path = str(Path(folder, "long.log"))
+            Path(path).write_text((HEADING + "nonsense\n") * 200_000)
+            cases = [(["decode", "--stats", path], signal.SIGTERM, "at byte ", b"\n    Source Address: ", "\nmessages: "),
+                     (["convert", "--to", "candump", "-"], signal.SIGINT, "at byte ", b"\n(1789027200.250000) can0 ", ""),
+                     (["devices", path], signal.SIGTERM, "at byte ", b"\nDevices: 1", ""),
+                     (["replay", path, "--to", "tcp-listen://127.0.0.1:0"], signal.SIGINT, "after 0 messages, ", b"", ""),
+                     (["replay", "--loop", path, "--to", "tcp-listen://127.0.0.1:0"], signal.SIGTERM, None, b"", "")]
+            for arguments, number, place, shown, told in cases:
+                with open(path, "rb") as recording, open(Path(folder, "told"), "w+b") as errors, subprocess.Popen(
+                        [VISTEL, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
+                    while os.fstat(errors.fileno()).st_size == 0:
+                        time.sleep(0.01)
+                    process.send_signal(number)
+                    out = process.communicate(timeout=30)[0]
+                    errors.seek(0)
+                    said = errors.read().decode()
+                self.assertEqual(process.returncode, 128 + number if place else 0, arguments)
+                if place:
+                    self.assertIn(f"\nvistel: interrupted by signal {int(number)} {place}", said)
+                self.assertIn(told, said)
+                self.assertIn(shown, b"\n" + out)
+                self.assertTrue(out.endswith(b"\n") or not out, arguments)
+
     def test_a_link_that_is_lost_is_made_again(self):
         line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
         with socket.create_server(("127.0.0.1", 0)) as server:
