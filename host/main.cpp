@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
@@ -10,6 +12,7 @@
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
+#include "commands/output_status.h"
 #include "commands/record.h"
 #include "commands/replay.h"
 #include "readers/formats.h"
@@ -280,8 +283,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        const int status = app.exit(error);
-        return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
+        std::ostringstream shown;  // help, or the version
+        return app.exit(error, shown, std::cerr) == 0 ? vistel::print_out(shown.str()) : vistel::EXIT_FAILED;
     }
 
     for (const char* const name : {"monitor", "top"})

@@ -1,7 +1,5 @@
 #include "commands/encode.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -10,7 +8,6 @@
 
 #include "can/frames.h"
 #include "commands/decode.h"
-#include "commands/interrupt.h"
 #include "commands/output_status.h"
 #include "encode/calendar_entry.h"
 #include "encode/choices.h"
@@ -42,14 +39,6 @@ int fail(const Failures& failures) {
     const std::size_t count = failures.texts.size();
     for (std::size_t i = 0; i < std::min(count, most); ++i) fail({failures.texts[i]});
     return count > most ? fail(failure("and ", count - most, " more like these")) : EXIT_FAILED;
-}
-
-int print(const std::string& text) {
-    ignore_closed_pipes();
-    const auto out = std::make_unique<Sink>(STDOUT_FILENO);
-    out->put(text);
-    out->flush();
-    return output_status(*out);
 }
 
 std::string name_of(const PgnDef& row) {
@@ -226,7 +215,7 @@ int list_corrected(const EncodeOptions& options, ReadingContext& context, const 
             out.insert(out.size() - 1, ", variant " + std::string(variant_of(*definition)));
         if (has_one_name) out += fields_text(options, context, *definition, {});
     }
-    return print(out);
+    return print_out(out);
 }
 
 int list_fields(const EncodeOptions& options, ReadingContext& context, const PgnDef& row) {
@@ -253,7 +242,7 @@ int list_fields(const EncodeOptions& options, ReadingContext& context, const Pgn
         if (lists.size() > 1) out += " where the payload begins with" + list.beginnings + ":\n";
         out += list.fields;
     }
-    return print(out);
+    return print_out(out);
 }
 
 // ---- the message ----
@@ -338,7 +327,7 @@ int run_encode(const EncodeOptions& options) {
     msg->source = static_cast<std::uint8_t>(options.source);
     msg->destination = static_cast<std::uint8_t>(options.destination);
     Result<std::string> lines = written(options, *msg, *time);
-    return lines ? print(*lines) : fail(lines.error());
+    return lines ? print_out(*lines) : fail(lines.error());
 }
 
 }  // namespace vistel

@@ -9,3 +9,6 @@ namespace vistel {
 int output_status(const Sink& out);
 
 }  // namespace vistel
+/// Writes a text to standard output. Returns the exit status that it leads to.
+int print_out(const std::string& text);
+

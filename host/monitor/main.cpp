@@ -6,9 +6,12 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
+#include "commands/output_status.h"
 #include "commands/unit_options.h"
 #include "monitor/display.h"
 #include "monitor/window.h"
@@ -76,7 +79,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
     if (!has_display()) {

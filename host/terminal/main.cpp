@@ -1,10 +1,13 @@
 // `vistel top`: a program of its own, so that decoding needs nothing of the terminal's library.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
 #include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "commands/unit_options.h"
 #include "terminal/screen.h"
 #include "terminal/top.h"
@@ -98,7 +101,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
     return run(play, units, filter);
 }
