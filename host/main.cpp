@@ -16,6 +16,7 @@
 #include "commands/record.h"
 #include "commands/replay.h"
 #include "readers/formats.h"
+#include "text/printable.h"
 #include "writers/written_formats.h"
 
 namespace {
@@ -238,7 +239,8 @@ bool has_command(const CLI::App& app, const std::string& name) {
         if (command->get_name() == name) return true;
         names.append(names.empty() ? "" : ", ").append(command->get_name());
     }
-    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", name.c_str(), names.c_str());
+    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", vistel::harmless(name).c_str(),
+                 names.c_str());
     return false;
 }
 

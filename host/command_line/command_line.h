@@ -9,12 +9,16 @@
 
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/content_kind.h"
+#include "text/printable.h"
 
 namespace vistel {
 
 /// What both programs say of a command line that they cannot read.
 inline std::string usage_error(const CLI::App* command, const CLI::Error& error) {
-    return "vistel: " + CLI::FailureMessage::simple(command, error);
+    const std::string_view what = error.what();
+    std::string text = CLI::FailureMessage::simple(command, error);
+    if (text.starts_with(what)) text.replace(0, what.size(), harmless(what));
+    return "vistel: " + text;
 }
 
 /// The option for the set of definitions; `definitions` has the default.

@@ -15,6 +15,7 @@
 #include "output/writers.h"
 #include "reassembly/reassembler.h"
 
+#include "text/printable.h"
 namespace vistel {
 
 namespace {
@@ -27,7 +28,7 @@ bool allows(const std::vector<std::uint32_t>& wanted, std::uint32_t value) {
 
 bool apply_units(core::UnitSelection& units, const UnitOptions& options) {
     const Status selected = select_units(units, options);
-    if (!selected) std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+    if (!selected) std::fprintf(stderr, "vistel: %s\n", harmless(selected.error().text).c_str());
     return static_cast<bool>(selected);
 }
 

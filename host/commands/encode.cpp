@@ -18,6 +18,7 @@
 #include "output/unit_names.h"
 #include "readers/timestamp.h"
 #include "text/hex.h"
+#include "text/printable.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
 #include "text/words.h"
@@ -30,7 +31,7 @@ namespace vistel {
 namespace {
 
 int fail(const Failure& failure) {
-    std::fprintf(stderr, "vistel: %s\n", failure.text.c_str());
+    std::fprintf(stderr, "vistel: %s\n", harmless(failure.text).c_str());
     return EXIT_FAILED;
 }
 

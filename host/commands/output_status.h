@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "output/sink.h"
 
 namespace vistel {
@@ -8,7 +10,7 @@ namespace vistel {
 /// seen what it wanted; any other failure is told.
 int output_status(const Sink& out);
 
-}  // namespace vistel
 /// Writes a text to standard output. Returns the exit status that it leads to.
 int print_out(const std::string& text);
 
+}  // namespace vistel

@@ -11,6 +11,7 @@
 #include "commands/losses.h"
 #include "monitor/player.h"
 #include "sources/outlet.h"
+#include "text/printable.h"
 #include "text/words.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
@@ -85,14 +86,14 @@ void Replaying::wait_for_room() {
 
 /// False where the recording as a whole cannot be read.
 bool Replaying::play(const std::string& name) {
-    place_ = "in " + name;
+    place_ = "in " + harmless(name);
     Player player({.file = name,
                    .format = options_.input.format,
                    .contents = options_.input.contents,
                    .speed = options_.speed.value_or(1),
                    .definitions = options_.definitions});
     if (const Status opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", name.c_str(), opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(name).c_str(), opened.error().text.c_str());
         return false;
     }
     while (!player.ended() && !interrupted()) {
@@ -105,7 +106,7 @@ bool Replaying::play(const std::string& name) {
     played_.messages += counters.messages;
     played_.skipped_gaps += counters.skipped_gaps;
     if (played_.problems == 0 && counters.problems > 0)
-        std::fprintf(stderr, "%s\n", player.first_problem().c_str());
+        std::fprintf(stderr, "%s\n", harmless(player.first_problem()).c_str());
     played_.problems += counters.problems;
     return counters.messages > 0 || counters.problems == 0;
 }
@@ -145,7 +146,7 @@ void Replaying::say_what_was_sent() const {
 }
 
 int fail(const std::string& to, const std::string& why) {
-    std::fprintf(stderr, "vistel: %s: %s\n", to.c_str(), why.c_str());
+    std::fprintf(stderr, "vistel: %s: %s\n", harmless(to).c_str(), why.c_str());
     return EXIT_FAILED;
 }
 
@@ -158,7 +159,7 @@ int run_replay(const ReplayOptions& options) {
     if (is_can && !options.as.empty()) return fail(options.to, "a CAN interface has no format to be named");
     OutletOptions how;
     how.tell = [&options](const std::string& text) {
-        std::fprintf(stderr, "vistel: %s: %s\n", options.to.c_str(), text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(options.to).c_str(), text.c_str());
     };
     watch_interrupts();
     ignore_closed_pipes();

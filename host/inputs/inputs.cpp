@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "text/printable.h"
-#include "text/utf8.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -42,11 +41,7 @@ std::string_view kind_of_times(Origin origin) {
 
 /// A name as outputs may show it: well-formed UTF-8 without control characters.
 std::string shown(std::string_view name) {
-    std::string text = printable(name);
-    if (!utf16_of(text))
-        std::ranges::replace_if(
-            text, [](char c) { return (c & 0x80) != 0; }, '?');
-    return text;
+    return printable(harmless(name));
 }
 
 }  // namespace
@@ -56,7 +51,8 @@ Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), ho
     how_.contents = options_.contents;
     how_.patience_ms = patience_ms;
     how_.before_wait = hooks_.before_wait;
-    for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
+    for (const std::string& name : options_.names)
+        names_.push_back(name == "-" ? "standard input" : harmless(name));
 }
 
 /// Behind the last result of the current input, which is no record.

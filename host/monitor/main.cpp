@@ -90,14 +90,15 @@ int main(int argc, char** argv) {
     }
     pgn_vistel::core::UnitSelection selection;
     if (const auto selected = select_units(selection, units); !selected) {
-        std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", vistel::harmless(selected.error().text).c_str());
         return bad_usage;
     }
     std::unique_ptr<Player> player;
     if (file->count() > 0 || isatty(STDIN_FILENO) == 0) {
         player = std::make_unique<Player>(play);
         if (const auto opened = player->open(); !opened) {
-            std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+            std::fprintf(stderr, "vistel: %s: %s\n", vistel::harmless(play.file).c_str(),
+                         opened.error().text.c_str());
             return bad_usage;
         }
     }

@@ -37,12 +37,12 @@ Result<std::vector<Top::NamedUnits>> unit_sets(const UnitOptions& options) {
 int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFilter& filter) {
     auto units = unit_sets(unit_options);
     if (!units) {
-        std::fprintf(stderr, "vistel: %s\n", units.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(units.error().text).c_str());
         return bad_usage;
     }
     Player player(play);
     if (auto opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(play.file).c_str(), opened.error().text.c_str());
         return bad_usage;
     }
     watch_interrupts();
@@ -68,7 +68,7 @@ int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFi
     screen->reset();
     if (player.counters().problems > 0)
         std::fprintf(stderr, "%s\nvistel: places that could not be read: %llu\n",
-                     player.first_problem().c_str(),
+                     harmless(player.first_problem()).c_str(),
                      static_cast<unsigned long long>(player.counters().problems));
     return 0;
 }

@@ -6,8 +6,13 @@ namespace pgn_vistel::core {
 
 namespace {
 
+/// What ends lines beside the control characters, for programs that take JSON as a script.
+constexpr bool ends_line(std::uint32_t c) {
+    return c == 0x2028 || c == 0x2029;
+}
+
 char* write_character(char* at, std::uint32_t c) {
-    if (c >= 0x20 && c != '"' && c != '\\' && c != 0x7F) return write_utf8(at, c);
+    if (!is_control(c) && c != '"' && c != '\\' && !ends_line(c)) return write_utf8(at, c);
     *at++ = '\\';
     if (c == '"' || c == '\\') {
         *at = static_cast<char>(c);

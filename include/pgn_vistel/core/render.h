@@ -172,6 +172,8 @@ class JsonRenderer : public Renderer {
 class CsvRenderer : public Renderer {
   public:
     /// Values come in these units, `UnitSelection::si()` say.
+/// Control characters become U+FFFD. A text that begins with =, +, -, @ or an apostrophe has an apostrophe in
+/// front, so that no spreadsheet takes it for a formula; numbers are as they are.
     explicit CsvRenderer(const UnitSelection& units) : Renderer(for_programs(units)) {}
 
     /// The header line, which comes once, in front of all messages. Needs `piece_room` bytes; returns the
