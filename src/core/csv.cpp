@@ -96,7 +96,8 @@ char* CsvRenderer::write_header(char* at) {
 void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
     Renderer::start(msg, pgn);
     any_ = false;
-    char* at = write_seconds(head_.data(), time.since_start);
+    char* at = head_.data();
+    if (time.is_known) at = write_seconds(at, time.since_start);
     *at++ = ',';
     if (time.has_absolute) at = write_utc(at, time.absolute);
     if (pgn != nullptr && pgn->pgn != 0) {

@@ -18,7 +18,9 @@ char* write_character(char* at, std::uint32_t c) {
         *at = static_cast<char>(c);
         return at + 1;
     }
-    return write_hex_byte(write_text(at, "u00"), static_cast<std::uint8_t>(c));
+    *at++ = 'u';
+    at = write_hex_byte(at, static_cast<std::uint8_t>(c >> 8));
+    return write_hex_byte(at, static_cast<std::uint8_t>(c));
 }
 
 char* write_string(char* at, const Text& text) {
@@ -110,7 +112,7 @@ void JsonRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime
 
 char* JsonRenderer::write_head(char* at) {
     at = write_text(at, R"({"time":)");
-    at = write_seconds(at, time_.since_start);
+    at = time_.is_known ? write_seconds(at, time_.since_start) : write_text(at, "null");
     if (time_.has_absolute) {
         at = write_text(at, R"(,"absolute":")");
         at = write_utc(at, time_.absolute);
