@@ -89,7 +89,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     add_input(*command, options.input);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
-    command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
+    vistel::add_pgns(*command, options.pgns);
     command->add_option("--source", options.sources, "Only messages of these source addresses")
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));

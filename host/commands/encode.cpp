@@ -72,14 +72,6 @@ std::vector<const PgnDef*> named_rows(Definitions set) {
     return rows;
 }
 
-/// A row's name without regard to case; two blanks count as one.
-std::string comparable_name(std::string_view name) {
-    std::string text = simplified(trimmed(name));
-    text.erase(std::unique(text.begin(), text.end(), [](char a, char b) { return a == ' ' && b == ' '; }),
-               text.end());
-    return text;
-}
-
 Result<Chosen> choose_by_name(Definitions set, const std::string& text) {
     Chosen chosen;
     std::vector<std::string> names, numbers;
@@ -268,6 +260,10 @@ Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn)
     if (options.time.empty()) return RecordTime{};
     auto time = TimestampParser().parse(options.time);
     if (!time) return failure("time ", quoted(options.time), ": ", time.error());
+    // Recordings count from 1970 on, and of a date that cannot be told they keep the time of day alone.
+    const bool has_date = options.time.find('-') == options.time.find_first_not_of("0123456789");
+    if (time->nanoseconds < 0 || (has_date && time->origin != RecordTime::Origin::epoch))
+        return failure("time ", quoted(options.time), ": the years 1970 to 2261 can be sent");
     return *time;
 }
 

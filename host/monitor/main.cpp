@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
     add_contents(app, play.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
+    add_pgns(app, filter.pgns);
     app.add_option("--source", filter.sources, "Only messages of these source addresses")
         ->allow_extra_args(false);
     add_units(app, units.set, units.units);

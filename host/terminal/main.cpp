@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
     app.add_flag("--loop", play.loop, "From the start again at the end");
     app.add_flag("--ask", play.sends,
                  "Ask the devices of a live source for what they have not said; otherwise nothing is sent");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
+    add_pgns(app, filter.pgns);
     app.add_option("--source", filter.sources, "Only messages of these source addresses")
         ->allow_extra_args(false);
     add_units(app, units.set, units.units);

@@ -138,7 +138,8 @@ class ProgramTest(unittest.TestCase):
             (["--pgn", "60928"], ["ISO Address Claim"]),
             (["--pgn", "60928", "--pgn", "127250"], ["Vessel Heading", "ISO Address Claim"]),
             (["--source", "7"], ["Vessel Heading"]),
-            (["--source", "7", "--pgn", "60928"], []),
+            (["--source", "7", "--pgn", "60928"], []), (["--pgn", "60928,0x1F112"], ["Vessel Heading", "ISO Address Claim"]),
+            (["--pgn", "vessel  heading, position, rapid update"], ["Vessel Heading"]), (["--pgn", "address cl"], ["ISO Address Claim"]),
         ]
         for arguments, names in cases:
             shown = [json.loads(line)["name"] for line in vistel("decode", "--json", *arguments, stdin=both).stdout.splitlines()]
@@ -166,6 +167,10 @@ class ProgramTest(unittest.TestCase):
                 (["decode", "--unit", "Deep=m", "--unit", "Depth=m", str(path)], 2, "no quantity 'Deep'"),
                 (["decode", "--units", "royal", str(path)], 2, "default, metric"),
                 (["decode", "--format", "none", str(path)], 2, "candump"), (["catalogue", "none"], 2, "quantities"),
+                (["decode", "--pgn", "heading", str(path)], 2, "'heading' is part of the names of 6 PGNs: "),
+                (["decode", "--pgn", "127250,", str(path)], 2, "no PGN ''"), (["decode", "--pgn", "262144"], 2, "is above 262143"),
+                (["decode", "--pgn", "131000"], 0, "not in the catalogue"),
+                (["decode", "no\n\x1b[31m"], 2, "vistel: no\ufffd\ufffd[31m: "), (["encode", "127250", "--time", "1969-01-01T00:00:00Z"], 2, "1970"),
                 (["none"], 2, "vistel: no command 'none'"), ([], 2, "vistel: "), (["decode", "--none"], 2, "vistel: "),
                 (["decode", ""], 2, "vistel: "), (["monitor", "--none"], 2, "vistel: "),
                 (["encode", "127250", "--source", "300"], 2, "vistel: "),
@@ -253,6 +258,7 @@ class ProgramTest(unittest.TestCase):
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
+            (["129025", "Latitude=52.5"], ["can0 09F80100#40DD4A1FFFFFFF7F"]),
             (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001"]),
         ]
         for arguments, lines in cases:
@@ -419,7 +425,7 @@ class ProgramTest(unittest.TestCase):
         self.assertIn("unknown PGNs: 3\n    128999 from source   9: 2\n    128999 from source  10: 1\n", told)
 
     def test_a_full_disk_is_told(self):
-        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"]):
+        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"], ["--help"], ["--version"]):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 result = subprocess.run([VISTEL, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
                                         encoding="utf-8", timeout=60)
