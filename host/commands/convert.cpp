@@ -11,6 +11,7 @@
 #include "commands/reading.h"
 #include "output/output_file.h"
 #include "output/sink.h"
+#include "text/printable.h"
 #include "text/words.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
@@ -77,7 +78,8 @@ bool Converting::begin() {
     }
     auto output = open_output(options_.output, options_.input.names);
     if (!output) {
-        std::fprintf(stderr, "vistel: %s: %s\n", options_.output.c_str(), output.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(options_.output).c_str(),
+                     output.error().text.c_str());
         return false;
     }
     out_.emplace(*output);

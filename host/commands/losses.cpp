@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "commands/decode.h"
+#include "commands/interrupt.h"
 
 namespace vistel {
 
@@ -21,6 +22,12 @@ int report_losses(const InputLosses& losses, const ReassemblyCounters& counters)
          counters.incomplete_fast_packets + counters.incomplete_transports);
     tell("frames that belong to no message", counters.orphan_frames);
     return status;
+}
+
+int report_interrupt(const std::string& place) {
+    std::fprintf(stderr, "vistel: interrupted by signal %d %s; the rest is left out\n",
+                 interrupt_signal(), place.c_str());
+    return EXIT_INTERRUPTED + interrupt_signal();
 }
 
 }  // namespace vistel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "reassembly/counters.h"
 
@@ -14,5 +15,9 @@ struct InputLosses {
 
 /// Says on standard error what was skipped. Returns the exit status that it leads to.
 int report_losses(const InputLosses& losses, const ReassemblyCounters& counters);
+
+/// Says on standard error that an interrupt ended the work before its end, at this place. Returns the exit
+/// status that it leads to.
+int report_interrupt(const std::string& place);
 
 }  // namespace vistel

@@ -21,6 +21,8 @@ void Reading::note(Event event) {
         watch_interrupts();
         ignore_closed_pipes();
         progress_.emplace(is_quiet_ ? 0 : inputs_.bytes_total());
+    } else if (event == Event::end) {
+        has_ended_ = true;
     } else if (event == Event::problem) {
         note_problem();
     }
@@ -56,6 +58,9 @@ int Reading::finish(const ReassemblyCounters& counters) {
     losses_.dropped = inputs_.dropped_frames();
     if (is_quiet_ && is_live()) return is_readable_ ? EXIT_CLEAN : EXIT_FAILED;
     const int status = report_losses(losses_, counters);
+    if (!has_ended_ && interrupted())
+        if (const std::string place = inputs_.unread_place(); !place.empty())
+            return report_interrupt(place);
     if (!is_readable_) return EXIT_FAILED;
     return is_live() ? EXIT_CLEAN : status;
 }

@@ -12,6 +12,7 @@
 #include "readers/stream_capture.h"
 #include "sources/source.h"
 #include "sources/source_name.h"
+#include "text/printable.h"
 #include "writers/pcap_writer.h"
 
 namespace vistel {
@@ -19,7 +20,7 @@ namespace vistel {
 namespace {
 
 int fail(const std::string& what, const std::string& why) {
-    std::fprintf(stderr, "vistel: %s: %s\n", what.c_str(), why.c_str());
+    std::fprintf(stderr, "vistel: %s: %s\n", harmless(what).c_str(), harmless(why).c_str());
     return EXIT_FAILED;
 }
 
@@ -28,7 +29,7 @@ LinkOptions link_options(const RecordOptions& options) {
     how.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
     how.tell = [&options](const std::string& text) {
         if (options.quiet) return;
-        std::fprintf(stderr, "vistel: %s: %s\n", options.source.c_str(), text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(options.source).c_str(), text.c_str());
     };
     return how;
 }

@@ -76,6 +76,10 @@ class Inputs {
     std::uint64_t foreign_frames() const;
     std::uint64_t dropped_frames() const;  ///< as the recordings themselves say
 
+    /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live sources
+    /// are left, which have no end of their own, or pipes of which everything that is there has been read.
+    std::string unread_place();
+
     /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
     /// possible, at present or ever, which `tell` is told. `kind` is that of the records that come from
     /// there.
@@ -97,6 +101,7 @@ class Inputs {
 
         const std::size_t place;  // among the names
         Recording recording;
+        bool is_live = false;
         std::function<Result<bool>(const Record&)> send;  // to its bus, where it can
         std::array<std::int16_t, 256> buses;  // their numbers over all inputs, -1 for those not met yet
 

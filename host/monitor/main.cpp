@@ -6,9 +6,12 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
+#include "commands/output_status.h"
 #include "commands/unit_options.h"
 #include "monitor/display.h"
 #include "monitor/window.h"
@@ -67,7 +70,7 @@ int main(int argc, char** argv) {
     add_contents(app, play.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
+    add_pgns(app, filter.pgns);
     app.add_option("--source", filter.sources, "Only messages of these source addresses")
         ->allow_extra_args(false);
     add_units(app, units.set, units.units);
@@ -76,7 +79,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
     if (!has_display()) {
@@ -86,14 +90,15 @@ int main(int argc, char** argv) {
     }
     pgn_vistel::core::UnitSelection selection;
     if (const auto selected = select_units(selection, units); !selected) {
-        std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", vistel::harmless(selected.error().text).c_str());
         return bad_usage;
     }
     std::unique_ptr<Player> player;
     if (file->count() > 0 || isatty(STDIN_FILENO) == 0) {
         player = std::make_unique<Player>(play);
         if (const auto opened = player->open(); !opened) {
-            std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+            std::fprintf(stderr, "vistel: %s: %s\n", vistel::harmless(play.file).c_str(),
+                         opened.error().text.c_str());
             return bad_usage;
         }
     }

@@ -23,10 +23,9 @@ std::string rendered(Renderer& renderer) {
 }  // namespace
 
 std::string as_text(const Stream& stream, const core::UnitSelection& units, core::Definitions definitions) {
-    constexpr PlayTime time_stamp_unit = 10'000'000;
     core::TextRenderer renderer(units, false);
     renderer.start(stream.msg(), core::find_definition(definitions, stream.msg()),
-                   static_cast<std::uint32_t>(stream.seen() / time_stamp_unit));
+                   {.since_start = stream.seen()});
     return rendered(renderer);
 }
 

@@ -1,10 +1,13 @@
 // `vistel top`: a program of its own, so that decoding needs nothing of the terminal's library.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
 #include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "commands/unit_options.h"
 #include "terminal/screen.h"
 #include "terminal/top.h"
@@ -34,12 +37,12 @@ Result<std::vector<Top::NamedUnits>> unit_sets(const UnitOptions& options) {
 int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFilter& filter) {
     auto units = unit_sets(unit_options);
     if (!units) {
-        std::fprintf(stderr, "vistel: %s\n", units.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(units.error().text).c_str());
         return bad_usage;
     }
     Player player(play);
     if (auto opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(play.file).c_str(), opened.error().text.c_str());
         return bad_usage;
     }
     watch_interrupts();
@@ -65,7 +68,7 @@ int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFi
     screen->reset();
     if (player.counters().problems > 0)
         std::fprintf(stderr, "%s\nvistel: places that could not be read: %llu\n",
-                     player.first_problem().c_str(),
+                     harmless(player.first_problem()).c_str(),
                      static_cast<unsigned long long>(player.counters().problems));
     return 0;
 }
@@ -89,7 +92,7 @@ int main(int argc, char** argv) {
     app.add_flag("--loop", play.loop, "From the start again at the end");
     app.add_flag("--ask", play.sends,
                  "Ask the devices of a live source for what they have not said; otherwise nothing is sent");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
+    add_pgns(app, filter.pgns);
     app.add_option("--source", filter.sources, "Only messages of these source addresses")
         ->allow_extra_args(false);
     add_units(app, units.set, units.units);
@@ -98,7 +101,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
     return run(play, units, filter);
 }

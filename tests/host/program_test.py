@@ -33,7 +33,7 @@ WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
 HEADING = "2026-09-10T08:00:00.250Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"  # 1.0000 rad magnetic
 CLAIM = "2026-09-10T08:00:01.500Z,6,60928,35,255,8,39,30,20,11,00,96,32,c0\n"
 # Texts of a label, in one byte a character and in UTF-16, with what forms have to quote or must not let through.
-HOSTILE = ('Pump, "b"', "a\rb", "\x1b[31mX\n0.00 FORGE", "\\\x7f", "A\x85\x9bB\u6771")
+HOSTILE = ('Pump, "b"', "a\rb", "\x1b[31mX\n0.00 FORGE", "\\\x7f", "A\x85\x9bB\u6771\u2028\u2029", "=1+1", "'1")
 UNKNOWN = "2026-09-10T08:00:02.500Z,7,128999,9,35,3,01,02,03\n"
 
 
@@ -41,6 +41,17 @@ def vistel(*arguments, stdin=""):
     result = subprocess.run([*PROGRAM, *arguments], input=stdin.encode(), capture_output=True, timeout=60)
     result.stdout, result.stderr = result.stdout.decode(), result.stderr.decode()  # with their line ends
     return result
+
+
+class Number(str):
+    """Of JSON, as it is written."""
+
+
+def cell(value):
+    """What CSV has of a member of JSON."""
+    if isinstance(value, Number):
+        return value
+    return re.sub("^(?=[-=+@'])", "'", re.sub("[\0-\x1f\x7f-\x9f]", "\ufffd", value or ""))
 
 
 def label(text):
@@ -91,17 +102,19 @@ class ProgramTest(unittest.TestCase):
         text, objects, rows = (vistel("decode", "--units=default", form, stdin=recording).stdout
                                for form in ("--plain-numbers", "--json", "--csv"))
         lines = iter(text.split("\n"))
+        self.assertFalse(re.search("[\0-\x09\x0b-\x1f\x7f-\x9f]", text + objects + rows), "what could steer a terminal")
+        self.assertFalse(re.search("[\u2028\u2029]", objects))
         rows = csv.DictReader(io.StringIO(rows, newline=""))
         values = []
         for sent, message in zip(recording.splitlines()[1:], objects.split("\n")):
-            message = json.loads(message, parse_float=str, parse_int=str)
-            self.assertRegex(next(lines), f"^[0-9.]+ +{message['pgn']}, {re.escape(message['name'])}$")
+            message = json.loads(message, parse_float=Number, parse_int=Number)
+            self.assertRegex(next(lines), f"^[-0-9.]+ +{message['pgn']}, {re.escape(message['name'])}$")
             self.assertEqual(next(lines), f"    Source Address: 0x{int(message['source']):02X} ({message['source']})")
             next(lines)
             for field in message["fields"]:
                 row, line = next(rows), next(lines)
                 row["number"] = row["field"]
-                self.assertEqual({key: value or "" for key, value in field.items()}, {key: row[key] for key in field})
+                self.assertEqual({key: cell(value) for key, value in field.items()}, {key: row[key] for key in field})
                 start = f"    {field['label']}: "
                 self.assertTrue(line.startswith(start), (line, field))
                 shown, value = line.removeprefix(start), field["value"]
@@ -110,7 +123,7 @@ class ProgramTest(unittest.TestCase):
                     self.assertIn(field["text"], shown)
                 elif re.fullmatch(r"-?\d+\.\d+ \D*", shown) and value is not None:
                     self.assertAlmostEqual(float(shown.split()[0]), float(value), delta=1e-5 + 1e-4 * abs(float(value)))
-                self.assertEqual(row["time"], message["time"])
+                self.assertEqual(row["time"], message["time"] or "")
             if "data" in message or not message["fields"]:
                 row = next(rows)
                 self.assertEqual((row["label"], row["raw"]), ("Data", message.get("data", "")))
@@ -118,7 +131,6 @@ class ProgramTest(unittest.TestCase):
                 self.assertEqual(next(lines).replace(" ", ""), "Data:" + message.get("data", ""))
         self.assertEqual((next(lines), next(rows, None)), ("", None))
         self.assertLessEqual(set(HOSTILE), set(values))
-        self.assertFalse(re.search("[\x00-\x09\x0b-\x1f\x7f-\x9f]", text), "what could steer a terminal")
 
     def test_csv_names_the_message_and_the_one_it_asks_for(self):
         request = ",6,59904,7,255,3,14,f0,01\n"
@@ -131,7 +143,8 @@ class ProgramTest(unittest.TestCase):
             (["--pgn", "60928"], ["ISO Address Claim"]),
             (["--pgn", "60928", "--pgn", "127250"], ["Vessel Heading", "ISO Address Claim"]),
             (["--source", "7"], ["Vessel Heading"]),
-            (["--source", "7", "--pgn", "60928"], []),
+            (["--source", "7", "--pgn", "60928"], []), (["--pgn", "60928,0x1F112"], ["Vessel Heading", "ISO Address Claim"]),
+            (["--pgn", "vessel  heading, position, rapid update"], ["Vessel Heading"]), (["--pgn", "address cl"], ["ISO Address Claim"]),
         ]
         for arguments, names in cases:
             shown = [json.loads(line)["name"] for line in vistel("decode", "--json", *arguments, stdin=both).stdout.splitlines()]
@@ -159,6 +172,10 @@ class ProgramTest(unittest.TestCase):
                 (["decode", "--unit", "Deep=m", "--unit", "Depth=m", str(path)], 2, "no quantity 'Deep'"),
                 (["decode", "--units", "royal", str(path)], 2, "default, metric"),
                 (["decode", "--format", "none", str(path)], 2, "candump"), (["catalogue", "none"], 2, "quantities"),
+                (["decode", "--pgn", "heading", str(path)], 2, "'heading' is part of the names of 6 PGNs: "),
+                (["decode", "--pgn", "127250,", str(path)], 2, "no PGN ''"), (["decode", "--pgn", "262144"], 2, "is above 262143"),
+                (["decode", "--pgn", "131000"], 0, "not in the catalogue"),
+                (["decode", "no\n\x1b[31m"], 2, "vistel: no\ufffd\ufffd[31m: "), (["encode", "127250", "--time", "1969-01-01T00:00:00Z"], 2, "1970"),
                 (["none"], 2, "vistel: no command 'none'"), ([], 2, "vistel: "), (["decode", "--none"], 2, "vistel: "),
                 (["decode", ""], 2, "vistel: "), (["monitor", "--none"], 2, "vistel: "),
                 (["encode", "127250", "--source", "300"], 2, "vistel: "),
@@ -271,6 +288,7 @@ class ProgramTest(unittest.TestCase):
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
+            (["129025", "Latitude=52.5"], ["can0 09F80100#40DD4A1FFFFFFF7F"]),
             (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001"]),
         ]
         for arguments, lines in cases:
@@ -443,7 +461,7 @@ class ProgramTest(unittest.TestCase):
         self.assertIn("unknown PGNs: 3\n    128999 from source   9: 2\n    128999 from source  10: 1\n", told)
 
     def test_a_full_disk_is_told(self):
-        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"]):
+        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"], ["--help"], ["--version"]):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 result = subprocess.run([*PROGRAM, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
                                         encoding="utf-8", timeout=60)
@@ -459,6 +477,34 @@ class ProgramTest(unittest.TestCase):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
+
+    def test_an_interrupt_in_the_middle_of_a_recording(self):
+        """Commands stand still at the first thing that they write, into a pipe or for a client."""
+        with tempfile.TemporaryDirectory() as folder:
+            path = str(Path(folder, "long.log"))
+            Path(path).write_text((HEADING + "nonsense\n") * 200_000)
+            with socket.create_server(("127.0.0.1", 0)) as server:
+                target = f"tcp-listen://127.0.0.1:{server.getsockname()[1]}"
+            cases = [(["decode", "--stats", path], signal.SIGTERM, "at byte ", b"\n    Source Address: ", "\nmessages: "),
+                     (["convert", "--to", "candump", "-"], signal.SIGINT, "at byte ", b"\n(1789027200.250000) can0 ", ""),
+                     (["devices", path], signal.SIGTERM, "at byte ", b"\nDevices: 1", ""),
+                     (["replay", path, "--to", target], signal.SIGINT, "after 0 messages, ", b"", ""),
+                     (["replay", "--loop", path, "--to", target], signal.SIGTERM, None, b"", "")]
+            for arguments, number, place, shown, told in cases:
+                with open(path, "rb") as recording, open(Path(folder, "told"), "w+b") as errors, subprocess.Popen(
+                        [VISTEL, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
+                    while os.fstat(errors.fileno()).st_size == 0:
+                        time.sleep(0.01)
+                    process.send_signal(number)
+                    out = process.communicate(timeout=30)[0]
+                    errors.seek(0)
+                    said = errors.read().decode()
+                self.assertEqual(process.returncode, 128 + number if place else 0, arguments)
+                if place:
+                    self.assertIn(f"\nvistel: interrupted by signal {int(number)} {place}", said)
+                self.assertIn(told, said)
+                self.assertIn(shown, b"\n" + out)
+                self.assertTrue(out.endswith(b"\n") or not out, arguments)
 
     def test_a_link_that_is_lost_is_made_again(self):
         line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
