@@ -15,8 +15,6 @@ namespace {
 
 using Origin = RecordTime::Origin;
 
-constexpr int patience_ms = 250;  // a signal may come between the look at its flag and the wait
-
 /// The bytes of several files; 0 where that is not known of one of them.
 std::uint64_t size_of(const std::vector<std::string>& names) {
     std::uint64_t sum = 0;
@@ -54,7 +52,7 @@ std::string shown(std::string_view name) {
 Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), hooks_(std::move(hooks)) {
     how_.format = options_.format;
     how_.contents = options_.contents;
-    how_.patience_ms = patience_ms;
+    how_.patience_ms = options_.patience_ms;  // a signal may come between the look at its flag and the wait
     how_.before_wait = hooks_.before_wait;
     for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
 }
@@ -67,6 +65,13 @@ Inputs::Event Inputs::go_on(ReadResult result) {
     current_ = nullptr;
     open_.clear();
     return begin_next();
+}
+
+bool Inputs::would_wait() {
+    if (!options_.merge) return current_ != nullptr && current_->recording.would_wait();
+    return opened_ == names_.size() && std::ranges::any_of(open_, [](const auto& input) {
+               return !input->has_record && input->recording.would_wait();
+           });
 }
 
 // ---- opening and closing ----

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +36,7 @@ class Inputs {
     };
 
     struct Hooks {
-        std::function<void()> before_wait = {};  ///< for input; no wait is longer than a quarter of a second
+        std::function<void()> before_wait = {};  ///< for input; no wait is longer than the patience
         std::function<void(const std::string& line)> tell = {};  ///< what a live source has to say
     };
     explicit Inputs(const InputOptions& options, Hooks hooks);
@@ -58,6 +59,13 @@ class Inputs {
     bool is_problem_of_whole() const { return problem_->place == Problem::Place::whole; }
     std::string problem() const { return described(*problem_, names_[problem_place_]); }
     /// @}
+
+    /// Whether next() would have to wait for input.
+    bool would_wait();
+    /// Whether what has begun is there from the first byte to the last, so that it can be read again.
+    bool is_file() const {
+        return std::ranges::all_of(open_, [](const auto& input) { return input->recording.is_file(); });
+    }
 
     /// Buses that records came from so far. Their names are UTF-8 text without control characters.
     std::size_t bus_count() const { return buses_.size(); }

@@ -33,7 +33,7 @@ bool Traffic::ask(std::uint8_t bus, const N2KMsg& frame) {
 
 void Traffic::advance() {
     player_.advance(*this);
-    if (player_.options().sends && asking_failure_.empty()) questions_.advance(networks_, player_.now());
+    if (player_.options().input.sends) questions_.advance(networks_, player_.now());
     const PlayTime present = player_.now();
     if (present < next_turn_) return;
     if (next_turn_ > 0)

@@ -49,7 +49,7 @@ class Traffic final : public PlayListener {
     std::uint64_t refused() const { return streams_.refused(); }
 
     std::vector<DeviceRow> devices() const;
-    /// Part of what the bus could have carried lately: of several the busiest one's.
+    /// Part of what the bus could have carried lately; of several the busiest one's.
     std::optional<double> share_of_bus() const;
 
     void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "host/playing.h"
 #include "host/temporary_recording.h"
 
 namespace vistel {
@@ -12,9 +13,7 @@ using namespace std::chrono_literals;
 /// A player on a recording, with a clock that the test turns.
 struct Played : PlayListener {
     Played(const std::string& text, std::optional<double> speed, bool loop = false)
-        : file(text),
-          player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop},
-                 [this] { return clock; }) {
+        : file(text), player(test::playing({file.name()}, speed, loop), [this] { return clock; }) {
         EXPECT_TRUE(player.open());
     }
     void on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) override {
@@ -89,6 +88,40 @@ TEST(Player, FollowsAClockThatWasPutBack) {
     EXPECT_EQ(played.after(0ms).size(), 1 + Player::most_early);
     EXPECT_EQ(played.player.until_due(), 1s);
     EXPECT_EQ(played.after(1000ms), Bytes{17});
+}
+
+TEST(Player, PlaysSeveralOneAfterTheOther) {
+    const test::TemporaryRecording first(line("00:00:00", 0) + line("00:00:01", 1)),
+        second("(9.0) can1 09F11207#07\n(8.0) can1 09F11207#08\n"), none("no recording at all\n");
+    Played played(line("00:00:05", 9), 1);
+    Player several(test::playing({first.name(), second.name()}, 1), [&] { return played.clock; });
+    ASSERT_TRUE(several.open());
+    const auto after = [&](std::chrono::milliseconds time) {
+        played.shown.clear();
+        played.clock += time;
+        several.advance(played);
+        return played.shown;
+    };
+    EXPECT_EQ(after(0ms), Bytes{0});
+    EXPECT_EQ(after(999ms), Bytes{});
+    EXPECT_EQ(after(1ms), (Bytes{1, 7, 8})) << "the next one begins when the one before is over";
+    EXPECT_EQ(several.counters().steps_back, 1u) << "within a recording";
+    EXPECT_EQ(several.bus_count(), 2u);
+    EXPECT_EQ(several.bus_label(1), "can1");
+    EXPECT_FALSE(several.is_unreadable());
+
+    for (const auto& [name, reason] :
+         {std::pair(none.name(), ": the format is none of "), {std::string("/none.log"), ": No such file"}}) {
+        Player refused(test::playing({name}, 1));
+        const Status opened = refused.open();
+        ASSERT_FALSE(opened);
+        EXPECT_EQ(opened.error().text.find(name + reason), 0u) << opened.error().text;
+    }
+    EXPECT_FALSE(Player(test::playing({first.name(), "/none.log"})).open()) << "told before it begins";
+    Player half(test::playing({first.name(), none.name()}, 0));
+    ASSERT_TRUE(half.open());
+    while (!half.ended()) half.advance(played);
+    EXPECT_TRUE(half.is_unreadable());
 }
 
 TEST(Player, BeginsAgainAndGoesToAPlace) {
