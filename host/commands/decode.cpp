@@ -14,6 +14,7 @@
 #include "commands/statistics.h"
 #include "output/writers.h"
 #include "reassembly/reassembler.h"
+#include "text/printable.h"
 
 namespace vistel {
 
@@ -97,7 +98,7 @@ void Decoding::show(const N2KMsg& msg, const RecordTime& time) {
     ++shown_;
     const Inputs& inputs = reading_.inputs();
     const bool tells_bus =
-        options_.bus || (inputs.bus_count() > 1 && options_.form != DecodeOptions::Form::csv);
+        options_.bus || (inputs.has_several_buses() && options_.form != DecodeOptions::Form::csv);
     writer_->write(out_, {msg,
                           row,
                           {since_start, time.origin == RecordTime::Origin::epoch, time.nanoseconds},
@@ -119,7 +120,11 @@ void Decoding::print_statistics() const {
     line("frames of no message", c.orphan_frames);
     line("repeated frames", c.repeated_frames);
     line("other than NMEA 2000", reading_.inputs().foreign_frames());
-    for (const auto& link : reading_.inputs().links()) print(*link);
+    for (const auto& [name, counters] : reading_.inputs().links()) {
+        if (reading_.inputs().links().size() > 1)
+            std::fprintf(stderr, "source: %s\n", printable(name).c_str());
+        print(*counters);
+    }
     unknown_.print();
     print(reassembler_.losses());
 }

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <utility>
 
+#include "sources/source_name.h"
 #include "text/printable.h"
 #include "text/utf8.h"
 #include "text/words.h"
@@ -47,9 +49,28 @@ std::string shown(std::string_view name) {
     return text;
 }
 
+/// Between two looks at what is due with links.
+constexpr std::chrono::milliseconds slice{100};
+
+bool is_live(const std::string& name) {
+    auto source = parse_source(name);
+    return source && source->is_live();
+}
+
+/// Live sources never end and stand behind recordings. What they bring is in order by itself.
+InputOptions in_order(InputOptions options) {
+    if (std::ranges::all_of(options.names, is_live)) options.merge = false;
+    if (!options.merge) std::ranges::stable_partition(options.names, std::not_fn(is_live));
+    return options;
+}
+
 }  // namespace
 
-Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), hooks_(std::move(hooks)) {
+Inputs::Inputs(const InputOptions& options, Hooks hooks)
+    : options_(in_order(options)), hooks_(std::move(hooks)), first_beside_(options_.names.size()) {
+    const auto live = options_.merge ? options_.names.end() : std::ranges::find_if(options_.names, is_live);
+    if (options_.names.end() - live > 1)
+        first_beside_ = static_cast<std::size_t>(live - options_.names.begin());
     how_.format = options_.format;
     how_.contents = options_.contents;
     how_.patience_ms = options_.patience_ms;  // a signal may come between the look at its flag and the wait
@@ -68,7 +89,10 @@ Inputs::Event Inputs::go_on(ReadResult result) {
 }
 
 bool Inputs::would_wait() {
-    if (!options_.merge) return current_ != nullptr && current_->recording.would_wait();
+    if (current_ != nullptr) return current_->recording.would_wait();
+    if (is_beside_)
+        return std::ranges::all_of(open_, [](const auto& input) { return input->recording.would_wait(); });
+    if (!options_.merge) return false;
     return opened_ == names_.size() && std::ranges::any_of(open_, [](const auto& input) {
                return !input->has_record && input->recording.would_wait();
            });
@@ -79,17 +103,23 @@ bool Inputs::would_wait() {
 bool Inputs::open_next() {
     auto input = std::make_unique<Input>(opened_++);
     LinkOptions link;
+    RecordingOptions how = how_;
+    if (input->place >= first_beside_) {
+        if (!loop_) loop_ = std::make_shared<EventLoop>();
+        link.loop = loop_;
+        how.patience_ms = 0;
+    }
     link.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options_.timeout * 1000));
     link.sends = options_.sends;
     link.tell = [this, place = input->place](const std::string& text) {
         if (hooks_.tell) hooks_.tell(concat("vistel: ", names_[place], ": ", text));
     };
-    auto opened = open_source(input->recording, options_.names[input->place], how_, link);
+    auto opened = open_source(input->recording, options_.names[input->place], how, link);
     if (!opened) {
         fail(input->place, opened.error().text);
         return false;
     }
-    if (opened->is_live()) links_.push_back(opened->counters);
+    if (opened->is_live()) links_.push_back({names_[input->place], opened->counters});
     if (!any_open_)
         bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
     any_open_ = true;
@@ -99,10 +129,20 @@ bool Inputs::open_next() {
 }
 
 Inputs::Event Inputs::begin_next() {
-    if (opened_ == names_.size()) return Event::end;
-    if (!open_next()) return Event::problem;
-    current_ = open_.front().get();
+    if (opened_ < names_.size()) {
+        if (!open_next()) return Event::problem;
+        if (opened_ > first_beside_) return Event::nothing;
+        current_ = open_.front().get();
+        return Event::begins;
+    }
+    if (open_.empty()) return Event::end;
+    is_beside_ = true;
     return Event::begins;
+}
+
+Inputs::Event Inputs::next_of_several(Record& record) {
+    if (options_.merge) return next_merged(record);
+    return is_beside_ ? next_beside(record) : begin_next();
 }
 
 void Inputs::note_format(std::vector<std::string_view>& formats, const Recording& recording) {
@@ -127,6 +167,41 @@ Inputs::Event Inputs::pass_problem(const Input& input) {
     problem_ = &input.recording.problem();
     problem_place_ = input.place;
     return Event::problem;
+}
+
+// ---- side by side ----
+
+/// Each gives what it has, up to so many records, and when none has any, the loop is waited in.
+Inputs::Event Inputs::next_beside(Record& record) {
+    constexpr unsigned most_in_turn = 64;
+    for (std::size_t idle = 0; idle < open_.size();) {
+        if (turn_ >= open_.size()) turn_ = 0;
+        Input& input = *open_[turn_];
+        const bool had_its_turn = in_turn_ == most_in_turn;
+        if (had_its_turn || input.recording.would_wait()) {
+            if (!had_its_turn) ++idle;
+            ++turn_;
+            in_turn_ = 0;
+            continue;
+        }
+        ++in_turn_;
+        switch (input.recording.next(input.ahead)) {
+            case ReadResult::record:
+                record = input.ahead;
+                record.bus = bus_of(input, record.bus);
+                return Event::record;
+            case ReadResult::problem: return pass_problem(input);
+            case ReadResult::nothing: return Event::nothing;
+            case ReadResult::end:
+                close(input);
+                open_.erase(open_.begin() + static_cast<std::ptrdiff_t>(turn_));
+                return Event::nothing;
+        }
+    }
+    if (open_.empty()) return Event::end;
+    if (hooks_.before_wait) hooks_.before_wait();
+    loop_->run_one(std::min(slice, std::chrono::milliseconds(options_.patience_ms)));
+    return Event::nothing;
 }
 
 // ---- merged by time ----
@@ -181,7 +256,7 @@ Inputs::Event Inputs::begin_merged() {
 std::uint8_t Inputs::add_bus(const Input& input, std::uint8_t number) {
     const std::string name = shown(input.recording.bus_name(number));
     Bus bus{name.empty() ? std::to_string(number) : name, !name.empty()};
-    if (options_.merge && names_.size() > 1) {
+    if ((options_.merge && names_.size() > 1) || input.place >= first_beside_) {
         const std::string file = shown(names_[input.place]);
         const bool is_file_enough = name.empty() && number == 0;
         bus = {is_file_enough ? file : concat(file, ":", bus.label), true};

@@ -216,11 +216,11 @@ Result<bool> Player::send(const Record& frame) {
 
 LinkCounters Player::links() const {
     LinkCounters sum;
-    for (const auto& link : inputs_->links()) {
-        sum.losses += link->losses;
-        sum.silences += link->silences;
-        sum.error_frames += link->error_frames;
-        sum.dropped_frames += link->dropped_frames;
+    for (const auto& [name, counters] : inputs_->links()) {
+        sum.losses += counters->losses;
+        sum.silences += counters->silences;
+        sum.error_frames += counters->error_frames;
+        sum.dropped_frames += counters->dropped_frames;
     }
     return sum;
 }

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "can/identifier.h"
+#include "sources/event_loop.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -27,9 +28,14 @@ Status CanPort::open() {
     watch_.attempt();
     auto opened = open_();
     if (!opened) return opened.error();
-    socket_ = std::move(*opened);
-    watch_.opened(LinkWatch::Clock::now());
+    use(std::move(*opened));
     return done;
+}
+
+void CanPort::use(std::unique_ptr<CanSocket> socket) {
+    socket_ = std::move(socket);
+    if (watch_.options().loop) socket_->wake(*watch_.options().loop);
+    watch_.opened(LinkWatch::Clock::now());
 }
 
 bool CanPort::receive(CanFrame& frame, int patience) {
@@ -69,8 +75,7 @@ void CanPort::look_again() {
     const auto now = LinkWatch::Clock::now();
     auto opened = open_();
     if (!opened) return watch_.lost(now, opened.error().text);
-    socket_ = std::move(*opened);
-    watch_.opened(now);
+    use(std::move(*opened));
 }
 
 void CanPort::count_dropped() {

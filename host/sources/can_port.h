@@ -29,6 +29,7 @@ class CanPort {
     std::shared_ptr<const LinkCounters> counters() const { return watch_.shared_counters(); }
 
   private:
+    void use(std::unique_ptr<CanSocket> socket);
     void look_again();
     void count_dropped();
 

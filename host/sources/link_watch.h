@@ -9,6 +9,8 @@
 
 namespace vistel {
 
+class EventLoop;
+
 struct LinkOptions {
     /// How long a connection may bring nothing before that is told; 0 for ever.
     std::chrono::milliseconds silence{std::chrono::seconds{30}};
@@ -16,6 +18,7 @@ struct LinkOptions {
     std::chrono::milliseconds longest_pause{std::chrono::seconds{30}};
     std::function<void(const std::string&)> tell = {};  ///< what the user should know, once each
     bool sends = false;  ///< frames are going to be sent, too: an adapter must not only listen
+    std::shared_ptr<EventLoop> loop = {};  ///< that it shares with others; null for one of its own
 };
 
 /// What became of a link so far.

@@ -11,6 +11,7 @@
 
 #include <cstdlib>
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@
 
 #include "can/identifier.h"
 #include "host/temporary_recording.h"
+#include "inputs/inputs.h"
 #include "readers/stream_capture.h"
 #include "sources/can_reader.h"
 #include "sources/gateway.h"
@@ -499,6 +501,59 @@ TEST(Links, OfSerialPorts) {
     EXPECT_EQ(device.get(), "C\r");  // the bus is closed when it is left
 }
 
+TEST(Links, AreReadSideBySide) {
+    const Bound first(SOCK_STREAM), second(SOCK_STREAM), sender(SOCK_DGRAM);
+    const std::uint16_t datagrams = free_port(SOCK_DGRAM);
+    const std::string names[] = {"tcp://127.0.0.1:" + std::to_string(first.port),
+                                 "tcp://127.0.0.1:" + std::to_string(second.port),
+                                 "udp://:" + std::to_string(datagrams)};
+    const test::TemporaryRecording file((std::string(raw_line)));
+    std::string told;
+    InputOptions options;
+    options.names = {names[0], names[1], names[2], "tcp://127.0.0.1:1", file.name()};
+    Inputs inputs(options,
+                  {.before_wait = {}, .tell = [&](const std::string& line) { told += line + "\n"; }});
+    std::map<std::string, unsigned> came;
+    std::string order, failures;
+    Record record;
+    const auto take = [&](auto wanted) {
+        for (const auto end = std::chrono::steady_clock::now() + 20s;
+             !wanted() && std::chrono::steady_clock::now() < end;) {
+            switch (inputs.next(record)) {
+                case Inputs::Event::begins: order += '|'; break;
+                case Inputs::Event::record:
+                    ++came[std::string(inputs.bus_label(record.bus))];
+                    if (order.size() < 4) order += std::to_string(record.bus);
+                    break;
+                case Inputs::Event::problem: failures += inputs.problem(); break;
+                default: break;
+            }
+        }
+        return wanted();
+    };
+    EXPECT_TRUE(take([&] { return order == "|0|"; })) << "the file is read first, then all begin: " << order;
+    EXPECT_NE(failures.find("tcp://127.0.0.1:1: "), std::string::npos) << failures;
+    EXPECT_TRUE(inputs.has_several_buses());
+    std::optional<Descriptor> busy(first.accept());
+    const Descriptor quiet(second.accept());
+    std::string much;
+    for (int i = 0; i < 2000; ++i) much += raw_line;
+    busy->put(much);
+    quiet.put(raw_line);
+    const sockaddr_in to = here(datagrams);
+    ::sendto(sender.socket, raw_line.data(), raw_line.size(), 0, generic(to), sizeof to);
+    EXPECT_TRUE(take([&] { return came[names[1]] == 1 && came[names[2]] == 1; }));
+    EXPECT_LT(came[names[0]], 2000u) << "who has much leaves the others their turn";
+    EXPECT_TRUE(take([&] { return came[names[0]] == 2000; }));
+    busy.reset();
+    EXPECT_TRUE(take([&] { return told.find(names[0] + ": connection lost") != std::string::npos; }));
+    quiet.put(raw_line);
+    EXPECT_TRUE(take([&] { return came[names[1]] == 2; })) << "a lost one holds up nobody";
+    EXPECT_EQ(inputs.links().size(), 3u);
+    EXPECT_EQ(inputs.links()[0].counters->losses, 1u);
+    EXPECT_EQ(came["0"], 1u);
+}
+
 /// Frames and events of an interface that the test plays.
 struct PlayedSocket final : CanSocket {
     std::deque<std::pair<Received, CanFrame>>& events;
@@ -511,6 +566,7 @@ struct PlayedSocket final : CanSocket {
         return received;
     }
     bool send(const CanFrame&) override { return false; }
+    void wake(EventLoop&) override {}
     std::uint64_t dropped() const override { return 7; }
 };
 
@@ -587,6 +643,15 @@ TEST(CanInterfaces, GiveFramesOfTheKernel) {
     EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
     ASSERT_EQ(::write(*sender, &raw, 5), 5);
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::nothing);
+    // In a loop: nothing is there, then something comes.
+    EventLoop loop;
+    socket->wake(loop);
+    EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
+    const auto before = std::chrono::steady_clock::now();
+    ASSERT_EQ(::write(*sender, &raw, sizeof raw), static_cast<ssize_t>(sizeof raw));
+    loop.run_one(20s);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 10s);
+    EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::frame);
     sender.reset();
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::removed);
     EXPECT_FALSE(socket->send(frame));
