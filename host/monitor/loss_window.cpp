@@ -10,7 +10,7 @@ namespace vistel {
 LossWindow::LossWindow(wxWindow* parent)
     : wxDialog(parent, wxID_ANY, "Losses", wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
-    counts_ = new TextTable(this, {{"Of all", 300}, {"Number", 90, true}}, wxLC_SINGLE_SEL);
+    counts_ = new TextTable(this, {{"In all", 300}, {"Number", 90, true}}, wxLC_SINGLE_SEL);
     streams_ = new TextTable(this,
                              {{"PGN", 70, true},
                               {"Name", 220},
@@ -19,15 +19,16 @@ LossWindow::LossWindow(wxWindow* parent)
                               {"Of no message", 115, true},
                               {"Repeated", 80, true}},
                              wxLC_SINGLE_SEL);
+    counts_->SetMinSize(FromDIP(wxSize(-1, 300)));  // all of them
+    streams_->SetMinSize(FromDIP(wxSize(-1, 120)));
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     const auto border = wxSizerFlags().Expand().Border(wxALL, FromDIP(8));
-    sizer->Add(counts_, wxSizerFlags(border).Proportion(1));
+    sizer->Add(counts_, border);
     sizer->Add(streams_, wxSizerFlags(border).Proportion(1));
     sizer->Add(CreateButtonSizer(wxCLOSE), border);
     SetEscapeId(wxID_CLOSE);
-    SetSizer(sizer);
-    SetSize(FromDIP(wxSize(680, 560)));
-    SetMinSize(FromDIP(wxSize(360, 240)));
+    SetSizerAndFit(sizer);
+    SetSize(FromDIP(wxSize(680, 620)));
     CentreOnParent();
 }
 

@@ -78,7 +78,7 @@ MessagePane::MessagePane(wxWindow* parent) : wxPanel(parent) {
     halves_ = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                    wxSP_LIVE_UPDATE | wxSP_3DSASH);
     fields_ = new TextTable(halves_,
-                            {{"Field", 160}, {"Value", 140}, {"Raw", 70, true}, {"Bits", 55}, {"Bytes", 90}},
+                            {{"Field", 150}, {"Value", 165}, {"Raw", 65, true}, {"Bits", 50}, {"Bytes", 85}},
                             wxLC_SINGLE_SEL);
     auto* const right = new wxPanel(halves_);
     description_ = new wxTextCtrl(right, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
@@ -98,8 +98,8 @@ MessagePane::MessagePane(wxWindow* parent) : wxPanel(parent) {
 }
 
 void MessagePane::restore_layout(const std::map<std::string, int>& layout) {
-    if (const auto known = layout.find("fields"); known != layout.end())
-        halves_->SetSashPosition(FromDIP(known->second));
+    const auto known = layout.find("fields");
+    halves_->SetSashPosition(known != layout.end() ? FromDIP(known->second) : GetClientSize().x * 63 / 100);
     fields_->restore_widths(layout, "fields");
 }
 
@@ -112,9 +112,9 @@ void MessagePane::show(const Stream& stream, const std::string& origin, const co
                        core::Definitions definitions) {
     const N2KMsg& msg = stream.msg();
     MessageView view(msg, units, definitions);
-    const wxString title = wxString::FromUTF8(concat(msg.pgn, " ", view.name(), " · from ", origin, " to ",
-                                                     msg.destination, " · priority ", msg.priority, " · ",
-                                                     msg.length, " bytes · ", stream.count(), " messages"));
+    const wxString title = wxString::FromUTF8(concat(
+        msg.pgn, " ", view.name(), " · from ", origin, " to ", msg.destination, " · priority ", msg.priority,
+        " · ", msg.length, " bytes · ", stream.count(), stream.count() == 1 ? " message" : " messages"));
     if (title_->GetLabel() != title) title_->SetLabelText(title);
     std::vector<TextTable::Row> rows;
     while (view.next())

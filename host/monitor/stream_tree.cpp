@@ -78,6 +78,7 @@ void StreamTree::append(const Stream& stream) {
     if (added.IsOk()) {
         row.item = last_ = added;
         row_by_item_[added.GetID()] = rows_.size();
+        lines_.push_back(rows_.size());
         if (const auto known = is_expanded_.find(row.order);
             known != is_expanded_.end() && known->second != control_->IsExpanded(added))
             control_->Toggle(added);
@@ -111,6 +112,7 @@ void StreamTree::show(const std::vector<const Stream*>& streams) {
     const Row* const row = row_of(control_->GetSelection());
     const std::uint64_t chosen = row != nullptr ? row->order : Streams::most;
     rows_.clear();
+    lines_.clear();
     row_by_item_.clear();
     last_ = {};
     glowing_.clear();
@@ -157,20 +159,19 @@ const StreamTree::Row* StreamTree::row_of(wxTreeItemId item) const {
     return found != row_by_item_.end() ? &rows_[found->second] : nullptr;
 }
 
+// Asking the control what lies at a point would have it look at every line above.
 std::pair<std::size_t, std::size_t> StreamTree::seen_rows() const {
-    const int height = control_->GetClientSize().y;
-    // Between two lines there may be nobody's pixel.
-    const auto row_at = [this](int y, int step) -> const Row* {
-        int flags;
-        for (int i = 0; i < 3; ++i, y += step)
-            if (const Row* const row = row_of(control_->HitTest(wxPoint(1, y), flags)); row != nullptr)
-                return row;
-        return nullptr;
+    const auto first_from = [this](int y) {
+        return std::ranges::partition_point(lines_, [&](std::size_t row) {
+            wxRect area;
+            return control_->GetBoundingRect(rows_[row].item, area) && area.y < y;
+        });
     };
-    const Row* const first = row_at(1, 1);
-    const Row* const last = row_at(height - 1, -1);
-    const auto number = [this](const Row* row) { return static_cast<std::size_t>(row - rows_.data()); };
-    return {first != nullptr ? number(first) : 0, last != nullptr ? number(last) + 1 : rows_.size()};
+    auto from = first_from(1);
+    if (from != lines_.begin()) --from;  // its fields may reach into sight
+    const auto to = first_from(control_->GetClientSize().y);
+    if (from == to) return {0, 0};
+    return {*from, *std::prev(to) + 1};
 }
 
 std::vector<StreamTree::Visible> StreamTree::visible() const {

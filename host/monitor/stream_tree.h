@@ -90,7 +90,8 @@ class StreamTree : public wxEvtHandler {
     std::map<std::uint8_t, PGN_VistelTree_c> trees_;  // by bus
     bool expands_new_ = false;
     std::vector<Row> rows_;
-    wxTreeItemId last_;  // of the messages' own lines
+    std::vector<std::size_t> lines_;  // those that have an item, from the top
+    wxTreeItemId last_;               // of the messages' own lines
     std::unordered_map<void*, std::size_t> row_by_item_;
     std::unordered_map<void*, unsigned> glowing_;  // items, and for how many frames they have
     std::map<std::uint64_t, bool> is_expanded_;  // by the order of streams, also of those that are not shown

@@ -185,7 +185,7 @@ void MonitorWindow::build_controls() {
     sides_ =
         new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
     device_table_ = new TextTable(
-        sides_, {{"Bus", 60}, {"Addr", 42, true}, {"Device", 175}, {"Msg/s", 52, true}, {"State", 120}});
+        sides_, {{"Bus", 60}, {"Addr", 42, true}, {"Device", 195}, {"Msg/s", 52, true}, {"State", 160}});
     device_table_->show_column(bus_column, false);
     const auto on_choice = [this](wxListEvent& event) {
         if (!is_choosing_) CallAfter([this] { choose_devices(); });
@@ -205,9 +205,9 @@ void MonitorWindow::build_controls() {
     tree_->control().SetMinSize(FromDIP(wxSize(150, 60)));
     streams->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
         // The lines themselves come first.
-        const int width = event.GetSize().x, usual = columns_->FromDIP(270);
+        const int width = event.GetSize().x, usual = columns_->FromDIP(StreamColumns::usual_width);
         columns_->SetMinSize(wxSize(std::min(width * 2 / 5, usual), -1));
-        columns_->Show(width >= usual);
+        columns_->Show(width >= columns_->FromDIP(270));
         event.Skip();
     });
     message_ = new MessagePane(halves_);
@@ -216,7 +216,7 @@ void MonitorWindow::build_controls() {
     halves_->SetMinimumPaneSize(FromDIP(80));
     halves_->SetSashGravity(0.6);
     sides_->SetMinimumPaneSize(FromDIP(60));
-    sides_->SplitVertically(device_table_, halves_, FromDIP(350));
+    sides_->SplitVertically(device_table_, halves_, FromDIP(460));
     player_bar_ = new PlayerBar(all, {[this](double place) {
                                           traffic_->seek(place);
                                           take_new_streams();
@@ -369,7 +369,7 @@ void MonitorWindow::place() {
     const int display = last.IsEmpty() ? wxNOT_FOUND : wxDisplay::GetFromPoint(last.GetPosition());
     const wxRect screen =
         wxDisplay(display != wxNOT_FOUND ? static_cast<unsigned>(display) : 0).GetClientArea();
-    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1120, 740)) : last.GetSize();
+    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1280, 720)) : last.GetSize();
     size.IncTo(GetMinSize());
     size.DecTo(screen.GetSize());
     SetSize(size);
@@ -380,10 +380,9 @@ void MonitorWindow::place() {
     const auto& layout = options_.settings.layout;
     const auto known = layout.find("devices");
     sides_->SetSashPosition(known != layout.end() ? FromDIP(known->second)
-                                                  : std::min(GetClientSize().x * 31 / 100, FromDIP(350)));
+                                                  : std::min(GetClientSize().x * 36 / 100, FromDIP(460)));
     sides_->SetSashGravity(0.2);
     device_table_->restore_widths(layout, "devices");
-    message_->restore_layout(layout);
     if (options_.settings.is_maximised) Maximize();
 }
 
@@ -549,7 +548,7 @@ void MonitorWindow::show_devices() {
     for (const DeviceRow& device : devices_) {
         const wxString title = wxString::FromUTF8(device.title);
         if (device.address) titles_[{device.bus, *device.address}] = title;
-        rows.push_back({wxString::FromUTF8(player_->bus_label(device.bus)),
+        rows.push_back({has_several_buses() ? wxString::FromUTF8(player_->bus_label(device.bus)) : wxString(),
                         device.address ? std::to_string(*device.address) : std::string(), title,
                         wxString::Format("%.1f", device.rate), wxString::FromUTF8(device.notes)});
     }
@@ -584,10 +583,10 @@ void MonitorWindow::show_columns() {
     const PlayTime now = traffic_->now();
     for (const auto& [stream, area] : tree_->visible()) {
         const auto title = titles_.find({stream->bus(), stream->msg().source});
-        wxString name = wxString::Format("%d", stream->msg().source);
-        if (has_several_buses()) name = wxString::FromUTF8(player_->bus_label(stream->bus())) + "  " + name;
-        if (title != titles_.end() && !title->second.empty()) name << "  " << title->second;
-        lines.push_back({area.y + area.height / 2, name, rate_text(stream->rate(now)),
+        wxString source = wxString::Format("%d", stream->msg().source);
+        if (has_several_buses()) source = wxString::FromUTF8(bus_of(*stream)) + "  " + source;
+        lines.push_back({area.y + area.height / 2, source,
+                         title != titles_.end() ? title->second : wxString(), rate_text(stream->rate(now)),
                          age_text(now - stream->seen()), stream->is_silent(now)});
     }
     columns_->show(std::move(lines));
@@ -717,6 +716,7 @@ void MonitorWindow::open_message() {
         const auto known = layout.find("message");
         halves_->SplitHorizontally(halves_->GetWindow1(), message_,
                                    -FromDIP(known != layout.end() ? known->second : 240));
+        message_->restore_layout(layout);
     }
     show_message();
     if (const auto field = tree_->selected_field()) message_->choose(*field);

@@ -321,11 +321,11 @@ void Top::add_message(Page& page, int width, int height) {
     rows.push_back(PageLine().add(concat(" ", msg.pgn, " ", view.name()), Style::strong));
     if (const std::string device = device_at(stream.bus(), msg.source); !device.empty())
         rows.push_back(PageLine().add(" " + device));
-    rows.push_back(
-        PageLine().add(concat(has_several_buses() ? " bus " + bus_of(stream.bus()) + ", source " : " source ",
-                              msg.source, ", destination ", msg.destination, ", priority ", msg.priority,
-                              ", ", msg.length, " bytes, ", stream.count(), " messages, ") +
-                       rate_text(stream.rate(present)) + ", " + age_text(present - stream.seen()) + " ago"));
+    rows.push_back(PageLine().add(
+        concat(has_several_buses() ? " bus " + bus_of(stream.bus()) + ", source " : " source ", msg.source,
+               ", destination ", msg.destination, ", priority ", msg.priority, ", ", msg.length, " bytes, ",
+               stream.count(), stream.count() == 1 ? " message, " : " messages, ") +
+        rate_text(stream.rate(present)) + ", " + age_text(present - stream.seen()) + " ago"));
     rows.emplace_back();
     while (view.next()) {
         PageLine line;
