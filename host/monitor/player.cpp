@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "network/stream_text.h"
 #include "sources/source_name.h"
 #include "text/printable.h"
 
@@ -51,6 +52,7 @@ void Player::hear(std::string_view line) {
 
 std::string Player::notice() const {
     std::string all;
+    if (gap_ > 0 && clock_() < gap_told_until_) all = concat("nothing for ", age_text(gap_), ", skipped");
     for (const auto& [place, text] : notices_) all += (all.empty() ? "" : " · ") + text;
     return all;
 }
@@ -194,6 +196,8 @@ bool Player::is_due() {
     }
     if (record_played_ - present <= longest_gap) return false;
     ++counters_.skipped_gaps;
+    gap_ = record_played_ - present;
+    gap_told_until_ = clock_() + 5s;
     continue_at(record_played_);
     return true;
 }

@@ -109,7 +109,8 @@ class Player {
 
     static constexpr PlayTime longest_gap = 3 * one_second;
     static constexpr unsigned most_early = 16;
-    /// What live sources said last: that one was lost, or is silent. Empty as long as all is well.
+    /// What live sources said last, that one was lost or is silent, and for a while that a gap was not waited
+    /// for. Empty as long as all is well.
     std::string notice() const;
 
   private:
@@ -148,6 +149,8 @@ class Player {
     PlayCounters counters_;
     std::string first_problem_;
     std::map<std::size_t, std::string> notices_;  // by input
+    PlayTime gap_ = 0;                            // that was not waited for
+    Clock::time_point gap_told_until_;
     bool is_sending_ = false;
     std::string send_failure_;  // what was said while sending
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "monitor/recorder.h"
+
 namespace vistel {
 
 namespace {
@@ -17,6 +19,7 @@ void Traffic::on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t
 
 void Traffic::on_record(const Record& record) {
     kind_ = record.kind;
+    if (recorder_ != nullptr) recorder_->put(record);
     networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 

@@ -24,12 +24,14 @@
 #include "monitor/message_text.h"
 #include "monitor/open_dialog.h"
 #include "monitor/player_bar.h"
+#include "monitor/recorder.h"
 #include "monitor/stream_columns.h"
 #include "monitor/text_table.h"
 #include "monitor/unit_window.h"
 #include "network/message_view.h"
 #include "network/stream_text.h"
 #include "text/words.h"
+#include "writers/written_formats.h"
 
 namespace vistel {
 
@@ -46,6 +48,7 @@ constexpr unsigned frames_per_column = 3, frames_per_status = 5, frames_per_filt
 enum Command : int {
     id_open = wxID_HIGHEST + 1,
     id_save,
+    id_record,
     id_copy_line,
     id_copy_text,
     id_copy_json,
@@ -90,6 +93,7 @@ constexpr Key keys[] = {
     {"F4", "what was lost"},
     {"Ctrl+C", "copy the line"},
     {"Ctrl+S", "save the lines that are expanded"},
+    {"Ctrl+Shift+R", "record what comes, or end that"},
     {"Menu key, right click", "what else can be copied"},
     {"Tab", "to the next part of the window"},
 };
@@ -253,6 +257,9 @@ void MonitorWindow::build_menu() {
     recent_ = new wxMenu;
     file->AppendSubMenu(recent_, "Open &recent");
     add(*file, id_save, "&Save expanded lines...\tCtrl+S", [this] { save(); });
+    file->AppendCheckItem(id_record, "&Record...\tCtrl+Shift+R");
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { recorder_ ? end_recording() : record(); }, id_record);
     file->AppendSeparator();
     add(*file, wxID_EXIT, "&Quit\tCtrl+Q", [this] { Close(); });
 
@@ -388,6 +395,7 @@ void MonitorWindow::place() {
 
 void MonitorWindow::close() {
     timer_.Stop();
+    end_recording();
     Settings& settings = options_.settings;
     settings.is_maximised = IsMaximized();
     if (!IsMaximized() && !IsIconized()) settings.place = GetRect();
@@ -405,6 +413,7 @@ void MonitorWindow::close() {
 // ---- sources ----
 
 void MonitorWindow::play(std::unique_ptr<Player> player) {
+    end_recording();
     tree_->show({});  // before its streams are gone
     player_ = std::move(player);
     traffic_ = std::make_unique<Traffic>(*player_);
@@ -630,6 +639,7 @@ wxString MonitorWindow::status() const {
     const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : " · ") + part; };
     if (player_->paused()) add("PAUSED");
     if (player_->ended()) add("END");
+    if (recorder_) add(concat("RECORDING ", recorder_->written()));
     if (!player_->notice().empty()) add(player_->notice());
     const std::size_t all = streams_.size();
     const auto add_part = [&add](std::size_t shown, std::size_t of, const char* what) {
@@ -652,6 +662,10 @@ void MonitorWindow::show_status() {
     const wxString text = status();
     if (GetStatusBar()->GetStatusText() != text) SetStatusText(text);
     show_problems();
+    if (recorder_) {
+        recorder_->flush();
+        if (!recorder_->failure().empty()) end_recording();
+    }
     if (loss_window_ != nullptr && loss_window_->IsShown()) show_losses();
 }
 
@@ -746,6 +760,46 @@ void MonitorWindow::save() {
     wxFile file;
     if (!file.Create(chooser.GetPath(), true) || !file.Write(lines, wxConvUTF8) || !file.Close())
         wxMessageBox("The file could not be written.", "Save", wxOK | wxICON_ERROR, this);
+}
+
+void MonitorWindow::record() {
+    menu_bar_->Check(id_record, false);
+    if (!player_) return;
+    const std::vector<std::string> formats = written_formats();
+    wxString kinds;
+    for (const std::string& format : formats)
+        kinds << (kinds.empty() ? "" : "|") << format << " (*." << format << ")|*." << format;
+    wxFileDialog chooser(this, "Record what comes", wxEmptyString, "recording.candump", kinds,
+                         wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    const auto usual = std::ranges::find(formats, "candump");
+    chooser.SetFilterIndex(static_cast<int>(usual - formats.begin()));
+    if (chooser.ShowModal() != wxID_OK) return;
+    const std::string path = chooser.GetPath().ToStdString(wxConvUTF8);
+    auto recorder = Recorder::open(path, formats.at(static_cast<std::size_t>(chooser.GetFilterIndex())),
+                                   player_->options().input.names, definitions());
+    if (!recorder) {
+        wxMessageBox(wxString::FromUTF8(path + ": " + recorder.error().text), "Record", wxOK | wxICON_ERROR,
+                     this);
+        return;
+    }
+    recorder_ = std::move(*recorder);
+    traffic_->record(recorder_.get());
+    menu_bar_->Check(id_record, true);
+    show_status();
+}
+
+void MonitorWindow::end_recording() {
+    if (!recorder_) return;
+    traffic_->record(nullptr);
+    recorder_->flush();
+    const std::unique_ptr<Recorder> ended = std::move(recorder_);
+    menu_bar_->Check(id_record, false);
+    if (!ended->failure().empty())
+        problems_->ShowMessage(wxString::FromUTF8("Recording has ended: " + ended->failure()), wxICON_ERROR);
+    else if (ended->refused() > 0)
+        problems_->ShowMessage(
+            wxString::FromUTF8(concat("Left out, since the format cannot hold them: ", ended->refused())),
+            wxICON_WARNING);
 }
 
 void MonitorWindow::show_keys() {

@@ -27,6 +27,7 @@ namespace vistel {
 class LossWindow;
 class MessagePane;
 class PlayerBar;
+class Recorder;
 class StreamColumns;
 class TextTable;
 class UnitWindow;
@@ -93,6 +94,8 @@ class MonitorWindow : public wxFrame {
     void open_message();
     void find_next();
     void save();
+    void record();
+    void end_recording();
     void show_keys();
     void copy_field_key();
     template <class Text>
@@ -105,6 +108,7 @@ class MonitorWindow : public wxFrame {
     pgn_vistel::core::UnitSelection units_;
     std::unique_ptr<Player> player_;
     std::unique_ptr<Traffic> traffic_;
+    std::unique_ptr<Recorder> recorder_;
 
     wxToggleButton* pause_ = nullptr;
     wxSearchCtrl* search_ = nullptr;

@@ -1,9 +1,13 @@
 #include "monitor/player.h"
 
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include "host/playing.h"
 #include "host/temporary_recording.h"
+#include "monitor/recorder.h"
+#include "monitor/traffic.h"
 
 namespace vistel {
 namespace {
@@ -72,9 +76,12 @@ TEST(Player, WaitsForNoLongGapAndNoClockThatIsPutBack) {
     Played played(line("00:00:00", 0) + line("01:00:00", 1) + line("01:00:02", 2) + line("00:30:00", 3), 1);
     EXPECT_EQ(played.after(0ms), (Bytes{0, 1}));
     EXPECT_EQ(played.player.counters().skipped_gaps, 1u);
+    EXPECT_EQ(played.player.notice(), "nothing for 60m, skipped");
     EXPECT_EQ(played.after(1000ms), Bytes{});
     EXPECT_EQ(played.after(1000ms), (Bytes{2, 3}));
     EXPECT_EQ(played.times, (std::vector<double>{0, 3600, 3602, 1800}));
+    played.after(5000ms);
+    EXPECT_EQ(played.player.notice(), "");
 }
 
 TEST(Player, FollowsAClockThatWasPutBack) {
@@ -146,6 +153,35 @@ TEST(Player, BeginsAgainAndGoesToAPlace) {
     sought.shown.clear();
     sought.player.seek(0.3, sought);
     EXPECT_EQ(sought.shown, (Bytes{0, 1}));
+}
+
+TEST(Recorder, WritesWhatComes) {
+    const test::TemporaryRecording source("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n" +
+                                          line("00:00:01", 1) + "00:00:02,7,65300,7,255,1,05\n"),
+        written("");
+    const auto record = [&](const std::string& path, const char* format) {
+        Player player(test::playing({source.name()}, 0));
+        EXPECT_TRUE(player.open());
+        Traffic traffic(player);
+        auto recorder = Recorder::open(path, format, {source.name()}, player.options().definitions);
+        if (!recorder) return recorder.error().text;
+        traffic.record(recorder->get());
+        while (!player.ended()) traffic.advance();
+        (*recorder)->flush();
+        EXPECT_EQ((*recorder)->written(), 3u);
+        return (*recorder)->failure();
+    };
+    for (const char* const format : {"candump", "plain", "pcap"}) {
+        EXPECT_EQ(record(written.name(), format), "") << format;
+        Played played("", 0);
+        Player back(test::playing({written.name()}, 0));
+        ASSERT_TRUE(back.open()) << format;
+        while (!back.ended()) back.advance(played);
+        EXPECT_EQ(played.shown, (Bytes{0, 1, 5})) << format;
+        EXPECT_EQ(back.counters().problems, 0u) << format;
+    }
+    EXPECT_EQ(record("/dev/full", "candump"), std::strerror(ENOSPC));
+    EXPECT_NE(record(source.name(), "candump"), "") << "it would be emptied";
 }
 
 }  // namespace
