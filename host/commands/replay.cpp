@@ -87,13 +87,11 @@ void Replaying::wait_for_room() {
 /// False where the recording as a whole cannot be read.
 bool Replaying::play(const std::string& name) {
     place_ = "in " + harmless(name);
-    Player player({.file = name,
-                   .format = options_.input.format,
-                   .contents = options_.input.contents,
-                   .speed = options_.speed.value_or(1),
-                   .definitions = options_.definitions});
+    InputOptions input = options_.input;
+    input.names = {name};
+    Player player({.input = input, .speed = options_.speed.value_or(1), .definitions = options_.definitions});
     if (const Status opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", harmless(name).c_str(), opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(opened.error().text).c_str());
         return false;
     }
     while (!player.ended() && !interrupted()) {

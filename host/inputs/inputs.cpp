@@ -16,8 +16,6 @@ namespace {
 
 using Origin = RecordTime::Origin;
 
-constexpr int patience_ms = 250;  // a signal may come between the look at its flag and the wait
-
 /// The bytes of several files; 0 where that is not known of one of them.
 std::uint64_t size_of(const std::vector<std::string>& names) {
     std::uint64_t sum = 0;
@@ -70,7 +68,7 @@ Inputs::Inputs(const InputOptions& options, Hooks hooks)
         first_beside_ = static_cast<std::size_t>(live - options_.names.begin());
     how_.format = options_.format;
     how_.contents = options_.contents;
-    how_.patience_ms = patience_ms;
+    how_.patience_ms = options_.patience_ms;  // a signal may come between the look at its flag and the wait
     how_.before_wait = hooks_.before_wait;
     for (const std::string& name : options_.names)
         names_.push_back(name == "-" ? "standard input" : harmless(name));
@@ -84,6 +82,16 @@ Inputs::Event Inputs::go_on(ReadResult result) {
     current_ = nullptr;
     open_.clear();
     return begin_next();
+}
+
+bool Inputs::would_wait() {
+    if (current_ != nullptr) return current_->recording.would_wait();
+    if (is_beside_)
+        return std::ranges::all_of(open_, [](const auto& input) { return input->recording.would_wait(); });
+    if (!options_.merge) return false;
+    return opened_ == names_.size() && std::ranges::any_of(open_, [](const auto& input) {
+               return !input->has_record && input->recording.would_wait();
+           });
 }
 
 // ---- opening and closing ----
@@ -190,7 +198,7 @@ Inputs::Event Inputs::next_beside(Record& record) {
     }
     if (open_.empty()) return Event::end;
     if (hooks_.before_wait) hooks_.before_wait();
-    loop_->run_one(slice);
+    loop_->run_one(std::min(slice, std::chrono::milliseconds(options_.patience_ms)));
     return Event::nothing;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -37,7 +38,7 @@ class Inputs {
     };
 
     struct Hooks {
-        std::function<void()> before_wait = {};  ///< for input; no wait is longer than a quarter of a second
+        std::function<void()> before_wait = {};  ///< for input; no wait is longer than the patience
         std::function<void(const std::string& line)> tell = {};  ///< what a live source has to say
     };
     explicit Inputs(const InputOptions& options, Hooks hooks);
@@ -59,6 +60,13 @@ class Inputs {
     const Problem& problem() const { return *problem_; }
     const std::string& recording_of_problem() const { return names_[problem_place_]; }
     /// @}
+
+    /// Whether next() would have to wait for input.
+    bool would_wait();
+    /// Whether what has begun is there from the first byte to the last, so that it can be read again.
+    bool is_file() const {
+        return std::ranges::all_of(open_, [](const auto& input) { return input->recording.is_file(); });
+    }
 
     /// Whether records come from more than one bus, as far as that is known.
     bool has_several_buses() const { return buses_.size() > 1 || is_beside_; }
