@@ -59,8 +59,7 @@ int Reading::finish(const ReassemblyCounters& counters) {
     if (is_quiet_ && is_live()) return is_readable_ ? EXIT_CLEAN : EXIT_FAILED;
     const int status = report_losses(losses_, counters);
     if (!has_ended_ && interrupted())
-        if (const std::string place = inputs_.unread_place(); !place.empty())
-            return report_interrupt(place);
+        if (const std::string place = inputs_.unread_place(); !place.empty()) return report_interrupt(place);
     if (!is_readable_) return EXIT_FAILED;
     return is_live() ? EXIT_CLEAN : status;
 }
