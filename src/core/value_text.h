@@ -257,7 +257,7 @@ inline char* write_mmsi(char* at, std::uint32_t number) {
 /// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the
 /// least as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
-    const std::int64_t number = v.number.i64;
+    const std::int64_t number = integer_of(v);
     at = v.type == ValueType::u8    ? write_byte(at, v.number.u8)
          : v.type == ValueType::u64 ? write_unsigned(at, v.number.u64)
                                     : write_signed(at, number);
