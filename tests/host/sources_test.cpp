@@ -710,6 +710,7 @@ TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
 }
 
 TEST(CanInterfaces, GiveFramesOfTheKernel) {
+    EventLoop loop;  // outlives the socket
     int ends[2];
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
     std::optional<Descriptor> sender(ends[0]);
@@ -739,7 +740,6 @@ TEST(CanInterfaces, GiveFramesOfTheKernel) {
     ASSERT_EQ(::write(*sender, &raw, 5), 5);
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::nothing);
     // In a loop: nothing is there, then something comes.
-    EventLoop loop;
     socket->wake(loop);
     EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
     const auto before = std::chrono::steady_clock::now();
