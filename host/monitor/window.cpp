@@ -222,6 +222,14 @@ void MonitorWindow::build_controls() {
     halves_->SetSashGravity(0.6);
     sides_->SetMinimumPaneSize(FromDIP(60));
     sides_->SplitVertically(device_table_, halves_, FromDIP(460));
+    sides_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        // When it has come to its size: on the way there it is narrower.
+        CallAfter([this] {
+            const int most = sides_->GetSize().x * 2 / 5;
+            if (sides_->GetSashPosition() > most) sides_->SetSashPosition(most);
+        });
+    });
     player_bar_ = new PlayerBar(all, {[this](double place) {
                                           traffic_->seek(place);
                                           take_new_streams();
