@@ -37,7 +37,7 @@ std::string_view without_program(std::string_view line) {
 
 }  // namespace
 
-// What a live source says. With its next record it is over.
+// What a live source says. It is over with the next record that comes when the source is well.
 void Player::hear(std::string_view line) {
     const std::vector<std::string>& names = options_.input.names;
     const auto name =
@@ -141,11 +141,12 @@ void Player::note_record() {
     has_record_ = true;
     while (buses_.size() < inputs_->bus_count())
         buses_.emplace_back(inputs_->bus_label(static_cast<std::uint8_t>(buses_.size())));
-    // The buses of several live sources are called by them.
     if (!notices_.empty())
         std::erase_if(notices_, [this](const auto& notice) {
-            const auto& names = options_.input.names;
-            return names.size() == 1 || buses_[record_.bus].starts_with(names[notice.first]);
+            const auto& links = inputs_->links();
+            const auto link = std::ranges::find(links, options_.input.names[notice.first],
+                                                [](const auto& l) { return l.name; });
+            return link == links.end() || link->counters->is_well;
         });
     RecordTime& latest = times_[record_.bus];
     if (record_.time.origin == latest.origin && record_.time.nanoseconds < latest.nanoseconds)

@@ -41,7 +41,8 @@ namespace {
 
 constexpr int frame_interval_ms = 100;  // quicker than the eye reads figures, and calm
 // Frames between looks at what changes slowly.
-constexpr int bus_column = 0;           // of the devices
+constexpr int bus_column = 0;  // of the devices
+constexpr std::size_t widest_bus = 15;
 constexpr const char* between = " + ";  // names of inputs
 constexpr unsigned frames_per_column = 3, frames_per_status = 5, frames_per_filter = 10;
 
@@ -189,7 +190,7 @@ void MonitorWindow::build_controls() {
     sides_ =
         new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
     device_table_ = new TextTable(
-        sides_, {{"Bus", 60}, {"Addr", 42, true}, {"Device", 195}, {"Msg/s", 52, true}, {"State", 160}});
+        sides_, {{"Bus", 85}, {"Addr", 42, true}, {"Device", 195}, {"Msg/s", 52, true}, {"State", 160}});
     device_table_->show_column(bus_column, false);
     const auto on_choice = [this](wxListEvent& event) {
         if (!is_choosing_) CallAfter([this] { choose_devices(); });
@@ -221,6 +222,14 @@ void MonitorWindow::build_controls() {
     halves_->SetSashGravity(0.6);
     sides_->SetMinimumPaneSize(FromDIP(60));
     sides_->SplitVertically(device_table_, halves_, FromDIP(460));
+    sides_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        // When it has come to its size: on the way there it is narrower.
+        CallAfter([this] {
+            const int most = sides_->GetSize().x * 2 / 5;
+            if (sides_->GetSashPosition() > most) sides_->SetSashPosition(most);
+        });
+    });
     player_bar_ = new PlayerBar(all, {[this](double place) {
                                           traffic_->seek(place);
                                           take_new_streams();
@@ -557,7 +566,9 @@ void MonitorWindow::show_devices() {
     for (const DeviceRow& device : devices_) {
         const wxString title = wxString::FromUTF8(device.title);
         if (device.address) titles_[{device.bus, *device.address}] = title;
-        rows.push_back({has_several_buses() ? wxString::FromUTF8(player_->bus_label(device.bus)) : wxString(),
+        rows.push_back({has_several_buses()
+                            ? wxString::FromUTF8(short_bus(player_->bus_label(device.bus), widest_bus))
+                            : wxString(),
                         device.address ? std::to_string(*device.address) : std::string(), title,
                         wxString::Format("%.1f", device.rate), wxString::FromUTF8(device.notes)});
     }
@@ -593,7 +604,8 @@ void MonitorWindow::show_columns() {
     for (const auto& [stream, area] : tree_->visible()) {
         const auto title = titles_.find({stream->bus(), stream->msg().source});
         wxString source = wxString::Format("%d", stream->msg().source);
-        if (has_several_buses()) source = wxString::FromUTF8(bus_of(*stream)) + "  " + source;
+        if (has_several_buses())
+            source = wxString::FromUTF8(short_bus(bus_of(*stream), widest_bus)) + "  " + source;
         lines.push_back({area.y + area.height / 2, source,
                          title != titles_.end() ? title->second : wxString(), rate_text(stream->rate(now)),
                          age_text(now - stream->seen()), stream->is_silent(now)});

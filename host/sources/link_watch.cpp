@@ -37,6 +37,7 @@ void LinkWatch::traffic(Time now) {
                     " of silence"));
     }
     is_lost_ = silence_told_ = absence_told_ = false;
+    counters_->is_well = true;
     pause_ = milliseconds{};
     heard_ = silent_since_ = now;
 }
@@ -49,6 +50,7 @@ void LinkWatch::lost(Time now, const std::string& reason) {
         tell(concat("connection lost: ", reason, "; trying again"));
     }
     is_lost_ = true;
+    counters_->is_well = false;
     is_open_ = silence_told_ = false;
     // A link that is made again and brings nothing is no better than none: the pause goes on growing.
     retry_at_ = now + pause_;
@@ -72,6 +74,7 @@ void LinkWatch::elapsed(Time now, std::string_view state) {
         tell(concat("not connected for ", in_seconds(in_milliseconds(now - lost_at_)), ": ", reason_));
     } else if (!silence_told_ && now - heard_ >= options_.silence) {
         silence_told_ = true;
+        counters_->is_well = false;
         ++counters_->silences;
         tell(concat(connected_, ", nothing received for ", in_seconds(in_milliseconds(now - heard_)),
                     state.empty() ? "" : "; ", state));

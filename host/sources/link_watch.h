@@ -23,6 +23,7 @@ struct LinkOptions {
 
 /// What became of a link so far.
 struct LinkCounters {
+    bool is_well = true;  ///< at present: neither lost nor silent for long
     std::uint64_t losses = 0;
     std::uint64_t attempts = 0;           ///< to connect, the first one among them
     std::chrono::milliseconds without{};  ///< a connection, of the losses that are over

@@ -17,7 +17,7 @@ namespace {
 constexpr PlayTime glow = one_second;
 
 constexpr int source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
-constexpr int widest_bus = 14;
+constexpr int widest_bus = 16;
 
 std::vector<PageLine> help_lines(const std::string& problem) {
     constexpr const char* keys[][2] = {
@@ -227,7 +227,8 @@ PageLine Top::row_of(const Stream& stream, int width) const {
     line.add(concat(" ", stream.msg().pgn), style).to_column(source_column);
     line.add(formatted("%3u", unsigned{stream.msg().source}), style).to_column(rate_column);
     const int shift = bus_width();
-    line.add(cut_to(bus_of(stream.bus()), shift - 1), style).to_column(rate_column + shift);
+    line.add(short_bus(bus_of(stream.bus()), static_cast<std::size_t>(std::max(0, shift - 1))), style)
+        .to_column(rate_column + shift);
     const auto right = [&](const std::string& text, int column) {
         line.to_column(std::max(line.width(), column - 1 - columns_of(text)))
             .add(text, style)
@@ -300,7 +301,9 @@ void Top::add_devices(Page& page, int width, int height) {
         PageLine line;
         if (i < static_cast<int>(devices_.size())) {
             const DeviceRow& device = devices_[static_cast<std::size_t>(i)];
-            line.add(" ").add(cut_to(bus_of(device.bus), bus_width() - 1)).to_column(address_column);
+            line.add(" ")
+                .add(short_bus(bus_of(device.bus), static_cast<std::size_t>(std::max(0, bus_width() - 1))))
+                .to_column(address_column);
             line.add(device.address ? formatted("%4u", unsigned{*device.address}) : std::string("   -"));
             line.to_column(title_column).add(device.title, Style::strong).to_column(rate_column);
             line.add(formatted(" %5.1f/s", device.rate)).to_column(share_column);

@@ -330,6 +330,7 @@ TEST(Links, AreMadeAgainAndSaySoOnce) {
     EXPECT_EQ(live.record.time.origin, RecordTime::Origin::epoch);
     EXPECT_GE(std::chrono::nanoseconds(live.record.time.nanoseconds), before);
     ASSERT_TRUE(live.until([&] { return live.has_told("connected, nothing received for 0.1 s\n"); }));
+    EXPECT_FALSE(live.state.counters->is_well);
 
     for (int again = 0; again < 3; ++again) {  // and lost before anything came
         gateway.reset();
@@ -338,6 +339,7 @@ TEST(Links, AreMadeAgainAndSaySoOnce) {
     }
     gateway->put(raw_line);
     ASSERT_TRUE(live.until([&] { return live.messages == 2; }));
+    EXPECT_TRUE(live.state.counters->is_well);
     EXPECT_TRUE(live.has_told("connection lost: closed by the other side; trying again\n"));
     EXPECT_TRUE(live.has_told("receiving again after "));
     EXPECT_EQ(live.told.find("connection lost"), live.told.rfind("connection lost"));

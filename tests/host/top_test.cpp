@@ -148,6 +148,15 @@ TEST(Top, KeepsBusesApart) {
     EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 3 streams · "));
 }
 
+TEST(Top, TellsBusesOfLongNamesApart) {
+    Shown shown(
+        "(1.0) gateway-at-the-chart-table-1 09F11207#05102700FF7FFF7F\n"
+        "(1.0) gateway-at-the-chart-table-2 09F11207#05EC3D00FF7FFF7F\n");
+    shown.turn(0ms);
+    EXPECT_THAT(shown.line(2), HasSubstr(" ~-chart-table-1 "));
+    EXPECT_THAT(shown.line(3), HasSubstr(" ~-chart-table-2 "));
+}
+
 TEST(Top, CountsTheLossesOfADevice) {
     Shown shown("(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n(1.0) noise\n");
     shown.turn(0ms);

@@ -189,6 +189,16 @@ TEST(Window, PausesAndShowsOneMessage) {
     EXPECT_TRUE(eventually([&] { return shows(*shown.window, "127250 Vessel Heading"); }));
 }
 
+TEST(Window, GivesTheLinesRoomWhereItIsNarrow) {
+    Settings settings;
+    settings.place = wxRect(0, 0, 600, 400);
+    settings.layout["devices"] = 460;
+    Shown shown({.settings = settings});
+    const auto& sides = *find_in<wxSplitterWindow>(*shown.window);
+    EXPECT_TRUE(eventually([&] { return sides.GetSashPosition() <= sides.GetSize().x * 2 / 5; }))
+        << sides.GetSashPosition();
+}
+
 TEST(Window, RemembersWhatItIsTold) {
     const wxString file = wxFileName::CreateTempFileName("window");
     Settings written;
