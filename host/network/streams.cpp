@@ -24,12 +24,11 @@ void Stream::take(const N2KMsg& msg, PlayTime now) {
     if (second < second_ || second - second_ >= rate_seconds) {
         in_second_.fill(0);
     } else {
-        for (std::int64_t s = second_ + 1; s <= second; ++s)
-            in_second_[static_cast<std::size_t>(s % rate_seconds)] = 0;
+        for (std::int64_t s = second_ + 1; s <= second; ++s) in_second_[slot_of(s)] = 0;
     }
     if (now < seen_ && count_ > 0) first_ = std::min(first_, now);
     second_ = second;
-    ++in_second_[static_cast<std::size_t>(second % rate_seconds)];
+    ++in_second_[slot_of(second)];
     msg_ = msg;
     seen_ = now;
     ++count_;
@@ -46,7 +45,7 @@ double Stream::rate(PlayTime now) const {
     const std::int64_t from = std::max(second - (rate_seconds - 1), first_ / one_second + 1);
     std::uint64_t messages = 0;
     for (std::int64_t s = from; s <= std::min(second - 1, second_); ++s)
-        messages += s > second_ - rate_seconds ? in_second_[static_cast<std::size_t>(s % rate_seconds)] : 0;
+        messages += s > second_ - rate_seconds ? in_second_[slot_of(s)] : 0;
     if (messages > 0) return static_cast<double>(messages) / static_cast<double>(second - from);
     return count_ > 1 && now > first_
                ? static_cast<double>(count_ - 1) * one_second / static_cast<double>(now - first_)

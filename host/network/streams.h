@@ -44,6 +44,10 @@ class Stream {
     double mean_interval() const;
 
     static constexpr std::int64_t rate_seconds = 8;
+    /// Times may lie before the zero of their clock.
+    static constexpr std::size_t slot_of(std::int64_t second) {
+        return static_cast<std::size_t>((second % rate_seconds + rate_seconds) % rate_seconds);
+    }
 
     N2KMsg msg_{};
     std::uint8_t bus_ = 0;
