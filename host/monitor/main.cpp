@@ -13,6 +13,7 @@
 #include "command_line/start.h"
 #include "commands/output_status.h"
 #include "commands/unit_options.h"
+#include "commands/user_settings.h"
 #include "monitor/display.h"
 #include "monitor/window.h"
 
@@ -31,7 +32,7 @@ class MonitorApp : public wxApp {
         // What it remembers, but for what the command line says.
         options_.settings_file = Settings::usual_file();
         options_.settings.load(options_.settings_file);
-        if (!units_.set.empty() || !units_.units.empty()) {
+        if (!units_.is_empty()) {
             options_.units = options_.settings.units;
             if (!select_units(*options_.units, units_)) return false;
         }
@@ -75,6 +76,8 @@ int main(int argc, char** argv) {
         ->allow_extra_args(false);
     add_units(app, units.set, units.units);
     add_definitions(app, play.definitions);
+    bool no_config = false;
+    add_no_config(app, no_config);
     app.failure_message(usage_error);
     try {
         app.parse(std::move(words));
@@ -83,6 +86,15 @@ int main(int argc, char** argv) {
         return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
+    if (!no_config) {
+        auto settings = usual_settings();
+        if (!settings) {
+            std::fprintf(stderr, "vistel: %s\n", settings.error().text.c_str());
+            return bad_usage;
+        }
+        settings->apply(units);
+        settings->apply(play.file);
+    }
     if (!has_display()) {
         std::fprintf(stderr,
                      "vistel: no display to open a window on; 'vistel decode' shows the messages as text\n");

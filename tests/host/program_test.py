@@ -19,6 +19,7 @@ from datetime import datetime
 from pathlib import Path
 
 VISTEL = os.environ["VISTEL"]
+os.environ["XDG_CONFIG_HOME"] = "/nowhere"  # nobody's own configuration
 MONITOR = VISTEL + "-monitor"  # not built without windows
 NO_ARGUMENTS = os.environ["NO_ARGUMENTS"]
 # Runs a program by a name of one's choice in a folder, where there is no /proc: FOLDER PATH NAME PROGRAM ARGUMENT...
@@ -154,6 +155,33 @@ class ProgramTest(unittest.TestCase):
                                        (["--unit", "Depth=ftm"], "54.680668", "fathom")]:
             rows = csv.DictReader(io.StringIO(vistel("decode", "--csv", *arguments, stdin=depth).stdout))
             self.assertIn(("water_depth_transducer", value, unit), [(row["key"], row["value"], row["unit"]) for row in rows])
+
+    def test_configuration(self):
+        recording = ",3,128267,7,255,8,01,10,27,00,00,ff,7f,ff\n,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"
+        with tempfile.TemporaryDirectory() as folder:
+            file = Path(folder, "pgn-vistel", "config")
+            file.parent.mkdir()
+            Path(folder, "log").write_text(recording)
+            def run(text, *arguments):
+                file.write_text(text)
+                return subprocess.run([VISTEL, *arguments], env=os.environ | {"XDG_CONFIG_HOME": folder}, cwd=folder,
+                                      capture_output=True, encoding="utf-8", timeout=60)
+            usual = f"# mine\r\nunits = nautical\n unit depth=ftm\nsource boat = {folder}/log\n"
+            cases = [(usual, [], "54.681 ftm"), (usual, ["--no-config"], "328.08 ft"), (usual, ["--units", "si"], "100.00 m"),
+                     (usual, ["--unit", "Depth=ft"], "328.08 ft"), (usual, ["--csv"], ",100,m,"), ("units=us", [], "328.08 ft"),
+                     ("units = nautical", ["--unit", "direction=rad"], "1.0000 Rad")]
+            for text, arguments, shown in cases:
+                self.assertIn(shown, run(text, "decode", "log", *arguments).stdout, arguments)
+            self.assertIn("54.681 ftm", run(usual, "decode", "boat").stdout)
+            for text, told in [("units = royal", ":1: no set of units 'royal'"), ("\nunit Deep = m", ":2: no quantity 'Deep'"),
+                               ("colour = red", ":1: 'colour' is no setting"), ("units", ":1: 'units' is not of the form")]:
+                result = run(text, "decode", "log")
+                self.assertEqual((result.returncode, result.stdout), (2, ""), text)
+                self.assertIn(f"vistel: {file}{told}", result.stderr)
+        for row in csv.DictReader(io.StringIO(vistel("catalogue", "quantities").stdout), delimiter="\t"):
+            unit = row["units"].split(", ")[0]
+            result = vistel("decode", "--unit", f"{row['name']}={unit}", stdin=recording)
+            self.assertEqual(result.returncode, 0 if unit else 2, result.stderr)
 
     def test_exit_statuses_and_messages(self):
         broken = ",2,127250,7,255,8,01,02\n"
