@@ -9,6 +9,7 @@ import sys
 import tempfile
 from pathlib import Path
 
+os.environ["XDG_CONFIG_HOME"] = "/nowhere"  # nobody's own configuration
 FORMS = [], ["--units", "metric"], ["--json"], ["--csv"]
 
 
