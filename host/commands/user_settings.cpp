@@ -1,9 +1,9 @@
 #include "commands/user_settings.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
+#include "commands/settings_file.h"
 #include "text/printable.h"
 #include "text/quotes.h"
 #include "text/words.h"
@@ -11,21 +11,6 @@
 namespace vistel {
 
 namespace {
-
-std::filesystem::path usual_file() {
-#ifdef _WIN32
-    const wchar_t* const folder = _wgetenv(L"APPDATA");
-    if (folder == nullptr || *folder == 0) return {};
-    return std::filesystem::path(folder) / "pgn-vistel" / "config";
-#else
-    const char* const folder = std::getenv("XDG_CONFIG_HOME");
-    // One that is not absolute counts as none.
-    if (folder != nullptr && *folder == '/') return std::filesystem::path(folder) / "pgn-vistel" / "config";
-    const char* const home = std::getenv("HOME");
-    if (home == nullptr || *home != '/') return {};
-    return std::filesystem::path(home) / ".config" / "pgn-vistel" / "config";
-#endif
-}
 
 Status take_line(UserSettings& settings, std::string_view line) {
     const std::size_t sign = line.find('=');
@@ -83,7 +68,7 @@ void UserSettings::apply(std::string& source) const {
 }
 
 Result<UserSettings> usual_settings() {
-    const std::filesystem::path file = usual_file();
+    const std::filesystem::path file = settings_file();
     std::error_code unknown;
     if (file.empty() || !std::filesystem::exists(file, unknown)) return UserSettings();
     return read(file);
