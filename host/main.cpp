@@ -15,6 +15,7 @@
 #include "commands/output_status.h"
 #include "commands/record.h"
 #include "commands/replay.h"
+#include "commands/user_settings.h"
 #include "readers/formats.h"
 #include "text/printable.h"
 #include "writers/written_formats.h"
@@ -85,7 +86,26 @@ struct Arguments {
     std::string table;
     pgn_vistel::core::Definitions listed = pgn_vistel::core::Definitions::corrected;
     std::vector<std::string> of_program;
+    bool no_config = false;
 };
+
+/// What the user usually wants, in the arguments of all commands. False where that cannot be read.
+bool apply_configuration(Arguments& arguments) {
+    if (arguments.no_config) return true;
+    auto settings = vistel::usual_settings();
+    if (!settings) {
+        std::fprintf(stderr, "vistel: %s\n", settings.error().text.c_str());
+        return false;
+    }
+    settings->apply(arguments.decode.units);
+    settings->apply(arguments.encode.units);
+    for (vistel::InputOptions* const input : {&arguments.decode.input, &arguments.convert.input,
+                                              &arguments.devices.input, &arguments.replay.input})
+        for (std::string& name : input->names) settings->apply(name);
+    settings->apply(arguments.record.source);
+    settings->apply(arguments.replay.to);
+    return true;
+}
 
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
@@ -278,6 +298,8 @@ int main(int argc, char** argv) {
     add_record(app, arguments);
     add_replay(app, arguments);
     add_encode(app, arguments);
+    for (CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
+        vistel::add_no_config(*command, arguments.no_config);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
     add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
@@ -296,13 +318,14 @@ int main(int argc, char** argv) {
         return app.exit(error, shown, std::cerr) == 0 ? vistel::print_out(shown.str()) : vistel::EXIT_FAILED;
     }
 
-    for (const char* const name : {"monitor", "top"})
+    for (const char* const name : {"monitor", "top"})  // which read it themselves
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
+    if (!apply_configuration(arguments)) return vistel::EXIT_FAILED;
     if (app.got_subcommand("record")) return vistel::run_record(arguments.record);
     if (app.got_subcommand("replay")) return vistel::run_replay(arguments.replay);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
-    if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {
         if (arguments.json) arguments.devices.form = vistel::TableForm::json;
         if (arguments.csv) arguments.devices.form = vistel::TableForm::csv;

@@ -61,11 +61,16 @@ inline void add_pgns(CLI::App& command, std::vector<std::uint32_t>& pgns) {
 
 /// The options for units: a named set, and single ones.
 inline void add_units(CLI::App& command, std::string& set, std::vector<std::string>& units) {
-    command.add_option("--units", set, "Units for everything: default, metric or si");
+    command.add_option("--units", set, "Units for everything: default, metric, nautical, us or si");
     command
         .add_option("--unit", units,
                     "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
         ->allow_extra_args(false);
+}
+
+/// The option to leave the user's configuration alone.
+inline void add_no_config(CLI::App& command, bool& no_config) {
+    command.add_flag("--no-config", no_config, "Without the configuration file (see the manual)");
 }
 
 /// The option for the speed at which a recording is played; 0 stands for "max".

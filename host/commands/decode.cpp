@@ -152,8 +152,12 @@ void Decoding::print_statistics() const {
 }
 
 int Decoding::run() {
-    if (options_.form != DecodeOptions::Form::text) units_ = core::UnitSelection::si();
-    if (!apply_units(units_, options_.units)) return EXIT_FAILED;
+    UnitOptions units = options_.units;
+    if (options_.form != DecodeOptions::Form::text) {
+        units_ = core::UnitSelection::si();
+        units.drop_usual();
+    }
+    if (!apply_units(units_, units)) return EXIT_FAILED;
     using Event = Reading::Event;
     for (bool more = true; more && out_.is_open() && !interrupted();) {
         switch (reading_.next(record_)) {

@@ -30,7 +30,7 @@ class MonitorApp : public wxApp {
         // What it remembers, but for what the command line says.
         options_.settings_file = Settings::usual_file();
         options_.settings.load(options_.settings_file);
-        if (!units_.set.empty() || !units_.units.empty()) {
+        if (!units_.is_empty()) {
             options_.units = options_.settings.units;
             if (!select_units(*options_.units, units_)) return false;
         }
@@ -66,6 +66,10 @@ int main(int argc, char** argv) {
         return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
+    if (const vistel::Status settled = add_settings(arguments); !settled) {
+        std::fprintf(stderr, "vistel: %s\n", settled.error().text.c_str());
+        return bad_usage;
+    }
     if (!has_display()) {
         std::fprintf(stderr,
                      "vistel: no display to open a window on; 'vistel decode' shows the messages as text\n");

@@ -189,7 +189,11 @@ UnitWindow::UnitWindow(wxWindow* parent, const UnitSelection& units, Apply apply
         buttons->Add(button, wxSizerFlags().Border(wxALL, FromDIP(3)));
         return button;
     };
-    for (const auto& [label, set] : {std::pair{"&Default", "default"}, {"&Metric", "metric"}, {"&SI", "si"}})
+    for (const auto& [label, set] : {std::pair{"&Default", "default"},
+                                     {"&Metric", "metric"},
+                                     {"&Nautical", "nautical"},
+                                     {"&US", "us"},
+                                     {"&SI", "si"}})
         add(label, wxID_ANY, [this, set = set] {
             UnitSelection whole;
             if (select_units(whole, set)) load(whole);

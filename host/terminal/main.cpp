@@ -22,10 +22,12 @@ Result<std::vector<Top::NamedUnits>> unit_sets(const UnitOptions& options) {
     std::vector<Top::NamedUnits> sets;
     pgn_vistel::core::UnitSelection units;
     if (auto selected = select_units(units, options); !selected) return selected.error();
-    const bool is_own = !options.set.empty() || !options.units.empty();
-    if (is_own) sets.push_back({options.set.empty() ? "own" : options.set, units});
-    for (const char* const name : {"default", "metric", "si"}) {
-        if (is_own && options.units.empty() && options.set == name) continue;
+    const bool is_own = !options.is_empty();
+    const std::string& set = options.set.empty() ? options.usual_set : options.set;
+    if (is_own) sets.push_back({set.empty() ? "own" : set, units});
+    const bool is_set_alone = options.units.empty() && (!options.set.empty() || options.usual_units.empty());
+    for (const std::string& name : unit_set_names()) {
+        if (is_own && is_set_alone && set == name) continue;
         units = {};
         if (auto selected = select_units(units, name); !selected) return selected.error();
         sets.push_back({name, units});
@@ -89,6 +91,10 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         std::ostringstream shown;
         return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
+    }
+    if (const Status settled = add_settings(arguments); !settled) {
+        std::fprintf(stderr, "vistel: %s\n", settled.error().text.c_str());
+        return bad_usage;
     }
     return run(arguments);
 }

@@ -14,6 +14,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 from datetime import datetime
@@ -22,6 +23,7 @@ from pathlib import Path
 VISTEL = os.environ["VISTEL"]
 EMULATOR = os.environ.get("EMULATOR", "")
 PROGRAM = [EMULATOR, VISTEL] if EMULATOR else [VISTEL]
+os.environ["XDG_CONFIG_HOME"] = "/nowhere"  # nobody's own configuration
 MONITOR = VISTEL + "-monitor"  # not built without windows
 NO_ARGUMENTS = os.environ.get("NO_ARGUMENTS", "")
 # A user can end a program by the keyboard alone on Windows.
@@ -159,6 +161,88 @@ class ProgramTest(unittest.TestCase):
                                        (["--unit", "Depth=ftm"], "54.680668", "fathom")]:
             rows = csv.DictReader(io.StringIO(vistel("decode", "--csv", *arguments, stdin=depth).stdout))
             self.assertIn(("water_depth_transducer", value, unit), [(row["key"], row["value"], row["unit"]) for row in rows])
+
+    def test_awkward_messages(self):
+        """No time, a time before the first, extremes, nothing available, an unknown PGN, payloads too short, hostile texts."""
+        folder = Path(__file__).with_name("awkward")
+        for form in ("json", "csv"):
+            result = vistel("decode", f"--{form}", str(folder / "messages.log"))
+            self.assertEqual((result.returncode, result.stderr), (0, ""))
+            self.assertEqual(result.stdout, (folder / f"messages.{form}").read_bytes().decode(), form)
+
+    def test_statistics_and_status(self):
+        """Every line of --stats, of a recording in which each thing went wrong that is counted."""
+        recording = (
+            "(1500000001.000000) can0 09F11207#051027FF7FFF7FFD\n"
+            "(1500000001.100000) can0 123#00\n"
+            "(1500000001.200000) can0 09F7E709#010203\n"
+            "no frame\n"
+            "(1500000001.300000) can0 0DF80503#A02F010203040506\n"
+            "(1500000001.310000) can0 0DF80503#A108090A0B0C0D0E\n"
+            "(1500000001.320000) can0 0DF80503#A108090A0B0C0D0E\n"
+            "(1500000001.330000) can0 0DF80505#4308090A0B0C0D0E\n"
+            "(1500000001.400000) can0 1CECFF06#20090002FFD8FE00\n"
+            "(1500000001.410000) can0 1CEBFF06#01FFFFFFFFFFFFFF\n"
+            "(1500000000.900000) can0 09F11207#051027FF7FFF7FFD\n")
+        counts = {"messages": 5, "shown": 3, "frames": 9, "errors": 1, "incomplete fast packets": 1,
+                  "incomplete transport sessions": 1, "frames of no message": 1, "repeated frames": 1, "other than NMEA 2000": 1,
+                  "time stamps earlier than the one before": 1, "unknown PGNs": 1}
+        lost = ["lost or repeated frames: 8", "    129029 from source   3: 5 missing, 0 of no message, 1 repeated",
+                "    129029 from source   5: 0 missing, 1 of no message, 0 repeated",
+                "     65240 from source   6: 1 missing, 0 of no message, 0 repeated"]
+        told = ["standard input:4: `no frame` has neither [length] nor # before its data", "vistel: lines that could not be read: 1",
+                "vistel: messages that stayed incomplete: 2", "vistel: frames that belong to no message: 1"]
+        result = vistel("decode", "--stats", "--source", "7", "--source", "9", stdin=recording)
+        self.assertEqual(result.stderr.splitlines(), [
+            *told, "format: candump", *(f"{what}: {count}" for what, count in counts.items()), "    128999 from source   9: 1", *lost])
+        # What leads to which status, each alone.
+        lines = recording.splitlines(keepends=True)
+        for chosen, status in [([0, 1, 2, 10], 0), ([0, 3], 1), ([0, 4], 1), ([0, 7], 1), ([0, 8], 1), ([3], 2), ([], 0)]:
+            for command in (["decode"], ["devices"], ["convert", "--to", "actisense-ascii"]):
+                result = vistel(*command, stdin="".join(lines[i] for i in chosen))
+                self.assertEqual(result.returncode, status, (command, chosen, result.stderr))
+        # A reader that has gone is no error; whoever does not block loses nothing.
+        text = vistel("decode", stdin=HEADING * 5000).stdout
+        for gone in (False, True):
+            reader, writer = os.pipe()
+            os.set_blocking(writer, False)
+            with subprocess.Popen([VISTEL, "decode"], stdin=subprocess.PIPE, stdout=writer) as process:
+                os.close(writer)
+                if gone:
+                    os.close(reader)
+                threading.Thread(target=process.communicate, args=((HEADING * 5000).encode(),)).start()
+                if not gone:
+                    with open(reader, encoding="utf-8") as pipe:
+                        time.sleep(0.1)
+                        self.assertEqual(pipe.read(), text)
+                self.assertEqual(process.wait(timeout=30), 0)
+
+    def test_configuration(self):
+        recording = ",3,128267,7,255,8,01,10,27,00,00,ff,7f,ff\n,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"
+        with tempfile.TemporaryDirectory() as folder:
+            file = Path(folder, "pgn-vistel", "config")
+            file.parent.mkdir()
+            Path(folder, "log").write_text(recording)
+            def run(text, *arguments):
+                file.write_text(text)
+                return subprocess.run([VISTEL, *arguments], env=os.environ | {"XDG_CONFIG_HOME": folder}, cwd=folder,
+                                      capture_output=True, encoding="utf-8", timeout=60)
+            usual = f"# mine\r\nunits = nautical\n unit depth=ftm\nsource boat = {folder}/log\n"
+            cases = [(usual, [], "54.681 ftm"), (usual, ["--no-config"], "328.08 ft"), (usual, ["--units", "si"], "100.00 m"),
+                     (usual, ["--unit", "Depth=ft"], "328.08 ft"), (usual, ["--csv"], ",100,m,"), ("units=us", [], "328.08 ft"),
+                     ("units = nautical", ["--unit", "direction=rad"], "1.0000 Rad")]
+            for text, arguments, shown in cases:
+                self.assertIn(shown, run(text, "decode", "log", *arguments).stdout, arguments)
+            self.assertIn("54.681 ftm", run(usual, "decode", "boat").stdout)
+            for text, told in [("units = royal", ":1: no set of units 'royal'"), ("\nunit Deep = m", ":2: no quantity 'Deep'"),
+                               ("colour = red", ":1: 'colour' is no setting"), ("units", ":1: 'units' is not of the form")]:
+                result = run(text, "decode", "log")
+                self.assertEqual((result.returncode, result.stdout), (2, ""), text)
+                self.assertIn(f"vistel: {file}{told}", result.stderr)
+        for row in csv.DictReader(io.StringIO(vistel("catalogue", "quantities").stdout), delimiter="\t"):
+            unit = row["units"].split(", ")[0]
+            result = vistel("decode", "--unit", f"{row['name']}={unit}", stdin=recording)
+            self.assertEqual(result.returncode, 0 if unit else 2, result.stderr)
 
     def test_exit_statuses_and_messages(self):
         broken = ",2,127250,7,255,8,01,02\n"
@@ -443,12 +527,7 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(rows, [[*row, "0" if i > 0 else "bus"] for i, row in enumerate(without)])
 
     def test_losses_are_told(self):
-        heading, first, later = "09F11207#05102700FF7FFF7F", "19F01423#0086010203040506", "19F01423#0186010203040506"
-        for frames, told in [([first, heading], "messages that stayed incomplete: 1"),
-                             ([later, heading], "frames that belong to no message: 1")]:
-            result = vistel("decode", "--stats", stdin="".join(f"(1.0) can0 {frame}\n" for frame in frames))
-            self.assertEqual(result.returncode, 1)
-            self.assertIn(f"vistel: {told}\n", result.stderr)
+        first, later = "19F01423#0086010203040506", "19F01423#0186010203040506"
         # A message begun again, and one that the end cuts off, each on a bus of its own.
         frames = f"(1.0) can0 {first}\n(1.1) can0 {first.replace('#00', '#20')}\n(1.2) can1 {first.replace('23#', '24#')}\n"
         devices = map(json.loads, vistel("devices", "--json", stdin=frames * 2).stdout.splitlines())

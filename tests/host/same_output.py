@@ -8,6 +8,7 @@ import sys
 import tempfile
 from pathlib import Path
 
+os.environ["XDG_CONFIG_HOME"] = "/nowhere"  # nobody's own configuration
 PROJECT = Path(__file__).parents[2]
 sys.path.insert(0, str(PROJECT / "tools/formats"))
 
