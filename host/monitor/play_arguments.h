@@ -40,7 +40,7 @@ inline CLI::Option* add_play_arguments(CLI::App& app, PlayArguments& arguments, 
 /// What the user usually wants, behind what the command line says.
 inline Status add_settings(PlayArguments& arguments) {
     if (arguments.no_config) return done;
-    const auto settings = usual_settings();
+    auto settings = usual_settings();
     if (!settings) return settings.error();
     settings->apply(arguments.units);
     for (std::string& name : arguments.play.input.names) settings->apply(name);
