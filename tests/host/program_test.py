@@ -183,21 +183,22 @@ class ProgramTest(unittest.TestCase):
             "(1500000001.330000) can0 0DF80505#4308090A0B0C0D0E\n"
             "(1500000001.400000) can0 1CECFF06#20090002FFD8FE00\n"
             "(1500000001.410000) can0 1CEBFF06#01FFFFFFFFFFFFFF\n"
-            "(1500000000.900000) can0 09F11207#051027FF7FFF7FFD\n")
+            "(1500000000.900000) can0 09F11207#051027FF7FFF7FFD\n"
+            "DROPCOUNT: dropped 2 CAN frames on 'can0' socket (total drops 2)\n")
         counts = {"messages": 5, "shown": 3, "frames": 9, "errors": 1, "incomplete fast packets": 1,
                   "incomplete transport sessions": 1, "frames of no message": 1, "repeated frames": 1, "other than NMEA 2000": 1,
-                  "time stamps earlier than the one before": 1, "unknown PGNs": 1}
+                  "time stamps earlier than the one before": 1, "frames dropped by the recorder": 2, "unknown PGNs": 1}
         lost = ["lost or repeated frames: 8", "    129029 from source   3: 5 missing, 0 of no message, 1 repeated",
                 "    129029 from source   5: 0 missing, 1 of no message, 0 repeated",
                 "     65240 from source   6: 1 missing, 0 of no message, 0 repeated"]
         told = ["standard input:4: `no frame` has neither [length] nor # before its data", "vistel: lines that could not be read: 1",
-                "vistel: messages that stayed incomplete: 2", "vistel: frames that belong to no message: 1"]
+                "vistel: frames that the recorder dropped: 2", "vistel: messages that stayed incomplete: 2", "vistel: frames that belong to no message: 1"]
         result = vistel("decode", "--stats", "--source", "7", "--source", "9", stdin=recording)
         self.assertEqual(result.stderr.splitlines(), [
             *told, "format: candump", *(f"{what}: {count}" for what, count in counts.items()), "    128999 from source   9: 1", *lost])
         # What leads to which status, each alone.
         lines = recording.splitlines(keepends=True)
-        for chosen, status in [([0, 1, 2, 10], 0), ([0, 3], 1), ([0, 4], 1), ([0, 7], 1), ([0, 8], 1), ([3], 2), ([], 0)]:
+        for chosen, status in [([0, 1, 2, 10], 0), ([0, 3], 1), ([0, 4], 1), ([0, 7], 1), ([0, 8], 1), ([0, 11], 1), ([3], 2), ([], 0)]:
             for command in (["decode"], ["devices"], ["convert", "--to", "actisense-ascii"]):
                 result = vistel(*command, stdin="".join(lines[i] for i in chosen))
                 self.assertEqual(result.returncode, status, (command, chosen, result.stderr))
