@@ -60,7 +60,8 @@ TEST(Console, ShowsTextAndIsLeftAsItWas) {
     std::wstring shown(2000, L' ');
     DWORD size = 0, mode = 0;
     ReadConsoleOutputCharacterW(screen, shown.data(), static_cast<DWORD>(shown.size()), {}, &size);
-    EXPECT_NE(shown.find(L"375.4707 \u00B0"), std::wstring::npos) << testing::PrintToString(shown.substr(0, 160));
+    EXPECT_NE(shown.find(L"375.4707 \u00B0"), std::wstring::npos)
+        << testing::PrintToString(shown.substr(0, 160));
     EXPECT_EQ(GetConsoleOutputCP(), old_code_page);
     EXPECT_TRUE(GetConsoleMode(screen, &mode));
     EXPECT_EQ(mode, old_mode);

@@ -9,6 +9,8 @@
 #include <wx/stattext.h>
 #include <wx/tglbtn.h>
 
+#include <algorithm>
+
 #include "host/temporary_recording.h"
 #include "views/windows.h"
 
