@@ -23,8 +23,8 @@ int report_losses(std::uint64_t problems, const ReassemblyCounters& counters) {
 }
 
 int report_interrupt(const std::string& place) {
-    std::fprintf(stderr, "vistel: interrupted by signal %d %s; the rest is left out\n",
-                 interrupt_signal(), place.c_str());
+    std::fprintf(stderr, "vistel: interrupted by signal %d %s; the rest is left out\n", interrupt_signal(),
+                 place.c_str());
     return EXIT_INTERRUPTED + interrupt_signal();
 }
 

@@ -36,8 +36,7 @@ void Reading::note(Event event) {
 int Reading::finish(const ReassemblyCounters& counters) {
     const int status = report_losses(problems_, counters);
     if (!has_ended_ && interrupted())
-        if (const std::string place = inputs_.unread_place(); !place.empty())
-            return report_interrupt(place);
+        if (const std::string place = inputs_.unread_place(); !place.empty()) return report_interrupt(place);
     if (!is_readable_) return EXIT_FAILED;
     return is_live() ? EXIT_CLEAN : status;
 }

@@ -44,8 +44,8 @@ class Reading {
         if (progress_) progress_->clear();
     }
 
-    /// At the end: says what was skipped and where an interrupt ended the reading, and returns the exit status
-    /// that it leads to. What is lost on a live source, which the user ends, is told and no more.
+    /// At the end: says what was skipped and where an interrupt ended the reading, and returns the exit
+    /// status that it leads to. What is lost on a live source, which the user ends, is told and no more.
     int finish(const ReassemblyCounters& counters);
 
     std::uint64_t problems() const { return problems_; }

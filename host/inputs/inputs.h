@@ -72,8 +72,9 @@ class Inputs {
     std::uint64_t bytes_total() const { return bytes_total_; }  ///< 0 when unknown; told from `begins` on
     std::uint64_t foreign_frames() const;
 
-    /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live sources
-    /// are left, which have no end of their own, or pipes of which everything that is there has been read.
+    /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live
+    /// sources are left, which have no end of their own, or pipes of which everything that is there has been
+    /// read.
     std::string unread_place();
 
     /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
