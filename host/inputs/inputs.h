@@ -84,8 +84,9 @@ class Inputs {
     std::uint64_t foreign_frames() const;
     std::uint64_t dropped_frames() const;  ///< as the recordings themselves say
 
-    /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live sources
-    /// are left, which have no end of their own, or pipes of which everything that is there has been read.
+    /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live
+    /// sources are left, which have no end of their own, or pipes of which everything that is there has been
+    /// read.
     std::string unread_place();
 
     /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
