@@ -1,5 +1,6 @@
-# What is installed, in three components: library (the shared library), development (what a host is built with) and
-# programs. On Windows examples and a readme go with them, for there is one package (script/windows). The CMake package and the pkg-config files are made from packaging/.
+# What is installed, in four components: library (the shared library), development (what a host is built with), programs
+# and monitor, the program with windows. On Windows examples and a readme go with them, for there is one package
+# (script/windows). The CMake package and the pkg-config files are made from packaging/.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/pgn_vistel)
@@ -73,12 +74,16 @@ endforeach()
 # ---- programs ----
 
 foreach(program vistel vistel-monitor vistel-top)
+    set(component programs)
+    if(program STREQUAL vistel-monitor)
+        set(component monitor)
+    endif()
     if(TARGET ${program})
-        install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+        install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component})
     endif()
     if(TARGET ${program} AND NOT WIN32)
         configure_file(man/${program}.1.in ${made_dir}/${program}.1 @ONLY)
-        install(FILES ${made_dir}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
+        install(FILES ${made_dir}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
     endif()
 endforeach()
 if(TARGET vistel)

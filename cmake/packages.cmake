@@ -9,6 +9,10 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_COMPONENTS_ALL library development programs)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS library)
+if(TARGET vistel-monitor)
+    list(APPEND CPACK_COMPONENTS_ALL monitor)
+    set(CPACK_COMPONENT_MONITOR_DEPENDS programs)
+endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -59,13 +63,30 @@ the CMake package and the files for pkg-config.")
 
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME pgn-vistel)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SUGGESTS can-utils)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SUGGESTS "can-utils, pgn-vistel-monitor")
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION "NMEA 2000 traffic, decoded and shown (programs)
 The program vistel reads recordings or live traffic of an NMEA 2000 network,
 the CAN bus of boats, and prints the decoded messages as text, JSON or CSV, or
-shows them live in a window. It understands candump, Yacht Devices RAW,
-Actisense N2K ASCII and plain text.")
+shows them live in the terminal. It recognises the formats of many gateways and
+tools, converts between them, records, replays, lists the devices of a bus and
+builds messages.
+.
+It needs no display; the window is in pgn-vistel-monitor.")
+
+# ---- pgn-vistel-monitor ----
+
+set(CPACK_DEBIAN_MONITOR_PACKAGE_NAME pgn-vistel-monitor)
+set(CPACK_DEBIAN_MONITOR_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_MONITOR_PACKAGE_SHLIBDEPS ON)
+# An older pgn-vistel may have the window in it.
+set(CPACK_DEBIAN_MONITOR_PACKAGE_BREAKS "pgn-vistel (<< ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_MONITOR_PACKAGE_REPLACES "pgn-vistel (<< ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_MONITOR_DESCRIPTION "NMEA 2000 traffic, decoded and shown (window)
+The window of vistel monitor shows recordings or live traffic of an NMEA 2000
+network, the CAN bus of boats: one line for each stream of messages, rewritten
+in place, with its fields in units of the user's choice, and the devices of the
+bus.")
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/finish.cmake)
 set(CPACK_PGN_VISTEL_SOURCE_DIR ${PROJECT_SOURCE_DIR})

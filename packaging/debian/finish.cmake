@@ -22,7 +22,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
          " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
     run(gzip -9nf ${documents}/changelog ${documents}/changelog.Debian)
 endforeach()
-file(GLOB pages ${staging}/programs/usr/share/man/man1/*.1)
+file(GLOB pages ${staging}/*/usr/share/man/man1/*.1)
 run(gzip -9nf ${pages})
 
 # ---- libraries ----
