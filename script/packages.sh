@@ -12,6 +12,6 @@ try_packages="debootstrap"
 docs_packages="doxygen"
 screenshot_packages="xvfb openbox xdotool imagemagick xterm fonts-dejavu-core pngquant"
 bench_packages="valgrind"
-# clang tells the names that Microsoft's compiler gives.
-windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev"
+# clang tells the names that Microsoft's compiler gives, git the time of the package's contents.
+windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev git"
 wine_packages="debootstrap googletest imagemagick xvfb"

@@ -8,7 +8,6 @@
 
 #include "sources/source_name.h"
 #include "text/printable.h"
-#include "text/utf8.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -42,11 +41,7 @@ std::string_view kind_of_times(Origin origin) {
 
 /// A name as outputs may show it: well-formed UTF-8 without control characters.
 std::string shown(std::string_view name) {
-    std::string text = printable(name);
-    if (!utf16_of(text))
-        std::ranges::replace_if(
-            text, [](char c) { return (c & 0x80) != 0; }, '?');
-    return text;
+    return printable(harmless(name));
 }
 
 /// Between two looks at what is due with links.
@@ -76,7 +71,8 @@ Inputs::Inputs(const InputOptions& options, Hooks hooks)
     how_.contents = options_.contents;
     how_.patience_ms = options_.patience_ms;  // a signal may come between the look at its flag and the wait
     how_.before_wait = hooks_.before_wait;
-    for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
+    for (const std::string& name : options_.names)
+        names_.push_back(name == "-" ? "standard input" : harmless(name));
 }
 
 /// Behind the last result of the current input, which is no record.
@@ -128,6 +124,7 @@ bool Inputs::open_next() {
     if (!any_open_)
         bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
     any_open_ = true;
+    input->is_live = opened->is_live();
     input->send = opened->send;
     open_.push_back(std::move(input));
     return true;
@@ -158,6 +155,7 @@ void Inputs::note_format(std::vector<std::string_view>& formats, const Recording
 void Inputs::close(const Input& input) {
     bytes_read_ += input.recording.bytes_read();
     foreign_frames_ += input.recording.foreign_frames();
+    dropped_frames_ += input.recording.dropped_frames();
     note_format(formats_, input.recording);
 }
 
@@ -290,6 +288,13 @@ bool Inputs::send(Record frame) {
 
 // ---- what came of them ----
 
+std::string Inputs::unread_place() {
+    for (const auto& input : open_)
+        if (!input->is_live && !input->recording.would_wait())
+            return concat("at byte ", input->recording.bytes_read(), " of ", names_[input->place]);
+    return open_.empty() && opened_ < names_.size() ? "before " + names_[opened_] : "";
+}
+
 std::uint64_t Inputs::bytes_read() const {
     std::uint64_t sum = bytes_read_;
     for (const auto& input : open_) sum += input->recording.bytes_read();
@@ -299,6 +304,12 @@ std::uint64_t Inputs::bytes_read() const {
 std::uint64_t Inputs::foreign_frames() const {
     std::uint64_t sum = foreign_frames_;
     for (const auto& input : open_) sum += input->recording.foreign_frames();
+    return sum;
+}
+
+std::uint64_t Inputs::dropped_frames() const {
+    std::uint64_t sum = dropped_frames_;
+    for (const auto& input : open_) sum += input->recording.dropped_frames();
     return sum;
 }
 

@@ -55,10 +55,9 @@ class Inputs {
         return Event::record;
     }
 
-    /// @{ Of the problem that next() has just met: whether a recording as a whole is meant, and all of it as
-    /// a text, with the name of the recording and the place.
-    bool is_problem_of_whole() const { return problem_->place == Problem::Place::whole; }
-    std::string problem() const { return described(*problem_, names_[problem_place_]); }
+    /// @{ The problem that next() has just met, and the name of its recording.
+    const Problem& problem() const { return *problem_; }
+    const std::string& recording_of_problem() const { return names_[problem_place_]; }
     /// @}
 
     /// Whether next() would have to wait for input.
@@ -80,6 +79,11 @@ class Inputs {
     std::uint64_t bytes_read() const;
     std::uint64_t bytes_total() const { return bytes_total_; }  ///< 0 when unknown; told from `begins` on
     std::uint64_t foreign_frames() const;
+    std::uint64_t dropped_frames() const;  ///< as the recordings themselves say
+
+    /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live sources
+    /// are left, which have no end of their own, or pipes of which everything that is there has been read.
+    std::string unread_place();
 
     /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
     /// possible, at present or ever, which `tell` is told. `kind` is that of the records that come from
@@ -102,6 +106,7 @@ class Inputs {
 
         const std::size_t place;  // among the names
         Recording recording;
+        bool is_live = false;
         std::function<Result<bool>(const Record&)> send;  // to its bus, where it can
         std::array<std::int16_t, 256> buses;  // their numbers over all inputs, -1 for those not met yet
 
@@ -165,6 +170,7 @@ class Inputs {
     // Of those that are closed.
     std::uint64_t bytes_read_ = 0;
     std::uint64_t foreign_frames_ = 0;
+    std::uint64_t dropped_frames_ = 0;
     std::vector<std::string_view> formats_;
 };
 

@@ -23,7 +23,7 @@ std::vector<std::string> losses_in_short(const Player& player, const Traffic& tr
     add(counters.orphan_frames, " stray frame");
     add(player.counters().problems, " error");
     add(player.counters().steps_back, " step back in time");
-    add_count(player.links().dropped_frames, " dropped by the system");
+    add_count(player.links().dropped, " dropped by the system");
     add_count(traffic.refused(), " without room");
     return parts;
 }
@@ -42,7 +42,7 @@ std::vector<LossCount> loss_counts(const Player& player, const Traffic& traffic)
         {"messages of streams without room", traffic.refused()},
         {"connections lost", links.losses},
         {"error frames", links.error_frames},
-        {"frames dropped by the system", links.dropped_frames},
+        {"frames dropped by the system", links.dropped},
     };
 }
 

@@ -6,8 +6,11 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/start.h"
+#include "commands/output_status.h"
 #include "monitor/display.h"
 #include "monitor/play_arguments.h"
 #include "monitor/window.h"
@@ -59,7 +62,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
     if (!has_display()) {
@@ -69,14 +73,14 @@ int main(int argc, char** argv) {
     }
     pgn_vistel::core::UnitSelection selection;
     if (const auto selected = select_units(selection, arguments.units); !selected) {
-        std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", vistel::harmless(selected.error().text).c_str());
         return bad_usage;
     }
     std::unique_ptr<Player> player;
     if (names->count() > 0 || isatty(STDIN_FILENO) == 0) {
         player = std::make_unique<Player>(arguments.play);
         if (const auto opened = player->open(); !opened) {
-            std::fprintf(stderr, "vistel: %s\n", opened.error().text.c_str());
+            std::fprintf(stderr, "vistel: %s\n", vistel::harmless(opened.error().text).c_str());
             return bad_usage;
         }
     }

@@ -26,10 +26,9 @@ std::string rendered(Renderer& renderer) {
 
 std::string as_text(const Stream& stream, std::string_view bus, const core::UnitSelection& units,
                     core::Definitions definitions) {
-    constexpr PlayTime time_stamp_unit = 10'000'000;
     core::TextRenderer renderer(units, false);
     renderer.start(stream.msg(), core::find_definition(definitions, stream.msg()),
-                   static_cast<std::uint32_t>(stream.seen() / time_stamp_unit));
+                   {.since_start = stream.seen()});
     std::string text = rendered(renderer);
     if (!bus.empty()) text.insert(text.find('\n'), concat(" [", bus, "]"));
     return text;

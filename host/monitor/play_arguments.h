@@ -25,7 +25,7 @@ inline CLI::Option* add_play_arguments(CLI::App& app, PlayArguments& arguments, 
     add_contents(app, play.input.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
+    add_pgns(app, filter.pgns);
     app.add_option("--source", filter.sources, "Only messages of these source addresses")
         ->allow_extra_args(false);
     add_units(app, units.set, units.units);

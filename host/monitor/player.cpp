@@ -84,8 +84,9 @@ Status Player::open() {
     while (!has_record_ && !ended_ && (!has_begun || inputs_->is_file()) && !inputs_->would_wait()) {
         const Inputs::Event event = inputs_->next(record_);
         has_begun = has_begun || event == Inputs::Event::begins;
-        if (event == Inputs::Event::problem && inputs_->is_problem_of_whole()) {
-            Failure why{std::string(without_program(inputs_->problem()))};
+        if (event == Inputs::Event::problem && inputs_->problem().place == Problem::Place::whole) {
+            Failure why{
+                std::string(without_program(described(inputs_->problem(), inputs_->recording_of_problem())))};
             inputs_ = std::move(before);
             return why;
         }
@@ -127,8 +128,9 @@ void Player::note(Inputs::Event event) {
             break;
         case Inputs::Event::record: note_record(); break;
         case Inputs::Event::problem:
-            if (counters_.problems++ == 0) first_problem_ = inputs_->problem();
-            has_failed_ = has_failed_ || inputs_->is_problem_of_whole();
+            if (counters_.problems++ == 0)
+                first_problem_ = described(inputs_->problem(), inputs_->recording_of_problem());
+            has_failed_ = has_failed_ || inputs_->problem().place == Problem::Place::whole;
             break;
         case Inputs::Event::nothing: break;
         case Inputs::Event::end: rewind(); break;
@@ -225,7 +227,7 @@ LinkCounters Player::links() const {
         sum.losses += counters->losses;
         sum.silences += counters->silences;
         sum.error_frames += counters->error_frames;
-        sum.dropped_frames += counters->dropped_frames;
+        sum.dropped += counters->dropped;
     }
     return sum;
 }

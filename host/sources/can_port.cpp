@@ -6,7 +6,6 @@
 
 #include "can/identifier.h"
 #include "sources/event_loop.h"
-#include "text/words.h"
 
 namespace vistel {
 namespace {
@@ -79,14 +78,8 @@ void CanPort::look_again() {
 }
 
 void CanPort::count_dropped() {
-    watch_.counters().dropped_frames = earlier_dropped_ + socket_->dropped();
-    if (watch_.counters().dropped_frames == told_dropped_) return;
-    const auto now = LinkWatch::Clock::now();
-    if (told_dropped_ > 0 && now - dropped_told_at_ < 10s) return;
-    watch_.tell(concat("frames that the system dropped, because they were not read in time: ",
-                       watch_.counters().dropped_frames));
-    told_dropped_ = watch_.counters().dropped_frames;
-    dropped_told_at_ = now;
+    const std::uint64_t total = earlier_dropped_ + socket_->dropped();
+    if (total != watch_.counters().dropped) watch_.dropped(LinkWatch::Clock::now(), total, "frames");
 }
 
 }  // namespace vistel

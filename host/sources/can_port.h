@@ -36,8 +36,6 @@ class CanPort {
     Open open_;
     LinkWatch watch_;
     std::unique_ptr<CanSocket> socket_;
-    std::uint64_t told_dropped_ = 0;
-    LinkWatch::Time dropped_told_at_;
     std::uint64_t earlier_dropped_ = 0;  // by sockets that are gone
 };
 

@@ -1,9 +1,12 @@
 // `vistel top`: a program of its own, so that decoding needs nothing of the terminal's library.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/start.h"
 #include "commands/interrupt.h"
+#include "commands/output_status.h"
 #include "monitor/play_arguments.h"
 #include "terminal/screen.h"
 #include "terminal/top.h"
@@ -33,12 +36,12 @@ Result<std::vector<Top::NamedUnits>> unit_sets(const UnitOptions& options) {
 int run(const PlayArguments& arguments) {
     auto units = unit_sets(arguments.units);
     if (!units) {
-        std::fprintf(stderr, "vistel: %s\n", units.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(units.error().text).c_str());
         return bad_usage;
     }
     Player player(arguments.play);
     if (auto opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s\n", opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(opened.error().text).c_str());
         return bad_usage;
     }
     watch_interrupts();
@@ -65,7 +68,7 @@ int run(const PlayArguments& arguments) {
     screen->reset();
     if (player.counters().problems > 0)
         std::fprintf(stderr, "%s\nvistel: places that could not be read: %llu\n",
-                     player.first_problem().c_str(),
+                     harmless(player.first_problem()).c_str(),
                      static_cast<unsigned long long>(player.counters().problems));
     return player.is_unreadable() ? bad_usage : 0;
 }
@@ -84,7 +87,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
     return run(arguments);
 }

@@ -9,15 +9,20 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "can/identifier.h"
+#include "commands/record.h"
 #include "host/temporary_recording.h"
 #include "inputs/inputs.h"
 #include "readers/stream_capture.h"
@@ -422,6 +427,22 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
     EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
 }
 
+TEST(Links, TellWhatTheSystemDropped) {
+    const std::uint16_t port = free_port(SOCK_DGRAM);
+    Listening live("udp://:" + std::to_string(port));
+    const Bound sender(SOCK_DGRAM);
+    const sockaddr_in to = here(port);
+    constexpr int sent = 20'000;  // more than any usual buffer holds
+    for (int i = 0; i < sent; ++i)
+        ::sendto(sender.socket, raw_line.data(), raw_line.size(), 0, generic(to), sizeof to);
+    const LinkCounters& counters = *live.state.counters;
+    EXPECT_TRUE(live.until([&] {
+        return static_cast<std::uint64_t>(live.messages) + counters.dropped == sent;
+    })) << counters.dropped;
+    EXPECT_GT(counters.dropped, 0u);
+    EXPECT_TRUE(live.has_told("datagrams that the system dropped, because they were not read in time: "));
+}
+
 TEST(Links, SendFramesAsTheGatewaySpeaks) {
     const struct {
         std::string_view speaks, format, sent;
@@ -527,7 +548,9 @@ TEST(Links, AreReadSideBySide) {
                     ++came[std::string(inputs.bus_label(record.bus))];
                     if (order.size() < 4) order += std::to_string(record.bus);
                     break;
-                case Inputs::Event::problem: failures += inputs.problem(); break;
+                case Inputs::Event::problem:
+                    failures += described(inputs.problem(), inputs.recording_of_problem());
+                    break;
                 default: break;
             }
         }
@@ -608,12 +631,84 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
               std::tuple(127250u, 0x23, 8, 123));
     EXPECT_EQ(recording.foreign_frames(), 3u);
     const LinkCounters& counters = *port->counters();
-    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped_frames),
+    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped),
               std::tuple(1u, 2u, 3u, 14u));
     for (const char* text :
          {"because they were not read in time: 7\n", "connection lost: the interface is down",
           "connection lost: the interface is gone", "receiving again after"})
         EXPECT_NE(told.find(text), std::string::npos) << text << told;
+}
+
+TEST(CanInterfaces, AreRecordedInSeveralFiles) {
+    struct Interrupting final : CanSocket {
+        int left = 20;
+        Received receive(CanFrame& frame, int) override {
+            if (left-- == 0) std::raise(SIGINT);
+            frame = heading;
+            return left >= 0 ? Received::frame : Received::nothing;
+        }
+        bool send(const CanFrame&) override { return false; }
+        void wake(EventLoop&) override {}
+        std::uint64_t dropped() const override { return 0; }
+    };
+    auto port = std::make_shared<CanPort>(
+        [] { return Result<std::unique_ptr<CanSocket>>(std::make_unique<Interrupting>()); }, LinkOptions{});
+    ASSERT_TRUE(port->open());
+    Recording source;
+    source.attach(std::make_unique<CanReader>(port, RecordingOptions{.patience_ms = 0}), "socketcan");
+    const test::TemporaryRecording place("");
+    const RecordOptions options{
+        .source = "can0", .output = place.name() + ".pcap", .rotation = {.bytes = 200}, .quiet = true};
+    EXPECT_EQ(record_frames(options, source, *port->counters()), 0);
+    std::map<std::string, int> frames;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(place.name()).parent_path())) {
+        if (!entry.path().string().starts_with(place.name() + "-")) continue;
+        Recording file;
+        ASSERT_TRUE(file.open(entry.path()));
+        Record record;
+        for (ReadResult result; (result = file.next(record)) != ReadResult::end;) {
+            EXPECT_NE(result, ReadResult::problem);
+            if (result == ReadResult::record) ++frames[entry.path()];
+        }
+        EXPECT_EQ(record.time.nanoseconds, heading.time);
+        std::filesystem::remove(entry.path());
+    }
+    // A file has 24 bytes at its head and 32 a frame, and the one that passes the limit is the last.
+    std::string sizes;
+    for (const auto& [file, count] : frames) sizes += std::to_string(count) + ' ';
+    EXPECT_EQ(sizes, "6 6 6 2 ");
+}
+
+TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
+    const test::TemporaryRecording place("");
+    const auto files_of = [&](const Rotation& rotation, auto put) {
+        RecordedFile file(place.name(), rotation, "head");
+        EXPECT_TRUE(file.open());
+        std::set<std::string> names;
+        put([&](bool ends_record) {
+            EXPECT_TRUE(file.put("piece", ends_record));
+            names.insert(file.current());
+        });
+        for (const std::string& name : names) std::filesystem::remove(name);
+        return names.size();
+    };
+    EXPECT_EQ(
+        files_of({.bytes = 10}, [](auto put) { put(false), put(false), put(false), put(true), put(true); }),
+        2u);
+    EXPECT_EQ(files_of({.bytes = 10},
+                       [](auto put) {
+                           for (int i = 0; i < 1'001; ++i) put(false);
+                       }),
+              1u);
+    EXPECT_EQ(files_of({.bytes = 10},
+                       [](auto put) {
+                           for (int i = 0; i < 1'003; ++i) put(false);
+                       }),
+              2u);
+    EXPECT_EQ(
+        files_of({.time = 1s}, [](auto put) { put(true), std::this_thread::sleep_for(1001ms), put(true); }),
+        2u);
 }
 
 TEST(CanInterfaces, GiveFramesOfTheKernel) {
