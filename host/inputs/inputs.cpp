@@ -85,6 +85,10 @@ Inputs::Event Inputs::go_on(ReadResult result) {
     return begin_next();
 }
 
+bool Inputs::is_file() const {
+    return std::ranges::all_of(open_, [](const auto& input) { return input->recording.is_file(); });
+}
+
 bool Inputs::would_wait() {
     if (current_ != nullptr) return current_->recording.would_wait();
     if (is_beside_)

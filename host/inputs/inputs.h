@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -64,9 +63,7 @@ class Inputs {
     /// Whether next() would have to wait for input.
     bool would_wait();
     /// Whether what has begun is there from the first byte to the last, so that it can be read again.
-    bool is_file() const {
-        return std::ranges::all_of(open_, [](const auto& input) { return input->recording.is_file(); });
-    }
+    bool is_file() const;
 
     /// Whether records come from more than one bus, as far as that is known.
     bool has_several_buses() const { return buses_.size() > 1 || is_beside_; }
