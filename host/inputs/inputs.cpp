@@ -55,7 +55,8 @@ bool is_live(const std::string& name) {
 /// Live sources never end and stand behind recordings. What they bring is in order by itself.
 InputOptions in_order(InputOptions options) {
     if (std::ranges::all_of(options.names, is_live)) options.merge = false;
-    if (!options.merge) std::ranges::stable_partition(options.names, std::not_fn(is_live));
+    if (!options.merge)
+        std::stable_partition(options.names.begin(), options.names.end(), std::not_fn(is_live));
     return options;
 }
 
