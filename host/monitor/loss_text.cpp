@@ -24,6 +24,7 @@ std::vector<std::string> losses_in_short(const Player& player, const Traffic& tr
     add(player.counters().problems, " error");
     add(player.counters().steps_back, " step back in time");
     add_count(player.links().dropped, " dropped by the system");
+    add_count(player.dropped_frames(), " dropped by the recorder");
     add_count(traffic.refused(), " without room");
     return parts;
 }
@@ -43,6 +44,7 @@ std::vector<LossCount> loss_counts(const Player& player, const Traffic& traffic)
         {"connections lost", links.losses},
         {"error frames", links.error_frames},
         {"frames dropped by the system", links.dropped},
+        {"frames dropped by the recorder", player.dropped_frames()},
     };
 }
 

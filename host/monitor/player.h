@@ -105,6 +105,8 @@ class Player {
     const Reassembler& reassembler() const { return *reassembler_; }
     /// What became of all live sources together.
     LinkCounters links() const;
+    /// Frames that the recordings say they lack.
+    std::uint64_t dropped_frames() const { return inputs_->dropped_frames(); }
     const PlayOptions& options() const { return options_; }
 
     static constexpr PlayTime longest_gap = 3 * one_second;
