@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
@@ -10,9 +12,11 @@
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
+#include "commands/output_status.h"
 #include "commands/record.h"
 #include "commands/replay.h"
 #include "readers/formats.h"
+#include "text/printable.h"
 #include "writers/written_formats.h"
 
 namespace {
@@ -34,6 +38,10 @@ void add_timeout(CLI::App& command, double& timeout) {
                     "Seconds without traffic until a live source is told to be silent; 0 is never")
         ->check(CLI::Range(0.0, 86400.0))
         ->capture_default_str();
+}
+
+void add_quiet(CLI::App& command, bool& quiet) {
+    command.add_flag("-q,--quiet", quiet, "Tell nothing but what makes the exit status another than 0");
 }
 
 /// What the recordings of a command hold.
@@ -61,6 +69,7 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
     command.add_flag("--merge", options.merge, "Several recordings by time instead of one after the other");
     add_format(command, options);
     add_timeout(command, options.timeout);
+    add_quiet(command, options.quiet);
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -85,7 +94,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     add_input(*command, options.input);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
-    command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
+    vistel::add_pgns(*command, options.pgns);
     command->add_option("--source", options.sources, "Only messages of these source addresses")
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));
@@ -132,6 +141,7 @@ void add_record(CLI::App& app, Arguments& arguments) {
             "A new file at each size or time, as in 100M or 1h; the time is put into its name")
         ->type_name("LIMIT");
     add_timeout(*command, options.timeout);
+    add_quiet(*command, options.quiet);
 }
 
 void add_replay(CLI::App& app, Arguments& arguments) {
@@ -149,6 +159,7 @@ void add_replay(CLI::App& app, Arguments& arguments) {
     vistel::add_speed(*command, options.speed);
     command->add_flag("--loop", options.loop, "From the start again at the end");
     add_format(*command, options.input);
+    add_quiet(*command, options.input.quiet);
     vistel::add_definitions(*command, options.definitions);
 }
 
@@ -235,7 +246,8 @@ bool has_command(const CLI::App& app, const std::string& name) {
         if (command->get_name() == name) return true;
         names.append(names.empty() ? "" : ", ").append(command->get_name());
     }
-    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", name.c_str(), names.c_str());
+    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", vistel::harmless(name).c_str(),
+                 names.c_str());
     return false;
 }
 
@@ -280,8 +292,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        const int status = app.exit(error);
-        return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
+        std::ostringstream shown;  // help, or the version
+        return app.exit(error, shown, std::cerr) == 0 ? vistel::print_out(shown.str()) : vistel::EXIT_FAILED;
     }
 
     for (const char* const name : {"monitor", "top"})

@@ -10,6 +10,7 @@ if [ "$(dpkg --print-architecture)" = amd64 ]; then test_packages="$test_package
 package_packages="dpkg-dev file"
 try_packages="debootstrap"
 docs_packages="doxygen"
+screenshot_packages="xvfb openbox xdotool imagemagick xterm fonts-dejavu-core pngquant"
 bench_packages="valgrind"
 # clang tells the names that Microsoft's compiler gives, git the time of the package's contents.
 windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev git"

@@ -1,20 +1,27 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "command_line/pgn_choice.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/content_kind.h"
+#include "text/printable.h"
 
 namespace vistel {
 
 /// What both programs say of a command line that they cannot read.
 inline std::string usage_error(const CLI::App* command, const CLI::Error& error) {
-    return "vistel: " + CLI::FailureMessage::simple(command, error);
+    const std::string_view what = error.what();
+    std::string text = CLI::FailureMessage::simple(command, error);
+    if (text.starts_with(what)) text.replace(0, what.size(), harmless(what));
+    return "vistel: " + text;
 }
 
 /// The option for the set of definitions; `definitions` has the default.
@@ -29,6 +36,27 @@ inline void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& de
             "library's interface shows)")
         ->transform(CLI::CheckedTransformer(names).description(""))
         ->type_name("SET");
+}
+
+/// The option for the PGNs that are shown.
+inline void add_pgns(CLI::App& command, std::vector<std::uint32_t>& pgns) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--pgn",
+            [&pgns](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) {
+                    auto parsed = parse_pgns(text);
+                    if (!parsed) throw CLI::ValidationError("--pgn", parsed.error().text);
+                    pgns.insert(pgns.end(), parsed->begin(), parsed->end());
+                }
+                for (const std::uint32_t pgn : pgns)
+                    if (!is_catalogued(pgn))
+                        std::fprintf(stderr, "vistel: PGN %u is not in the catalogue; it is shown as bytes\n",
+                                     static_cast<unsigned>(pgn));
+            },
+            "Only these PGNs: numbers or names, with commas between them")
+        ->type_name("PGN")
+        ->allow_extra_args(false);
 }
 
 /// The options for units: a named set, and single ones.

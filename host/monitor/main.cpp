@@ -6,11 +6,13 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
-#include "command_line/command_line.h"
 #include "command_line/start.h"
-#include "commands/unit_options.h"
+#include "commands/output_status.h"
 #include "monitor/display.h"
+#include "monitor/play_arguments.h"
 #include "monitor/window.h"
 
 namespace {
@@ -52,31 +54,16 @@ class MonitorApp : public wxApp {
 int main(int argc, char** argv) {
     std::vector<std::string> words;
     if (!start_program(argc, argv, words)) return bad_usage;
-    CLI::App app("Show a recording or a live stream in the monitor window");
+    CLI::App app("Show recordings or live streams in the monitor window");
     app.name("vistel monitor");
-    app.allow_windows_style_options(false);  // /tmp/boat.log is a file
-    PlayOptions play;
-    UnitOptions units;
-    StreamFilter filter;
-    const CLI::Option* const file =
-        app.add_option("FILE", play.file,
-                       "Recording or source to show; - is standard input. Without it the window asks, unless "
-                       "something is piped in");
-    app.add_option("--format", play.format,
-                   "Format of the recording; recognised by its contents if not given");
-    add_contents(app, play.contents);
-    add_speed(app, play.speed);
-    app.add_flag("--loop", play.loop, "From the start again at the end");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
-    app.add_option("--source", filter.sources, "Only messages of these source addresses")
-        ->allow_extra_args(false);
-    add_units(app, units.set, units.units);
-    add_definitions(app, play.definitions);
-    app.failure_message(usage_error);
+    PlayArguments arguments;
+    const CLI::Option* const names = add_play_arguments(
+        app, arguments, "; - is standard input. Without one the window asks, unless something is piped in");
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
     if (!has_display()) {
@@ -85,21 +72,29 @@ int main(int argc, char** argv) {
         return bad_usage;
     }
     pgn_vistel::core::UnitSelection selection;
-    if (const auto selected = select_units(selection, units); !selected) {
-        std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+    if (const auto selected = select_units(selection, arguments.units); !selected) {
+        std::fprintf(stderr, "vistel: %s\n", vistel::harmless(selected.error().text).c_str());
         return bad_usage;
     }
     std::unique_ptr<Player> player;
-    if (file->count() > 0 || isatty(STDIN_FILENO) == 0) {
-        player = std::make_unique<Player>(play);
+    if (names->count() > 0 || isatty(STDIN_FILENO) == 0) {
+        player = std::make_unique<Player>(arguments.play);
         if (const auto opened = player->open(); !opened) {
-            std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+            std::fprintf(stderr, "vistel: %s\n", vistel::harmless(opened.error().text).c_str());
             return bad_usage;
         }
     }
-    wxApp::SetInstance(new MonitorApp({play, filter}, units, std::move(player)));
+    int status = 0;
+    MonitorWindow::Options options{.play = arguments.play, .filter = arguments.filter};
+    options.closed = [&status](const Player* shown) {
+        if (shown == nullptr || !shown->is_unreadable()) return;
+        std::fprintf(stderr, "%s\n", shown->first_problem().c_str());
+        status = bad_usage;
+    };
+    wxApp::SetInstance(new MonitorApp(std::move(options), arguments.units, std::move(player)));
     char name[] = "vistel-monitor";
     char* name_alone[] = {name, nullptr};
     int count = 1;
-    return wxEntry(count, name_alone);
+    const int ended = wxEntry(count, name_alone);
+    return ended != 0 ? ended : status;
 }

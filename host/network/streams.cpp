@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 #include "network/message_view.h"
 #include "text/words.h"
@@ -63,7 +64,7 @@ bool StreamFilter::admits(const Stream& stream, const core::UnitSelection& units
         return list.empty() || std::ranges::find(list, value) != list.end();
     };
     const N2KMsg& msg = stream.msg();
-    if (!has(pgns, msg.pgn) || !has(sources, msg.source)) return false;
+    if (!has(pgns, msg.pgn) || !has(sources, msg.source) || (bus && *bus != stream.bus())) return false;
     if (text.empty()) return true;
     const std::string wanted = lower_case(text);
     MessageView view(msg, units, definitions);
@@ -114,10 +115,10 @@ std::vector<const Stream*> Streams::select(const StreamFilter& filter, StreamOrd
     switch (order) {
         case StreamOrder::appearance: break;
         case StreamOrder::pgn:
-            by([](const Stream& s) { return std::pair(s.msg().pgn, s.msg().source); });
+            by([](const Stream& s) { return std::tuple(s.msg().pgn, s.bus(), s.msg().source); });
             break;
         case StreamOrder::source:
-            by([](const Stream& s) { return std::pair(s.msg().source, s.msg().pgn); });
+            by([](const Stream& s) { return std::tuple(s.bus(), s.msg().source, s.msg().pgn); });
             break;
         case StreamOrder::rate: by([now](const Stream& s) { return -s.rate(now); }); break;
         case StreamOrder::latest: by([](const Stream& s) { return -s.seen(); }); break;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,8 +59,9 @@ struct StreamFilter {
     std::vector<std::uint32_t> pgns;
     std::vector<std::uint8_t> sources;
     std::string text;  ///< in the number, the name or a field as shown; any case
+    std::optional<std::uint8_t> bus = {};
 
-    bool is_empty() const { return pgns.empty() && sources.empty() && text.empty(); }
+    bool is_empty() const { return pgns.empty() && sources.empty() && text.empty() && !bus; }
     bool admits(const Stream& stream, const pgn_vistel::core::UnitSelection& units,
                 pgn_vistel::core::Definitions definitions) const;
 };

@@ -55,6 +55,15 @@ void LinkWatch::lost(Time now, const std::string& reason) {
     pause_ = std::min(std::max(pause_ * 2, options_.first_pause), options_.longest_pause);
 }
 
+void LinkWatch::dropped(Time now, std::uint64_t total, std::string_view what) {
+    constexpr std::chrono::seconds between{10};
+    counters_->dropped = total;
+    if (total == told_dropped_ || (told_dropped_ > 0 && now - dropped_told_at_ < between)) return;
+    tell(concat(what, " that the system dropped, because they were not read in time: ", total));
+    told_dropped_ = total;
+    dropped_told_at_ = now;
+}
+
 void LinkWatch::elapsed(Time now, std::string_view state) {
     if (options_.silence.count() <= 0) return;
     if (!is_open_) {

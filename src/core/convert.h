@@ -3,6 +3,7 @@
 #include <cfloat>
 #include <cstdint>
 
+#include "core/numbers.h"
 #include "core/plan.h"
 #include "pgn_vistel/core/decode.h"
 
@@ -102,11 +103,20 @@ inline bool is_none(const FormatPlan& format, const Measure& measure, std::int64
 /// A number of the corrected definitions in a unit that has a factor. Single precision does not see the
 /// roundings of double precision: no decimal of so few digits lies in the middle between two singles. What is
 /// fine is exact but for the one rounding of the division, in the unit that it is counted in.
-inline double measured(const FormatPlan& format, const Measure& measure, std::int64_t number, float factor) {
+inline double measured(const Measure& measure, std::int64_t number, float factor, bool fine) {
     const auto count = static_cast<double>(number + measure.offset);
     const auto by_unit = static_cast<double>(factor);
-    return is_fine(format, number) ? count * measure.times / measure.over * by_unit
-                                   : count * (measure.step * by_unit);
+    return fine ? count * measure.times / measure.over * by_unit : count * (measure.step * by_unit);
+}
+
+/// The same in the unit that it is counted in, where its digits are so few that its shortest form has them.
+inline Decimal decimal_of(const Measure& measure, std::int64_t number, bool fine) {
+    constexpr std::int64_t single_digits = 1'000'000, double_digits = 1'000'000'000'000'000;
+    const std::int64_t limit = fine ? double_digits : single_digits;
+    const std::int64_t count = number + measure.offset;
+    if (measure.multiple == 0 || count >= limit || count <= -limit) return {0, -1};
+    const std::int64_t digits = count * measure.multiple;
+    return {digits, digits < limit && digits > -limit ? measure.decimals : -1};
 }
 
 /// The scale is a single precision constant, applied in double precision and rounded once.

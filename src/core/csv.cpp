@@ -6,17 +6,25 @@ namespace pgn_vistel::core {
 
 namespace {
 
-/// Quoted only where a reader would trip over it; a quotation mark is doubled.
+/// What a spreadsheet would take for a formula has an apostrophe in front. One that a text begins with is
+/// doubled by that, so that a reader knows which one to take off.
+constexpr bool is_marked(std::uint32_t first) {
+    return first == '=' || first == '+' || first == '-' || first == '@' || first == '\'';
+}
+
+/// Quoted only where a reader would trip over it; a quotation mark is doubled. Control characters, line ends
+/// among them, become U+FFFD.
 char* write_cell(char* at, const Text& text) {
     bool quoted = false;
     for (int i = 0; i < text.count; ++i) {
         const std::uint32_t c = unit_of(text, i);
-        quoted = quoted || c == '"' || c == ',' || c == '\r' || c == '\n';
+        quoted = quoted || c == '"' || c == ',';
     }
     if (quoted) *at++ = '"';
+    if (text.count > 0 && is_marked(unit_of(text, 0))) *at++ = '\'';
     for_each_character(text, text.count, [&at](std::uint32_t c) {
         if (c == '"') *at++ = '"';
-        at = write_utf8(at, c);
+        at = write_utf8(at, is_control(c) ? replacement : c);
     });
     if (quoted) *at++ = '"';
     return at;
@@ -53,7 +61,7 @@ char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
 /// A row behind the columns that it shares.
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
                   int from) {
-    at = copy_blocks(at, text_pool + plan.texts + plan.line_size + plan.json_size, plan.csv_size);
+    at = copy_blocks<64>(at, text_pool + plan.texts + plan.line_size + plan.json_size, plan.csv_size);
     if ((plan.flags & numbered) != 0) {
         at = write_text(at, " #");
         at = write_unsigned(at, static_cast<unsigned>(round));
@@ -69,7 +77,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     }
     at = write_meaning(at, plan, parts);
     *at++ = ',';
-    at = write_raw(at, payload, from, parts.reading.next);
+    at = write_raw(at, parts, payload, from);
     *at++ = ',';
     if (round > 0) at = write_unsigned(at, static_cast<unsigned>(round));
     *at++ = '\n';
@@ -88,7 +96,8 @@ char* CsvRenderer::write_header(char* at) {
 void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
     Renderer::start(msg, pgn);
     any_ = false;
-    char* at = write_seconds(head_.data(), time.since_start);
+    char* at = head_.data();
+    if (time.is_known) at = write_seconds(at, time.since_start);
     *at++ = ',';
     if (time.has_absolute) at = write_utc(at, time.absolute);
     if (pgn != nullptr && pgn->pgn != 0) {
@@ -116,6 +125,7 @@ char* CsvRenderer::write(char* at, char* limit) {
         return copy_blocks(to, head_.data(), static_cast<std::size_t>(head_size_));
     };
     if (stage_ == Stage::head) stage_ = Stage::fields;
+    FieldParts parts;
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
         if (!Stepping::next(walk)) {
@@ -124,7 +134,6 @@ char* CsvRenderer::write(char* at, char* limit) {
         }
         const FieldPlan& plan = Stepping::plan(walk);
         const int from = walk.position;
-        FieldParts parts;
         read_parts(walk, payload, units_, scratch_, parts);
         at = write_field(write_head(at), plan, Stepping::round(walk), parts, payload, from);
         any_ = true;

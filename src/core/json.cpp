@@ -6,14 +6,21 @@ namespace pgn_vistel::core {
 
 namespace {
 
+/// What ends lines beside the control characters, for programs that take JSON as a script.
+constexpr bool ends_line(std::uint32_t c) {
+    return c == 0x2028 || c == 0x2029;
+}
+
 char* write_character(char* at, std::uint32_t c) {
-    if (c >= 0x20 && c != '"' && c != '\\' && c != 0x7F) return write_utf8(at, c);
+    if (!is_control(c) && c != '"' && c != '\\' && !ends_line(c)) return write_utf8(at, c);
     *at++ = '\\';
     if (c == '"' || c == '\\') {
         *at = static_cast<char>(c);
         return at + 1;
     }
-    return write_hex_byte(write_text(at, "u00"), static_cast<std::uint8_t>(c));
+    *at++ = 'u';
+    at = write_hex_byte(at, static_cast<std::uint8_t>(c >> 8));
+    return write_hex_byte(at, static_cast<std::uint8_t>(c));
 }
 
 char* write_string(char* at, const Text& text) {
@@ -62,7 +69,7 @@ char* write_value(char* at, const FieldPlan& plan, const FieldParts& parts) {
 
 char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& parts, const Payload& payload,
                   int from) {
-    at = copy_blocks(at, text_pool + plan.texts + plan.line_size, plan.json_size);
+    at = copy_blocks<64>(at, text_pool + plan.texts + plan.line_size, plan.json_size);
     if ((plan.flags & numbered) != 0) {
         at = write_text(at, " #");
         at = write_unsigned(at, static_cast<unsigned>(round));
@@ -77,7 +84,7 @@ char* write_field(char* at, const FieldPlan& plan, int round, const FieldParts& 
     }
     at = write_meaning(at, plan, parts);
     at = write_text(at, R"(,"raw":")");
-    at = write_raw(at, payload, from, parts.reading.next);
+    at = write_raw(at, parts, payload, from);
     *at++ = '"';
     if (round > 0) {
         at = write_text(at, R"(,"round":)");
@@ -105,7 +112,7 @@ void JsonRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime
 
 char* JsonRenderer::write_head(char* at) {
     at = write_text(at, R"({"time":)");
-    at = write_seconds(at, time_.since_start);
+    at = time_.is_known ? write_seconds(at, time_.since_start) : write_text(at, "null");
     if (time_.has_absolute) {
         at = write_text(at, R"(,"absolute":")");
         at = write_utc(at, time_.absolute);
@@ -136,6 +143,7 @@ char* JsonRenderer::write(char* at, char* limit) {
     }
     const Payload payload{msg_->data, payload_length(*msg_)};
     Stepping::State& walk = Stepping::state(walk_);
+    FieldParts parts;
     while (stage_ == Stage::fields) {
         if (static_cast<std::size_t>(limit - at) < piece_room) return at;
         if (!Stepping::next(walk)) {
@@ -144,7 +152,6 @@ char* JsonRenderer::write(char* at, char* limit) {
         }
         const FieldPlan& plan = Stepping::plan(walk);
         const int from = walk.position;
-        FieldParts parts;
         read_parts(walk, payload, units_, scratch_, parts);
         if (!first_) *at++ = ',';
         first_ = false;

@@ -48,7 +48,7 @@ constexpr std::uint64_t limit_of_eight = 100'000'000;
 /// Decimal digits of a number, none for 0.
 inline int count_digits(std::uint32_t number) {
     const int estimate = static_cast<int>(std::bit_width(number)) * 1233 >> 12;  // of the logarithm
-    return estimate + (number != 0 && number >= powers_of_ten[estimate]);
+    return estimate + (number >= powers_of_ten[estimate] ? 1 : 0);
 }
 
 /// A number without a point, which goes in front of its last `precision` digits.
@@ -70,7 +70,8 @@ char* write_significant(char* at, float value, int digits) {
     constexpr std::uint32_t exponent_of_2_pow_32 = 127 + 32;
     if (exponent_field >= exponent_of_2_pow_32) [[unlikely]]
         return write_large(at, value, digits);
-    if (static_cast<std::int32_t>(bits) < 0) *at++ = '-';
+    *at = '-';
+    at += bits >> 31;  // without a branch: nothing tells beforehand on which side of 0 a number lies
 
     // The number is mantissa / 2^shift.
     std::uint64_t mantissa = bits & 0x7FFFFF;
@@ -98,7 +99,8 @@ char* write_significant(char* at, float value, int digits) {
         rounded = product >> shift;
         const std::uint64_t rest = product << (64 - shift);
         constexpr std::uint64_t half = std::uint64_t{1} << 63;
-        rounded += rest > half || (rest == half && (rounded & 1) != 0);
+        rounded +=
+            static_cast<std::uint64_t>(rest > half) | (static_cast<std::uint64_t>(rest == half) & rounded);
     }
     if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]]
         return write_decimal(at, rounded, precision);
@@ -146,7 +148,8 @@ constexpr Power double_powers[] = {
 #include "powers_double.inc"
 };
 
-struct Decimal {
+/// digits * 10^exponent.
+struct Shortest {
     std::uint64_t digits;
     int exponent;
 };
@@ -198,7 +201,7 @@ struct Double {
 
 /// Of a positive number. False where the table does not reach.
 template <class Width>
-bool find_shortest(typename Width::Bits bits, Decimal& found) {
+bool find_shortest(typename Width::Bits bits, Shortest& found) {
     using Bits = typename Width::Bits;
     const Bits fraction = bits & ((Bits{1} << Width::mantissa_bits) - 1);
     const auto exponent_field = static_cast<int>(bits >> Width::mantissa_bits);
@@ -238,34 +241,24 @@ int count_long(std::uint64_t number) {
                                 : 8 + count_long(number / limit_of_eight);
 }
 
-/// Below this every integer is a number of the width, so that the digits with zeros behind are exact.
-template <class Width>
-constexpr double exact_integers = static_cast<double>(std::uint64_t{1} << (Width::mantissa_bits + 1));
-
-template <class Width, class Float>
-char* write_shortest_of(char* at, Float value) {
-    char* const start = at;
-    const auto general = [start, value] { return std::to_chars(start, start + most_number_size, value).ptr; };
-    if (std::signbit(value)) *at++ = '-';
-    const Float magnitude = std::fabs(value);
-    if (magnitude == 0) {
-        *at = '0';
-        return at + 1;
-    }
-    Decimal d;
-    if (!find_shortest<Width>(std::bit_cast<typename Width::Bits>(magnitude), d)) return general();
-    while (d.digits % 2 == 0 && d.digits % 10 == 0) {
-        d.digits /= 10;
+/// Digits without the zeros behind them. Null where the scientific form is shorter, or the number is not
+/// below `exact_integers`, up to which the digits with zeros behind are exact.
+char* write_shortest_form(char* at, Shortest d, std::uint64_t exact_integers) {
+    // A multiple of ten times the inverse of ten modulo 2^64, as far as there is one, is the tenth.
+    constexpr std::uint64_t inverse_of_five = 0xCCCCCCCCCCCCCCCD;
+    for (;;) {
+        const std::uint64_t tenth = std::rotr(d.digits * inverse_of_five, 1);
+        if (tenth > UINT64_MAX / 10) break;
+        d.digits = tenth;
         ++d.exponent;
     }
     const int count = count_long(d.digits);
-    // Fixed point, unless the scientific form is shorter.
     const int single = count == 1 ? 1 : 0;
-    const bool is_fixed = d.exponent >= -(count + 3) + single && d.exponent <= 5 - single;
-    if (!is_fixed || (d.exponent > 0 && static_cast<double>(magnitude) >= exact_integers<Width>))
-        return general();
-
+    if (d.exponent < -(count + 3) + single || d.exponent > 5 - single) return nullptr;
     if (d.exponent >= 0) {
+        if (d.exponent > 0 &&
+            d.digits >= (exact_integers + powers_of_ten[d.exponent] - 1) / powers_of_ten[d.exponent])
+            return nullptr;
         at = write_unsigned(at, d.digits);
         for (int i = 0; i < d.exponent; ++i) *at++ = '0';
         return at;
@@ -288,7 +281,34 @@ char* write_shortest_of(char* at, Float value) {
     return end + 1;
 }
 
+template <class Width, class Float>
+char* write_shortest_of(char* at, Float value) {
+    char* const start = at;
+    if (std::signbit(value)) *at++ = '-';
+    const Float magnitude = std::fabs(value);
+    if (magnitude == 0) {
+        *at = '0';
+        return at + 1;
+    }
+    Shortest d;
+    if (find_shortest<Width>(std::bit_cast<typename Width::Bits>(magnitude), d)) {
+        constexpr std::uint64_t exact_integers = std::uint64_t{1} << (Width::mantissa_bits + 1);
+        if (char* const end = write_shortest_form(at, d, exact_integers); end != nullptr) return end;
+    }
+    return std::to_chars(start, start + most_number_size, value).ptr;
+}
+
 }  // namespace
+
+char* write_shortest(char* at, Decimal value) {
+    if (value.digits < 0) *at++ = '-';
+    const auto magnitude = static_cast<std::uint64_t>(value.digits < 0 ? -value.digits : value.digits);
+    if (magnitude == 0) {
+        *at = '0';
+        return at + 1;
+    }
+    return write_shortest_form(at, {magnitude, -value.decimals}, std::uint64_t{1} << 53);
+}
 
 char* write_shortest(char* at, float value) {
     return write_shortest_of<Single>(at, value);

@@ -119,6 +119,16 @@ inline char* write_hex_bytes(char* at, const std::uint8_t* bytes, int count) {
     return at;
 }
 
+/// Two upper-case digits for each of the lowest `count` bytes of a word, the lowest first. Writes beyond its
+/// end.
+inline char* write_hex_word(char* at, std::uint64_t word, int count) {
+    for (int done = 0; done < count; done += 2, word >>= 16) {
+        write_hex_byte(at + 2 * done, static_cast<std::uint8_t>(word));
+        write_hex_byte(at + 2 * done + 2, static_cast<std::uint8_t>(word >> 8));
+    }
+    return at + 2 * count;
+}
+
 /// All the digits of a number of so many bytes.
 inline char* write_hex_number(char* at, std::uint32_t number, int bytes) {
     for (int i = bytes; i-- > 0;) at = write_hex_byte(at, static_cast<std::uint8_t>(number >> 8 * i));
@@ -147,6 +157,17 @@ char* write_fixed(char* at, double value, int precision);
 ///     write_significant(at, 0.5f, 5)     -> "0.50000"
 ///     write_significant(at, 123456.f, 5) -> "123456"
 char* write_significant(char* at, float value, int digits);
+
+/// A number that is known as a decimal: digits / 10^decimals.
+struct Decimal {
+    std::int64_t digits;
+    int decimals;  ///< 0 .. 9; negative where the number is not known so
+};
+
+/// The shortest form of a decimal, as of the single (below 10^6) or the double (below 10^15) that is nearest
+/// to it: no other decimal of so few digits is. Null where the scientific form is shorter. Writes beyond its
+/// end.
+char* write_shortest(char* at, Decimal value);
 
 /// @{ The shortest form that reads back as the same number, for finite numbers: that of `std::to_chars`.
 /// Writes beyond its end.

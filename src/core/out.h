@@ -40,19 +40,12 @@ inline char* write_utf8(char* at, std::uint32_t c) {
     return at;
 }
 
-/// Copies in blocks; reads and writes up to `block` bytes too far. Most texts are one block.
-inline char* copy_blocks(char* at, const char* from, std::size_t size) {
-    constexpr std::size_t block = 32;
+/// Copies in blocks; reads and writes up to a block too far. Most texts are one block.
+template <std::size_t block = 32>
+char* copy_blocks(char* at, const char* from, std::size_t size) {
     static_assert(block <= pool_slack);
     std::memcpy(at, from, block);
     for (std::size_t i = block; i < size; i += block) std::memcpy(at + i, from + i, block);
-    return at + size;
-}
-
-/// The same for the short texts of units.
-inline char* copy_short(char* at, const char* from, std::size_t size) {
-    constexpr std::size_t block = 16;
-    for (std::size_t i = 0; i < size; i += block) std::memcpy(at + i, from + i, block);
     return at + size;
 }
 
@@ -64,6 +57,7 @@ class Utf8Out {
     void put(char c) { *at_++ = c; }
     void put(std::string_view text) { at_ += text.copy(at_, text.size()); }
     void put_pooled(const char* text, std::size_t size) { at_ = copy_blocks(at_, text, size); }
+    void put_label(const char* text, std::size_t size) { at_ = copy_blocks<64>(at_, text, size); }
     template <class Write>
     void put_number(Write write) {
         at_ = write(at_);

@@ -15,7 +15,10 @@ struct FieldParts {
     bool available;
     /// What the value is shown as.
     enum class Look : std::uint8_t { number, text, date, time } look;
-    int unit;  ///< negative for none, as beside a text of the catalogue
+    int unit;            ///< negative for none, as beside a text of the catalogue
+    int bytes;           ///< of `bits`; negative where only the payload has the field's bits
+    std::uint64_t bits;  ///< as sent
+    Decimal decimal;     ///< the value, where it is known so
 
     /// What the value means, as a text beside it.
     enum class Meaning : std::uint8_t { none, entry, word, pgn_name, flags } meaning;
@@ -124,6 +127,11 @@ inline char* write_moment(char* at, const FieldPlan& plan, const FieldParts& par
     return write_iso_time(at, static_cast<std::uint64_t>(count), decimals);
 }
 
+/// A number of the corrected definitions is a value unless its own codes say that it is none.
+inline bool is_value(const FieldPlan& plan, const Value& value) {
+    return (is_integer(value.type) && is_of_corrected(format_plans[plan.format])) || is_available(value);
+}
+
 /// Reads the field that the walk has come to; the walk goes behind it.
 [[gnu::always_inline]] inline void read_parts(Stepping::State& walk, const Payload& payload,
                                               const UnitSelection& units, TextScratch& scratch,
@@ -135,11 +143,22 @@ inline char* write_moment(char* at, const FieldPlan& plan, const FieldParts& par
         scratch.short_text.count = 0;
         scratch.medium_text.count = 0;
     }
-    const std::uint16_t coded = find_coded_entry(plan, payload, walk.position);
-    Stepping::read_quickly(walk, payload, units, scratch, parts.reading);
-    // A number of the corrected definitions is a value unless its own codes say that it is none.
-    parts.available = (is_integer(parts.reading.value.type) && is_of_corrected(format_plans[plan.format])) ||
-                      is_available(parts.reading.value);
+    std::uint16_t coded = no_entry;
+    if (QuickNumber quick; Stepping::read_quickly(walk, plan, payload, units, quick, parts.reading)) {
+        parts.bytes = (plan.bits + 7) / 8;
+        parts.bits = quick.bits;
+        parts.decimal = quick.decimal;
+        if (plan.form == Form::coded)
+            coded = find_entry(plan.enumeration, static_cast<std::uint32_t>(quick.bits));
+        parts.available = quick.kind == QuickNumber::Kind::integer ? is_value(plan, parts.reading.value)
+                                                                   : quick.kind != QuickNumber::Kind::none;
+    } else {
+        parts.bytes = -1;
+        parts.decimal.decimals = -1;
+        coded = find_coded_entry(plan, payload, walk.position);
+        Stepping::read_field(walk, payload, units, scratch, parts.reading);
+        parts.available = is_value(plan, parts.reading.value);
+    }
     parts.look = FieldParts::Look::number;
     parts.unit = parts.reading.unit;
     parts.meaning = FieldParts::Meaning::none;
@@ -166,19 +185,25 @@ inline Text text_of(const FieldParts& parts) {
 /// The number of a value that is one; null for texts, for infinities and for values that are not available.
 inline char* write_number(char* at, const FieldParts& parts) {
     if (!parts.available) return nullptr;
-    return visit_number(parts.reading.value, static_cast<char*>(nullptr), [at](auto number) {
-        if constexpr (std::is_floating_point_v<decltype(number)>)
-            return std::isfinite(number) ? write_shortest(at, number) : nullptr;
-        else if constexpr (std::is_signed_v<decltype(number)>)
-            return write_signed(at, number);
-        else
-            return write_unsigned(at, number);
-    });
+    if (parts.decimal.decimals >= 0) {
+        if (char* const end = write_shortest(at, parts.decimal); end != nullptr) return end;
+    }
+    const Value::Number& number = parts.reading.value.number;
+    switch (parts.reading.value.type) {
+        case ValueType::none:
+        case ValueType::text: return nullptr;
+        case ValueType::single: return std::isfinite(number.f32) ? write_shortest(at, number.f32) : nullptr;
+        case ValueType::real: return std::isfinite(number.f64) ? write_shortest(at, number.f64) : nullptr;
+        case ValueType::u64: return write_unsigned(at, number.u64);
+        default: return write_signed(at, integer_of(parts.reading.value));
+    }
 }
 
-/// The field's bits as hexadecimal bytes, the low ones first. Positions are counted in bits.
-inline char* write_raw(char* at, const Payload& payload, int from, int to) {
-    const int bits = std::min(to, payload.length * 8) - from;
+/// The field's bits as hexadecimal bytes, the low ones first. Positions are counted in bits. Writes beyond
+/// its end.
+inline char* write_raw(char* at, const FieldParts& parts, const Payload& payload, int from) {
+    if (parts.bytes >= 0) return write_hex_word(at, parts.bits, parts.bytes);
+    const int bits = std::min(parts.reading.next, payload.length * 8) - from;
     if (((from | bits) & 7) == 0) return write_hex_bytes(at, payload.data + from / 8, std::max(0, bits / 8));
     for (int i = 0; i < bits; i += 8)
         at = write_hex_byte(
@@ -198,8 +223,11 @@ inline char* write_seconds(char* at, std::int64_t nanoseconds) {
     return at + 7;
 }
 
-inline char* write_text(char* at, std::string_view text) {
-    return at + text.copy(at, text.size());
+/// A text of the program's own, whose size the compiler knows.
+template <std::size_t size>
+char* write_text(char* at, const char (&text)[size]) {
+    std::memcpy(at, text, size - 1);
+    return at + size - 1;
 }
 
 }  // namespace pgn_vistel::core

@@ -60,6 +60,7 @@ enum class Reading : std::uint8_t {
     whole,
     measured,
     measured_float,
+    time_of_day,  ///< of the corrected definitions, with the parts of a second
     // texts of the corrected definitions: nothing but what the field itself has
     text_sent,     ///< length and encoding in front: `width` bytes
     text_counted,  ///< length in front, a zero behind
@@ -100,7 +101,8 @@ struct Measure {
     double times, over;
     double step;  ///< the quotient: good enough for results in single precision
     std::int64_t offset;
-    std::int64_t none[2];  ///< codes that are no values, or INT64_MIN
+    std::int64_t none[2];              ///< codes that are no values, or INT64_MIN
+    std::uint16_t multiple, decimals;  ///< the step is multiple / 10^decimals; 0 where it is no such number
 };
 
 /// How a value is shown, as far as the dictionary entry and the place of the field decide.

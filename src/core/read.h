@@ -94,6 +94,7 @@ struct QuickNumber {
     UnitId unit;                                                                ///< the selected one
     int next;            ///< position behind the field, in bits
     std::uint64_t bits;  ///< as sent
+    Decimal decimal;     ///< of a single or real number
     union {
         float single;
         double real;
@@ -110,15 +111,15 @@ struct QuickNumber {
     }
 };
 
-[[gnu::always_inline]] inline QuickNumber read_quick(const FieldPlan& plan, const Payload& payload,
-                                                     int position, const UnitSelection& units) {
+[[gnu::always_inline]] inline void read_quick(const FieldPlan& plan, const Payload& payload, int position,
+                                              const UnitSelection& units, QuickNumber& out) {
     using Kind = QuickNumber::Kind;
-    QuickNumber out;
     out.next = position + plan.bits;
     const int byte = position >> 3, bit = position & 7;
     const bool is_quick = (plan.flags & quick) != 0;
     out.kind = Kind::slow;
-    if (!is_quick | ((bit & plan.misplaced) != 0) | (out.next > payload.length * 8)) return out;
+    out.decimal.decimals = -1;
+    if (!is_quick | ((bit & plan.misplaced) != 0) | (out.next > payload.length * 8)) return;
 
     out.unit = units[plan.quantity];
     const FormatPlan& format = format_plans[plan.format];
@@ -128,10 +129,10 @@ struct QuickNumber {
         out.kind = Kind::integer;
         out.type = ValueType::u64;
         out.integer = static_cast<std::int64_t>(out.bits);
-        return out;
+        return;
     }
     const float factor = unit_factors[static_cast<std::size_t>(format.rule)][out.unit];
-    if (factor == 0) return out;
+    if (factor == 0) return;
     const std::uint64_t sign = std::uint64_t{format.is_signed} << (plan.bits - 1);
     const auto number = static_cast<std::int64_t>((out.bits ^ sign) - sign);
     if (number >= format.first_reserved) {
@@ -149,10 +150,12 @@ struct QuickNumber {
         const Measure& measure = measures[format.measure];
         if (is_none(format, measure, number)) {
             out.kind = Kind::none;
-            return out;
+            return;
         }
-        const double value = measured(format, measure, number, factor);
-        if (is_fine(format, number)) {
+        const bool fine = is_fine(format, number);
+        const double value = measured(measure, number, factor, fine);
+        if (factor == 1) out.decimal = decimal_of(measure, number, fine);
+        if (fine) {
             out.kind = Kind::real;
             out.real = value;
         } else {
@@ -167,7 +170,6 @@ struct QuickNumber {
         out.kind = Kind::real;
         out.real = static_cast<double>(number) * degrees_per_count_32;
     }
-    return out;
 }
 
 /// The entry of a number's code that has a text, or `no_entry`.

@@ -54,25 +54,23 @@ struct Stepping {
         return w.is_resolved && w.is_padded ? (next + 7) & ~7 : next;
     }
 
-    /// Reads the field that the walk has come to, quickly where that goes; the walk goes behind it.
-    [[gnu::always_inline]] static void read_quickly(State& w, const Payload& payload,
-                                                    const UnitSelection& units, TextScratch& scratch,
+    /// Reads the field that the walk has come to where that goes quickly; the walk goes behind it. Else
+    /// false, and the walk stays.
+    [[gnu::always_inline]] static bool read_quickly(State& w, const FieldPlan& plan, const Payload& payload,
+                                                    const UnitSelection& units, QuickNumber& quick,
                                                     FieldValue& out) {
-        if (is_plain(w)) {
-            const QuickNumber quick = read_quick(plan(w), payload, w.position, units);
-            if (quick.kind != QuickNumber::Kind::slow) {
-                quick.store(out.value);
-                out.quantity = plan(w).quantity;
-                out.unit = directed(w, quick.unit);
-                out.next = w.position = quick.next;
-                out.cut_off = false;
-                return;
-            }
-        }
-        read_field(w, payload, units, scratch, out);
+        if (!is_plain(w)) return false;
+        read_quick(plan, payload, w.position, units, quick);
+        if (quick.kind == QuickNumber::Kind::slow) return false;
+        quick.store(out.value);
+        out.quantity = plan.quantity;
+        out.unit = directed(w, quick.unit);
+        out.next = w.position = quick.next;
+        out.cut_off = false;
+        return true;
     }
 
-    /// The same in any case.
+    /// Reads the field that the walk has come to; the walk goes behind it.
     static void read_field(State& w, const Payload& payload, const UnitSelection& units, TextScratch& scratch,
                            FieldValue& out, UnitId unit = unit::selected) {
         FieldShape shape = FieldShape::of(plan(w));

@@ -109,6 +109,28 @@ TEST(Numbers, RandomValues) {
     }
 }
 
+TEST(Numbers, DecimalsAreWrittenAsTheNumberNearestToThem) {
+    const auto compare_decimal = [](std::int64_t digits, int decimals, auto nearest) {
+        const std::string_view expected = shortest(nearest);
+        if (expected.find('e') == std::string_view::npos) {
+            expect(expected, [=](char* at) { return write_shortest(at, Decimal{digits, decimals}); });
+        } else {
+            char area[most_number_size];
+            ASSERT_EQ(write_shortest(area, Decimal{digits, decimals}), nullptr) << expected;
+        }
+    };
+    std::mt19937_64 random(15);
+    double power = 1;
+    for (int decimals = 0; decimals <= 9; ++decimals, power *= 10) {
+        for (int i = 0; i < trials(100000); ++i) {
+            const auto few = static_cast<std::int64_t>(random() % 1'999'999) - 999'999;
+            compare_decimal(few, decimals, static_cast<float>(static_cast<double>(few) / power));
+            const auto digits = static_cast<std::int64_t>(random() % 1'000'000'000'000'000 >> random() % 50);
+            compare_decimal(digits, decimals, static_cast<double>(digits) / power);
+        }
+    }
+}
+
 TEST(Numbers, Integers) {
     std::mt19937_64 random(7);
     std::vector<std::uint64_t> numbers = {0x8000000000000000};

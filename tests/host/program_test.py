@@ -33,7 +33,7 @@ WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
 HEADING = "2026-09-10T08:00:00.250Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"  # 1.0000 rad magnetic
 CLAIM = "2026-09-10T08:00:01.500Z,6,60928,35,255,8,39,30,20,11,00,96,32,c0\n"
 # Texts of a label, in one byte a character and in UTF-16, with what forms have to quote or must not let through.
-HOSTILE = ('Pump, "b"', "a\rb", "\x1b[31mX\n0.00 FORGE", "\\\x7f", "A\x85\x9bB\u6771")
+HOSTILE = ('Pump, "b"', "a\rb", "\x1b[31mX\n0.00 FORGE", "\\\x7f", "A\x85\x9bB\u6771\u2028\u2029", "=1+1", "'1")
 UNKNOWN = "2026-09-10T08:00:02.500Z,7,128999,9,35,3,01,02,03\n"
 
 
@@ -41,6 +41,17 @@ def vistel(*arguments, stdin=""):
     result = subprocess.run([*PROGRAM, *arguments], input=stdin.encode(), capture_output=True, timeout=60)
     result.stdout, result.stderr = result.stdout.decode(), result.stderr.decode()  # with their line ends
     return result
+
+
+class Number(str):
+    """Of JSON, as it is written."""
+
+
+def cell(value):
+    """What CSV has of a member of JSON."""
+    if isinstance(value, Number):
+        return value
+    return re.sub("^(?=[-=+@'])", "'", re.sub("[\0-\x1f\x7f-\x9f]", "\ufffd", value or ""))
 
 
 def label(text):
@@ -91,17 +102,19 @@ class ProgramTest(unittest.TestCase):
         text, objects, rows = (vistel("decode", "--units=default", form, stdin=recording).stdout
                                for form in ("--plain-numbers", "--json", "--csv"))
         lines = iter(text.split("\n"))
+        self.assertFalse(re.search("[\0-\x09\x0b-\x1f\x7f-\x9f]", text + objects + rows), "what could steer a terminal")
+        self.assertFalse(re.search("[\u2028\u2029]", objects))
         rows = csv.DictReader(io.StringIO(rows, newline=""))
         values = []
         for sent, message in zip(recording.splitlines()[1:], objects.split("\n")):
-            message = json.loads(message, parse_float=str, parse_int=str)
-            self.assertRegex(next(lines), f"^[0-9.]+ +{message['pgn']}, {re.escape(message['name'])}$")
+            message = json.loads(message, parse_float=Number, parse_int=Number)
+            self.assertRegex(next(lines), f"^[-0-9.]+ +{message['pgn']}, {re.escape(message['name'])}$")
             self.assertEqual(next(lines), f"    Source Address: 0x{int(message['source']):02X} ({message['source']})")
             next(lines)
             for field in message["fields"]:
                 row, line = next(rows), next(lines)
                 row["number"] = row["field"]
-                self.assertEqual({key: value or "" for key, value in field.items()}, {key: row[key] for key in field})
+                self.assertEqual({key: cell(value) for key, value in field.items()}, {key: row[key] for key in field})
                 start = f"    {field['label']}: "
                 self.assertTrue(line.startswith(start), (line, field))
                 shown, value = line.removeprefix(start), field["value"]
@@ -110,7 +123,7 @@ class ProgramTest(unittest.TestCase):
                     self.assertIn(field["text"], shown)
                 elif re.fullmatch(r"-?\d+\.\d+ \D*", shown) and value is not None:
                     self.assertAlmostEqual(float(shown.split()[0]), float(value), delta=1e-5 + 1e-4 * abs(float(value)))
-                self.assertEqual(row["time"], message["time"])
+                self.assertEqual(row["time"], message["time"] or "")
             if "data" in message or not message["fields"]:
                 row = next(rows)
                 self.assertEqual((row["label"], row["raw"]), ("Data", message.get("data", "")))
@@ -118,7 +131,6 @@ class ProgramTest(unittest.TestCase):
                 self.assertEqual(next(lines).replace(" ", ""), "Data:" + message.get("data", ""))
         self.assertEqual((next(lines), next(rows, None)), ("", None))
         self.assertLessEqual(set(HOSTILE), set(values))
-        self.assertFalse(re.search("[\x00-\x09\x0b-\x1f\x7f-\x9f]", text), "what could steer a terminal")
 
     def test_csv_names_the_message_and_the_one_it_asks_for(self):
         request = ",6,59904,7,255,3,14,f0,01\n"
@@ -131,7 +143,8 @@ class ProgramTest(unittest.TestCase):
             (["--pgn", "60928"], ["ISO Address Claim"]),
             (["--pgn", "60928", "--pgn", "127250"], ["Vessel Heading", "ISO Address Claim"]),
             (["--source", "7"], ["Vessel Heading"]),
-            (["--source", "7", "--pgn", "60928"], []),
+            (["--source", "7", "--pgn", "60928"], []), (["--pgn", "60928,0x1F112"], ["Vessel Heading", "ISO Address Claim"]),
+            (["--pgn", "vessel  heading, position, rapid update"], ["Vessel Heading"]), (["--pgn", "address cl"], ["ISO Address Claim"]),
         ]
         for arguments, names in cases:
             shown = [json.loads(line)["name"] for line in vistel("decode", "--json", *arguments, stdin=both).stdout.splitlines()]
@@ -159,6 +172,10 @@ class ProgramTest(unittest.TestCase):
                 (["decode", "--unit", "Deep=m", "--unit", "Depth=m", str(path)], 2, "no quantity 'Deep'"),
                 (["decode", "--units", "royal", str(path)], 2, "default, metric"),
                 (["decode", "--format", "none", str(path)], 2, "candump"), (["catalogue", "none"], 2, "quantities"),
+                (["decode", "--pgn", "heading", str(path)], 2, "'heading' is part of the names of 6 PGNs: "),
+                (["decode", "--pgn", "127250,", str(path)], 2, "no PGN ''"), (["decode", "--pgn", "262144"], 2, "is above 262143"),
+                (["decode", "--pgn", "131000"], 0, "not in the catalogue"),
+                (["decode", "no\n\x1b[31m"], 2, "vistel: no\ufffd\ufffd[31m: "), (["encode", "127250", "--time", "1969-01-01T00:00:00Z"], 2, "1970"),
                 (["none"], 2, "vistel: no command 'none'"), ([], 2, "vistel: "), (["decode", "--none"], 2, "vistel: "),
                 (["decode", ""], 2, "vistel: "), (["monitor", "--none"], 2, "vistel: "),
                 (["encode", "127250", "--source", "300"], 2, "vistel: "),
@@ -172,6 +189,30 @@ class ProgramTest(unittest.TestCase):
             garbage.write_bytes(bytes(range(256)) * 1000)
             self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
         self.assertEqual(vistel("decode").returncode, 0)
+
+    def test_what_is_alike_is_counted(self):
+        lines = "".join(f"`line {n}`\n" for n in range(12)) + "".join(f",2,127250,7,255,{n},01\n" for n in (3, 4))
+        record = "1002 9313 0212F101FF230CCDAB000800393000 00FF7FFD{} 1003"  # and its checksum
+        records = bytes.fromhex(record.format("C2") + record.format("C3") * 7)
+        with tempfile.TemporaryDirectory() as folder:
+            Path(folder, "lines").write_text(HEADING + lines)
+            Path(folder, "records").write_bytes(records)
+            text, binary = str(Path(folder, "lines")), str(Path(folder, "records"))
+            result = vistel("decode", text, binary)
+            told = result.stderr.replace(folder + "/", "").splitlines()
+            self.assertEqual([line.split(": ")[0] for line in told[:12]],
+                             [f"lines:{n}" for n in (2, 3, 4, 5, 6, 14, 15)] + ["records"] * 5)
+            self.assertEqual(told[12:], ["vistel: 7 more like lines:2",
+                                         "vistel: 2 more like that at byte 26 of records",
+                                         "vistel: lines that could not be read: 14",
+                                         "vistel: records that could not be read: 7"])
+            quiet = vistel("decode", "--quiet", text, binary)
+            self.assertEqual(quiet.stderr.replace(folder + "/", "").splitlines(), told[-2:])
+            self.assertEqual((quiet.stdout, quiet.returncode), (result.stdout, 1))
+            unframed = ",6,59905,7,35,9,1,2,3,4,5,6,7,8,9\n" * 8
+            told = vistel("convert", "--to", "candump", stdin="# format=FAST\n" + unframed).stderr.splitlines()
+            self.assertEqual((len(told), told[5]), (7, "vistel: 3 more like PGN 59905 from source 7"), told)
+        self.assertIn("No such file", vistel("decode", "-q", "/none").stderr)
 
     def test_encoding_is_decoded_again(self):
         def pgns(count):
@@ -247,6 +288,7 @@ class ProgramTest(unittest.TestCase):
             (["65240", "--priority", "7", "New Source Address=5"],
              ["can0 1CECFF00#20090002FFD8FE00", "can0 1CEBFF00#01FFFFFFFFFFFFFF", "can0 1CEBFF00#02FF05FFFFFFFFFF"]),
             (["127490", "Inverter/Motor Identifier=1"], ["can0 19F20200#000C01FFFFFFFFFF", "can0 19F20200#01FFFFFFFFFFFFFF"]),
+            (["129025", "Latitude=52.5"], ["can0 09F80100#40DD4A1FFFFFFF7F"]),
             (["59904", "--destination", "35", "PGN being requested=126996"], ["can0 18EA2300#14F001"]),
         ]
         for arguments, lines in cases:
@@ -376,7 +418,12 @@ class ProgramTest(unittest.TestCase):
                 if not shown and status == 2:
                     self.assertEqual(vistel("decode", "--csv", *arguments).stdout, "", given)
             both = [os.path.join(folder, name) for name in "ab"]
-            self.assertEqual(len(vistel("convert", "--to", "candump", *both).stdout.splitlines()), 4)
+            log = contents["a"].replace(".0)", ".000000)").replace("can1", "nmea")
+            kept = vistel("convert", "--to", "candump", stdin=log)
+            self.assertEqual((kept.stdout, kept.stderr), (log, ""))
+            told = vistel("convert", "--to", "candump", "--merge", *both).stderr
+            self.assertIn(f"vistel: interface {both[0]}:can0 is can0 in what is written\n", told)
+            self.assertIn("2 interfaces are one", vistel("convert", "--to", "plain", stdin=log).stderr)
             mixed = vistel("devices", "--json", os.path.join(folder, "clockless"), both[0]).stdout.splitlines()
             self.assertEqual({json.loads(line)["first_seen"] for line in mixed}, {None, 0})
             merged = csv.DictReader(io.StringIO(vistel("devices", "--csv", "--merge", *both).stdout))
@@ -414,7 +461,7 @@ class ProgramTest(unittest.TestCase):
         self.assertIn("unknown PGNs: 3\n    128999 from source   9: 2\n    128999 from source  10: 1\n", told)
 
     def test_a_full_disk_is_told(self):
-        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"]):
+        for arguments in (["decode"], ["devices"], ["catalogue", "fields"], ["encode", "127250"], ["--help"], ["--version"]):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 result = subprocess.run([*PROGRAM, *arguments], input=HEADING, stdout=full, stderr=subprocess.PIPE,
                                         encoding="utf-8", timeout=60)
@@ -430,6 +477,34 @@ class ProgramTest(unittest.TestCase):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(timeout=30), 0)
             self.assertEqual(process.stderr.read(), "")
+
+    def test_an_interrupt_in_the_middle_of_a_recording(self):
+        """Commands stand still at the first thing that they write, into a pipe or for a client."""
+        with tempfile.TemporaryDirectory() as folder:
+            path = str(Path(folder, "long.log"))
+            Path(path).write_text((HEADING + "nonsense\n") * 200_000)
+            with socket.create_server(("127.0.0.1", 0)) as server:
+                target = f"tcp-listen://127.0.0.1:{server.getsockname()[1]}"
+            cases = [(["decode", "--stats", path], signal.SIGTERM, "at byte ", b"\n    Source Address: ", "\nmessages: "),
+                     (["convert", "--to", "candump", "-"], signal.SIGINT, "at byte ", b"\n(1789027200.250000) can0 ", ""),
+                     (["devices", path], signal.SIGTERM, "at byte ", b"\nDevices: 1", ""),
+                     (["replay", path, "--to", target], signal.SIGINT, "after 0 messages, ", b"", ""),
+                     (["replay", "--loop", path, "--to", target], signal.SIGTERM, None, b"", "")]
+            for arguments, number, place, shown, told in cases:
+                with open(path, "rb") as recording, open(Path(folder, "told"), "w+b") as errors, subprocess.Popen(
+                        [VISTEL, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
+                    while os.fstat(errors.fileno()).st_size == 0:
+                        time.sleep(0.01)
+                    process.send_signal(number)
+                    out = process.communicate(timeout=30)[0]
+                    errors.seek(0)
+                    said = errors.read().decode()
+                self.assertEqual(process.returncode, 128 + number if place else 0, arguments)
+                if place:
+                    self.assertIn(f"\nvistel: interrupted by signal {int(number)} {place}", said)
+                self.assertIn(told, said)
+                self.assertIn(shown, b"\n" + out)
+                self.assertTrue(out.endswith(b"\n") or not out, arguments)
 
     def test_a_link_that_is_lost_is_made_again(self):
         line = b"19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n"
@@ -507,6 +582,14 @@ class ProgramTest(unittest.TestCase):
             files = sorted(Path(folder).glob("kept-20*Z.pcap"))
             self.assertGreater(len(files), 2)
             results = [vistel("decode", "--json", str(each)) for each in files]
+            # More at one time than is kept for a client that does not take it; this one does.
+            recording.write_text(line.format(0) * 60_000)
+            command[-1] = "1"
+            with subprocess.Popen(command, stderr=subprocess.PIPE, text=True) as player:
+                player.stderr.readline()
+                with socket.create_connection(("127.0.0.1", port)) as client:
+                    size = sum(map(len, iter(lambda: client.recv(1 << 16), b"")))
+                self.assertIn(f"frames: 60000, bytes sent: {size}, clients: 1, dropped: 0\n", player.communicate()[1])
         self.assertEqual([(each.returncode, each.stderr) for each in results], [(0, "")] * len(files))
         self.assertEqual(sum(each.stdout.count("\n") for each in results), 40)
         for arguments in (["x", "--rotate", "1"], ["x", "--rotate", "0M"], ["-", "--rotate", "1M"]):

@@ -1,6 +1,7 @@
 """The corrected definitions as rows of the generated tables. They stand behind those of the base: field rows behind its
 closing row, formats behind its formats, sets of texts behind its sets."""
 
+from fractions import Fraction
 from types import SimpleNamespace as Row
 
 from corrected import BadRow, corrected_messages, counted_unit, new_field, set_reading, whole
@@ -14,8 +15,9 @@ KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
 NO_CODES = "INT64_MIN"
 UNKNOWN_MAKER, ANY_MAKER = -1, -2
 MAKERS, INDUSTRIES = "manufacturer_code", "industry_group"
+MOST_MULTIPLE = 1000  # of a step: digits times it do not overflow
 QUICK_BITS = 57  # a number of fewer bits lies in eight bytes, wherever it starts
-NO_MEASURE = "{1.0, 1.0, 1.0, 0, {INT64_MIN, INT64_MIN}},"
+NO_MEASURE = "{1.0, 1.0, 1.0, 0, {INT64_MIN, INT64_MIN}, 1, 0},"
 NUMBERS = ("whole", "measured")  # readings of numbers
 
 
@@ -225,15 +227,27 @@ def format_line(out, reading):
         width, signed = int(kind[1:]), kind[0] == "i"
         codes = [*codes, *(codes[-1:] or [NO_CODES]) * 2][:2]
         measure = (f"{{{exact(times)}, {exact(over)}, {exact(times / over)}, {offset}, "
-                   f"{{{', '.join(map(str, codes))}}}}},")
+                   f"{{{', '.join(map(str, codes))}}}, {', '.join(map(str, decimal_step(times, over)))}}},")
         if measure not in out.measures:
             out.measures.append(measure)
         read_as = "measured_float" if kind[0] == "f" else name
         limit = first_reserved if first_reserved is not None else "INT64_MAX"
         return (f"{{65535, Reading::{read_as}, {width}, {int(signed)}, UnitRule::{rule}, 0.0f, {limit}, 0, "
                 f"{out.measures.index(measure)}}},")
+    if reading[0] == "time_of_day":
+        return "{65535, Reading::time_of_day, 32, 0, UnitRule::duration_s, 0.0001f, 0xFFFFFFFD, 0, 0},"
     header, ends_at_sign = (*reading[1:], 0, 0)[:2]
     return f"{{65535, Reading::{reading[0]}, {header}, {int(ends_at_sign)}, UnitRule::any, 0.0f, 0, 0, 0}},"
+
+
+def decimal_step(times, over):
+    """times / over as a small whole number and how often it is divided by ten; 0 where it is not such a number."""
+    step = Fraction(times) / Fraction(over)
+    for decimals in range(10):
+        multiple = step * 10**decimals
+        if multiple.denominator == 1 and multiple <= MOST_MULTIPLE:
+            return int(multiple), decimals
+    return 0, 0
 
 
 def exact(number):
