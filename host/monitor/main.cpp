@@ -1,6 +1,7 @@
 // The window of `vistel monitor`: a program of its own, so that decoding on a machine without a display needs
 // none of the toolkit.
 
+#include <sys/stat.h>
 #include <unistd.h>
 #include <wx/app.h>
 
@@ -10,6 +11,7 @@
 #include "command_line/command_line.h"
 #include "command_line/start.h"
 #include "commands/unit_options.h"
+#include "completion/option_table.h"
 #include "monitor/display.h"
 #include "monitor/window.h"
 
@@ -18,6 +20,16 @@ namespace {
 using namespace vistel;
 
 constexpr int bad_usage = 2;
+
+/// Whether something is piped in. Started from a menu, standard input is /dev/null or none.
+bool has_input() {
+    struct stat status {};
+    if (fstat(STDIN_FILENO, &status) != 0) return false;
+#ifdef S_ISSOCK
+    if (S_ISSOCK(status.st_mode)) return true;
+#endif
+    return S_ISFIFO(status.st_mode) || S_ISREG(status.st_mode);
+}
 
 class MonitorApp : public wxApp {
   public:
@@ -62,8 +74,7 @@ int main(int argc, char** argv) {
         app.add_option("FILE", play.file,
                        "Recording or source to show; - is standard input. Without it the window asks, unless "
                        "something is piped in");
-    app.add_option("--format", play.format,
-                   "Format of the recording; recognised by its contents if not given");
+    add_format(app, play.format, "Format of the recording; recognised by its contents if not given");
     add_contents(app, play.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
@@ -73,6 +84,7 @@ int main(int argc, char** argv) {
     add_units(app, units.set, units.units);
     add_definitions(app, play.definitions);
     app.failure_message(usage_error);
+    if (print_option_table(app, words)) return 0;
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
@@ -90,7 +102,7 @@ int main(int argc, char** argv) {
         return bad_usage;
     }
     std::unique_ptr<Player> player;
-    if (file->count() > 0 || isatty(STDIN_FILENO) == 0) {
+    if (file->count() > 0 || has_input()) {
         player = std::make_unique<Player>(play);
         if (const auto opened = player->open(); !opened) {
             std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());

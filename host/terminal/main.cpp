@@ -6,6 +6,7 @@
 #include "command_line/start.h"
 #include "commands/interrupt.h"
 #include "commands/unit_options.h"
+#include "completion/option_table.h"
 #include "terminal/screen.h"
 #include "terminal/top.h"
 
@@ -82,8 +83,7 @@ int main(int argc, char** argv) {
     StreamFilter filter;
     app.add_option("FILE", play.file, "Recording or source to show; - is standard input")
         ->capture_default_str();
-    app.add_option("--format", play.format,
-                   "Format of the recording; recognised by its contents if not given");
+    add_format(app, play.format, "Format of the recording; recognised by its contents if not given");
     add_contents(app, play.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
@@ -95,6 +95,7 @@ int main(int argc, char** argv) {
     add_units(app, units.set, units.units);
     add_definitions(app, play.definitions);
     app.failure_message(usage_error);
+    if (print_option_table(app, words)) return 0;
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
