@@ -16,6 +16,7 @@
 #include "commands/record.h"
 #include "commands/replay.h"
 #include "commands/user_settings.h"
+#include "completion/option_table.h"
 #include "readers/formats.h"
 #include "text/printable.h"
 #include "writers/written_formats.h"
@@ -47,14 +48,8 @@ void add_quiet(CLI::App& command, bool& quiet) {
 
 /// What the recordings of a command hold.
 void add_format(CLI::App& command, vistel::InputOptions& options) {
-    const auto check = [](const std::string& name) {
-        const auto found = vistel::find_format(name);
-        return found ? std::string() : found.error().text;
-    };
-    command
-        .add_option("--format", options.format,
-                    "Format of the recordings; recognised by their contents if not given")
-        ->check(check);
+    vistel::add_format(command, options.format,
+                       "Format of the recordings; recognised by their contents if not given");
     vistel::add_contents(command, options.contents);
     command.footer(format_notes());
 }
@@ -192,6 +187,7 @@ void add_convert(CLI::App& app, Arguments& arguments) {
         ->required()
         ->check(CLI::IsMember(vistel::written_formats()));
     command->add_option("-o,--output", options.output, "File to write; - is standard output")
+        ->type_name("FILE")
         ->capture_default_str();
     vistel::add_definitions(*command, options.definitions);
 }
@@ -304,6 +300,7 @@ int main(int argc, char** argv) {
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
     add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
                 arguments);
+    if (vistel::print_option_table(app, words)) return vistel::EXIT_CLEAN;
     if (!words.empty() && !words.back().starts_with('-') && !has_command(app, words.back()))
         return vistel::EXIT_FAILED;
     // The parser drops empty words, which here are fields that somebody forgot to fill in.

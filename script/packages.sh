@@ -4,10 +4,10 @@
 build_packages="cmake ninja-build g++ python3 pkg-config libcli11-dev libasio-dev zlib1g-dev liblzma-dev libzstd-dev
     libbz2-dev nlohmann-json3-dev libncurses-dev libwxgtk3.2-dev libgtk-3-dev libgtest-dev libgmock-dev libbenchmark-dev"
 test_packages="clang-14 libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14 shellcheck pyflakes3
-    xvfb xauth"
+    xvfb xauth zsh fish"
 # The 32-bit build needs a processor that has one.
 if [ "$(dpkg --print-architecture)" = amd64 ]; then test_packages="$test_packages g++-multilib"; fi
-package_packages="dpkg-dev file"
+package_packages="dpkg-dev file lintian desktop-file-utils appstream"
 try_packages="debootstrap"
 docs_packages="doxygen"
 screenshot_packages="xvfb openbox xdotool imagemagick xterm fonts-dejavu-core pngquant"

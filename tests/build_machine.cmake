@@ -10,6 +10,12 @@ if(TARGET vistel)
     set_tests_properties(program PROPERTIES
                          TIMEOUT 300
                          ENVIRONMENT "VISTEL=$<TARGET_FILE:vistel>;NO_ARGUMENTS=$<TARGET_FILE:no_arguments>")
+    foreach(name readme completion)
+        add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/host/${name}_test.py)
+        set_tests_properties(${name} PROPERTIES
+                             TIMEOUT 300
+                             ENVIRONMENT "VISTEL=$<TARGET_FILE:vistel>;COMPLETIONS=${PROJECT_BINARY_DIR}/completion")
+    endforeach()
     add_test(NAME voyage COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/voyage/test_voyage.py)
     set_tests_properties(voyage PROPERTIES ENVIRONMENT "VISTEL=$<TARGET_FILE:vistel>")
 endif()
@@ -40,4 +46,5 @@ add_test(NAME consumer
          COMMAND ${CMAKE_COMMAND} -DBUILD=${PROJECT_BINARY_DIR} -DSOURCE=${CMAKE_CURRENT_SOURCE_DIR}/consumer
                  -DSCRATCH=${CMAKE_CURRENT_BINARY_DIR}/consumer -DCOMPILER=${CMAKE_CXX_COMPILER}
                  -DFLAGS=${CMAKE_CXX_FLAGS} -DPARTS=${installed_parts}
+                 -DREADME=${PROJECT_SOURCE_DIR}/README.md
                  -P ${CMAKE_CURRENT_SOURCE_DIR}/consumer/check.cmake)

@@ -12,6 +12,7 @@
 #include "command_line/pgn_choice.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/content_kind.h"
+#include "readers/formats.h"
 #include "text/printable.h"
 
 namespace vistel {
@@ -27,14 +28,16 @@ inline std::string usage_error(const CLI::App* command, const CLI::Error& error)
 /// The option for the set of definitions; `definitions` has the default.
 inline void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& definitions) {
     using pgn_vistel::core::Definitions;
-    static const std::map<std::string, Definitions> names{{"corrected", Definitions::corrected},
-                                                          {"fixed", Definitions::fixed}};
     command
-        .add_option(
-            "--definitions", definitions,
+        .add_option_function<std::string>(
+            "--definitions",
+            [&definitions](const std::string& name) {
+                if (name != "corrected" && name != "fixed")
+                    throw CLI::ValidationError("--definitions", "no such set; there are: corrected, fixed");
+                definitions = name == "fixed" ? Definitions::fixed : Definitions::corrected;
+            },
             "What messages are read by: corrected (what devices send; the default) or fixed (what the "
             "library's interface shows)")
-        ->transform(CLI::CheckedTransformer(names).description(""))
         ->type_name("SET");
 }
 
@@ -87,6 +90,14 @@ inline void add_speed(CLI::App& command, std::optional<double>& speed) {
             },
             "Times the recording's own pace, or max")
         ->type_name("TEXT");
+}
+
+/// The option for the format of what is read.
+inline void add_format(CLI::App& command, std::string& format, const std::string& about) {
+    command.add_option("--format", format, about)->check([](const std::string& name) {
+        const auto found = find_format(name);
+        return found ? std::string() : found.error().text;
+    });
 }
 
 /// The option for what the lines of plain text hold.

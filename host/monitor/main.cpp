@@ -1,6 +1,7 @@
 // The window of `vistel monitor`: a program of its own, so that decoding on a machine without a display needs
 // none of the toolkit.
 
+#include <sys/stat.h>
 #include <unistd.h>
 #include <wx/app.h>
 
@@ -11,6 +12,7 @@
 
 #include "command_line/start.h"
 #include "commands/output_status.h"
+#include "completion/option_table.h"
 #include "monitor/display.h"
 #include "monitor/play_arguments.h"
 #include "monitor/window.h"
@@ -20,6 +22,16 @@ namespace {
 using namespace vistel;
 
 constexpr int bad_usage = 2;
+
+/// Whether something is piped in. Started from a menu, standard input is /dev/null or none.
+bool has_input() {
+    struct stat status {};
+    if (fstat(STDIN_FILENO, &status) != 0) return false;
+#ifdef S_ISSOCK
+    if (S_ISSOCK(status.st_mode)) return true;
+#endif
+    return S_ISFIFO(status.st_mode) || S_ISREG(status.st_mode);
+}
 
 class MonitorApp : public wxApp {
   public:
@@ -59,6 +71,7 @@ int main(int argc, char** argv) {
     PlayArguments arguments;
     const CLI::Option* const names = add_play_arguments(
         app, arguments, "; - is standard input. Without one the window asks, unless something is piped in");
+    if (print_option_table(app, words)) return 0;
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
@@ -81,7 +94,7 @@ int main(int argc, char** argv) {
         return bad_usage;
     }
     std::unique_ptr<Player> player;
-    if (names->count() > 0 || isatty(STDIN_FILENO) == 0) {
+    if (names->count() > 0 || has_input()) {
         player = std::make_unique<Player>(arguments.play);
         if (const auto opened = player->open(); !opened) {
             std::fprintf(stderr, "vistel: %s\n", vistel::harmless(opened.error().text).c_str());

@@ -22,8 +22,7 @@ inline CLI::Option* add_play_arguments(CLI::App& app, PlayArguments& arguments, 
     CLI::Option* const names =
         app.add_option("FILE", play.input.names, "Recordings or sources to show" + inputs)->default_str("");
     app.add_flag("--merge", play.input.merge, "Several recordings by time instead of one after the other");
-    app.add_option("--format", play.input.format,
-                   "Format of the recordings; recognised by their contents if not given");
+    add_format(app, play.input.format, "Format of the recordings; recognised by their contents if not given");
     add_contents(app, play.input.contents);
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");

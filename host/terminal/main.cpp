@@ -7,6 +7,7 @@
 #include "command_line/start.h"
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
+#include "completion/option_table.h"
 #include "monitor/play_arguments.h"
 #include "terminal/screen.h"
 #include "terminal/top.h"
@@ -86,6 +87,7 @@ int main(int argc, char** argv) {
     add_play_arguments(app, arguments, "; - is standard input, as is none");
     app.add_flag("--ask", arguments.play.input.sends,
                  "Ask the devices of a live source for what they have not said; otherwise nothing is sent");
+    if (print_option_table(app, words)) return 0;
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {

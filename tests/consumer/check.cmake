@@ -1,4 +1,4 @@
-# cmake -DBUILD=... -DSOURCE=... -DSCRATCH=... -DCOMPILER=... -DFLAGS=... -DPARTS=core,views -P check.cmake
+# cmake -DBUILD=... -DSOURCE=... -DSCRATCH=... -DCOMPILER=... -DFLAGS=... -DPARTS=core,views -DREADME=... -P check.cmake
 # Installs the project into a scratch folder and builds and runs hosts against that alone: with the CMake package, and
 # with what pkg-config says.
 cmake_minimum_required(VERSION 3.25)
@@ -50,6 +50,27 @@ if(PARTS MATCHES views)
     refused("No component 'views': wxWidgets 3.2 is not there" -DPARTS=views ${no_toolkit})
 else()
     refused("No component 'views': this PGN Vistel was built without" -DPARTS=views)
+endif()
+
+# ---- what README.md shows of a program of one's own ----
+
+file(READ ${README} readme)
+foreach(language cmake cpp)
+    if(NOT readme MATCHES "\n```${language}\n([^`]*)\n```\n")
+        message(FATAL_ERROR "README.md has no block of ${language}")
+    endif()
+    set(${language}_block "${CMAKE_MATCH_1}\n")
+endforeach()
+file(WRITE ${SCRATCH}/readme_source/main.cpp "${cpp_block}")
+file(WRITE ${SCRATCH}/readme_source/CMakeLists.txt
+     "cmake_minimum_required(VERSION 3.25)\nproject(readme LANGUAGES CXX)\nadd_executable(my_gateway main.cpp)\n${cmake_block}")
+set(everything_said "${FLAGS} -Wall -Wextra -Werror")
+run(${CMAKE_COMMAND} -S ${SCRATCH}/readme_source -B ${SCRATCH}/readme -G Ninja -DCMAKE_PREFIX_PATH=${SCRATCH}/prefix
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_FLAGS=${everything_said})
+run(${CMAKE_COMMAND} --build ${SCRATCH}/readme)
+run(${SCRATCH}/readme/my_gateway)
+if(NOT output MATCHES "^{.*}\n0\\.0 m\n$")
+    message(FATAL_ERROR "README.md's program prints ${output}")
 endif()
 
 # ---- pkg-config ----

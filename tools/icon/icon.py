@@ -1,9 +1,15 @@
-"""icon.py FILE: draws the programs' icon, a white V over waves on a blue disc, as a Windows icon of several sizes."""
+"""Draws the programs' icon, a white V over waves on a blue disc.
+
+icon.py FILE.ico     a Windows icon of several sizes
+icon.py FOLDER NAME  PNGs as a theme of icons has them: FOLDER/48x48/apps/NAME.png and so on"""
 import math
 import struct
 import sys
+import zlib
+from pathlib import Path
 
 SIZES = (16, 24, 32, 48)
+THEME_SIZES = (16, 24, 32, 48, 64, 128, 256)
 SAMPLES = 4  # in each direction, for every pixel
 
 DISC, LETTER, WAVE = (0x1B, 0x4F, 0x8A), (0xFF, 0xFF, 0xFF), (0x7F, 0xC4, 0xE8)
@@ -37,7 +43,20 @@ def image(size):
     return struct.pack("<IiiHHIIiiII", 40, size, 2 * size, 1, 32, 0, len(rows) + len(mask), 0, 0, 0, 0) + rows + mask
 
 
-def main(path):
+def png(size):
+    """The same for a theme: from the uppermost row down, each behind a byte that names its filter, none."""
+    rows = b""
+    for row in range(size):
+        rows += b"\0"
+        for column in range(size):
+            blue, green, red, opacity = pixel(column, row, size)
+            rows += bytes((red, green, blue, opacity))
+    chunks = ((b"IHDR", struct.pack(">IIBBBBB", size, size, 8, 6, 0, 0, 0)), (b"IDAT", zlib.compress(rows, 9)), (b"IEND", b""))
+    return b"\x89PNG\r\n\x1a\n" + b"".join(
+        struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data)) for kind, data in chunks)
+
+
+def write_windows_icon(path):
     images = [image(size) for size in SIZES]
     entries, place = b"", 6 + 16 * len(images)
     for size, data in zip(SIZES, images):
@@ -47,5 +66,12 @@ def main(path):
         file.write(struct.pack("<HHH", 0, 1, len(images)) + entries + b"".join(images))
 
 
+def write_theme(folder, name):
+    for size in THEME_SIZES:
+        path = Path(folder, f"{size}x{size}", "apps", name + ".png")
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(png(size))
+
+
 if __name__ == "__main__":
-    main(sys.argv[1])
+    write_windows_icon(sys.argv[1]) if len(sys.argv) == 2 else write_theme(*sys.argv[1:])
