@@ -41,7 +41,7 @@ class ReadmeTest(unittest.TestCase):
         samples = [text for language, text in BLOCKS if not language and not text.startswith("$ ")]
         self.assertTrue(samples)
         for text in samples:
-            self.assertIn("\n" + text.removesuffix("    ...\n"), "\n" + output)
+            self.assertTrue("\n" + text.removesuffix("    ...\n") in "\n" + output, "not what is printed:\n" + text)
 
     def test_commands(self):
         lines = [re.sub(r"\s+# .*", "", line) for language, text in BLOCKS if language == "sh"
