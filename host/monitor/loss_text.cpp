@@ -22,7 +22,7 @@ std::vector<std::string> losses_in_short(const Player& player, const Traffic& tr
     add_count(counters.incomplete_fast_packets + counters.incomplete_transports, " incomplete");
     add(counters.orphan_frames, " stray frame");
     add(player.counters().problems, " error");
-    add(player.counters().steps_back, " step back in time");
+    add_count(player.counters().steps_back, player.counters().steps_back == 1 ? " step back" : " steps back");
     add_count(player.links().dropped, " dropped by the system");
     add_count(player.dropped_frames(), " dropped by the recorder");
     add_count(traffic.refused(), " without room");
