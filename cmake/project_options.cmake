@@ -22,17 +22,10 @@ endif()
 target_compile_options(project_options INTERFACE $<$<CONFIG:Release>:-O2>)
 
 # What makes the programs start sooner, in less memory: no symbol of the C++ library to look up, no function that nothing
-# calls, and relocations in a form that takes little room where the linker knows it.
+# calls.
 add_library(program_options INTERFACE)
 if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT WIN32)
-    include(CheckLinkerFlag)
     target_link_options(program_options INTERFACE -static-libstdc++ -static-libgcc -Wl,--gc-sections)
-    set(CMAKE_REQUIRED_FLAGS -Werror)
-    check_linker_flag(CXX -Wl,-z,pack-relative-relocs PGN_VISTEL_RELR)
-    unset(CMAKE_REQUIRED_FLAGS)
-    if(PGN_VISTEL_RELR)
-        target_link_options(program_options INTERFACE -Wl,-z,pack-relative-relocs)
-    endif()
 endif()
 
 # Optimising by counts takes two builds in one folder, since a function is known by its file's path, too. What the

@@ -4,14 +4,11 @@
 // It needs no C or C++ runtime, so that clang can build it for the example's sake; in a program that has one
 // `main` is the start and std::printf prints.
 
-#include <windows.h>
-// After it:
-#include <commctrl.h>
-
 #include "pgn_vistel/n2k_msg.h"
 #include "pgn_vistel/native.h"
 #include "pgn_vistel/pgn_db.h"
 #include "pgn_vistel/pgn_tree.h"
+#include "tree_lines.h"
 
 namespace {
 
@@ -68,21 +65,6 @@ void decode() {
     }
 }
 
-/// What a control shows, as any program would read it.
-void print_lines(HWND control, HTREEITEM item, const wchar_t* indent) {
-    for (; item != nullptr; item = TreeView_GetNextSibling(control, item)) {
-        wchar_t text[1024];
-        TVITEMW line{};
-        line.mask = TVIF_TEXT;
-        line.hItem = item;
-        line.pszText = text;
-        line.cchTextMax = 1024;
-        SendMessageW(control, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&line));
-        print_line(indent, text);
-        print_lines(control, TreeView_GetChild(control, item), L"    ");
-    }
-}
-
 void show_in_tree() {
     InitCommonControls();
     HWND const control = CreateWindowExW(0, WC_TREEVIEWW, L"Monitor", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40,
@@ -103,7 +85,8 @@ void show_in_tree() {
         require(PGN_VistelTree_PutMsg(&tree, &msg) == -1, L"room for two streams");
         UpdateWindow(control);
     }
-    print_lines(control, TreeView_GetRoot(control), L"");
+    read_lines(control, TreeView_GetRoot(control),
+               [](const wchar_t* text, int depth) { print_line(depth > 0 ? L"    " : L"", text); });
     DestroyWindow(control);
 }
 

@@ -3,10 +3,6 @@
 // The control is a SysTreeView32, which the program creates and the monitor tree writes into. No toolkit is
 // started.
 
-#include <windows.h>
-// After it:
-#include <commctrl.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -14,6 +10,7 @@
 #include "made_up_traffic.h"
 #include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/pgn_tree.h"
+#include "tree_lines.h"
 
 namespace {
 
@@ -40,21 +37,10 @@ void open_monitor(HWND window, Host& host) {
     host.monitor->OnInit();
 }
 
-/// Prints what the control shows, as any program would read it.
-void print_lines(HWND control, HTREEITEM item, const char* indent) {
-    for (; item != nullptr; item = TreeView_GetNextSibling(control, item)) {
-        wchar_t text[1024];
-        TVITEMW line{};
-        line.mask = TVIF_TEXT;
-        line.hItem = item;
-        line.pszText = text;
-        line.cchTextMax = 1024;
-        SendMessageW(control, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&line));
-        char utf8[4096] = "";
-        WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8, sizeof utf8, nullptr, nullptr);
-        std::printf("%s%s\n", indent, utf8);
-        print_lines(control, TreeView_GetChild(control, item), "    ");
-    }
+void print_line(const wchar_t* text, int depth) {
+    char utf8[4096] = "";
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8, sizeof utf8, nullptr, nullptr);
+    std::printf("%*s%s\n", 4 * depth, "", utf8);
 }
 
 LRESULT CALLBACK handle(HWND window, UINT message, WPARAM wide, LPARAM data) {
@@ -75,7 +61,7 @@ LRESULT CALLBACK handle(HWND window, UINT message, WPARAM wide, LPARAM data) {
             return 0;
         case WM_CLOSE:
             host->monitor.reset();  // before the control
-            print_lines(host->control, TreeView_GetRoot(host->control), "");
+            read_lines(host->control, TreeView_GetRoot(host->control), print_line);
             DestroyWindow(window);
             return 0;
         case WM_DESTROY: PostQuitMessage(0); return 0;

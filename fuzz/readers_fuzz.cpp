@@ -1,121 +1,108 @@
-// Bytes as a recording, read to the end and reassembled into messages. The first byte chooses the format: 0
-// has it recognised, 1.. are the known ones in their order, the next value takes the bytes as bare frames,
-// which reach the reassembler's corners sooner. Its highest bit has them come by a pipe.
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <iterator>
-#include <span>
-#include <string_view>
-
+// Bytes as a recording of a format, which the first byte chooses: read as a file and as a pipe that brings as
+// many bytes at a time as the second one says (0: as a file alone), with the same records and problems of
+// lines. The upper two bits of the first byte say what the contents are held for.
 #include "can/identifier.h"
-#include "readers/recording.h"
-#include "reassembly/reassembler.h"
+#include "readers/byte_source.h"
+#include "readers/formats.h"
+#include "support/memory_input.h"
 
 namespace {
 
 using namespace vistel;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
+using fuzz::require;
 
 void check(const N2KMsg& msg) {
-    require(msg.length <= N2K_MAX_PAYLOAD && msg.priority <= 7 && msg.pgn <= max_pgn);
-    for (std::size_t i = msg.length; i < sizeof msg.data; ++i) require(msg.data[i] == 0);
+    require(msg.length <= N2K_MAX_PAYLOAD && msg.priority <= 7 && msg.pgn <= max_pgn,
+            "a message is in bounds");
 }
 
-bool looks_packed(std::span<const std::uint8_t> bytes) {
-    constexpr std::uint8_t begins[] = {0x1F, 0xFD, 0x28, 'B', 'L'};  // of gzip, xz, zstd, bzip2, BLF
-    return !bytes.empty() &&
-           (std::ranges::find(begins, bytes[0]) != std::end(begins) || (bytes[0] & 0xF0) == 0x50);
+/// Whether a format finds its records within lines: then what lies between them is told in pieces as they
+/// come.
+bool cuts_lines(const Format& format) {
+    static constexpr std::string_view names[] = {"ikonvert", "pcdin", "mxpgn", "airmar"};
+    return std::ranges::find(names, format.name) != std::end(names);
 }
 
-int file_of(std::span<const std::uint8_t> bytes) {
-    const int descriptor = ::memfd_create("recording", 0);
-    require(::write(descriptor, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
-    ::lseek(descriptor, 0, SEEK_SET);
-    return descriptor;
-}
+/// What came of a recording, as a number: two readings either agree or not.
+class Digest {
+  public:
+    template <class Value>
+    void add(const Value& value) {
+        add_bytes(&value, sizeof value);
+    }
+    void add_bytes(const void* bytes, std::size_t size) {
+        for (std::size_t i = 0; i < size; ++i)
+            value_ = (value_ ^ static_cast<const std::uint8_t*>(bytes)[i]) * 0x100000001B3;
+    }
+    std::uint64_t value() const { return value_; }
 
-int pipe_of(std::span<const std::uint8_t> bytes) {
-    int ends[2];
-    require(::pipe(ends) == 0);
-    require(::write(ends[1], bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
-    ::close(ends[1]);
-    return ends[0];
-}
+  private:
+    std::uint64_t value_ = 0xCBF29CE484222325;
+};
 
-void read_recording(std::span<const std::uint8_t> bytes, std::string_view format, bool by_pipe) {
-    constexpr std::size_t pipe_holds = 65536;
-    Recording recording;
-    const int descriptor = by_pipe && bytes.size() <= pipe_holds ? pipe_of(bytes) : file_of(bytes);
-    auto input = attach_descriptor(descriptor);
-    require(bool(input));
-    require(bool(recording.attach(std::move(*input), {.format = std::string(format), .patience_ms = -1})));
-    Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
+std::uint64_t read(std::span<const std::uint8_t> bytes, const Format& format, ContentKind contents,
+                   std::size_t most) {
+    auto input = std::make_unique<fuzz::MemoryInput>(bytes, most);
+    const fuzz::MemoryInput& in = *input;
+    ByteSource source;
+    source.attach(std::move(input));
+    const auto reader = format.open(source, contents);
+    Digest digest;
     Record record;
+    Problem problem;
     std::uint64_t last_place = 0;
-    // Every call takes a line or ends, and what is there never makes one wait. A few compressed bytes may
-    // hold any number of lines.
-    const std::size_t most_calls = looks_packed(bytes) ? std::size_t{1} << 24 : bytes.size() + 3;
-    for (std::size_t calls = 0; calls < most_calls; ++calls) {
-        require(!recording.would_wait());
-        switch (recording.next(record)) {
+    bool problems = false;  // how many there are of bytes without records depends on how they come
+    // Every call takes something, waits once, or ends.
+    for (std::size_t calls = 0; calls < 4 * bytes.size() + 8; ++calls) {
+        const bool waits = reader->would_wait();
+        require(!waits || most > 0, "nobody waits for a file");
+        const std::uint64_t before = in.waits();
+        const ReadResult result = reader->next(record, problem);
+        require(waits || in.waits() == before, "would_wait() knows of every wait");
+        switch (result) {
             case ReadResult::record:
                 check(record.msg);
-                reassembler.put(record);
+                digest.add(record.kind), digest.add(record.bus);
+                digest.add(record.time.nanoseconds), digest.add(record.time.origin);
+                digest.add(record.msg.pgn), digest.add(record.msg.source), digest.add(record.msg.destination);
+                digest.add_bytes(record.msg.data, record.msg.length);
+                if (!reader->bus_name(record.bus).empty())
+                    digest.add_bytes(reader->bus_name(record.bus).data(),
+                                     reader->bus_name(record.bus).size());
                 break;
             case ReadResult::problem:
-                // That of a whole recording may list all formats.
-                require(recording.problem().number >= last_place && !recording.problem().text.empty() &&
-                        (recording.problem().text.size() < 200 ||
-                         recording.problem().place == Problem::Place::whole));
-                last_place = recording.problem().number;
+                require(problem.place == Problem::Place::whole || problem.number >= last_place,
+                        "problems come in order");
+                require(!problem.text.empty() && problem.text.size() < 400, "a problem is told");
+                if (problem.place != Problem::Place::whole) last_place = problem.number;
+                problems = true;
+                if (problem.place == Problem::Place::line && !cuts_lines(format)) {
+                    digest.add(problem.number);
+                    digest.add_bytes(problem.text.data(), problem.text.size());
+                }
+                record.msg.length = 0;
                 break;
             case ReadResult::nothing: break;
-            case ReadResult::end: reassembler.finish(); return;
+            case ReadResult::end:
+                digest.add(problems), digest.add(reader->foreign_frames());
+                return digest.value();
         }
     }
-    std::abort();
-}
-
-/// 16 bytes each: identifier (4), length, time origin, time step in milliseconds (2, signed), data (8).
-void put_frames(std::span<const std::uint8_t> bytes) {
-    Reassembler reassembler([](const N2KMsg& msg, const RecordTime&) { check(msg); });
-    std::int64_t milliseconds = 0;
-    for (; bytes.size() >= 16; bytes = bytes.subspan(16)) {
-        std::uint32_t identifier = 0;
-        std::int16_t step = 0;
-        std::memcpy(&identifier, bytes.data(), 4);
-        std::memcpy(&step, bytes.data() + 6, 2);
-        Record record;
-        record.kind = Record::Kind::frame;
-        set_header(record.msg, identifier & max_identifier);
-        record.msg.length = bytes[4] % 9;
-        std::memcpy(record.msg.data, bytes.data() + 8, record.msg.length);
-        record.time = {(milliseconds += step) * 1'000'000, static_cast<RecordTime::Origin>(bytes[5] % 4)};
-        reassembler.put(record);
-    }
-    reassembler.finish();
+    require(false, "reading comes to its end");
+    return 0;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0) return 0;
-    const std::span<const std::uint8_t> bytes(data + 1, size - 1);
-    const auto formats = vistel::all_formats();
-    const std::size_t choice = (data[0] & 0x7F) % (formats.size() + 2);
-    if (choice == formats.size() + 1) {
-        put_frames(bytes);
-    } else {
-        read_recording(bytes, choice == 0 ? std::string_view{} : formats[choice - 1].name,
-                       (data[0] & 0x80) != 0);
-    }
+    fuzz::Input input(data, size);
+    const auto choice = input.take<std::uint8_t>();
+    const auto most = input.take<std::uint8_t>();
+    const auto formats = all_formats();
+    const Format& format = formats[(choice & 63u) % formats.size()];
+    const auto contents = static_cast<ContentKind>((choice >> 6) % 3);
+    const std::uint64_t as_file = read(input.rest(), format, contents, 0);
+    if (most > 0)
+        require(read(input.rest(), format, contents, most) == as_file, "file and pipe give the same");
     return 0;
 }

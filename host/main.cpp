@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
 #include "command_line/command_line.h"
 #include "command_line/start.h"
@@ -10,10 +12,13 @@
 #include "commands/devices.h"
 #include "commands/encode.h"
 #include "commands/neighbour.h"
+#include "commands/output_status.h"
 #include "commands/record.h"
 #include "commands/replay.h"
+#include "commands/user_settings.h"
 #include "completion/option_table.h"
 #include "readers/formats.h"
+#include "text/printable.h"
 #include "writers/written_formats.h"
 
 namespace {
@@ -37,6 +42,10 @@ void add_timeout(CLI::App& command, double& timeout) {
         ->capture_default_str();
 }
 
+void add_quiet(CLI::App& command, bool& quiet) {
+    command.add_flag("-q,--quiet", quiet, "Tell nothing but what makes the exit status another than 0");
+}
+
 /// What the recordings of a command hold.
 void add_format(CLI::App& command, vistel::InputOptions& options) {
     vistel::add_format(command, options.format,
@@ -56,6 +65,7 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
     command.add_flag("--merge", options.merge, "Several recordings by time instead of one after the other");
     add_format(command, options);
     add_timeout(command, options.timeout);
+    add_quiet(command, options.quiet);
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -71,7 +81,26 @@ struct Arguments {
     std::string table;
     pgn_vistel::core::Definitions listed = pgn_vistel::core::Definitions::corrected;
     std::vector<std::string> of_program;
+    bool no_config = false;
 };
+
+/// What the user usually wants, in the arguments of all commands. False where that cannot be read.
+bool apply_configuration(Arguments& arguments) {
+    if (arguments.no_config) return true;
+    auto settings = vistel::usual_settings();
+    if (!settings) {
+        std::fprintf(stderr, "vistel: %s\n", settings.error().text.c_str());
+        return false;
+    }
+    settings->apply(arguments.decode.units);
+    settings->apply(arguments.encode.units);
+    for (vistel::InputOptions* const input : {&arguments.decode.input, &arguments.convert.input,
+                                              &arguments.devices.input, &arguments.replay.input})
+        for (std::string& name : input->names) settings->apply(name);
+    settings->apply(arguments.record.source);
+    settings->apply(arguments.replay.to);
+    return true;
+}
 
 void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::App* const command =
@@ -80,7 +109,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     add_input(*command, options.input);
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
-    command->add_option("--pgn", options.pgns, "Only these PGNs")->allow_extra_args(false);
+    vistel::add_pgns(*command, options.pgns);
     command->add_option("--source", options.sources, "Only messages of these source addresses")
         ->allow_extra_args(false)
         ->check(CLI::Range(0, 255));
@@ -127,6 +156,7 @@ void add_record(CLI::App& app, Arguments& arguments) {
             "A new file at each size or time, as in 100M or 1h; the time is put into its name")
         ->type_name("LIMIT");
     add_timeout(*command, options.timeout);
+    add_quiet(*command, options.quiet);
 }
 
 void add_replay(CLI::App& app, Arguments& arguments) {
@@ -144,6 +174,7 @@ void add_replay(CLI::App& app, Arguments& arguments) {
     vistel::add_speed(*command, options.speed);
     command->add_flag("--loop", options.loop, "From the start again at the end");
     add_format(*command, options.input);
+    add_quiet(*command, options.input.quiet);
     vistel::add_definitions(*command, options.definitions);
 }
 
@@ -231,7 +262,8 @@ bool has_command(const CLI::App& app, const std::string& name) {
         if (command->get_name() == name) return true;
         names.append(names.empty() ? "" : ", ").append(command->get_name());
     }
-    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", name.c_str(), names.c_str());
+    std::fprintf(stderr, "vistel: no command '%s'; there are: %s\n", vistel::harmless(name).c_str(),
+                 names.c_str());
     return false;
 }
 
@@ -262,6 +294,8 @@ int main(int argc, char** argv) {
     add_record(app, arguments);
     add_replay(app, arguments);
     add_encode(app, arguments);
+    for (CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
+        vistel::add_no_config(*command, arguments.no_config);
     add_catalogue(app, arguments);
     add_program(app, "monitor", "Show a recording or a live stream in a window", arguments);
     add_program(app, "top", "Show a recording or a live stream in the terminal, rewritten in place",
@@ -277,17 +311,18 @@ int main(int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        const int status = app.exit(error);
-        return status == 0 ? vistel::EXIT_CLEAN : vistel::EXIT_FAILED;
+        std::ostringstream shown;  // help, or the version
+        return app.exit(error, shown, std::cerr) == 0 ? vistel::print_out(shown.str()) : vistel::EXIT_FAILED;
     }
 
-    for (const char* const name : {"monitor", "top"})
+    for (const char* const name : {"monitor", "top"})  // which read it themselves
         if (app.got_subcommand(name)) return run_program(name, argc > 0 ? argv[0] : "", arguments.of_program);
+    if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
+    if (!apply_configuration(arguments)) return vistel::EXIT_FAILED;
     if (app.got_subcommand("record")) return vistel::run_record(arguments.record);
     if (app.got_subcommand("replay")) return vistel::run_replay(arguments.replay);
     if (app.got_subcommand("convert")) return vistel::run_convert(arguments.convert);
     if (app.got_subcommand("encode")) return vistel::run_encode(arguments.encode);
-    if (app.got_subcommand("catalogue")) return vistel::run_catalogue(arguments.table, arguments.listed);
     if (app.got_subcommand("devices")) {
         if (arguments.json) arguments.devices.form = vistel::TableForm::json;
         if (arguments.csv) arguments.devices.form = vistel::TableForm::csv;

@@ -1,7 +1,8 @@
 # find_package(pgn_vistel [COMPONENTS core views])
 #   core   pgn_vistel::core, the decoder alone
 #   views  pgn_vistel::pgn_vistel, the shared library with the windows; needs wxWidgets, on Windows for the headers of
-#          the dialogs alone
+#          the dialogs alone. There pgn_vistel::views is the same as a static library, for programs that are written with
+#          wxWidgets.
 # Without components: core, and views where they are installed and wxWidgets is there.
 include(${CMAKE_CURRENT_LIST_DIR}/pgn_vistel-core-targets.cmake)
 set(pgn_vistel_core_FOUND TRUE)

@@ -10,7 +10,8 @@ if [ "$(dpkg --print-architecture)" = amd64 ]; then test_packages="$test_package
 package_packages="dpkg-dev file lintian desktop-file-utils appstream"
 try_packages="debootstrap"
 docs_packages="doxygen"
+screenshot_packages="xvfb openbox xdotool imagemagick xterm fonts-dejavu-core pngquant"
 bench_packages="valgrind"
-# clang tells the names that Microsoft's compiler gives.
-windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev"
+# clang tells the names that Microsoft's compiler gives, git the time of the package's contents.
+windows_packages="g++-mingw-w64-i686-posix clang-14 lld-14 llvm-14 dpkg-dev git"
 wine_packages="debootstrap googletest imagemagick xvfb"

@@ -11,6 +11,16 @@ set_target_properties(pgn_vistel_host PROPERTIES EXPORT_NAME host)
 target_link_libraries(pgn_vistel_host PUBLIC pgn_vistel::toolkit_headers PRIVATE $<BUILD_INTERFACE:project_options>)
 target_link_libraries(pgn_vistel INTERFACE pgn_vistel_host PRIVATE pgn_vistel::toolkit)
 
+# Hosts that are written with the toolkit cannot share the one inside. They contain the library instead of loading it, so
+# that there is one toolkit, and everything that takes a window or control of it is theirs to use.
+add_library(pgn_vistel_views STATIC $<TARGET_OBJECTS:room_contract> $<TARGET_OBJECTS:room_platform>
+                                    $<TARGET_OBJECTS:room_views> $<TARGET_OBJECTS:room_library>)
+add_library(pgn_vistel::views ALIAS pgn_vistel_views)
+set_target_properties(pgn_vistel_views PROPERTIES EXPORT_NAME views LINKER_LANGUAGE CXX)
+target_compile_definitions(pgn_vistel_views PUBLIC PGN_VISTEL_STATIC)
+target_include_directories(pgn_vistel_views PUBLIC $<BUILD_INTERFACE:${platform_public}>)
+target_link_libraries(pgn_vistel_views PUBLIC pgn_vistel::core pgn_vistel::toolkit ${platform_libraries})
+
 # ---- what it exports ----
 
 # The names of ${exports} that ${objects} define, and those by which hosts of Microsoft's compiler know them; these have

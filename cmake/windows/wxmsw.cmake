@@ -5,6 +5,8 @@ set(wxBUILD_SHARED OFF CACHE BOOL "")
 set(wxBUILD_MONOLITHIC ON CACHE BOOL "")
 set(wxBUILD_USE_STATIC_RUNTIME ON CACHE BOOL "")
 set(wxUSE_REPRODUCIBLE_BUILD ON CACHE BOOL "")
+# The library has this path in it, so it is not the one that it is installed at.
+set(CMAKE_INSTALL_PREFIX /wxwidgets CACHE PATH "")
 # A failed assertion would show a message box in the host.
 set(wxBUILD_DEBUG_LEVEL 0 CACHE STRING "")
 

@@ -1,21 +1,28 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "command_line/pgn_choice.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/content_kind.h"
 #include "readers/formats.h"
+#include "text/printable.h"
 
 namespace vistel {
 
 /// What both programs say of a command line that they cannot read.
 inline std::string usage_error(const CLI::App* command, const CLI::Error& error) {
-    return "vistel: " + CLI::FailureMessage::simple(command, error);
+    const std::string_view what = error.what();
+    std::string text = CLI::FailureMessage::simple(command, error);
+    if (text.starts_with(what)) text.replace(0, what.size(), harmless(what));
+    return "vistel: " + text;
 }
 
 /// The option for the set of definitions; `definitions` has the default.
@@ -34,13 +41,39 @@ inline void add_definitions(CLI::App& command, pgn_vistel::core::Definitions& de
         ->type_name("SET");
 }
 
+/// The option for the PGNs that are shown.
+inline void add_pgns(CLI::App& command, std::vector<std::uint32_t>& pgns) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--pgn",
+            [&pgns](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) {
+                    auto parsed = parse_pgns(text);
+                    if (!parsed) throw CLI::ValidationError("--pgn", parsed.error().text);
+                    pgns.insert(pgns.end(), parsed->begin(), parsed->end());
+                }
+                for (const std::uint32_t pgn : pgns)
+                    if (!is_catalogued(pgn))
+                        std::fprintf(stderr, "vistel: PGN %u is not in the catalogue; it is shown as bytes\n",
+                                     static_cast<unsigned>(pgn));
+            },
+            "Only these PGNs: numbers or names, with commas between them")
+        ->type_name("PGN")
+        ->allow_extra_args(false);
+}
+
 /// The options for units: a named set, and single ones.
 inline void add_units(CLI::App& command, std::string& set, std::vector<std::string>& units) {
-    command.add_option("--units", set, "Units for everything: default, metric or si");
+    command.add_option("--units", set, "Units for everything: default, metric, nautical, us or si");
     command
         .add_option("--unit", units,
                     "QUANTITY=UNIT, as in --unit Depth=m (see 'vistel catalogue quantities')")
         ->allow_extra_args(false);
+}
+
+/// The option to leave the user's configuration alone.
+inline void add_no_config(CLI::App& command, bool& no_config) {
+    command.add_flag("--no-config", no_config, "Without the configuration file (see the manual)");
 }
 
 /// The option for the speed at which a recording is played; 0 stands for "max".

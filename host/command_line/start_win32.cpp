@@ -4,8 +4,12 @@
 // The order matters.
 #include <shellapi.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
+#include <mutex>
 #include <optional>
+#include <thread>
 
 #include "command_line/start.h"
 #include "text/windows_text.h"
@@ -14,15 +18,51 @@ namespace vistel {
 
 namespace {
 
+/// Sends what is told to a console in whole messages, soon after. The runtime would hand over byte by byte,
+/// and not every console makes characters of such bytes.
+class WholeMessages {
+  public:
+    WholeMessages() {
+        constexpr std::size_t room = 1 << 14;
+        std::setvbuf(stderr, nullptr, _IOFBF, room);
+    }
+    ~WholeMessages() {
+        {
+            const std::lock_guard lock(mutex_);
+            is_over_ = true;
+        }
+        changed_.notify_one();
+        flusher_.join();
+        std::fflush(stderr);
+    }
+    WholeMessages(const WholeMessages&) = delete;
+    WholeMessages& operator=(const WholeMessages&) = delete;
+
+  private:
+    void flush_until_over() {
+        std::unique_lock lock(mutex_);
+        while (!changed_.wait_for(lock, std::chrono::milliseconds(30), [this] { return is_over_; }))
+            std::fflush(stderr);
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool is_over_ = false;
+    std::thread flusher_{&WholeMessages::flush_until_over, this};
+};
+
 /// The console is the user's: it is left as it was found.
 class Console {
   public:
     Console() {
         if (code_page_ != 0) SetConsoleOutputCP(CP_UTF8);
         // Progress takes itself off the screen by an escape sequence.
-        if (has_mode_) SetConsoleMode(errors_, mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+        if (!has_mode_) return;
+        SetConsoleMode(errors_, mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+        whole_messages_.emplace();
     }
     ~Console() {
+        whole_messages_.reset();  // while the console still takes them
         if (code_page_ != 0) SetConsoleOutputCP(code_page_);
         if (has_mode_) SetConsoleMode(errors_, mode_);
     }
@@ -34,6 +74,7 @@ class Console {
     const HANDLE errors_ = GetStdHandle(STD_ERROR_HANDLE);
     DWORD mode_ = 0;
     const bool has_mode_ = GetConsoleMode(errors_, &mode_) != 0;
+    std::optional<WholeMessages> whole_messages_;
 };
 
 }  // namespace

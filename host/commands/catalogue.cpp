@@ -8,6 +8,7 @@
 #include "commands/decode.h"
 #include "commands/interrupt.h"
 #include "commands/output_status.h"
+#include "commands/unit_options.h"
 #include "output/sink.h"
 #include "output/unit_names.h"
 #include "pgn_vistel/core/catalogue.h"
@@ -165,17 +166,11 @@ void print_units(Sink& out) {
 
 void print_quantities(Sink& out) {
     Table table(out, "quantity\tname\tunits\tsi");
-    const auto rows = quantity_rows();
     for (DispDataType q = 0; q < quantity::count; ++q) {
-        const auto row = std::ranges::find(rows, q, &QuantityRow::quantity);
         std::string units;
         for (const UnitId* u = available_units(q); *u < unit::count; ++u)
             units += (units.empty() ? "" : ", ") + vistel::unit_text(*u);
-        table.number(q)
-            .text(row != rows.end() ? row->label : "")
-            .text(units)
-            .text(vistel::unit_text(si_unit(q)))
-            .end();
+        table.number(q).text(quantity_name(q)).text(units).text(vistel::unit_text(si_unit(q))).end();
     }
 }
 

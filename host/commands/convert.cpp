@@ -11,6 +11,8 @@
 #include "commands/reading.h"
 #include "output/output_file.h"
 #include "output/sink.h"
+#include "text/printable.h"
+#include "text/words.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
@@ -32,6 +34,7 @@ class Converting {
         bytes_.clear();
     }
     void refuse(const N2KMsg& msg, const char* why);
+    void name_buses();
 
     const ConvertOptions& options_;
     const std::unique_ptr<RecordWriter> writer_ = make_writer(options_.to);
@@ -43,13 +46,28 @@ class Converting {
                          if (out_) out_->flush();
                      }};
     std::uint64_t refused_ = 0;
+    std::size_t named_ = 0;    // buses that the writer knows of
+    bool tells_buses_ = true;  // the format does
 };
 
 void Converting::refuse(const N2KMsg& msg, const char* why) {
-    reading_.clear_progress();
-    std::fprintf(stderr, "vistel: PGN %" PRIu32 " from source %d is left out: %s\n", msg.pgn, msg.source,
-                 why);
+    reading_.tell(concat("PGN ", msg.pgn, " from source ", unsigned{msg.source}),
+                  concat("is left out: ", why));
     ++refused_;
+}
+
+/// Records come from another bus.
+void Converting::name_buses() {
+    const Inputs& inputs = reading_.inputs();
+    for (; named_ < inputs.bus_count(); ++named_) {
+        const auto bus = static_cast<std::uint8_t>(named_);
+        const std::string_view name = inputs.bus_name(bus), written = writer_->name_bus(bus, name);
+        tells_buses_ = !written.empty();
+        if (written.empty() || name.empty() || written == name || reading_.is_quiet()) continue;
+        reading_.clear_progress();
+        std::fprintf(stderr, "vistel: interface %s is %s in what is written\n", std::string(name).c_str(),
+                     std::string(written).c_str());
+    }
 }
 
 /// An input begins. False where there is nothing to write to.
@@ -60,7 +78,8 @@ bool Converting::begin() {
     }
     auto output = open_output(options_.output, options_.input.names);
     if (!output) {
-        std::fprintf(stderr, "vistel: %s: %s\n", options_.output.c_str(), output.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(options_.output).c_str(),
+                     output.error().text.c_str());
         return false;
     }
     out_.emplace(*output);
@@ -74,6 +93,7 @@ int Converting::run() {
         switch (reading_.next(record)) {
             case Event::begins: more = begin(); break;
             case Event::record:
+                if (named_ < reading_.inputs().bus_count()) name_buses();
                 converter_.put(record);
                 put_out();
                 more = out_->is_open();
@@ -91,8 +111,7 @@ int Converting::run() {
     reading_.clear_progress();
     if (output_status(*out_) != EXIT_CLEAN) return EXIT_FAILED;
     const std::size_t buses = reading_.inputs().bus_count();
-    constexpr std::string_view tells_buses_apart = "candump";
-    if (buses > 1 && options_.to != tells_buses_apart)
+    if (buses > 1 && !tells_buses_ && !reading_.is_quiet())
         std::fprintf(stderr, "vistel: %zu interfaces are one in what was written\n", buses);
     const int status = reading_.finish(converter_.counters());
     if (refused_ > 0)

@@ -15,6 +15,8 @@ enum ExitStatus {
     EXIT_CLEAN = 0,    ///< everything was read
     EXIT_SKIPPED = 1,  ///< some of the input could not be read or reassembled
     EXIT_FAILED = 2,   ///< bad usage, or a file that cannot be read or written
+    /// An interrupt before the end: this and the number of the signal, as shells have it.
+    EXIT_INTERRUPTED = 128,
 };
 
 struct DecodeOptions {

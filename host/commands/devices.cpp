@@ -125,7 +125,7 @@ int Watching::run() {
         refresh();
     }
     if (!reading_.has_begun()) return EXIT_FAILED;
-    if (options_.input.sends && !reading_.is_live())
+    if (options_.input.sends && !reading_.is_live() && !reading_.is_quiet())
         std::fputs("vistel: nobody can be asked: that needs a live source\n", stderr);
     reading_.clear_progress();
     print();

@@ -1,7 +1,5 @@
 #include "commands/encode.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -10,7 +8,6 @@
 
 #include "can/frames.h"
 #include "commands/decode.h"
-#include "commands/interrupt.h"
 #include "commands/output_status.h"
 #include "encode/calendar_entry.h"
 #include "encode/choices.h"
@@ -21,6 +18,7 @@
 #include "output/unit_names.h"
 #include "readers/timestamp.h"
 #include "text/hex.h"
+#include "text/printable.h"
 #include "text/quotes.h"
 #include "text/utf8.h"
 #include "text/words.h"
@@ -33,7 +31,7 @@ namespace vistel {
 namespace {
 
 int fail(const Failure& failure) {
-    std::fprintf(stderr, "vistel: %s\n", failure.text.c_str());
+    std::fprintf(stderr, "vistel: %s\n", harmless(failure.text).c_str());
     return EXIT_FAILED;
 }
 
@@ -42,14 +40,6 @@ int fail(const Failures& failures) {
     const std::size_t count = failures.texts.size();
     for (std::size_t i = 0; i < std::min(count, most); ++i) fail({failures.texts[i]});
     return count > most ? fail(failure("and ", count - most, " more like these")) : EXIT_FAILED;
-}
-
-int print(const std::string& text) {
-    ignore_closed_pipes();
-    const auto out = std::make_unique<Sink>(STDOUT_FILENO);
-    out->put(text);
-    out->flush();
-    return output_status(*out);
 }
 
 std::string name_of(const PgnDef& row) {
@@ -80,14 +70,6 @@ std::vector<const PgnDef*> named_rows(Definitions set) {
     for (const PgnDef& row : set == Definitions::fixed ? all_pgns() : all_corrected_pgns())
         if (set == Definitions::fixed || row.pgn != 0) rows.push_back(&row);
     return rows;
-}
-
-/// A row's name without regard to case; two blanks count as one.
-std::string comparable_name(std::string_view name) {
-    std::string text = simplified(trimmed(name));
-    text.erase(std::unique(text.begin(), text.end(), [](char a, char b) { return a == ' ' && b == ' '; }),
-               text.end());
-    return text;
 }
 
 Result<Chosen> choose_by_name(Definitions set, const std::string& text) {
@@ -226,7 +208,7 @@ int list_corrected(const EncodeOptions& options, ReadingContext& context, const 
             out.insert(out.size() - 1, ", variant " + std::string(variant_of(*definition)));
         if (has_one_name) out += fields_text(options, context, *definition, {});
     }
-    return print(out);
+    return print_out(out);
 }
 
 int list_fields(const EncodeOptions& options, ReadingContext& context, const PgnDef& row) {
@@ -253,7 +235,7 @@ int list_fields(const EncodeOptions& options, ReadingContext& context, const Pgn
         if (lists.size() > 1) out += " where the payload begins with" + list.beginnings + ":\n";
         out += list.fields;
     }
-    return print(out);
+    return print_out(out);
 }
 
 // ---- the message ----
@@ -278,6 +260,10 @@ Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn)
     if (options.time.empty()) return RecordTime{};
     auto time = TimestampParser().parse(options.time);
     if (!time) return failure("time ", quoted(options.time), ": ", time.error());
+    // Recordings count from 1970 on, and of a date that cannot be told they keep the time of day alone.
+    const bool has_date = options.time.find('-') == options.time.find_first_not_of("0123456789");
+    if (time->nanoseconds < 0 || (has_date && time->origin != RecordTime::Origin::epoch))
+        return failure("time ", quoted(options.time), ": the years 1970 to 2261 can be sent");
     return *time;
 }
 
@@ -338,7 +324,7 @@ int run_encode(const EncodeOptions& options) {
     msg->source = static_cast<std::uint8_t>(options.source);
     msg->destination = static_cast<std::uint8_t>(options.destination);
     Result<std::string> lines = written(options, *msg, *time);
-    return lines ? print(*lines) : fail(lines.error());
+    return lines ? print_out(*lines) : fail(lines.error());
 }
 
 }  // namespace vistel

@@ -9,6 +9,11 @@ void ignore_closed_pipes();
 /// program.
 void watch_interrupts();
 
-bool interrupted();
+/// The number of the signal that came, 0 for none. On Windows an interrupt has that of Ctrl-C elsewhere.
+int interrupt_signal();
+
+inline bool interrupted() {
+    return interrupt_signal() != 0;
+}
 
 }  // namespace vistel

@@ -16,15 +16,15 @@ void ignore_closed_pipes() {
 
 void watch_interrupts() {
     struct sigaction action = {};
-    action.sa_handler = [](int) { flag = 1; };
+    action.sa_handler = [](int signal) { flag = signal; };
     // A second one ends the program the hard way; reads are not restarted.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }
 
-bool interrupted() {
-    return flag != 0;
+int interrupt_signal() {
+    return flag;
 }
 
 }  // namespace vistel

@@ -24,8 +24,9 @@ void watch_interrupts() {
     SetConsoleCtrlHandler(note, TRUE);
 }
 
-bool interrupted() {
-    return flag;
+int interrupt_signal() {
+    constexpr int ctrl_c = 2;
+    return flag ? ctrl_c : 0;
 }
 
 }  // namespace vistel

@@ -3,8 +3,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "commands/decode.h"
+#include "commands/interrupt.h"
 
 namespace vistel {
 
@@ -12,6 +14,15 @@ int output_status(const Sink& out) {
     if (out.is_open() || out.error() == EPIPE) return EXIT_CLEAN;
     std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out.error()));
     return EXIT_FAILED;
+}
+
+int print_out(const std::string& text) {
+    constexpr int standard_output = 1;
+    ignore_closed_pipes();
+    const auto out = std::make_unique<Sink>(standard_output);
+    out->put(text);
+    out->flush();
+    return output_status(*out);
 }
 
 }  // namespace vistel

@@ -5,34 +5,61 @@
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
-#include "commands/losses.h"
+#include "text/words.h"
 
 namespace vistel {
 
 Reading::Reading(const InputOptions& options, std::function<void()> before_wait)
-    : inputs_(options, {std::move(before_wait), [this](const std::string& line) {
-                            clear_progress();
-                            std::fprintf(stderr, "%s\n", line.c_str());
-                        }}) {}
+    : is_quiet_(options.quiet), inputs_(options, {std::move(before_wait), [this](const std::string& line) {
+                                                      if (is_quiet_) return;
+                                                      clear_progress();
+                                                      std::fprintf(stderr, "%s\n", line.c_str());
+                                                  }}) {}
 
 void Reading::note(Event event) {
     if (event == Event::begins && !has_begun()) {
         watch_interrupts();
         ignore_closed_pipes();
-        progress_.emplace(inputs_.bytes_total());
+        progress_.emplace(is_quiet_ ? 0 : inputs_.bytes_total());
+    } else if (event == Event::end) {
+        has_ended_ = true;
     } else if (event == Event::problem) {
-        clear_progress();
-        std::fprintf(stderr, "%s\n", inputs_.problem().c_str());
-        if (inputs_.is_problem_of_whole()) {
-            is_readable_ = false;
-        } else {
-            ++problems_;
-        }
+        note_problem();
     }
 }
 
-int Reading::finish(const ReassemblyCounters& counters) const {
-    const int status = report_losses(problems_, counters);
+void Reading::note_problem() {
+    const Problem& problem = inputs_.problem();
+    const std::string& recording = inputs_.recording_of_problem();
+    const auto line = [&] { return described(problem, recording); };
+    clear_progress();
+    if (problem.place == Problem::Place::whole) {
+        is_readable_ = false;
+        std::fprintf(stderr, "%s\n", line().c_str());
+        return;
+    }
+    const bool is_line = problem.place == Problem::Place::line;
+    ++(is_line ? losses_.lines : losses_.records);
+    log_.tell(recording, problem.text, line, [&] {
+        return is_line ? concat("like ", recording, ":", problem.number)
+                       : concat("like that at byte ", problem.number, " of ", recording);
+    });
+}
+
+void Reading::tell(const std::string& what, std::string_view why) {
+    clear_progress();
+    log_.tell(
+        {}, concat(what, why), [&] { return concat("vistel: ", what, " ", why); },
+        [&] { return concat("like ", what); });
+}
+
+int Reading::finish(const ReassemblyCounters& counters) {
+    log_.finish();
+    losses_.dropped = inputs_.dropped_frames();
+    if (is_quiet_ && is_live()) return is_readable_ ? EXIT_CLEAN : EXIT_FAILED;
+    const int status = report_losses(losses_, counters);
+    if (!has_ended_ && interrupted())
+        if (const std::string place = inputs_.unread_place(); !place.empty()) return report_interrupt(place);
     if (!is_readable_) return EXIT_FAILED;
     return is_live() ? EXIT_CLEAN : status;
 }

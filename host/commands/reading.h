@@ -3,7 +3,11 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
+#include <string_view>
 
+#include "commands/losses.h"
+#include "commands/problem_log.h"
 #include "commands/progress.h"
 #include "inputs/inputs.h"
 #include "reassembly/counters.h"
@@ -39,24 +43,35 @@ class Reading {
     bool has_begun() const { return progress_.has_value(); }
     bool is_live() const { return !inputs_.links().empty(); }
 
+    /// Says what a command cannot do with a message, which is called `what`, as with problems of the inputs:
+    /// not each of many that are alike.
+    void tell(const std::string& what, std::string_view why);
+
+    /// Whether nothing is to be told but what the exit status stands for.
+    bool is_quiet() const { return is_quiet_; }
+
     /// Takes the progress off the screen, so that something else can be said.
     void clear_progress() {
         if (progress_) progress_->clear();
     }
 
-    /// At the end: says what was skipped, and returns the exit status that it leads to. What is lost on a
-    /// live source, which the user ends, is told and no more.
-    int finish(const ReassemblyCounters& counters) const;
+    /// At the end: says what was skipped and where an interrupt ended the reading, and returns the exit
+    /// status that it leads to. What is lost on a live source, which the user ends, is told and no more.
+    int finish(const ReassemblyCounters& counters);
 
-    std::uint64_t problems() const { return problems_; }
+    std::uint64_t problems() const { return losses_.lines + losses_.records; }
 
   private:
     void note(Event event);
+    void note_problem();
 
+    const bool is_quiet_;
     Inputs inputs_;
     std::optional<Progress> progress_;
-    std::uint64_t problems_ = 0;
+    ProblemLog log_{is_quiet_};
+    InputLosses losses_;
     bool is_readable_ = true;
+    bool has_ended_ = false;
 };
 
 }  // namespace vistel

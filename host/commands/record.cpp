@@ -12,6 +12,7 @@
 #include "readers/stream_capture.h"
 #include "sources/source.h"
 #include "sources/source_name.h"
+#include "text/printable.h"
 #include "writers/pcap_writer.h"
 
 namespace vistel {
@@ -19,7 +20,7 @@ namespace vistel {
 namespace {
 
 int fail(const std::string& what, const std::string& why) {
-    std::fprintf(stderr, "vistel: %s: %s\n", what.c_str(), why.c_str());
+    std::fprintf(stderr, "vistel: %s: %s\n", harmless(what).c_str(), harmless(why).c_str());
     return EXIT_FAILED;
 }
 
@@ -27,7 +28,8 @@ LinkOptions link_options(const RecordOptions& options) {
     LinkOptions how;
     how.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options.timeout * 1000));
     how.tell = [&options](const std::string& text) {
-        std::fprintf(stderr, "vistel: %s: %s\n", options.source.c_str(), text.c_str());
+        if (options.quiet) return;
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(options.source).c_str(), text.c_str());
     };
     return how;
 }
@@ -54,7 +56,7 @@ int keep(const RecordOptions& options, const LinkCounters& counters, std::string
     }
     file.flush();
     if (const int status = output_status(file.out()); status != EXIT_CLEAN) return status;
-    print(counters);
+    if (!options.quiet) print(counters);
     return EXIT_CLEAN;
 }
 
@@ -75,22 +77,26 @@ int record_stream(const RecordOptions& options, const SourceName& name) {
     });
 }
 
-int record_frames(const RecordOptions& options) {
+int record_can(const RecordOptions& options) {
     Recording recording;
     auto opened = open_source(recording, options.source, {.patience_ms = patience}, link_options(options));
     if (!opened) return fail(options.source, opened.error().text);
+    return record_frames(options, recording, *opened->counters);
+}
+
+}  // namespace
+
+int record_frames(const RecordOptions& options, Recording& source, const LinkCounters& counters) {
     PcapWriter writer;
     std::string head;
     writer.begin(Record::Kind::frame, head);
     Record record;
-    return keep(options, *opened->counters, head, [&](std::string& bytes, RecordedFile& file) {
-        if (recording.would_wait()) file.flush();
-        if (recording.next(record) == ReadResult::record) writer.put(record, bytes);
+    return keep(options, counters, head, [&](std::string& bytes, RecordedFile& file) {
+        if (source.would_wait()) file.flush();
+        if (source.next(record) == ReadResult::record) writer.put(record, bytes);
         return true;
     });
 }
-
-}  // namespace
 
 int run_record(const RecordOptions& options) {
     auto name = parse_source(options.source);
@@ -98,7 +104,7 @@ int run_record(const RecordOptions& options) {
     if (!name->is_live()) return fail(options.source, "is no live source");
     if (options.rotation.is_wanted() && options.output == "-")
         return fail("--rotate", "standard output is one file");
-    return name->kind == SourceName::Kind::can ? record_frames(options) : record_stream(options, *name);
+    return name->kind == SourceName::Kind::can ? record_can(options) : record_stream(options, *name);
 }
 
 }  // namespace vistel

@@ -8,8 +8,11 @@
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
+#include "commands/losses.h"
 #include "monitor/player.h"
 #include "sources/outlet.h"
+#include "text/printable.h"
+#include "text/words.h"
 #include "writers/converter.h"
 #include "writers/written_formats.h"
 
@@ -65,6 +68,7 @@ class Replaying final : PlayListener {
     Converter converter_{writer_, unused_, [this](const N2KMsg&, const char*) { ++refused_; },
                          options_.definitions};
     PlayCounters played_;  // of the players that are gone
+    std::string place_ = "before the first recording";
 };
 
 void Replaying::on_record(const Record& record) {
@@ -82,13 +86,12 @@ void Replaying::wait_for_room() {
 
 /// False where the recording as a whole cannot be read.
 bool Replaying::play(const std::string& name) {
-    Player player({.file = name,
-                   .format = options_.input.format,
-                   .contents = options_.input.contents,
-                   .speed = options_.speed.value_or(1),
-                   .definitions = options_.definitions});
+    place_ = "in " + harmless(name);
+    InputOptions input = options_.input;
+    input.names = {name};
+    Player player({.input = input, .speed = options_.speed.value_or(1), .definitions = options_.definitions});
     if (const Status opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", name.c_str(), opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(opened.error().text).c_str());
         return false;
     }
     while (!player.ended() && !interrupted()) {
@@ -100,8 +103,8 @@ bool Replaying::play(const std::string& name) {
     const PlayCounters& counters = player.counters();
     played_.messages += counters.messages;
     played_.skipped_gaps += counters.skipped_gaps;
-    if (played_.problems == 0 && counters.problems > 0)
-        std::fprintf(stderr, "%s\n", player.first_problem().c_str());
+    if (played_.problems == 0 && counters.problems > 0 && !options_.input.quiet)
+        std::fprintf(stderr, "%s\n", harmless(player.first_problem()).c_str());
     played_.problems += counters.problems;
     return counters.messages > 0 || counters.problems == 0;
 }
@@ -114,11 +117,13 @@ int Replaying::run() {
             if (!interrupted() && !play(name)) is_readable = false;
         if (!options_.loop || played_.messages == before) break;
     }
+    const bool is_broken_off = interrupted() && !options_.loop;
     constexpr auto most = 2s;
     for (const auto until = std::chrono::steady_clock::now() + most;
          !outlet_.is_empty() && std::chrono::steady_clock::now() < until;)
         outlet_.run(10ms);
-    say_what_was_sent();
+    if (!options_.input.quiet) say_what_was_sent();
+    if (is_broken_off) return report_interrupt(concat("after ", played_.messages, " messages, ", place_));
     return is_readable ? EXIT_CLEAN : EXIT_FAILED;
 }
 
@@ -139,7 +144,7 @@ void Replaying::say_what_was_sent() const {
 }
 
 int fail(const std::string& to, const std::string& why) {
-    std::fprintf(stderr, "vistel: %s: %s\n", to.c_str(), why.c_str());
+    std::fprintf(stderr, "vistel: %s: %s\n", harmless(to).c_str(), why.c_str());
     return EXIT_FAILED;
 }
 
@@ -152,7 +157,8 @@ int run_replay(const ReplayOptions& options) {
     if (is_can && !options.as.empty()) return fail(options.to, "a CAN interface has no format to be named");
     OutletOptions how;
     how.tell = [&options](const std::string& text) {
-        std::fprintf(stderr, "vistel: %s: %s\n", options.to.c_str(), text.c_str());
+        if (options.input.quiet) return;
+        std::fprintf(stderr, "vistel: %s: %s\n", harmless(options.to).c_str(), text.c_str());
     };
     watch_interrupts();
     ignore_closed_pipes();

@@ -18,7 +18,8 @@ struct ReplayOptions {
 };
 
 /// Plays recordings to other programs, one after the other, until they are over or it is interrupted. What
-/// was sent is said at the end, on standard error. Returns the exit status.
+/// was sent is said at the end, on standard error. Returns the exit status; an interrupt is the usual end of
+/// a loop alone.
 int run_replay(const ReplayOptions& options);
 
 }  // namespace vistel

@@ -25,7 +25,7 @@ void print(const LinkCounters& link) {
     line("times without traffic", link.silences);
     if (link.bytes > 0) line("bytes received", link.bytes);
     line("error frames", link.error_frames);
-    line("frames dropped by the system", link.dropped_frames);
+    line(link.bytes > 0 ? "datagrams dropped by the system" : "frames dropped by the system", link.dropped);
 }
 
 void print(const Losses& losses) {

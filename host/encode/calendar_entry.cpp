@@ -36,8 +36,8 @@ std::optional<Clock> take_clock(std::string_view text) {
 
 /// Times of day are sent in steps of which single precision gives many one value: the step that was typed.
 std::optional<std::uint64_t> step_of_day(const RawScale& scale, double seconds) {
-    constexpr double steps = 1e4, day = 86400, rounding = 0x1p-22;
-    if (!(seconds >= 0 && seconds <= day)) return {};
+    constexpr double steps = 1e4, most = 0xFFFFFFFC, rounding = 0x1p-22;
+    if (!(seconds >= 0 && seconds * steps <= most)) return {};
     const auto raw = static_cast<std::uint64_t>(std::llround(seconds * steps));
     const std::optional<double> value = scale.value_of(raw);
     const bool is_it = value && std::fabs(*value - seconds) <= seconds * rounding;

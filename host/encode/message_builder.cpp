@@ -328,9 +328,13 @@ void Building::report_unused(const Bytes& beginning) {
         const auto count =
             std::ranges::count_if(labels_, [&](const std::string& l) { return means_label(label, l); });
         if (count > 0) {
-            const std::string times = count == 1 ? "once" : std::to_string(count) + " times";
-            errors_.push_back(in_quotes(label) + " is given more than " + times +
-                              ", as often as it is in PGN " + number);
+            const auto typed = std::ranges::count_if(fields_, [&](const TypedField& field) {
+                return means_label(field.label, label) || means_label(label, field.label);
+            });
+            std::string error = concat(
+                in_quotes(label), " is typed ", typed == 2 ? "twice" : std::to_string(typed) + " times",
+                ", but PGN ", number, " has it ", count == 1 ? "once" : std::to_string(count) + " times");
+            if (std::ranges::find(errors_, error) == errors_.end()) errors_.push_back(std::move(error));
             continue;
         }
         if (choices.empty())

@@ -40,6 +40,13 @@ bool is_longer_form(std::string_view text, std::string_view abbreviated) {
 
 }  // namespace
 
+std::string comparable_name(std::string_view name) {
+    std::string text = simplified(trimmed(name));
+    text.erase(std::unique(text.begin(), text.end(), [](char a, char b) { return a == ' ' && b == ' '; }),
+               text.end());
+    return text;
+}
+
 std::string suggestion(std::string_view typed, const std::vector<std::string>& choices,
                        std::string_view otherwise) {
     constexpr std::size_t few = 6, named = 3;

@@ -14,7 +14,9 @@ struct InputOptions {
     ContentKind contents = ContentKind::as_it_seems;  ///< for formats that do not tell
     bool merge = false;                               ///< by time, instead of one after the other
     bool sends = false;                               ///< frames are going to be sent to live sources
-    double timeout = 30;  ///< seconds without traffic until a live source says so; 0 never
+    bool quiet = false;                               ///< nothing is told but what the exit status stands for
+    double timeout = 30;    ///< seconds without traffic until a live source says so; 0 never
+    int patience_ms = 250;  ///< longest wait for input; 0 for those who look again themselves
 };
 
 }  // namespace vistel

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <utility>
 
+#include "sources/source_name.h"
 #include "text/printable.h"
-#include "text/utf8.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -14,8 +15,6 @@ namespace vistel {
 namespace {
 
 using Origin = RecordTime::Origin;
-
-constexpr int patience_ms = 250;  // a signal may come between the look at its flag and the wait
 
 /// The bytes of several files; 0 where that is not known of one of them.
 std::uint64_t size_of(const std::vector<std::string>& names) {
@@ -42,21 +41,38 @@ std::string_view kind_of_times(Origin origin) {
 
 /// A name as outputs may show it: well-formed UTF-8 without control characters.
 std::string shown(std::string_view name) {
-    std::string text = printable(name);
-    if (!utf16_of(text))
-        std::ranges::replace_if(
-            text, [](char c) { return (c & 0x80) != 0; }, '?');
-    return text;
+    return printable(harmless(name));
+}
+
+/// Between two looks at what is due with links.
+constexpr std::chrono::milliseconds slice{100};
+
+bool is_live(const std::string& name) {
+    auto source = parse_source(name);
+    return source && source->is_live();
+}
+
+/// Live sources never end and stand behind recordings. What they bring is in order by itself.
+InputOptions in_order(InputOptions options) {
+    if (std::ranges::all_of(options.names, is_live)) options.merge = false;
+    if (!options.merge)
+        std::stable_partition(options.names.begin(), options.names.end(), std::not_fn(is_live));
+    return options;
 }
 
 }  // namespace
 
-Inputs::Inputs(const InputOptions& options, Hooks hooks) : options_(options), hooks_(std::move(hooks)) {
+Inputs::Inputs(const InputOptions& options, Hooks hooks)
+    : options_(in_order(options)), hooks_(std::move(hooks)), first_beside_(options_.names.size()) {
+    const auto live = options_.merge ? options_.names.end() : std::ranges::find_if(options_.names, is_live);
+    if (options_.names.end() - live > 1)
+        first_beside_ = static_cast<std::size_t>(live - options_.names.begin());
     how_.format = options_.format;
     how_.contents = options_.contents;
-    how_.patience_ms = patience_ms;
+    how_.patience_ms = options_.patience_ms;  // a signal may come between the look at its flag and the wait
     how_.before_wait = hooks_.before_wait;
-    for (const std::string& name : options_.names) names_.push_back(name == "-" ? "standard input" : name);
+    for (const std::string& name : options_.names)
+        names_.push_back(name == "-" ? "standard input" : harmless(name));
 }
 
 /// Behind the last result of the current input, which is no record.
@@ -69,35 +85,66 @@ Inputs::Event Inputs::go_on(ReadResult result) {
     return begin_next();
 }
 
+bool Inputs::is_file() const {
+    return std::ranges::all_of(open_, [](const auto& input) { return input->recording.is_file(); });
+}
+
+bool Inputs::would_wait() {
+    if (current_ != nullptr) return current_->recording.would_wait();
+    if (is_beside_)
+        return std::ranges::all_of(open_, [](const auto& input) { return input->recording.would_wait(); });
+    if (!options_.merge) return false;
+    return opened_ == names_.size() && std::ranges::any_of(open_, [](const auto& input) {
+               return !input->has_record && input->recording.would_wait();
+           });
+}
+
 // ---- opening and closing ----
 
 bool Inputs::open_next() {
     auto input = std::make_unique<Input>(opened_++);
     LinkOptions link;
+    RecordingOptions how = how_;
+    if (input->place >= first_beside_) {
+        if (!loop_) loop_ = std::make_shared<EventLoop>();
+        link.loop = loop_;
+        how.patience_ms = 0;
+    }
     link.silence = std::chrono::milliseconds(static_cast<std::int64_t>(options_.timeout * 1000));
     link.sends = options_.sends;
     link.tell = [this, place = input->place](const std::string& text) {
         if (hooks_.tell) hooks_.tell(concat("vistel: ", names_[place], ": ", text));
     };
-    auto opened = open_source(input->recording, options_.names[input->place], how_, link);
+    auto opened = open_source(input->recording, options_.names[input->place], how, link);
     if (!opened) {
         fail(input->place, opened.error().text);
         return false;
     }
-    if (opened->is_live()) links_.push_back(opened->counters);
+    if (opened->is_live()) links_.push_back({names_[input->place], opened->counters});
     if (!any_open_)
         bytes_total_ = names_.size() == 1 ? input->recording.bytes_total() : size_of(options_.names);
     any_open_ = true;
+    input->is_live = opened->is_live();
     input->send = opened->send;
     open_.push_back(std::move(input));
     return true;
 }
 
 Inputs::Event Inputs::begin_next() {
-    if (opened_ == names_.size()) return Event::end;
-    if (!open_next()) return Event::problem;
-    current_ = open_.front().get();
+    if (opened_ < names_.size()) {
+        if (!open_next()) return Event::problem;
+        if (opened_ > first_beside_) return Event::nothing;
+        current_ = open_.front().get();
+        return Event::begins;
+    }
+    if (open_.empty()) return Event::end;
+    is_beside_ = true;
     return Event::begins;
+}
+
+Inputs::Event Inputs::next_of_several(Record& record) {
+    if (options_.merge) return next_merged(record);
+    return is_beside_ ? next_beside(record) : begin_next();
 }
 
 void Inputs::note_format(std::vector<std::string_view>& formats, const Recording& recording) {
@@ -108,6 +155,7 @@ void Inputs::note_format(std::vector<std::string_view>& formats, const Recording
 void Inputs::close(const Input& input) {
     bytes_read_ += input.recording.bytes_read();
     foreign_frames_ += input.recording.foreign_frames();
+    dropped_frames_ += input.recording.dropped_frames();
     note_format(formats_, input.recording);
 }
 
@@ -122,6 +170,41 @@ Inputs::Event Inputs::pass_problem(const Input& input) {
     problem_ = &input.recording.problem();
     problem_place_ = input.place;
     return Event::problem;
+}
+
+// ---- side by side ----
+
+/// Each gives what it has, up to so many records, and when none has any, the loop is waited in.
+Inputs::Event Inputs::next_beside(Record& record) {
+    constexpr unsigned most_in_turn = 64;
+    for (std::size_t idle = 0; idle < open_.size();) {
+        if (turn_ >= open_.size()) turn_ = 0;
+        Input& input = *open_[turn_];
+        const bool had_its_turn = in_turn_ == most_in_turn;
+        if (had_its_turn || input.recording.would_wait()) {
+            if (!had_its_turn) ++idle;
+            ++turn_;
+            in_turn_ = 0;
+            continue;
+        }
+        ++in_turn_;
+        switch (input.recording.next(input.ahead)) {
+            case ReadResult::record:
+                record = input.ahead;
+                record.bus = bus_of(input, record.bus);
+                return Event::record;
+            case ReadResult::problem: return pass_problem(input);
+            case ReadResult::nothing: return Event::nothing;
+            case ReadResult::end:
+                close(input);
+                open_.erase(open_.begin() + static_cast<std::ptrdiff_t>(turn_));
+                return Event::nothing;
+        }
+    }
+    if (open_.empty()) return Event::end;
+    if (hooks_.before_wait) hooks_.before_wait();
+    loop_->run_one(std::min(slice, std::chrono::milliseconds(options_.patience_ms)));
+    return Event::nothing;
 }
 
 // ---- merged by time ----
@@ -176,7 +259,7 @@ Inputs::Event Inputs::begin_merged() {
 std::uint8_t Inputs::add_bus(const Input& input, std::uint8_t number) {
     const std::string name = shown(input.recording.bus_name(number));
     Bus bus{name.empty() ? std::to_string(number) : name, !name.empty()};
-    if (options_.merge && names_.size() > 1) {
+    if ((options_.merge && names_.size() > 1) || input.place >= first_beside_) {
         const std::string file = shown(names_[input.place]);
         const bool is_file_enough = name.empty() && number == 0;
         bus = {is_file_enough ? file : concat(file, ":", bus.label), true};
@@ -205,6 +288,13 @@ bool Inputs::send(Record frame) {
 
 // ---- what came of them ----
 
+std::string Inputs::unread_place() {
+    for (const auto& input : open_)
+        if (!input->is_live && !input->recording.would_wait())
+            return concat("at byte ", input->recording.bytes_read(), " of ", names_[input->place]);
+    return open_.empty() && opened_ < names_.size() ? "before " + names_[opened_] : "";
+}
+
 std::uint64_t Inputs::bytes_read() const {
     std::uint64_t sum = bytes_read_;
     for (const auto& input : open_) sum += input->recording.bytes_read();
@@ -214,6 +304,12 @@ std::uint64_t Inputs::bytes_read() const {
 std::uint64_t Inputs::foreign_frames() const {
     std::uint64_t sum = foreign_frames_;
     for (const auto& input : open_) sum += input->recording.foreign_frames();
+    return sum;
+}
+
+std::uint64_t Inputs::dropped_frames() const {
+    std::uint64_t sum = dropped_frames_;
+    for (const auto& input : open_) sum += input->recording.dropped_frames();
     return sum;
 }
 

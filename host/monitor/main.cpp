@@ -7,12 +7,14 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
-#include "command_line/command_line.h"
 #include "command_line/start.h"
-#include "commands/unit_options.h"
+#include "commands/output_status.h"
 #include "completion/option_table.h"
 #include "monitor/display.h"
+#include "monitor/play_arguments.h"
 #include "monitor/window.h"
 
 namespace {
@@ -40,7 +42,7 @@ class MonitorApp : public wxApp {
         // What it remembers, but for what the command line says.
         options_.settings_file = Settings::usual_file();
         options_.settings.load(options_.settings_file);
-        if (!units_.set.empty() || !units_.units.empty()) {
+        if (!units_.is_empty()) {
             options_.units = options_.settings.units;
             if (!select_units(*options_.units, units_)) return false;
         }
@@ -64,54 +66,52 @@ class MonitorApp : public wxApp {
 int main(int argc, char** argv) {
     std::vector<std::string> words;
     if (!start_program(argc, argv, words)) return bad_usage;
-    CLI::App app("Show a recording or a live stream in the monitor window");
+    CLI::App app("Show recordings or live streams in the monitor window");
     app.name("vistel monitor");
-    app.allow_windows_style_options(false);  // /tmp/boat.log is a file
-    PlayOptions play;
-    UnitOptions units;
-    StreamFilter filter;
-    const CLI::Option* const file =
-        app.add_option("FILE", play.file,
-                       "Recording or source to show; - is standard input. Without it the window asks, unless "
-                       "something is piped in");
-    add_format(app, play.format, "Format of the recording; recognised by its contents if not given");
-    add_contents(app, play.contents);
-    add_speed(app, play.speed);
-    app.add_flag("--loop", play.loop, "From the start again at the end");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
-    app.add_option("--source", filter.sources, "Only messages of these source addresses")
-        ->allow_extra_args(false);
-    add_units(app, units.set, units.units);
-    add_definitions(app, play.definitions);
-    app.failure_message(usage_error);
+    PlayArguments arguments;
+    const CLI::Option* const names = add_play_arguments(
+        app, arguments, "; - is standard input. Without one the window asks, unless something is piped in");
     if (print_option_table(app, words)) return 0;
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
 
+    if (const vistel::Status settled = add_settings(arguments); !settled) {
+        std::fprintf(stderr, "vistel: %s\n", settled.error().text.c_str());
+        return bad_usage;
+    }
     if (!has_display()) {
         std::fprintf(stderr,
                      "vistel: no display to open a window on; 'vistel decode' shows the messages as text\n");
         return bad_usage;
     }
     pgn_vistel::core::UnitSelection selection;
-    if (const auto selected = select_units(selection, units); !selected) {
-        std::fprintf(stderr, "vistel: %s\n", selected.error().text.c_str());
+    if (const auto selected = select_units(selection, arguments.units); !selected) {
+        std::fprintf(stderr, "vistel: %s\n", vistel::harmless(selected.error().text).c_str());
         return bad_usage;
     }
     std::unique_ptr<Player> player;
-    if (file->count() > 0 || has_input()) {
-        player = std::make_unique<Player>(play);
+    if (names->count() > 0 || has_input()) {
+        player = std::make_unique<Player>(arguments.play);
         if (const auto opened = player->open(); !opened) {
-            std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+            std::fprintf(stderr, "vistel: %s\n", vistel::harmless(opened.error().text).c_str());
             return bad_usage;
         }
     }
-    wxApp::SetInstance(new MonitorApp({play, filter}, units, std::move(player)));
+    int status = 0;
+    MonitorWindow::Options options{.play = arguments.play, .filter = arguments.filter};
+    options.closed = [&status](const Player* shown) {
+        if (shown == nullptr || !shown->is_unreadable()) return;
+        std::fprintf(stderr, "%s\n", shown->first_problem().c_str());
+        status = bad_usage;
+    };
+    wxApp::SetInstance(new MonitorApp(std::move(options), arguments.units, std::move(player)));
     char name[] = "vistel-monitor";
     char* name_alone[] = {name, nullptr};
     int count = 1;
-    return wxEntry(count, name_alone);
+    const int ended = wxEntry(count, name_alone);
+    return ended != 0 ? ended : status;
 }

@@ -75,12 +75,12 @@ std::string description_of(const MessageView& view) {
 MessagePane::MessagePane(wxWindow* parent) : wxPanel(parent) {
     title_ = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_ELLIPSIZE_END);
     title_->SetFont(title_->GetFont().Bold());
-    auto* const halves = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                                              wxSP_LIVE_UPDATE | wxSP_3DSASH);
-    fields_ = new TextTable(halves,
-                            {{"Field", 160}, {"Value", 140}, {"Raw", 70, true}, {"Bits", 55}, {"Bytes", 90}},
+    halves_ = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                   wxSP_LIVE_UPDATE | wxSP_3DSASH);
+    fields_ = new TextTable(halves_,
+                            {{"Field", 150}, {"Value", 165}, {"Raw", 65, true}, {"Bits", 50}, {"Bytes", 85}},
                             wxLC_SINGLE_SEL);
-    auto* const right = new wxPanel(halves);
+    auto* const right = new wxPanel(halves_);
     description_ = new wxTextCtrl(right, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
                                   wxTE_MULTILINE | wxTE_READONLY | wxTE_BESTWRAP | wxBORDER_NONE);
     plot_ = new Plot(right);
@@ -88,22 +88,33 @@ MessagePane::MessagePane(wxWindow* parent) : wxPanel(parent) {
     right_sizer->Add(description_, 1, wxEXPAND);
     right_sizer->Add(plot_, 1, wxEXPAND | wxTOP, FromDIP(2));
     right->SetSizer(right_sizer);
-    halves->SetMinimumPaneSize(FromDIP(180));
-    halves->SetSashGravity(0.65);
-    halves->SplitVertically(fields_, right, FromDIP(450));
+    halves_->SetMinimumPaneSize(FromDIP(180));
+    halves_->SetSashGravity(0.65);
+    halves_->SplitVertically(fields_, right, FromDIP(450));
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(title_, 0, wxEXPAND | wxALL, FromDIP(4));
-    sizer->Add(halves, 1, wxEXPAND);
+    sizer->Add(halves_, 1, wxEXPAND);
     SetSizer(sizer);
 }
 
-void MessagePane::show(const Stream& stream, const core::UnitSelection& units,
+void MessagePane::restore_layout(const std::map<std::string, int>& layout) {
+    const auto known = layout.find("fields");
+    halves_->SetSashPosition(known != layout.end() ? FromDIP(known->second) : GetClientSize().x * 63 / 100);
+    fields_->restore_widths(layout, "fields");
+}
+
+void MessagePane::keep_layout(std::map<std::string, int>& layout) const {
+    layout["fields"] = ToDIP(halves_->GetSashPosition());
+    fields_->keep_widths(layout, "fields");
+}
+
+void MessagePane::show(const Stream& stream, const std::string& origin, const core::UnitSelection& units,
                        core::Definitions definitions) {
     const N2KMsg& msg = stream.msg();
     MessageView view(msg, units, definitions);
-    const wxString title = wxString::FromUTF8(
-        concat(msg.pgn, " ", view.name(), " · from ", msg.source, " to ", msg.destination, " · priority ",
-               msg.priority, " · ", msg.length, " bytes · ", stream.count(), " messages"));
+    const wxString title = wxString::FromUTF8(concat(
+        msg.pgn, " ", view.name(), " · from ", origin, " to ", msg.destination, " · priority ", msg.priority,
+        " · ", msg.length, " bytes · ", stream.count(), stream.count() == 1 ? " message" : " messages"));
     if (title_->GetLabel() != title) title_->SetLabelText(title);
     std::vector<TextTable::Row> rows;
     while (view.next())

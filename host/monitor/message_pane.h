@@ -2,12 +2,13 @@
 
 #include <wx/panel.h>
 
-#include <array>
+#include <map>
 #include <string>
 
 #include "network/streams.h"
 #include "pgn_vistel/core/units.h"
 
+class wxSplitterWindow;
 class wxStaticText;
 class wxTextCtrl;
 
@@ -21,17 +22,24 @@ class MessagePane : public wxPanel {
   public:
     explicit MessagePane(wxWindow* parent);
 
-    /// Shows the latest message of a stream; of another stream than before from its first field on.
-    void show(const Stream& stream, const pgn_vistel::core::UnitSelection& units,
+    /// Shows the latest message of a stream; of another stream than before from its first field on. `origin`
+    /// says whose it is.
+    void show(const Stream& stream, const std::string& origin, const pgn_vistel::core::UnitSelection& units,
               pgn_vistel::core::Definitions definitions);
     /// Chooses the field at a position, from 0.
     void choose(std::size_t field);
+
+    /// @{ the place of its divider and the widths of its columns
+    void restore_layout(const std::map<std::string, int>& layout);
+    void keep_layout(std::map<std::string, int>& layout) const;
+    /// @}
 
   private:
     void describe(const Stream& stream, const pgn_vistel::core::UnitSelection& units,
                   pgn_vistel::core::Definitions definitions);
 
     wxStaticText* title_;
+    wxSplitterWindow* halves_;
     TextTable* fields_;
     wxTextCtrl* description_;
     Plot* plot_;

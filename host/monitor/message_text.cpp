@@ -3,7 +3,9 @@
 #include <vector>
 
 #include "network/message_view.h"
+#include "output/record_text.h"
 #include "pgn_vistel/core/render.h"
+#include "text/words.h"
 
 namespace vistel {
 
@@ -22,19 +24,27 @@ std::string rendered(Renderer& renderer) {
 
 }  // namespace
 
-std::string as_text(const Stream& stream, const core::UnitSelection& units, core::Definitions definitions) {
-    constexpr PlayTime time_stamp_unit = 10'000'000;
+std::string as_text(const Stream& stream, std::string_view bus, const core::UnitSelection& units,
+                    core::Definitions definitions) {
     core::TextRenderer renderer(units, false);
     renderer.start(stream.msg(), core::find_definition(definitions, stream.msg()),
-                   static_cast<std::uint32_t>(stream.seen() / time_stamp_unit));
-    return rendered(renderer);
+                   {.since_start = stream.seen()});
+    std::string text = rendered(renderer);
+    if (!bus.empty()) text.insert(text.find('\n'), concat(" [", bus, "]"));
+    return text;
 }
 
-std::string as_json(const Stream& stream, core::Definitions definitions) {
+std::string as_json(const Stream& stream, std::string_view bus, core::Definitions definitions) {
     core::JsonRenderer renderer(core::UnitSelection::si());
     renderer.start(stream.msg(), core::find_definition(definitions, stream.msg()),
                    {.since_start = stream.seen()});
-    return rendered(renderer);
+    std::string text = rendered(renderer);
+    if (!bus.empty()) {
+        std::string head = R"({"bus":)";
+        append_json(head, bus);
+        text.replace(0, 1, head + ",");
+    }
+    return text;
 }
 
 std::string key_of_field(const N2KMsg& msg, std::size_t position, core::Definitions definitions) {

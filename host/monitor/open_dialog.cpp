@@ -20,8 +20,14 @@ std::string ask_for_source(wxWindow* parent, const std::vector<std::string>& rec
     auto* const browse = new wxButton(&dialog, wxID_ANY, "&Browse...");
     browse->Bind(wxEVT_BUTTON, [&](wxCommandEvent&) {
         wxFileDialog chooser(&dialog, "Open a recording", wxEmptyString, wxEmptyString,
-                             wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
-        if (chooser.ShowModal() == wxID_OK) name->SetValue(chooser.GetPath());
+                             wxFileSelectorDefaultWildcardStr,
+                             wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
+        if (chooser.ShowModal() != wxID_OK) return;
+        wxArrayString paths;
+        chooser.GetPaths(paths);
+        wxString all;
+        for (const wxString& path : paths) all << (all.empty() ? "" : " + ") << path;
+        name->SetValue(all);
     });
     name->Bind(wxEVT_TEXT_ENTER, [&](wxCommandEvent&) { dialog.EndModal(wxID_OK); });
     auto* const row = new wxBoxSizer(wxHORIZONTAL);
@@ -29,7 +35,9 @@ std::string ask_for_source(wxWindow* parent, const std::vector<std::string>& rec
     row->Add(browse, wxSizerFlags().CenterVertical().Border(wxLEFT));
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     const auto border = wxSizerFlags().Expand().Border();
-    sizer->Add(new wxStaticText(&dialog, wxID_ANY, "A recording, or a live source:"), border);
+    sizer->Add(
+        new wxStaticText(&dialog, wxID_ANY, "A recording or a live source; several with  +  between them:"),
+        border);
     sizer->Add(row, border);
     sizer->Add(new wxStaticText(&dialog, wxID_ANY,
                                 "can0\ttcp://192.168.4.1:1457\tudp://:1457\t"

@@ -1,5 +1,6 @@
 #include "monitor/plot.h"
 
+#include <wx/control.h>
 #include <wx/dcbuffer.h>
 
 #include <algorithm>
@@ -41,7 +42,7 @@ void Plot::paint() {
     dc.SetFont(GetFont());
     dc.SetTextForeground(text_colour());
     const int gap = FromDIP(4), line_height = dc.GetCharHeight();
-    dc.DrawText(title_, gap, gap);
+    dc.DrawText(wxControl::Ellipsize(title_, dc, wxELLIPSIZE_MIDDLE, GetClientSize().x - 2 * gap), gap, gap);
     if (points_.empty()) return;
 
     const auto [low, high] = std::ranges::minmax(points_, {}, &Point::number);

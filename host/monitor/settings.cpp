@@ -44,6 +44,12 @@ void Settings::load(const wxString& file) {
     for (std::size_t i = 0; i < most_recent; ++i)
         if (wxString name; config.Read(numbered("recent", i), &name))
             recent.push_back(name.ToStdString(wxConvUTF8));
+    order = static_cast<int>(config.ReadLong("/window/order", order));
+    config.SetPath("/layout");
+    wxString size;
+    long cookie;
+    for (bool more = config.GetFirstEntry(size, cookie); more; more = config.GetNextEntry(size, cookie))
+        layout[size.ToStdString(wxConvUTF8)] = static_cast<int>(config.ReadLong(size, 0));
     for (core::DispDataType q = 0; q < core::quantity::count; ++q)
         if (long unit; config.Read(numbered("units", static_cast<std::size_t>(q)), &unit))
             for (const core::UnitId* offered = core::available_units(q); *offered < core::unit::count;
@@ -59,6 +65,8 @@ void Settings::save(const wxString& file) const {
     config.Write("/window/width", place.width);
     config.Write("/window/height", place.height);
     config.Write("/window/maximised", is_maximised);
+    config.Write("/window/order", order);
+    for (const auto& [name, size] : layout) config.Write("/layout/" + wxString::FromUTF8(name), size);
     for (std::size_t i = 0; i < recent.size(); ++i)
         config.Write(numbered("recent", i), wxString::FromUTF8(recent[i]));
     config.DeleteGroup("/units");

@@ -2,6 +2,7 @@
 
 #include <wx/gdicmn.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct Settings {
     bool is_maximised = false;
     std::vector<std::string> recent;  ///< sources, the last one first
     pgn_vistel::core::UnitSelection units;
+    int order = 0;                      ///< of the streams
+    std::map<std::string, int> layout;  ///< sizes in pixels of the usual scale, by what they are those of
 
     void remember_source(const std::string& name);
 

@@ -11,7 +11,8 @@ namespace vistel {
 class StreamColumns : public wxPanel {
   public:
     struct Line {
-        int middle;  ///< height in pixels
+        int middle;       ///< height in pixels
+        wxString source;  ///< short, a number for instance
         wxString title, rate, age;
         bool is_faint;
         bool operator==(const Line&) const = default;
@@ -19,6 +20,7 @@ class StreamColumns : public wxPanel {
 
     explicit StreamColumns(wxWindow* parent);
     void show(std::vector<Line> lines);
+    static constexpr int usual_width = 340;  ///< in pixels of the usual scale
 
   private:
     void paint();

@@ -27,12 +27,25 @@ constexpr GlowStep glow_steps[] = {{4, 1}, {7, 0.6}, {10, 0.3}};
 
 StreamTree::StreamTree(wxWindow& parent, core::Definitions definitions)
     : control_(new wxTreeCtrl(&parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, style)),
-      tree_(&parent, control_, Streams::most,
-            definitions == core::Definitions::corrected ? PGN_VISTEL_CORRECTED_DEFINITIONS : 0) {
-    tree_.OnInit();
-    control_->SetWindowStyleFlag(style);  // the library's tree has one of its own
-    tree_.CollapseAll();
+      flags_(definitions == core::Definitions::corrected ? PGN_VISTEL_CORRECTED_DEFINITIONS : 0) {
+    add_tree(0);
+    clear();
     control_->Bind(wxEVT_TREE_DELETE_ITEM, &StreamTree::forget, this);
+}
+
+void StreamTree::add_tree(std::uint8_t bus) {
+    trees_.try_emplace(bus, control_->GetParent(), control_, Streams::most, flags_);
+}
+
+void StreamTree::clear() {
+    for (auto& [bus, tree] : trees_) {
+        tree.OnInit();
+        if (expands_new_)
+            tree.ExpandAll();
+        else
+            tree.CollapseAll();
+    }
+    control_->SetWindowStyleFlag(style);  // the library's trees have one of their own
 }
 
 void StreamTree::forget(wxTreeEvent& event) {
@@ -41,7 +54,8 @@ void StreamTree::forget(wxTreeEvent& event) {
 }
 
 void StreamTree::set_units(const core::UnitSelection& units) {
-    for (core::DispDataType q = 0; q < core::quantity::count; ++q) tree_.SelectUnit(q, units[q]);
+    for (core::DispDataType q = 0; q < core::quantity::count; ++q)
+        trees_.begin()->second.SelectUnit(q, units[q]);  // all have one selection
     for (Row& row : rows_) row.is_stale = true;
 }
 
@@ -64,6 +78,7 @@ void StreamTree::append(const Stream& stream) {
     if (added.IsOk()) {
         row.item = last_ = added;
         row_by_item_[added.GetID()] = rows_.size();
+        lines_.push_back(rows_.size());
         if (const auto known = is_expanded_.find(row.order);
             known != is_expanded_.end() && known->second != control_->IsExpanded(added))
             control_->Toggle(added);
@@ -73,6 +88,14 @@ void StreamTree::append(const Stream& stream) {
 
 void StreamTree::add(const std::vector<const Stream*>& streams) {
     if (streams.empty()) return;
+    const auto is_new = [this](const Stream* stream) { return !trees_.contains(stream->bus()); };
+    if (std::ranges::any_of(streams, is_new)) {
+        // A tree of its own begins with an empty control.
+        std::vector<const Stream*> all;
+        for (const Row& row : rows_) all.push_back(row.stream);
+        all.insert(all.end(), streams.begin(), streams.end());
+        return show(all);
+    }
     const wxWindowUpdateLocker still(control_);  // laid out once for all
     for (const Stream* const stream : streams) append(*stream);
 }
@@ -85,13 +108,15 @@ void StreamTree::remember_expanded() {
 void StreamTree::show(const std::vector<const Stream*>& streams) {
     remember_expanded();
     if (streams.empty()) is_expanded_.clear();
+    for (const Stream* const stream : streams) add_tree(stream->bus());
     const Row* const row = row_of(control_->GetSelection());
     const std::uint64_t chosen = row != nullptr ? row->order : Streams::most;
     rows_.clear();
+    lines_.clear();
     row_by_item_.clear();
     last_ = {};
     glowing_.clear();
-    tree_.ClearMsg();
+    clear();
     add(streams);
     const auto again = std::ranges::find(rows_, chosen, &Row::order);
     if (again == rows_.end() || !again->item.IsOk()) return;
@@ -108,7 +133,7 @@ void StreamTree::put(Row& row) {
     constexpr PlayTime time_stamp_unit = 10'000'000;
     N2KMsg msg = row.stream->msg();
     msg.time_stamp = static_cast<std::uint32_t>(std::max<PlayTime>(0, row.stream->seen()) / time_stamp_unit);
-    tree_.PutMsg(&msg);
+    trees_.at(row.stream->bus()).PutMsg(&msg);
     row.shown = row.stream->count();
     row.is_stale = false;
 }
@@ -134,20 +159,19 @@ const StreamTree::Row* StreamTree::row_of(wxTreeItemId item) const {
     return found != row_by_item_.end() ? &rows_[found->second] : nullptr;
 }
 
+// Asking the control what lies at a point would have it look at every line above.
 std::pair<std::size_t, std::size_t> StreamTree::seen_rows() const {
-    const int height = control_->GetClientSize().y;
-    // Between two lines there may be nobody's pixel.
-    const auto row_at = [this](int y, int step) -> const Row* {
-        int flags;
-        for (int i = 0; i < 3; ++i, y += step)
-            if (const Row* const row = row_of(control_->HitTest(wxPoint(1, y), flags)); row != nullptr)
-                return row;
-        return nullptr;
+    const auto first_from = [this](int y) {
+        return std::ranges::partition_point(lines_, [&](std::size_t row) {
+            wxRect area;
+            return control_->GetBoundingRect(rows_[row].item, area) && area.y < y;
+        });
     };
-    const Row* const first = row_at(1, 1);
-    const Row* const last = row_at(height - 1, -1);
-    const auto number = [this](const Row* row) { return static_cast<std::size_t>(row - rows_.data()); };
-    return {first != nullptr ? number(first) : 0, last != nullptr ? number(last) + 1 : rows_.size()};
+    auto from = first_from(1);
+    if (from != lines_.begin()) --from;  // its fields may reach into sight
+    const auto to = first_from(control_->GetClientSize().y);
+    if (from == to) return {0, 0};
+    return {*from, *std::prev(to) + 1};
 }
 
 std::vector<StreamTree::Visible> StreamTree::visible() const {
@@ -215,11 +239,13 @@ void StreamTree::refresh(PlayTime now, bool fades) {
 
 void StreamTree::expand_all(bool expanded) {
     is_expanded_.clear();
+    expands_new_ = expanded;
     const wxWindowUpdateLocker still(control_);
-    if (expanded)
-        tree_.ExpandAll();
-    else
-        tree_.CollapseAll();
+    for (auto& [bus, tree] : trees_)
+        if (expanded)
+            tree.ExpandAll();
+        else
+            tree.CollapseAll();
 }
 
 const Stream* StreamTree::selected() const {
@@ -241,12 +267,12 @@ std::optional<std::size_t> StreamTree::selected_field() const {
     return chosen - lines_before;
 }
 
-wxString StreamTree::visible_lines() {
+wxString StreamTree::visible_lines(const std::function<wxString(const Stream&)>& note) {
     complete();
     wxString text;
     for (const Row& row : rows_) {
         if (!row.item.IsOk()) continue;
-        text << control_->GetItemText(row.item) << '\n';
+        text << control_->GetItemText(row.item) << note(*row.stream) << '\n';
         if (control_->IsExpanded(row.item))
             for_each_field(row.item, [&](const wxTreeItemId& line) {
                 text << "    " << control_->GetItemText(line) << '\n';

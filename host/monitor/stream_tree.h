@@ -2,6 +2,7 @@
 
 #include <wx/treectrl.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,6 +17,9 @@ namespace vistel {
 /// The tree of the streams that a filter admits. Lines of messages are those of the library's tree, which is
 /// given the latest message of a stream when it can be seen; others are brought up to date when they are
 /// scrolled into sight or asked for. Changed lines glow, streams that fell silent are grey.
+///
+/// The library's tree knows no buses: it tells streams apart by PGN and source. So each bus has one of its
+/// own, all of them on one control.
 class StreamTree : public wxEvtHandler {
   public:
     StreamTree(wxWindow& parent, pgn_vistel::core::Definitions definitions);
@@ -43,8 +47,8 @@ class StreamTree : public wxEvtHandler {
     const Stream* selected() const;
     /// The position of the field that is selected, from 0; nothing where the line is no field's.
     std::optional<std::size_t> selected_field() const;
-    /// The lines that are expanded, fields indented.
-    wxString visible_lines();
+    /// The lines that are expanded, fields indented, with a note behind that of each stream.
+    wxString visible_lines(const std::function<wxString(const Stream&)>& note);
     /// Selects the next line in which a text stands, in any case, behind the selected one and then from the
     /// top. False where there is none.
     bool find_next(const wxString& text);
@@ -67,6 +71,8 @@ class StreamTree : public wxEvtHandler {
     };
 
     void forget(wxTreeEvent& event);
+    void add_tree(std::uint8_t bus);
+    void clear();
     void append(const Stream& stream);
     void put(Row& row);
     void put_seen(Row& row);
@@ -80,9 +86,12 @@ class StreamTree : public wxEvtHandler {
     void for_each_field(const wxTreeItemId& item, Act act) const;
 
     wxTreeCtrl* control_;
-    PGN_VistelTree_c tree_;
+    const unsigned long flags_;                       // of the trees
+    std::map<std::uint8_t, PGN_VistelTree_c> trees_;  // by bus
+    bool expands_new_ = false;
     std::vector<Row> rows_;
-    wxTreeItemId last_;  // of the messages' own lines
+    std::vector<std::size_t> lines_;  // those that have an item, from the top
+    wxTreeItemId last_;               // of the messages' own lines
     std::unordered_map<void*, std::size_t> row_by_item_;
     std::unordered_map<void*, unsigned> glowing_;  // items, and for how many frames they have
     std::map<std::uint64_t, bool> is_expanded_;  // by the order of streams, also of those that are not shown

@@ -6,9 +6,36 @@ namespace vistel {
 
 TextTable::TextTable(wxWindow* parent, const std::vector<Column>& columns, long style)
     : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_VIRTUAL | style) {
-    for (const Column& column : columns)
+    for (const Column& column : columns) {
+        widths_.push_back(FromDIP(column.width));
         AppendColumn(column.heading, column.is_number ? wxLIST_FORMAT_RIGHT : wxLIST_FORMAT_LEFT,
-                     FromDIP(column.width));
+                     widths_.back());
+    }
+}
+
+void TextTable::restore_widths(const std::map<std::string, int>& layout, const std::string& name) {
+    constexpr int least = 10, most = 4000;
+    for (std::size_t i = 0; i < widths_.size(); ++i) {
+        const auto known = layout.find(name + "_" + std::to_string(i));
+        if (known == layout.end() || known->second < least || known->second > most) continue;
+        widths_[i] = FromDIP(known->second);
+        const int column = static_cast<int>(i);
+        if (GetColumnWidth(column) > 0) SetColumnWidth(column, widths_[i]);
+    }
+}
+
+void TextTable::keep_widths(std::map<std::string, int>& layout, const std::string& name) const {
+    for (int i = 0; i < GetColumnCount(); ++i)
+        if (const int width = GetColumnWidth(i); width > 0)
+            layout[name + "_" + std::to_string(i)] = ToDIP(width);
+}
+
+void TextTable::show_column(int column, bool shown) {
+    int& width = widths_[static_cast<std::size_t>(column)];
+    const int present = GetColumnWidth(column);
+    if (shown == (present > 0)) return;
+    if (!shown) width = present;
+    SetColumnWidth(column, shown ? width : 0);
 }
 
 void TextTable::set_rows(std::vector<Row> rows) {

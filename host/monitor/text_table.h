@@ -2,6 +2,7 @@
 
 #include <wx/listctrl.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -22,12 +23,19 @@ class TextTable : public wxListCtrl {
     void set_rows(std::vector<Row> rows);
     const std::vector<Row>& rows() const { return rows_; }
 
+    /// @{ The widths of the columns, by a name for the table. Hidden columns have none.
+    void restore_widths(const std::map<std::string, int>& layout, const std::string& name);
+    void keep_widths(std::map<std::string, int>& layout, const std::string& name) const;
+    /// @}
+    void show_column(int column, bool shown);
+
     std::vector<std::size_t> selection() const;
     void select(std::size_t row, bool selected);
 
   private:
     wxString OnGetItemText(long item, long column) const override;
 
+    std::vector<int> widths_;  // of the columns when shown
     std::vector<Row> rows_;
 };
 

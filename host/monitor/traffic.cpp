@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "monitor/recorder.h"
+
 namespace vistel {
 
 namespace {
@@ -17,6 +19,7 @@ void Traffic::on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t
 
 void Traffic::on_record(const Record& record) {
     kind_ = record.kind;
+    if (recorder_ != nullptr) recorder_->put(record);
     networks_[record.bus].count_wire(record, player_.options().definitions);
 }
 
@@ -33,7 +36,7 @@ bool Traffic::ask(std::uint8_t bus, const N2KMsg& frame) {
 
 void Traffic::advance() {
     player_.advance(*this);
-    if (player_.options().sends && asking_failure_.empty()) questions_.advance(networks_, player_.now());
+    if (player_.options().input.sends) questions_.advance(networks_, player_.now());
     const PlayTime present = player_.now();
     if (present < next_turn_) return;
     if (next_turn_ > 0)

@@ -13,6 +13,8 @@
 
 namespace vistel {
 
+class Recorder;
+
 /// A device as a list shows it.
 struct DeviceRow {
     std::uint8_t bus = 0;
@@ -40,6 +42,9 @@ class Traffic final : public PlayListener {
     void seek(double place) { player_.seek(place, *this); }
     /// @}
 
+    /// Gives a recorder what comes, from here on; null for none.
+    void record(Recorder* recorder) { recorder_ = recorder; }
+
     /// Forgets all streams; the devices stay.
     void clear();
 
@@ -49,7 +54,7 @@ class Traffic final : public PlayListener {
     std::uint64_t refused() const { return streams_.refused(); }
 
     std::vector<DeviceRow> devices() const;
-    /// Part of what the bus could have carried lately: of several the busiest one's.
+    /// Part of what the bus could have carried lately; of several the busiest one's.
     std::optional<double> share_of_bus() const;
 
     void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
@@ -63,6 +68,7 @@ class Traffic final : public PlayListener {
     bool ask(std::uint8_t bus, const N2KMsg& frame);
 
     Player& player_;
+    Recorder* recorder_ = nullptr;
     Streams streams_;
     std::unique_ptr<Streams> frozen_;  // what a paused display shows of a live source
     PlayTime frozen_at_ = 0;

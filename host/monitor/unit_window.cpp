@@ -89,11 +89,20 @@ wxString choice_text(UnitId unit) {
 
 constexpr int most_bits = 64, usual_width = 16;
 
-/// A number that is a likely value in most fields of this width: a tenth of what they hold.
+/// A number that is a likely value of most fields of this width: of some quantities a usual one, of others a
+/// tenth of what the field holds.
 std::uint64_t likely_number(DispDataType q, int bits) {
-    constexpr std::uint64_t room_temperature = 2931, today = 20600;  // in 0.1 K and days
-    if (q == quantity::temperature && bits == usual_width) return room_temperature;
-    if (q == quantity::date && bits == usual_width) return today;
+    struct Usual {
+        DispDataType quantity;
+        std::uint64_t number;
+    };
+    constexpr Usual usual[] = {{quantity::temperature, 2931},            // 0.1 K
+                               {quantity::date, 20600},                  // days
+                               {quantity::speed, 310},                   // 0.01 m/s
+                               {quantity::wind_speed, 720},              // 0.01 m/s
+                               {quantity::atmospheric_pressure, 1013}};  // 100 Pa
+    const auto* const known = std::ranges::find(usual, q, &Usual::quantity);
+    if (known != std::end(usual) && bits == usual_width) return known->number;
     constexpr std::uint64_t tenth = 10;
     return (bits >= most_bits ? UINT64_MAX : (std::uint64_t{1} << bits) - 1) / tenth;
 }
@@ -180,7 +189,11 @@ UnitWindow::UnitWindow(wxWindow* parent, const UnitSelection& units, Apply apply
         buttons->Add(button, wxSizerFlags().Border(wxALL, FromDIP(3)));
         return button;
     };
-    for (const auto& [label, set] : {std::pair{"&Default", "default"}, {"&Metric", "metric"}, {"&SI", "si"}})
+    for (const auto& [label, set] : {std::pair{"&Default", "default"},
+                                     {"&Metric", "metric"},
+                                     {"&Nautical", "nautical"},
+                                     {"&US", "us"},
+                                     {"&SI", "si"}})
         add(label, wxID_ANY, [this, set = set] {
             UnitSelection whole;
             if (select_units(whole, set)) load(whole);

@@ -18,16 +18,20 @@
 
 #include <algorithm>
 
+#include "monitor/loss_text.h"
+#include "monitor/loss_window.h"
 #include "monitor/message_pane.h"
 #include "monitor/message_text.h"
 #include "monitor/open_dialog.h"
 #include "monitor/player_bar.h"
+#include "monitor/recorder.h"
 #include "monitor/stream_columns.h"
 #include "monitor/text_table.h"
 #include "monitor/unit_window.h"
 #include "network/message_view.h"
 #include "network/stream_text.h"
 #include "text/words.h"
+#include "writers/written_formats.h"
 
 namespace vistel {
 
@@ -37,11 +41,15 @@ namespace {
 
 constexpr int frame_interval_ms = 100;  // quicker than the eye reads figures, and calm
 // Frames between looks at what changes slowly.
+constexpr int bus_column = 0;  // of the devices
+constexpr std::size_t widest_bus = 15;
+constexpr const char* between = " + ";  // names of inputs
 constexpr unsigned frames_per_column = 3, frames_per_status = 5, frames_per_filter = 10;
 
 enum Command : int {
     id_open = wxID_HIGHEST + 1,
     id_save,
+    id_record,
     id_copy_line,
     id_copy_text,
     id_copy_json,
@@ -56,6 +64,7 @@ enum Command : int {
     id_sort,
     id_clear,
     id_units,
+    id_losses,
     id_pause,
     id_step,
     id_faster,
@@ -82,8 +91,10 @@ constexpr Key keys[] = {
     {"Ctrl+T", "the next message of a recording that is paused"},
     {"Ctrl++, Ctrl+-", "a recording faster or slower"},
     {"Ctrl+U", "the units"},
+    {"F4", "what was lost"},
     {"Ctrl+C", "copy the line"},
     {"Ctrl+S", "save the lines that are expanded"},
+    {"Ctrl+Shift+R", "record what comes, or end that"},
     {"Menu key, right click", "what else can be copied"},
     {"Tab", "to the next part of the window"},
 };
@@ -93,6 +104,17 @@ void copy(const wxString& text) {
     wxTheClipboard->SetData(new wxTextDataObject(text));
     wxTheClipboard->Flush();
     wxTheClipboard->Close();
+}
+
+/// The names of inputs between which there is " + ".
+std::vector<std::string> split(std::string_view names) {
+    std::vector<std::string> parts;
+    for (;;) {
+        const std::size_t end = names.find(between);
+        parts.emplace_back(trimmed(names.substr(0, end)));
+        if (end == std::string_view::npos) return parts;
+        names.remove_prefix(end + std::string_view(between).size());
+    }
 }
 
 bool is_same(const DeviceRow& a, const DeviceRow& b) {
@@ -142,20 +164,34 @@ void MonitorWindow::build_controls() {
     search_->Bind(wxEVT_SEARCH_CANCEL, [this](wxCommandEvent&) { search_->Clear(); });
     order_ = new wxChoice(all, wxID_ANY);
     for (const char* const name : stream_order_names) order_->Append(wxString("By ") + name);
-    order_->SetSelection(0);
+    order_->SetSelection(std::clamp(options_.settings.order, 0, static_cast<int>(order_->GetCount()) - 1));
     order_->SetToolTip("Order of the streams (F5 sorts anew)");
     order_->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { is_stale_ = true; });
+    bus_ = new wxChoice(all, wxID_ANY);
+    bus_->SetName("buses");
+    bus_->SetToolTip("Bus whose devices and streams are shown");
+    bus_->Append("All buses");
+    bus_->Hide();
+    bus_->Bind(wxEVT_CHOICE, [this](wxCommandEvent& event) {
+        options_.filter.bus.reset();
+        if (event.GetSelection() > 0)
+            options_.filter.bus = static_cast<std::uint8_t>(event.GetSelection() - 1);
+        is_stale_ = true;
+        show_devices();
+    });
     auto* const bar = new wxBoxSizer(wxHORIZONTAL);
     const auto middle = wxSizerFlags().CenterVertical().Border(wxALL, FromDIP(3));
     bar->Add(pause_, middle);
     bar->Add(search_, wxSizerFlags(1).CenterVertical().Border(wxALL, FromDIP(3)));
+    bar->Add(bus_, middle);
     bar->Add(order_, middle);
 
     problems_ = new wxInfoBar(all);
     sides_ =
         new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
-    device_table_ =
-        new TextTable(sides_, {{"Addr", 42, true}, {"Device", 175}, {"Msg/s", 52, true}, {"State", 120}});
+    device_table_ = new TextTable(
+        sides_, {{"Bus", 85}, {"Addr", 42, true}, {"Device", 195}, {"Msg/s", 52, true}, {"State", 160}});
+    device_table_->show_column(bus_column, false);
     const auto on_choice = [this](wxListEvent& event) {
         if (!is_choosing_) CallAfter([this] { choose_devices(); });
         event.Skip();
@@ -174,9 +210,9 @@ void MonitorWindow::build_controls() {
     tree_->control().SetMinSize(FromDIP(wxSize(150, 60)));
     streams->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
         // The lines themselves come first.
-        const int width = event.GetSize().x, usual = columns_->FromDIP(270);
+        const int width = event.GetSize().x, usual = columns_->FromDIP(StreamColumns::usual_width);
         columns_->SetMinSize(wxSize(std::min(width * 2 / 5, usual), -1));
-        columns_->Show(width >= usual);
+        columns_->Show(width >= columns_->FromDIP(270));
         event.Skip();
     });
     message_ = new MessagePane(halves_);
@@ -185,7 +221,15 @@ void MonitorWindow::build_controls() {
     halves_->SetMinimumPaneSize(FromDIP(80));
     halves_->SetSashGravity(0.6);
     sides_->SetMinimumPaneSize(FromDIP(60));
-    sides_->SplitVertically(device_table_, halves_, FromDIP(350));
+    sides_->SplitVertically(device_table_, halves_, FromDIP(460));
+    sides_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        // When it has come to its size: on the way there it is narrower.
+        CallAfter([this] {
+            const int most = sides_->GetSize().x * 2 / 5;
+            if (sides_->GetSashPosition() > most) sides_->SetSashPosition(most);
+        });
+    });
     player_bar_ = new PlayerBar(all, {[this](double place) {
                                           traffic_->seek(place);
                                           take_new_streams();
@@ -222,6 +266,9 @@ void MonitorWindow::build_menu() {
     recent_ = new wxMenu;
     file->AppendSubMenu(recent_, "Open &recent");
     add(*file, id_save, "&Save expanded lines...\tCtrl+S", [this] { save(); });
+    file->AppendCheckItem(id_record, "&Record...\tCtrl+Shift+R");
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { recorder_ ? end_recording() : record(); }, id_record);
     file->AppendSeparator();
     add(*file, wxID_EXIT, "&Quit\tCtrl+Q", [this] { Close(); });
 
@@ -230,12 +277,17 @@ void MonitorWindow::build_menu() {
         // A text that is being typed has a selection of its own.
         if (auto* const text = dynamic_cast<wxTextEntry*>(FindFocus()); text != nullptr) return text->Copy();
         const wxTreeItemId line = tree_->control().GetSelection();
-        if (line.IsOk()) copy(tree_->control().GetItemText(line));
+        if (!line.IsOk()) return;
+        const bool is_stream = tree_->control().GetItemParent(line) == tree_->control().GetRootItem();
+        copy(tree_->control().GetItemText(line) + (is_stream && tree_->selected() != nullptr
+                                                       ? wxString::FromUTF8(bus_note(*tree_->selected()))
+                                                       : wxString()));
     });
-    add(*edit, id_copy_text, "Copy message as &text",
-        [this] { copy_of_stream([this](const Stream& s) { return as_text(s, units(), definitions()); }); });
+    add(*edit, id_copy_text, "Copy message as &text", [this] {
+        copy_of_stream([this](const Stream& s) { return as_text(s, bus_of(s), units(), definitions()); });
+    });
     add(*edit, id_copy_json, "Copy message as &JSON",
-        [this] { copy_of_stream([this](const Stream& s) { return as_json(s, definitions()); }); });
+        [this] { copy_of_stream([this](const Stream& s) { return as_json(s, bus_of(s), definitions()); }); });
     add(*edit, id_copy_hex, "Copy message as &hex", [this] {
         copy_of_stream([](const Stream& s) { return spaced_bytes(s.msg().data, s.msg().length); });
     });
@@ -257,6 +309,12 @@ void MonitorWindow::build_menu() {
         tree_->show({});
         if (traffic_) traffic_->clear();
         rebuild();
+    });
+    add(*view, id_losses, "&Losses...\tF4", [this] {
+        if (loss_window_ == nullptr) loss_window_ = new LossWindow(this);
+        show_losses();
+        loss_window_->Show();
+        loss_window_->Raise();
     });
     add(*view, id_units, "&Units...\tCtrl+U", [this] {
         if (unit_window_ == nullptr)
@@ -327,7 +385,7 @@ void MonitorWindow::place() {
     const int display = last.IsEmpty() ? wxNOT_FOUND : wxDisplay::GetFromPoint(last.GetPosition());
     const wxRect screen =
         wxDisplay(display != wxNOT_FOUND ? static_cast<unsigned>(display) : 0).GetClientArea();
-    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1120, 740)) : last.GetSize();
+    wxSize size = last.IsEmpty() ? FromDIP(wxSize(1280, 720)) : last.GetSize();
     size.IncTo(GetMinSize());
     size.DecTo(screen.GetSize());
     SetSize(size);
@@ -335,22 +393,36 @@ void MonitorWindow::place() {
         Move(last.GetPosition());
     else
         Centre();
-    sides_->SetSashPosition(std::min(GetClientSize().x * 31 / 100, FromDIP(350)));
+    const auto& layout = options_.settings.layout;
+    const auto known = layout.find("devices");
+    sides_->SetSashPosition(known != layout.end() ? FromDIP(known->second)
+                                                  : std::min(GetClientSize().x * 36 / 100, FromDIP(460)));
     sides_->SetSashGravity(0.2);
+    device_table_->restore_widths(layout, "devices");
     if (options_.settings.is_maximised) Maximize();
 }
 
 void MonitorWindow::close() {
     timer_.Stop();
+    end_recording();
     Settings& settings = options_.settings;
     settings.is_maximised = IsMaximized();
     if (!IsMaximized() && !IsIconized()) settings.place = GetRect();
+    settings.order = order_->GetSelection();
+    settings.layout["devices"] = ToDIP(sides_->GetSashPosition());
+    device_table_->keep_widths(settings.layout, "devices");
+    if (halves_->IsSplit()) {
+        settings.layout["message"] = ToDIP(halves_->GetClientSize().y - halves_->GetSashPosition());
+        message_->keep_layout(settings.layout);
+    }
     if (!options_.settings_file.empty()) settings.save(options_.settings_file);
+    if (options_.closed) options_.closed(player_.get());
 }
 
 // ---- sources ----
 
 void MonitorWindow::play(std::unique_ptr<Player> player) {
+    end_recording();
     tree_->show({});  // before its streams are gone
     player_ = std::move(player);
     traffic_ = std::make_unique<Traffic>(*player_);
@@ -363,14 +435,23 @@ void MonitorWindow::play(std::unique_ptr<Player> player) {
     player_bar_->use(*player_);
     Layout();
     player_bar_->GetParent()->Layout();
-    const std::string& file = player_->options().file;
-    wxFileName path(wxString::FromUTF8(file));
-    const bool is_file = path.FileExists() && path.MakeAbsolute();
-    const wxString name = file == "-" ? wxString("standard input") : wxString::FromUTF8(file);
-    SetTitle((is_file ? path.GetFullName() : name) + " - PGN Vistel");
-    if (file != "-")
-        options_.settings.remember_source(is_file ? path.GetFullPath().ToStdString(wxConvUTF8) : file);
+    wxString title;
+    std::string whole;
+    for (const std::string& input : player_->options().input.names) {
+        wxFileName path(wxString::FromUTF8(input));
+        const bool is_file = path.FileExists() && path.MakeAbsolute();
+        const wxString name = input == "-" ? wxString("standard input") : wxString::FromUTF8(input);
+        if (!title.empty()) title << between;
+        title << (is_file ? path.GetFullName() : name);
+        if (!whole.empty()) whole += between;
+        whole += is_file ? path.GetFullPath().ToStdString(wxConvUTF8) : input;
+    }
+    SetTitle(title + " - PGN Vistel");
+    if (std::ranges::find(player_->options().input.names, "-") == player_->options().input.names.end())
+        options_.settings.remember_source(whole);
     show_recent();
+    options_.filter.bus.reset();
+    show_buses();
     rebuild();
     show_frame();
     show_devices();
@@ -378,11 +459,11 @@ void MonitorWindow::play(std::unique_ptr<Player> player) {
     timer_.Start(frame_interval_ms);
 }
 
-bool MonitorWindow::open(const std::string& name, std::string& error) {
+bool MonitorWindow::open(const std::string& names, std::string& error) {
     PlayOptions how = options_.play;
-    how.file = name;
-    how.format.clear();
-    how.contents = ContentKind::as_it_seems;
+    how.input = InputOptions{};
+    how.input.names = split(names);
+    how.input.merge = options_.play.input.merge;
     auto next = std::make_unique<Player>(how);
     if (const auto opened = next->open(); !opened) {
         error = opened.error().text;
@@ -392,14 +473,14 @@ bool MonitorWindow::open(const std::string& name, std::string& error) {
     return true;
 }
 
-void MonitorWindow::open_or_tell(const std::string& name) {
-    if (std::string error; !open(name, error))
-        wxMessageBox(wxString::FromUTF8(name + ": " + error), "Cannot be opened", wxOK | wxICON_ERROR, this);
+void MonitorWindow::open_or_tell(const std::string& names) {
+    if (std::string error; !open(names, error))
+        wxMessageBox(wxString::FromUTF8(error), "Cannot be opened", wxOK | wxICON_ERROR, this);
 }
 
 void MonitorWindow::choose_source() {
-    if (const std::string name = ask_for_source(this, options_.settings.recent); !name.empty())
-        open_or_tell(name);
+    if (const std::string names = ask_for_source(this, options_.settings.recent); !names.empty())
+        open_or_tell(names);
 }
 
 void MonitorWindow::show_recent() {
@@ -429,6 +510,7 @@ void MonitorWindow::show_frame() {
 }
 
 bool MonitorWindow::admits(const Stream& stream) const {
+    if (options_.filter.bus && *options_.filter.bus != stream.bus()) return false;
     const bool is_of_device = chosen_.empty() || chosen_.contains({stream.bus(), stream.msg().source});
     return is_of_device &&
            (options_.filter.is_empty() || options_.filter.admits(stream, units(), definitions()));
@@ -473,13 +555,21 @@ void MonitorWindow::rebuild() {
 
 void MonitorWindow::show_devices() {
     if (!traffic_ || (player_->paused() && !devices_.empty())) return;
+    show_buses();
     devices_ = traffic_->devices();
+    std::erase_if(devices_, [this](const DeviceRow& device) {
+        return options_.filter.bus && device.bus != *options_.filter.bus;
+    });
+    device_table_->show_column(bus_column, has_several_buses());
     std::vector<TextTable::Row> rows;
     titles_.clear();
     for (const DeviceRow& device : devices_) {
         const wxString title = wxString::FromUTF8(device.title);
         if (device.address) titles_[{device.bus, *device.address}] = title;
-        rows.push_back({device.address ? std::to_string(*device.address) : std::string(), title,
+        rows.push_back({has_several_buses()
+                            ? wxString::FromUTF8(short_bus(player_->bus_label(device.bus), widest_bus))
+                            : wxString(),
+                        device.address ? std::to_string(*device.address) : std::string(), title,
                         wxString::Format("%.1f", device.rate), wxString::FromUTF8(device.notes)});
     }
     // A device keeps being chosen wherever its row and its address went.
@@ -513,9 +603,11 @@ void MonitorWindow::show_columns() {
     const PlayTime now = traffic_->now();
     for (const auto& [stream, area] : tree_->visible()) {
         const auto title = titles_.find({stream->bus(), stream->msg().source});
-        wxString name = wxString::Format("%d", stream->msg().source);
-        if (title != titles_.end() && !title->second.empty()) name << "  " << title->second;
-        lines.push_back({area.y + area.height / 2, name, rate_text(stream->rate(now)),
+        wxString source = wxString::Format("%d", stream->msg().source);
+        if (has_several_buses())
+            source = wxString::FromUTF8(short_bus(bus_of(*stream), widest_bus)) + "  " + source;
+        lines.push_back({area.y + area.height / 2, source,
+                         title != titles_.end() ? title->second : wxString(), rate_text(stream->rate(now)),
                          age_text(now - stream->seen()), stream->is_silent(now)});
     }
     columns_->show(std::move(lines));
@@ -524,7 +616,33 @@ void MonitorWindow::show_columns() {
 void MonitorWindow::show_message() {
     if (!halves_->IsSplit()) return;
     if (const Stream* const stream = tree_->selected(); stream != nullptr)
-        message_->show(*stream, units(), definitions());
+        message_->show(*stream, concat(stream->msg().source, bus_note(*stream)), units(), definitions());
+}
+
+/// Where there are several; else empty.
+std::string MonitorWindow::bus_of(const Stream& stream) const {
+    return has_several_buses() ? player_->bus_label(stream.bus()) : std::string();
+}
+
+/// Behind what is of one of several: " [can1]"
+std::string MonitorWindow::bus_note(const Stream& stream) const {
+    return has_several_buses() ? concat(" [", bus_of(stream), "]") : std::string();
+}
+
+void MonitorWindow::show_buses() {
+    if (!player_) return;
+    const std::size_t count = player_->bus_count();
+    if (bus_->GetCount() == count + 1) return;
+    while (bus_->GetCount() > 1) bus_->Delete(bus_->GetCount() - 1);
+    for (std::size_t i = 0; i < count; ++i)
+        bus_->Append(wxString::FromUTF8(player_->bus_label(static_cast<std::uint8_t>(i))));
+    bus_->SetSelection(options_.filter.bus ? *options_.filter.bus + 1 : 0);
+    bus_->Show(count > 1);
+    bus_->GetParent()->Layout();
+}
+
+void MonitorWindow::show_losses() {
+    if (loss_window_ != nullptr && player_) loss_window_->show(*player_, *traffic_);
 }
 
 wxString MonitorWindow::status() const {
@@ -533,6 +651,7 @@ wxString MonitorWindow::status() const {
     const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : " · ") + part; };
     if (player_->paused()) add("PAUSED");
     if (player_->ended()) add("END");
+    if (recorder_) add(concat("RECORDING ", recorder_->written()));
     if (!player_->notice().empty()) add(player_->notice());
     const std::size_t all = streams_.size();
     const auto add_part = [&add](std::size_t shown, std::size_t of, const char* what) {
@@ -544,15 +663,10 @@ wxString MonitorWindow::status() const {
     for (std::size_t i = 0; i < all; ++i)
         if (is_shown_[i]) rate += streams_[i]->rate(traffic_->now());
     add(formatted("%.0f/s", rate));
-    if (const auto share = traffic_->share_of_bus()) add(formatted("%.1f %% of the bus", 100 * *share));
+    if (const auto share = traffic_->share_of_bus())
+        add(formatted("%.1f %% of the ", 100 * *share) + (has_several_buses() ? "busiest bus" : "bus"));
     if (player_->can_seek()) add(formatted("%.0f %%", 100 * player_->place()));
-    const auto lost = [&add](std::uint64_t count, const char* what) {
-        if (count > 0) add(concat(count, what));
-    };
-    const ReassemblyCounters& losses = player_->losses();
-    lost(losses.incomplete_fast_packets + losses.incomplete_transports, " incomplete");
-    lost(player_->counters().problems, player_->counters().problems == 1 ? " error" : " errors");
-    lost(traffic_->refused(), " without room");
+    for (const std::string& part : losses_in_short(*player_, *traffic_)) add(part);
     return wxString::FromUTF8(text);
 }
 
@@ -560,6 +674,11 @@ void MonitorWindow::show_status() {
     const wxString text = status();
     if (GetStatusBar()->GetStatusText() != text) SetStatusText(text);
     show_problems();
+    if (recorder_) {
+        recorder_->flush();
+        if (!recorder_->failure().empty()) end_recording();
+    }
+    if (loss_window_ != nullptr && loss_window_->IsShown()) show_losses();
 }
 
 void MonitorWindow::show_problems() {
@@ -597,6 +716,7 @@ void MonitorWindow::apply(core::UnitSelection units) {
 
 void MonitorWindow::show_everything() {
     options_.filter = {};
+    bus_->SetSelection(0);
     search_->ChangeValue("");
     for (std::size_t i = 0; i < devices_.size(); ++i) device_table_->select(i, false);
     is_stale_ = true;
@@ -617,7 +737,13 @@ void MonitorWindow::show_context_menu(wxTreeEvent& event) {
 
 void MonitorWindow::open_message() {
     if (tree_->selected() == nullptr) return;
-    if (!halves_->IsSplit()) halves_->SplitHorizontally(halves_->GetWindow1(), message_, -FromDIP(240));
+    if (!halves_->IsSplit()) {
+        const auto& layout = options_.settings.layout;
+        const auto known = layout.find("message");
+        halves_->SplitHorizontally(halves_->GetWindow1(), message_,
+                                   -FromDIP(known != layout.end() ? known->second : 240));
+        message_->restore_layout(layout);
+    }
     show_message();
     if (const auto field = tree_->selected_field()) message_->choose(*field);
 }
@@ -641,10 +767,51 @@ void MonitorWindow::save() {
     wxFileDialog chooser(this, "Save the expanded lines", wxEmptyString, "monitor.txt", "Text (*.txt)|*.txt",
                          wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
     if (chooser.ShowModal() != wxID_OK) return;
+    const wxString lines =
+        tree_->visible_lines([this](const Stream& stream) { return wxString::FromUTF8(bus_note(stream)); });
     wxFile file;
-    if (!file.Create(chooser.GetPath(), true) || !file.Write(tree_->visible_lines(), wxConvUTF8) ||
-        !file.Close())
+    if (!file.Create(chooser.GetPath(), true) || !file.Write(lines, wxConvUTF8) || !file.Close())
         wxMessageBox("The file could not be written.", "Save", wxOK | wxICON_ERROR, this);
+}
+
+void MonitorWindow::record() {
+    menu_bar_->Check(id_record, false);
+    if (!player_) return;
+    const std::vector<std::string> formats = written_formats();
+    wxString kinds;
+    for (const std::string& format : formats)
+        kinds << (kinds.empty() ? "" : "|") << format << " (*." << format << ")|*." << format;
+    wxFileDialog chooser(this, "Record what comes", wxEmptyString, "recording.candump", kinds,
+                         wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    const auto usual = std::ranges::find(formats, "candump");
+    chooser.SetFilterIndex(static_cast<int>(usual - formats.begin()));
+    if (chooser.ShowModal() != wxID_OK) return;
+    const std::string path = chooser.GetPath().ToStdString(wxConvUTF8);
+    auto recorder = Recorder::open(path, formats.at(static_cast<std::size_t>(chooser.GetFilterIndex())),
+                                   player_->options().input.names, definitions());
+    if (!recorder) {
+        wxMessageBox(wxString::FromUTF8(path + ": " + recorder.error().text), "Record", wxOK | wxICON_ERROR,
+                     this);
+        return;
+    }
+    recorder_ = std::move(*recorder);
+    traffic_->record(recorder_.get());
+    menu_bar_->Check(id_record, true);
+    show_status();
+}
+
+void MonitorWindow::end_recording() {
+    if (!recorder_) return;
+    traffic_->record(nullptr);
+    recorder_->flush();
+    const std::unique_ptr<Recorder> ended = std::move(recorder_);
+    menu_bar_->Check(id_record, false);
+    if (!ended->failure().empty())
+        problems_->ShowMessage(wxString::FromUTF8("Recording has ended: " + ended->failure()), wxICON_ERROR);
+    else if (ended->refused() > 0)
+        problems_->ShowMessage(
+            wxString::FromUTF8(concat("Left out, since the format cannot hold them: ", ended->refused())),
+            wxICON_WARNING);
 }
 
 void MonitorWindow::show_keys() {

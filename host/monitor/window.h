@@ -4,6 +4,7 @@
 #include <wx/infobar.h>
 #include <wx/timer.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -23,8 +24,10 @@ class wxToggleButton;
 
 namespace vistel {
 
+class LossWindow;
 class MessagePane;
 class PlayerBar;
+class Recorder;
 class StreamColumns;
 class TextTable;
 class UnitWindow;
@@ -39,15 +42,17 @@ class MonitorWindow : public wxFrame {
         Settings settings = {};
         wxString settings_file = {};                                ///< that they are kept in; empty for none
         std::optional<pgn_vistel::core::UnitSelection> units = {};  ///< for this time, instead of those
+        /// Called when it is closed, with what was playing last, or null.
+        std::function<void(const Player*)> closed = {};
     };
 
     /// Without a source; `open` gives it one.
     explicit MonitorWindow(Options options);
     ~MonitorWindow() override;
 
-    /// Plays a recording or a live source from its start. False with the reason in `error`, and the one that
-    /// is playing goes on.
-    bool open(const std::string& name, std::string& error);
+    /// Plays a recording or a live source from its start, or several, with " + " between them. False with the
+    /// reason in `error`, and what is playing goes on.
+    bool open(const std::string& names, std::string& error);
     /// The same for a player that has opened its source.
     void play(std::unique_ptr<Player> player);
 
@@ -73,17 +78,24 @@ class MonitorWindow : public wxFrame {
     void show_message();
     void show_status();
     void show_problems();
+    void show_buses();
+    void show_losses();
+    bool has_several_buses() const { return player_ && player_->bus_count() > 1; }
+    std::string bus_of(const Stream& stream) const;
+    std::string bus_note(const Stream& stream) const;
     wxString status() const;
 
     void pause(bool paused);
     void apply(pgn_vistel::core::UnitSelection units);
-    void open_or_tell(const std::string& name);
+    void open_or_tell(const std::string& names);
     void show_recent();
     void show_everything();
     void show_context_menu(wxTreeEvent& event);
     void open_message();
     void find_next();
     void save();
+    void record();
+    void end_recording();
     void show_keys();
     void copy_field_key();
     template <class Text>
@@ -96,10 +108,12 @@ class MonitorWindow : public wxFrame {
     pgn_vistel::core::UnitSelection units_;
     std::unique_ptr<Player> player_;
     std::unique_ptr<Traffic> traffic_;
+    std::unique_ptr<Recorder> recorder_;
 
     wxToggleButton* pause_ = nullptr;
     wxSearchCtrl* search_ = nullptr;
     wxChoice* order_ = nullptr;
+    wxChoice* bus_ = nullptr;
     wxInfoBar* problems_ = nullptr;
     TextTable* device_table_ = nullptr;
     wxSplitterWindow* sides_ = nullptr;   // devices, and the rest
@@ -109,6 +123,7 @@ class MonitorWindow : public wxFrame {
     MessagePane* message_ = nullptr;
     PlayerBar* player_bar_ = nullptr;
     UnitWindow* unit_window_ = nullptr;
+    LossWindow* loss_window_ = nullptr;
     wxMenuBar* menu_bar_ = nullptr;
     wxMenu* recent_ = nullptr;
 

@@ -226,6 +226,7 @@ void Network::learn(Device& device, const N2KMsg& msg) {
 
 void Network::note_time(const RecordTime& time) {
     constexpr std::int64_t most_disorder = 1'000'000'000, longest_pause = 60 * most_disorder;
+    if (time.origin == RecordTime::Origin::none) return;
     if (!first_) first_ = latest_ = time;
     const std::int64_t step = time.nanoseconds - latest_.nanoseconds;
     if (step >= 0 && step <= longest_pause) observed_ += step;

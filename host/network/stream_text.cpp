@@ -6,6 +6,13 @@
 
 namespace vistel {
 
+std::string short_bus(const std::string& name, std::size_t columns) {
+    if (name.size() <= columns) return name;
+    std::size_t from = name.size() - columns + 1;
+    while (from < name.size() && (name[from] & 0xC0) == 0x80) ++from;  // in the middle of a character
+    return "~" + name.substr(from);
+}
+
 std::string age_text(PlayTime age) {
     const double seconds = static_cast<double>(std::max<PlayTime>(0, age)) / one_second;
     if (seconds < 9.95) return formatted("%.1fs", seconds);

@@ -10,6 +10,9 @@ namespace vistel {
 /// Names of the orders, by their numbers.
 inline constexpr std::array stream_order_names = {"appearance", "PGN", "source", "rate", "latest"};
 
+/// The name of a bus in so many columns, of a long one the end, by which sources differ: "~.0.1:1457".
+std::string short_bus(const std::string& name, std::size_t columns);
+
 /// "0.3s", "12s", "5m", "3h"
 std::string age_text(PlayTime age);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 #include "network/message_view.h"
 #include "text/words.h"
@@ -23,12 +24,11 @@ void Stream::take(const N2KMsg& msg, PlayTime now) {
     if (second < second_ || second - second_ >= rate_seconds) {
         in_second_.fill(0);
     } else {
-        for (std::int64_t s = second_ + 1; s <= second; ++s)
-            in_second_[static_cast<std::size_t>(s % rate_seconds)] = 0;
+        for (std::int64_t s = second_ + 1; s <= second; ++s) in_second_[slot_of(s)] = 0;
     }
     if (now < seen_ && count_ > 0) first_ = std::min(first_, now);
     second_ = second;
-    ++in_second_[static_cast<std::size_t>(second % rate_seconds)];
+    ++in_second_[slot_of(second)];
     msg_ = msg;
     seen_ = now;
     ++count_;
@@ -45,7 +45,7 @@ double Stream::rate(PlayTime now) const {
     const std::int64_t from = std::max(second - (rate_seconds - 1), first_ / one_second + 1);
     std::uint64_t messages = 0;
     for (std::int64_t s = from; s <= std::min(second - 1, second_); ++s)
-        messages += s > second_ - rate_seconds ? in_second_[static_cast<std::size_t>(s % rate_seconds)] : 0;
+        messages += s > second_ - rate_seconds ? in_second_[slot_of(s)] : 0;
     if (messages > 0) return static_cast<double>(messages) / static_cast<double>(second - from);
     return count_ > 1 && now > first_
                ? static_cast<double>(count_ - 1) * one_second / static_cast<double>(now - first_)
@@ -63,7 +63,7 @@ bool StreamFilter::admits(const Stream& stream, const core::UnitSelection& units
         return list.empty() || std::ranges::find(list, value) != list.end();
     };
     const N2KMsg& msg = stream.msg();
-    if (!has(pgns, msg.pgn) || !has(sources, msg.source)) return false;
+    if (!has(pgns, msg.pgn) || !has(sources, msg.source) || (bus && *bus != stream.bus())) return false;
     if (text.empty()) return true;
     const std::string wanted = lower_case(text);
     MessageView view(msg, units, definitions);
@@ -114,10 +114,10 @@ std::vector<const Stream*> Streams::select(const StreamFilter& filter, StreamOrd
     switch (order) {
         case StreamOrder::appearance: break;
         case StreamOrder::pgn:
-            by([](const Stream& s) { return std::pair(s.msg().pgn, s.msg().source); });
+            by([](const Stream& s) { return std::tuple(s.msg().pgn, s.bus(), s.msg().source); });
             break;
         case StreamOrder::source:
-            by([](const Stream& s) { return std::pair(s.msg().source, s.msg().pgn); });
+            by([](const Stream& s) { return std::tuple(s.bus(), s.msg().source, s.msg().pgn); });
             break;
         case StreamOrder::rate: by([now](const Stream& s) { return -s.rate(now); }); break;
         case StreamOrder::latest: by([](const Stream& s) { return -s.seen(); }); break;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,10 @@ class Stream {
     double mean_interval() const;
 
     static constexpr std::int64_t rate_seconds = 8;
+    /// Times may lie before the zero of their clock.
+    static constexpr std::size_t slot_of(std::int64_t second) {
+        return static_cast<std::size_t>((second % rate_seconds + rate_seconds) % rate_seconds);
+    }
 
     N2KMsg msg_{};
     std::uint8_t bus_ = 0;
@@ -58,8 +63,9 @@ struct StreamFilter {
     std::vector<std::uint32_t> pgns;
     std::vector<std::uint8_t> sources;
     std::string text;  ///< in the number, the name or a field as shown; any case
+    std::optional<std::uint8_t> bus = {};
 
-    bool is_empty() const { return pgns.empty() && sources.empty() && text.empty(); }
+    bool is_empty() const { return pgns.empty() && sources.empty() && text.empty() && !bus; }
     bool admits(const Stream& stream, const pgn_vistel::core::UnitSelection& units,
                 pgn_vistel::core::Definitions definitions) const;
 };

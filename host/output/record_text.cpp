@@ -5,30 +5,48 @@
 #include <chrono>
 #include <cstdio>
 
+#include "text/printable.h"
+
 namespace vistel {
 
 void append_json(std::string& out, std::string_view text) {
     out += '"';
-    for (const char c : text) {
-        if (c == '"' || c == '\\') out += '\\';
-        if (static_cast<unsigned char>(c) < 0x20) {
-            std::array<char, 8> escaped;
-            std::snprintf(escaped.data(), escaped.size(), "\\u%04x", static_cast<unsigned>(c));
-            out += escaped.data();
+    const auto escape = [&out](unsigned c) {
+        std::array<char, 16> escaped;
+        std::snprintf(escaped.data(), escaped.size(), "\\u%04x", c);
+        out += escaped.data();
+    };
+    while (!text.empty()) {
+        const auto c = static_cast<unsigned char>(text[0]);
+        const auto second = static_cast<unsigned char>(text.size() > 1 ? text[1] : 0);
+        if (c < 0x20 || c == 0x7F) {
+            escape(c);
+            text.remove_prefix(1);
+        } else if (c == 0xC2 && second >= 0x80 && second < 0xA0) {
+            escape(second);
+            text.remove_prefix(2);
+        } else if (text.starts_with("\u2028") || text.starts_with("\u2029")) {
+            escape(text.starts_with("\u2028") ? 0x2028 : 0x2029);
+            text.remove_prefix(3);
         } else {
-            out += c;
+            if (c == '"' || c == '\\') out += '\\';
+            out += text[0];
+            text.remove_prefix(1);
         }
     }
     out += '"';
 }
 
 void append_csv(std::string& out, std::string_view text) {
-    if (text.find_first_of("\",\r\n") == std::string_view::npos) {
-        out += text;
+    constexpr std::string_view of_formulas = "=+-@'";
+    std::string cell = harmless(text);
+    if (!cell.empty() && of_formulas.find(cell[0]) != std::string_view::npos) cell.insert(0, 1, '\'');
+    if (cell.find_first_of("\",") == std::string_view::npos) {
+        out += cell;
         return;
     }
     out += '"';
-    for (const char c : text) out.append(c == '"' ? 2 : 1, c);
+    for (const char c : cell) out.append(c == '"' ? 2 : 1, c);
     out += '"';
 }
 

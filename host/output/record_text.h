@@ -6,7 +6,8 @@
 
 namespace vistel {
 
-/// @{ Appends a text as a value of JSON, in quotation marks, or of CSV, in them where it must be.
+/// @{ Appends a text as a value of JSON, in quotation marks, or of CSV, in them where it must be, as the
+/// core's renderers do: control characters are escaped, or in CSV U+FFFD, and no text begins like a formula.
 void append_json(std::string& out, std::string_view text);
 void append_csv(std::string& out, std::string_view text);
 /// @}

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,11 +10,13 @@
 namespace vistel {
 
 std::ptrdiff_t write_some(int descriptor, const char* bytes, std::size_t size) {
-    ssize_t written;
-    do {
-        written = ::write(descriptor, bytes, size);
-    } while (written < 0 && errno == EINTR);
-    return written;
+    for (;;) {
+        const ssize_t written = ::write(descriptor, bytes, size);
+        if (written >= 0 || (errno != EINTR && errno != EAGAIN)) return written;
+        // Who shares the descriptor may have set it not to block.
+        pollfd room{descriptor, POLLOUT, 0};
+        if (errno != EINTR) poll(&room, 1, -1);
+    }
 }
 
 int open_to_write(const std::string& path) {

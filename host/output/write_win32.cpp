@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string>
 
 #include "output/write.h"
 #include "text/windows_text.h"
@@ -39,8 +40,13 @@ std::ptrdiff_t write_some(int descriptor, const char* bytes, std::size_t size) {
 }
 
 int open_to_write(const std::string& path) {
-    return _wopen(wide(path).c_str(), _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY | _O_NOINHERIT,
-                  _S_IREAD | _S_IWRITE);
+    const std::wstring file = wide(path);
+    const int descriptor = _wopen(file.c_str(), _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY | _O_NOINHERIT,
+                                  _S_IREAD | _S_IWRITE);
+    if (descriptor >= 0) return descriptor;
+    const DWORD attributes = GetFileAttributesW(file.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) errno = EISDIR;
+    return -1;
 }
 
 void close_written(int descriptor) {

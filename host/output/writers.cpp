@@ -56,9 +56,7 @@ class TextWriter final : public MessageWriter {
     TextWriter(const core::UnitSelection& units, bool plain_numbers) : renderer_(units, plain_numbers) {}
 
     void write(Sink& out, const TimedMessage& message) override {
-        constexpr std::int64_t time_stamp_unit = 10'000'000;  // nanoseconds
-        renderer_.start(message.msg, message.pgn,
-                        static_cast<std::uint32_t>(message.time.since_start / time_stamp_unit));
+        renderer_.start(message.msg, message.pgn, message.time);
         if (message.bus.empty()) return drain(renderer_, out);
         bool is_head = true;
         bus_.drain(renderer_, message.bus, [&](std::string_view piece, std::string_view insert) {

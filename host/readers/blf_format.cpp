@@ -8,6 +8,7 @@
 
 #include "can/identifier.h"
 #include "readers/byte_order.h"
+#include "readers/unpacker.h"
 
 namespace vistel {
 namespace {
@@ -197,16 +198,20 @@ Found BlfFormat::open_container(std::string_view object, Problem& problem) {
         return Found::problem;
     }
     object.remove_prefix(container_header);
-    const std::span<char> room(held_.get() + left, announced);
-    Inflater::Outcome outcome{std::min(object.size(), announced), object.size() >= announced};
+    std::span<char> room(held_.get() + left, announced);
+    bool is_whole = object.size() >= announced;
     if (method == stored) {
-        std::memcpy(room.data(), object.data(), outcome.size);
+        const std::size_t given = std::min(object.size(), announced);
+        std::memcpy(room.data(), object.data(), given);
+        room = room.subspan(given);
     } else {
-        outcome = inflater_.inflate(object, room);
+        const auto unpacker = make_unpacker(Packing::zlib);
+        is_whole = unpacker && unpacker->unpack(object, room) == Unpacker::Step::end;
     }
-    held_end_ += outcome.size;
-    if (outcome.whole && outcome.size == announced) return Found::nothing;
-    describe(problem, "a container of ", announced, " bytes gives ", outcome.size);
+    const std::size_t given = announced - room.size();
+    held_end_ += given;
+    if (is_whole && room.empty()) return Found::nothing;
+    describe(problem, "a container of ", announced, " bytes gives ", given);
     return Found::problem;
 }
 

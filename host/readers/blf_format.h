@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "readers/block_reader.h"
-#include "readers/inflater.h"
 
 namespace vistel {
 
@@ -43,8 +42,7 @@ class BlfFormat {
     RecordTime start_;
     Sequence outer_, inner_;
     mutable char bus_name_[4] = {};
-    bool gap_ = false;  // something of the containers is missing
-    Inflater inflater_;
+    bool gap_ = false;              // something of the containers is missing
     std::unique_ptr<char[]> held_;  // what containers held, as far as it is needed
     std::size_t held_begin_ = 0, held_end_ = 0;
 };

@@ -89,6 +89,7 @@ class BlockReader final : public RecordReader {
                source_.fill(ByteSource::Wait::no) == ByteSource::Fill::idle;
     }
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::uint64_t dropped_frames() const override { return dropped_frames_of(format_); }
     std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
   private:

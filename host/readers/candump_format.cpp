@@ -319,8 +319,13 @@ LineResult CandumpFormat::read(std::string_view line, Record& record, Problem& p
     if (line.empty() || line.starts_with("interface = ")) return LineResult::nothing;  // an old heading
     if (line.starts_with(drop_mark)) {
         std::string_view rest = line.substr(drop_mark.size());
-        describe(problem, "frames are missing here: candump dropped ", take_word(rest));
-        return LineResult::problem;
+        std::uint32_t count = 0;
+        if (!parse_number(take_word(rest), UINT32_MAX, count)) {
+            describe(problem, quoted(line), " tells no number of frames");
+            return LineResult::problem;
+        }
+        dropped_frames_ += count;
+        return LineResult::nothing;
     }
     const bool timed = line[0] == '(';
     if (!take_time(line, record.time, problem)) return LineResult::problem;

@@ -19,7 +19,7 @@ namespace vistel {
 /// ignored. Data may be binary, or have its last byte first, with back quotes in between.
 ///
 /// 11-bit frames, remote requests, the controller's error frames and frames with a flexible data rate are on
-/// a bus for other reasons and are foreign. Frames that candump says it has dropped are a problem.
+/// a bus for other reasons and are foreign. Frames that candump says it has dropped are counted.
 class CandumpFormat : public IndependentLines {
   public:
     static bool resembles(std::string_view line);
@@ -30,6 +30,7 @@ class CandumpFormat : public IndependentLines {
     bool depends_on_later(std::string_view line);
     void foresee(std::string_view line);
     void settle() { counting_ = Counting::from_one_start; }
+    std::uint64_t dropped_frames() const { return dropped_frames_; }
     std::string_view bus_name(std::uint8_t bus) const { return buses_.name_of(bus); }
 
   private:
@@ -61,6 +62,7 @@ class CandumpFormat : public IndependentLines {
     std::int64_t since_start_ = 0;  // of the last line, when times count from the line before
     std::int64_t last_seen_ = -1;   // by foresee()
     unsigned lines_seen_ = 0;
+    std::uint64_t dropped_frames_ = 0;
 };
 
 }  // namespace vistel

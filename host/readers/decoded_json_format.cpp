@@ -165,8 +165,16 @@ bool DecodedJsonFormat::read_time(std::string_view head, RecordTime& time) {
         if (parsed) time = *parsed;
         return static_cast<bool>(parsed);
     }
+    std::string_view since = member(head, "{\"time\":");
+    if (since == "null") {
+        time = {};
+        return true;
+    }
+    const bool is_before = since.starts_with('-');
+    if (is_before) since.remove_prefix(1);
     std::int64_t since_start = 0;
-    if (!parse_duration(member(head, "{\"time\":"), second, since_start)) return false;
+    if (!parse_duration(since, second, since_start)) return false;
+    if (is_before) since_start = -since_start;
     time = {since_start, RecordTime::Origin::start};
     return true;
 }

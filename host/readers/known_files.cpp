@@ -7,23 +7,17 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr struct {
+constexpr struct KnownFile {
     std::size_t offset;
     std::string_view bytes, what;
+    bool is_archive = false;
 } known[] = {
     {0, "\xFF\xFE"sv, "UTF-16 text"},
     {0, "\xFE\xFF"sv, "UTF-16 text"},
-    {0, "PK\x03\x04"sv, "a zip archive"},
-    {0, "\x1F\x8B"sv, "gzip data"},
-    {0, "BZh"sv, "bzip2 data"},
-    {0,
-     "\xFD"
-     "7zXZ\0"sv,
-     "xz data"},
-    {0, "\x28\xB5\x2F\xFD"sv, "zstd data"},
-    {0, "7z\xBC\xAF\x27\x1C"sv, "a 7-Zip archive"},
-    {0, "Rar!\x1A\x07"sv, "a RAR archive"},
-    {257, "ustar"sv, "a tar archive"},
+    {0, "PK\x03\x04"sv, "a zip archive", true},
+    {0, "7z\xBC\xAF\x27\x1C"sv, "a 7z archive", true},
+    {0, "Rar!\x1A\x07"sv, "a rar archive", true},
+    {257, "ustar"sv, "a tar archive", true},
     {0, "\x89PNG\r\n"sv, "a PNG picture"},
     {0, "\xFF\xD8\xFF"sv, "a JPEG picture"},
     {0, "GIF8"sv, "a GIF picture"},
@@ -41,12 +35,14 @@ constexpr struct {
     {0, "<?xml"sv, "XML"},
     {0, "<!DOCTYPE"sv, "HTML"},
     {0, "<html"sv, "HTML"},
-    {0, "{\"timestamp\":"sv, "values without their bytes as JSON"sv},
-    {0, "{\"version\":"sv, "values without their bytes as JSON"sv},
     {0, "$GP"sv, "NMEA 0183 sentences"},
     {0, "$II"sv, "NMEA 0183 sentences"},
     {0, "!AIVDM"sv, "NMEA 0183 sentences"},
 };
+
+bool fits(std::string_view head, const KnownFile& file) {
+    return head.size() > file.offset && head.substr(file.offset).starts_with(file.bytes);
+}
 
 /// Whether every second byte of text in Latin letters is 0.
 bool looks_like_wide_text(std::string_view head) {
@@ -60,10 +56,15 @@ bool looks_like_wide_text(std::string_view head) {
 }  // namespace
 
 std::string_view guess_file(std::string_view head) {
-    for (const auto& file : known) {
-        if (head.size() > file.offset && head.substr(file.offset).starts_with(file.bytes)) return file.what;
-    }
+    for (const auto& file : known)
+        if (fits(head, file)) return file.what;
     return looks_like_wide_text(head) ? "UTF-16 text" : std::string_view{};
+}
+
+std::string_view archive_kind(std::string_view head) {
+    for (const auto& file : known)
+        if (file.is_archive && fits(head, file)) return file.what;
+    return {};
 }
 
 }  // namespace vistel

@@ -8,4 +8,8 @@ namespace vistel {
 /// telling.
 std::string_view guess_file(std::string_view head);
 
+/// What holds recordings instead of being one, by its beginning; empty for anything else. A recording in a
+/// tar archive could be read, but its lines would not be all there is.
+std::string_view archive_kind(std::string_view head);
+
 }  // namespace vistel

@@ -7,13 +7,13 @@ namespace vistel {
 bool take_line(std::string_view& text, std::string_view& line) {
     const std::size_t end = text.find('\n');
     if (end == std::string_view::npos) return false;
-    line = trimmed(text.substr(0, end));
+    line = within_line(text.substr(0, end));
     text.remove_prefix(end + 1);
     return true;
 }
 
 bool take_rest(std::string_view& text, std::string_view& line) {
-    line = trimmed(text);
+    line = within_line(text);
     text.remove_prefix(text.size());
     return !line.empty();
 }
@@ -76,7 +76,7 @@ ReadResult Lines::take_any_line(std::string_view& line, Problem& problem) {
     searched_ = 0;
     at_line_start_ = true;
     if (++number_ == 1) line = without_mark(line);
-    line = trimmed(line);
+    line = within_line(line);
     return ReadResult::record;
 }
 

@@ -10,13 +10,21 @@
 #include "readers/content_kind.h"
 #include "readers/line_format.h"
 #include "readers/record_reader.h"
-#include "text/words.h"
+#include "text/characters.h"
 
 namespace vistel {
 
 /// Longest line read, line end not counted. The longest message takes 5,400 bytes as plain text, and as JSON
 /// with hundreds of fields about 100,000.
 constexpr std::size_t max_line = 131'072;
+
+/// What a line says: without the blanks around it, and the zeros that serial lines leave there.
+constexpr std::string_view within_line(std::string_view text) {
+    const auto is_nothing = [](char c) { return c == '\0' || is_blank(c); };
+    while (!text.empty() && is_nothing(text.back())) text.remove_suffix(1);
+    while (!text.empty() && is_nothing(text.front())) text.remove_prefix(1);
+    return text;
+}
 
 /// Cuts the next line with its line end off `text`; false when there is no complete one. `line` gets it
 /// without the blanks around it. The last line of all may lack its end: that is for the caller.
@@ -89,7 +97,7 @@ inline bool Lines::take_ready_line(std::string_view& line) {
     source_.consume(size + 1);
     ++number_;
     line = {unread.data(), size};
-    if (line.empty() || line.front() <= ' ' || line.back() <= ' ') line = trimmed(line);
+    if (line.empty() || line.front() <= ' ' || line.back() <= ' ') line = within_line(line);
     return true;
 }
 
@@ -112,6 +120,7 @@ class LineReader final : public RecordReader {
 
     bool would_wait() override { return !settle(ByteSource::Wait::no) || lines_.would_wait(); }
     std::uint64_t foreign_frames() const override { return foreign_frames_; }
+    std::uint64_t dropped_frames() const override { return dropped_frames_of(format_); }
     std::string_view bus_name(std::uint8_t bus) const override { return bus_name_of(format_, bus); }
 
   private:

@@ -12,6 +12,7 @@ enum Block : std::uint32_t {
     interface_block = 1,
     old_packet_block = 2,
     simple_packet_block = 3,
+    statistics_block = 5,
     packet_block = 6,
 };
 
@@ -70,7 +71,7 @@ Found PcapngFormat::take(std::string_view bytes, bool, std::size_t& size, Record
     if (total % 4 != 0 || total < block_head + block_tail)
         return broken(problem, "a block whose length cannot be");
     const bool looked_at = type == section_block || type == interface_block || type == old_packet_block ||
-                           type == simple_packet_block || type == packet_block;
+                           type == simple_packet_block || type == packet_block || type == statistics_block;
     if (!looked_at) {
         to_skip_ = total - size;
         return Found::nothing;
@@ -84,6 +85,7 @@ Found PcapngFormat::take(std::string_view bytes, bool, std::size_t& size, Record
     switch (type) {
         case section_block: return take_section(block, problem);
         case interface_block: return take_interface(block, problem);
+        case statistics_block: return take_statistics(block);
         default: return take_packet(block, type, record, problem);
     }
 }
@@ -92,7 +94,43 @@ Found PcapngFormat::take_section(std::string_view block, Problem& problem) {
     constexpr std::size_t version_at = 12, least = 24;
     if (block.size() < least || order_.load<std::uint16_t>(block.data() + version_at) != 1)
         return broken(problem, "a section of a version that is not known");
+    dropped_before_ = dropped_frames();
     interfaces_.clear();
+    return Found::nothing;
+}
+
+std::uint64_t PcapngFormat::dropped_frames() const {
+    std::uint64_t sum = dropped_before_;
+    for (const Interface& interface : interfaces_)
+        sum += std::max(interface.dropped, interface.dropped_between);
+    return sum;
+}
+
+/// Calls `take` with the code and the value of each option.
+template <class Take>
+void PcapngFormat::each_option(std::string_view options, Take take) const {
+    while (options.size() >= 4) {
+        const auto code = order_.load<std::uint16_t>(options.data());
+        const auto size = order_.load<std::uint16_t>(options.data() + 2);
+        options.remove_prefix(4);
+        if (code == 0 || size > options.size()) break;
+        take(code, options.substr(0, size));
+        options.remove_prefix(std::min<std::size_t>(options.size(), (size + 3u) & ~3u));
+    }
+}
+
+Found PcapngFormat::take_statistics(std::string_view block) {
+    constexpr std::size_t options_at = 20;
+    constexpr std::uint16_t dropped_by_interface = 5, dropped_by_system = 7;
+    if (block.size() < options_at) return Found::nothing;
+    const auto number = order_.load<std::uint32_t>(block.data() + block_head);
+    if (number >= interfaces_.size()) return Found::nothing;
+    std::uint64_t& dropped = interfaces_[number].dropped;
+    dropped = 0;  // the latest statistics are those of the whole capture
+    each_option(block.substr(options_at), [&](std::uint16_t code, std::string_view value) {
+        if ((code == dropped_by_interface || code == dropped_by_system) && value.size() == 8)
+            dropped += order_.load<std::uint64_t>(value.data());
+    });
     return Found::nothing;
 }
 
@@ -104,22 +142,15 @@ Found PcapngFormat::take_interface(std::string_view block, Problem& problem) {
     Interface interface;
     interface.type = order_.load<std::uint16_t>(block.data() + 8);
     interface.most_captured = order_.load<std::uint32_t>(block.data() + 12);
-    std::string_view options = block.substr(options_at);
-    while (options.size() >= 4) {
-        const auto code = order_.load<std::uint16_t>(options.data());
-        const auto size = order_.load<std::uint16_t>(options.data() + 2);
-        options.remove_prefix(4);
-        if (code == 0 || size > options.size()) break;
-        const std::string_view value = options.substr(0, size);
+    each_option(block.substr(options_at), [&](std::uint16_t code, std::string_view value) {
         if (code == name_option) {
             interface.name = value.substr(0, 64);
-        } else if (code == resolution_option && size == 1) {
+        } else if (code == resolution_option && value.size() == 1) {
             interface.resolution = static_cast<std::uint8_t>(value[0]);
-        } else if (code == offset_option && size == 8) {
+        } else if (code == offset_option && value.size() == 8) {
             interface.offset = static_cast<std::int64_t>(order_.load<std::uint64_t>(value.data()));
         }
-        options.remove_prefix(std::min<std::size_t>(options.size(), (size + 3u) & ~3u));
-    }
+    });
     interface.readable = can_read(interface.type, problem);
     interfaces_.push_back(std::move(interface));
     return interfaces_.back().readable ? Found::nothing : Found::problem;
@@ -140,13 +171,26 @@ Found PcapngFormat::take_packet(std::string_view block, std::uint32_t type, Reco
         head.original = number(24);
     }
     if (head.interface >= interfaces_.size()) return broken(problem, "a packet of no interface");
-    const Interface& interface = interfaces_[head.interface];
+    Interface& interface = interfaces_[head.interface];
     if (!head.timed) {
         head.captured =
             interface.most_captured == 0 ? head.original : std::min(head.original, interface.most_captured);
     }
     if (head.captured > block.size() - head.size)
         return broken(problem, "a packet that is longer than its block");
+    if (type == old_packet_block) {
+        constexpr std::uint16_t not_known = 0xFFFF;
+        const auto dropped = order_.load<std::uint16_t>(block.data() + 10);
+        if (dropped != not_known) interface.dropped_between += dropped;
+    } else if (type == packet_block) {
+        constexpr std::uint16_t drop_count = 4;
+        const std::size_t options_at = head.size + ((std::size_t{head.captured} + 3) & ~std::size_t{3});
+        each_option(block.substr(std::min(options_at, block.size())),
+                    [&](std::uint16_t code, std::string_view value) {
+                        if (code == drop_count && value.size() == 8)
+                            interface.dropped_between += order_.load<std::uint64_t>(value.data());
+                    });
+    }
     if (!interface.readable) return Found::foreign;
 
     const Packet packet{{reinterpret_cast<const std::uint8_t*>(block.data()) + head.size, head.captured},

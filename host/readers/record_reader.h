@@ -30,10 +30,23 @@ class RecordReader {
     /// Frames passed over because they are not NMEA 2000.
     virtual std::uint64_t foreign_frames() const = 0;
 
+    /// Frames that the recording itself says it lacks.
+    virtual std::uint64_t dropped_frames() const { return 0; }
+
     /// How the recording names the interface that `Record::bus` numbers; empty where it does not. Valid until
     /// the next call.
     virtual std::string_view bus_name(std::uint8_t bus) const = 0;
 };
+
+/// What a format says of frames that are missing: one whose recordings tell may have `dropped_frames()`.
+template <class Format>
+std::uint64_t dropped_frames_of(const Format& format) {
+    if constexpr (requires { format.dropped_frames(); }) {
+        return format.dropped_frames();
+    } else {
+        return 0;
+    }
+}
 
 /// What a format says of an interface: one that tells several apart may have `bus_name(std::uint8_t)`, by
 /// which each is known from its first record on.

@@ -31,21 +31,6 @@ bool only_blank_lines(std::string_view head) {
     return true;
 }
 
-/// What holds recordings instead of being one, by its beginning; empty for anything else. A recording in a
-/// tar archive could be read, but its lines would not be all there is.
-std::string_view archive_kind(std::string_view head) {
-    static constexpr struct {
-        std::size_t at;
-        std::string_view mark, kind;
-    } archives[] = {{0, "PK\3\4", "a zip archive"},
-                    {257, "ustar", "a tar archive"},
-                    {0, "7z\xBC\xAF\x27\x1C", "a 7z archive"},
-                    {0, "Rar!\x1A\7", "a rar archive"}};
-    for (const auto& [at, mark, kind] : archives)
-        if (head.size() >= at + mark.size() && head.substr(at, mark.size()) == mark) return kind;
-    return {};
-}
-
 }  // namespace
 
 Status Recording::open(const std::string& path, const RecordingOptions& options) {

@@ -74,6 +74,9 @@ class Recording {
     /// Frames passed over because they are not NMEA 2000.
     std::uint64_t foreign_frames() const { return reader_ ? reader_->foreign_frames() : 0; }
 
+    /// Frames that the recording itself says it lacks.
+    std::uint64_t dropped_frames() const { return reader_ ? reader_->dropped_frames() : 0; }
+
   private:
     enum class State { ready, unknown_format, idle };
 

@@ -69,7 +69,15 @@ Piece SentenceCutter::take(std::string_view bytes, bool last, std::size_t& size,
     if (line_ended_) ++line_;
     line_ended_ = bytes[0] == '\n';
     size = 1;
-    if (line_ended_) return Piece::nothing;
+    if (line_ended_) {
+        in_comment_ = false;
+        return Piece::nothing;
+    }
+    if (bytes[0] == '#' || in_comment_) {
+        size = std::min(bytes.find('\n'), bytes.size());
+        in_comment_ = true;
+        return Piece::nothing;
+    }
     if (is_filling(bytes[0])) {
         while (size < bytes.size() && is_filling(bytes[size])) ++size;
         return Piece::nothing;
@@ -84,10 +92,6 @@ Piece SentenceCutter::take(std::string_view bytes, bool last, std::size_t& size,
         size = 1;
         describe(problem, "a tag block has no end");
         return Piece::problem;
-    }
-    if (bytes[0] == '#') {
-        size = std::min(bytes.find('\n'), bytes.size());
-        return Piece::nothing;
     }
     bytes = bytes.substr(0, most_size);
     size = find_end(bytes, last || bytes.size() == most_size);

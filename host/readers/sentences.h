@@ -42,6 +42,7 @@ class SentenceCutter {
   private:
     std::uint64_t line_ = 1;
     bool line_ended_ = false;  // with the last piece
+    bool in_comment_ = false;  // of which more may come
 };
 
 /// Reads a PGN of six hexadecimal digits.

@@ -18,11 +18,13 @@ struct Entry {
 
 bool read_entry(std::string_view text, Entry& entry) {
     constexpr std::size_t time_digits = 13;
+    constexpr std::int64_t most_milliseconds = INT64_MAX / 1'000'000;  // of the year 2262
     if (text.size() < time_digits + 3 || text[time_digits] != ';' || text[time_digits + 2] != ';')
         return false;
     const auto is_upper = [](char c) { return c >= 'A' && c <= 'Z'; };
     entry.kind = text[time_digits + 1];
-    if (!is_upper(entry.kind) || !parse_duration(text.substr(0, time_digits), 1, entry.milliseconds))
+    if (!is_upper(entry.kind) || !parse_duration(text.substr(0, time_digits), 1, entry.milliseconds) ||
+        entry.milliseconds > most_milliseconds)
         return false;
     entry.line = trimmed(text.substr(time_digits + 3));
     return true;

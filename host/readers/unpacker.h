@@ -7,8 +7,8 @@
 
 namespace vistel {
 
-/// How files are compressed.
-enum class Packing : std::uint8_t { gzip, xz, zstd, bzip2 };
+/// How files, and parts of them, are compressed.
+enum class Packing : std::uint8_t { gzip, xz, zstd, bzip2, zlib };
 
 /// Unpacks one piece of compressed data: a member of a gzip file, a stream of an xz file, and so on.
 class Unpacker {

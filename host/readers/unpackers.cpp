@@ -38,12 +38,9 @@ class StreamUnpacker final : public Unpacker {
     const bool ready_;
 };
 
-struct Gzip {
+struct Zlib {
     using Stream = z_stream;
-    static bool start(Stream& stream) {
-        constexpr int with_gzip_header = 16;
-        return inflateInit2(&stream, MAX_WBITS + with_gzip_header) == Z_OK;
-    }
+    static bool start(Stream& stream) { return inflateInit(&stream) == Z_OK; }
     static void end(Stream& stream) { inflateEnd(&stream); }
     static void set_input(Stream& stream, std::string_view packed) {
         // The library only reads there, whatever the type of its member.
@@ -57,6 +54,13 @@ struct Gzip {
             case Z_MEM_ERROR: return Step::too_large;
             default: return Step::damaged;
         }
+    }
+};
+
+struct Gzip : Zlib {
+    static bool start(Stream& stream) {
+        constexpr int with_gzip_header = 16;
+        return inflateInit2(&stream, MAX_WBITS + with_gzip_header) == Z_OK;
     }
 };
 
@@ -133,6 +137,7 @@ std::unique_ptr<Unpacker> make_unpacker(Packing packing) {
         case Packing::xz: return std::make_unique<StreamUnpacker<Xz>>();
         case Packing::zstd: return std::make_unique<ZstdUnpacker>();
         case Packing::bzip2: return std::make_unique<StreamUnpacker<Bzip2>>();
+        case Packing::zlib: return std::make_unique<StreamUnpacker<Zlib>>();
     }
     return nullptr;
 }

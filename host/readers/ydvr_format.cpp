@@ -88,17 +88,24 @@ bool is_cut(std::string_view bytes) {
     return shape && bytes.size() < shape->size;
 }
 
-/// How many records follow each other, up to `most`; `most` too where the bytes end before that can be told.
-unsigned count_records(std::string_view bytes, bool last, unsigned most) {
-    unsigned count = 0;
-    while (count < most && !bytes.empty()) {
+enum class Following {
+    records,  ///< so many that it is no chance
+    others,
+    open,  ///< the bytes end before that can be told
+};
+
+/// Whether records follow each other from the beginning of the bytes on.
+Following what_follows(std::string_view bytes, bool last) {
+    constexpr unsigned enough = 4;
+    for (unsigned count = 0; count < enough; ++count) {
+        if (bytes.empty())
+            return !last ? Following::open : count > 0 ? Following::records : Following::others;
         const auto shape = find_shape(bytes, last);
-        if (!shape) return count;
-        if (shape->size == 0) return most;
+        if (!shape) return Following::others;
+        if (shape->size == 0) return Following::open;
         bytes.remove_prefix(shape->size);
-        ++count;
     }
-    return bytes.empty() && count > 0 ? most : count;
+    return Following::records;
 }
 
 }  // namespace
@@ -119,14 +126,18 @@ bool YdvrFormat::begins(std::string_view head) {
 
 Found YdvrFormat::take(std::string_view bytes, bool last, std::size_t& size, Record& record,
                        Problem& problem) {
+    if (lost_) {
+        Following following = Following::others;
+        for (size = 0; size < bytes.size(); ++size)
+            if ((following = what_follows(bytes.substr(size), last)) != Following::others) break;
+        if (size > 0) return Found::nothing;
+        if (following == Following::open) return Found::more;
+    }
     const auto shape = find_shape(bytes, last);
     if (shape && shape->size == 0) return Found::more;
     if (!shape) {
         if (last && is_cut(bytes)) return Found::more;
-        constexpr unsigned enough = 4;
         size = 1;
-        while (size < bytes.size() && count_records(bytes.substr(size), last, enough) < enough) ++size;
-        if (lost_) return Found::nothing;
         lost_ = true;
         describe(problem, "here the records are lost, as what follows cannot be any");
         return Found::problem;

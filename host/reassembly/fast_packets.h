@@ -63,7 +63,7 @@ class FastPackets {
     /// The frame by which a source completed its last message. It may come again, like any other.
     struct Completion {
         std::uint64_t key = 0;
-        Moment moment;
+        Moment moment = {};
         std::uint8_t data[max_frame_bytes] = {};
     };
 

@@ -9,9 +9,9 @@ constexpr std::int64_t milliseconds = 1'000'000;
 /// When a frame came, by the clock of its source and by the number of frames on its bus before it. Recordings
 /// may lack the clock or have it stand still for a second; the number always rises.
 struct Moment {
-    std::int64_t spoken = 0;   ///< time for which the source has been heard, its pauses left out
-    std::uint64_t frame = 0;   ///< on the bus
-    std::uint32_t pauses = 0;  ///< of the source so far
+    std::int64_t spoken;   ///< time for which the source has been heard, its pauses left out
+    std::uint64_t frame;   ///< on the bus
+    std::uint32_t pauses;  ///< of the source so far
 };
 
 namespace detail {

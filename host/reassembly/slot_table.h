@@ -100,7 +100,6 @@ class SlotTable {
     using Index = std::uint16_t;
     static constexpr Index end = capacity;
     static_assert(std::has_single_bit(capacity) && capacity < 0x8000);
-    static_assert(std::is_trivially_default_constructible_v<Slot>, "no slot is written before its use");
     static constexpr std::size_t buckets = 2 * capacity;
 
     struct Entry {
@@ -109,6 +108,10 @@ class SlotTable {
         Index next;          // with this hash, or free
         Index older, newer;  // by `last`
     };
+
+    static_assert(std::is_trivially_default_constructible_v<Slot> &&
+                      std::is_trivially_default_constructible_v<Entry>,
+                  "nothing is written before its use, so that a table takes the memory that is used of it");
 
     static std::size_t bucket_of(std::uint64_t key) {
         constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;  // 2 to the 64th by the golden ratio

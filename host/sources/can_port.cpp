@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "can/identifier.h"
-#include "text/words.h"
+#include "sources/event_loop.h"
 
 namespace vistel {
 namespace {
@@ -27,9 +27,14 @@ Status CanPort::open() {
     watch_.attempt();
     auto opened = open_();
     if (!opened) return opened.error();
-    socket_ = std::move(*opened);
-    watch_.opened(LinkWatch::Clock::now());
+    use(std::move(*opened));
     return done;
+}
+
+void CanPort::use(std::unique_ptr<CanSocket> socket) {
+    socket_ = std::move(socket);
+    if (watch_.options().loop) socket_->wake(*watch_.options().loop);
+    watch_.opened(LinkWatch::Clock::now());
 }
 
 bool CanPort::receive(CanFrame& frame, int patience) {
@@ -69,19 +74,12 @@ void CanPort::look_again() {
     const auto now = LinkWatch::Clock::now();
     auto opened = open_();
     if (!opened) return watch_.lost(now, opened.error().text);
-    socket_ = std::move(*opened);
-    watch_.opened(now);
+    use(std::move(*opened));
 }
 
 void CanPort::count_dropped() {
-    watch_.counters().dropped_frames = earlier_dropped_ + socket_->dropped();
-    if (watch_.counters().dropped_frames == told_dropped_) return;
-    const auto now = LinkWatch::Clock::now();
-    if (told_dropped_ > 0 && now - dropped_told_at_ < 10s) return;
-    watch_.tell(concat("frames that the system dropped, because they were not read in time: ",
-                       watch_.counters().dropped_frames));
-    told_dropped_ = watch_.counters().dropped_frames;
-    dropped_told_at_ = now;
+    const std::uint64_t total = earlier_dropped_ + socket_->dropped();
+    if (total != watch_.counters().dropped) watch_.dropped(LinkWatch::Clock::now(), total, "frames");
 }
 
 }  // namespace vistel

@@ -29,14 +29,13 @@ class CanPort {
     std::shared_ptr<const LinkCounters> counters() const { return watch_.shared_counters(); }
 
   private:
+    void use(std::unique_ptr<CanSocket> socket);
     void look_again();
     void count_dropped();
 
     Open open_;
     LinkWatch watch_;
     std::unique_ptr<CanSocket> socket_;
-    std::uint64_t told_dropped_ = 0;
-    LinkWatch::Time dropped_told_at_;
     std::uint64_t earlier_dropped_ = 0;  // by sockets that are gone
 };
 

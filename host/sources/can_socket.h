@@ -10,6 +10,8 @@
 
 namespace vistel {
 
+class EventLoop;
+
 /// A frame as the system gives it.
 struct CanFrame {
     /// @{ flags beside the identifier
@@ -39,6 +41,10 @@ class CanSocket {
 
     /// False where it was not taken: the interface is down, or has no room for more.
     virtual bool send(const CanFrame& frame) = 0;
+
+    /// From here on the loop, which outlives the socket, does not wait when there is something to be
+    /// received: each receive() that finds nothing has it wait for that.
+    virtual void wake(EventLoop& loop) = 0;
 
     /// Frames that the system dropped because they were not taken in time.
     virtual std::uint64_t dropped() const = 0;

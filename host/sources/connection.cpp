@@ -9,6 +9,7 @@
 #include <asio/serial_port.hpp>
 #include <asio/write.hpp>
 
+#include "sources/drops.h"
 #include "sources/event_loop_parts.h"
 #include "sources/tcp_listener.h"
 #include "text/quotes.h"
@@ -35,6 +36,7 @@ class Session : public std::enable_shared_from_this<Session> {
     virtual Status open(const SourceName& name) = 0;
     virtual void read() = 0;
     virtual void send(std::string_view bytes) = 0;
+    virtual std::uint64_t dropped() { return 0; }
     virtual void close() = 0;
 
     void drop() {
@@ -213,6 +215,8 @@ class UdpSession final : public Session {
         if (!error) socket_.bind(endpoint, error);
         if (!error && host_.is_multicast()) socket_.set_option(asio::ip::multicast::join_group(host_), error);
         if (error) return Failure{text_of(error)};
+        constexpr int much = 1 << 20;  // the system may grant less
+        socket_.set_option(asio::socket_base::receive_buffer_size(much), error);
         asio::post(socket_.get_executor(), [this, self = shared_from_this()] { opened(); });
         return done;
     }
@@ -230,6 +234,10 @@ class UdpSession final : public Session {
     void send(std::string_view bytes) override {
         Error ignored;  // a datagram may be lost on any way
         if (gateway_.port() != 0) socket_.send_to(asio::buffer(bytes), gateway_, 0, ignored);
+    }
+
+    std::uint64_t dropped() override {
+        return socket_.is_open() ? dropped_by_system(static_cast<std::intptr_t>(socket_.native_handle())) : 0;
     }
 
     void close() override {
@@ -257,6 +265,7 @@ class SessionConnection final : public Connection {
     SessionConnection& operator=(const SessionConnection&) = delete;
 
     void resume() override { session_->read(); }
+    std::uint64_t dropped() const override { return session_->dropped(); }
     void send(std::string_view bytes) override { session_->send(bytes); }
 
   private:

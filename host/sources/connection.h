@@ -30,6 +30,8 @@ class Connection {
     virtual ~Connection() = default;
 
     virtual void resume() = 0;
+    /// Datagrams that the system dropped because they were not taken in time.
+    virtual std::uint64_t dropped() const = 0;
     /// Sends behind what is being sent.
     virtual void send(std::string_view bytes) = 0;
 };

@@ -103,8 +103,8 @@ void Link::send(std::string_view bytes) {
 }
 
 /// Does what is due.
-void Link::keep_up() {
-    const auto now = Clock::now();
+void Link::keep_up(Clock::time_point now) {
+    kept_up_at_ = now;
     if (!connection_) {
         if (now >= watch_.retry_at()) connect();
     } else if (is_open_) {
@@ -112,6 +112,9 @@ void Link::keep_up() {
     } else if (name_.kind == SourceName::Kind::tcp && now - connecting_since_ >= most_connecting) {
         lost("no answer");
     }
+    if (is_open_)
+        if (const std::uint64_t dropped = connection_->dropped(); dropped > 0)
+            watch_.dropped(now, dropped, "datagrams");
     watch_.elapsed(now, gateway_ ? gateway_->state() : std::string_view{});
     // The other end may have lost its power, which looks just as if the bus had nothing to say.
     const auto most_silence = 2 * watch_.options().silence;
@@ -135,6 +138,7 @@ ByteInput::Fill Link::read(std::span<char> room, int patience, std::size_t& size
     const auto start = Clock::now();
     const auto most = std::chrono::milliseconds(patience);
     loop_->run_one(0ms);
+    if (start - kept_up_at_ >= slice) keep_up(start);
     for (;;) {
         if (read_ < pending_.size()) {
             size = pending_.copy(room.data(), room.size(), read_);
@@ -142,8 +146,9 @@ ByteInput::Fill Link::read(std::span<char> room, int patience, std::size_t& size
             drop_read();
             return Fill::data;
         }
-        keep_up();
-        const auto waited = Clock::now() - start;
+        const auto now = Clock::now();
+        keep_up(now);
+        const auto waited = now - start;
         if (patience >= 0 && waited >= most) return Fill::idle;
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(most - waited) + 1ms;
         loop_->run_one(patience < 0 ? slice : std::min<std::chrono::milliseconds>(slice, left));

@@ -48,7 +48,7 @@ class Link final : public ByteInput, Connection::Events, Gateway::Side {
     bool wants_to_send() const override { return watch_.options().sends; }
 
     void connect();
-    void keep_up();
+    void keep_up(Clock::time_point now);
     void drop_read();
 
     std::shared_ptr<EventLoop> loop_;
@@ -60,6 +60,7 @@ class Link final : public ByteInput, Connection::Events, Gateway::Side {
     Clock::time_point connecting_since_;
     std::string first_failure_;
     bool opened_once_ = false;
+    Clock::time_point kept_up_at_;
     std::string pending_;   // received, not read
     std::size_t read_ = 0;  // of these
     bool cut_ = false;      // the last connection ended within a line

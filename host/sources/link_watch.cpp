@@ -37,6 +37,7 @@ void LinkWatch::traffic(Time now) {
                     " of silence"));
     }
     is_lost_ = silence_told_ = absence_told_ = false;
+    counters_->is_well = true;
     pause_ = milliseconds{};
     heard_ = silent_since_ = now;
 }
@@ -49,10 +50,20 @@ void LinkWatch::lost(Time now, const std::string& reason) {
         tell(concat("connection lost: ", reason, "; trying again"));
     }
     is_lost_ = true;
+    counters_->is_well = false;
     is_open_ = silence_told_ = false;
     // A link that is made again and brings nothing is no better than none: the pause goes on growing.
     retry_at_ = now + pause_;
     pause_ = std::min(std::max(pause_ * 2, options_.first_pause), options_.longest_pause);
+}
+
+void LinkWatch::dropped(Time now, std::uint64_t total, std::string_view what) {
+    constexpr std::chrono::seconds between{10};
+    counters_->dropped = total;
+    if (total == told_dropped_ || (told_dropped_ > 0 && now - dropped_told_at_ < between)) return;
+    tell(concat(what, " that the system dropped, because they were not read in time: ", total));
+    told_dropped_ = total;
+    dropped_told_at_ = now;
 }
 
 void LinkWatch::elapsed(Time now, std::string_view state) {
@@ -63,6 +74,7 @@ void LinkWatch::elapsed(Time now, std::string_view state) {
         tell(concat("not connected for ", in_seconds(in_milliseconds(now - lost_at_)), ": ", reason_));
     } else if (!silence_told_ && now - heard_ >= options_.silence) {
         silence_told_ = true;
+        counters_->is_well = false;
         ++counters_->silences;
         tell(concat(connected_, ", nothing received for ", in_seconds(in_milliseconds(now - heard_)),
                     state.empty() ? "" : "; ", state));

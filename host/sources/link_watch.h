@@ -9,6 +9,8 @@
 
 namespace vistel {
 
+class EventLoop;
+
 struct LinkOptions {
     /// How long a connection may bring nothing before that is told; 0 for ever.
     std::chrono::milliseconds silence{std::chrono::seconds{30}};
@@ -16,17 +18,20 @@ struct LinkOptions {
     std::chrono::milliseconds longest_pause{std::chrono::seconds{30}};
     std::function<void(const std::string&)> tell = {};  ///< what the user should know, once each
     bool sends = false;  ///< frames are going to be sent, too: an adapter must not only listen
+    std::shared_ptr<EventLoop> loop = {};  ///< that it shares with others; null for one of its own
 };
 
 /// What became of a link so far.
 struct LinkCounters {
+    bool is_well = true;  ///< at present: neither lost nor silent for long
     std::uint64_t losses = 0;
     std::uint64_t attempts = 0;           ///< to connect, the first one among them
     std::chrono::milliseconds without{};  ///< a connection, of the losses that are over
     std::uint64_t silences = 0;
-    std::uint64_t bytes = 0;           ///< of links that bring bytes
-    std::uint64_t error_frames = 0;    ///< of CAN interfaces
-    std::uint64_t dropped_frames = 0;  ///< by the system, because they were not taken in time
+    std::uint64_t bytes = 0;         ///< of links that bring bytes
+    std::uint64_t error_frames = 0;  ///< of CAN interfaces
+    /// Frames of a CAN interface, or datagrams, that the system dropped because they were not taken in time.
+    std::uint64_t dropped = 0;
 };
 
 /// Keeps the account of one link: tells what changes, counts, and says when to try again. Its times are those
@@ -46,6 +51,8 @@ class LinkWatch {
     void traffic(Time now);
     /// A connection that was there, or an attempt to make one, came to an end.
     void lost(Time now, const std::string& reason);
+    /// So many frames or datagrams, as `what` says, were dropped in all. That is told now and then.
+    void dropped(Time now, std::uint64_t total, std::string_view what);
     /// To be called several times a second. `state` may say more of a link that brings nothing.
     void elapsed(Time now, std::string_view state = {});
 
@@ -76,6 +83,8 @@ class LinkWatch {
     Time retry_at_;
     std::string reason_;
     std::chrono::milliseconds pause_{};
+    std::uint64_t told_dropped_ = 0;
+    Time dropped_told_at_;
 };
 
 }  // namespace vistel

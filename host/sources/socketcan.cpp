@@ -12,9 +12,11 @@
 #include <chrono>
 #include <cstring>
 #include <ctime>
+#include <optional>
 #include <system_error>
 
 #include "sources/can_socket.h"
+#include "sources/readiness.h"
 
 namespace vistel {
 namespace {
@@ -26,21 +28,32 @@ std::string text_of(int error) {
 class KernelSocket final : public CanSocket {
   public:
     explicit KernelSocket(int descriptor) : descriptor_(descriptor) {}
-    ~KernelSocket() override { ::close(descriptor_); }
+    ~KernelSocket() override {
+        readiness_.reset();
+        ::close(descriptor_);
+    }
     KernelSocket(const KernelSocket&) = delete;
     KernelSocket& operator=(const KernelSocket&) = delete;
 
     Received receive(CanFrame& frame, int patience) override;
     bool send(const CanFrame& frame) override;
+    void wake(EventLoop& loop) override { readiness_.emplace(loop, descriptor_); }
     std::uint64_t dropped() const override { return dropped_; }
 
   private:
+    Received nothing();
     void take_notes(msghdr& message, CanFrame& frame);
 
     int descriptor_;
+    std::optional<Readiness> readiness_;
     std::uint32_t last_count_ = 0;
     std::uint64_t dropped_ = 0;
 };
+
+CanSocket::Received KernelSocket::nothing() {
+    if (readiness_) readiness_->await();
+    return Received::nothing;
+}
 
 CanSocket::Received KernelSocket::receive(CanFrame& frame, int patience) {
     can_frame raw{};
@@ -54,13 +67,13 @@ CanSocket::Received KernelSocket::receive(CanFrame& frame, int patience) {
     ssize_t size = ::recvmsg(descriptor_, &message, MSG_DONTWAIT);
     if (size < 0 && (errno == EAGAIN || errno == EWOULDBLOCK) && patience != 0) {
         pollfd request{descriptor_, POLLIN, 0};
-        if (::poll(&request, 1, patience) <= 0) return Received::nothing;
+        if (::poll(&request, 1, patience) <= 0) return nothing();
         size = ::recvmsg(descriptor_, &message, MSG_DONTWAIT);
     }
     if (size < 0) {
         switch (errno) {
             case EAGAIN:
-            case EINTR: return Received::nothing;
+            case EINTR: return nothing();
             case ENETDOWN: return Received::down;
             default: return Received::removed;
         }

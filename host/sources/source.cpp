@@ -9,7 +9,8 @@
 namespace vistel {
 
 Result<OpenedLink> open_link(const SourceName& name, const LinkOptions& options) {
-    auto link = std::make_unique<Link>(std::make_shared<EventLoop>(), name, options);
+    auto loop = options.loop ? options.loop : std::make_shared<EventLoop>();
+    auto link = std::make_unique<Link>(std::move(loop), name, options);
     if (const Status opened = link->open(); !opened) return opened.error();
     auto counters = link->counters();
     const auto send = [to = link.get()](std::string_view bytes) { return to->transmit(bytes); };

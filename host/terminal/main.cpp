@@ -1,12 +1,14 @@
 // `vistel top`: a program of its own, so that decoding needs nothing of the terminal's library.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <sstream>
 
-#include "command_line/command_line.h"
 #include "command_line/start.h"
 #include "commands/interrupt.h"
-#include "commands/unit_options.h"
+#include "commands/output_status.h"
 #include "completion/option_table.h"
+#include "monitor/play_arguments.h"
 #include "terminal/screen.h"
 #include "terminal/top.h"
 
@@ -21,10 +23,12 @@ Result<std::vector<Top::NamedUnits>> unit_sets(const UnitOptions& options) {
     std::vector<Top::NamedUnits> sets;
     pgn_vistel::core::UnitSelection units;
     if (auto selected = select_units(units, options); !selected) return selected.error();
-    const bool is_own = !options.set.empty() || !options.units.empty();
-    if (is_own) sets.push_back({options.set.empty() ? "own" : options.set, units});
-    for (const char* const name : {"default", "metric", "si"}) {
-        if (is_own && options.units.empty() && options.set == name) continue;
+    const bool is_own = !options.is_empty();
+    const std::string& set = options.set.empty() ? options.usual_set : options.set;
+    if (is_own) sets.push_back({set.empty() ? "own" : set, units});
+    const bool is_set_alone = options.units.empty() && (!options.set.empty() || options.usual_units.empty());
+    for (const std::string& name : unit_set_names()) {
+        if (is_own && is_set_alone && set == name) continue;
         units = {};
         if (auto selected = select_units(units, name); !selected) return selected.error();
         sets.push_back({name, units});
@@ -32,15 +36,15 @@ Result<std::vector<Top::NamedUnits>> unit_sets(const UnitOptions& options) {
     return sets;
 }
 
-int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFilter& filter) {
-    auto units = unit_sets(unit_options);
+int run(const PlayArguments& arguments) {
+    auto units = unit_sets(arguments.units);
     if (!units) {
-        std::fprintf(stderr, "vistel: %s\n", units.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(units.error().text).c_str());
         return bad_usage;
     }
-    Player player(play);
+    Player player(arguments.play);
     if (auto opened = player.open(); !opened) {
-        std::fprintf(stderr, "vistel: %s: %s\n", play.file.c_str(), opened.error().text.c_str());
+        std::fprintf(stderr, "vistel: %s\n", harmless(opened.error().text).c_str());
         return bad_usage;
     }
     watch_interrupts();
@@ -52,10 +56,11 @@ int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFi
         return bad_usage;
     }
     {
-        Top top(player, std::move(*units), filter);
+        Top top(player, std::move(*units), arguments.filter);
         constexpr int frame_ms = 100;
         while (!interrupted() && !(*screen)->is_lost()) {
             top.advance();
+            if (player.ended() && player.counters().messages == 0 && player.is_unreadable()) break;
             (*screen)->show(top.page((*screen)->width(), (*screen)->height()));
             auto key = (*screen)->wait_for_key(frame_ms);
             bool leaves = false;
@@ -66,9 +71,9 @@ int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFi
     screen->reset();
     if (player.counters().problems > 0)
         std::fprintf(stderr, "%s\nvistel: places that could not be read: %llu\n",
-                     player.first_problem().c_str(),
+                     harmless(player.first_problem()).c_str(),
                      static_cast<unsigned long long>(player.counters().problems));
-    return 0;
+    return player.is_unreadable() ? bad_usage : 0;
 }
 
 }  // namespace
@@ -76,30 +81,22 @@ int run(const PlayOptions& play, const UnitOptions& unit_options, const StreamFi
 int main(int argc, char** argv) {
     std::vector<std::string> words;
     if (!start_program(argc, argv, words)) return bad_usage;
-    CLI::App app("Show a recording or a live stream in the terminal, rewritten in place");
+    CLI::App app("Show recordings or live streams in the terminal, rewritten in place");
     app.name("vistel top");
-    PlayOptions play;
-    UnitOptions units;
-    StreamFilter filter;
-    app.add_option("FILE", play.file, "Recording or source to show; - is standard input")
-        ->capture_default_str();
-    add_format(app, play.format, "Format of the recording; recognised by its contents if not given");
-    add_contents(app, play.contents);
-    add_speed(app, play.speed);
-    app.add_flag("--loop", play.loop, "From the start again at the end");
-    app.add_flag("--ask", play.sends,
+    PlayArguments arguments;
+    add_play_arguments(app, arguments, "; - is standard input, as is none");
+    app.add_flag("--ask", arguments.play.input.sends,
                  "Ask the devices of a live source for what they have not said; otherwise nothing is sent");
-    app.add_option("--pgn", filter.pgns, "Only these PGNs")->allow_extra_args(false);
-    app.add_option("--source", filter.sources, "Only messages of these source addresses")
-        ->allow_extra_args(false);
-    add_units(app, units.set, units.units);
-    add_definitions(app, play.definitions);
-    app.failure_message(usage_error);
     if (print_option_table(app, words)) return 0;
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : bad_usage;
+        std::ostringstream shown;
+        return app.exit(error, shown, std::cerr) == 0 ? print_out(shown.str()) : bad_usage;
     }
-    return run(play, units, filter);
+    if (const Status settled = add_settings(arguments); !settled) {
+        std::fprintf(stderr, "vistel: %s\n", settled.error().text.c_str());
+        return bad_usage;
+    }
+    return run(arguments);
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 
+#include "monitor/loss_text.h"
 #include "network/message_view.h"
 #include "network/stream_text.h"
 #include "text/utf8.h"
@@ -16,6 +17,7 @@ namespace {
 constexpr PlayTime glow = one_second;
 
 constexpr int source_column = 8, rate_column = 12, age_column = 19, name_column = 25;
+constexpr int widest_bus = 16;
 
 std::vector<PageLine> help_lines(const std::string& problem) {
     constexpr const char* keys[][2] = {
@@ -24,12 +26,14 @@ std::vector<PageLine> help_lines(const std::string& problem) {
         {"/", "filter by number, name or text of a field; Enter keeps it, Escape drops it"},
         {"d, Tab", "the devices of the bus; Enter shows what one of them sends"},
         {"s", "only what this source sends, or all again"},
+        {"b", "only what comes on the next bus, or on all"},
         {"o", "order: appearance, PGN, source, rate, latest"},
         {"u", "other units"},
         {"Space, p", "pause: a recording stops; of a live source the picture stands still"},
         {".", "the next message of a recording that is paused"},
         {"+, -", "a recording faster or slower"},
         {"<, >", "a recording back or on by a twentieth"},
+        {"l", "what was lost, in all and by PGN and source"},
         {"c", "forget all streams"},
         {"h, ?", "this page"},
         {"q", "leave"},
@@ -70,12 +74,33 @@ void Top::move(int lines) {
     }
 }
 
+/// Where there are several; else empty.
+std::string Top::bus_of(std::uint8_t bus) const {
+    return has_several_buses() ? player_.bus_label(bus) : std::string();
+}
+
+/// Columns that the names of buses take, with a blank behind.
+int Top::bus_width() const {
+    int width = 0;
+    for (std::size_t i = 0; i < player_.bus_count() && has_several_buses(); ++i)
+        width = std::max(width, columns_of(player_.bus_label(static_cast<std::uint8_t>(i))) + 1);
+    return std::min(width, widest_bus);
+}
+
+void Top::next_bus() {
+    const std::size_t next = filter_.bus ? *filter_.bus + std::size_t{1} : 0;
+    filter_.bus.reset();
+    if (has_several_buses() && next < player_.bus_count()) filter_.bus = static_cast<std::uint8_t>(next);
+}
+
 /// Shows what the device under the cursor sends.
 void Top::choose_device() {
     view_ = View::streams;
     if (devices_.empty()) return;
     const DeviceRow& device = devices_[static_cast<std::size_t>(device_cursor_)];
-    if (device.address) filter_.sources = {*device.address};
+    if (!device.address) return;
+    filter_.sources = {*device.address};
+    if (has_several_buses()) filter_.bus = device.bus;
 }
 
 bool Top::press_in_filter(std::uint32_t key) {
@@ -131,9 +156,16 @@ bool Top::press(std::uint32_t key) {
         case 's':
             if (!filter_.sources.empty()) {
                 filter_.sources.clear();
+                filter_.bus.reset();
             } else if (chosen != nullptr) {
                 filter_.sources = {chosen->msg().source};
+                if (has_several_buses()) filter_.bus = chosen->bus();
             }
+            break;
+        case 'b': next_bus(); break;
+        case 'l':
+            scroll_ = 0;
+            view_ = view_ == View::losses ? View::streams : View::losses;
             break;
         case 'o':
             order_ =
@@ -169,25 +201,19 @@ PageLine Top::status(int width) const {
     if (player_.ended()) line.add(" END", Style::alarm).add(" ·");
     line.add(concat(" ", devices_.size(), devices_.size() == 1 ? " device · " : " devices · "));
     line.add(concat(rows_.size() < shown().size() ? concat(rows_.size(), " of ") : std::string(),
-                    shown().size(), " streams"));
+                    shown().size(), shown().size() == 1 ? " stream" : " streams"));
     double rate = 0;
     for (const Stream* const stream : rows_) rate += stream->rate(now());
     line.add(formatted(" · %.0f/s", rate));
     if (const auto share = traffic_.share_of_bus())
-        line.add(formatted(" · %.1f %% of the bus", 100 * *share));
+        line.add(formatted(" · %.1f %% of the ", 100 * *share) +
+                 (has_several_buses() ? "busiest bus" : "bus"));
     if (player_.is_paced()) {
         if (const double speed = player_.options().speed.value_or(1); speed > 0 && speed != 1)
             line.add(formatted(" · %g times", speed));
         if (player_.can_seek()) line.add(formatted(" · at %.0f %%", 100 * player_.place()));
     }
-    const ReassemblyCounters& losses = player_.losses();
-    const std::uint64_t incomplete = losses.incomplete_fast_packets + losses.incomplete_transports;
-    const auto alarm = [&line](std::uint64_t count, const char* what) {
-        if (count > 0) line.add(concat(" · ", count, what), Style::alarm);
-    };
-    alarm(incomplete, " incomplete");
-    alarm(player_.counters().problems, " errors");
-    alarm(traffic_.refused(), " without room");
+    for (const std::string& part : losses_in_short(player_, traffic_)) line.add(" · " + part, Style::alarm);
     if (const auto& failure = traffic_.asking_failure(); !failure.empty())
         line.add(" · " + failure, Style::alarm);
     if (!player_.notice().empty()) line.add(" · " + player_.notice(), Style::alarm);
@@ -200,13 +226,16 @@ PageLine Top::row_of(const Stream& stream, int width) const {
     PageLine line;
     line.add(concat(" ", stream.msg().pgn), style).to_column(source_column);
     line.add(formatted("%3u", unsigned{stream.msg().source}), style).to_column(rate_column);
+    const int shift = bus_width();
+    line.add(short_bus(bus_of(stream.bus()), static_cast<std::size_t>(std::max(0, shift - 1))), style)
+        .to_column(rate_column + shift);
     const auto right = [&](const std::string& text, int column) {
         line.to_column(std::max(line.width(), column - 1 - columns_of(text)))
             .add(text, style)
             .to_column(column);
     };
-    right(rate_text(stream.rate(present)), age_column);
-    right(age_text(present - stream.seen()), name_column);
+    right(rate_text(stream.rate(present)), age_column + shift);
+    right(age_text(present - stream.seen()), name_column + shift);
     const MessageView view(stream.msg(), units(), player_.options().definitions);
     line.add(view.name(), style == Style::plain ? Style::strong : style).add("  ", style);
     const bool is_fresh = present - stream.changed() < glow && stream.count() > 1;
@@ -227,10 +256,12 @@ void Top::add_streams(Page& page, int width, int height) {
         .to_column(source_column)
         .add("Src", Style::heading)
         .to_column(rate_column);
+    const int shift = bus_width();
+    if (shift > 0) heading.add("Bus", Style::heading).to_column(rate_column + shift);
     heading.add("  Rate", Style::heading)
-        .to_column(age_column)
+        .to_column(age_column + shift)
         .add("  Age", Style::heading)
-        .to_column(name_column);
+        .to_column(name_column + shift);
     page.push_back(heading
                        .add(concat("Message (by ", stream_order_names[static_cast<std::size_t>(order_)], ")"),
                             Style::heading)
@@ -255,9 +286,10 @@ std::string Top::device_at(std::uint8_t bus, std::uint8_t address) const {
 }
 
 void Top::add_devices(Page& page, int width, int height) {
-    constexpr int address_column = 1, title_column = 6;
+    const int address_column = 1 + bus_width(), title_column = address_column + 5;
     const int rate_column = width - 46, share_column = width - 36, notes_column = width - 27;
     PageLine heading;
+    if (has_several_buses()) heading.add(" Bus", Style::heading);
     heading.to_column(address_column).add("Addr", Style::heading).to_column(title_column);
     heading.add("Device", Style::heading).to_column(rate_column).add("    Rate", Style::heading);
     heading.to_column(share_column).add("    Bus", Style::heading).to_column(notes_column);
@@ -269,7 +301,9 @@ void Top::add_devices(Page& page, int width, int height) {
         PageLine line;
         if (i < static_cast<int>(devices_.size())) {
             const DeviceRow& device = devices_[static_cast<std::size_t>(i)];
-            line.to_column(address_column);
+            line.add(" ")
+                .add(short_bus(bus_of(device.bus), static_cast<std::size_t>(std::max(0, bus_width() - 1))))
+                .to_column(address_column);
             line.add(device.address ? formatted("%4u", unsigned{*device.address}) : std::string("   -"));
             line.to_column(title_column).add(device.title, Style::strong).to_column(rate_column);
             line.add(formatted(" %5.1f/s", device.rate)).to_column(share_column);
@@ -290,10 +324,11 @@ void Top::add_message(Page& page, int width, int height) {
     rows.push_back(PageLine().add(concat(" ", msg.pgn, " ", view.name()), Style::strong));
     if (const std::string device = device_at(stream.bus(), msg.source); !device.empty())
         rows.push_back(PageLine().add(" " + device));
-    rows.push_back(
-        PageLine().add(concat(" source ", msg.source, ", destination ", msg.destination, ", priority ",
-                              msg.priority, ", ", msg.length, " bytes, ", stream.count(), " messages, ") +
-                       rate_text(stream.rate(present)) + ", " + age_text(present - stream.seen()) + " ago"));
+    rows.push_back(PageLine().add(
+        concat(has_several_buses() ? " bus " + bus_of(stream.bus()) + ", source " : " source ", msg.source,
+               ", destination ", msg.destination, ", priority ", msg.priority, ", ", msg.length, " bytes, ",
+               stream.count(), stream.count() == 1 ? " message, " : " messages, ") +
+        rate_text(stream.rate(present)) + ", " + age_text(present - stream.seen()) + " ago"));
     rows.emplace_back();
     while (view.next()) {
         PageLine line;
@@ -323,6 +358,30 @@ void Top::add_message(Page& page, int width, int height) {
     add_rows(page, rows, height);
 }
 
+std::vector<PageLine> Top::loss_lines() const {
+    std::vector<PageLine> lines;
+    for (const LossCount& count : loss_counts(player_, traffic_)) {
+        const Style style = count.count > 0 ? Style::strong : Style::faint;
+        lines.push_back(PageLine().add(" ").add(count.what, style).to_column(34));
+        lines.back().add(formatted("%10llu", static_cast<unsigned long long>(count.count)), style);
+    }
+    const std::vector<LossRow> rows = loss_rows(player_);
+    if (rows.empty()) return lines;
+    lines.emplace_back();
+    lines.push_back(PageLine().add("    PGN  Src   Missing     Stray  Repeated  Frames of", Style::heading));
+    for (const LossRow& row : rows) {
+        const auto number = [](std::uint64_t n) {
+            return formatted("%10llu", static_cast<unsigned long long>(n));
+        };
+        PageLine line;
+        if (row.pgn != 0) line.add(formatted(" %6u  %3u", row.pgn, unsigned{row.source}));
+        line.to_column(12).add(number(row.missing).substr(1));
+        line.add(number(row.orphans)).add(number(row.repeated)).add("  " + row.name);
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
 PageLine Top::footer(int width) const {
     PageLine line;
     if (typing_) {
@@ -331,8 +390,9 @@ PageLine Top::footer(int width) const {
         line.add(" " + player_.first_problem(), Style::alarm);
     } else {
         if (!filter_.text.empty()) line.add(concat(" filter: ", filter_.text, " "), Style::strong);
-        line.add(" q leave  Enter message  d devices  / filter  o order  Space pause  h help", Style::faint);
-        line.add(concat("  units: ", units_[unit_set_].name), Style::faint);
+        if (filter_.bus) line.add(concat(" bus: ", player_.bus_label(*filter_.bus), " "), Style::strong);
+        line.add(" q leave  Enter message  d devices  / filter  p pause  h help", Style::faint);
+        line.add(concat("  u units: ", units_[unit_set_].name), Style::faint);
     }
     return line.to_column(width);
 }
@@ -340,6 +400,8 @@ PageLine Top::footer(int width) const {
 Page Top::page(int width, int height) {
     rows_ = shown().select(filter_, order_, now(), units(), player_.options().definitions);
     devices_ = traffic_.devices();
+    std::erase_if(devices_,
+                  [this](const DeviceRow& device) { return filter_.bus && device.bus != *filter_.bus; });
     // The cursor stays with its stream.
     const auto selected = std::ranges::find(rows_, selected_, &Stream::order);
     if (selected != rows_.end()) cursor_ = static_cast<int>(selected - rows_.begin());
@@ -352,6 +414,10 @@ Page Top::page(int width, int height) {
         case View::streams: add_streams(page, width, body); break;
         case View::devices: add_devices(page, width, body); break;
         case View::message: add_message(page, width, body); break;
+        case View::losses:
+            page_rows_ = body;
+            add_rows(page, loss_lines(), body);
+            break;
         case View::help:
             page_rows_ = body;
             add_rows(page, help_lines(player_.first_problem()), body);

@@ -32,7 +32,7 @@ class Top {
     Page page(int width, int height);
 
   private:
-    enum class View : std::uint8_t { streams, devices, message, help };
+    enum class View : std::uint8_t { streams, devices, message, losses, help };
 
     bool press_in_filter(std::uint32_t key);
     void move(int lines);
@@ -41,6 +41,11 @@ class Top {
     void add_streams(Page& page, int width, int height);
     void add_devices(Page& page, int width, int height);
     void add_message(Page& page, int width, int height);
+    std::vector<PageLine> loss_lines() const;
+    bool has_several_buses() const { return player_.bus_count() > 1; }
+    std::string bus_of(std::uint8_t bus) const;
+    int bus_width() const;
+    void next_bus();
     void add_rows(Page& page, const std::vector<PageLine>& rows, int height);
     void choose_device();
     std::string device_at(std::uint8_t bus, std::uint8_t address) const;

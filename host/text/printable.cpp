@@ -1,10 +1,15 @@
 #include "text/printable.h"
 
+#include <algorithm>
+
+#include "text/utf8.h"
 #include "text/words.h"
 
 namespace vistel {
 
-std::string printable(std::string_view text) {
+namespace {
+
+std::string without_controls(std::string_view text) {
     constexpr std::string_view replacement = "\xEF\xBF\xBD";
     const auto is_control = [](char c, unsigned first, unsigned end) {
         return static_cast<unsigned char>(c) >= first && static_cast<unsigned char>(c) < end;
@@ -21,7 +26,21 @@ std::string printable(std::string_view text) {
             result += text[i];
         }
     }
-    return std::string(trimmed(result));
+    return result;
+}
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+    return std::string(trimmed(without_controls(text)));
+}
+
+std::string harmless(std::string_view bytes) {
+    std::string text(bytes);
+    if (!utf16_of(text))
+        std::ranges::replace_if(
+            text, [](char c) { return (c & 0x80) != 0; }, '?');
+    return without_controls(text);
 }
 
 }  // namespace vistel

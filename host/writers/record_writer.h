@@ -18,6 +18,10 @@ class RecordWriter {
     /// What stands in front of the first record, which is of this kind.
     virtual void begin(Record::Kind /*kind*/, std::string& /*out*/) {}
 
+    /// How an interface is named that records are going to come from; empty where it has no name. Returns how
+    /// it is called in what is written; empty where the format does not tell interfaces apart.
+    virtual std::string_view name_bus(std::uint8_t /*bus*/, std::string_view /*name*/) { return {}; }
+
     /// A record of a kind that it takes. Returns null, or why the format cannot hold it; then nothing is
     /// appended.
     virtual const char* put(const Record& record, std::string& out) = 0;

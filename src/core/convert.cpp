@@ -1,6 +1,7 @@
 #include "core/convert.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -83,6 +84,28 @@ void convert_scaled(const FormatPlan& format, std::int64_t number, UnitId u, Tex
                                                  static_cast<double>(format.scale))
                             : scaled(number, format.scale),
                         u, scratch, out);
+}
+
+/// A count of 100 microseconds. Clocks show the parts of a second as far as they are not 0.
+void convert_time_of_day(const FormatPlan& format, std::uint32_t count, UnitId u, TextScratch& scratch,
+                         Value& out) {
+    constexpr std::uint32_t second = 10'000;
+    if ((u != unit::clock_24 && u != unit::clock_12) || is_refused(count, format.width, false))
+        return convert_scaled(format, count, u, scratch, out);
+    char* const text = scratch.made.data();
+    char* end = text + put_time_of_day(text, count / second, u);
+    if (const std::uint32_t part = count % second; part > 0) {
+        constexpr std::ptrdiff_t half_of_day = 3;  // " PM"
+        char* const at = u == unit::clock_12 ? end - half_of_day : end;
+        std::array<char, 5> digits{'.'};
+        write_pair(write_pair(&digits[1], part / 100), part % 100);
+        std::ptrdiff_t size = digits.size();
+        while (digits[static_cast<std::size_t>(size) - 1] == '0') --size;
+        std::copy_backward(at, end, end + size);
+        std::copy_n(digits.data(), size, at);
+        end += size;
+    }
+    store_text(out, text, static_cast<int>(end - text), Encoding::latin1);
 }
 
 /// Identifiers and counters keep their integer type, as a raw count too.
@@ -419,6 +442,9 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
     switch (format.reading) {
         case Reading::scaled:
             convert_scaled(format, widened(raw.bits, format.width, format.is_signed != 0), u, scratch, out);
+            return format.width / 8;
+        case Reading::time_of_day:
+            convert_time_of_day(format, static_cast<std::uint32_t>(low_bits(raw, 32)), u, scratch, out);
             return format.width / 8;
         case Reading::integer: return integer(format.width);
         case Reading::undefined:

@@ -6,17 +6,25 @@ namespace pgn_vistel::core {
 
 namespace {
 
-/// Quoted only where a reader would trip over it; a quotation mark is doubled.
+/// What a spreadsheet would take for a formula has an apostrophe in front. One that a text begins with is
+/// doubled by that, so that a reader knows which one to take off.
+constexpr bool is_marked(std::uint32_t first) {
+    return first == '=' || first == '+' || first == '-' || first == '@' || first == '\'';
+}
+
+/// Quoted only where a reader would trip over it; a quotation mark is doubled. Control characters, line ends
+/// among them, become U+FFFD.
 char* write_cell(char* at, const Text& text) {
     bool quoted = false;
     for (int i = 0; i < text.count; ++i) {
         const std::uint32_t c = unit_of(text, i);
-        quoted = quoted || c == '"' || c == ',' || c == '\r' || c == '\n';
+        quoted = quoted || c == '"' || c == ',';
     }
     if (quoted) *at++ = '"';
+    if (text.count > 0 && is_marked(unit_of(text, 0))) *at++ = '\'';
     for_each_character(text, text.count, [&at](std::uint32_t c) {
         if (c == '"') *at++ = '"';
-        at = write_utf8(at, c);
+        at = write_utf8(at, is_control(c) ? replacement : c);
     });
     if (quoted) *at++ = '"';
     return at;
@@ -88,7 +96,8 @@ char* CsvRenderer::write_header(char* at) {
 void CsvRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
     Renderer::start(msg, pgn);
     any_ = false;
-    char* at = write_seconds(head_.data(), time.since_start);
+    char* at = head_.data();
+    if (time.is_known) at = write_seconds(at, time.since_start);
     *at++ = ',';
     if (time.has_absolute) at = write_utc(at, time.absolute);
     if (pgn != nullptr && pgn->pgn != 0) {

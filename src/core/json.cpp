@@ -6,14 +6,21 @@ namespace pgn_vistel::core {
 
 namespace {
 
+/// What ends lines beside the control characters, for programs that take JSON as a script.
+constexpr bool ends_line(std::uint32_t c) {
+    return c == 0x2028 || c == 0x2029;
+}
+
 char* write_character(char* at, std::uint32_t c) {
-    if (c >= 0x20 && c != '"' && c != '\\' && c != 0x7F) return write_utf8(at, c);
+    if (!is_control(c) && c != '"' && c != '\\' && !ends_line(c)) return write_utf8(at, c);
     *at++ = '\\';
     if (c == '"' || c == '\\') {
         *at = static_cast<char>(c);
         return at + 1;
     }
-    return write_hex_byte(write_text(at, "u00"), static_cast<std::uint8_t>(c));
+    *at++ = 'u';
+    at = write_hex_byte(at, static_cast<std::uint8_t>(c >> 8));
+    return write_hex_byte(at, static_cast<std::uint8_t>(c));
 }
 
 char* write_string(char* at, const Text& text) {
@@ -105,7 +112,7 @@ void JsonRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime
 
 char* JsonRenderer::write_head(char* at) {
     at = write_text(at, R"({"time":)");
-    at = write_seconds(at, time_.since_start);
+    at = time_.is_known ? write_seconds(at, time_.since_start) : write_text(at, "null");
     if (time_.has_absolute) {
         at = write_text(at, R"(,"absolute":")");
         at = write_utc(at, time_.absolute);

@@ -27,15 +27,33 @@ char* write_address(char* at, std::uint8_t address) {
     return at;
 }
 
-/// Seconds with two decimals, ten places wide.
-char* write_time_stamp(char* at, std::uint32_t hundredths) {
-    constexpr int places = 10;
+constexpr int time_stamp_places = 10;
+
+/// Seconds with two decimals, ten places wide at the least.
+template <class Count>
+char* write_time_stamp(char* at, Count hundredths) {
     char* const start = at;
     at = write_unsigned(at, hundredths / 100);
     *at++ = '.';
-    at = write_pair(at, hundredths % 100);
-    std::memset(at, ' ', places);
-    return std::max(at, start + places);
+    at = write_pair(at, static_cast<std::uint32_t>(hundredths % 100));
+    std::memset(at, ' ', time_stamp_places);
+    return std::max(at, start + time_stamp_places);
+}
+
+/// The same of any time, ten places wide with its sign.
+char* write_time_stamp(char* at, const MessageTime& time) {
+    constexpr std::uint64_t hundredth = 10'000'000;
+    if (!time.is_known) {
+        *at = '-';
+        std::memset(at + 1, ' ', time_stamp_places - 1);
+        return at + time_stamp_places;
+    }
+    const auto nanoseconds = static_cast<std::uint64_t>(time.since_start);
+    if (time.since_start >= 0) [[likely]]
+        return write_time_stamp(at, nanoseconds / hundredth);
+    *at = '-';
+    char* const end = write_time_stamp(at + 1, (0 - nanoseconds) / hundredth);
+    return end > at + 1 + time_stamp_places ? end : at + time_stamp_places;
 }
 
 /// Number and name of a PGN that has no row of its own: `row` is null or says whose the message is.
@@ -219,12 +237,17 @@ int StreamLines::next(wchar_t* buf, int size) {
 // ---- UTF-8 ----
 
 void TextRenderer::start(const N2KMsg& msg, const PgnDef* pgn, std::uint32_t time_stamp) {
+    constexpr std::int64_t unit = 10'000'000;
+    start(msg, pgn, MessageTime{.since_start = time_stamp * unit});
+}
+
+void TextRenderer::start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time) {
     Renderer::start(msg, pgn);
-    time_stamp_ = time_stamp;
+    time_ = time;
 }
 
 char* TextRenderer::write_head(char* at) const {
-    Utf8Out out(write_time_stamp(at, time_stamp_));
+    Utf8Out out(write_time_stamp(at, time_));
     if (pgn_ != nullptr && pgn_->pgn != 0) {
         const PgnPlan& plan = plan_of(*pgn_);
         out.put_pooled(text_pool + plan.texts, plan.line_size);

@@ -195,7 +195,7 @@ inline char* write_number(char* at, const FieldParts& parts) {
         case ValueType::single: return std::isfinite(number.f32) ? write_shortest(at, number.f32) : nullptr;
         case ValueType::real: return std::isfinite(number.f64) ? write_shortest(at, number.f64) : nullptr;
         case ValueType::u64: return write_unsigned(at, number.u64);
-        default: return write_signed(at, number.i64);
+        default: return write_signed(at, integer_of(parts.reading.value));
     }
 }
 

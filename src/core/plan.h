@@ -60,6 +60,7 @@ enum class Reading : std::uint8_t {
     whole,
     measured,
     measured_float,
+    time_of_day,  ///< of the corrected definitions, with the parts of a second
     // texts of the corrected definitions: nothing but what the field itself has
     text_sent,     ///< length and encoding in front: `width` bytes
     text_counted,  ///< length in front, a zero behind

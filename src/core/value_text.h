@@ -177,9 +177,9 @@ bool put_clock(Out& out, UnitId unit, const Value& v) {
 }
 
 template <class Out>
-bool put_duration(Out& out, UnitId unit, const Value& v) {
+bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
     constexpr int decimals = 6;
-    const double value = number_of(v);
+    double value = number_of(v);
     if (unit == unit::hours || unit == unit::seconds) {
         out.put_number([value](char* at) { return write_fixed(at, value, decimals); });
         return true;
@@ -187,7 +187,11 @@ bool put_duration(Out& out, UnitId unit, const Value& v) {
     if (unit != unit::minutes) return false;
     // The whole part is divided by 60 although the value is in minutes, and the remainder is taken from an
     // unsigned product, so negative durations look odd. That is the text interface's form of a duration in
-    // minutes.
+    // minutes; by the corrected definitions the sign stands in front of all of it.
+    if (of_corrected && value < 0) {
+        out.put('-');
+        value = -value;
+    }
     const std::int32_t quotient = truncated(value) / 60;
     out.put_number([quotient](char* at) { return write_signed(at, quotient); });
     out.put(':');
@@ -253,7 +257,7 @@ inline char* write_mmsi(char* at, std::uint32_t number) {
 /// An integer in its type's own form: "12 (0x0C)". The hexadecimal part has 32 bits and as many digits at the
 /// least as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
-    const std::int64_t number = v.number.i64;
+    const std::int64_t number = integer_of(v);
     at = v.type == ValueType::u8    ? write_byte(at, v.number.u8)
          : v.type == ValueType::u64 ? write_unsigned(at, v.number.u64)
                                     : write_signed(at, number);
@@ -339,7 +343,7 @@ template <class Out>
 bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
     switch (shown.quantity) {
         case quantity::time_of_day: return put_clock(out, shown.unit, v);
-        case quantity::duration: return put_duration(out, shown.unit, v);
+        case quantity::duration: return put_duration(out, shown.unit, v, shown.every_code);
         case quantity::date: return put_date_again(out, shown.unit, v);
         default: return false;
     }

@@ -63,7 +63,6 @@ class Decoding(Host):
 
 @unittest.skipUnless(HAS_WINDOWS, "built without windows")
 class Windows(Host):
-    @unittest.skipIf(EMULATOR, "the toolkit is inside the library")
     def test_toolkit(self):
         self.assertShows(self.output("toolkit_host", "2", windows=True),
                          "title: PGN Vistel, created: 1", r"[1-9]\d+ shown in 5 streams, 0 paused, 0 refused",

@@ -144,6 +144,23 @@ TEST(Converter, RefusesWhatFormatsCannotHold) {
     }
 }
 
+TEST(Converter, KeepsTheNamesOfInterfaces) {
+    const auto writer = make_writer("candump");
+    const std::pair<const char*, const char*> names[] = {
+        {"nmea", "nmea"}, {"", "can1"},     {"can1", "can2"}, {"tcp://10.0.0.1:1457", "can3"},
+        {"a b", "can4"},  {"nmea", "can5"}, {"can7", "can7"}, {"", "can8"}};
+    std::string out;
+    Record record{.kind = Kind::frame, .bus = 0, .msg = {}, .time = {}};
+    for (const auto& [name, written] : names) {
+        EXPECT_EQ(writer->name_bus(record.bus, name), written);
+        EXPECT_EQ(writer->put(record, out), nullptr);
+        EXPECT_TRUE(out.starts_with(std::string(written) + " ")) << out;
+        out.clear();
+        ++record.bus;
+    }
+    EXPECT_EQ(make_writer("pcap")->name_bus(0, "can0"), "");
+}
+
 TEST(Converter, WritesTimesAsFormatsHaveThem) {
     Record record;
     record.msg.pgn = 127250;

@@ -389,7 +389,7 @@ TEST(Encode, TypedFields) {
         {127250, "Headng=1", "Deviation, Variation, Heading Sensor Reference, NMEA Reserved"},
         {129029, "Lattitude=1", "in PGN 129029; did you mean 'Latitude' or 'Altitude' or 'Longitude'?"},
         {129029, "xyzzy=1", "'vistel encode --list 129029' shows its fields"},
-        {127250, "Deviation=1|Deviation=2", "'Deviation' is given more than once, as often as it is in PGN 127250"},
+        {127250, "Deviation=1|Deviation=2", "'Deviation' is typed twice, but PGN 127250 has it once"},
         {127250, "Heading Sensor Reading=-0.01", "'-0.01' is out of range: from 0 to 375.4707 \u00B0M"},
         {127250, "Heading Sensor Reading=1e999", "'1e999' is out of range: from 0 to 375.4707 \u00B0M"},
         {130836, "OFF Counter=4294967294", "'4294967294' is out of range: from 0 to 4294967292"},

@@ -252,6 +252,12 @@ TEST(BinaryFormats, Pcapng) {
             number, 6,
             number(on, 4) + number(time >> 32, 4) + number(time, 4) + number(size, 4) + number(16, 4) + can);
     };
+    const auto drop_count = [](unsigned count) { return little(4, 2) + little(8, 2) + little(count, 8); };
+    const auto statistics = [&](Number number, unsigned of, unsigned by_interface, unsigned by_system) {
+        return block(number, 5,
+                     number(of, 4) + number(0, 8) + number(5, 2) + number(8, 2) + number(by_interface, 8) +
+                         number(7, 2) + number(8, 2) + number(by_system, 8));
+    };
     const std::string start = section(little) + interface(little, 227, "");
     // Resolutions: microseconds without an option, 10 to the -12th, 2 to the -20th and -40th behind an
     // offset.
@@ -286,6 +292,12 @@ TEST(BinaryFormats, Pcapng) {
                   little, 6,
                   little(1, 4) + little(0, 8) + little(36, 4) + little(36, 4) + cooked2(4, host_order(can))),
           {shown_frame}},
+         {start + statistics(little, 0, 100, 1) + statistics(little, 0, 3, 4) + statistics(little, 9, 5, 5) +
+              block(little, 6, little(0, 20) + drop_count(2)) + section(big) + interface(big, 227, "") +
+              block(big, 2, big(0, 2) + big(5, 2) + big(0, 8) + big(16, 4) + big(16, 4) + can) +
+              block(big, 2, big(0, 2) + big(0xFFFF, 2) + big(0, 8) + big(16, 4) + big(16, 4) + can),
+          {std::to_string(start.size() + 3 * 48) + ": a packet of 0 bytes holds no frame", shown_frame,
+           shown_frame, "12 dropped"}},
          {start + packet(little, 0, ~0ull), {place + "the time of a packet is out of range"}},
          {start + packet(little, 1, 0), {place + "a packet of no interface" + lost}},
          {start + packet(little, 0, 0, 17) + start,

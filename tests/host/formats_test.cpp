@@ -95,5 +95,23 @@ TEST(Formats, SamplesMayBeCutAnywhere) {
     }
 }
 
+TEST(Formats, DamagedOnesAreTheSameHoweverTheyCome) {
+    using namespace std::string_literals;
+    const std::string heading = "\x57\xEA\x23\x12\xF1\x09\1\2\3\4\5\6\7\x08"s,
+                      request = "\x0A\0\x03\x23\xEA\x18\x14\xF0\1"s;
+    const std::tuple<std::string, std::string, std::size_t, std::string> cases[] = {
+        {"ikonvert", "# $PDGY,1, and more\n!PDGY,127250,2,35,255,1.250,ATkw\n", 1, ""},
+        // too few records behind the place where they were lost
+        {"ydvr", heading + heading + std::string(30, '\xF0') + heading + request + std::string(30, '\x98'), 1,
+         "sample: byte 14: here the records are lost, as what follows cannot be any"},
+    };
+    for (const auto& [format, text, records, problem] : cases)
+        for (const std::size_t most : {std::size_t{1}, std::size_t{16}, text.size()}) {
+            const Found found = read(text, most, format);
+            EXPECT_EQ(found.records.size(), records) << format << ' ' << most;
+            EXPECT_EQ(found.problem, problem) << format << ' ' << most;
+        }
+}
+
 }  // namespace
 }  // namespace vistel

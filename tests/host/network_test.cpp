@@ -3,6 +3,7 @@
 #include <map>
 
 #include "network/questions.h"
+#include "network/streams.h"
 #include "support/testing.h"
 
 namespace vistel {
@@ -254,6 +255,18 @@ TEST(Questions, AskForWhatIsMissingOnceAndSlowly) {
     }
     EXPECT_EQ(asked,
               "0:60928>255 5:60928>40 6:126996>40 9:126998>35 10:126998>40 11:126464>35 12:126464>40 ");
+}
+
+TEST(Streams, AreCountedBeforeTheZeroOfTheirClock) {
+    Streams streams;
+    N2KMsg msg{};
+    msg.pgn = 127250;
+    PlayTime now = -20 * one_second - 1;
+    for (; now < -2 * one_second; now += one_second / 2) EXPECT_TRUE(streams.put(msg, 0, now));
+    const auto all =
+        streams.select({}, StreamOrder::appearance, now, {}, pgn_vistel::core::Definitions::fixed);
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_NEAR(all[0]->rate(now), 2, 0.5);
 }
 
 }  // namespace

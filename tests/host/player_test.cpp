@@ -1,8 +1,13 @@
 #include "monitor/player.h"
 
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
+#include "host/playing.h"
 #include "host/temporary_recording.h"
+#include "monitor/recorder.h"
+#include "monitor/traffic.h"
 
 namespace vistel {
 namespace {
@@ -12,9 +17,7 @@ using namespace std::chrono_literals;
 /// A player on a recording, with a clock that the test turns.
 struct Played : PlayListener {
     Played(const std::string& text, std::optional<double> speed, bool loop = false)
-        : file(text),
-          player({.file = file.name(), .format = {}, .contents = {}, .speed = speed, .loop = loop},
-                 [this] { return clock; }) {
+        : file(text), player(test::playing({file.name()}, speed, loop), [this] { return clock; }) {
         EXPECT_TRUE(player.open());
     }
     void on_message(const N2KMsg& msg, const RecordTime&, std::uint8_t, PlayTime now) override {
@@ -73,9 +76,12 @@ TEST(Player, WaitsForNoLongGapAndNoClockThatIsPutBack) {
     Played played(line("00:00:00", 0) + line("01:00:00", 1) + line("01:00:02", 2) + line("00:30:00", 3), 1);
     EXPECT_EQ(played.after(0ms), (Bytes{0, 1}));
     EXPECT_EQ(played.player.counters().skipped_gaps, 1u);
+    EXPECT_EQ(played.player.notice(), "nothing for 60m, skipped");
     EXPECT_EQ(played.after(1000ms), Bytes{});
     EXPECT_EQ(played.after(1000ms), (Bytes{2, 3}));
     EXPECT_EQ(played.times, (std::vector<double>{0, 3600, 3602, 1800}));
+    played.after(5000ms);
+    EXPECT_EQ(played.player.notice(), "");
 }
 
 TEST(Player, FollowsAClockThatWasPutBack) {
@@ -89,6 +95,40 @@ TEST(Player, FollowsAClockThatWasPutBack) {
     EXPECT_EQ(played.after(0ms).size(), 1 + Player::most_early);
     EXPECT_EQ(played.player.until_due(), 1s);
     EXPECT_EQ(played.after(1000ms), Bytes{17});
+}
+
+TEST(Player, PlaysSeveralOneAfterTheOther) {
+    const test::TemporaryRecording first(line("00:00:00", 0) + line("00:00:01", 1)),
+        second("(9.0) can1 09F11207#07\n(8.0) can1 09F11207#08\n"), none("no recording at all\n");
+    Played played(line("00:00:05", 9), 1);
+    Player several(test::playing({first.name(), second.name()}, 1), [&] { return played.clock; });
+    ASSERT_TRUE(several.open());
+    const auto after = [&](std::chrono::milliseconds time) {
+        played.shown.clear();
+        played.clock += time;
+        several.advance(played);
+        return played.shown;
+    };
+    EXPECT_EQ(after(0ms), Bytes{0});
+    EXPECT_EQ(after(999ms), Bytes{});
+    EXPECT_EQ(after(1ms), (Bytes{1, 7, 8})) << "the next one begins when the one before is over";
+    EXPECT_EQ(several.counters().steps_back, 1u) << "within a recording";
+    EXPECT_EQ(several.bus_count(), 2u);
+    EXPECT_EQ(several.bus_label(1), "can1");
+    EXPECT_FALSE(several.is_unreadable());
+
+    for (const auto& [name, reason] :
+         {std::pair(none.name(), ": the format is none of "), {std::string("/none.log"), ": No such file"}}) {
+        Player refused(test::playing({name}, 1));
+        const Status opened = refused.open();
+        ASSERT_FALSE(opened);
+        EXPECT_EQ(opened.error().text.find(name + reason), 0u) << opened.error().text;
+    }
+    EXPECT_FALSE(Player(test::playing({first.name(), "/none.log"})).open()) << "told before it begins";
+    Player half(test::playing({first.name(), none.name()}, 0));
+    ASSERT_TRUE(half.open());
+    while (!half.ended()) half.advance(played);
+    EXPECT_TRUE(half.is_unreadable());
 }
 
 TEST(Player, BeginsAgainAndGoesToAPlace) {
@@ -113,6 +153,35 @@ TEST(Player, BeginsAgainAndGoesToAPlace) {
     sought.shown.clear();
     sought.player.seek(0.3, sought);
     EXPECT_EQ(sought.shown, (Bytes{0, 1}));
+}
+
+TEST(Recorder, WritesWhatComes) {
+    const test::TemporaryRecording source("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n" +
+                                          line("00:00:01", 1) + "00:00:02,7,65300,7,255,1,05\n"),
+        written("");
+    const auto record = [&](const std::string& path, const char* format) {
+        Player player(test::playing({source.name()}, 0));
+        EXPECT_TRUE(player.open());
+        Traffic traffic(player);
+        auto recorder = Recorder::open(path, format, {source.name()}, player.options().definitions);
+        if (!recorder) return recorder.error().text;
+        traffic.record(recorder->get());
+        while (!player.ended()) traffic.advance();
+        (*recorder)->flush();
+        EXPECT_EQ((*recorder)->written(), 3u);
+        return (*recorder)->failure();
+    };
+    for (const char* const format : {"candump", "plain", "pcap"}) {
+        EXPECT_EQ(record(written.name(), format), "") << format;
+        Played played("", 0);
+        Player back(test::playing({written.name()}, 0));
+        ASSERT_TRUE(back.open()) << format;
+        while (!back.ended()) back.advance(played);
+        EXPECT_EQ(played.shown, (Bytes{0, 1, 5})) << format;
+        EXPECT_EQ(back.counters().problems, 0u) << format;
+    }
+    EXPECT_EQ(record("/dev/full", "candump"), std::strerror(ENOSPC));
+    EXPECT_NE(record(source.name(), "candump"), "") << "it would be emptied";
 }
 
 }  // namespace

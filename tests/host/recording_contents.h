@@ -31,7 +31,8 @@ inline std::string show(const Record& record) {
 }
 
 struct Contents {
-    Lines shown;  // records as by show(), problems as "LINE: text"; last "3 foreign" if there were so many
+    Lines shown;  // records as by show(), problems as "LINE: text"; last "3 foreign", "2 dropped" if there
+                  // were so many
     Lines times;  // of the records: "1456660800000000000 epoch"
     Lines buses;  // of the records
     std::string format;
@@ -61,6 +62,8 @@ inline Contents drain(Recording& recording) {
     contents.format = recording.format_name();
     if (const auto foreign = recording.foreign_frames(); foreign > 0)
         contents.shown.push_back(std::to_string(foreign) + " foreign");
+    if (const auto dropped = recording.dropped_frames(); dropped > 0)
+        contents.shown.push_back(std::to_string(dropped) + " dropped");
     return contents;
 }
 

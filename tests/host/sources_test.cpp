@@ -9,15 +9,22 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "can/identifier.h"
+#include "commands/record.h"
 #include "host/temporary_recording.h"
+#include "inputs/inputs.h"
 #include "readers/stream_capture.h"
 #include "sources/can_reader.h"
 #include "sources/gateway.h"
@@ -323,6 +330,7 @@ TEST(Links, AreMadeAgainAndSaySoOnce) {
     EXPECT_EQ(live.record.time.origin, RecordTime::Origin::epoch);
     EXPECT_GE(std::chrono::nanoseconds(live.record.time.nanoseconds), before);
     ASSERT_TRUE(live.until([&] { return live.has_told("connected, nothing received for 0.1 s\n"); }));
+    EXPECT_FALSE(live.state.counters->is_well);
 
     for (int again = 0; again < 3; ++again) {  // and lost before anything came
         gateway.reset();
@@ -331,6 +339,7 @@ TEST(Links, AreMadeAgainAndSaySoOnce) {
     }
     gateway->put(raw_line);
     ASSERT_TRUE(live.until([&] { return live.messages == 2; }));
+    EXPECT_TRUE(live.state.counters->is_well);
     EXPECT_TRUE(live.has_told("connection lost: closed by the other side; trying again\n"));
     EXPECT_TRUE(live.has_told("receiving again after "));
     EXPECT_EQ(live.told.find("connection lost"), live.told.rfind("connection lost"));
@@ -418,6 +427,22 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
     EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
 }
 
+TEST(Links, TellWhatTheSystemDropped) {
+    const std::uint16_t port = free_port(SOCK_DGRAM);
+    Listening live("udp://:" + std::to_string(port));
+    const Bound sender(SOCK_DGRAM);
+    const sockaddr_in to = here(port);
+    constexpr int sent = 20'000;  // more than any usual buffer holds
+    for (int i = 0; i < sent; ++i)
+        ::sendto(sender.socket, raw_line.data(), raw_line.size(), 0, generic(to), sizeof to);
+    const LinkCounters& counters = *live.state.counters;
+    EXPECT_TRUE(live.until([&] {
+        return static_cast<std::uint64_t>(live.messages) + counters.dropped == sent;
+    })) << counters.dropped;
+    EXPECT_GT(counters.dropped, 0u);
+    EXPECT_TRUE(live.has_told("datagrams that the system dropped, because they were not read in time: "));
+}
+
 TEST(Links, SendFramesAsTheGatewaySpeaks) {
     const struct {
         std::string_view speaks, format, sent;
@@ -499,6 +524,61 @@ TEST(Links, OfSerialPorts) {
     EXPECT_EQ(device.get(), "C\r");  // the bus is closed when it is left
 }
 
+TEST(Links, AreReadSideBySide) {
+    const Bound first(SOCK_STREAM), second(SOCK_STREAM), sender(SOCK_DGRAM);
+    const std::uint16_t datagrams = free_port(SOCK_DGRAM);
+    const std::string names[] = {"tcp://127.0.0.1:" + std::to_string(first.port),
+                                 "tcp://127.0.0.1:" + std::to_string(second.port),
+                                 "udp://:" + std::to_string(datagrams)};
+    const test::TemporaryRecording file((std::string(raw_line)));
+    std::string told;
+    InputOptions options;
+    options.names = {names[0], names[1], names[2], "tcp://127.0.0.1:1", file.name()};
+    Inputs inputs(options,
+                  {.before_wait = {}, .tell = [&](const std::string& line) { told += line + "\n"; }});
+    std::map<std::string, unsigned> came;
+    std::string order, failures;
+    Record record;
+    const auto take = [&](auto wanted) {
+        for (const auto end = std::chrono::steady_clock::now() + 20s;
+             !wanted() && std::chrono::steady_clock::now() < end;) {
+            switch (inputs.next(record)) {
+                case Inputs::Event::begins: order += '|'; break;
+                case Inputs::Event::record:
+                    ++came[std::string(inputs.bus_label(record.bus))];
+                    if (order.size() < 4) order += std::to_string(record.bus);
+                    break;
+                case Inputs::Event::problem:
+                    failures += described(inputs.problem(), inputs.recording_of_problem());
+                    break;
+                default: break;
+            }
+        }
+        return wanted();
+    };
+    EXPECT_TRUE(take([&] { return order == "|0|"; })) << "the file is read first, then all begin: " << order;
+    EXPECT_NE(failures.find("tcp://127.0.0.1:1: "), std::string::npos) << failures;
+    EXPECT_TRUE(inputs.has_several_buses());
+    std::optional<Descriptor> busy(first.accept());
+    const Descriptor quiet(second.accept());
+    std::string much;
+    for (int i = 0; i < 2000; ++i) much += raw_line;
+    busy->put(much);
+    quiet.put(raw_line);
+    const sockaddr_in to = here(datagrams);
+    ::sendto(sender.socket, raw_line.data(), raw_line.size(), 0, generic(to), sizeof to);
+    EXPECT_TRUE(take([&] { return came[names[1]] == 1 && came[names[2]] == 1; }));
+    EXPECT_LT(came[names[0]], 2000u) << "who has much leaves the others their turn";
+    EXPECT_TRUE(take([&] { return came[names[0]] == 2000; }));
+    busy.reset();
+    EXPECT_TRUE(take([&] { return told.find(names[0] + ": connection lost") != std::string::npos; }));
+    quiet.put(raw_line);
+    EXPECT_TRUE(take([&] { return came[names[1]] == 2; })) << "a lost one holds up nobody";
+    EXPECT_EQ(inputs.links().size(), 3u);
+    EXPECT_EQ(inputs.links()[0].counters->losses, 1u);
+    EXPECT_EQ(came["0"], 1u);
+}
+
 /// Frames and events of an interface that the test plays.
 struct PlayedSocket final : CanSocket {
     std::deque<std::pair<Received, CanFrame>>& events;
@@ -511,6 +591,7 @@ struct PlayedSocket final : CanSocket {
         return received;
     }
     bool send(const CanFrame&) override { return false; }
+    void wake(EventLoop&) override {}
     std::uint64_t dropped() const override { return 7; }
 };
 
@@ -550,7 +631,7 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
               std::tuple(127250u, 0x23, 8, 123));
     EXPECT_EQ(recording.foreign_frames(), 3u);
     const LinkCounters& counters = *port->counters();
-    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped_frames),
+    EXPECT_EQ(std::tuple(counters.error_frames, counters.losses, counters.attempts, counters.dropped),
               std::tuple(1u, 2u, 3u, 14u));
     for (const char* text :
          {"because they were not read in time: 7\n", "connection lost: the interface is down",
@@ -558,7 +639,80 @@ TEST(CanInterfaces, GoDownAndAreRemoved) {
         EXPECT_NE(told.find(text), std::string::npos) << text << told;
 }
 
+TEST(CanInterfaces, AreRecordedInSeveralFiles) {
+    struct Interrupting final : CanSocket {
+        int left = 20;
+        Received receive(CanFrame& frame, int) override {
+            if (left-- == 0) std::raise(SIGINT);
+            frame = heading;
+            return left >= 0 ? Received::frame : Received::nothing;
+        }
+        bool send(const CanFrame&) override { return false; }
+        void wake(EventLoop&) override {}
+        std::uint64_t dropped() const override { return 0; }
+    };
+    auto port = std::make_shared<CanPort>(
+        [] { return Result<std::unique_ptr<CanSocket>>(std::make_unique<Interrupting>()); }, LinkOptions{});
+    ASSERT_TRUE(port->open());
+    Recording source;
+    source.attach(std::make_unique<CanReader>(port, RecordingOptions{.patience_ms = 0}), "socketcan");
+    const test::TemporaryRecording place("");
+    const RecordOptions options{
+        .source = "can0", .output = place.name() + ".pcap", .rotation = {.bytes = 200}, .quiet = true};
+    EXPECT_EQ(record_frames(options, source, *port->counters()), 0);
+    std::map<std::string, int> frames;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(place.name()).parent_path())) {
+        if (!entry.path().string().starts_with(place.name() + "-")) continue;
+        Recording file;
+        ASSERT_TRUE(file.open(entry.path()));
+        Record record;
+        for (ReadResult result; (result = file.next(record)) != ReadResult::end;) {
+            EXPECT_NE(result, ReadResult::problem);
+            if (result == ReadResult::record) ++frames[entry.path()];
+        }
+        EXPECT_EQ(record.time.nanoseconds, heading.time);
+        std::filesystem::remove(entry.path());
+    }
+    // A file has 24 bytes at its head and 32 a frame, and the one that passes the limit is the last.
+    std::string sizes;
+    for (const auto& [file, count] : frames) sizes += std::to_string(count) + ' ';
+    EXPECT_EQ(sizes, "6 6 6 2 ");
+}
+
+TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
+    const test::TemporaryRecording place("");
+    const auto files_of = [&](const Rotation& rotation, auto put) {
+        RecordedFile file(place.name(), rotation, "head");
+        EXPECT_TRUE(file.open());
+        std::set<std::string> names;
+        put([&](bool ends_record) {
+            EXPECT_TRUE(file.put("piece", ends_record));
+            names.insert(file.current());
+        });
+        for (const std::string& name : names) std::filesystem::remove(name);
+        return names.size();
+    };
+    EXPECT_EQ(
+        files_of({.bytes = 10}, [](auto put) { put(false), put(false), put(false), put(true), put(true); }),
+        2u);
+    EXPECT_EQ(files_of({.bytes = 10},
+                       [](auto put) {
+                           for (int i = 0; i < 1'001; ++i) put(false);
+                       }),
+              1u);
+    EXPECT_EQ(files_of({.bytes = 10},
+                       [](auto put) {
+                           for (int i = 0; i < 1'003; ++i) put(false);
+                       }),
+              2u);
+    EXPECT_EQ(
+        files_of({.time = 1s}, [](auto put) { put(true), std::this_thread::sleep_for(1001ms), put(true); }),
+        2u);
+}
+
 TEST(CanInterfaces, GiveFramesOfTheKernel) {
+    EventLoop loop;  // outlives the socket
     int ends[2];
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
     std::optional<Descriptor> sender(ends[0]);
@@ -587,6 +741,14 @@ TEST(CanInterfaces, GiveFramesOfTheKernel) {
     EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
     ASSERT_EQ(::write(*sender, &raw, 5), 5);
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::nothing);
+    // In a loop: nothing is there, then something comes.
+    socket->wake(loop);
+    EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::nothing);
+    const auto before = std::chrono::steady_clock::now();
+    ASSERT_EQ(::write(*sender, &raw, sizeof raw), static_cast<ssize_t>(sizeof raw));
+    loop.run_one(20s);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 10s);
+    EXPECT_EQ(socket->receive(frame, 0), CanSocket::Received::frame);
     sender.reset();
     EXPECT_EQ(socket->receive(frame, 1000), CanSocket::Received::removed);
     EXPECT_FALSE(socket->send(frame));

@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include "host/playing.h"
 #include "host/temporary_recording.h"
 
 namespace vistel {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -16,7 +18,7 @@ using testing::StartsWith;
 struct Shown {
     explicit Shown(const std::string& text, StreamFilter filter = {})
         : file(text),
-          player({.file = file.name(), .format = {}, .contents = {}, .speed = {}}, [this] { return clock; }),
+          player(test::playing({file.name()}), [this] { return clock; }),
           top(player, {{"default", {}}, {"si", pgn_vistel::core::UnitSelection::si()}}, std::move(filter)) {
         EXPECT_TRUE(player.open());
     }
@@ -123,11 +125,48 @@ TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
     EXPECT_THAT(shown.line(2), StartsWith(" 2001 Engine Gateway"));
 }
 
+TEST(Top, KeepsBusesApart) {
+    Shown shown(
+        "(1.0) can0 09F11207#05102700FF7FFF7F\n(1.0) boat 09F11207#05EC3D00FF7FFF7F\n"
+        "(1.0) boat 09F80107#00000000FFFFFF7F\n");
+    shown.turn(0ms);
+    EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 3 streams · "));
+    EXPECT_THAT(shown.line(2), StartsWith(" 127250   7 can0      -  0.0s Vessel Heading  "));
+    EXPECT_THAT(shown.line(3), StartsWith(" 127250   7 boat      -  0.0s Vessel Heading  "));
+    shown.type("b");
+    EXPECT_THAT(shown.line(0), HasSubstr(" 1 device · 1 of 3 streams · "));
+    shown.type("b");
+    EXPECT_THAT(shown.line(2), StartsWith(" 127250   7 boat "));
+    EXPECT_THAT(shown.line(23), HasSubstr("bus: boat"));
+    shown.type("bd");
+    EXPECT_THAT(shown.line(3), AllOf(StartsWith(" boat    7 "), HasSubstr(" unknown at 7")));
+    EXPECT_TRUE(shown.top.press(key_down));
+    shown.lines();
+    EXPECT_TRUE(shown.top.press(key_enter));
+    EXPECT_THAT(shown.line(0), HasSubstr(" 1 device · 2 of 3 streams · ")) << "of this bus";
+    shown.type("s");
+    EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 3 streams · "));
+}
+
+TEST(Top, TellsBusesOfLongNamesApart) {
+    Shown shown(
+        "(1.0) gateway-at-the-chart-table-1 09F11207#05102700FF7FFF7F\n"
+        "(1.0) gateway-at-the-chart-table-2 09F11207#05EC3D00FF7FFF7F\n");
+    shown.turn(0ms);
+    EXPECT_THAT(shown.line(2), HasSubstr(" ~-chart-table-1 "));
+    EXPECT_THAT(shown.line(3), HasSubstr(" ~-chart-table-2 "));
+}
+
 TEST(Top, CountsTheLossesOfADevice) {
-    Shown shown("(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n");
+    Shown shown("(1.0) can0 19F01423#0086010203040506\n(1.1) can0 09F11207#05102700FF7FFF7F\n(1.0) noise\n");
     shown.turn(0ms);
     shown.turn(1000ms);
     shown.turn(1000ms);
+    EXPECT_THAT(shown.line(0), HasSubstr(" · 1 stream · 0/s · at 100 % · 1 incomplete · 1 error"));
+    shown.type("l");
+    EXPECT_THAT(shown.all(), HasSubstr("incomplete fast packets                   1\n"));
+    EXPECT_THAT(shown.all(), HasSubstr(" 126996   35       19         0         0  Product Information\n"));
+    shown.type("l");
     shown.type("d");
     EXPECT_THAT(shown.line(2), Not(HasSubstr("lost")));
     EXPECT_THAT(shown.line(3), HasSubstr(" unknown at 35, lost: 1"));
@@ -135,7 +174,9 @@ TEST(Top, CountsTheLossesOfADevice) {
 
 TEST(Top, SaysThatARecordingCannotBeAsked) {
     const test::TemporaryRecording file("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n");
-    Player player({.file = file.name(), .format = {}, .contents = {}, .speed = {}, .sends = true});
+    PlayOptions options = test::playing({file.name()});
+    options.input.sends = true;
+    Player player(options);
     ASSERT_TRUE(player.open());
     Top top(player, {{"default", {}}}, {});
     top.advance();
@@ -143,16 +184,17 @@ TEST(Top, SaysThatARecordingCannotBeAsked) {
 }
 
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
-    Shown shown("nonsense that is no recording\n");
-    shown.turn(0ms);
-    EXPECT_THAT(shown.line(0), StartsWith(" END"));
-    EXPECT_THAT(shown.line(23), HasSubstr("the format is none of "));
+    const test::TemporaryRecording none("nonsense that is no recording\n");
+    Player player(test::playing({none.name()}));
+    const Status opened = player.open();
+    ASSERT_FALSE(opened);
+    EXPECT_THAT(opened.error().text, StartsWith(none.name() + ": the format is none of "));
 
     Shown paused(every_second(3, "127250,7,255,8,00,00,00,ff,7f,ff,7f,fd"),
                  {.pgns = {127251}, .sources = {}, .text = {}});
     paused.turn(0ms);
     paused.type(" ");
-    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 1 device · 0 of 1 streams"));
+    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 1 device · 0 of 1 stream"));
     paused.turn(1000ms);
     EXPECT_EQ(paused.player.counters().messages, 1u);
     paused.type(".");

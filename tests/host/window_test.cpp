@@ -1,11 +1,15 @@
 #include "monitor/window.h"
 
+#include <wx/choice.h>
 #include <wx/filename.h>
 #include <wx/infobar.h>
 #include <wx/listctrl.h>
+#include <wx/splitter.h>
 #include <wx/srchctrl.h>
 #include <wx/stattext.h>
 #include <wx/tglbtn.h>
+
+#include <algorithm>
 
 #include "host/temporary_recording.h"
 #include "views/windows.h"
@@ -24,6 +28,16 @@ Control* find_in(const wxWindow& window) {
         if (auto* const control = find_in<Control>(*child)) return control;
     }
     return nullptr;
+}
+
+/// Whether a text that begins so can be seen in a window.
+bool shows(const wxWindow& window, const char* start) {
+    const auto& children = window.GetChildren();
+    return std::any_of(children.begin(), children.end(), [start](const wxWindow* child) {
+        const auto* const text = dynamic_cast<const wxStaticText*>(child);
+        return (text != nullptr && text->IsShownOnScreen() && text->GetLabel().StartsWith(start)) ||
+               shows(*child, start);
+    });
 }
 
 /// The window, playing as quickly as it can.
@@ -67,7 +81,8 @@ const char* const boat =
     "00:00:02,6,127508,9,255,8,00,b0,04,ff,ff,ff,ff,00\n";
 
 TEST(Window, SaysWhatIsNotShown) {
-    const TemporaryRecording too_many(batteries(4200)), few(batteries(2)), none("no recording at all\n");
+    const TemporaryRecording too_many(batteries(4200)), few(batteries(2)), none("no recording at all\n"),
+        torn(std::string(boat) + "no line of it\n");
     Shown shown;
     EXPECT_FALSE(shown.open("/none.log"));
     EXPECT_NE(shown.error, "");
@@ -78,7 +93,9 @@ TEST(Window, SaysWhatIsNotShown) {
     EXPECT_TRUE(shown.status().starts_with("END · 2 devices · 2 streams")) << shown.status();
     EXPECT_EQ(shown.status().find("room"), std::string::npos) << "of this recording alone";
     EXPECT_EQ(shown.blocks().size(), 2u);
-    shown.play_to_end(none);
+    EXPECT_FALSE(shown.open(none.name()));
+    EXPECT_NE(shown.error.find("the format is none of"), std::string::npos) << shown.error;
+    shown.play_to_end(torn);
     const auto* const problems = find_in<wxInfoBar>(*shown.window);
     EXPECT_TRUE(eventually([&] { return problems->IsShown(); }));
 }
@@ -116,6 +133,27 @@ TEST(Window, ShowsWhatTheFilterAdmits) {
     EXPECT_TRUE(shown.eventually_says("3 devices · 3 streams")) << shown.status();
 }
 
+TEST(Window, KeepsBusesApart) {
+    const TemporaryRecording recording(
+        "(1.0) can0 09F11207#05102700FF7FFF7F\n(1.1) boat 09F80107#00000000FFFFFF7F\n"
+        "(1.2) boat 09F11207#05EC3D00FF7FFF7F\n(1.3) can0 09F11207#05102700FF7FFF7F\n");
+    Shown shown;
+    shown.play_to_end(recording);
+    EXPECT_TRUE(shown.eventually_says("2 devices · 3 streams")) << shown.status();
+    const Names all = {L"Vessel Heading", L"Position, Rapid Update", L"Vessel Heading"};
+    EXPECT_EQ(shown.names(), all);
+    EXPECT_EQ(shown.blocks().at(0).lines.at(3), L"Heading Sensor Reading: 57.296 °");
+    EXPECT_EQ(shown.blocks().at(2).lines.at(3), L"Heading Sensor Reading: 90.825 °");
+    auto& buses = *static_cast<wxChoice*>(wxWindow::FindWindowByName("buses", shown.window));
+    EXPECT_TRUE(buses.IsShown());
+    buses.SetFocus();
+    press(WXK_DOWN);
+    EXPECT_TRUE(shown.eventually_says("1 device · 1 of 3 streams")) << shown.status();
+    press('R', wxMOD_CONTROL);
+    EXPECT_TRUE(shown.eventually_says("2 devices · 3 streams")) << shown.status();
+    EXPECT_EQ(shown.names(), all);
+}
+
 TEST(Window, RedrawsInOtherUnitsAtTheEndOfARecording) {
     const TemporaryRecording recording(boat);
     Shown shown;
@@ -150,11 +188,17 @@ TEST(Window, PausesAndShowsOneMessage) {
     tree.SelectItem(tree.GetFirstChild(tree.GetRootItem(), cookie));
     tree.SetFocus();
     press(WXK_RETURN);
-    EXPECT_TRUE(eventually([&] {
-        const auto* const title = find_in<wxStaticText>(*shown.window);
-        return title != nullptr && title->IsShownOnScreen() &&
-               title->GetLabel().StartsWith("127250 Vessel Heading");
-    }));
+    EXPECT_TRUE(eventually([&] { return shows(*shown.window, "127250 Vessel Heading"); }));
+}
+
+TEST(Window, GivesTheLinesRoomWhereItIsNarrow) {
+    Settings settings;
+    settings.place = wxRect(0, 0, 600, 400);
+    settings.layout["devices"] = 460;
+    Shown shown({.settings = settings});
+    const auto& sides = *find_in<wxSplitterWindow>(*shown.window);
+    EXPECT_TRUE(eventually([&] { return sides.GetSashPosition() <= sides.GetSize().x * 2 / 5; }))
+        << sides.GetSashPosition();
 }
 
 TEST(Window, RemembersWhatItIsTold) {
@@ -163,6 +207,8 @@ TEST(Window, RemembersWhatItIsTold) {
     for (int i = 0; i < 12; ++i) written.remember_source("tcp://host:" + std::to_string(i));
     written.remember_source("tcp://host:9");
     written.place = wxRect(10, 20, 700, 500);
+    written.order = 2;
+    written.layout = {{"devices", 123}, {"fields_0", 99}};
     written.units.select(pgn_vistel::core::quantity::depth, pgn_vistel::core::unit::m);
     written.save(file);
     Settings read;
@@ -171,8 +217,27 @@ TEST(Window, RemembersWhatItIsTold) {
     EXPECT_EQ(read.recent, written.recent);
     EXPECT_EQ(read.recent.front(), "tcp://host:9");
     EXPECT_EQ(read.recent.size(), Settings::most_recent);
+    EXPECT_EQ(read.order, 2);
+    EXPECT_EQ(read.layout, written.layout);
     EXPECT_EQ(read.units[pgn_vistel::core::quantity::depth], pgn_vistel::core::unit::m);
     EXPECT_EQ(read.units[pgn_vistel::core::quantity::speed], default_unit(pgn_vistel::core::quantity::speed));
+
+    // The window goes by it, and keeps what the user makes of it.
+    const TemporaryRecording recording(boat);
+    {
+        Shown shown({.settings = read, .settings_file = file});
+        shown.play_to_end(recording);
+        EXPECT_EQ(shown.names(), (Names{L"Water Depth", L"Vessel Heading", L"Battery Status"}))
+            << "by source";
+        auto& sides = *find_in<wxSplitterWindow>(*shown.window);
+        EXPECT_EQ(sides.GetSashPosition(), 123);
+        sides.SetSashPosition(234);
+    }
+    Settings kept;
+    kept.load(file);
+    EXPECT_EQ(kept.layout["devices"], 234);
+    EXPECT_EQ(kept.layout["fields_0"], 99);
+    EXPECT_EQ(kept.order, 2);
     wxRemoveFile(file);
 }
 

@@ -11,7 +11,7 @@ from overlay import HEADER, base_variant, hides, is_proprietary
 from plans import PRESSURE, TIME_OF_DAY, field_bits, listed_rule, quantity, shown_label, special_row
 from tables import FLAGS, NO_CLASS, NO_SELECTOR, conversion_owner
 
-SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP = 50, 51, 63, 3002
+SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP, SECONDS_OF_DAY = 50, 51, 63, 3002, 6
 BIT_FIELDS = ("convert_bit_field", "convert_ais_spare")
 NUMBER, BELOW, RESERVED, UNKNOWN = 0, 1, 2, 4
 RESERVED_TOO, UNKNOWN_TOO = 6, 7  # with the number behind the word
@@ -237,6 +237,8 @@ def set_base_reading(field, row, df, context):
         field.reading = ("text_sent", 2 if df == SHORT_TEXT else 3)
     elif df == FIXED_TEXT:
         field.reading = ("text_padded",)
+    elif df == SECONDS_OF_DAY and field.quantity == context.quantities["time_of_day"]:
+        field.reading = ("time_of_day",)
     elif df == HEX_DUMP:
         field.reading, field.bits = ("bytes",), 0 if field.bits >= 8 * 256 else field.bits
     elif kind == "special" and name in BIT_FIELDS and (field.bits > 64 or field.bits == 0):
@@ -312,7 +314,7 @@ def set_reading(field, given, context):
     elif coding == "date":
         field.reading, field.quantity = ("df", 41), context.quantities["date"]
     elif coding == "time":
-        field.reading, field.quantity = ("df", 6), context.quantities["time_of_day"]
+        field.reading, field.quantity = ("time_of_day",), context.quantities["time_of_day"]
     elif coding == "decimal":
         field.reading = ("decimal",)
     elif coding == "text":

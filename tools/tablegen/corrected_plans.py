@@ -234,6 +234,8 @@ def format_line(out, reading):
         limit = first_reserved if first_reserved is not None else "INT64_MAX"
         return (f"{{65535, Reading::{read_as}, {width}, {int(signed)}, UnitRule::{rule}, 0.0f, {limit}, 0, "
                 f"{out.measures.index(measure)}}},")
+    if reading[0] == "time_of_day":
+        return "{65535, Reading::time_of_day, 32, 0, UnitRule::duration_s, 0.0001f, 0xFFFFFFFD, 0, 0},"
     header, ends_at_sign = (*reading[1:], 0, 0)[:2]
     return f"{{65535, Reading::{reading[0]}, {header}, {int(ends_at_sign)}, UnitRule::any, 0.0f, 0, 0, 0}},"
 

@@ -6,7 +6,7 @@ from fractions import Fraction
 from tables import FLAGS, MAX_PAYLOAD
 
 BASE, GUESS = "base", "guess"  # sources of what the tables of the base have
-CODINGS = {"text_padded": "text", "text_counted": "text_lz", "bytes": "bytes", "decimal": "decimal"}
+CODINGS = {"text_padded": "text", "text_counted": "text_lz", "bytes": "bytes", "decimal": "decimal", "time_of_day": "time"}
 FORMAT_CODINGS = {41: "date", 6: "time"}
 TEXT_HEADERS = {2: "text_lau", 3: "text_lau16"}
 

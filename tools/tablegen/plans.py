@@ -71,6 +71,8 @@ def is_quoted_in_csv(text):
 
 
 def csv_cell(text):
+    if text.startswith(tuple("=+-@'")):  # a spreadsheet's formula (src/core/csv.cpp)
+        text = "'" + text
     return '"' + text.replace('"', '""') + '"' if is_quoted_in_csv(text) else text
 
 

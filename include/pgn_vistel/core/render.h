@@ -35,6 +35,7 @@ struct MessageTime {
     std::int64_t since_start = 0;  ///< since the recording's first message, say; may be negative
     bool has_absolute = false;     ///< whether the absolute time is known and shown
     std::int64_t absolute = 0;     ///< since 1970, UTC
+    bool is_known = true;          ///< false: there is none, which is shown as "-", null or an empty column
 };
 
 /// The line of a message's stream as a terminated text: time stamp in seconds, PGN and the PGN's name. What
@@ -128,6 +129,8 @@ class TextRenderer : public Renderer {
     /// Begins a message, which must outlive its writing. `pgn` is its catalogue row, or null. `time_stamp` is
     /// in units of 10 ms and shown instead of the message's own.
     void start(const N2KMsg& msg, const PgnDef* pgn, std::uint32_t time_stamp);
+    /// The same with a time of any length, of which `since_start` is shown, cut to hundredths of a second.
+    void start(const N2KMsg& msg, const PgnDef* pgn, const MessageTime& time);
     /// Writes on, at most up to `limit`, which is `piece_room` bytes behind `at` or more. Returns the end.
     /// Not before `start`.
     [[nodiscard]] char* write(char* at, char* limit);
@@ -136,7 +139,7 @@ class TextRenderer : public Renderer {
     char* write_head(char* at) const;
 
     const bool plain_numbers_;
-    std::uint32_t time_stamp_ = 0;
+    MessageTime time_;
 };
 
 /// One JSON object a line:
@@ -146,11 +149,11 @@ class TextRenderer : public Renderer {
 ///      {"number":2,"key":"heading_sensor_reading","label":"Heading Sensor Reading",
 ///      "value":2.1537,"unit":"rad","text":null,"raw":"2154"}]}
 ///
-/// `key` is the field's name for programs and never changes. `value` is a number, a text without the
-/// characters that fill it up, a date or a time of day by ISO 8601, or null where it is not available; `unit`
-/// is `unit_ascii`, `text` the meaning of a code, `raw` the field's bits, the low byte first. A field of a
-/// repeating group says its `round` behind that, from 1. `data` has the bytes that the walk leaves undecoded,
-/// where there are any (`MessageWalk::undecoded_from`).
+/// `time` is null where it is not known. `key` is the field's name for programs and never changes. `value` is
+/// a number, a text without the characters that fill it up, a date or a time of day by ISO 8601, or null
+/// where it is not available; `unit` is `unit_ascii`, `text` the meaning of a code, `raw` the field's bits,
+/// the low byte first. A field of a repeating group says its `round` behind that, from 1. `data` has the
+/// bytes that the walk leaves undecoded, where there are any (`MessageWalk::undecoded_from`).
 class JsonRenderer : public Renderer {
   public:
     /// Values come in these units, `UnitSelection::si()` say.
@@ -169,6 +172,8 @@ class JsonRenderer : public Renderer {
 };
 
 /// One row a field, with the members of JSON as columns; a message without fields has a row for its bytes.
+/// Control characters become U+FFFD. A text that begins with =, +, -, @ or an apostrophe has an apostrophe in
+/// front, so that no spreadsheet takes it for a formula; numbers are as they are.
 class CsvRenderer : public Renderer {
   public:
     /// Values come in these units, `UnitSelection::si()` say.

@@ -1,0 +1,97 @@
+// Typed fields to a message. The first two bytes choose a definition, the third how it is asked for; then
+// come lines of a byte that chooses the label and the text that is typed for it. What is built is read again,
+// and by the fixed definitions what is shown can be typed.
+#include "encode/definitions.h"
+#include "encode/message_builder.h"
+#include "support/fuzz.h"
+#include "text/hex.h"
+
+namespace {
+
+using namespace vistel;
+using namespace pgn_vistel::core;
+using fuzz::require;
+
+ReadingContext& context(Definitions set) {
+    static ReadingContext fixed{Definitions::fixed, {}, {}}, corrected{Definitions::corrected, {}, {}};
+    return set == Definitions::fixed ? fixed : corrected;
+}
+
+std::vector<std::string> labels_of(Definitions set, const PgnDef& pgn) {
+    std::vector<std::string> labels;
+    visit_fields(context(set), pgn, {}, [&labels](const FieldCell& cell) { labels.push_back(cell.label()); });
+    labels.emplace_back(payload_label);
+    return labels;
+}
+
+std::vector<TypedField> shown_fields(Definitions set, N2KMsg msg) {
+    std::vector<TypedField> fields;
+    MessageWalk walk(find_definition(set, msg), msg);
+    while (walk.next()) {
+        require(fields.size() < 30000, "the walk ends");
+        const FieldCell cell(context(set), msg, walk);
+        fields.push_back({cell.label(), cell.shown(true)});
+        walk.position = cell.next();
+    }
+    if (walk.has_undecoded_rest()) {
+        std::string bytes;
+        for (int i = 0; i < payload_length(msg); ++i) append_hex(bytes, msg.data[i], 2);
+        fields.push_back({std::string(payload_label), bytes});
+    }
+    return fields;
+}
+
+BuiltMessage build(Definitions set, std::uint32_t number, const PgnDef& pgn, bool by_any,
+                   const std::vector<TypedField>& fields) {
+    if (set == Definitions::fixed) return build_message(context(set), number, &pgn, fields);
+    return by_any ? build_by_any(context(set), number, definitions_of(number), fields)
+                  : build_corrected(context(set), number, pgn, fields);
+}
+
+/// Whether a message shows what was typed; behind it there may be fields that the typed one was too short
+/// for.
+bool begins_with(const std::vector<TypedField>& shown, const std::vector<TypedField>& typed) {
+    const auto same = [](const TypedField& a, const TypedField& b) {
+        return a.label == b.label && a.value == b.value;
+    };
+    return shown.size() >= typed.size() && std::equal(typed.begin(), typed.end(), shown.begin(), same);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    fuzz::Input input(bytes, size);
+    const auto row = input.take<std::uint16_t>();
+    const auto mode = input.take<std::uint8_t>();
+    const Definitions set = mode % 2 == 0 ? Definitions::fixed : Definitions::corrected;
+    const auto rows = set == Definitions::fixed ? all_pgns() : all_corrected_pgns();
+    const PgnDef& pgn = rows[row % rows.size()];
+    const std::uint32_t number = pgn.pgn == 0 ? 65280 : pgn.pgn;  // one that only the maker is known of
+    const auto labels = labels_of(set, pgn);
+    std::vector<TypedField> fields;
+    while (!input.empty() && fields.size() < 40) {
+        const auto choice = input.take<std::uint8_t>();
+        fields.push_back({labels[choice % labels.size()], std::string(input.take_line())});
+    }
+    BuiltMessage built = build(set, number, pgn, (mode & 2) != 0, fields);
+    if (!built) {
+        require(!built.error().texts.empty(), "a refusal has a reason");
+        for (const std::string& text : built.error().texts) require(!text.empty(), "a reason is told");
+        return 0;
+    }
+    require(built->pgn == number && built->length <= N2K_MAX_PAYLOAD, "a message is in bounds");
+    const auto shown = shown_fields(set, *built);
+    if (set == Definitions::corrected) return 0;
+    BuiltMessage again = build(set, number, pgn, false, shown);
+    if (!again)
+        for (const std::string& text : again.error().texts)
+            std::fprintf(stderr, "%u %s\n", number, text.c_str());
+    require(bool(again), "what is shown can be typed");
+    const auto shown_again = shown_fields(set, *again);
+    if (!begins_with(shown_again, shown))
+        for (const auto* const list : {&shown, &shown_again})
+            for (const TypedField& field : *list)
+                std::fprintf(stderr, "%u %s=%s\n", number, field.label.c_str(), field.value.c_str());
+    require(begins_with(shown_again, shown), "what is typed as shown shows the same");
+    return 0;
+}
