@@ -86,7 +86,7 @@ foreach(program vistel vistel-monitor vistel-top)
         install(FILES ${made_dir}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
     endif()
 endforeach()
-if(TARGET vistel AND NOT WIN32)
+if(TARGET vistel AND NOT CMAKE_CROSSCOMPILING)  # they are run for it
     include(completion)
 endif()
 if(TARGET vistel-monitor AND NOT WIN32)

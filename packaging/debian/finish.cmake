@@ -21,6 +21,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
          "  * Built from version ${CPACK_PACKAGE_VERSION}; what is new in it stands in changelog.gz.\n\n"
          " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
     run(gzip -9nf ${documents}/changelog ${documents}/changelog.Debian)
+    if(component MATCHES "^(programs|monitor)$")
+        configure_file(${CPACK_PGN_VISTEL_SOURCE_DIR}/packaging/debian/lintian-overrides
+                       ${staging}/${component}/usr/share/lintian/overrides/${CPACK_DEBIAN_${upper}_PACKAGE_NAME} COPYONLY)
+    endif()
 endforeach()
 file(GLOB pages ${staging}/*/usr/share/man/man1/*.1)
 run(gzip -9nf ${pages})
