@@ -202,6 +202,8 @@ class ProgramTest(unittest.TestCase):
             for command in (["decode"], ["devices"], ["convert", "--to", "actisense-ascii"]):
                 result = vistel(*command, stdin="".join(lines[i] for i in chosen))
                 self.assertEqual(result.returncode, status, (command, chosen, result.stderr))
+        if EMULATOR:
+            return  # pipes that do not block are not known there
         # A reader that has gone is no error; whoever does not block loses nothing.
         text = vistel("decode", stdin=HEADING * 5000).stdout
         for gone in (False, True):
@@ -218,6 +220,7 @@ class ProgramTest(unittest.TestCase):
                         self.assertEqual(pipe.read(), text)
                 self.assertEqual(process.wait(timeout=30), 0)
 
+    @unittest.skipIf(EMULATOR, "the folder of configurations cannot be chosen there")
     def test_configuration(self):
         recording = ",3,128267,7,255,8,01,10,27,00,00,ff,7f,ff\n,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n"
         with tempfile.TemporaryDirectory() as folder:
@@ -571,8 +574,9 @@ class ProgramTest(unittest.TestCase):
                      (["replay", path, "--to", target], signal.SIGINT, "after 0 messages, ", b"", ""),
                      (["replay", "--loop", path, "--to", target], signal.SIGTERM, None, b"", "")]
             for arguments, number, place, shown, told in cases:
+                number = min(number, TERMINATION)
                 with open(path, "rb") as recording, open(Path(folder, "told"), "w+b") as errors, subprocess.Popen(
-                        [VISTEL, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
+                        [*PROGRAM, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
                     while os.fstat(errors.fileno()).st_size == 0:
                         time.sleep(0.01)
                     process.send_signal(number)

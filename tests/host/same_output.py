@@ -2,6 +2,7 @@
 recordings of every format, whole and damaged. Both are commands, of one or more words."""
 
 import itertools
+import os
 import shlex
 import subprocess
 import sys
