@@ -41,7 +41,11 @@ class ReadmeTest(unittest.TestCase):
         samples = [text for language, text in BLOCKS if not language and not text.startswith("$ ")]
         self.assertTrue(samples)
         for text in samples:
-            self.assertIn("\n" + text.removesuffix("    ...\n"), "\n" + output)
+            shown = text.removesuffix("    ...\n")
+            kind = shown.split(" ", 1)[1].partition("\n")[0]  # the first message of its kind
+            start = re.search("^.* " + re.escape(kind.strip()) + "$", output, re.MULTILINE)
+            self.assertTrue(start, kind)
+            self.assertEqual(output[start.start():start.start() + len(shown)], shown)
 
     def test_commands(self):
         lines = [re.sub(r"\s+# .*", "", line) for language, text in BLOCKS if language == "sh"
