@@ -7,6 +7,7 @@ import gzip
 import io
 import json
 import os
+import pty
 import re
 import select
 import signal
@@ -708,6 +709,36 @@ class ProgramTest(unittest.TestCase):
                                     encoding="utf-8", timeout=60)
             os.close(writer)
             self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
+
+    @unittest.skipUnless(os.path.exists(VISTEL + "-top"), "built without a terminal")
+    def test_the_terminal(self):
+        def top(recording, *typed):
+            """Status and what a terminal got. Keys are typed once it shows what stands before them."""
+            typed = list(typed)
+            with tempfile.NamedTemporaryFile("w", encoding="utf-8") as file:
+                file.write(recording)
+                file.flush()
+                child, terminal = pty.fork()
+                if child == 0:
+                    os.execve(VISTEL, [VISTEL, "top", file.name], os.environ | {"TERM": "xterm", "LC_ALL": "C.UTF-8"})
+                shown = b""
+                try:
+                    while piece := os.read(terminal, 4096):
+                        shown += piece
+                        if typed and typed[0][0] in shown:
+                            os.write(terminal, typed.pop(0)[1])
+                except OSError:
+                    pass  # the program has left its terminal
+                os.close(terminal)
+                return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]), shown
+
+        status, shown = top(HEADING + label("A\U0001f600B"), (b"Label", b"j\r"), (b"A?B", b"q"))
+        self.assertEqual(status, 0)
+        self.assertIn(b"Vessel Heading", shown)
+        status, shown = top(",2,127250,7,255,8,01,02\n")
+        self.assertEqual(status, 2)
+        self.assertIn(b"vistel: places that could not be read: 1", shown)
+        self.assertEqual(top("nothing of the kind\n")[0], 2)
 
     @unittest.skipIf(EMULATOR, "Windows has one")
     def test_the_window_needs_a_display(self):
