@@ -707,7 +707,8 @@ TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
                        }),
               2u);
     EXPECT_EQ(
-        files_of({.time = 1s}, [](auto put) { put(true), std::this_thread::sleep_for(1001ms), put(true); }),
+        files_of({.time = 1s},
+                 [](auto put) { put(true), std::this_thread::sleep_for(1001ms), put(true), put(true); }),
         2u);
 }
 
