@@ -484,6 +484,7 @@ class ProgramTest(unittest.TestCase):
                     "day": frame("vcan0", 5, 9, "08:00:"), "later": frame("vcan0", 6, 9.5, "08:00:"), "empty": "",
                     "clockless": "can0 09F11209#05102700FF7FFF7F\n", "bad": "can0 09F11207#0\n" + frame("can0", 7, 5), "early": frame("can0", 8, 0),
                     "head": f"can0 19F01423#{first}\n", "tail": f"can0 19F01423#{later}\n", "foreign": frame("can0", 9, 1) + "(1.0) can0 123#00\n",
+                    "busless": "2017-07-14T02:40:05.000Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n" * 3,
                     "jump": frame("vcan0", 5, 9, "08:00:") + frame("vcan0", 7, 1) + frame("vcan0", 5, 9.2, "08:00:"),
                     "asc": "date Thu Sep 10 08:00:00.000 2026\nbase hex  timestamps absolute\n0.1 1 9F11207x Rx d 8 05 10 27 FF 7F FF 7F FD\n"}
         # Source, time and bus of each message; status; what is told.
@@ -498,6 +499,7 @@ class ProgramTest(unittest.TestCase):
             (["--merge", "later", "day"], "5 0, 6 0.5 later:vcan0", 0, ""), (["--merge", "head"], "", 1, "incomplete: 1"),
             (["--merge", "jump", "later"], "5 0, 7 0, 5 0.2, 6 0.5 later:vcan0", 0, ""), (["--merge", "asc", "asc"], "7 0, 7 0 asc:1", 0, ""),
             (["--merge", "bad", "early"], "8 0, 7 5 bad:can0", 1, "/bad:1: "),
+            (["a", "busless"], "1 0, 2 2 can1, 7 4 0, 7 4 0, 7 4 0", 0, ""),
             (["--merge", "a", "none", "early"], "8 0, 1 1 a:can0, 2 3 a:can1", 2, "none: No such file"),
             (["--merge", "a", "day"], "", 2, "day: cannot be merged by time: it has times of day, .*a dates and times\n"),
             (["--merge", "empty", "head", "a"], "", 2, "head: cannot be merged by time: it has no times\n"),
