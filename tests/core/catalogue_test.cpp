@@ -2,7 +2,6 @@
 
 #include "core/plan.h"
 #include "core/tables.h"
-#include "pgn_vistel/core/units.h"
 #include "support/testing.h"
 
 namespace pgn_vistel::test {
@@ -37,23 +36,6 @@ TEST(Pgns, Rows) {
 }
 
 // ---- fields ----
-
-TEST(Fields, Sizes) {
-    const std::tuple<std::uint16_t, std::uint16_t, std::uint32_t, std::uint32_t, int, int> cases[] = {
-        // clang-format off
-        {0, 16, 1, 127250, 2, 0}, {0, 12, 1, 127250, 0, 12}, {1, 4, 1, 127250, 0, 12},
-        {0, 0, 10068, 127250, 0, 4},  // the dictionary's
-        {0, 0, 192, 126996, 32, 0}, {0, 0, 7, 126996, 32, 0}, {2, 0, 7, 126996, 2, 0},  // the PGN's, for codes too
-        // clang-format on
-    };
-    for (const auto& [own_bytes, own_bits, dd, pgn, expected_bytes, expected_bits] : cases) {
-        FieldDef row{};
-        row.bytes = own_bytes, row.bits = own_bits, row.dd = find_dictionary_entry(dd);
-        int bytes, bits;
-        normalise_field_size(&row, pgn, &bytes, &bits);
-        EXPECT_EQ(std::pair(bytes, bits), std::pair(expected_bytes, expected_bits)) << dd << ' ' << pgn;
-    }
-}
 
 TEST(Fields, Rows) {
     EXPECT_STREQ(first_field_row(126208)->name, "Request Group Function Code");
@@ -129,19 +111,6 @@ TEST(Dictionary, Quantities) {
         if (const DF df = format_of_quantity(q); df != 65535) {
             EXPECT_EQ(quantity_of_format(df), q);
         }
-}
-
-TEST(Dictionary, Selections) {
-    UnitSelection units;
-    for (DispDataType q = 0; q < quantity::count; ++q) EXPECT_EQ(units[q], available_units(q)[0]);
-    EXPECT_TRUE(units.select(quantity::depth, unit::tonf_uk)) << "any unit for any quantity";
-    for (const auto& [q, u] : {std::pair{quantity::no_quantity + 0, unit::m + 0},
-                               {-1, unit::m},
-                               {quantity::depth, unit::count},
-                               {quantity::depth, unit::selected}})
-        EXPECT_FALSE(units.select(q, u));
-    EXPECT_EQ(units[quantity::depth], unit::tonf_uk);
-    EXPECT_EQ(units[quantity::no_quantity], unit::raw_count);
 }
 
 // ---- stream keys ----
