@@ -8,23 +8,16 @@ namespace pgn_vistel::test {
 namespace {
 
 TEST(Pgns, Rows) {
-    // PGN, name or null for none, whether it is a fast packet, whether it has a destination
-    const std::tuple<std::uint32_t, const char*, bool, bool> cases[] = {
-        // clang-format off
-        {126464, "PGN List", true, true}, {61184, "Single-Frame Proprietary", false, true},
-        {59904, "ISO Request", false, true}, {65280, "Proprietary B", false, false},
-        {126208, "NMEA Group Function", true, true}, {127250, "Vessel Heading", false, false},
-        {0, nullptr, false, false}, {25, nullptr, false, false}, {131000, nullptr, true, false},
-        {131071, nullptr, true, false}, {131072, nullptr, false, false}, {0xFFFFFFFF, nullptr, false, false},
-        // clang-format on
-    };
-    for (const auto& [pgn, name, fast, addressed] : cases) {
-        SCOPED_TRACE(pgn);
-        const PgnDef* const row = find_pgn_def(pgn);
-        EXPECT_EQ(pgn_name(row), name != nullptr ? name : "Unknown");
-        EXPECT_EQ(row != nullptr && row->flag_pdu1 == 1, addressed);
-        EXPECT_EQ(is_fast_packet(pgn), fast);
-        EXPECT_EQ(is_fast_packet(pgn, Definitions::corrected), fast);
+    // PGN, whether it is a fast packet: also of those that no row has
+    for (const auto& [pgn, fast] : {std::pair{126208u, true},
+                                    {127250u, false},
+                                    {25u, false},
+                                    {131000u, true},
+                                    {131071u, true},
+                                    {131072u, false},
+                                    {0xFFFFFFFFu, false}}) {
+        EXPECT_EQ(is_fast_packet(pgn), fast) << pgn;
+        EXPECT_EQ(is_fast_packet(pgn, Definitions::corrected), fast) << pgn;
     }
     // Of several variants the search of the whole table meets one.
     for (std::uint32_t pgn = 0; pgn <= 0x3FFFF; ++pgn) {
