@@ -27,12 +27,6 @@ std::vector<std::string> brief(const std::string& json) {
     return fields;
 }
 
-std::string json_of(const N2KMsg& msg, Definitions set, const UnitSelection& units) {
-    JsonRenderer json(units);
-    json.start(msg, find_definition(set, msg), {});
-    return rendered(json);
-}
-
 void expect_fields(const N2KMsg& msg, Definitions set, const std::vector<std::string>& some) {
     const auto fields = brief(json_of(msg, set, UnitSelection::si()));
     for (const std::string& field : some)

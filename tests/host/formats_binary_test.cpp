@@ -46,6 +46,11 @@ void expect(const std::vector<Case>& cases, const std::string& format, bool reco
             EXPECT_EQ(contents.shown, c.shown);
             EXPECT_EQ(contents.times, c.times.empty() ? contents.times : c.times);
             EXPECT_EQ(contents.buses, c.buses.empty() ? contents.buses : c.buses);
+            // Byte by byte these tell what belongs to no record, or is cut off, at another place.
+            const bool is_same = format != "actisense" && format != "ebl" && format != "pcapng";
+            const Contents drops = read_drops(c.recording, 1, format);
+            EXPECT_EQ(records_of(drops), records_of(contents));
+            EXPECT_EQ(drops.shown, is_same ? c.shown : drops.shown);
         }
 }
 
@@ -316,6 +321,7 @@ TEST(BinaryFormats, Sentences) {
          {"!PDGY,127250,2,35,255,999999,AQI=\n!PDGY,127250,2,35,255,1.5,AQI=\n",
           {shown, shown},
           {"999999000000 start", "1001005000000 start"}},
+         {"# $PDGY,1, and more\n!PDGY,127250,2,35,255,1.250,ATkw\n", {"M 2 127250 35 255 013930"}},
          // torn ones
          {heading_sentence + "\n\n$PD" + heading_sentence + "\n,o" + heading_sentence +
               "\n!PDGY,127250,2,35,255,345.12,AQID$PDGY,000000,3,,5,482,1,0\n$PDGY,12725" + heading_sentence,
@@ -453,6 +459,9 @@ TEST(BinaryFormats, Ydvr) {
           with({place + "here the records are lost, as what follows cannot be any", shown_single,
                 shown_request, shown_fast, shown_single, shown_request, shown_fast})},
          {start + single + std::string(30, '\xF0'),
+          with({place + "here the records are lost, as what follows cannot be any"})},
+         // too few records behind the place where they were lost
+         {start + single + std::string(30, '\xF0') + single + request + std::string(30, '\x98'),
           with({place + "here the records are lost, as what follows cannot be any"})},
          {start + single.substr(0, 11), with({place + "the last record is cut off"})},
          {start + single.substr(0, 5), with({place + "the last record is cut off"})}},

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <string>
 #include <vector>
 
@@ -22,13 +21,6 @@ struct Sample {
 const std::vector<Sample> samples = {
 #include "format_samples.inc"
 };
-
-/// What is read but for problems and counts.
-Texts records_of(const Contents& contents) {
-    Texts records = contents.shown;
-    std::erase_if(records, [](const std::string& line) { return !std::isalpha(line[0]); });
-    return records;
-}
 
 TEST(Formats, SamplesAreWhatTheirRowsSay) {
     ASSERT_EQ(samples.size(), all_formats().size());
@@ -72,23 +64,6 @@ TEST(Formats, SamplesMayBeCutAnywhere) {
             EXPECT_TRUE(std::equal(cut.begin(), cut.end(), whole.begin())) << sample.format << ' ' << size;
         }
     }
-}
-
-TEST(Formats, DamagedOnesAreTheSameHoweverTheyCome) {
-    using namespace std::string_literals;
-    const std::string heading = "\x57\xEA\x23\x12\xF1\x09\1\2\3\4\5\6\7\x08"s,
-                      request = "\x0A\0\x03\x23\xEA\x18\x14\xF0\1"s;
-    const std::tuple<std::string, std::string, Texts> cases[] = {
-        {"ikonvert", "# $PDGY,1, and more\n!PDGY,127250,2,35,255,1.250,ATkw\n", {"M 2 127250 35 255 013930"}},
-        // too few records behind the place where they were lost
-        {"ydvr",
-         heading + heading + std::string(30, '\xF0') + heading + request + std::string(30, '\x98'),
-         {"M 2 127250 35 255 0102030405060708",
-          "14: here the records are lost, as what follows cannot be any"}},
-    };
-    for (const auto& [format, text, shown] : cases)
-        for (const std::size_t most : {std::size_t{1}, std::size_t{16}, text.size()})
-            EXPECT_EQ(read_drops(text, most, format).shown, shown) << format << ' ' << most;
 }
 
 }  // namespace

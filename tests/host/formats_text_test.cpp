@@ -109,12 +109,6 @@ TEST(TextFormats, ReadTheirRecordings) {
         }
 }
 
-std::string json_of(const N2KMsg& msg, pgn_vistel::core::Definitions set) {
-    pgn_vistel::core::JsonRenderer json(pgn_vistel::core::UnitSelection::si());
-    json.start(msg, find_definition(set, msg), {});
-    return pgn_vistel::test::rendered(json);
-}
-
 /// What was decoded packs to the same bytes. Of a few messages that end within a field that is told.
 TEST(TextFormats, PackWhatWasDecoded) {
     constexpr auto set = pgn_vistel::core::Definitions::corrected;
@@ -130,7 +124,7 @@ TEST(TextFormats, PackWhatWasDecoded) {
             msg.data[k] = static_cast<std::uint8_t>(random() % 3 * (random() & 0xFF));
         const auto* definition = find_definition(set, msg);
         if (definition == nullptr || (definition->pgn == 0 && i % 64 != 0)) continue;
-        text += json_of(msg, set);
+        text += pgn_vistel::test::json_of(msg, set, pgn_vistel::core::UnitSelection::si());
         expected.push_back(show(record));
     }
     const Texts shown = read(text, "vistel-json").shown;

@@ -78,6 +78,13 @@ inline Contents drain(Recording& recording) {
     return contents;
 }
 
+/// What was read but for problems and counts.
+inline Texts records_of(const Contents& contents) {
+    Texts records = contents.shown;
+    std::erase_if(records, [](const std::string& line) { return line[0] != 'F' && line[0] != 'M'; });
+    return records;
+}
+
 /// What is read of bytes that come at most so many at a time.
 inline Contents read_drops(const std::string& text, std::size_t most, const std::string& format = "") {
     Recording recording;
