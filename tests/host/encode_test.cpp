@@ -248,17 +248,6 @@ N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt199
     return msg;
 }
 
-std::vector<TypedField> typed_fields(const PgnDef& definition, N2KMsg msg) {
-    std::vector<TypedField> result;
-    MessageWalk walk(&definition, msg);
-    while (walk.next()) {
-        const FieldCell cell(corrected(), msg, walk);
-        result.push_back(typed_field(cell));
-        walk.position = cell.next();
-    }
-    return result;
-}
-
 TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
     std::mt19937_64 random(13);
     int same = 0;
@@ -266,9 +255,10 @@ TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
         constexpr std::uint32_t without_variants = 65500;
         const std::uint32_t number = definition.pgn != 0 ? definition.pgn : without_variants;
         for (int i = 0; i < (definition.pgn != 0 ? 3 : 1); ++i) {
-            const N2KMsg msg = random_message(definition, number, random);
+            N2KMsg msg = random_message(definition, number, random);
             if (find_definition(Definitions::corrected, msg) != &definition) continue;
-            const auto typed = typed_fields(definition, msg);
+            MessageWalk walk(&definition, msg);
+            const auto typed = typed_fields(walk, msg, Definitions::corrected, typed_field);
             BuiltMessage built = build_corrected(corrected(), number, definition, typed);
             if (!built)
                 ADD_FAILURE() << pgn_name(&definition) << ": " << joined(built.error().texts);

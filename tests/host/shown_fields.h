@@ -21,16 +21,24 @@ inline std::string hex(const N2KMsg& msg) {
     return text;
 }
 
-/// Every field of the message as decoding shows it, and the payload where it does so.
-inline std::vector<TypedField> shown_fields(N2KMsg msg, Definitions set = Definitions::fixed) {
+/// Every field that a walk comes to, as `typed(cell)` has it.
+template <class Typed>
+std::vector<TypedField> typed_fields(MessageWalk& walk, N2KMsg& msg, Definitions set, Typed typed) {
     std::vector<TypedField> fields;
-    MessageWalk walk(find_definition(set, msg), msg);
     while (walk.next()) {
         pgn_vistel::test::require(fields.size() < 30000, "the walk does not end");
         const FieldCell cell(context(set), msg, walk);
-        fields.push_back({cell.label(), cell.shown(true)});
+        fields.push_back(typed(cell));
         walk.position = cell.next();
     }
+    return fields;
+}
+
+/// Every field of the message as decoding shows it, and the payload where it does so.
+inline std::vector<TypedField> shown_fields(N2KMsg msg, Definitions set = Definitions::fixed) {
+    MessageWalk walk(find_definition(set, msg), msg);
+    const auto shown = [](const FieldCell& cell) { return TypedField{cell.label(), cell.shown(true)}; };
+    auto fields = typed_fields(walk, msg, set, shown);
     if (walk.has_undecoded_rest()) fields.push_back({std::string(payload_label), hex(msg)});
     return fields;
 }
