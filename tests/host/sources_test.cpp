@@ -446,6 +446,8 @@ TEST(Links, SendFramesAsTheGatewaySpeaks) {
          ",6,59904,254,255,3,00,EE,00\n"},
         {"T09F1122380039300000FF7FFD\r", "slcan", "T18EAFFFE300EE00\r"},
         {"!PDGY,127250,2,1,255,0.1,ADkwAAD/f/0=\r\n", "ikonvert", "!PDGY,59904,255,AO4A\r\n"},
+        {"$PCDIN,01F112,00000000,23,0039300000FF7FFD*5C\r\n", "",
+         "nothing can be sent to a source that speaks pcdin"},
         {"$MXPGN,01F801,2801,C1308AC40C5DE343*19\r\n", "", "$MXPGN,00EAFF,E3FF,00EE00*12\r\n"},
         {ngt_heading, "actisense", "\x10\x02\x94\x09\x06\x00\xEA\x00\xFF\x03\x00\xEE\x00\x83\x10\x03"sv},
         {"\x10\x02\x95\x0E\x00\x00\x23\x12\xF1\x09\x00\x39\x30\x00\x00\xFF\x7F\xFD\x4A\x10\x03"sv,
@@ -458,28 +460,17 @@ TEST(Links, SendFramesAsTheGatewaySpeaks) {
         EXPECT_EQ(*live.ask(), !c.format.empty()) << "what it speaks is not known yet";
         ASSERT_TRUE(live.until([&] { return c.format.empty() || !gateway->get().empty(); }));
         gateway->put(c.speaks);
-        ASSERT_TRUE(live.until([&] { return live.messages == 1; })) << c.sent;
+        ASSERT_TRUE(live.until([&] { return live.messages == 1 || !live.problems.empty(); })) << c.sent;
         EXPECT_EQ(gateway->get(), "") << "nothing by itself";
-        ASSERT_TRUE(*live.ask());
-        std::string sent;
+        const auto asked = live.ask();
+        std::string sent = asked ? "" : asked.error().text;
         EXPECT_TRUE(live.until([&] { return (sent += gateway->get()).size() >= c.sent.size(); }));
         EXPECT_EQ(sent, c.sent);
         server.reset();
         gateway.reset();
         ASSERT_TRUE(live.until([&] { return live.has_told("connection lost"); }));
-        EXPECT_FALSE(*live.ask());
+        EXPECT_FALSE(asked && *live.ask());
     }
-}
-
-TEST(Links, SayWhereNothingCanBeSent) {
-    const Bound server(SOCK_STREAM);
-    Listening live("tcp://127.0.0.1:" + std::to_string(server.port));
-    const Descriptor gateway(server.accept());
-    gateway.put("$PCDIN,01F112,00000000,23,0039300000FF7FFD*5C\r\n");
-    ASSERT_TRUE(live.until([&] { return live.messages + static_cast<int>(live.problems.size()) > 0; }));
-    auto sent = live.ask();
-    ASSERT_FALSE(sent) << live.problems;
-    EXPECT_EQ(sent.error().text, "nothing can be sent to a source that speaks pcdin");
 }
 
 TEST(Links, OfSerialPorts) {
