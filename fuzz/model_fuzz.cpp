@@ -21,16 +21,18 @@ constexpr unsigned long plain_numbers = 2, most_streams = 12;
 
 /// The tree shows the message in the stream that it belongs to.
 void check_tree(const CTreeCtrl& control, const N2KMsg& msg, Definitions set) {
-    const auto wanted = test::lines_of(msg, true, {}, line_size, set);
+    std::vector<std::string> wanted, lines;
+    for (const auto& line : test::lines_of(msg, true, {}, line_size, set))
+        wanted.push_back(test::as_utf8(line));
     const std::string label = test::as_utf8(test::stream_line(msg, line_size, set));
     for (const auto* top = control.GetChildItem(nullptr); top != nullptr;
          top = control.GetNextSiblingItem(top)) {
         if (test::as_utf8(control.GetItemText(top)) != label) continue;
-        std::size_t at = 0;
-        const auto* line = control.GetChildItem(top);
-        for (; line != nullptr && at < wanted.size(); line = control.GetNextSiblingItem(line), ++at)
-            if (test::as_utf8(control.GetItemText(line)) != test::as_utf8(wanted[at])) break;
-        if (line == nullptr && at == wanted.size()) return;
+        lines.clear();
+        for (const auto* line = control.GetChildItem(top); line != nullptr;
+             line = control.GetNextSiblingItem(line))
+            lines.push_back(test::as_utf8(control.GetItemText(line)));
+        if (lines == wanted) return;
     }
     require(false, "the tree has the lines of the message");
 }

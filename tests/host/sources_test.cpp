@@ -727,21 +727,17 @@ struct Sending {
         EXPECT_TRUE(opened) << opened.error().text;
         outlet = std::move(*opened);
     }
-    /// What a client gets, who is heard until he has so much.
-    std::string heard_by(const Descriptor& client, std::size_t size) const {
-        std::string heard;
-        for (const auto end = std::chrono::steady_clock::now() + 20s;
-             heard.size() < size && std::chrono::steady_clock::now() < end;) {
-            outlet->run(0ms);
-            heard += client.get();
-        }
-        return heard;
-    }
     template <class Done>
     bool until(Done done) const {
         const auto end = std::chrono::steady_clock::now() + 20s;
         while (!done() && std::chrono::steady_clock::now() < end) outlet->run(1ms);
         return done();
+    }
+    /// What a client gets, who is heard until he has so much.
+    std::string heard_by(const Descriptor& client, std::size_t size) const {
+        std::string heard;
+        EXPECT_TRUE(until([&] { return (heard += client.get()).size() >= size; }));
+        return heard;
     }
     std::string told;
     std::unique_ptr<Outlet> outlet;
