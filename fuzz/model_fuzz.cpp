@@ -2,6 +2,7 @@
 // needs no display), streams, devices and what is asked of them. Messages follow each other in an input, each
 // behind its head (see MessageHead) and two bytes: sizes of its payload and of the pause before it.
 #include "can/transport_protocol.h"
+#include "contract/asked_fields.h"
 #include "network/network.h"
 #include "network/questions.h"
 #include "network/streams.h"
@@ -20,19 +21,17 @@ namespace test = pgn_vistel::test;
 constexpr unsigned long plain_numbers = 2, most_streams = 12;
 
 /// The tree shows the message in the stream that it belongs to.
-void check_tree(const CTreeCtrl& control, const N2KMsg& msg, Definitions set) {
-    std::vector<std::string> wanted, lines;
-    for (const auto& line : test::lines_of(msg, true, {}, line_size, set))
-        wanted.push_back(test::as_utf8(line));
+void check_tree(const CTreeCtrl& control, const N2KMsg& msg, Definitions set,
+                const std::vector<std::wstring>& wanted) {
     const std::string label = test::as_utf8(test::stream_line(msg, line_size, set));
     for (const auto* top = control.GetChildItem(nullptr); top != nullptr;
          top = control.GetNextSiblingItem(top)) {
         if (test::as_utf8(control.GetItemText(top)) != label) continue;
-        lines.clear();
-        for (const auto* line = control.GetChildItem(top); line != nullptr;
-             line = control.GetNextSiblingItem(line))
-            lines.push_back(test::as_utf8(control.GetItemText(line)));
-        if (lines == wanted) return;
+        std::size_t at = 0;
+        const auto* line = control.GetChildItem(top);
+        for (; line != nullptr && at < wanted.size(); line = control.GetNextSiblingItem(line), ++at)
+            if (test::as_utf8(control.GetItemText(line)) != test::as_utf8(wanted[at])) break;
+        if (line == nullptr && at == wanted.size()) return;
     }
     require(false, "the tree has the lines of the message");
 }
@@ -70,6 +69,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     PGN_VistelTree_c tree(nullptr, &control, most_streams,
                           plain_numbers | (options % 2 == 0 ? 0 : PGN_VISTEL_CORRECTED_DEFINITIONS));
     tree.OnInit();
+    test::forget_texts();
+    TextScratch scratch;  // has seen what the trees' own has since
+    const UnitSelection units;
+    std::vector<std::wstring> wanted;
     Network network;
     Streams streams;
     std::uint64_t asked = 0;
@@ -102,7 +105,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         questions.advance(network, now);
         switch (tree.PutMsg(&msg)) {
             case 0:
-                if (options & 2) check_tree(control, msg, set);
+                wanted = test::lines_of(StreamLines(find_definition(set, msg), msg, units, scratch, true));
+                if (options & 2) check_tree(control, msg, set, wanted);
                 break;
             case -1: tree.ClearMsg(); break;
             default: require(false, "nobody paused the tree");

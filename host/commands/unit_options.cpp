@@ -55,6 +55,7 @@ Status select_unit(UnitSelection& selection, std::string_view choice) {
     const DispDataType q = find_quantity(name);
     if (q == quantity::count) {
         std::vector<std::string> names;
+        names.reserve(quantity::count);
         for (DispDataType each = 0; each < quantity::count; ++each) names.push_back(quantity_name(each));
         return failure("no quantity '", name, "'; there are: ", joined(names));
     }

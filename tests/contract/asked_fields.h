@@ -6,12 +6,16 @@
 
 namespace pgn_vistel::test {
 
+/// A refused text shows the previous one of its kind: an empty one from here on.
+inline void forget_texts() {
+    ConvValue value;
+    QV_N2K_PGN_DB_c::conv_DF(format::text_short, &value, "\x02\x01", 0);
+    QV_N2K_PGN_DB_c::conv_DF(format::text_medium, &value, "\x03\x00\x01", 0);
+}
+
 /// Each field that is asked for by itself, in the units of the database, reads as in the message's lines.
 inline void check_asked_fields(QV_N2K_PGN_DB_c& db, const UnitSelection& units, N2KMsg msg) {
-    ConvValue value;
-    // A refused text shows the previous one of its kind.
-    db.conv_DF(format::text_short, &value, "\x02\x01", 0);
-    db.conv_DF(format::text_medium, &value, "\x03\x00\x01", 0);
+    forget_texts();
     const auto lines = lines_of(msg, false, units);
     auto line = lines.begin() + 2;  // behind source and destination
     TextScratch scratch;

@@ -91,6 +91,24 @@ TEST(Network, KnowsWhoHasAnAddress) {
     }
 }
 
+TEST(Network, CountsWhatADeviceSentBeforeItSaidWhoItIs) {
+    for (const char* const first : {"unknown", "elsewhere"}) {
+        Bus bus;
+        for (int i = 0; i < 2; ++i) {
+            if ((first == std::string_view("unknown")) == (i == 0))
+                bus.put(127250, 35, Bytes(8));
+            else
+                bus.put(60928, 36, name_of('a'));
+            bus.now += second;
+        }
+        bus.network.count_lost(35, 2);
+        bus.network.count_lost(36, 3);
+        bus.put(60928, 35, name_of('a'));
+        EXPECT_EQ(bus.only().first_seen.value_or(RecordTime{}).nanoseconds, 1000 * second) << first;
+        EXPECT_EQ(bus.only().lost, 5u) << first;
+    }
+}
+
 Bytes padded(const std::string& text, std::uint8_t fill) {
     Bytes bytes(text.begin(), text.end());
     bytes.resize(32, fill);
@@ -172,8 +190,9 @@ TEST(Network, CountsInTheTimeOfTheRecords) {
     bus.network.turn();
     EXPECT_NEAR(run(0, 0), 1, 0.01) << "of the last period alone";
     run(1, -500 * second);
+    run(10, second);
     run(1, 3600 * second);
-    EXPECT_NEAR(run(20, second), 1, 0.1) << "other recordings, not an hour's silence";
+    EXPECT_NEAR(run(10, second), 1, 0.1) << "other recordings, not an hour's silence";
 
     Record frame;
     frame.kind = Record::Kind::frame;

@@ -654,18 +654,18 @@ TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
     const struct {
         Rotation rotation;
         int pieces, records;  // pieces within a record, then such that end one
-        std::chrono::milliseconds between;
+        std::chrono::milliseconds behind_first;
         std::size_t files;
     } cases[] = {{{.bytes = 10}, 3, 2, 0ms, 2},
                  {{.bytes = 10}, 1'001, 0, 0ms, 1},
                  {{.bytes = 10}, 1'003, 0, 0ms, 2},
-                 {{.time = 1s}, 0, 2, 1001ms, 2}};
+                 {{.time = 1s}, 0, 3, 1001ms, 2}};
     for (const auto& c : cases) {
         RecordedFile file(place.name(), c.rotation, "head");
         EXPECT_TRUE(file.open());
         std::set<std::string> names;
         for (int i = 0; i < c.pieces + c.records; ++i) {
-            if (i > 0) std::this_thread::sleep_for(c.between);
+            if (i == 1) std::this_thread::sleep_for(c.behind_first);
             EXPECT_TRUE(file.put("piece", i >= c.pieces));
             names.insert(file.current());
         }

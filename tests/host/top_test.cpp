@@ -30,6 +30,7 @@ struct Shown {
         std::vector<std::string> texts;
         for (const PageLine& line : top.page(width, height)) {
             EXPECT_LE(line.width(), std::max(width, 0)) << line.text();
+            EXPECT_EQ(line.width(), columns_of(line.text())) << line.text();
             texts.push_back(line.text());
         }
         EXPECT_EQ(texts.size(), static_cast<std::size_t>(std::max(height, 2)));
@@ -82,9 +83,10 @@ TEST(Top, ShowsStreamsWithTheirRatesAndAges) {
     shown.type("s/DUCER: 9.8");
     EXPECT_THAT(shown.line(0), StartsWith(" 2 devices · 1 of 2 streams · "));
     EXPECT_THAT(shown.line(23), StartsWith(" filter: DUCER: 9.8_"));
-    EXPECT_TRUE(shown.top.press(key_backspace));
-    EXPECT_TRUE(shown.top.press(key_enter));
-    EXPECT_THAT(shown.line(23), HasSubstr("filter: DUCER: 9."));
+    for (const std::uint32_t key :
+         std::initializer_list<std::uint32_t>{key_backspace, 0xB0, key_backspace, key_enter})
+        EXPECT_TRUE(shown.top.press(key));
+    EXPECT_THAT(shown.line(23), StartsWith(" filter: DUCER: 9. "));
     EXPECT_FALSE(shown.top.press('q'));
 }
 
@@ -105,6 +107,15 @@ TEST(Top, ShowsAMessageInFullInTheUnitsWanted) {
     EXPECT_THAT(shown.all(), HasSubstr("this page"));
 }
 
+TEST(Top, ShowsTheBitsOfEachField) {
+    Shown shown("00:00:00,2,127250,7,255,8,00,10,27,ff,7f,ff,7f,fd\n");
+    shown.turn(0ms);
+    shown.lines();
+    EXPECT_TRUE(shown.top.press(key_enter));
+    EXPECT_THAT(shown.all(),
+                AllOf(HasSubstr("2.0+16  10 27"), HasSubstr("8.0+2  01"), HasSubstr("8.2+6  3F")));
+}
+
 TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
     Shown shown("00:00:00,6,60928,35,255,8,79,53,22,FA,00,A0,64,C0\n" +
                 every_second(2, "127250,35,255,8,00,00,00,ff,7f,ff,7f,fd") +
@@ -117,6 +128,7 @@ TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
     EXPECT_THAT(shown.line(2), HasSubstr("unknown at 7"));
     EXPECT_THAT(shown.line(3), HasSubstr("  35 2001 Engine Gateway "));
     EXPECT_THAT(shown.line(3), HasSubstr(" 3.0/s "));
+    EXPECT_THAT(shown.line(0), HasSubstr(" · 0.3 % of the bus · "));
     EXPECT_TRUE(shown.top.press(key_down));
     shown.lines();
     EXPECT_TRUE(shown.top.press(key_enter));
@@ -128,11 +140,14 @@ TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
 TEST(Top, KeepsBusesApart) {
     Shown shown(
         "(1.0) can0 09F11207#05102700FF7FFF7F\n(1.0) boat 09F11207#05EC3D00FF7FFF7F\n"
-        "(1.0) boat 09F80107#00000000FFFFFF7F\n");
+        "(1.0) boat 09F80107#00000000FFFFFF7F\n(2.0) can0 09F11207#05102700FF7FFF7F\n"
+        "(2.0) boat 09F80107#00000000FFFFFF7F\n");
     shown.turn(0ms);
+    shown.turn(1000ms);
+    EXPECT_THAT(shown.line(0), HasSubstr(" · 0.2 % of the busiest bus · "));
     EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 3 streams · "));
-    EXPECT_THAT(shown.line(2), StartsWith(" 127250   7 can0      -  0.0s Vessel Heading  "));
-    EXPECT_THAT(shown.line(3), StartsWith(" 127250   7 boat      -  0.0s Vessel Heading  "));
+    EXPECT_THAT(shown.line(2), StartsWith(" 127250   7 can0  1.0/s  0.0s Vessel Heading  "));
+    EXPECT_THAT(shown.line(3), StartsWith(" 127250   7 boat      -  1.0s Vessel Heading  "));
     shown.type("b");
     EXPECT_THAT(shown.line(0), HasSubstr(" 1 device · 1 of 3 streams · "));
     shown.type("b");
@@ -193,12 +208,16 @@ TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
     Shown paused(every_second(3, "127250,7,255,8,00,00,00,ff,7f,ff,7f,fd"),
                  {.pgns = {127251}, .sources = {}, .text = {}});
     paused.turn(0ms);
+    paused.type(".");
+    EXPECT_EQ(paused.player.counters().messages, 1u) << "steps are for what stands still";
     paused.type(" ");
     EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 1 device · 0 of 1 stream"));
     paused.turn(1000ms);
     EXPECT_EQ(paused.player.counters().messages, 1u);
     paused.type(".");
     EXPECT_EQ(paused.player.counters().messages, 2u);
+    paused.type("c");
+    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 1 device · 0 streams"));
     paused.type(" ");
     EXPECT_THAT(paused.line(0), Not(HasSubstr("PAUSED")));
 }
@@ -206,6 +225,9 @@ TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
 TEST(Top, FitsIntoAnyTerminal) {
     Shown shown(test::batteries(300));
     shown.turn(0ms);
+    shown.lines();
+    EXPECT_TRUE(shown.top.press(key_end));
+    EXPECT_EQ(shown.top.page(80, 24).at(22).pieces().at(0).style, Style::marked) << "the last one";
     const std::vector<std::uint32_t> keys = {
         key_end,    key_page_up, key_enter, key_page_down, 'h',       key_home, '/', 0xB0, 'x',
         key_escape, key_down,    'c',       key_down,      key_enter, '<',      's', 'o',  'u'};

@@ -43,12 +43,8 @@ inline std::wstring stream_line(const N2KMsg& msg, int size = 1024, Definitions 
                    size);
 }
 
-/// All lines below a message's stream line.
-inline std::vector<std::wstring> lines_of(const N2KMsg& msg, bool plain_numbers = false,
-                                          const UnitSelection& units = {}, int size = line_size,
-                                          Definitions set = Definitions::fixed) {
-    TextScratch scratch;
-    StreamLines source(find_definition(set, msg), msg, units, scratch, plain_numbers);
+/// All that there are of a source.
+inline std::vector<std::wstring> lines_of(StreamLines source, int size = line_size) {
     std::vector<std::wstring> lines;
     for (int count = 0; count >= 0;) {
         require(lines.size() < 30000,
@@ -57,6 +53,14 @@ inline std::vector<std::wstring> lines_of(const N2KMsg& msg, bool plain_numbers 
     }
     lines.pop_back();
     return lines;
+}
+
+/// All lines below a message's stream line.
+inline std::vector<std::wstring> lines_of(const N2KMsg& msg, bool plain_numbers = false,
+                                          const UnitSelection& units = {}, int size = line_size,
+                                          Definitions set = Definitions::fixed) {
+    TextScratch scratch;
+    return lines_of(StreamLines(find_definition(set, msg), msg, units, scratch, plain_numbers), size);
 }
 
 /// A line as UTF-8 text has it: without control characters and halves of pairs.
