@@ -4,7 +4,7 @@
 
 #include "host/recording_contents.h"
 #include "pgn_vistel/core/decode.h"
-#include "pgn_vistel/core/render.h"
+#include "support/shown.h"
 
 namespace vistel {
 namespace {
@@ -29,7 +29,7 @@ TEST(TextFormats, ReadTheirRecordings) {
         "Chn Identifier Flg   DLC  D0...1...2...3...4...5...6..D7       Time     Dir\n";
     const std::string garmin = "Sequence #,Timestamp,PGN,Name,...\n";
     const std::string message = "M 2 127250 35 255 01393000";
-    const std::tuple<std::string, std::string, Lines, Lines> cases[] = {
+    const std::tuple<std::string, std::string, Texts, Texts> cases[] = {
         // format, recording, what is read, the times
         // clang-format off
         {"airmar", "09:30:00.25 - 127250 09F11223 01 39,30, 00\nx - 1 09F11223 01 39 30 00\n"
@@ -109,23 +109,12 @@ TEST(TextFormats, ReadTheirRecordings) {
         }
 }
 
-std::string json_of(const N2KMsg& msg, pgn_vistel::core::Definitions set) {
-    pgn_vistel::core::JsonRenderer json(pgn_vistel::core::UnitSelection::si());
-    json.start(msg, find_definition(set, msg), {});
-    std::string text;
-    std::vector<char> area(4 * pgn_vistel::core::piece_room);
-    do {
-        text.append(area.data(), json.write(area.data(), area.data() + area.size()));
-    } while (!json.is_done());
-    return text;
-}
-
 /// What was decoded packs to the same bytes. Of a few messages that end within a field that is told.
 TEST(TextFormats, PackWhatWasDecoded) {
     constexpr auto set = pgn_vistel::core::Definitions::corrected;
     std::mt19937 random(1);
     std::string text;
-    Lines expected;
+    Texts expected;
     for (std::uint32_t i = 0; i < 4 * 131072; ++i) {
         Record record;
         N2KMsg& msg = record.msg;
@@ -135,10 +124,10 @@ TEST(TextFormats, PackWhatWasDecoded) {
             msg.data[k] = static_cast<std::uint8_t>(random() % 3 * (random() & 0xFF));
         const auto* definition = find_definition(set, msg);
         if (definition == nullptr || (definition->pgn == 0 && i % 64 != 0)) continue;
-        text += json_of(msg, set);
+        text += pgn_vistel::test::json_of(msg, set, pgn_vistel::core::UnitSelection::si());
         expected.push_back(show(record));
     }
-    const Lines shown = read(text, "vistel-json").shown;
+    const Texts shown = read(text, "vistel-json").shown;
     ASSERT_EQ(shown.size(), expected.size());
     std::size_t told = 0;
     for (std::size_t i = 0; i < shown.size(); ++i) {
