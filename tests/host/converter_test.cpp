@@ -133,6 +133,17 @@ TEST(Converter, RefusesWhatFormatsCannotHold) {
     }
 }
 
+TEST(Converter, NumbersTheFastPacketsThatItMakes) {
+    Record longest;
+    longest.msg.pgn = 129029;
+    longest.msg.length = 223;
+    longest.msg.destination = 255;
+    const std::string frames = converted({longest, longest}, "candump");
+    EXPECT_EQ(std::ranges::count(frames, '\n'), 64);
+    EXPECT_NE(frames.find("#00DF"), std::string::npos) << frames;
+    EXPECT_NE(frames.find("#20DF"), std::string::npos) << frames;
+}
+
 TEST(Converter, KeepsTheNamesOfInterfaces) {
     const auto writer = make_writer("candump");
     const std::pair<const char*, const char*> names[] = {

@@ -67,10 +67,10 @@ TEST(TextFormats, ReadTheirRecordings) {
         {"busmaster", busmaster + "***DEC***\n***ABSOLUTE MODE***\n00:00:00:2500 Rx 1 166793763 x 4 1 57 48 0\n***RELATIVE MODE***\n00:00:00:1000 Rx 1 166793763 x 0",
          {heading, "F 2 127250 35 255 "}, {epoch(500), epoch(600)}},
         {"busmaster", busmaster + "***PROTOCOL J1939***\n09:30:00:2500 1 0x09F11223 0x1F112 DATA 23 FF 2 Rx 4 01 39 30 00", {heading}, {epoch(250)}},
-        {"savvycan", savvy + "1777887000250000,09F11223,true,Rx,0,4,01,39,30,00,00,00,00,00,\n250000,9F11223,false,Rx,1,4,01,39,30,00,\n12,123,false,Rx,0,1,00,\n"
+        {"savvycan", savvy + "1777887000250000,09F11223,true,Rx,0,4,01,39,30,00,00,00,00,00,\n25000,9F11223,false,Rx,1,4,01,39,30,00,\n12,123,false,Rx,0,1,00,\n"
                      "12,09F11223,true,Rx,0,2,00,\nx,1,true\nTime Stamp,ID,Extended,Bus,LEN,D1\n12,09F11223,true,0,0,\nID,Data Bytes\n9F11223,01 39 30 00\n",
          {heading, heading, "5: byte 2 `` is not hexadecimal", "6: time `x` is not a number of microseconds", "F 2 127250 35 255 ", heading, "1 foreign"},
-         {epoch(250), "250000000 start", "0 none", "0 none"}},
+         {epoch(250), "25000000 start", "0 none", "0 none"}},
         {"python-can", python + "1777887000.250000,0x9f11223,1,0,0,4,ATkwAA==\n1,0x18eaff23,1,1,0,3,\n1,0x9f11223,1,0,1,0,\n1,0x123,0,0,0,0,\n1,0x9f11223,1,0,0,3,ATkwAA==\n1,0x99f11223,1,0,0,0,\n",
          {heading, "6: data `ATkwAA==` are not 3 bytes in base64", "7: identifier `0x99f11223` is no number of 29 bits", "3 foreign"}, {epoch(250)}},
         {"kvaser", kvaser + " 0    09F11223 X       4  01  39  30  00                       0.250000 R\n 0    18EAFF23 XR      3                0.25 R\n 0  123  1 00 0.1 R\n"
