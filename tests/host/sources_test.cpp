@@ -29,6 +29,7 @@
 #include "readers/stream_capture.h"
 #include "sources/can_reader.h"
 #include "sources/gateway.h"
+#include "sources/link_watch.h"
 #include "sources/outlet.h"
 #include "sources/source.h"
 #include "sources/source_name.h"
@@ -55,6 +56,7 @@ TEST(SourceNames, WhatTheyStandFor) {
              {"can", Kind::file, "can", 0, 0, GatewayKind::none},
              {"can0", Kind::can, "can0", 0, 0, GatewayKind::none},
              {"vcan12", Kind::can, "vcan12", 0, 0, GatewayKind::none},
+             {"slcan0", Kind::can, "slcan0", 0, 0, GatewayKind::none},
              {"can:nmea", Kind::can, "nmea", 0, 0, GatewayKind::none},
              {"tcp://gw:1457", Kind::tcp, "gw", 1457, 0, GatewayKind::none},
              {"tcp://[::1]:65535?gateway=ngt1", Kind::tcp, "::1", 65535, 0, GatewayKind::ngt1},
@@ -821,6 +823,23 @@ TEST(Outlets, SendFramesToAnInterface) {
     ::shutdown(bus, SHUT_RDWR);
     outlet->put(std::string(16, '\0') + packet);
     EXPECT_EQ(outlet->counters().lost, 1u);
+}
+
+TEST(LinkWatch, WaitsLongerFromOneAttemptToTheNext) {
+    LinkOptions options;
+    options.longest_pause = 4s;
+    LinkWatch watch(std::move(options), "connected");
+    LinkWatch::Time now{};
+    for (int round = 1; round <= 2; ++round) {
+        for (const auto pause : {0s, 1s, 2s, 4s, 4s}) {
+            watch.lost(now, "gone");
+            EXPECT_EQ(watch.retry_at() - now, pause) << round;
+            now = watch.retry_at();
+            watch.opened(now);
+        }
+        watch.traffic(now);
+        EXPECT_EQ(watch.counters().without, round * 11s);
+    }
 }
 
 }  // namespace
