@@ -44,7 +44,7 @@ void put_bytes(WideOut& out, const std::uint8_t* bytes) {
 bool put_hosts_own(WideOut& out, const core::Shown& shown, const ConvValue& v) {
     const core::Value number = value_of(v);
     if (core::put_by_form(out, shown, number)) return false;
-    const bool is_raw = v.type == CV_RAW_FIELD || v.type == 18;
+    const bool is_raw = v.type == CV_RAW_FIELD || v.type == CV_RAW_FIELD_TOO;
     if (shown.quantity == core::quantity::message_id) {
         if (is_raw) put_bytes(out, v.value.raw);
     } else if (!is_available(v)) {

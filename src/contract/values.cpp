@@ -77,7 +77,7 @@ void store_value(ConvValue* out, const Value& value, Reading reading) {
 
 bool is_hosts_own(const ConvValue& record) {
     return record.type < 0 || record.type == CV_FLOAT_PLAIN ||
-           (record.type >= CV_CHAR && record.type <= CV_WCHAR_PLAIN) || record.type == 18 ||
+           (record.type >= CV_CHAR && record.type <= CV_WCHAR_PLAIN) || record.type == CV_RAW_FIELD_TOO ||
            record.type == CV_RAW_FIELD;
 }
 

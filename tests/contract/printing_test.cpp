@@ -51,7 +51,7 @@ TEST(ValuePrinter, TypesAndReservedCodes) {
         {single(12.3456f, CV_FLOAT_PLAIN), L"12.346", nullptr}, {real(47.123456789), L"47.123455", nullptr},
         {whole(CV_CHAR, 0x81), L"\x03A9", nullptr}, {whole(CV_WCHAR, 0x103A9), L"\x03A9", nullptr},
         {narrow("caf\xE9 \x80"), L"caf\x00E9 \x0080", nullptr}, {wide(L"wide", CV_TEXT_WIDE), L"wide", nullptr},
-        {whole(18, 5), L"", nullptr}, {whole(CV_RAW_FIELD, 0), L"", nullptr}, {whole(INT32_MAX, 5), L"-", nullptr},
+        {whole(CV_RAW_FIELD_TOO, 5), L"", nullptr}, {whole(CV_RAW_FIELD, 0), L"", nullptr}, {whole(INT32_MAX, 5), L"-", nullptr},
         {whole(CV_NOT_AVAILABLE, 5), L"-", nullptr}, {single(NAN), L"-", L"-"}, {real(NAN), L"-", nullptr},
         {whole(CV_U8, 253), L"-", L"-"}, {whole(CV_I8, 125), L"-", L"-"}, {whole(CV_U16, 0xFFFD), L"-", L"-"},
         {whole(CV_I16, 0x7FFD), L"-", L"-"}, {whole(CV_U32, 0xFFFFFFFD), L"-", L"-"},
@@ -65,7 +65,7 @@ TEST(ValuePrinter, TypesAndReservedCodes) {
                   hexadecimal != nullptr ? hexadecimal : expected);
     }
     EXPECT_STREQ(print_format_default(CV_I64), L"%I64");
-    for (const int type : {-1, 18, int{CV_RAW_FIELD}, 1000})
+    for (const int type : {-1, int{CV_RAW_FIELD_TOO}, int{CV_RAW_FIELD}, 1000})
         EXPECT_TRUE(print_format_default(type) == nullptr && print_format_hex(type) == nullptr);
     EXPECT_EQ(text_of(wide(std::wstring(300, L'x').c_str())), std::wstring(255, L'x'));
     EXPECT_EQ(text_of(narrow(std::string(300, 'x').c_str())), std::wstring(255, L'x'));
