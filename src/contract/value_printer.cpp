@@ -14,32 +14,11 @@ namespace pgn_vistel {
 
 namespace {
 
-struct TypeFormats {
-    const wchar_t* plain;
-    const wchar_t* with_hex;
-};
-
-// By tag, as the text interface has them: "%I64" without a letter, and two hexadecimal digits at the least
-// where the types CV_I16 and CV_U64 have more.
-constexpr TypeFormats type_formats[] = {
-    {L"%5q", L"%5q"},
-    {L"%5q", L"%5q"},
-    {L"%8q", L"%8q"},
-    {L"%hu", L"%hu (0x%02X)"},
-    {L"%hd", L"%hd (0x%02X)"},
-    {L"%hu", L"%hu (0x%04X)"},
-    {L"%hd", L"%hd (0x%02X)"},
-    {L"%lu", L"%lu (0x%08X)"},
-    {L"%ld", L"%ld (0x%08X)"},
-    {L"%I64u", L"%I64u (0x%02X)"},
-    {L"%I64", L"%I64d"},
-    {L"%#2ld:%02d:%02d", L"%#2ld:%02d:%02d"},
-    {L"%c", L"%c"},
-    {L"%c", L"%c"},
-    {L"%c", L"%c"},
-    {L"%ls", L"%ls"},
-    {L"%ls", L"%ls"},
-    {L"%ls", L"%ls"},
+// By tag, as the text interface has them: "%I64" without a letter.
+constexpr const wchar_t* type_formats[] = {
+    L"%5q", L"%5q", L"%8q", L"%hu",   L"%hd",  L"%hu",
+    L"%hd", L"%lu", L"%ld", L"%I64u", L"%I64", L"%#2ld:%02d:%02d",
+    L"%c",  L"%c",  L"%c",  L"%ls",   L"%ls",  L"%ls",
 };
 
 constexpr int type_count = static_cast<int>(std::size(type_formats));
@@ -200,11 +179,7 @@ Arguments arguments_of(const ConvValue& v, int conversions) {
 }  // namespace
 
 const wchar_t* print_format_default(int type) {
-    return type >= 0 && type < type_count ? type_formats[type].plain : nullptr;
-}
-
-const wchar_t* print_format_hex(int type) {
-    return type >= 0 && type < type_count ? type_formats[type].with_hex : nullptr;
+    return type >= 0 && type < type_count ? type_formats[type] : nullptr;
 }
 
 bool is_available(const ConvValue& v) {
