@@ -35,11 +35,8 @@ inline std::uint32_t unit_of(const Text& text, int i) {
         case Encoding::code_page: return character_of(bytes[i]);
         case Encoding::utf16: return bytes[2 * i] | static_cast<std::uint32_t>(bytes[2 * i + 1]) << 8;
         case Encoding::wide: return static_cast<std::uint32_t>(static_cast<const wchar_t*>(text.data)[i]);
-        case Encoding::digits: {
-            constexpr std::string_view digits = "0123456789ABCDEF";
-            const unsigned byte = bytes[i / 3];
-            return i % 3 == 2 ? ' ' : static_cast<unsigned char>(digits[i % 3 == 0 ? byte >> 4 : byte & 15]);
-        }
+        case Encoding::digits:
+            return static_cast<unsigned char>(i % 3 == 2 ? ' ' : hex_digit(bytes[i / 3], i % 3));
         default: return bytes[i];
     }
 }
