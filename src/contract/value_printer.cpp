@@ -8,6 +8,7 @@
 
 #include "contract/text_copy.h"
 #include "contract/values.h"
+#include "core/out.h"
 #include "pgn_vistel/core/value.h"
 
 namespace pgn_vistel {
@@ -201,7 +202,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
 
     static wchar_t work[print_limit];
     static wchar_t figures[print_limit];
-    WideWriter rewritten(work, print_limit);
+    core::WideOut rewritten(work, print_limit);
     enum class Mode { floating, signed_integer, unsigned_integer } mode = Mode::floating;
     for (const wchar_t* at = format; *at != 0;) {
         rewritten.put(*at);
@@ -210,7 +211,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
             rewritten.put(*at++);
             continue;
         }
-        WideWriter side(figures, print_limit);
+        core::WideOut side(figures, print_limit);
         if (*at == L'+' || *at == L' ') side.put(*at++);
         while ((*at >= L'0' && *at <= L'9') || *at == L'.') side.put(*at++);
         side.finish();
@@ -224,7 +225,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
             const wchar_t letter = *at == L'l' ? at[1] : *at;
             if (letter == L'u') mode = Mode::unsigned_integer;
             if (letter == L'd') mode = Mode::signed_integer;
-            rewritten.put_text(figures);
+            rewritten.put(std::wstring_view(figures));
             if (*at != 0) rewritten.put(*at++);
         }
     }
