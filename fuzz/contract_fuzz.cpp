@@ -12,8 +12,7 @@ using fuzz::MessageHead;
 void look_up(const UnitSelection& units, const MessageHead& in, const N2KMsg& msg) {
     const int field = field_at(msg.pgn, in.length % 2000, in.unit % 8);
     require(field == -1 || field > 0, "no field");
-    std::uint8_t keys[4] = {255, 255, 255, 255};
-    extract_stream_keys(msg.pgn, msg.data, &keys[0], &keys[1], &keys[2], &keys[3]);
+    [[maybe_unused]] const StreamKeys keys = stream_keys(msg);
 
     // Any field anywhere in the record.
     TextScratch scratch;
