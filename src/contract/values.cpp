@@ -72,7 +72,7 @@ void store_value(ConvValue* out, const Value& value, Reading reading) {
         return;
     }
     out->type = static_cast<std::int32_t>(value.type);
-    if (!value.is_left) out->value.u64 = value.number.u64;
+    out->value.u64 = value.number.u64;
 }
 
 bool is_hosts_own(const ConvValue& record) {

@@ -22,7 +22,7 @@ enum class Reading : std::uint8_t {
     float_angle,
     float_plain,
     double_distance,
-    double_plain,
+    double_plain,  ///< of no dictionary entry: none here
     latitude_32,
     longitude_32,
     latitude_64,

@@ -82,9 +82,6 @@ struct Value {
     };
 
     ValueType type = ValueType::none;  ///< says which member of `number` is valid, or that `text` is
-    /// The rule of the unit has no number for it (kilograms): the value is not available, and whoever keeps
-    /// records of values keeps the number that was there.
-    bool is_left = false;
     Number number{.u64 = no_number};  ///< of every type but `text`
     Text text{};                      ///< of the type `text`
 
