@@ -6,6 +6,7 @@
 #include <cstring>
 #include <cwchar>
 
+#include "contract/store.h"
 #include "contract/text_copy.h"
 #include "contract/values.h"
 #include "core/out.h"
@@ -33,7 +34,8 @@ constexpr bool is_integer(int type) {
 
 // A double is shown with the precision of a single; the wide range of a double would not fit one.
 float float_of(const ConvValue& v) {
-    return v.type == CV_DOUBLE ? static_cast<float>(v.value.f64) : v.value.f32;
+    const core::Value::Number number{bits_of(v)};
+    return v.type == CV_DOUBLE ? static_cast<float>(number.f64()) : number.f32();
 }
 
 // ---- what a "q" conversion comes to ----
@@ -153,16 +155,21 @@ Arguments arguments_of(const ConvValue& v, int conversions) {
     Arguments args;
     switch (v.type) {
         case CV_TIME_OF_DAY: {
-            const std::uint32_t seconds = v.value.u32;
+            const auto seconds = static_cast<std::uint32_t>(bits_of(v));
             args.list[0] = seconds / 3600;
             args.list[1] = seconds % 3600 / 60;
             args.list[2] = seconds % 60;
             args.count = 3;
             break;
         }
-        case CV_CHAR: args.list[0] = FormatArg::of_character(core::character_of(v.value.u8)); break;
+        case CV_CHAR:
+            args.list[0] = FormatArg::of_character(core::character_of(static_cast<std::uint8_t>(bits_of(v))));
+            break;
         case CV_WCHAR:
-        case CV_WCHAR_PLAIN: args.list[0] = FormatArg::of_character(static_cast<wchar_t>(v.value.u16)); break;
+        case CV_WCHAR_PLAIN:
+            args.list[0] =
+                FormatArg::of_character(static_cast<wchar_t>(static_cast<std::uint16_t>(bits_of(v))));
+            break;
         case CV_TEXT_NARROW: args.list[0] = widen(text_area, v.value.narrow, print_limit); break;
         case CV_TEXT_WIDE:
             copy_wide(text_area, v.value.wide, print_limit);

@@ -136,7 +136,7 @@ void convert_position(const FormatPlan& format, const RawField& raw, UnitId u, V
                    static_cast<double>(number) * (width == 32 ? degrees_per_count_32 : degrees_per_count_64));
     } else {
         store_none(out);
-        out.number.u64 = 0x7FFFFFFFFFFFFFFF;  // here the NaN is a double
+        out.number.bits = 0x7FFFFFFFFFFFFFFF;  // here the NaN is a double
     }
 }
 

@@ -36,7 +36,7 @@ TEST(Reading, BitsOfEveryWidthAtEveryPosition) {
             msg.length = static_cast<std::uint16_t>((byte * 8 + bit + width + 7) / 8);  // ends with the field
             const FieldReading whole = read_at(msg, binary, 0, width, {byte, bit});
             EXPECT_EQ(whole.value.type, ValueType::u64);
-            EXPECT_EQ(whole.value.number.u64, expected);
+            EXPECT_EQ(whole.value.number.u64(), expected);
             EXPECT_EQ(whole.next.byte * 8 + whole.next.bit, byte * 8 + bit + width);
             EXPECT_LT(whole.next.bit, 8);
             --msg.length;
@@ -71,7 +71,7 @@ TEST(Reading, AtTheEnd) {
     // The size masks integers, modulo 256 bits.
     msg.length = 400;
     for (const auto& [bytes, expected] : {std::pair{1, 0x01}, {2, 0x0201}, {31, 0x0201}, {32, 0}, {33, 0x01}})
-        EXPECT_EQ(read_at(msg, number, bytes, 0, {0, 0}).value.number.u16, expected) << bytes;
+        EXPECT_EQ(read_at(msg, number, bytes, 0, {0, 0}).value.number.u16(), expected) << bytes;
 }
 
 }  // namespace

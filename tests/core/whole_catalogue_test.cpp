@@ -207,7 +207,7 @@ TEST(WholeCatalogue, FieldsReadBackWhatWasWritten) {
             } else {
                 const int bits = item.bits == 0 ? 64 : item.bits;
                 const std::uint64_t expected = item.is_lost() ? 0 : item.raw;
-                EXPECT_EQ(low_bits(raw.value.number.u64, bits),
+                EXPECT_EQ(low_bits(raw.value.number.u64(), bits),
                           item.bits == 0 ? written.bits_at(item.start, 64) : expected);
             }
             EXPECT_EQ(in_bits(shown.next), in_bits(raw.next));
