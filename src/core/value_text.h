@@ -129,7 +129,7 @@ void put_flags(Out& out, std::uint16_t index, std::uint32_t value) {
 
 /// False where the number itself is to be shown. `high` is added to what the enumeration is asked for.
 template <class Out>
-bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::uint32_t high) {
+[[nodiscard]] bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::uint32_t high) {
     const DDstrings& set = enum_sets[index];
     const std::uint16_t entry = find_entry(index, value + high);
     if (entry != no_entry) {
@@ -148,7 +148,7 @@ bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::ui
 }
 
 template <class Out>
-bool put_clock(Out& out, UnitId unit, const Value& v) {
+[[nodiscard]] bool put_clock(Out& out, UnitId unit, const Value& v) {
     if (unit != unit::clock_12 && unit != unit::clock_24) return false;
     const std::int32_t seconds = truncated(number_of(v));
     const int hour = seconds / 3600 & 0xFF;
@@ -174,7 +174,7 @@ bool put_clock(Out& out, UnitId unit, const Value& v) {
 }
 
 template <class Out>
-bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
+[[nodiscard]] bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
     constexpr int decimals = 6;
     double value = number_of(v);
     if (unit == unit::hours || unit == unit::seconds) {
@@ -201,7 +201,7 @@ bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
 
 /// The value's low 16 bits as days, in a date layout.
 template <class Out>
-bool put_date_again(Out& out, UnitId unit, const Value& v) {
+[[nodiscard]] bool put_date_again(Out& out, UnitId unit, const Value& v) {
     constexpr std::uint16_t first_reserved = 0xFFFD;
     char area[clock_text_size];
     const int count = v.number.u16() < first_reserved ? put_date(area, v.number.u16(), unit) : 0;
@@ -313,7 +313,7 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers, bool every_code) 
 
 /// What the catalogue has a text for. False where the value itself is to be shown.
 template <class Out>
-bool put_by_form(Out& out, const Shown& shown, const Value& v) {
+[[nodiscard]] bool put_by_form(Out& out, const Shown& shown, const Value& v) {
     switch (shown.form) {
         case Form::pgn_name:
         case Form::pgn_title: put_pgn(out, shown.form, v.number.u32()); return true;
@@ -337,7 +337,7 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
 
 /// The forms that quantities have of their own in some units. The value is an available number.
 template <class Out>
-bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
+[[nodiscard]] bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
     switch (shown.quantity) {
         case quantity::time_of_day: return put_clock(out, shown.unit, v);
         case quantity::duration: return put_duration(out, shown.unit, v, shown.every_code);
@@ -348,7 +348,7 @@ bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
 
 /// The value without its unit. Returns whether a unit follows: behind a text of the catalogue none does.
 template <class Out>
-bool put_value(Out& out, const Shown& shown, const Value& v) {
+[[nodiscard]] bool put_value(Out& out, const Shown& shown, const Value& v) {
     if (put_by_form(out, shown, v)) return false;
     if (shown.quantity == quantity::message_id)
         put_hexadecimal(out, v);
