@@ -164,11 +164,11 @@ inline constexpr std::uint8_t no_stream_key = 255;  ///< the message has none in
 /// The row of field number `row->field + delta` of the same PGN, the end sentinel, or null below field 1.
 [[nodiscard]] const FieldDef* next_field_row(const FieldDef* row, int delta);
 
-/// @{
-/// Size of a field in one unit, either bytes or bits; both 0 where only the value tells.
+/// Size of a field in one unit, either bytes or bits; both 0 where only the value tells. Nothing may be null.
 void normalise_field_size(const FieldDef* row, std::uint32_t pgn, int* bytes, int* bits);
+/// The same where `bytes` and `bits` come in with the size that a field has of its own: they are kept unless
+/// both are 0. Of `dd`, which may be null, the sizes alone are asked for.
 void complete_field_size(std::uint32_t pgn, const DDDef* dd, int* bytes, int* bits);
-/// @}
 
 /// The repeating fields of a PGN, or null.
 [[nodiscard]] const RepeatSetDef* find_repeat_set(std::uint32_t pgn);
