@@ -12,7 +12,6 @@ using fuzz::MessageHead;
 void look_up(const UnitSelection& units, const MessageHead& in, const N2KMsg& msg) {
     const int field = field_at(msg.pgn, in.length % 2000, in.unit % 8);
     require(field == -1 || field > 0, "no field");
-    [[maybe_unused]] const StreamKeys keys = stream_keys(msg);
 
     // Any field anywhere in the record.
     TextScratch scratch;

@@ -2,43 +2,20 @@
 // come lines of a byte that chooses the label and the text that is typed for it. What is built is read again,
 // and by the fixed definitions what is shown can be typed.
 #include "encode/definitions.h"
-#include "encode/message_builder.h"
+#include "host/shown_fields.h"
 #include "support/fuzz.h"
-#include "text/hex.h"
 
 namespace {
 
 using namespace vistel;
-using namespace pgn_vistel::core;
+using namespace vistel::test;
 using fuzz::require;
-
-ReadingContext& context(Definitions set) {
-    static ReadingContext fixed{Definitions::fixed, {}, {}}, corrected{Definitions::corrected, {}, {}};
-    return set == Definitions::fixed ? fixed : corrected;
-}
 
 std::vector<std::string> labels_of(Definitions set, const PgnDef& pgn) {
     std::vector<std::string> labels;
     visit_fields(context(set), pgn, {}, [&labels](const FieldCell& cell) { labels.push_back(cell.label()); });
     labels.emplace_back(payload_label);
     return labels;
-}
-
-std::vector<TypedField> shown_fields(Definitions set, N2KMsg msg) {
-    std::vector<TypedField> fields;
-    MessageWalk walk(find_definition(set, msg), msg);
-    while (walk.next()) {
-        require(fields.size() < 30000, "the walk ends");
-        const FieldCell cell(context(set), msg, walk);
-        fields.push_back({cell.label(), cell.shown(true)});
-        walk.position = cell.next();
-    }
-    if (walk.has_undecoded_rest()) {
-        std::string bytes;
-        for (int i = 0; i < payload_length(msg); ++i) append_hex(bytes, msg.data[i], 2);
-        fields.push_back({std::string(payload_label), bytes});
-    }
-    return fields;
 }
 
 BuiltMessage build(Definitions set, std::uint32_t number, const PgnDef& pgn, bool by_any,
@@ -80,18 +57,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         return 0;
     }
     require(built->pgn == number && built->length <= N2K_MAX_PAYLOAD, "a message is in bounds");
-    const auto shown = shown_fields(set, *built);
+    const auto shown = shown_fields(*built, set);
     if (set == Definitions::corrected) return 0;
     BuiltMessage again = build(set, number, pgn, false, shown);
-    if (!again)
-        for (const std::string& text : again.error().texts)
-            std::fprintf(stderr, "%u %s\n", number, text.c_str());
     require(bool(again), "what is shown can be typed");
-    const auto shown_again = shown_fields(set, *again);
-    if (!begins_with(shown_again, shown))
-        for (const auto* const list : {&shown, &shown_again})
-            for (const TypedField& field : *list)
-                std::fprintf(stderr, "%u %s=%s\n", number, field.label.c_str(), field.value.c_str());
-    require(begins_with(shown_again, shown), "what is typed as shown shows the same");
+    require(begins_with(shown_fields(*again, set), shown), "what is typed as shown shows the same");
     return 0;
 }

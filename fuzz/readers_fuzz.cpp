@@ -66,9 +66,7 @@ std::uint64_t read(std::span<const std::uint8_t> bytes, const Format& format, Co
                 digest.add(record.time.nanoseconds), digest.add(record.time.origin);
                 digest.add(record.msg.pgn), digest.add(record.msg.source), digest.add(record.msg.destination);
                 digest.add_bytes(record.msg.data, record.msg.length);
-                if (!reader->bus_name(record.bus).empty())
-                    digest.add_bytes(reader->bus_name(record.bus).data(),
-                                     reader->bus_name(record.bus).size());
+                digest.add_bytes(reader->bus_name(record.bus).data(), reader->bus_name(record.bus).size());
                 break;
             case ReadResult::problem:
                 require(problem.place == Problem::Place::whole || problem.number >= last_place,

@@ -6,7 +6,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdlib>
-#include <new>
+
+#include "support/own_memory.h"
 
 namespace {
 
@@ -19,7 +20,9 @@ struct Block {
 };
 constinit std::array<Block, 24> blocks{};  // fuzzing is one thread's
 
-void* take(std::size_t size) {
+}  // namespace
+
+void* take_memory(std::size_t size, bool /*may_throw*/) noexcept {
     Block* unused = nullptr;
     if (size >= large)
         for (Block& block : blocks) {
@@ -36,13 +39,7 @@ void* take(std::size_t size) {
     return start;
 }
 
-void* take_or_throw(std::size_t size) {
-    void* const start = take(size);
-    if (start == nullptr) throw std::bad_alloc();
-    return start;
-}
-
-void give(void* start) noexcept {
+void give_memory(void* start) noexcept {
     if (start == nullptr) return;
     for (Block& block : blocks)
         if (block.start == start) {
@@ -51,37 +48,4 @@ void give(void* start) noexcept {
             return;
         }
     std::free(start);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    return take_or_throw(size);
-}
-void* operator new[](std::size_t size) {
-    return take_or_throw(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return take(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return take(size);
-}
-void operator delete(void* start) noexcept {
-    give(start);
-}
-void operator delete[](void* start) noexcept {
-    give(start);
-}
-void operator delete(void* start, std::size_t) noexcept {
-    give(start);
-}
-void operator delete[](void* start, std::size_t) noexcept {
-    give(start);
-}
-void operator delete(void* start, const std::nothrow_t&) noexcept {
-    give(start);
-}
-void operator delete[](void* start, const std::nothrow_t&) noexcept {
-    give(start);
 }

@@ -48,6 +48,7 @@ class Inputs {
     Event next(Record& record) {
         if (current_ == nullptr) [[unlikely]]
             return next_of_several(record);
+        record.bus = 0;  // of recordings that tell none
         const ReadResult result = current_->recording.next(record);
         if (result != ReadResult::record) [[unlikely]]
             return go_on(result);

@@ -286,13 +286,11 @@ void Player::seek(double place, PlayListener& listener) {
         if (!open()) ended_ = true;
     }
     listener_ = &listener;
-    const bool loop = std::exchange(options_.loop, false);
     while (!ended_ && inputs_->bytes_read() < wanted) {
         if (!has_record()) break;
         if (!is_due()) continue_at(record_played_);
         hand_over();
     }
-    options_.loop = loop;
     continue_at(now());
 }
 

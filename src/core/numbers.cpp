@@ -91,7 +91,8 @@ char* write_significant(char* at, float value, int digits) {
 
     // Below 2^23 from here on. The digits in front of the point are counted, the rest become decimals.
     const auto whole = shift < 32 ? static_cast<std::uint32_t>(mantissa >> shift) : 0u;
-    const int precision = std::max(digits - count_digits(whole), 0);
+    const int leading = count_digits(whole);
+    const int precision = std::max(digits - leading, 0);
     // Times a power of ten it stays below 2^51; the part behind the binary point decides how to round.
     const std::uint64_t product = mantissa * powers_of_ten[precision];
     std::uint64_t rounded = 0;
@@ -106,7 +107,8 @@ char* write_significant(char* at, float value, int digits) {
         return write_decimal(at, rounded, precision);
     // The point goes between the digits of one word.
     const std::uint64_t text = detail::eight_digits(static_cast<std::uint32_t>(rounded)) | detail::zeros;
-    const int before = std::max(count_digits(static_cast<std::uint32_t>(rounded)) - precision, 1);
+    // 9.99996 becomes 10.0000, with one digit more in front.
+    const int before = std::max(leading + static_cast<int>(rounded >= powers_of_ten[digits]), 1);
     const std::uint64_t front = text >> 8 * (8 - precision - before);
     const std::uint64_t behind = text >> 8 * (8 - precision);
     std::memcpy(at, &front, 8);

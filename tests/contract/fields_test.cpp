@@ -176,6 +176,10 @@ TEST(Fields, AsHostsDescribeThem) {
     const auto air = [](std::uint32_t pgn, std::uint8_t source) {  // 1013250 of 0.1 Pa
         return message(pgn, {1, 0, source, 0x02, 0x76, 0x0F, 0x00, 0xFF});
     };
+    N2KMsg ended = message(127250, {1, 2, 3, 4, 5, 6, 7, 8, 0x34, 0x12});
+    ended.length = 8;
+    N2KMsg much = ended;
+    much.length = 400;
     // A pressure that the payload tells; a value behind its format, whatever entry it has.
     const HostEntry inside{dd::format_then_value, "", number->format, 0, 0};
     const HostEntry behind{192, "", entry(dd::value_behind_format)->format, 0, 0};
@@ -187,7 +191,14 @@ TEST(Fields, AsHostsDescribeThem) {
         {eight, number, 0, 0, {6, 0}, raw_count, L"L: 2055 ", {8, 0}},
         {eight, entry(142), 0, 11, {0, 3}, raw_count, L"L: 64 ", {1, 6}},  // 0x201 >> 3
         {eight, number, 0, 0, {7, 0}, raw_count, L"L: - ", {9, 0}},  // one byte is there
+        {ended, number, 0, 0, {8, 0}, raw_count, L"L: 4660 ", {10, 0}},  // wholly beyond: from the record
+        {eight, number, 0, 0, {1785, 0}, raw_count, L"L: 0 ", {1787, 0}},
+        {eight, entry(202), 0, 0, {1, 0}, raw_count, L"L: - ", {9, 0}},
         {eight, number, 2, 0, {3, 5}, raw_count, L"L: 0 ", {5, 5}},  // whole bytes that begin inside one
+        {eight, number, 2, 0, {6, 4}, raw_count, L"L: - ", {8, 4}},  // its last four bits are missing
+        // the size masks a number, modulo 256 bits
+        {eight, number, 1, 0, {0, 0}, raw_count, L"L: 1 ", {1, 0}}, {much, number, 31, 0, {0, 0}, raw_count, L"L: 513 ", {31, 0}},
+        {much, number, 32, 0, {0, 0}, raw_count, L"L: 0 ", {32, 0}}, {much, number, 33, 0, {0, 0}, raw_count, L"L: 1 ", {33, 0}},
         {eight, entry(142), 3, 8, {7, 0}, raw_count, L"L: 8 ", {8, 0}},  // of both sizes the bits say where it ends
         {mass, entry(313), 0, 0, {0, 0}, kg, L"L: - kg", {4, 0}},
         {mass, entry(313), 0, 0, {0, 0}, gram, L"L: 10000000 g", {4, 0}},

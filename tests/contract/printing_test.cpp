@@ -163,12 +163,6 @@ TEST(WideFormat, FlagsAreThoseOfTheRuntime) {
     const char* const bases = "oxX";
 #endif
     check(any, bases, std::vector{0u, 1u, 7u, 8u, 0xFEu, 0xFFFFFFFFu}, print);
-    // of values, which are shown as singles
-    check({"", "#", "+", "#0"}, "fe", std::vector{0.0, 12.25, -0.96875, 100.0, 0x1p100},
-          [](const std::wstring& format, double number) { return text_of(real(number), format.c_str()); });
-    check({"", "#"}, "xX", std::vector{0u, 7u, 255u}, [](const std::wstring& format, unsigned number) {
-        return text_of(whole(CV_U32, number), format.c_str());
-    });
 }
 
 }  // namespace

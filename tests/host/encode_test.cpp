@@ -8,43 +8,19 @@
 
 #include "encode/choices.h"
 #include "encode/definitions.h"
-#include "encode/message_builder.h"
 #include "encode/number_entry.h"
+#include "host/shown_fields.h"
 #include "output/unit_names.h"
-#include "text/hex.h"
 
 using namespace pgn_vistel::core;
 
 namespace vistel {
 namespace {
 
-ReadingContext& context() {
-    static ReadingContext with_default_units{Definitions::fixed, {}, {}};
-    return with_default_units;
-}
+using namespace test;
 
 ReadingContext& corrected() {
-    static ReadingContext with_default_units{Definitions::corrected, {}, {}};
-    return with_default_units;
-}
-
-std::string hex(const N2KMsg& msg) {
-    std::string text;
-    for (int i = 0; i < payload_length(msg); ++i) append_hex(text, msg.data[i], 2);
-    return text;
-}
-
-/// Every field of the message as decoding shows it, and the payload where it does so.
-std::vector<TypedField> shown_fields(N2KMsg msg) {
-    std::vector<TypedField> result;
-    MessageWalk walk(find_pgn_def(msg.pgn), msg);
-    while (walk.next()) {
-        const FieldCell cell(context(), msg, walk);
-        result.push_back({cell.label(), cell.shown(true)});
-        walk.position = cell.next();
-    }
-    if (walk.has_undecoded_rest()) result.push_back({"Data", hex(msg)});
-    return result;
+    return context(Definitions::corrected);
 }
 
 std::string lines_of(const std::vector<TypedField>& fields) {
@@ -272,17 +248,6 @@ N2KMsg random_message(const PgnDef& definition, std::uint32_t number, std::mt199
     return msg;
 }
 
-std::vector<TypedField> typed_fields(const PgnDef& definition, N2KMsg msg) {
-    std::vector<TypedField> result;
-    MessageWalk walk(&definition, msg);
-    while (walk.next()) {
-        const FieldCell cell(corrected(), msg, walk);
-        result.push_back(typed_field(cell));
-        walk.position = cell.next();
-    }
-    return result;
-}
-
 TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
     std::mt19937_64 random(13);
     int same = 0;
@@ -290,9 +255,10 @@ TEST(Encode, WhatCorrectedDefinitionsShowCanBeTyped) {
         constexpr std::uint32_t without_variants = 65500;
         const std::uint32_t number = definition.pgn != 0 ? definition.pgn : without_variants;
         for (int i = 0; i < (definition.pgn != 0 ? 3 : 1); ++i) {
-            const N2KMsg msg = random_message(definition, number, random);
+            N2KMsg msg = random_message(definition, number, random);
             if (find_definition(Definitions::corrected, msg) != &definition) continue;
-            const auto typed = typed_fields(definition, msg);
+            MessageWalk walk(&definition, msg);
+            const auto typed = typed_fields(walk, msg, Definitions::corrected, typed_field);
             BuiltMessage built = build_corrected(corrected(), number, definition, typed);
             if (!built)
                 ADD_FAILURE() << pgn_name(&definition) << ": " << joined(built.error().texts);

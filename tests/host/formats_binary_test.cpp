@@ -8,25 +8,11 @@
 
 #include "host/recording_contents.h"
 #include "readers/unpacker.h"
-#include "text/hex.h"
 
 namespace vistel {
 namespace {
 
 using namespace std::string_literals;
-
-std::string bytes(std::string_view digits) {
-    std::string text;
-    for (std::size_t i = 0; i < digits.size();) {
-        if (digits[i] == ' ') {
-            ++i;
-            continue;
-        }
-        text += static_cast<char>(hex_pair(&digits[i]));
-        i += 2;
-    }
-    return text;
-}
 
 std::string little(std::uint64_t value, int size) {
     std::string text;
@@ -47,7 +33,7 @@ std::string doubled(std::string_view text, char escape) {
 
 struct Case {
     std::string recording;
-    Lines shown, times = {}, buses = {};
+    Texts shown, times = {}, buses = {};
 };
 
 /// Reads each as what it is recognised as, or as `format` where it begins with a fault.
@@ -60,6 +46,11 @@ void expect(const std::vector<Case>& cases, const std::string& format, bool reco
             EXPECT_EQ(contents.shown, c.shown);
             EXPECT_EQ(contents.times, c.times.empty() ? contents.times : c.times);
             EXPECT_EQ(contents.buses, c.buses.empty() ? contents.buses : c.buses);
+            // Byte by byte these tell what belongs to no record, or is cut off, at another place.
+            const bool is_same = format != "actisense" && format != "ebl" && format != "pcapng";
+            const Contents drops = read_drops(c.recording, 1, format);
+            EXPECT_EQ(records_of(drops), records_of(contents));
+            EXPECT_EQ(drops.shown, is_same ? c.shown : drops.shown);
         }
 }
 
@@ -111,11 +102,11 @@ TEST(BinaryFormats, Actisense) {
           {shown_heading, "28: a record is cut off", shown_heading}},
          // clocks that wrap: 32 bits of milliseconds, 16 bits of one unit and of another
          {framed(heading_at("F0FFFFFF")) + framed(heading_at("10000000")) + framed(heading_at("FFFFFFFF")),
-          Lines(3, shown_heading),
+          Texts(3, shown_heading),
           {"4294967280000000 start", "4294967312000000 start", "0 none"}},
          {framed(bst("95 08 F0FF 2312F109 0102")) + framed(bst("95 08 0A00 2312F109 0102")) +
               framed(bst("95 08 0A00 2312F129 0102")) + framed(bst("95 08 1400 2312F1A9 0102")),
-          Lines(4, shown_frame),
+          Texts(4, shown_frame),
           {"65520000000 start", "65546000000 start", "65547000000 start", "65548000000 start"}}},
         "actisense");
     expect({{"no record at all", {"0: 16 bytes belong to no record"}}}, "actisense", false);
@@ -205,12 +196,12 @@ TEST(BinaryFormats, Pcap) {
     expect(
         {{pcap(little, micro, 227, {can, can.substr(0, 10)}),
           {shown_frame, shown_frame},
-          Lines(2, second + "000005000" + at_second)},
+          Texts(2, second + "000005000" + at_second)},
          {pcap(big, nano, 227, {can}), {shown_frame}, {second + "000000005" + at_second}},
          {pcap(little, micro, 113, {cooked(host_order(can)), cooked(can, 1), cooked(can, 280, 13)}),
           {shown_frame, "2 foreign"}},
          {pcap(big, micro, 276, {cooked2(7, can), cooked2(9, can), cooked2(7, can)}),
-          Lines(3, shown_frame),
+          Texts(3, shown_frame),
           {},
           {"0", "1", "0"}},
          // standard, remote, error, CAN FD, CAN XL
@@ -218,9 +209,10 @@ TEST(BinaryFormats, Pcap) {
                {frame("00000123", "0800"), frame("C9F11223", "0800"), frame("A0000004", "0800"),
                 frame("89F11223", "0804"), frame("89F11223", "8800")}),
           {"5 foreign"}},
-         {pcap(little, micro, 227, {can.substr(0, 9), can.substr(0, 7), frame("89F11223", "0900"), can}),
+         {pcap(little, micro, 227,
+               {can.substr(0, 9), can.substr(0, 7), frame("89F11223", "0900") + "9", can}),
           {"24: a frame says that it has 2 bytes; there are 1", "49: a packet of 7 bytes holds no frame",
-           "72: a frame says that it has 9 bytes; there are 8", shown_frame}},
+           "72: a frame says that it has 9 bytes; there are 9", shown_frame}},
          {pcap(little, micro, 113, {cooked("").substr(0, 15)}), {"24: a packet of 15 bytes holds no frame"}},
          {pcap(little, micro, 227, {can, can}).substr(0, 80),
           {shown_frame, "56: the last record is cut off"}},
@@ -275,7 +267,7 @@ TEST(BinaryFormats, Pcapng) {
          {start + interface(little, 227, fine) + interface(little, 227, binary) +
               packet(little, 1, 5'000'000'007'000) + packet(little, 2, 3 << 19) + section(big) +
               interface(big, 227, finest) + packet(big, 0, 3ull << 39),
-          Lines(3, shown_frame),
+          Texts(3, shown_frame),
           {"5000000007 start", "1777887001"s + "500000000 epoch", "1777887001"s + "500000000 epoch"},
           {"1", "2", "0"}},
          {start + block(little, 3, little(16, 4) + can) +
@@ -324,12 +316,13 @@ TEST(BinaryFormats, Sentences) {
         {{"$PDGY,000000,3,,5,482,1,0\r\n" + heading_sentence + "\r\n" + heading_sentence +
               "$PDGY,ACK,N2NET_INIT\r\n",
           {shown, shown, "2 foreign"},
-          Lines(2, "345012000000 start")},
+          Texts(2, "345012000000 start")},
          {heading_sentence + "*22\n" + heading_sentence + "*74\n!PDGY,59904,35,FPAB\n",
           {"1: the checksum of a sentence is wrong", shown, "M 6 59904 254 35 14F001"}},
          {"!PDGY,127250,2,35,255,999999,AQI=\n!PDGY,127250,2,35,255,1.5,AQI=\n",
           {shown, shown},
           {"999999000000 start", "1001005000000 start"}},
+         {"# $PDGY,1, and more\n!PDGY,127250,2,35,255,1.250,ATkw\n", {"M 2 127250 35 255 013930"}},
          // torn ones
          {heading_sentence + "\n\n$PD" + heading_sentence + "\n,o" + heading_sentence +
               "\n!PDGY,127250,2,35,255,345.12,AQID$PDGY,000000,3,,5,482,1,0\n$PDGY,12725" + heading_sentence,
@@ -346,10 +339,10 @@ TEST(BinaryFormats, Sentences) {
     const std::string pcdin = "$PCDIN,01F112,0000000A,23,0102*56", shown_pcdin = "M 6 127250 35 255 0102";
     expect({{"$GPGLL,5907.4074,N*00\r\n# comment\r\n" + pcdin + pcdin + "$GPDPT,2.4,-0.0*7C\n\\s:x,c:1*11\\" +
                  pcdin,
-             Lines{shown_pcdin, shown_pcdin, shown_pcdin, "2 foreign"}, Lines(3, "10000000 start")},
+             Texts{shown_pcdin, shown_pcdin, shown_pcdin, "2 foreign"}, Texts(3, "10000000 start")},
             {"$PCDIN,00EA05,089C77D!,23,14*42\n", {"M 6 59904 35 255 14"}, {"144472016000000 start"}},
             {"$PCDIN,01F112,FFFFFFFF,23,*24\n$PCDIN,01F112,00000001,23,*25\n",
-             Lines(2, "M 6 127250 35 255 "),
+             Texts(2, "M 6 127250 35 255 "),
              {"4294967295000000 start", "4294967297000000 start"}},
             {pcdin + "\n$PCDIN,01F112,0000000A,23,0102\n$PCDIN,01F112,0000000A,23,0103*56\n$PCDIN,01F112,"
                      "0000000A,23,01*5\n\\s:torn\n$PCDIN,1F112,0A,2,0102*00",
@@ -362,7 +355,7 @@ TEST(BinaryFormats, Sentences) {
              "01F112,,0201*16\n",
              {"F 2 127250 35 255 0102", "F 6 59904 3 35 14F001", "F 6 59904 254 35 14F001",
               "F 7 127250 254 255 0102"},
-             Lines(4, "0 none")},
+             Texts(4, "0 none")},
             {"$MXPGN,01F112,2323,0201*16\n$MXPGN,01F112,2223,020*26\n$MXPGN,040000,2223,0201*66\n",
              {"1: 3 bytes announced, 2 given", "2: byte 2 `0` is not hexadecimal",
               "3: PGN 262144 is above 262143"}}},
@@ -402,7 +395,7 @@ TEST(BinaryFormats, Blf) {
     std::string both = classical + "\0\0\0"s + object(5, std::string(9000, 'x')) + fd;
     expect(
         {{file + stored(classical + "\0"s + fd + fd64),
-          Lines(3, shown_frame),
+          Texts(3, shown_frame),
           {ns, second + "050000000 epoch", ns},
           {"1", "0", "2"}},
          {no_date + classical, {shown_frame}, {"5000 start"}},
@@ -450,8 +443,8 @@ TEST(BinaryFormats, Ydvr) {
     const std::string as_fast = record(12, 0x09F11223, bytes("00 0B 0102030405060708090A0B")),
                       as_single = record(13, 0x0DF80503, bytes("A0 FF 030405060708"));
     const std::string good = single + request + fast, start = itself + good + good;
-    const Lines first = {shown_single, shown_request, shown_fast, shown_single, shown_request, shown_fast};
-    const auto with = [&](Lines lines) {
+    const Texts first = {shown_single, shown_request, shown_fast, shown_single, shown_request, shown_fast};
+    const auto with = [&](Texts lines) {
         lines.insert(lines.begin(), first.begin(), first.end());
         return lines.push_back("1 foreign"), lines;
     };
@@ -467,6 +460,9 @@ TEST(BinaryFormats, Ydvr) {
           with({place + "here the records are lost, as what follows cannot be any", shown_single,
                 shown_request, shown_fast, shown_single, shown_request, shown_fast})},
          {start + single + std::string(30, '\xF0'),
+          with({place + "here the records are lost, as what follows cannot be any"})},
+         // too few records behind the place where they were lost
+         {start + single + std::string(30, '\xF0') + single + request + std::string(30, '\x98'),
           with({place + "here the records are lost, as what follows cannot be any"})},
          {start + single.substr(0, 11), with({place + "the last record is cut off"})},
          {start + single.substr(0, 5), with({place + "the last record is cut off"})}},

@@ -4,7 +4,7 @@
 
 #include "host/recording_contents.h"
 #include "pgn_vistel/core/decode.h"
-#include "pgn_vistel/core/render.h"
+#include "support/shown.h"
 
 namespace vistel {
 namespace {
@@ -29,7 +29,7 @@ TEST(TextFormats, ReadTheirRecordings) {
         "Chn Identifier Flg   DLC  D0...1...2...3...4...5...6..D7       Time     Dir\n";
     const std::string garmin = "Sequence #,Timestamp,PGN,Name,...\n";
     const std::string message = "M 2 127250 35 255 01393000";
-    const std::tuple<std::string, std::string, Lines, Lines> cases[] = {
+    const std::tuple<std::string, std::string, Texts, Texts> cases[] = {
         // format, recording, what is read, the times
         // clang-format off
         {"airmar", "09:30:00.25 - 127250 09F11223 01 39,30, 00\nx - 1 09F11223 01 39 30 00\n"
@@ -67,10 +67,10 @@ TEST(TextFormats, ReadTheirRecordings) {
         {"busmaster", busmaster + "***DEC***\n***ABSOLUTE MODE***\n00:00:00:2500 Rx 1 166793763 x 4 1 57 48 0\n***RELATIVE MODE***\n00:00:00:1000 Rx 1 166793763 x 0",
          {heading, "F 2 127250 35 255 "}, {epoch(500), epoch(600)}},
         {"busmaster", busmaster + "***PROTOCOL J1939***\n09:30:00:2500 1 0x09F11223 0x1F112 DATA 23 FF 2 Rx 4 01 39 30 00", {heading}, {epoch(250)}},
-        {"savvycan", savvy + "1777887000250000,09F11223,true,Rx,0,4,01,39,30,00,00,00,00,00,\n250000,9F11223,false,Rx,1,4,01,39,30,00,\n12,123,false,Rx,0,1,00,\n"
+        {"savvycan", savvy + "1777887000250000,09F11223,true,Rx,0,4,01,39,30,00,00,00,00,00,\n25000,9F11223,false,Rx,1,4,01,39,30,00,\n12,123,false,Rx,0,1,00,\n"
                      "12,09F11223,true,Rx,0,2,00,\nx,1,true\nTime Stamp,ID,Extended,Bus,LEN,D1\n12,09F11223,true,0,0,\nID,Data Bytes\n9F11223,01 39 30 00\n",
          {heading, heading, "5: byte 2 `` is not hexadecimal", "6: time `x` is not a number of microseconds", "F 2 127250 35 255 ", heading, "1 foreign"},
-         {epoch(250), "250000000 start", "0 none", "0 none"}},
+         {epoch(250), "25000000 start", "0 none", "0 none"}},
         {"python-can", python + "1777887000.250000,0x9f11223,1,0,0,4,ATkwAA==\n1,0x18eaff23,1,1,0,3,\n1,0x9f11223,1,0,1,0,\n1,0x123,0,0,0,0,\n1,0x9f11223,1,0,0,3,ATkwAA==\n1,0x99f11223,1,0,0,0,\n",
          {heading, "6: data `ATkwAA==` are not 3 bytes in base64", "7: identifier `0x99f11223` is no number of 29 bits", "3 foreign"}, {epoch(250)}},
         {"kvaser", kvaser + " 0    09F11223 X       4  01  39  30  00                       0.250000 R\n 0    18EAFF23 XR      3                0.25 R\n 0  123  1 00 0.1 R\n"
@@ -109,23 +109,12 @@ TEST(TextFormats, ReadTheirRecordings) {
         }
 }
 
-std::string json_of(const N2KMsg& msg, pgn_vistel::core::Definitions set) {
-    pgn_vistel::core::JsonRenderer json(pgn_vistel::core::UnitSelection::si());
-    json.start(msg, find_definition(set, msg), {});
-    std::string text;
-    std::vector<char> area(4 * pgn_vistel::core::piece_room);
-    do {
-        text.append(area.data(), json.write(area.data(), area.data() + area.size()));
-    } while (!json.is_done());
-    return text;
-}
-
 /// What was decoded packs to the same bytes. Of a few messages that end within a field that is told.
 TEST(TextFormats, PackWhatWasDecoded) {
     constexpr auto set = pgn_vistel::core::Definitions::corrected;
     std::mt19937 random(1);
     std::string text;
-    Lines expected;
+    Texts expected;
     for (std::uint32_t i = 0; i < 4 * 131072; ++i) {
         Record record;
         N2KMsg& msg = record.msg;
@@ -135,10 +124,10 @@ TEST(TextFormats, PackWhatWasDecoded) {
             msg.data[k] = static_cast<std::uint8_t>(random() % 3 * (random() & 0xFF));
         const auto* definition = find_definition(set, msg);
         if (definition == nullptr || (definition->pgn == 0 && i % 64 != 0)) continue;
-        text += json_of(msg, set);
+        text += pgn_vistel::test::json_of(msg, set, pgn_vistel::core::UnitSelection::si());
         expected.push_back(show(record));
     }
-    const Lines shown = read(text, "vistel-json").shown;
+    const Texts shown = read(text, "vistel-json").shown;
     ASSERT_EQ(shown.size(), expected.size());
     std::size_t told = 0;
     for (std::size_t i = 0; i < shown.size(); ++i) {

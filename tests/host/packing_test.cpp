@@ -74,9 +74,9 @@ TEST(AnalyzerJson, Shapes) {
         read(message(129025, fields) + "\n" + R"({"positionRapidUpdate":)" + message(129025, fields) +
              "}\n{ \"pgn\": 129025, \"fields\": {" + fields + "}}\n");
     EXPECT_EQ(found.format, "canboat-json");
-    EXPECT_EQ(found.shown, (Lines{"M 3 129025 35 255 " + payload, "M 3 129025 35 255 " + payload,
+    EXPECT_EQ(found.shown, (Texts{"M 3 129025 35 255 " + payload, "M 3 129025 35 255 " + payload,
                                   "M 6 129025 254 255 " + payload}));
-    EXPECT_EQ(found.times, (Lines{"1777887000250000000 epoch", "1777887000250000000 epoch", "0 none"}));
+    EXPECT_EQ(found.times, (Texts{"1777887000250000000 epoch", "1777887000250000000 epoch", "0 none"}));
 }
 
 TEST(AnalyzerJson, WhatCannotBePackedIsAProblem) {

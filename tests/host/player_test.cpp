@@ -95,6 +95,12 @@ TEST(Player, FollowsAClockThatWasPutBack) {
     EXPECT_EQ(played.after(0ms).size(), 1 + Player::most_early);
     EXPECT_EQ(played.player.until_due(), 1s);
     EXPECT_EQ(played.after(1000ms), Bytes{17});
+
+    text.clear();
+    for (unsigned i = 0; i < Player::most_early; ++i) text += line("01:00:00", 1) + line("00:00:01", 2);
+    Played mixed(text + line("01:00:01", 3), 1);
+    EXPECT_EQ(mixed.after(0ms).size(), 2 * Player::most_early);
+    EXPECT_EQ(mixed.player.until_due(), 1s) << "two clocks: the later one is the recording's";
 }
 
 TEST(Player, PlaysSeveralOneAfterTheOther) {
@@ -116,6 +122,10 @@ TEST(Player, PlaysSeveralOneAfterTheOther) {
     EXPECT_EQ(several.bus_count(), 2u);
     EXPECT_EQ(several.bus_label(1), "can1");
     EXPECT_FALSE(several.is_unreadable());
+    Player twice(test::playing({first.name(), first.name()}, 0));
+    ASSERT_TRUE(twice.open());
+    while (!twice.ended()) twice.advance(played);
+    EXPECT_EQ(twice.counters().steps_back, 0u) << "each has its own time";
 
     for (const auto& [name, reason] :
          {std::pair(none.name(), ": the format is none of "), {std::string("/none.log"), ": No such file"}}) {
@@ -141,6 +151,9 @@ TEST(Player, BeginsAgainAndGoesToAPlace) {
     EXPECT_FALSE(looped.player.ended());
     EXPECT_EQ(looped.player.counters().problems, 2u);
     EXPECT_EQ(looped.player.first_problem().find(looped.file.name() + ":3: "), 0u);
+    looped.player.seek(0.9, looped);
+    for (int i = 0; i < 3; ++i) looped.after(1000ms);
+    EXPECT_FALSE(looped.player.ended()) << "rounds go on after a leap";
     Played nothing("", 0, true);
     nothing.after(0ms);
     EXPECT_TRUE(nothing.player.ended()) << "or it would open the file for ever";

@@ -96,6 +96,11 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(first["fields"][1], {"number": 2, "key": "heading_sensor_reading", "label": "Heading Sensor Reading",
                                               "value": 1, "unit": "rad", "text": None, "raw": "1027"})
         self.assertEqual(second["time"], 1.25)
+        # A clock that is put back, and a count of satellites that is not available.
+        satellites = "2026-09-10T08:00:{},6,129540,9,255,15,01,ff,{},02,01,00,00,00,00,10,00,00,00,00,f2\n"
+        text = vistel("decode", stdin=satellites.format("05.25Z", "ff") + satellites.format("03Z", "01")).stdout
+        self.assertEqual(text.count(" #1: "), 7)
+        self.assertIn(" #1: ", text[text.index("\n-2.25 "):])
 
     def test_forms_agree(self):
         """Any payloads: JSON and CSV have the same, and what the text shows."""
@@ -239,6 +244,7 @@ class ProgramTest(unittest.TestCase):
             for text, arguments, shown in cases:
                 self.assertIn(shown, run(text, "decode", "log", *arguments).stdout, arguments)
             self.assertIn("54.681 ftm", run(usual, "decode", "boat").stdout)
+            self.assertIn("vistel: none://x: ", run("source out = none://x", "replay", "log", "--to", "out").stderr)
             for text, told in [("units = royal", ":1: no set of units 'royal'"), ("\nunit Deep = m", ":2: no quantity 'Deep'"),
                                ("colour = red", ":1: 'colour' is no setting"), ("units", ":1: 'units' is not of the form")]:
                 result = run(text, "decode", "log")
@@ -268,6 +274,7 @@ class ProgramTest(unittest.TestCase):
                 (["none"], 2, "vistel: no command 'none'"), ([], 2, "vistel: "), (["decode", "--none"], 2, "vistel: "),
                 (["decode", ""], 2, "vistel: "), (["monitor", "--none"], 2, "vistel: "),
                 (["encode", "127250", "--source", "300"], 2, "vistel: "),
+                (["replay", str(path), "--to", "udp://127.0.0.1:9", "--speed", "0"], 2, "neither a positive number nor max"),
             ]
             for arguments, status, message in cases:
                 result = vistel(*arguments)
@@ -299,8 +306,10 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual(quiet.stderr.replace(folder + "/", "").splitlines(), told[-2:])
             self.assertEqual((quiet.stdout, quiet.returncode), (result.stdout, 1))
             unframed = ",6,59905,7,35,9,1,2,3,4,5,6,7,8,9\n" * 8
-            told = vistel("convert", "--to", "candump", stdin="# format=FAST\n" + unframed).stderr.splitlines()
+            result = vistel("convert", "--to", "candump", stdin="# format=FAST\n" + unframed)
+            told = result.stderr.splitlines()
             self.assertEqual((len(told), told[5]), (7, "vistel: 3 more like PGN 59905 from source 7"), told)
+            self.assertEqual(result.returncode, 1)
         self.assertIn("No such file", vistel("decode", "-q", "/none").stderr)
 
     def test_encoding_is_decoded_again(self):
@@ -349,6 +358,7 @@ class ProgramTest(unittest.TestCase):
             names = json_values([str(first)], "pgn") + json_values([str(second)], "pgn")
             for form in re.search(r"--to TEXT:{(.*?)}", vistel("convert", "--help").stdout)[1].split(","):
                 written = str(Path(folder, form))
+                Path(written).write_text("what stood there before\n" * 1000)
                 result = vistel("convert", str(first), str(second), "--to", form, "-o", written)
                 self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""), form)
                 self.assertEqual(json_values([written], "pgn"), names)
@@ -439,7 +449,7 @@ class ProgramTest(unittest.TestCase):
     def test_devices(self):
         """The three forms of one table say the same."""
         product = bytes((0x34, 8, 0x15, 0x2A)) + b"".join(
-            text.ljust(32, b"\xff") for text in (b'Sounder "B", new', b"1.02", b"2", b"77")) + b"\1\2"
+            text.ljust(32, b"\xff") for text in (b'Sounder "B", new', b"1.02", b"2", b'"77"')) + b"\1\2"
         recording = ("# format=FAST\n" + HEADING + CLAIM + f"2026-09-10T08:00:02.25Z,6,126996,35,255,134,{product.hex(',')}\n")
         text, objects, rows, by_pgn = (vistel("devices", *form, stdin=recording).stdout
                                        for form in ([], ["--json"], ["--csv"], ["--csv", "--pgns"]))
@@ -478,7 +488,10 @@ class ProgramTest(unittest.TestCase):
         contents = {"a": frame("can0", 1, 1) + frame("can1", 2, 3), "b": frame("can1", 3, 2) + frame("can0", 4, 2.5),
                     "day": frame("vcan0", 5, 9, "08:00:"), "later": frame("vcan0", 6, 9.5, "08:00:"), "empty": "",
                     "clockless": "can0 09F11209#05102700FF7FFF7F\n", "bad": "can0 09F11207#0\n" + frame("can0", 7, 5), "early": frame("can0", 8, 0),
-                    "head": f"can0 19F01423#{first}\n", "tail": f"can0 19F01423#{later}\n"}
+                    "head": f"can0 19F01423#{first}\n", "tail": f"can0 19F01423#{later}\n", "foreign": frame("can0", 9, 1) + "(1.0) can0 123#00\n",
+                    "busless": "2017-07-14T02:40:05.000Z,2,127250,7,255,8,05,10,27,ff,7f,ff,7f,fd\n" * 3,
+                    "jump": frame("vcan0", 5, 9, "08:00:") + frame("vcan0", 7, 1) + frame("vcan0", 5, 9.2, "08:00:"),
+                    "asc": "date Thu Sep 10 08:00:00.000 2026\nbase hex  timestamps absolute\n0.1 1 9F11207x Rx d 8 05 10 27 FF 7F FF 7F FD\n"}
         # Source, time and bus of each message; status; what is told.
         cases = [
             (["a", "b"], "1 0, 2 2 can1, 3 1 can1, 4 1.5 can0", 0, ""),
@@ -489,6 +502,9 @@ class ProgramTest(unittest.TestCase):
             (["head", "tail"], "", 1, "incomplete: 1\n.*no message: 1\n"), (["none", "none"], "", 2, "none: No such.*\n.*No such"),
             (["--merge", "b", "empty", "a"], "1 0, 3 1 b:can1, 4 1.5 b:can0, 2 2 a:can1", 0, ""),
             (["--merge", "later", "day"], "5 0, 6 0.5 later:vcan0", 0, ""), (["--merge", "head"], "", 1, "incomplete: 1"),
+            (["--merge", "jump", "later"], "5 0, 7 0, 5 0.2, 6 0.5 later:vcan0", 0, ""), (["--merge", "asc", "asc"], "7 0, 7 0 asc:1", 0, ""),
+            (["--merge", "bad", "early"], "8 0, 7 5 bad:can0", 1, "/bad:1: "),
+            (["a", "busless"], "1 0, 2 2 can1, 7 4 0, 7 4 0, 7 4 0", 0, ""),
             (["--merge", "a", "none", "early"], "8 0, 1 1 a:can0, 2 3 a:can1", 2, "none: No such file"),
             (["--merge", "a", "day"], "", 2, "day: cannot be merged by time: it has times of day, .*a dates and times\n"),
             (["--merge", "empty", "head", "a"], "", 2, "head: cannot be merged by time: it has no times\n"),
@@ -506,6 +522,9 @@ class ProgramTest(unittest.TestCase):
                 self.assertRegex(result.stderr, f"(?s){told}" if told else "^$", given)
                 if not shown and status == 2:
                     self.assertEqual(vistel("decode", "--csv", *arguments).stdout, "", given)
+            result = vistel("decode", "--stats", *(os.path.join(folder, name) for name in ("foreign", "a", "asc", "foreign")))
+            self.assertIn("\nother than NMEA 2000: 2\n", result.stderr)
+            self.assertIn("format: candump, vector-asc\n", result.stderr)
             both = [os.path.join(folder, name) for name in "ab"]
             log = contents["a"].replace(".0)", ".000000)").replace("can1", "nmea")
             kept = vistel("convert", "--to", "candump", stdin=log)
@@ -596,18 +615,21 @@ class ProgramTest(unittest.TestCase):
         with socket.create_server(("127.0.0.1", 0)) as server:
             server.settimeout(30)
             name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
-            with subprocess.Popen([*PROGRAM, "decode", "--json", name], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                  encoding="utf-8") as process:
-                for _ in range(2):
+            with subprocess.Popen([*PROGRAM, "decode", "--json", "--timeout", "0.5", name], stdout=subprocess.PIPE,
+                                  stderr=subprocess.PIPE, encoding="utf-8") as process:
+                for is_silent in (False, True, False):
                     gateway, _ = server.accept()
                     with gateway:
                         gateway.sendall(line)
                         self.assertEqual(json.loads(process.stdout.readline())["pgn"], 129025)
+                        if is_silent:
+                            self.assertEqual(select.select([server], [], [], 0.3)[0], [], "is waited for")
+                            self.assertEqual(select.select([server], [], [], 30)[0], [server])
                 process.send_signal(TERMINATION)
                 self.assertEqual(process.wait(timeout=30), 0)
                 told = process.stderr.read()
         self.assertIn(f"vistel: {name}: connection lost: closed by the other side; trying again\n", told)
-        self.assertIn("\nmessages: 2\n", told)
+        self.assertIn("\nmessages: 3\n", told)
         result = vistel("decode", name)  # nobody listens
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn(f"vistel: {name}: ", result.stderr)
@@ -643,6 +665,12 @@ class ProgramTest(unittest.TestCase):
                     process.send_signal(signal.SIGINT)
                     self.assertEqual(process.wait(timeout=30), 0)
             shown = [json.loads(each) for each in vistel("decode", "--json", str(file)).stdout.splitlines()]
+            if os.path.exists("/dev/full"):
+                with subprocess.Popen([*PROGRAM, "record", name, "/dev/full"], stderr=subprocess.PIPE) as process:
+                    server.accept()[0].close()
+                    process.send_signal(TERMINATION)
+                    self.assertIn(b"No space left", process.communicate(timeout=30)[1])
+                self.assertEqual(process.returncode, 2)
         self.assertEqual([each["pgn"] for each in shown], [129025] * 3)
         self.assertLess(abs(datetime.fromisoformat(shown[0]["absolute"]).timestamp() - time.time()), 60)
         self.assertEqual(vistel("record", "none.log", "-").returncode, 2)
@@ -686,9 +714,11 @@ class ProgramTest(unittest.TestCase):
             peer.settimeout(30)
             peer.bind(("127.0.0.1", 0))
             recording = Path(folder, "one.log")
-            recording.write_text(HEADING)
+            recording.write_text(HEADING + "nothing\n")
             to = f"udp://127.0.0.1:{peer.getsockname()[1]}"
-            self.assertEqual(vistel("replay", str(recording), "--to", to).returncode, 0)
+            result = vistel("replay", str(recording), str(recording), "--speed", "max", "--to", to)
+            self.assertEqual(result.returncode, 0)
+            self.assertIn("problems in the recordings: 2\n", result.stderr)
             datagram = peer.recv(2000)
             with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as unused:
                 unused.bind(("127.0.0.1", 0))

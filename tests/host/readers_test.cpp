@@ -68,7 +68,7 @@ TEST(Readers, ReadEachShapeOfLine) {
         for (const auto& [line, expected] : cases) {
             const bool is_problem = !expected.starts_with("F ") && !expected.starts_with("M ") &&
                                     expected != "1 foreign" && expected != "2 dropped";
-            const Lines shown = expected.empty() ? Lines{} : Lines{(is_problem ? "1: " : "") + expected};
+            const Texts shown = expected.empty() ? Texts{} : Texts{(is_problem ? "1: " : "") + expected};
             EXPECT_EQ(read(line, format).shown, shown) << line;
         }
 }
@@ -104,7 +104,7 @@ TEST(Readers, ReadTimestamps) {
             read(frame ? text : text + ",2,127250,7,255,1,ff", frame ? "candump" : "plain");
         const std::string wrong = "1: timestamp `" + text + "`: " + expected;
         EXPECT_EQ(contents.times.empty() ? contents.shown : contents.times,
-                  Lines{contents.times.empty() ? wrong : expected});
+                  Texts{contents.times.empty() ? wrong : expected});
     }
 }
 
@@ -115,7 +115,7 @@ TEST(Readers, TimesOfDayRiseOverMidnight) {
         {"20:00:00", 158'400}, {"10:00:00", 208'800}, {"01:00:00", 262'800},  // the next trip
     };
     std::string text;
-    Lines expected;
+    Texts expected;
     for (const auto& [clock, seconds] : cases) {
         text += clock + " R 09F8017F 50\n"s;
         expected.push_back(std::to_string(seconds) + "000000000 day");
@@ -132,7 +132,7 @@ TEST(Readers, ReadRecordings) {
     const std::string too_long = "the line is longer than 131072 bytes";
     const std::string unknown = "0: the format is none of " + format_names();
     // The second is the format that is recognised, or else an option when it begins with "=".
-    const std::tuple<std::string, std::string, Lines> cases[] = {
+    const std::tuple<std::string, std::string, Texts> cases[] = {
         // clang-format off
         {"# " + good + "\n12:00:00" + plain, "plain", {shown}}, {mark + plain, "plain", {shown}},
         {"# " + good + "\n\n \t\r\n" + good + "\r\n", "candump", {shown}},
@@ -180,11 +180,11 @@ TEST(Readers, TimesOfCandumpMayCountFromTheLineBefore) {
     std::string many = rising;
     for (int i = 0; i < 28; ++i) many += text({"001.000000"});
     for (const From from : {From::file, From::pipe}) {
-        const Lines since_start{"0 start", "500000000 start", "500000000 start", "1000000000 start"};
+        const Texts since_start{"0 start", "500000000 start", "500000000 start", "1000000000 start"};
         EXPECT_EQ(read(rising, "", from).times, since_start);
-        const Lines since_last{"0 start", "500000000 start", "1000000000 start", "2000000000 start"};
-        const Lines& times = read(rising + text({"000.250000"}), "", from).times;
-        EXPECT_EQ(Lines(times.begin(), times.begin() + 4), since_last);
+        const Texts since_last{"0 start", "500000000 start", "1000000000 start", "2000000000 start"};
+        const Texts& times = read(rising + text({"000.250000"}), "", from).times;
+        EXPECT_EQ(Texts(times.begin(), times.begin() + 4), since_last);
         EXPECT_EQ(times[4], "2250000000 start");
         EXPECT_EQ(read(many + text({"000.250000"}), "", from).times.back(), "250000000 start") << "too late";
         EXPECT_EQ(read(text({"001.000000", "000.250000"}), "", from).times.back(), "250000000 start");
@@ -263,11 +263,11 @@ std::string mutated(std::string line, std::mt19937& random) {
     return line;
 }
 
-/// Lines of the usual shapes are read in a way of their own, which must not be seen. The same lines with
+/// Texts of the usual shapes are read in a way of their own, which must not be seen. The same lines with
 /// blanks behind them are none.
 TEST(Readers, ReadUsualLinesAsAllOthers) {
     // clang-format off
-    const std::tuple<const char*, const char*, Lines> cases[] = {
+    const std::tuple<const char*, const char*, Texts> cases[] = {
         {"plain", "2016-02-28T19:57:00Z,2,127250,7,255,0\n",
          {"2016-02-28T19:57:02.364Z,2,127250,7,255,8,ff,10,3B,ff,7f,ce,F5,fc",
           "2016-02-28T19:57:60.999,7,262143,255,0,0,", "2016-02-28T19:57:59.000Z,0,59904,0,14,3,14,f0,01",
@@ -300,7 +300,7 @@ TEST(Readers, ReadUsualLinesAsAllOthers) {
 
 TEST(Readers, ReadMoreThanTheirBufferHolds) {
     std::string text = "# format=FAST\n";
-    Lines expected;
+    Texts expected;
     for (unsigned i = 0; text.size() < 5'000'000; ++i) {
         const unsigned length = i * 7 % 60;
         text += ",6," + std::to_string(i) + ",1,255," + std::to_string(length);
@@ -356,9 +356,9 @@ TEST(Readers, ReportWhatCannotBeRead) {
     // A peer that leaves with unread data resets the connection.
     const std::string reset = "cannot read on: Connection reset by peer", frame = "can0 09F8017F#50";
     for (const auto& [text, expected] :
-         {std::pair{frame + "\n" + frame, Lines{"F 2 129025 127 255 50", "2: " + reset}},
-          {frame, Lines{"1: " + reset}},
-          {"", Lines{"1: " + reset}}}) {
+         {std::pair{frame + "\n" + frame, Texts{"F 2 129025 127 255 50", "2: " + reset}},
+          {frame, Texts{"1: " + reset}},
+          {"", Texts{"1: " + reset}}}) {
         int ends[2];
         ASSERT_EQ(0, ::socketpair(AF_UNIX, SOCK_STREAM, 0, ends));
         write_all(ends[0], "x");

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -186,6 +185,10 @@ struct Cast {
         const ReassemblyCounters& c = reassembler.counters();
         EXPECT_EQ(c.messages, messages);
         EXPECT_EQ(pieces_emitted, pieces_put);
+        std::uint64_t of_devices = 0;
+        for (const Losses::Entry& entry : reassembler.losses().entries())
+            of_devices += entry.orphans + entry.repeated;
+        EXPECT_EQ(of_devices, c.orphan_frames + c.repeated_frames);
         for (const std::uint64_t count :
              {c.incomplete_fast_packets + c.incomplete_transports, c.orphan_frames, c.repeated_frames})
             delivered += " " + std::to_string(count);
@@ -300,165 +303,6 @@ TEST(Reassembly, AbandonsTheOldestWhenTooManyAreOpen) {
             frame({60416, 7, static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(254 + i / 256)},
                   announcement(32, 7, 1, 65240)));
     EXPECT_EQ(reassembler.counters().incomplete_transports, incomplete + 44);
-}
-
-/// Payload that no other message has anywhere.
-Bytes numbered(std::size_t length, unsigned number) {
-    std::minstd_rand random(number + 1);
-    Bytes bytes(length);
-    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random() >> 8);
-    return bytes;
-}
-
-/// What goes wrong with a recording, in thousandths of its frames.
-struct Faults {
-    unsigned lost, repeated, late;
-    unsigned stalls;  ///< nothing is recorded for a while, and then all that has come meanwhile
-    unsigned jumps;   ///< the clock is set, to anywhere
-    unsigned gaps;    ///< nothing is recorded for a while: whole turns of the sequences are missing
-};
-
-/// A recording of devices, each with some messages of its own in turn, and what became of them.
-class Simulation {
-  public:
-    Simulation(unsigned seed, const Faults& faults) : random_(seed), faults_(faults) {
-        send();
-        for (auto late = line_.begin(); line_.end() - late > 4; ++late) {
-            if (!chance(faults.late)) continue;
-            const auto overtaken = static_cast<std::ptrdiff_t>(1 + below(3));
-            std::rotate(late, late + 1, late + 1 + overtaken);
-            late += overtaken;
-        }
-        record();
-    }
-
-    /// The number of messages that were never sent.
-    unsigned check() {
-        std::map<std::string, unsigned> numbers;
-        for (unsigned i = 0; i < sent_.size(); ++i)
-            numbers[bytes_of(frame(sent_[i].header, sent_[i].bytes).msg)] = i;
-        std::vector<unsigned> delivered(sent_.size());
-        unsigned wrong = 0;
-        Reassembler reassembler([&](const N2KMsg& msg, const RecordTime&) {
-            if (msg.pgn == 127250) return;
-            const auto known = numbers.find(bytes_of(msg));
-            if (known == numbers.end())
-                ++wrong;
-            else
-                ++delivered[known->second];
-        });
-        for (const Record& next : recorded_) reassembler.put(next);
-        reassembler.finish();
-        unsigned refused = 0, begun = 0;
-        for (unsigned i = 0; i < sent_.size(); ++i) {
-            EXPECT_LE(delivered[i], 1u);
-            refused += sent_[i].missing == 0 && delivered[i] == 0;
-            begun += sent_[i].missing < sent_[i].frames && delivered[i] == 0;
-        }
-        const ReassemblyCounters& c = reassembler.counters();
-        EXPECT_LE(begun, c.incomplete_fast_packets + c.orphan_frames);
-        const bool pauses = faults_.stalls + faults_.jumps + faults_.gaps > 0;
-        const bool losses = faults_.lost + faults_.gaps > 0;
-        if (!pauses || !losses) {
-            EXPECT_EQ(refused, 0u);
-        }
-        if (!losses) {
-            EXPECT_EQ(c.incomplete_fast_packets + c.orphan_frames, 0u);
-            EXPECT_EQ(c.repeated_frames, repeated_);
-        }
-        std::uint64_t counted = 0;
-        for (const Losses::Entry& entry : reassembler.losses().entries())
-            counted += entry.orphans + entry.repeated;
-        EXPECT_EQ(counted, c.orphan_frames + c.repeated_frames);
-        return wrong;
-    }
-
-  private:
-    struct Message {
-        Header header;
-        Bytes bytes;
-        unsigned frames, missing;
-    };
-    struct Frame {
-        std::int64_t time;
-        unsigned message;
-        Record record;
-    };
-
-    unsigned below(unsigned limit) { return static_cast<unsigned>(random_()) % limit; }
-    bool chance(unsigned thousandths) { return below(1000) < thousandths; }
-
-    void send() {
-        for (unsigned device = 0; device < 8; ++device) {
-            const auto source = static_cast<std::uint8_t>(device);
-            const std::int64_t period = (50 + below(1000)) * ms;
-            std::int64_t time = below(1000) * ms;
-            for (unsigned sequence = below(8); time < 5'000 * ms; ++sequence, time += period) {
-                if (chance(10)) {  // switched off and on
-                    sequence = below(16);
-                    time += 1000 * ms;
-                }
-                const auto number = static_cast<unsigned>(sent_.size());
-                const Header header{sequence % 2 != 0 ? 129029u : 129038u, 3, source, 255};
-                Message message{header, numbered(7 + below(90), number), 0, 0};
-                std::int64_t at = time;
-                for (const Record& piece : fast_frames(header, sequence / 2 % 8, message.bytes)) {
-                    line_.push_back({at += below(2 * ms), number, piece});
-                    ++message.frames;
-                }
-                line_.push_back({at + ms, ~0u, frame({127250, 2, source, 255}, payload(8, number))});
-                sent_.push_back(message);
-            }
-        }
-        std::ranges::stable_sort(line_, {}, &Frame::time);
-    }
-
-    void record() {
-        std::int64_t offset = 0, stalled_until = 0, lost_until = 0;
-        for (Frame& next : line_) {
-            const std::int64_t duration = (1 + below(5000)) * ms;
-            if (chance(faults_.stalls)) stalled_until = next.time + duration;
-            if (chance(faults_.gaps)) lost_until = next.time + duration;
-            const bool known = next.message != ~0u;
-            if (next.time < lost_until || (known && chance(faults_.lost))) {
-                if (known) ++sent_[next.message].missing;
-                continue;
-            }
-            if (chance(faults_.jumps)) offset += (std::int64_t{below(1'000'000)} - 500'000) * ms * 1000;
-            for (unsigned copies = known && chance(faults_.repeated) ? 2 : 1; copies > 0; --copies) {
-                next.record.time = {std::max(next.time, stalled_until) + offset, RecordTime::Origin::epoch};
-                recorded_.push_back(next.record);
-                repeated_ += copies == 2;
-            }
-        }
-    }
-
-    std::mt19937 random_;
-    const Faults faults_;
-    std::vector<Message> sent_;
-    std::vector<Frame> line_;
-    std::vector<Record> recorded_;
-    std::uint64_t repeated_ = 0;
-};
-
-TEST(Reassembly, OfSimulatedRecordings) {
-    // A gap that swallows whole turns of a sequence and ends just where a message would go on cannot be told
-    // from a stall. Gaps in stalls hide even how long they were.
-    // clang-format off
-    const Faults kinds[] = {{0, 0, 0, 0, 0, 0}, {0, 50, 0, 0, 0, 0}, {0, 0, 50, 0, 0, 0}, {30, 0, 0, 0, 0, 0},
-                            {0, 0, 0, 2, 0, 0}, {0, 0, 0, 0, 20, 0}, {0, 20, 0, 2, 5, 0}, {30, 20, 30, 2, 5, 0},
-                            {30, 20, 30, 0, 5, 2}, {0, 0, 0, 0, 0, 2}};
-    // clang-format on
-    unsigned by_chance = 0, wrong_at_all = 0;
-    for (unsigned seed = 0; seed < 200; ++seed) {
-        for (const Faults& faults : kinds) {
-            SCOPED_TRACE(::testing::Message() << "seed " << seed << ", faults " << &faults - kinds);
-            const unsigned wrong = Simulation(seed, faults).check();
-            (faults.gaps > 0 ? by_chance : wrong_at_all) += wrong;
-        }
-    }
-    EXPECT_EQ(wrong_at_all, 0u);
-    EXPECT_LE(by_chance, 1u);
 }
 
 }  // namespace

@@ -10,12 +10,21 @@
 #include <vector>
 
 #include "host/descriptors.h"
+#include "host/memory_input.h"
 #include "readers/recording.h"
 #include "text/hex.h"
 
 namespace vistel {
 
-using Lines = std::vector<std::string>;
+using Texts = std::vector<std::string>;
+
+/// Bytes by their hexadecimal digits, with blanks anywhere between them.
+inline std::string bytes(std::string_view digits) {
+    std::string text;
+    for (std::size_t i = 0; i < digits.size(); ++i)
+        if (digits[i] != ' ') text += static_cast<char>(hex_pair(&digits[i++]));
+    return text;
+}
 
 /// `F` or `M` for frame or message, priority, PGN, source, destination, payload: "F 2 127250 7 255 FF103B".
 inline std::string show(const Record& record) {
@@ -31,11 +40,12 @@ inline std::string show(const Record& record) {
 }
 
 struct Contents {
-    Lines shown;  // records as by show(), problems as "LINE: text"; last "3 foreign", "2 dropped" if there
+    Texts shown;  // records as by show(), problems as "LINE: text"; last "3 foreign", "2 dropped" if there
                   // were so many
-    Lines times;  // of the records: "1456660800000000000 epoch"
-    Lines buses;  // of the records
+    Texts times;  // of the records: "1456660800000000000 epoch"
+    Texts buses;  // of the records
     std::string format;
+    std::uint64_t bytes_read;
 };
 
 inline std::unique_ptr<ByteInput> input_of(int descriptor) {
@@ -60,11 +70,26 @@ inline Contents drain(Recording& recording) {
         }
     }
     contents.format = recording.format_name();
+    contents.bytes_read = recording.bytes_read();
     if (const auto foreign = recording.foreign_frames(); foreign > 0)
         contents.shown.push_back(std::to_string(foreign) + " foreign");
     if (const auto dropped = recording.dropped_frames(); dropped > 0)
         contents.shown.push_back(std::to_string(dropped) + " dropped");
     return contents;
+}
+
+/// What was read but for problems and counts.
+inline Texts records_of(const Contents& contents) {
+    Texts records = contents.shown;
+    std::erase_if(records, [](const std::string& line) { return line[0] != 'F' && line[0] != 'M'; });
+    return records;
+}
+
+/// What is read of bytes that come at most so many at a time.
+inline Contents read_drops(const std::string& text, std::size_t most, const std::string& format = "") {
+    Recording recording;
+    EXPECT_TRUE(recording.attach(std::make_unique<test::Drops>(text, most), {.format = format}));
+    return drain(recording);
 }
 
 inline void write_all(int descriptor, std::string_view text) {

@@ -140,11 +140,14 @@ TEST(Top, ShowsTheDevicesAndWhatOneOfThemSends) {
 TEST(Top, KeepsBusesApart) {
     Shown shown(
         "(1.0) can0 09F11207#05102700FF7FFF7F\n(1.0) boat 09F11207#05EC3D00FF7FFF7F\n"
-        "(1.0) boat 09F80107#00000000FFFFFF7F\n");
+        "(1.0) boat 09F80107#00000000FFFFFF7F\n(2.0) can0 09F11207#05102700FF7FFF7F\n"
+        "(2.0) boat 09F80107#00000000FFFFFF7F\n");
     shown.turn(0ms);
+    shown.turn(1000ms);
+    EXPECT_THAT(shown.line(0), HasSubstr(" · 0.2 % of the busiest bus · "));
     EXPECT_THAT(shown.line(0), HasSubstr(" 2 devices · 3 streams · "));
-    EXPECT_THAT(shown.line(2), StartsWith(" 127250   7 can0      -  0.0s Vessel Heading  "));
-    EXPECT_THAT(shown.line(3), StartsWith(" 127250   7 boat      -  0.0s Vessel Heading  "));
+    EXPECT_THAT(shown.line(2), StartsWith(" 127250   7 can0  1.0/s  0.0s Vessel Heading  "));
+    EXPECT_THAT(shown.line(3), StartsWith(" 127250   7 boat      -  1.0s Vessel Heading  "));
     shown.type("b");
     EXPECT_THAT(shown.line(0), HasSubstr(" 1 device · 1 of 3 streams · "));
     shown.type("b");
@@ -213,6 +216,8 @@ TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {
     EXPECT_EQ(paused.player.counters().messages, 1u);
     paused.type(".");
     EXPECT_EQ(paused.player.counters().messages, 2u);
+    paused.type("c");
+    EXPECT_THAT(paused.line(0), StartsWith(" PAUSED · 1 device · 0 streams"));
     paused.type(" ");
     EXPECT_THAT(paused.line(0), Not(HasSubstr("PAUSED")));
 }

@@ -106,6 +106,7 @@ TEST(Window, ShowsWhatTheFilterAdmits) {
     shown.play_to_end(recording);
     const Names all = {L"Vessel Heading", L"Water Depth", L"Battery Status"};
     EXPECT_EQ(shown.names(), all);
+    EXPECT_EQ(shown.blocks().at(2).label.substr(0, 5), L"2.00 ");
 
     press('F', wxMOD_CONTROL);
     for (const char key : {'d', 'e', 'p', 't', 'h'}) press(key);
@@ -238,6 +239,12 @@ TEST(Window, RemembersWhatItIsTold) {
     EXPECT_EQ(kept.layout["devices"], 234);
     EXPECT_EQ(kept.layout["fields_0"], 99);
     EXPECT_EQ(kept.order, 2);
+    kept.units = {};
+    kept.save(file);
+    Settings usual;
+    usual.load(file);
+    EXPECT_EQ(usual.units[pgn_vistel::core::quantity::depth],
+              default_unit(pgn_vistel::core::quantity::depth));
     wxRemoveFile(file);
 }
 

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
-#include <new>
 #include <optional>
 #include <string>
 
@@ -17,8 +16,10 @@
 #include "pgn_vistel/core/units.h"
 #include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/pgn_vistel.h"
+#include "support/own_memory.h"
 #include "support/testing.h"
 #include "views/images.h"
+#include "views/pressed_dialog.h"
 
 using namespace pgn_vistel::core;
 
@@ -38,15 +39,11 @@ class ScarceMemory {
     ~ScarceMemory() { scarce_ = false; }
     bool was_short() const { return failed_; }
 
-    static void* allocate(std::size_t size) noexcept {
-        if (!scarce_ || left_-- > 0) return std::malloc(size != 0 ? size : 1);
+    static void* allocate(std::size_t size, bool may_throw) noexcept {
+        const bool may_fail = scarce_ && !(states_only_ && may_throw);
+        if (!may_fail || left_-- > 0) return std::malloc(size != 0 ? size : 1);
         failed_ = true;
         return nullptr;
-    }
-    static void* allocate_or_throw(std::size_t size) {
-        void* const memory = states_only_ ? std::malloc(size != 0 ? size : 1) : allocate(size);
-        if (memory == nullptr) throw std::bad_alloc();
-        return memory;
     }
 
   private:
@@ -191,33 +188,24 @@ TEST(MemoryExhaustion, BecomesAResultOfTheTree) {
 }
 
 TEST(MemoryExhaustion, LeavesADialogThatDoesNothing) {
-    struct Pressed : PGN_VistelDlg_c {
-        void press_all() {
-            wxCommandEvent click;
-            OnButtonClear(click);
-            OnButtonPause(click);
-            OnButtonUnit(click);
-            s_OnTextEnter(this, 0, "7");
-        }
-        wxString pause_label() const {
-            wxString label;  // of the last one
-            for (wxWindow* const child : GetChildren())
-                if (dynamic_cast<wxBitmapButton*>(child) != nullptr) label = child->GetLabel();
-            return label;
-        }
+    const auto label_of_pause = [](const PressedDialog& dialog) {
+        wxString label;  // of the last one
+        for (wxWindow* const child : dialog.GetChildren())
+            if (dynamic_cast<wxBitmapButton*>(child) != nullptr) label = child->GetLabel();
+        return label;
     };
     for (const long states_left : {0, 1, 2}) {
         std::optional<ScarceMemory> memory(std::in_place, states_left, true);
-        auto* const dialog = new Pressed;
+        auto* const dialog = new PressedDialog;
         dialog->Create(static_cast<wxWindow*>(nullptr), nullptr, 10, 0);
         const bool was_short = memory->was_short();
         memory.reset();
         dialog->Show();
-        const wxString label = dialog->pause_label();
+        const wxString label = label_of_pause(*dialog);
         N2KMsg msg = heading();
         EXPECT_EQ(dialog->PutMsg(&msg), was_short ? -1 : 0) << states_left;
         dialog->press_all();
-        EXPECT_EQ(dialog->pause_label() == label, was_short);
+        EXPECT_EQ(label_of_pause(*dialog) == label, was_short);
         dialog->Destroy();
     }
 }
@@ -260,29 +248,9 @@ TEST(NullArguments, GiveMinusOne) {
 }  // namespace
 }  // namespace pgn_vistel::test
 
-using pgn_vistel::test::ScarceMemory;
-
-void* operator new(std::size_t size) {
-    return ScarceMemory::allocate_or_throw(size);
+void* take_memory(std::size_t size, bool may_throw) noexcept {
+    return pgn_vistel::test::ScarceMemory::allocate(size, may_throw);
 }
-void* operator new[](std::size_t size) {
-    return ScarceMemory::allocate_or_throw(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return ScarceMemory::allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return ScarceMemory::allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
+void give_memory(void* start) noexcept {
+    std::free(start);
 }

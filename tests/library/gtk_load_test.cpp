@@ -23,26 +23,38 @@ void run(guint milliseconds) {
     gtk_main();
 }
 
-TEST(NativeHost, OutlivesTheLibrary) {
-    gtk_init(nullptr, nullptr);
-    GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    gtk_widget_show_all(window);
-    run(100);
+class NativeHost : public testing::Test {
+  protected:
+    NativeHost() {
+        gtk_init(nullptr, nullptr);
+        window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        gtk_widget_show_all(window_);
+        run(100);
+    }
+    ~NativeHost() override {
+        gtk_widget_destroy(window_);
+        run(50);
+    }
+    void open_monitor(const LoadedModule& plugin) const {
+        const auto handle = reinterpret_cast<HWND>(gtk_widget_get_window(window_));
+        EXPECT_EQ(plugin.function<int(HWND)>("open_monitor")(handle), 0);
+    }
+    GtkWidget* window_;
+};
+
+TEST_F(NativeHost, OutlivesTheLibrary) {
     for (int round = 1; round <= 3; ++round) {
         std::optional<LoadedModule> plugin(PLUGIN);
-        const auto handle = reinterpret_cast<HWND>(gtk_widget_get_window(window));
-        EXPECT_EQ(plugin->function<int(HWND)>("open_monitor")(handle), 0);
+        open_monitor(*plugin);
         run(200);
         plugin->function<void()>("close_monitor")();
         EXPECT_TRUE(is_loaded(LIBRARY));
         if (round == 3) run(100);  // what the toolkit put off runs before the library goes, or never
         plugin.reset();
         EXPECT_FALSE(is_loaded(LIBRARY));
-        gtk_window_resize(GTK_WINDOW(window), 300 + 10 * round, 200);
+        gtk_window_resize(GTK_WINDOW(window_), 300 + 10 * round, 200);
         run(100);
     }
-    gtk_widget_destroy(window);
-    run(50);
 }
 
 /// Lines of text that the display shows at the left of a window's lower part.
@@ -64,18 +76,12 @@ int shown_lines(GtkWidget* window) {
     return lines;
 }
 
-TEST(NativeHost, ShowsWhatACallHasDone) {
-    gtk_init(nullptr, nullptr);
-    GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    gtk_widget_show_all(window);
-    run(100);
-    std::optional<LoadedModule> plugin(PLUGIN);
-    const auto put = plugin->function<int(std::uint8_t)>("put_message");
-    EXPECT_EQ(
-        plugin->function<int(HWND)>("open_monitor")(reinterpret_cast<HWND>(gtk_widget_get_window(window))),
-        0);
+TEST_F(NativeHost, ShowsWhatACallHasDone) {
+    const LoadedModule plugin(PLUGIN);
+    const auto put = plugin.function<int(std::uint8_t)>("put_message");
+    open_monitor(plugin);
     run(300);
-    auto* const monitor = static_cast<GtkWidget*>(plugin->function<void*()>("monitor_widget")());
+    auto* const monitor = static_cast<GtkWidget*>(plugin.function<void*()>("monitor_widget")());
     EXPECT_EQ(shown_lines(monitor), 1);
     // The host draws what it was told to, and no event comes in between.
     for (std::uint8_t source = 1; source < 5; ++source) {
@@ -83,14 +89,11 @@ TEST(NativeHost, ShowsWhatACallHasDone) {
         run(100);
         EXPECT_EQ(shown_lines(monitor), 1 + source);
     }
-    EXPECT_EQ(plugin->function<int()>("clear_messages")(), 0);
+    EXPECT_EQ(plugin.function<int()>("clear_messages")(), 0);
     run(100);
     EXPECT_EQ(shown_lines(monitor), 0);
-    plugin->function<void()>("close_monitor")();
+    plugin.function<void()>("close_monitor")();
     run(100);
-    plugin.reset();
-    gtk_widget_destroy(window);
-    run(50);
 }
 
 }  // namespace

@@ -8,26 +8,17 @@
 namespace pgn_vistel::test {
 namespace {
 
-TEST(Library, KeepsTheToolkitsLoggingOffWhileItIsLoaded) {
+TEST(Library, ComesAndGoesAndLeavesTheToolkitAsItWas) {
     for (const bool before : {true, false, true}) {
         wxLog::EnableLogging(before);
         {
-            const LoadedModule library(LIBRARY);
-            EXPECT_FALSE(wxLog::IsEnabled());
-        }
-        EXPECT_EQ(wxLog::IsEnabled(), before);
-        EXPECT_FALSE(is_loaded(LIBRARY));
-    }
-}
-
-TEST(Library, WorksEachTimeThatItIsLoaded) {
-    for (int round = 0; round < 2; ++round) {
-        {
             const LoadedModule plugin(PLUGIN);
             EXPECT_TRUE(is_loaded(LIBRARY));
-            EXPECT_EQ(plugin.function<int(HWND)>("open_monitor")(nullptr), 0) << round;
+            EXPECT_FALSE(wxLog::IsEnabled());
+            EXPECT_EQ(plugin.function<int(HWND)>("open_monitor")(nullptr), 0);
             plugin.function<void()>("close_monitor")();
         }
+        EXPECT_EQ(wxLog::IsEnabled(), before);
         EXPECT_FALSE(is_loaded(LIBRARY));
     }
 }

@@ -97,6 +97,12 @@ std::string rendered(Renderer& renderer, std::size_t room = 8 * piece_room) {
     return all;
 }
 
+inline std::string json_of(const N2KMsg& msg, Definitions set, const UnitSelection& units) {
+    JsonRenderer json(units);
+    json.start(msg, find_definition(set, msg), {});
+    return rendered(json);
+}
+
 /// A message as text, JSON and CSV.
 using Forms = std::array<std::string, 3>;
 

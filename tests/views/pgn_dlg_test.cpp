@@ -8,6 +8,7 @@
 
 #include "pgn_vistel/core/units.h"
 #include "pgn_vistel/unit_dlg.h"
+#include "views/pressed_dialog.h"
 #include "views/windows.h"
 
 using namespace pgn_vistel::core;
@@ -78,19 +79,6 @@ TEST_F(MonitorDialog, StartsHiddenWithItsParts) {
     dialog_.reset();
     EXPECT_EQ(created_, 0);
 }
-
-/// What the user does in a dialog, without the buttons that a window would have for it.
-struct PressedDialog : PGN_VistelDlg_c {
-    void press_all() {
-        wxCommandEvent click;
-        wxCloseEvent close;
-        OnButtonClear(click);
-        OnButtonPause(click);
-        OnButtonUnit(click);
-        OnClose(close);
-        s_OnTextEnter(this, 0, "7");
-    }
-};
 
 TEST_F(MonitorDialog, CreatedLater) {
     const std::pair<HINSTANCE, const char*> cases[] = {

@@ -68,26 +68,16 @@ using Monitors = testing::Types<ToolkitMonitor, NativeMonitor>;
 TYPED_TEST_SUITE(Tree, Monitors, );
 
 TYPED_TEST(Tree, RewritesAStreamInPlace) {
-    N2KMsg whole = message_from(7);
-    whole.time_stamp = 123456;
+    const N2KMsg whole = message_from(7);
     N2KMsg cut = whole;
     cut.length = 4;
-    cut.destination = 35;
     EXPECT_EQ(this->put(whole), 0);
-    const Block first = this->blocks().at(0);
-    EXPECT_EQ(first.label, L"1234.56        127250, Vessel Heading");
-    EXPECT_EQ(first.lines.size(), 2u + 6);
-    EXPECT_TRUE(first.expanded);
-    this->tree_.CollapseAll();
-    for (N2KMsg msg : {whole, cut, whole, cut}) {
-        ++msg.time_stamp;
+    const void* const item = this->blocks().at(0).item;
+    for (const N2KMsg& msg : {cut, whole, cut}) {
         EXPECT_EQ(this->put(msg), 0);
-        const auto blocks = this->blocks();
-        ASSERT_EQ(blocks.size(), 1u);
-        EXPECT_EQ(blocks[0].item, first.item);
-        EXPECT_EQ(blocks[0].label, L"1234.57        127250, Vessel Heading");
-        EXPECT_EQ(blocks[0].lines, lines_of(msg, plain)) << "no line of a longer message is left";
-        EXPECT_FALSE(blocks[0].expanded);
+        ASSERT_EQ(this->blocks().size(), 1u);
+        EXPECT_EQ(this->blocks()[0].item, item);
+        EXPECT_EQ(this->blocks()[0].lines, lines_of(msg, plain)) << "no line of a longer message is left";
     }
 }
 
