@@ -49,13 +49,13 @@ inline std::vector<Row> csv_rows(std::string_view text) {
 }
 
 /// Whether a cell shows what a member of the object has; a text that CSV has to write otherwise (control
-/// characters, the beginnings of formulas) is left to the tests of the two forms.
+/// characters, what an apostrophe is put before) is left to the tests of the two forms.
 inline bool shows(const std::string& cell, const nlohmann::json& value) {
     if (value.is_null()) return cell.empty();
     if (value.is_string()) {
         const auto& text = value.get_ref<const std::string&>();
         const auto odd = [](unsigned char c) { return c < 0x20 || c >= 0x7F; };
-        if (std::ranges::any_of(text, odd) || text.find_first_of("=+-@") == 0) return true;
+        if (std::ranges::any_of(text, odd) || text.find_first_of("=+-@'") == 0) return true;
         return cell == text;
     }
     return nlohmann::json::parse(cell, nullptr, false) == value;

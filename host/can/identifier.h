@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "pgn_vistel/core/ids.h"
 #include "pgn_vistel/n2k_msg.h"
 
 namespace vistel {
@@ -20,9 +21,13 @@ constexpr bool is_addressed(std::uint32_t pgn) {
     return ((pgn >> 8) & 0xFF) < first_broadcast_format;
 }
 
-/// Whether makers give a PGN the meanings that they like.
+/// Whether makers give a PGN the meanings that they like: one addressed PGN and one page of broadcast ones of
+/// each kind of message.
 constexpr bool is_proprietary(std::uint32_t pgn) {
-    return pgn == 0xEF00 || pgn == 0x1EF00 || (pgn >> 8) == 0xFF || (pgn >> 8) == 0x1FF;
+    namespace known = pgn_vistel::core::pgn;
+    constexpr std::uint32_t page = 0xFF, fast_page = 0x1FF;
+    return pgn == known::proprietary_single || pgn == known::proprietary_fast || pgn >> 8 == page ||
+           pgn >> 8 == fast_page;
 }
 
 /// Priority, PGN and addresses from a 29-bit identifier. The third byte is the destination, or else belongs

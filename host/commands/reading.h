@@ -36,7 +36,7 @@ class Reading {
 
     const Inputs& inputs() const { return inputs_; }
     /// See Inputs::send().
-    bool send(const Record& frame) { return inputs_.send(frame); }
+    [[nodiscard]] bool send(const Record& frame) { return inputs_.send(frame); }
 
     /// Whether any input could be opened, so that there is something to be shown. From then on an interrupt
     /// of the user is a flag (interrupt.h).

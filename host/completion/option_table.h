@@ -16,6 +16,6 @@ namespace vistel {
 ///
 /// The choices are those that a refusal of "?" names: they are what the program takes, and listed nowhere
 /// else.
-bool print_option_table(CLI::App& app, const std::vector<std::string>& words);
+[[nodiscard]] bool print_option_table(CLI::App& app, const std::vector<std::string>& words);
 
 }  // namespace vistel

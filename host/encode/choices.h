@@ -24,6 +24,6 @@ bool holds_flags(const FieldCell& cell);
 /// `[Yes, On, Enabled, Set, "1"]` by any word. Flags are a list with commas, in any case. False where the
 /// text is none of these.
 enum class Spelling { exact, alike };
-bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling);
+[[nodiscard]] bool enter_choice(FieldCell& cell, std::string_view text, Spelling spelling);
 
 }  // namespace vistel

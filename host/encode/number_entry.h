@@ -20,7 +20,7 @@ std::string range_text(const RawScale& scale, pgn_vistel::core::UnitId unit);
 Outcome enter_number(FieldCell& cell, std::string_view text);
 
 /// Takes the number at the beginning of the text away from it. Nothing where there is none.
-std::optional<double> take_number(std::string_view& text);
+[[nodiscard]] std::optional<double> take_number(std::string_view& text);
 
 /// Whether decoding shows the field so, with its unit or without.
 bool shows(const FieldCell& cell, std::string_view text);

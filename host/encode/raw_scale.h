@@ -35,7 +35,7 @@ class RawScale {
     /// Whether the value of `raw`, the nearest number, is within half a step of `value`, or within the
     /// relative error of its conversion, `rounding`.
     bool meets(std::uint64_t raw, double value, double rounding = single_rounding) const;
-    std::optional<double> value_of(std::uint64_t raw) const { return value_of_(raw); }
+    [[nodiscard]] std::optional<double> value_of(std::uint64_t raw) const { return value_of_(raw); }
 
   private:
     struct Run {

@@ -21,6 +21,6 @@ TextForm text_form_of(const FieldCell& cell);
 std::vector<std::uint8_t> sent_text(const TextForm& form, std::u16string_view text);
 
 /// The text in 8 bits a character; nothing where that is not enough.
-std::optional<std::vector<std::uint8_t>> narrow_text(std::u16string_view text);
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> narrow_text(std::u16string_view text);
 
 }  // namespace vistel

@@ -10,6 +10,6 @@ namespace vistel {
 Status enter_text(FieldCell& cell, std::string_view text);
 
 /// The bytes of "01 02 FF" or "0102FF"; nothing where the text is something else.
-std::optional<std::vector<std::uint8_t>> bytes_of(std::string_view text);
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> bytes_of(std::string_view text);
 
 }  // namespace vistel

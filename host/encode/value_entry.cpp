@@ -60,8 +60,8 @@ Status enter_value(FieldCell& cell, std::string_view typed) {
     if (coded && enter_choice(cell, text, Spelling::exact)) return done;
     if (coded && enter_choice(cell, text, Spelling::alike)) {
         // A code without a text may be shown as "Reserved" where another one is "reserved".
-        if (!enter_as_shown(cell, text)) enter_choice(cell, text, Spelling::alike);
-        return done;
+        if (enter_as_shown(cell, text) || enter_choice(cell, text, Spelling::alike)) return done;
+        return no_such_choice(cell, text);
     }
     if (text.empty() && enter_as_shown(cell, text)) return done;
     if (text.empty()) return failure("has no value behind the '='; '-' stands for not available");

@@ -90,7 +90,7 @@ class Inputs {
     /// Sends a single frame to a bus of theirs, by way of the source that it is of; false where that is not
     /// possible, at present or ever, which `tell` is told. `kind` is that of the records that come from
     /// there.
-    bool send(Record frame);
+    [[nodiscard]] bool send(Record frame);
 
     struct LinkState {
         std::string name;

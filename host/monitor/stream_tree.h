@@ -46,12 +46,12 @@ class StreamTree : public wxEvtHandler {
     /// The stream that the selected line belongs to, or null.
     const Stream* selected() const;
     /// The position of the field that is selected, from 0; nothing where the line is no field's.
-    std::optional<std::size_t> selected_field() const;
+    [[nodiscard]] std::optional<std::size_t> selected_field() const;
     /// The lines that are expanded, fields indented, with a note behind that of each stream.
     wxString visible_lines(const std::function<wxString(const Stream&)>& note);
     /// Selects the next line in which a text stands, in any case, behind the selected one and then from the
     /// top. False where there is none.
-    bool find_next(const wxString& text);
+    [[nodiscard]] bool find_next(const wxString& text);
 
     /// A stream that can be seen at least in part, and where its own line lies.
     struct Visible {

@@ -55,7 +55,7 @@ class Traffic final : public PlayListener {
 
     std::vector<DeviceRow> devices() const;
     /// Part of what the bus could have carried lately; of several the busiest one's.
-    std::optional<double> share_of_bus() const;
+    [[nodiscard]] std::optional<double> share_of_bus() const;
 
     void on_message(const N2KMsg& msg, const RecordTime& time, std::uint8_t bus, PlayTime now) override;
     void on_record(const Record& record) override;
@@ -65,7 +65,7 @@ class Traffic final : public PlayListener {
     const std::string& asking_failure() const { return asking_failure_; }
 
   private:
-    bool ask(std::uint8_t bus, const N2KMsg& frame);
+    [[nodiscard]] bool ask(std::uint8_t bus, const N2KMsg& frame);
 
     Player& player_;
     Recorder* recorder_ = nullptr;

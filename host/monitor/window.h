@@ -52,7 +52,7 @@ class MonitorWindow : public wxFrame {
 
     /// Plays a recording or a live source from its start, or several, with " + " between them. False with the
     /// reason in `error`, and what is playing goes on.
-    bool open(const std::string& names, std::string& error);
+    [[nodiscard]] bool open(const std::string& names, std::string& error);
     /// The same for a player that has opened its source.
     void play(std::unique_ptr<Player> player);
 

@@ -23,7 +23,7 @@ class MessageFields {
     /// `pgn_vistel::core::field_key` of the field.
     std::string_view key() const;
     /// The number of the field, in SI units; nothing where there is none or it is not available.
-    std::optional<double> number() const;
+    [[nodiscard]] std::optional<double> number() const;
     /// What the field shows: the meaning of a code, or a text without what fills it up; UTF-8 in which
     /// U+FFFD stands for control characters. Empty for other fields, and where nothing is known.
     std::string text() const;

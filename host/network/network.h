@@ -48,15 +48,15 @@ class Network {
 
     /// Seconds of the recent time; nothing where the records tell no time, or all the same. A step back and a
     /// pause of more than a minute are no part of it: there a clock was set, or another recording begins.
-    std::optional<double> seconds() const;
+    [[nodiscard]] std::optional<double> seconds() const;
 
     /// Of the recent time, in a second.
     struct Rates {
         double messages = 0, bytes = 0;
     };
-    std::optional<Rates> rates(const Tally<MessageCount>& count) const;
+    [[nodiscard]] std::optional<Rates> rates(const Tally<MessageCount>& count) const;
     /// Part of what the bus could have carried in the recent time.
-    std::optional<double> share(const Tally<WireCount>& count) const;
+    [[nodiscard]] std::optional<double> share(const Tally<WireCount>& count) const;
 
     /// @{ of all devices
     const Tally<MessageCount>& messages() const { return messages_; }
@@ -66,7 +66,9 @@ class Network {
 
     const std::optional<RecordTime>& first() const { return first_; }
     /// The time that the records have come to.
-    std::optional<RecordTime> now() const { return first_ ? std::optional(latest_) : std::nullopt; }
+    [[nodiscard]] std::optional<RecordTime> now() const {
+        return first_ ? std::optional(latest_) : std::nullopt;
+    }
 
     static constexpr std::size_t most_devices = 512;  ///< one an address, and as many without
 

@@ -33,7 +33,7 @@ class Questions {
     void advance(Network& network, std::int64_t now);
 
   private:
-    bool ask(std::uint8_t destination, std::uint32_t pgn);
+    [[nodiscard]] bool ask(std::uint8_t destination, std::uint32_t pgn);
 
     Send send_;
     const std::uint8_t source_;

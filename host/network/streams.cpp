@@ -77,8 +77,7 @@ bool StreamFilter::admits(const Stream& stream, const core::UnitSelection& units
 }
 
 bool Streams::put(const N2KMsg& msg, std::uint8_t bus, PlayTime now) {
-    Key key{msg.pgn, bus, msg.source, {255, 255, 255, 255}};
-    core::extract_stream_keys(msg.pgn, msg.data, &key.keys[0], &key.keys[1], &key.keys[2], &key.keys[3]);
+    const Key key{msg.pgn, bus, msg.source, core::stream_keys(msg)};
     ++messages_;
     auto found = streams_.find(key);
     if (found == streams_.end()) {

@@ -95,7 +95,7 @@ class Streams {
     struct Key {
         std::uint32_t pgn;
         std::uint8_t bus, source;
-        std::array<std::uint8_t, 4> keys;
+        pgn_vistel::core::StreamKeys keys;
         auto operator<=>(const Key&) const = default;
     };
 

@@ -19,6 +19,6 @@ const pgn_vistel::core::FieldDef* find_analyzed(const pgn_vistel::core::PgnDef& 
                                                 std::string_view variant, std::string_view name);
 
 /// The code, of flags the number of the bit, that it calls so in a set of texts, by the name of the set.
-std::optional<std::uint32_t> find_code(std::string_view set, std::string_view text);
+[[nodiscard]] std::optional<std::uint32_t> find_code(std::string_view set, std::string_view text);
 
 }  // namespace vistel

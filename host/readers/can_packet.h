@@ -17,7 +17,7 @@ enum class LinkType : std::uint16_t {
 };
 
 /// Whether frames can be taken from captures of this link type; else the problem tells why not.
-bool can_read(std::uint16_t link_type, Problem& problem);
+[[nodiscard]] bool can_read(std::uint16_t link_type, Problem& problem);
 
 /// One packet of a capture, which may have less of it than there was.
 struct Packet {

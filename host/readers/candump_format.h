@@ -51,7 +51,7 @@ class CandumpFormat : public IndependentLines {
     /// What times count from.
     enum class Counting { unknown, from_one_start, from_last_line };
 
-    bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
+    [[nodiscard]] bool take_time(std::string_view& line, RecordTime& time, Problem& problem);
     const char* read_usual_time(const char* p, RecordTime& time) const;
 
     std::array<Layout, 4> layouts_;

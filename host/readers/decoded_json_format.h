@@ -19,9 +19,9 @@ class DecodedJsonFormat : public IndependentLines {
     LineResult read(std::string_view line, Record& record, Problem& problem);
 
   private:
-    bool read_time(std::string_view head, RecordTime& time);
+    [[nodiscard]] bool read_time(std::string_view head, RecordTime& time);
     bool pack(pgn_vistel::core::Definitions set, std::string_view fields, std::string_view rest, N2KMsg& msg);
-    static bool put_rest(bool is_all, std::size_t bits, std::string_view rest, N2KMsg& msg);
+    [[nodiscard]] static bool put_rest(bool is_all, std::size_t bits, std::string_view rest, N2KMsg& msg);
     std::size_t put_fields(const pgn_vistel::core::PgnDef* definition, std::string_view fields, N2KMsg& msg);
     bool holds(pgn_vistel::core::Definitions set, std::string_view fields, std::string_view rest,
                const N2KMsg& msg);

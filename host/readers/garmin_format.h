@@ -26,7 +26,7 @@ class GarminFormat : public IndependentLines {
         bool is_open = false;  ///< the line ended before its packet
     };
 
-    static bool read_beginning(std::string_view line, Beginning& beginning, Problem& problem);
+    [[nodiscard]] static bool read_beginning(std::string_view line, Beginning& beginning, Problem& problem);
     static LineResult read_end(const Beginning& beginning, std::string_view line, Record& record,
                                Problem& problem);
 

@@ -16,7 +16,8 @@ class IkonvertSentences {
     Found read(Sentence sentence, Record& record, Problem& problem);
 
   private:
-    bool read_header(std::string_view (&fields)[6], std::size_t count, Record& record, Problem& problem);
+    [[nodiscard]] bool read_header(std::string_view (&fields)[6], std::size_t count, Record& record,
+                                   Problem& problem);
     bool read_time(std::string_view text, RecordTime& time, Problem& problem);
 
     static constexpr std::int64_t period = 1'000'000;  // milliseconds

@@ -28,10 +28,10 @@ constexpr std::string_view within_line(std::string_view text) {
 
 /// Cuts the next line with its line end off `text`; false when there is no complete one. `line` gets it
 /// without the blanks around it. The last line of all may lack its end: that is for the caller.
-bool take_line(std::string_view& text, std::string_view& line);
+[[nodiscard]] bool take_line(std::string_view& text, std::string_view& line);
 
 /// Cuts the rest off `text` as the last line, if there is any.
-bool take_rest(std::string_view& text, std::string_view& line);
+[[nodiscard]] bool take_rest(std::string_view& text, std::string_view& line);
 
 /// `text`, which begins a recording, without the byte order mark that some editors put there.
 std::string_view without_mark(std::string_view text);
@@ -71,7 +71,7 @@ class Lines {
   private:
     enum class Found { line, too_long, idle, failed, end };
 
-    bool take_ready_line(std::string_view& line);
+    [[nodiscard]] bool take_ready_line(std::string_view& line);
     ReadResult take_any_line(std::string_view& line, Problem& problem);
     Found find(ByteSource::Wait wait);
     void skip(Problem& problem);

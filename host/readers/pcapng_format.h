@@ -44,7 +44,7 @@ class PcapngFormat {
     void each_option(std::string_view options, Take take) const;
     Found take_packet(std::string_view block, std::uint32_t type, Record& record, Problem& problem);
     Found broken(Problem& problem, const char* what) const;
-    bool set_time(const Interface& interface, std::uint64_t time, Record& record) const;
+    [[nodiscard]] bool set_time(const Interface& interface, std::uint64_t time, Record& record) const;
 
     bool begun_ = false;
     ByteOrder order_;

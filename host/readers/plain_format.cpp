@@ -6,6 +6,7 @@
 
 #include "can/fast_packet.h"
 #include "can/identifier.h"
+#include "can/transport_protocol.h"
 #include "pgn_vistel/core/catalogue.h"
 #include "readers/scan.h"
 #include "text/characters.h"
@@ -276,9 +277,8 @@ namespace {
 
 /// Messages that a line of this PGN and length may be a piece of.
 bool may_be_piece(std::uint32_t pgn, std::uint32_t length) {
-    constexpr std::uint32_t transport_control = 60416, transport_data = 60160;
     return length <= max_frame_bytes &&
-           (pgn == transport_control || pgn == transport_data ||
+           (pgn == transport_protocol::control_pgn || pgn == transport_protocol::data_pgn ||
             pgn_vistel::core::is_fast_packet(pgn, pgn_vistel::core::Definitions::corrected));
 }
 

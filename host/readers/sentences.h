@@ -46,13 +46,13 @@ class SentenceCutter {
 };
 
 /// Reads a PGN of six hexadecimal digits.
-bool read_pgn_field(std::string_view text, std::uint32_t& pgn, Problem& problem);
+[[nodiscard]] bool read_pgn_field(std::string_view text, std::uint32_t& pgn, Problem& problem);
 
 /// Whether `line` begins with sentences and has one of a format by whose `is_one` it is told.
 bool has_sentence(std::string_view line, bool (*is_one)(const Sentence&));
 
 /// Whether a sentence that must have a checksum has the right one; else the problem tells.
-bool is_whole(const Sentence& sentence, Problem& problem);
+[[nodiscard]] bool is_whole(const Sentence& sentence, Problem& problem);
 
 /// Reads a format whose `is_one` tells its sentences by start sign and text and whose `read` takes them.
 /// Other sentences are foreign.

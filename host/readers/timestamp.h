@@ -43,22 +43,22 @@ class TimestampParser {
 RecordTime::Origin origin_of_seconds(std::int64_t seconds);
 
 /// Seconds of such a clock with up to nine decimals: `1502979132.106111`.
-bool parse_seconds(std::string_view text, RecordTime& time);
+[[nodiscard]] bool parse_seconds(std::string_view text, RecordTime& time);
 
 /// A number with up to nine decimals of a unit of so many nanoseconds, a second at most: `12.5` milliseconds.
 /// False above ten years.
-bool parse_duration(std::string_view text, std::int64_t unit, std::int64_t& nanoseconds);
+[[nodiscard]] bool parse_duration(std::string_view text, std::int64_t unit, std::int64_t& nanoseconds);
 
 /// `start` and a time that runs since then. Where no start is known, neither is it of the sum.
 RecordTime later(const RecordTime& start, std::int64_t nanoseconds);
 
 /// A day and the nanoseconds since its midnight; false where there is no such day. As for dates that are
 /// text, of years that cannot be told the time of day remains.
-bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day, std::int64_t since_midnight,
-               RecordTime& time);
+[[nodiscard]] bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day,
+                             std::int64_t since_midnight, RecordTime& time);
 
 /// The same for the usual shape and the parenthesis behind it, the 18 characters `1502979132.106111)`. False
 /// for anything else.
-bool read_usual_seconds(const char* p, RecordTime& time);
+[[nodiscard]] bool read_usual_seconds(const char* p, RecordTime& time);
 
 }  // namespace vistel

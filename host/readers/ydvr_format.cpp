@@ -27,9 +27,7 @@ std::uint32_t pgn_of(std::uint32_t identifier) {
 }
 
 bool is_known(std::uint32_t pgn) {
-    const bool proprietary =
-        pgn == 61184 || (pgn >= 65280 && pgn <= 65535) || pgn == 126720 || (pgn >= 130816 && pgn <= 131071);
-    return proprietary || core::find_pgn_def(pgn) != nullptr ||
+    return is_proprietary(pgn) || core::find_pgn_def(pgn) != nullptr ||
            core::is_fast_packet(pgn, core::Definitions::corrected);
 }
 
@@ -51,14 +49,14 @@ struct Shape {
 /// Where the payload of a record is by its PGN, or as if its PGN were of the other kind; nothing if it cannot
 /// be so. Of a record whose length is not there yet the size is that of its head.
 std::optional<Shape> shape_of(std::string_view bytes, Way way) {
-    constexpr std::uint32_t iso_request = core::pgn::iso_request, commanded_address = 65240;
     constexpr std::size_t request_size = 3, own_size = 8, message_at = head_size + 2;
     const std::uint32_t identifier = identifier_at(bytes), pgn = pgn_of(identifier);
-    if (identifier == recorder_itself || pgn == iso_request) {
+    if (identifier == recorder_itself || pgn == core::pgn::iso_request) {
         if (way == Way::other) return std::nullopt;
-        return Shape{head_size, head_size + (pgn == iso_request ? request_size : own_size)};
+        return Shape{head_size, head_size + (pgn == core::pgn::iso_request ? request_size : own_size)};
     }
-    const bool is_fast = core::is_fast_packet(pgn, core::Definitions::corrected) || pgn == commanded_address;
+    const bool is_fast =
+        core::is_fast_packet(pgn, core::Definitions::corrected) || pgn == core::pgn::commanded_address;
     if (is_fast != (way == Way::usual)) return Shape{head_size, head_size + max_frame_bytes};
     if (bytes.size() < message_at) return Shape{message_at, message_at};
     const auto length = static_cast<unsigned char>(bytes[message_at - 1]);

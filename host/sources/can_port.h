@@ -21,10 +21,10 @@ class CanPort {
     Status open();
 
     /// Waits for a frame at most `patience` milliseconds, negative for no limit. False where none came.
-    bool receive(CanFrame& frame, int patience);
+    [[nodiscard]] bool receive(CanFrame& frame, int patience);
 
     /// False where the interface does not take it at present.
-    bool send(const CanFrame& frame) { return socket_ && socket_->send(frame); }
+    [[nodiscard]] bool send(const CanFrame& frame) { return socket_ && socket_->send(frame); }
 
     std::shared_ptr<const LinkCounters> counters() const { return watch_.shared_counters(); }
 

@@ -40,7 +40,7 @@ class CanSocket {
     virtual Received receive(CanFrame& frame, int patience) = 0;
 
     /// False where it was not taken: the interface is down, or has no room for more.
-    virtual bool send(const CanFrame& frame) = 0;
+    [[nodiscard]] virtual bool send(const CanFrame& frame) = 0;
 
     /// From here on the loop, which outlives the socket, does not wait when there is something to be
     /// received: each receive() that finds nothing has it wait for that.

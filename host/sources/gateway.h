@@ -20,7 +20,7 @@ enum class GatewayKind : std::uint8_t {
 
 /// "none, ngt1, ..."
 std::string gateway_names();
-bool find_gateway(std::string_view name, GatewayKind& kind);
+[[nodiscard]] bool find_gateway(std::string_view name, GatewayKind& kind);
 
 /// Of its serial port, in bits a second.
 unsigned usual_speed(GatewayKind kind);

@@ -26,7 +26,7 @@ class Screen {
     void show(const Page& page);
 
     /// Waits for a key; nothing where none came in time, or the size changed.
-    std::optional<std::uint32_t> wait_for_key(int milliseconds);
+    [[nodiscard]] std::optional<std::uint32_t> wait_for_key(int milliseconds);
 
     /// Whether the terminal is gone.
     bool is_lost() const;

@@ -34,7 +34,7 @@ class Top {
   private:
     enum class View : std::uint8_t { streams, devices, message, losses, help };
 
-    bool press_in_filter(std::uint32_t key);
+    [[nodiscard]] bool press_in_filter(std::uint32_t key);
     void move(int lines);
     void pause(bool paused);
     PageLine status(int width) const;

@@ -32,7 +32,7 @@ class DigitShape {
     }
 
     /// Reads the characters at `p`: in each byte of `digits` the value of a digit, 0 for the others.
-    bool read(const char* p, std::uint64_t& digits) const {
+    [[nodiscard]] bool read(const char* p, std::uint64_t& digits) const {
         digits = characters_at<std::uint64_t>(p) ^ characters_;
         return (((digits + slack_) | digits) & 0xF0F0F0F0F0F0F0F0) == 0;
     }
@@ -79,7 +79,7 @@ struct LeadingDigits {
 /// Reads the digits at `p` up to a comma, and goes behind it. `p` has as many characters as Number has bytes,
 /// which must be enough for the comma too.
 template <class Number>
-inline bool take_number_and_comma(const char*& p, std::uint32_t& value) {
+[[nodiscard]] inline bool take_number_and_comma(const char*& p, std::uint32_t& value) {
     const LeadingDigits<Number> leading(p);
     if (leading.size() - 1 >= sizeof(Number) - 1 || p[leading.size()] != ',') return false;
     value = number_of_digits(leading.digits << (leading.bits - leading.size_in_bits));

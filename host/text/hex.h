@@ -77,7 +77,7 @@ inline unsigned read_hex_group(const char* p, std::uint8_t* out) {
 
 /// Reads `count` pairs. False where one is none, with something in `out`.
 template <unsigned stride>
-inline bool read_hex_bytes(const char* p, unsigned count, std::uint8_t* out) {
+[[nodiscard]] inline bool read_hex_bytes(const char* p, unsigned count, std::uint8_t* out) {
     if (count == hex_group) [[likely]]
         return read_hex_group<stride>(p, out) < not_hex;
     unsigned all = 0;
@@ -112,10 +112,10 @@ inline bool lead_pairs(char separator, const char* p, unsigned count) {
 }
 
 /// True when the whole of `text` is one to eight hexadecimal digits.
-bool parse_hex(std::string_view text, std::uint32_t& value);
+[[nodiscard]] bool parse_hex(std::string_view text, std::uint32_t& value);
 
 /// Reads the eight hexadecimal digits at `p`.
-inline bool read_hex_number(const char* p, std::uint32_t& value) {
+[[nodiscard]] inline bool read_hex_number(const char* p, std::uint32_t& value) {
     const unsigned a = quick_hex_pair(p), b = quick_hex_pair(p + 2);
     const unsigned c = quick_hex_pair(p + 4), d = quick_hex_pair(p + 6);
     value = a << 24 | b << 16 | c << 8 | d;

@@ -25,6 +25,7 @@ enum ConvType : std::int32_t {
     CV_TEXT_NARROW = 15,    ///< pointer to terminated 8-bit text
     CV_TEXT_WIDE = 16,      ///< pointer to terminated wide text
     CV_TEXT = 17,           ///< pointer to terminated wide text
+    CV_RAW_FIELD_TOO = 18,  ///< as CV_RAW_FIELD; the library makes none
     CV_RAW_FIELD = 19,      ///< pointer to a short-text field as sent (length, encoding, text), or null
     CV_NOT_AVAILABLE = 20,  ///< this tag and every higher one: no value
 };

@@ -45,7 +45,7 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     static int get_DispDataTypeX(int dd, const unsigned char* raw);
 
     /// Completes a field's own size (in `*bytes` and `*bits`, both 0 when it has none) from its dictionary
-    /// entry `dd` (a `DDDef*`, formats.h). Either pointer may be null only together with the other.
+    /// entry `dd` (a `DDDef*`, formats.h, or null). Nothing happens where `bytes` or `bits` is null.
     static void get_bytes_bits(unsigned long pgn, void* dd, int* bytes, int* bits);
 
     /// Number of the field that starts at a byte and bit (0..7) of the payload, or -1. Fields whose size only
@@ -73,7 +73,8 @@ class PGN_VISTEL_API QV_N2K_PGN_DB_c {
     int print_field_data(wchar_t* buf, int size, int dd, int disp_data_type, void* value, int unit,
                          int print_unit_flag, unsigned long flags, unsigned long pgn, int field);
 
-    /// "Data: 01 02 ..": bytes that no definition covers.
+    /// "Data: 01 02 ..": bytes that no definition covers; `data` null stands for none. `label_length` may be
+    /// null, else it receives the characters of the label.
     static int print_field_data_unknown(wchar_t* buf, int size, const unsigned char* data, int length,
                                         int with_label, int* label_length);
 

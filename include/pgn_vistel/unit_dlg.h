@@ -14,9 +14,10 @@ class wxBoxSizer;
 class wxComboBox;
 struct UnitDlgState;
 
-/// A small modeless dialog in which the user picks a unit for each quantity (`pgn_vistel::quantity_rows`). It
-/// reads and writes the selection of a database. The user can only hide it, by Close or Escape; its owner
-/// deletes it. On a screen that is too low for all rows, these scroll above the buttons.
+/// A small modeless dialog in which the user picks a unit for each quantity
+/// (`pgn_vistel::core::quantity_rows`). It reads and writes the selection of a database. The user can only
+/// hide it, by Close or Escape; its owner deletes it. On a screen that is too low for all rows, these scroll
+/// above the buttons.
 ///
 /// User-interface thread only. `db` null is the global database. `pCreated`, where given, receives 1 when the
 /// window is built and 0 when it is destroyed, and must live as long. `flags` is kept and not used.

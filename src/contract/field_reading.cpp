@@ -73,7 +73,7 @@ ReadField read_field(const N2KMsg& msg, const FieldPlace& field, const core::Uni
         store_not_available(value);
         read.cut_off = true;
     } else if (const int size = bits + 8 * bytes; value->type >= CV_U8 && value->type <= CV_I64 && size > 0) {
-        value->value.u64 &= core::size_mask(size);
+        value->value.u64 = bits_of(*value) & core::size_mask(size);
     }
     const int next_bit = bit + bits;
     read.next = {byte + (bits > 0 ? 0 : bytes) + (next_bit >> 3), next_bit & 7};

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "contract/store.h"
 #include "contract/text_copy.h"
 #include "contract/value_printer.h"
 #include "contract/values.h"
@@ -44,15 +45,15 @@ void put_bytes(WideOut& out, const std::uint8_t* bytes) {
 bool put_hosts_own(WideOut& out, const core::Shown& shown, const ConvValue& v) {
     const core::Value number = value_of(v);
     if (core::put_by_form(out, shown, number)) return false;
-    const bool is_raw = v.type == CV_RAW_FIELD || v.type == 18;
+    const bool is_raw = v.type == CV_RAW_FIELD || v.type == CV_RAW_FIELD_TOO;
     if (shown.quantity == core::quantity::message_id) {
         if (is_raw) put_bytes(out, v.value.raw);
     } else if (!is_available(v)) {
         out.put('-');
-    } else if (!core::put_by_quantity(
-                   out, shown,
-                   v.type == CV_CHAR ? core::Value{.type = core::ValueType::i64, .number{.i64 = v.value.i64}}
-                                     : number)) {
+    } else if (!core::put_by_quantity(out, shown,
+                                      v.type == CV_CHAR
+                                          ? core::Value{.type = core::ValueType::i64, .number{bits_of(v)}}
+                                          : number)) {
         wchar_t text[print_limit];
         if (print_format_default(v.type) == nullptr)
             out.put("<Unknown data format>");

@@ -1,7 +1,9 @@
 #include "pgn_vistel/formats.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <span>
@@ -55,15 +57,42 @@ RawField raw_field(const FormatPlan& plan, const void* raw, int count) {
     }
 }
 
+/// The format of a field's value: the one that it names, else the field's own.
+const FormatPlan* format_of_value(const FormatPlan& plan, const RawField& raw) {
+    switch (plan.reading) {
+        case Reading::self_described: return core::find_format_plan(static_cast<DF>(raw.bits));
+        case Reading::self_described_before: return core::find_format_plan(raw.before);
+        default: return &plan;
+    }
+}
+
+/// Whether the record keeps the number that it came with: a mass has none in kilograms. Reserved codes are
+/// not available there, as in any unit.
+bool keeps_number(const FormatPlan& plan, const RawField& raw, UnitId unit) {
+    const FormatPlan* const format = unit == unit::kg ? format_of_value(plan, raw) : nullptr;
+    if (format == nullptr || format->rule != core::UnitRule::mass_kg) return false;
+    core::Value counted;
+    core::convert(plan, raw, unit::raw_count, shared_scratch(), counted);
+    return counted.type == core::ValueType::single;
+}
+
 void convert(const FormatPlan& plan, ConvValue* out, const void* raw, UnitId unit, int* count) {
     core::Value value;
     const int given = count != nullptr ? *count : 0;
-    const int taken = core::is_text(plan.reading)
-                          ? core::convert_text(plan, static_cast<const std::uint8_t*>(raw), INT_MAX, given,
-                                               shared_scratch(), value)
-                          : core::convert(plan, raw_field(plan, raw, given),
-                                          is_unit(unit) ? unit : UnitId{-1}, shared_scratch(), value);
-    store_value(out, value, plan.reading);
+    int taken;
+    if (core::is_text(plan.reading)) {
+        taken = core::convert_text(plan, static_cast<const std::uint8_t*>(raw), INT_MAX, given,
+                                   shared_scratch(), value);
+        store_value(out, value, plan.reading);
+    } else {
+        const RawField field = raw_field(plan, raw, given);
+        const UnitId asked = is_unit(unit) ? unit : UnitId{-1};
+        taken = core::convert(plan, field, asked, shared_scratch(), value);
+        if (keeps_number(plan, field, asked))
+            out->type = CV_FLOAT;
+        else
+            store_value(out, value, plan.reading);
+    }
     if (count != nullptr && taken >= 0) *count = taken;
 }
 
@@ -72,6 +101,22 @@ template <DF df>
 void convert_df(ConvValue* out, const void* raw, UnitId unit, int* count) {
     static const FormatPlan& plan = plan_of(df);
     convert(plan, out, raw, unit, count);
+}
+
+/// A double that is no dictionary entry's. But for the raw units it is tagged as a single and stored as a
+/// double: a reader of the tag sees the low half. The way back from text tells by it that only the raw form
+/// can be inverted.
+template <>
+void convert_df<core::format::double_precision>(ConvValue* out, const void* raw, UnitId unit, int* count) {
+    const auto number = std::bit_cast<double>(load(raw, sizeof(double)));
+    core::Value value;
+    if (unit == unit::raw_count && !std::isnan(number))
+        core::store_single(value, number);
+    else if (unit == unit::raw_bits || !std::isnan(number))
+        core::store_real(value, number);
+    store_value(out, value, Reading::double_plain);
+    if (value.type == core::ValueType::real && unit != unit::raw_bits) out->type = CV_FLOAT;
+    if (count != nullptr) *count = sizeof number;
 }
 
 struct FormatConversion {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cfloat>
 #include <cstdint>
 
@@ -25,6 +26,11 @@ template <class Integer>
 void store_integer(ConvValue* out, ConvType type, Integer value) {
     out->type = type;
     out->value.i64 = static_cast<std::int64_t>(value);
+}
+
+/// The bits of a record's number, whichever member they were stored as.
+inline std::uint64_t bits_of(const ConvValue& record) {
+    return std::bit_cast<std::uint64_t>(record.value);
 }
 
 inline void store_text(ConvValue* out, const char* text) {

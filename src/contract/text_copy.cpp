@@ -31,12 +31,6 @@ int copy_w2n(char* to, const wchar_t* from, int size) {
     return bounded_copy(to, from, size, code_page_to_narrow);
 }
 
-int copy_n2w(wchar_t* to, const char* from, int size) {
-    return bounded_copy(to, from, size, [](char c) {
-        return static_cast<wchar_t>(core::character_of(static_cast<std::uint8_t>(c)));
-    });
-}
-
 int copy_wide(wchar_t* to, const wchar_t* from, int size) {
     return bounded_copy(to, from, size, [](wchar_t c) { return c; });
 }

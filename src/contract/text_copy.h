@@ -10,9 +10,6 @@ namespace pgn_vistel {
 /// euro sign, the Greek capital omega, OE and oe; every other character becomes its low 8 bits.
 int copy_w2n(char* to, const wchar_t* from, int size);
 
-/// Narrow to wide by the same code page.
-int copy_n2w(wchar_t* to, const char* from, int size);
-
 int copy_wide(wchar_t* to, const wchar_t* from, int size);
 int copy_narrow(char* to, const char* from, int size);
 

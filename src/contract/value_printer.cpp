@@ -6,40 +6,21 @@
 #include <cstring>
 #include <cwchar>
 
+#include "contract/store.h"
 #include "contract/text_copy.h"
 #include "contract/values.h"
+#include "core/out.h"
 #include "pgn_vistel/core/value.h"
 
 namespace pgn_vistel {
 
 namespace {
 
-struct TypeFormats {
-    const wchar_t* plain;
-    const wchar_t* with_hex;
-};
-
-// By tag, as the text interface has them: "%I64" without a letter, and two hexadecimal digits at the least
-// where the types CV_I16 and CV_U64 have more.
-constexpr TypeFormats type_formats[] = {
-    {L"%5q", L"%5q"},
-    {L"%5q", L"%5q"},
-    {L"%8q", L"%8q"},
-    {L"%hu", L"%hu (0x%02X)"},
-    {L"%hd", L"%hd (0x%02X)"},
-    {L"%hu", L"%hu (0x%04X)"},
-    {L"%hd", L"%hd (0x%02X)"},
-    {L"%lu", L"%lu (0x%08X)"},
-    {L"%ld", L"%ld (0x%08X)"},
-    {L"%I64u", L"%I64u (0x%02X)"},
-    {L"%I64", L"%I64d"},
-    {L"%#2ld:%02d:%02d", L"%#2ld:%02d:%02d"},
-    {L"%c", L"%c"},
-    {L"%c", L"%c"},
-    {L"%c", L"%c"},
-    {L"%ls", L"%ls"},
-    {L"%ls", L"%ls"},
-    {L"%ls", L"%ls"},
+// By tag, as the text interface has them: "%I64" without a letter.
+constexpr const wchar_t* type_formats[] = {
+    L"%5q", L"%5q", L"%8q", L"%hu",   L"%hd",  L"%hu",
+    L"%hd", L"%lu", L"%ld", L"%I64u", L"%I64", L"%#2ld:%02d:%02d",
+    L"%c",  L"%c",  L"%c",  L"%ls",   L"%ls",  L"%ls",
 };
 
 constexpr int type_count = static_cast<int>(std::size(type_formats));
@@ -53,7 +34,8 @@ constexpr bool is_integer(int type) {
 
 // A double is shown with the precision of a single; the wide range of a double would not fit one.
 float float_of(const ConvValue& v) {
-    return v.type == CV_DOUBLE ? static_cast<float>(v.value.f64) : v.value.f32;
+    const core::Value::Number number{bits_of(v)};
+    return v.type == CV_DOUBLE ? static_cast<float>(number.f64()) : number.f32();
 }
 
 // ---- what a "q" conversion comes to ----
@@ -173,16 +155,21 @@ Arguments arguments_of(const ConvValue& v, int conversions) {
     Arguments args;
     switch (v.type) {
         case CV_TIME_OF_DAY: {
-            const std::uint32_t seconds = v.value.u32;
+            const auto seconds = static_cast<std::uint32_t>(bits_of(v));
             args.list[0] = seconds / 3600;
             args.list[1] = seconds % 3600 / 60;
             args.list[2] = seconds % 60;
             args.count = 3;
             break;
         }
-        case CV_CHAR: args.list[0] = FormatArg::of_character(core::character_of(v.value.u8)); break;
+        case CV_CHAR:
+            args.list[0] = FormatArg::of_character(core::character_of(static_cast<std::uint8_t>(bits_of(v))));
+            break;
         case CV_WCHAR:
-        case CV_WCHAR_PLAIN: args.list[0] = FormatArg::of_character(static_cast<wchar_t>(v.value.u16)); break;
+        case CV_WCHAR_PLAIN:
+            args.list[0] =
+                FormatArg::of_character(static_cast<wchar_t>(static_cast<std::uint16_t>(bits_of(v))));
+            break;
         case CV_TEXT_NARROW: args.list[0] = widen(text_area, v.value.narrow, print_limit); break;
         case CV_TEXT_WIDE:
             copy_wide(text_area, v.value.wide, print_limit);
@@ -200,11 +187,7 @@ Arguments arguments_of(const ConvValue& v, int conversions) {
 }  // namespace
 
 const wchar_t* print_format_default(int type) {
-    return type >= 0 && type < type_count ? type_formats[type].plain : nullptr;
-}
-
-const wchar_t* print_format_hex(int type) {
-    return type >= 0 && type < type_count ? type_formats[type].with_hex : nullptr;
+    return type >= 0 && type < type_count ? type_formats[type] : nullptr;
 }
 
 bool is_available(const ConvValue& v) {
@@ -226,7 +209,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
 
     static wchar_t work[print_limit];
     static wchar_t figures[print_limit];
-    WideWriter rewritten(work, print_limit);
+    core::WideOut rewritten(work, print_limit);
     enum class Mode { floating, signed_integer, unsigned_integer } mode = Mode::floating;
     for (const wchar_t* at = format; *at != 0;) {
         rewritten.put(*at);
@@ -235,7 +218,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
             rewritten.put(*at++);
             continue;
         }
-        WideWriter side(figures, print_limit);
+        core::WideOut side(figures, print_limit);
         if (*at == L'+' || *at == L' ') side.put(*at++);
         while ((*at >= L'0' && *at <= L'9') || *at == L'.') side.put(*at++);
         side.finish();
@@ -249,7 +232,7 @@ int format_q(wchar_t* buf, const wchar_t* format, float value) {
             const wchar_t letter = *at == L'l' ? at[1] : *at;
             if (letter == L'u') mode = Mode::unsigned_integer;
             if (letter == L'd') mode = Mode::signed_integer;
-            rewritten.put_text(figures);
+            rewritten.put(std::wstring_view(figures));
             if (*at != 0) rewritten.put(*at++);
         }
     }

@@ -11,9 +11,8 @@ constexpr int print_limit = 256;  // characters that one printed value has at th
 /// the type. `buf` holds at least 256 characters. Returns the characters written.
 int print_conv_value(wchar_t* buf, const wchar_t* format, ConvValue value);
 
-/// The types' own formats: the plain ones, and those that add the hexadecimal form. Null for a tag without.
+/// A type's own format; null for a tag without.
 const wchar_t* print_format_default(int type);
-const wchar_t* print_format_hex(int type);
 
 /// Prints a number with a given count of significant digits: in "%5q" 5, in "%8.2q" 8 of which at most 2 are
 /// decimals. Other text and conversions may stand around it; the number is passed once. Returns the

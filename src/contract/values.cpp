@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "contract/store.h"
 #include "core/value_text.h"
 
 namespace pgn_vistel {
@@ -72,18 +73,18 @@ void store_value(ConvValue* out, const Value& value, Reading reading) {
         return;
     }
     out->type = static_cast<std::int32_t>(value.type);
-    if (!value.is_left) out->value.u64 = value.number.u64;
+    out->value.u64 = value.number.bits;
 }
 
 bool is_hosts_own(const ConvValue& record) {
     return record.type < 0 || record.type == CV_FLOAT_PLAIN ||
-           (record.type >= CV_CHAR && record.type <= CV_WCHAR_PLAIN) || record.type == 18 ||
+           (record.type >= CV_CHAR && record.type <= CV_WCHAR_PLAIN) || record.type == CV_RAW_FIELD_TOO ||
            record.type == CV_RAW_FIELD;
 }
 
 Value value_of(const ConvValue& record) {
     Value value;
-    value.number.u64 = record.value.u64;
+    value.number.bits = bits_of(record);
     switch (record.type) {
         case CV_TEXT_NARROW:
             value.text = {record.value.narrow, length_of(record.value.narrow), Encoding::latin1};

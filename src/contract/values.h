@@ -12,8 +12,7 @@ namespace pgn_vistel {
 core::TextScratch& shared_scratch();
 
 /// Stores a value as a record. A text goes to the static area that its reading has, where it holds until a
-/// text of that reading is stored again. Where the unit's rule has no number, the record keeps the one it
-/// came with.
+/// text of that reading is stored again.
 void store_value(ConvValue* out, const core::Value& value, core::Reading reading);
 
 /// The value of a record, whose texts are read where they are. Of a type that only hosts' own records have,

@@ -3,30 +3,30 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
+#include <string_view>
 
-#include "core/numbers.h"
+#include "core/out.h"
 
 namespace pgn_vistel {
 
+using core::WideOut;
+
 namespace {
 
+void fill(WideOut& out, char c, std::int64_t count) {
+    for (; count > 0 && out.room() > 0; --count) out.put(c);
+}
+
 // Digits of a number with its sign, laid out in the width: blanks, sign, zeros, digits, blanks.
-void put_number(WideWriter& out, const Conversion& c, const char* sign, const char* digits, std::size_t count,
+void put_number(WideOut& out, const Conversion& c, std::string_view sign, std::string_view digits,
                 std::int64_t leading_zeros, bool zero_fill) {
-    const std::size_t sign_length = std::strlen(sign);
-    const std::int64_t body = static_cast<std::int64_t>(sign_length + count) + leading_zeros;
-    if (leading_zeros == 0 && c.width <= body) {
-        out.put_bytes(sign, sign_length);
-        out.put_bytes(digits, count);
-        return;
-    }
+    const std::int64_t body = static_cast<std::int64_t>(sign.size() + digits.size()) + leading_zeros;
     const std::int64_t pad = std::max<std::int64_t>(0, c.width - body);
-    if (!c.left && !zero_fill) out.fill(L' ', pad);
-    out.put_bytes(sign, sign_length);
-    out.fill(L'0', leading_zeros + (zero_fill && !c.left ? pad : 0));
-    out.put_bytes(digits, count);
-    if (c.left) out.fill(L' ', pad);
+    if (!c.left && !zero_fill) fill(out, ' ', pad);
+    out.put(sign);
+    fill(out, '0', leading_zeros + (zero_fill && !c.left ? pad : 0));
+    out.put(digits);
+    if (c.left) fill(out, ' ', pad);
 }
 
 const char* sign_of(const Conversion& c, bool negative) {
@@ -42,7 +42,7 @@ std::int64_t saturated(double v) {
     return static_cast<std::int64_t>(v);
 }
 
-void put_integer(WideWriter& out, const Conversion& c, const FormatArg& arg) {
+void put_integer(WideOut& out, const Conversion& c, const FormatArg& arg) {
     const std::int64_t value = arg.kind == FormatArg::Kind::floating ? saturated(arg.floating) : arg.integer;
     const int drop = 64 - c.integer_bits;
     const bool is_signed = c.letter == L'd' || c.letter == L'i';
@@ -78,7 +78,7 @@ void put_integer(WideWriter& out, const Conversion& c, const FormatArg& arg) {
     std::int64_t zeros = std::max<std::int64_t>(0, c.precision - static_cast<std::int64_t>(count));
     // An alternative octal number begins with a zero.
     if (c.alternative && c.letter == L'o' && zeros == 0 && (count == 0 || *digits != '0')) zeros = 1;
-    put_number(out, c, sign, digits, count, zeros, c.zero && c.precision == Conversion::none);
+    put_number(out, c, sign, {digits, count}, zeros, c.zero && c.precision == Conversion::none);
 }
 
 /// Of a number in scientific form.
@@ -89,13 +89,13 @@ int exponent_of(const char* number, const char* end) {
     return *sign == '-' ? -exponent : exponent;
 }
 
-void put_floating(WideWriter& out, const Conversion& c, const FormatArg& arg) {
+void put_floating(WideOut& out, const Conversion& c, const FormatArg& arg) {
     const double value =
         arg.kind == FormatArg::Kind::floating ? arg.floating : static_cast<double>(arg.integer);
     const char* const sign = sign_of(c, std::signbit(value));
     const double magnitude = std::fabs(value);
     if (!std::isfinite(value)) {
-        put_number(out, c, sign, std::isnan(value) ? "nan" : "inf", 3, 0, false);
+        put_number(out, c, sign, std::isnan(value) ? "nan" : "inf", 0, false);
         return;
     }
     const int wanted = c.precision == Conversion::none ? 6 : c.precision;
@@ -130,19 +130,19 @@ void put_floating(WideWriter& out, const Conversion& c, const FormatArg& arg) {
         ++end;
     }
     if (c.letter == L'E' || c.letter == L'G') std::replace(buffer, end, 'e', 'E');
-    put_number(out, c, sign, buffer, static_cast<std::size_t>(end - buffer), 0, c.zero);
+    put_number(out, c, sign, {buffer, static_cast<std::size_t>(end - buffer)}, 0, c.zero);
 }
 
-void put_string(WideWriter& out, const Conversion& c, const wchar_t* text, std::int64_t length) {
+void put_string(WideOut& out, const Conversion& c, const wchar_t* text, std::int64_t length) {
     const std::int64_t pad = std::max<std::int64_t>(0, c.width - length);
-    if (!c.left) out.fill(L' ', pad);
-    out.put(text, static_cast<std::size_t>(length));
-    if (c.left) out.fill(L' ', pad);
+    if (!c.left) fill(out, ' ', pad);
+    out.put(std::wstring_view(text, static_cast<std::size_t>(length)));
+    if (c.left) fill(out, ' ', pad);
 }
 
 }  // namespace
 
-void put_conversion(WideWriter& out, const Conversion& c, const FormatArg& arg) {
+void put_conversion(WideOut& out, const Conversion& c, const FormatArg& arg) {
     const bool is_number = arg.kind == FormatArg::Kind::integer || arg.kind == FormatArg::Kind::floating;
     switch (c.letter) {
         case L'd':
@@ -182,13 +182,13 @@ void put_conversion(WideWriter& out, const Conversion& c, const FormatArg& arg) 
     }
 }
 
-void format_wide(WideWriter& out, const wchar_t* format, std::span<const FormatArg> args) {
+void format_wide(WideOut& out, const wchar_t* format, std::span<const FormatArg> args) {
     std::size_t used = 0;
     for (const wchar_t* at = format; *at != 0;) {
         if (*at != L'%') {
             out.put(*at++);
         } else if (at[1] == L'%') {
-            out.put(L'%');
+            out.put('%');
             at += 2;
         } else {
             ++at;
@@ -199,7 +199,7 @@ void format_wide(WideWriter& out, const wchar_t* format, std::span<const FormatA
 }
 
 int format_wide(wchar_t* buf, int size, const wchar_t* format, std::span<const FormatArg> args) {
-    WideWriter out(buf, size);
+    WideOut out(buf, size);
     format_wide(out, format, args);
     return out.finish();
 }

@@ -1,57 +1,14 @@
 #pragma once
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
-#include <cwchar>
 #include <span>
 #include <type_traits>
 
 namespace pgn_vistel {
 
-/// Writes wide characters into a caller's buffer and stops at its end; what does not fit is dropped.
-/// `finish` terminates the text. A buffer of size 0 or a null buffer takes nothing.
-class WideWriter {
-  public:
-    WideWriter(wchar_t* buf, int size) : begin_(buf), at_(buf), end_(buf) {
-        if (buf != nullptr && size > 0) end_ = buf + (size - 1);
-        terminable_ = buf != nullptr && size > 0;
-    }
-
-    void put(wchar_t c) {
-        if (at_ < end_) *at_++ = c;
-    }
-    void put(const wchar_t* text, std::size_t count) {
-        const auto n = std::min(count, static_cast<std::size_t>(end_ - at_));
-        at_ = std::copy_n(text, n, at_);
-    }
-    void fill(wchar_t c, std::int64_t count) {
-        at_ = std::fill_n(at_, std::clamp<std::int64_t>(count, 0, end_ - at_), c);
-    }
-    /// Widens each byte to the character of the same number.
-    void put_bytes(const char* text, std::size_t count) {
-        const auto n = std::min(count, static_cast<std::size_t>(end_ - at_));
-        at_ = std::transform(text, text + n, at_, [](char c) { return static_cast<unsigned char>(c); });
-    }
-    void put_text(const wchar_t* text) { put(text, std::wcslen(text)); }
-    void remove_last(int count) { at_ -= count; }
-
-    int count() const { return static_cast<int>(at_ - begin_); }
-    int room() const { return static_cast<int>(end_ - at_) + (terminable_ ? 1 : 0); }
-    wchar_t* at() { return at_; }
-    /// Takes over characters that somebody else wrote at `at()`.
-    void advance(int count) { at_ += count; }
-    int finish() {
-        if (terminable_) *at_ = 0;
-        return count();
-    }
-
-  private:
-    wchar_t* begin_;
-    wchar_t* at_;
-    wchar_t* end_;
-    bool terminable_;
-};
+namespace core {
+class WideOut;
+}
 
 /// An argument of a wide format. It knows its kind, so a conversion never reads what it was not given.
 struct FormatArg {
@@ -92,7 +49,7 @@ constexpr Conversion parse_conversion(const wchar_t** format);
 
 /// Prints one argument under a conversion. Numbers are converted into each other where the kinds differ; a
 /// text or character conversion without a fitting argument prints nothing.
-void put_conversion(WideWriter& out, const Conversion& conversion, const FormatArg& arg);
+void put_conversion(core::WideOut& out, const Conversion& conversion, const FormatArg& arg);
 
 /// Bounded wide formatted printing with the conventions of the Microsoft C runtime: "%I64u", "%ls" and "%s"
 /// for wide text, "%c" for a wide character, "long" of 32 bits. A size prefix "I64" without a letter reads as
@@ -100,7 +57,7 @@ void put_conversion(WideWriter& out, const Conversion& conversion, const FormatA
 /// nothing, "*" and "%n" are no conversions. Returns the number of characters written; output that does not
 /// fit is cut.
 int format_wide(wchar_t* buf, int size, const wchar_t* format, std::span<const FormatArg> args);
-void format_wide(WideWriter& out, const wchar_t* format, std::span<const FormatArg> args);
+void format_wide(core::WideOut& out, const wchar_t* format, std::span<const FormatArg> args);
 
 constexpr Conversion parse_conversion(const wchar_t** format) {
     const wchar_t* at = *format;

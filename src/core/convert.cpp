@@ -136,7 +136,7 @@ void convert_position(const FormatPlan& format, const RawField& raw, UnitId u, V
                    static_cast<double>(number) * (width == 32 ? degrees_per_count_32 : degrees_per_count_64));
     } else {
         store_none(out);
-        out.number.u64 = 0x7FFFFFFFFFFFFFFF;  // here the NaN is a double
+        out.number.bits = 0x7FFFFFFFFFFFFFFF;  // here the NaN is a double
     }
 }
 
@@ -169,22 +169,6 @@ void convert_double_distance(const RawField& raw, UnitId u, TextScratch& scratch
     } else {
         const double single = static_cast<double>(static_cast<float>(metres));
         apply_unit_rule(UnitRule::length_cm, static_cast<float>(single * 100), u, scratch, out);
-    }
-}
-
-void convert_double_plain(const RawField& raw, UnitId u, Value& out) {
-    const double value = real_in(raw);
-    if (u == unit::raw_bits) {
-        store_real(out, value);
-    } else if (std::isnan(value)) {
-        store_none(out);
-    } else if (u == unit::raw_count) {
-        store_single(out, value);
-    } else {
-        // Tagged single, stored double: a reader of the tag sees the low half. The way back from text tells
-        // by it that only the raw form can be inverted.
-        store_real(out, value);
-        out.type = ValueType::single;
     }
 }
 
@@ -417,10 +401,6 @@ void apply_unit_rule(UnitRule rule, float value, UnitId u, TextScratch& scratch,
     }
     if (rule == UnitRule::temperature_k) {
         store_temperature(value, u, out);
-    } else if (rule == UnitRule::mass_kg && (u == unit::kg || u == unit::raw_count)) {
-        store_none(out);
-        out.type = ValueType::single;
-        out.is_left = true;
     } else if (u == unit::raw_count) {
         store_single(out, value);
     } else if (const float factor = unit_factor(rule, u); factor != 0) {
@@ -456,7 +436,6 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::float_angle: convert_float_angle(raw, u, scratch, out); return 4;
         case Reading::float_plain: convert_float_plain(raw, u, out); return 4;
         case Reading::double_distance: convert_double_distance(raw, u, scratch, out); return 8;
-        case Reading::double_plain: convert_double_plain(raw, u, out); return 8;
         case Reading::latitude_32:
         case Reading::longitude_32:
         case Reading::latitude_64:
@@ -530,6 +509,7 @@ int convert(const FormatPlan& format, const RawField& raw, UnitId u, TextScratch
         case Reading::measured:
         case Reading::measured_float: convert_measured(format, raw, u, scratch, out); return format.width / 8;
         case Reading::never_available:
+        case Reading::double_plain:  // of the text interface alone
         case Reading::text_sent:
         case Reading::text_counted:
         case Reading::text_padded:

@@ -41,22 +41,22 @@ void apply_unit_rule(UnitRule rule, float value, UnitId unit, TextScratch& scrat
 
 inline void store_none(Value& out) {
     out.type = ValueType::none;
-    out.number.u64 = Value::no_number;
+    out.number = {};
 }
 
 inline void store_single(Value& out, double value) {
     out.type = ValueType::single;
-    out.number.f32 = static_cast<float>(value);
+    out.number = Value::Number::of(static_cast<float>(value));
 }
 
 inline void store_real(Value& out, double value) {
     out.type = ValueType::real;
-    out.number.f64 = value;
+    out.number = Value::Number::of(value);
 }
 
 inline void store_integer(Value& out, ValueType type, std::int64_t value) {
     out.type = type;
-    out.number.i64 = value;
+    out.number = Value::Number::of(value);
 }
 
 inline void store_text(Value& out, const void* data, int count, Encoding encoding) {

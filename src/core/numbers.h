@@ -108,6 +108,11 @@ inline char* write_signed(char* at, std::int64_t number) {
     return write_unsigned(at + 1, 0 - static_cast<std::uint64_t>(number));
 }
 
+/// The first digit of a byte at place 0, the other one at 1.
+inline char hex_digit(std::uint8_t byte, int place) {
+    return detail::hex_pairs[std::size_t{2} * byte + static_cast<std::size_t>(place)];
+}
+
 inline char* write_hex_byte(char* at, std::uint8_t byte) {
     std::memcpy(at, detail::hex_pairs.data() + 2 * byte, 2);
     return at + 2;

@@ -86,8 +86,9 @@ class WideOut {
         if (terminable_) end_ = buf + (size - 1);
     }
 
-    void put(char c) {
-        if (at_ < end_) *at_++ = static_cast<unsigned char>(c);
+    void put(char c) { put(static_cast<wchar_t>(static_cast<unsigned char>(c))); }
+    void put(wchar_t c) {
+        if (at_ < end_) *at_++ = c;
     }
     void put(std::string_view text) {
         const auto count = std::min(text.size(), static_cast<std::size_t>(end_ - at_));
@@ -103,9 +104,7 @@ class WideOut {
         char area[most_number_size] = {};
         put(std::string_view(area, static_cast<std::size_t>(write(area) - area)));
     }
-    void put_character(std::uint32_t c) {
-        if (at_ < end_) *at_++ = static_cast<wchar_t>(c);
-    }
+    void put_character(std::uint32_t c) { put(static_cast<wchar_t>(c)); }
     int room() const { return static_cast<int>(end_ - at_); }
 
     wchar_t* mark() const { return at_; }

@@ -49,7 +49,7 @@ inline void find_meaning(const FieldPlan& plan, std::uint32_t high, TextScratch&
         case Form::pgn_name:
         case Form::pgn_title:
             parts.unit = -1;
-            if (const PgnDef* const row = find_named(plan.form, reading.value.number.u32)) {
+            if (const PgnDef* const row = find_named(plan.form, reading.value.number.u32())) {
                 if (const std::string_view name = pgn_name(row); !name.empty())
                     parts.set_word(Meaning::pgn_name, name);
             }
@@ -57,7 +57,7 @@ inline void find_meaning(const FieldPlan& plan, std::uint32_t high, TextScratch&
         case Form::mmsi: {
             parts.unit = -1;
             char* const text = scratch.made.data();
-            const auto size = write_mmsi(text, reading.value.number.u32) - text;
+            const auto size = write_mmsi(text, reading.value.number.u32()) - text;
             parts.set_word(Meaning::word, {text, static_cast<std::size_t>(size)});
             break;
         }
@@ -113,7 +113,7 @@ inline void look_again(const FieldPlan& plan, FieldParts& parts) {
         parts.unit = -1;
         if (integer_of(value) >= format_plans[plan.format].first_reserved) parts.available = false;
     } else if ((plan.flags & all_bits_none) != 0 && parts.available) {
-        parts.available = value.number.u64 != ~std::uint64_t{0} >> (64 - plan.bits);
+        parts.available = value.number.u64() != ~std::uint64_t{0} >> (64 - plan.bits);
     }
 }
 
@@ -192,9 +192,10 @@ inline char* write_number(char* at, const FieldParts& parts) {
     switch (parts.reading.value.type) {
         case ValueType::none:
         case ValueType::text: return nullptr;
-        case ValueType::single: return std::isfinite(number.f32) ? write_shortest(at, number.f32) : nullptr;
-        case ValueType::real: return std::isfinite(number.f64) ? write_shortest(at, number.f64) : nullptr;
-        case ValueType::u64: return write_unsigned(at, number.u64);
+        case ValueType::single:
+            return std::isfinite(number.f32()) ? write_shortest(at, number.f32()) : nullptr;
+        case ValueType::real: return std::isfinite(number.f64()) ? write_shortest(at, number.f64()) : nullptr;
+        case ValueType::u64: return write_unsigned(at, number.u64());
         default: return write_signed(at, integer_of(parts.reading.value));
     }
 }

@@ -22,7 +22,7 @@ enum class Reading : std::uint8_t {
     float_angle,
     float_plain,
     double_distance,
-    double_plain,
+    double_plain,  ///< of no dictionary entry: none here
     latitude_32,
     longitude_32,
     latitude_64,
@@ -118,8 +118,9 @@ enum class Form : std::uint8_t {
 };
 
 // Quantities that only the payload tells.
-constexpr std::uint8_t air_pressure_if_source_0 = quantity::no_quantity + 1, quantity_of_format_inside = 67,
-                       quantity_of_format_before = 68;
+constexpr std::uint8_t air_pressure_if_source_0 = quantity::no_quantity + 1,
+                       quantity_of_format_inside = quantity::no_quantity + 2,
+                       quantity_of_format_before = quantity::no_quantity + 3;
 
 constexpr std::uint16_t end_row = 0xFFFF;
 constexpr std::uint16_t no_set = 0xFFFF;

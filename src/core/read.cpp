@@ -89,7 +89,7 @@ void read(const FieldShape& shape, std::uint32_t dd, const Payload& payload, int
     if (out.cut_off) {
         out.value = {};
     } else if (is_integer(out.value.type) && size > 0) {
-        out.value.number.u64 &= size_mask(size);
+        out.value.number.bits &= size_mask(size);
     }
 }
 
@@ -103,10 +103,10 @@ FieldReading read_field(const N2KMsg& msg, const FieldDef& field, PayloadPositio
 }
 
 std::uint32_t enumeration_value(const Value& value) {
-    return visit_number(value, value.number.u32, [&value](auto number) {
-        return sizeof number == 1   ? value.number.u8
-               : sizeof number == 2 ? value.number.u16
-                                    : value.number.u32;
+    return visit_number(value, value.number.u32(), [&value](auto number) {
+        return sizeof number == 1   ? value.number.u8()
+               : sizeof number == 2 ? value.number.u16()
+                                    : value.number.u32();
     });
 }
 

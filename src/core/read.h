@@ -1,11 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "core/convert.h"
 #include "core/plan.h"
 #include "pgn_vistel/core/decode.h"
+
+static_assert(std::endian::native == std::endian::little,
+              "payloads and the message record are little-endian");
 
 namespace pgn_vistel::core {
 

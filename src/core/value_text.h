@@ -35,11 +35,8 @@ inline std::uint32_t unit_of(const Text& text, int i) {
         case Encoding::code_page: return character_of(bytes[i]);
         case Encoding::utf16: return bytes[2 * i] | static_cast<std::uint32_t>(bytes[2 * i + 1]) << 8;
         case Encoding::wide: return static_cast<std::uint32_t>(static_cast<const wchar_t*>(text.data)[i]);
-        case Encoding::digits: {
-            constexpr std::string_view digits = "0123456789ABCDEF";
-            const unsigned byte = bytes[i / 3];
-            return i % 3 == 2 ? ' ' : static_cast<unsigned char>(digits[i % 3 == 0 ? byte >> 4 : byte & 15]);
-        }
+        case Encoding::digits:
+            return static_cast<unsigned char>(i % 3 == 2 ? ' ' : hex_digit(bytes[i / 3], i % 3));
         default: return bytes[i];
     }
 }
@@ -82,7 +79,7 @@ inline void put_text(WideOut& out, const Text& text, int most) {
 
 /// A double is taken with the precision of a single: the wide range of a double would not fit a line.
 inline double number_of(const Value& v) {
-    return visit_number(v, static_cast<double>(v.number.i64), [](auto number) {
+    return visit_number(v, static_cast<double>(v.number.i64()), [](auto number) {
         if constexpr (std::is_floating_point_v<decltype(number)>)
             return static_cast<double>(static_cast<float>(number));
         else
@@ -132,7 +129,7 @@ void put_flags(Out& out, std::uint16_t index, std::uint32_t value) {
 
 /// False where the number itself is to be shown. `high` is added to what the enumeration is asked for.
 template <class Out>
-bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::uint32_t high) {
+[[nodiscard]] bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::uint32_t high) {
     const DDstrings& set = enum_sets[index];
     const std::uint16_t entry = find_entry(index, value + high);
     if (entry != no_entry) {
@@ -151,7 +148,7 @@ bool put_enumeration(Out& out, std::uint16_t index, std::uint32_t value, std::ui
 }
 
 template <class Out>
-bool put_clock(Out& out, UnitId unit, const Value& v) {
+[[nodiscard]] bool put_clock(Out& out, UnitId unit, const Value& v) {
     if (unit != unit::clock_12 && unit != unit::clock_24) return false;
     const std::int32_t seconds = truncated(number_of(v));
     const int hour = seconds / 3600 & 0xFF;
@@ -177,7 +174,7 @@ bool put_clock(Out& out, UnitId unit, const Value& v) {
 }
 
 template <class Out>
-bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
+[[nodiscard]] bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
     constexpr int decimals = 6;
     double value = number_of(v);
     if (unit == unit::hours || unit == unit::seconds) {
@@ -204,10 +201,10 @@ bool put_duration(Out& out, UnitId unit, const Value& v, bool of_corrected) {
 
 /// The value's low 16 bits as days, in a date layout.
 template <class Out>
-bool put_date_again(Out& out, UnitId unit, const Value& v) {
+[[nodiscard]] bool put_date_again(Out& out, UnitId unit, const Value& v) {
     constexpr std::uint16_t first_reserved = 0xFFFD;
     char area[clock_text_size];
-    const int count = v.number.u16 < first_reserved ? put_date(area, v.number.u16, unit) : 0;
+    const int count = v.number.u16() < first_reserved ? put_date(area, v.number.u16(), unit) : 0;
     out.put(std::string_view(area, static_cast<std::size_t>(count)));
     return count > 0;
 }
@@ -221,23 +218,23 @@ void put_hexadecimal(Out& out, const Value& v) {
     switch (v.type) {
         case ValueType::single:
         case ValueType::u32:
-        case ValueType::i32: put_digits(v.number.u32, 8); break;
+        case ValueType::i32: put_digits(v.number.u32(), 8); break;
         // Of 64 bits the low 32 are shown, padded to 16 digits; signed ones with blanks.
         case ValueType::real:
-        case ValueType::u64: put_digits(v.number.u32, 16); break;
+        case ValueType::u64: put_digits(v.number.u32(), 16); break;
         case ValueType::i64:
             out.put("0x");
             out.put_number([&v](char* at) {
                 char digits[most_number_size];
-                const auto count = write_hex(digits, v.number.u32, 1) - digits;
+                const auto count = write_hex(digits, v.number.u32(), 1) - digits;
                 std::fill_n(at, 16 - count, ' ');
                 return std::copy_n(digits, count, at + 16 - count);
             });
             break;
-        case ValueType::u8: put_digits(v.number.u8, 2); break;
-        case ValueType::i8: put_digits(static_cast<std::uint32_t>(v.number.i8), 2); break;
-        case ValueType::u16: put_digits(v.number.u16, 4); break;
-        case ValueType::i16: put_digits(static_cast<std::uint32_t>(v.number.i16), 4); break;
+        case ValueType::u8: put_digits(v.number.u8(), 2); break;
+        case ValueType::i8: put_digits(static_cast<std::uint32_t>(v.number.i8()), 2); break;
+        case ValueType::u16: put_digits(v.number.u16(), 4); break;
+        case ValueType::i16: put_digits(static_cast<std::uint32_t>(v.number.i16()), 4); break;
         case ValueType::text: {
             Text text = v.text;
             if (text.encoding == Encoding::latin1) text.encoding = Encoding::code_page;
@@ -258,8 +255,8 @@ inline char* write_mmsi(char* at, std::uint32_t number) {
 /// least as the form of the type says.
 inline char* write_integer(char* at, const Value& v, bool plain) {
     const std::int64_t number = integer_of(v);
-    at = v.type == ValueType::u8    ? write_byte(at, v.number.u8)
-         : v.type == ValueType::u64 ? write_unsigned(at, v.number.u64)
+    at = v.type == ValueType::u8    ? write_byte(at, v.number.u8())
+         : v.type == ValueType::u64 ? write_unsigned(at, v.number.u64())
                                     : write_signed(at, number);
     if (plain || v.type == ValueType::i64) return at;
     std::memcpy(at, " (0x", 4);
@@ -296,16 +293,16 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers, bool every_code) 
     }
     switch (v.type) {
         case ValueType::single:
-            out.put_number([&v](char* at) { return write_significant(at, v.number.f32, 5); });
+            out.put_number([&v](char* at) { return write_significant(at, v.number.f32(), 5); });
             break;
         case ValueType::real: {
             // With the precision of a single: the wide range of a double would not fit.
-            const auto value = static_cast<float>(v.number.f64);
+            const auto value = static_cast<float>(v.number.f64());
             out.put_number([value](char* at) { return write_significant(at, value, 8); });
             break;
         }
         case ValueType::seconds:
-            out.put_number([&v](char* at) { return write_hours(at, v.number.u32); });
+            out.put_number([&v](char* at) { return write_hours(at, v.number.u32()); });
             break;
         case ValueType::text:
             put_text(out, v.text, v.text.encoding == Encoding::digits ? INT32_MAX : text_limit);
@@ -316,13 +313,13 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers, bool every_code) 
 
 /// What the catalogue has a text for. False where the value itself is to be shown.
 template <class Out>
-bool put_by_form(Out& out, const Shown& shown, const Value& v) {
+[[nodiscard]] bool put_by_form(Out& out, const Shown& shown, const Value& v) {
     switch (shown.form) {
         case Form::pgn_name:
-        case Form::pgn_title: put_pgn(out, shown.form, v.number.u32); return true;
+        case Form::pgn_title: put_pgn(out, shown.form, v.number.u32()); return true;
         case Form::database_version:
             out.put_number(
-                [&v](char* at) { return write_fixed(at, v.number.u16 * static_cast<double>(0.001f), 3); });
+                [&v](char* at) { return write_fixed(at, v.number.u16() * static_cast<double>(0.001f), 3); });
             return true;
         case Form::flags:
             put_flags(out, shown.set, enumeration_value(v));  // no flag set is a text, too: an empty one
@@ -330,7 +327,7 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
         case Form::enumeration: return put_enumeration(out, shown.set, enumeration_value(v), shown.high);
         case Form::mmsi:
             if (!is_available(v)) return false;
-            out.put_number([&v](char* at) { return write_mmsi(at, v.number.u32); });
+            out.put_number([&v](char* at) { return write_mmsi(at, v.number.u32()); });
             return true;
         case Form::coded:
         case Form::plain: break;
@@ -340,7 +337,7 @@ bool put_by_form(Out& out, const Shown& shown, const Value& v) {
 
 /// The forms that quantities have of their own in some units. The value is an available number.
 template <class Out>
-bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
+[[nodiscard]] bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
     switch (shown.quantity) {
         case quantity::time_of_day: return put_clock(out, shown.unit, v);
         case quantity::duration: return put_duration(out, shown.unit, v, shown.every_code);
@@ -351,7 +348,7 @@ bool put_by_quantity(Out& out, const Shown& shown, const Value& v) {
 
 /// The value without its unit. Returns whether a unit follows: behind a text of the catalogue none does.
 template <class Out>
-bool put_value(Out& out, const Shown& shown, const Value& v) {
+[[nodiscard]] bool put_value(Out& out, const Shown& shown, const Value& v) {
     if (put_by_form(out, shown, v)) return false;
     if (shown.quantity == quantity::message_id)
         put_hexadecimal(out, v);

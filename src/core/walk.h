@@ -92,7 +92,7 @@ struct Stepping {
     }
 
   private:
-    static bool finish(State& w, bool rest) {
+    [[nodiscard]] static bool finish(State& w, bool rest) {
         w.upcoming = end_row;
         w.rest = rest;
         w.rest_from = w.is_covering ? w.position : 0;
@@ -102,7 +102,7 @@ struct Stepping {
 
     /// What the field depends on. False where it is none of the message: a group that does not come, a field
     /// without a size, or a value that nothing tells how to read, which ends the walk.
-    static bool resolve(State& w);
+    [[nodiscard]] static bool resolve(State& w);
 
     static void remember(State& w, unsigned flags) {
         if ((flags & first_of_group) != 0) w.group_started = w.position;
@@ -110,7 +110,7 @@ struct Stepping {
     }
 
     /// Behind the last field of a round. False where that took no byte: it would come again for ever.
-    static bool begin_round(State& w) {
+    [[nodiscard]] static bool begin_round(State& w) {
         w.ends_round = false;
         if (w.position == w.group_started) return false;
         if (w.round >= w.rounds) {
@@ -124,7 +124,7 @@ struct Stepping {
     }
 
     /// Passes over what is not shown of a proprietary message or a group function. False at the walk's end.
-    static bool pick(State& w) {
+    [[nodiscard]] static bool pick(State& w) {
         while (w.upcoming != end_row && w.position < w.end) {
             const FieldPlan& p = field_plans[w.upcoming];
             if (p.number >= w.limit) return finish(w, true);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -17,28 +16,24 @@ struct StreamEntry {
     void* native_line = nullptr;
     std::uint32_t pgn = 0;
     std::uint8_t source = 0;
-    std::array<std::uint8_t, 4> keys{};
+    core::StreamKeys keys{};
 };
 
 /// What tells the streams apart.
 struct StreamKey {
-    explicit StreamKey(const N2KMsg& msg) : pgn(msg.pgn), source(msg.source) {
-        keyed = core::extract_stream_keys(pgn, msg.data, &keys[0], &keys[1], &keys[2], &keys[3]) != 0;
-    }
+    explicit StreamKey(const N2KMsg& msg) : pgn(msg.pgn), source(msg.source), keys(core::stream_keys(msg)) {}
 
-    /// A key of 255 in the message matches every stored one; a stored 255 matches nothing else.
+    /// A key that the message has not matches every stored one; one that was not stored matches nothing else.
     bool matches(const StreamEntry& entry) const {
         if (entry.pgn != pgn || entry.source != source) return false;
-        for (std::size_t i = 0; keyed && i < keys.size(); ++i)
-            if (keys[i] != absent && keys[i] != entry.keys[i]) return false;
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            if (keys[i] != core::no_stream_key && keys[i] != entry.keys[i]) return false;
         return true;
     }
 
-    static constexpr std::uint8_t absent = 255;
     std::uint32_t pgn;
     std::uint8_t source;
-    std::array<std::uint8_t, 4> keys{absent, absent, absent, absent};
-    bool keyed;
+    core::StreamKeys keys;
 };
 
 /// The streams in the order in which they were first seen. The capacity never changes; it is 0 where a table

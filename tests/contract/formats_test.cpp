@@ -55,6 +55,7 @@ TEST(Formats, ConversionOfOneField) {
 }
 
 TEST(Formats, Records) {
+    constexpr std::uint64_t nan = 0x7FF8000000000000;
     const std::tuple<DF, std::uint64_t, UnitId, int, std::uint64_t, int> cases[] = {
         // clang-format off
         {57, 0x80, raw_bits, CV_I8, ~std::uint64_t{0x7F}, 1}, {54, 0xFFFF, plain_65, CV_NOT_AVAILABLE, 0x7FFFFFFF, 2},
@@ -64,8 +65,12 @@ TEST(Formats, Records) {
         // a double where the unit is wrong, and a double that is tagged as a single
         {23, 1, V, CV_NOT_AVAILABLE, 0x7FFFFFFFFFFFFFFF, 4},
         {62, 0x3FB999999999999A, m, CV_FLOAT, 0x3FB999999999999A, 8},
+        {62, 0x3FB999999999999A, raw_bits, CV_DOUBLE, 0x3FB999999999999A, 8},
+        {62, 0x3FB999999999999A, raw_count, CV_FLOAT, 0x3DCCCCCD, 8}, {62, nan, raw_bits, CV_DOUBLE, nan, 8},
+        {62, nan, raw_count, CV_NOT_AVAILABLE, 0x7FFFFFFF, 8}, {62, nan, m, CV_NOT_AVAILABLE, 0x7FFFFFFF, 8},
         // kilograms leave the number as it was
-        {104, 1, kg, CV_FLOAT, 0x7FFFFFFF, 4}, {60007, 0x0023, kph, CV_NOT_AVAILABLE, 0x7FFFFFFF, untouched},
+        {104, 1, kg, CV_FLOAT, came_with, 4}, {60007, 0x10068, kg, CV_FLOAT, came_with, 4},
+        {104, 0xFFFFFFFD, kg, CV_NOT_AVAILABLE, 0x7FFFFFFF, 4}, {60007, 0x0023, kph, CV_NOT_AVAILABLE, 0x7FFFFFFF, untouched},
         // clang-format on
     };
     for (const auto& [df, bits, unit, type, value, count] : cases) {

@@ -6,6 +6,7 @@
 namespace pgn_vistel::test {
 
 constexpr int untouched = -77;  // a count that no conversion reports
+constexpr std::uint64_t came_with = 0xA5A5A5A5A5A5A5A5;  // of a record whose number is left as it was
 
 struct Converted {
     ConvValue value{CV_NOT_AVAILABLE, {}};
@@ -14,7 +15,7 @@ struct Converted {
 
 inline Converted convert(DF df, const void* raw, UnitId unit, int count = untouched) {
     Converted result;
-    result.value.value.u64 = Value::no_number;
+    result.value.value.u64 = came_with;
     result.count = count;
     find_conversion(df)(&result.value, raw, unit, &result.count);
     return result;

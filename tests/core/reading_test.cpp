@@ -32,7 +32,7 @@ TEST(Reading, BitsOfEveryWidthAtEveryPosition) {
             msg.length = static_cast<std::uint16_t>((byte * 8 + bit + width + 7) / 8);  // ends with the field
             const FieldReading whole = read_at(msg, width, {byte, bit});
             EXPECT_EQ(whole.value.type, ValueType::u64);
-            EXPECT_EQ(whole.value.number.u64, expected);
+            EXPECT_EQ(whole.value.number.u64(), expected);
             EXPECT_EQ(whole.next.byte * 8 + whole.next.bit, byte * 8 + bit + width);
             EXPECT_LT(whole.next.bit, 8);
             --msg.length;

@@ -4,9 +4,9 @@ from collections import namedtuple
 
 from corrected import corrected_messages
 from measures import measure_of_format, measure_of_reading, measure_of_source
-from overlay import base_variant, is_proprietary
+from overlay import base_variant
 from sizes import Sizes, name_of, places, repeats_of, variants
-from tables import DD, FIELD, MAX_PAYLOAD, PGN, choice, number, optional, read_table, scale
+from tables import DD, FIELD, MAX_PAYLOAD, PGN, choice, is_proprietary, number, optional, read_table, scale
 
 RESERVED = (1, 311)  # dictionary entries: reserved bits, spare bits of AIS
 RESERVED_LABEL = "NMEA Reserved"  # of those that have an entry of their own

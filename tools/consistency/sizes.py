@@ -2,7 +2,7 @@
 
 from collections import namedtuple
 
-from tables import MAX_PAYLOAD, NO_KEY, NO_SELECTOR
+from tables import MAX_PAYLOAD, NO_KEY, NO_SELECTOR, is_proprietary
 
 FRAME_BITS = 64  # of a message that is one CAN frame
 FAST_PACKET_BITS = 223 * 8
@@ -76,11 +76,6 @@ def name_of(row):
     """The message that a row belongs to: PGN and, for variants, the selectors."""
     selectors = (row.key1 & 0xFFFF, row.key2 >> 16, row.key3 >> 16)
     return ".".join(map(str, [row.pgn, *(each for each in selectors if each != NO_SELECTOR)]))
-
-
-def is_proprietary(pgn):
-    """Its maker is free to send less than a full frame."""
-    return pgn in (61184, MAKERS_COMMANDS) or 65280 <= pgn <= 65535 or 130816 <= pgn <= 131071
 
 
 def field_name(row):

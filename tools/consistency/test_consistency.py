@@ -8,7 +8,7 @@ from pathlib import Path
 from consistency import main
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tablegen"))
-from test_tablegen import TablesTest, good_tables, lines  # noqa: E402
+from test_tablegen import TablesTest, good_tables, lines, quantity_id  # noqa: E402
 
 
 def tables():
@@ -22,7 +22,7 @@ def tables():
         "disp_data_types.tsv": lines("dd class", "3 1", "6 2"),
         "availability.tsv": lines("class id units si quantity", "0 depth - celsius -", "1 speed m_s m_s -",
                                   "2 angle rad rad -",
-                                  *(f"{number} class_{number} - celsius -" for number in range(3, 65))),
+                                  *(f"{number} {quantity_id(number)} - celsius -" for number in range(3, 65))),
         "pgns.tsv": lines("pgn name key1 key2 key3 priority frames packet listed",
                           "127000 One~frame - - - 6 single single yes", "127001 Group - - - 6 multi fast yes",
                           "127002 Long - - - 6 multi fast yes", "130817 Own 137 4:* - 6 multi fast no"),

@@ -4,8 +4,8 @@ import re
 
 from keys import base_keys, check_keys, variant_name
 from plans import END_ROW, label_forms, next_row, pgn_forms, repeating_groups, shown_label, unit_forms
-from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, FLAGS, LAST_INDEXED_FORMAT, NO_KEY, PARSED_KINDS,
-                    UNIT_COUNT, conversion_owner)
+from tables import (ALWAYS_FAST, CLASS_COUNT, DD_RANGES, FAST_PGNS, FLAGS, LAST_INDEXED_FORMAT,
+                    MEANT_FORMATS, MEANT_QUANTITIES, NO_KEY, PARSED_KINDS, UNIT_COUNT, conversion_owner)
 
 PARSED_BYTES = {kind: int(kind[1:]) // 8 for kind in PARSED_KINDS}
 CODED_RULES = ("temperature_k", "any")  # have no factors, or those of every unit
@@ -330,6 +330,15 @@ def check_ids(tables, report):
         check_known(rows, "number", numbers, f"unknown {kind}", report)
         check_unique(rows, "number", report)
         check_unique(rows, "id", report)
+    check_meant(tables.availability, tables.class_of, MEANT_QUANTITIES, report)
+    check_meant(tables.ids, tables.df_of, MEANT_FORMATS, report)
+
+
+def check_meant(rows, numbers, names, report):
+    """The names by which the generator means quantities and formats."""
+    for name in names:
+        if name not in numbers:
+            report.add(file_of(rows[0]), f"no row has the id {name}")
 
 
 def check_special_fields(tables, report):

@@ -7,11 +7,11 @@ from fractions import Fraction
 from types import SimpleNamespace as Row
 
 from keys import variant_name
-from overlay import HEADER, base_variant, hides, is_proprietary
-from plans import PRESSURE, TIME_OF_DAY, field_bits, listed_rule, quantity, shown_label, special_row
-from tables import FLAGS, NO_CLASS, NO_SELECTOR, conversion_owner
+from overlay import HEADER, base_variant, hides
+from plans import field_bits, listed_rule, quantity, shown_label, special_row
+from tables import FLAGS, NO_CLASS, NO_SELECTOR, conversion_owner, is_proprietary
 
-SHORT_TEXT, MEDIUM_TEXT, FIXED_TEXT, HEX_DUMP, SECONDS_OF_DAY = 50, 51, 63, 3002, 6
+SECONDS_OF_DAY = 6  # format of times of day
 BIT_FIELDS = ("convert_bit_field", "convert_ais_spare")
 NUMBER, BELOW, RESERVED, UNKNOWN = 0, 1, 2, 4
 RESERVED_TOO, UNKNOWN_TOO = 6, 7  # with the number behind the word
@@ -62,7 +62,6 @@ def corrected_messages(tables, overlay):
     context = Row(tables=tables, overlay=overlay, formats={row.df: row for row in tables.formats},
                   entries={row.dd: row for row in tables.dictionary},
                   classes={row.dd: getattr(row, "class") for row in tables.disp_data_types},
-                  quantities={row.id: getattr(row, "class") for row in tables.availability},
                   shown_units={getattr(row, "class"): row.units for row in tables.availability},
                   rules={row.pgn: row for row in tables.pgn_rules}, sets=corrected_sets(tables, overlay),
                   dd_texts={row.dd: row.texts[0] for row in overlay.dd_texts},
@@ -233,13 +232,14 @@ def set_base_reading(field, row, df, context):
     width = int(form.kind[1:]) if form.kind else 0
     signed = bool(form.kind) and form.kind[0] == "i"
     none = set_of_codes(field.options, field.bits, signed)
-    if df in (SHORT_TEXT, MEDIUM_TEXT):
-        field.reading = ("text_sent", 2 if df == SHORT_TEXT else 3)
-    elif df == FIXED_TEXT:
+    df_of, is_time_of_day = context.tables.df_of, field.quantity == context.tables.class_of["time_of_day"]
+    if df in (df_of["text_short"], df_of["text_medium"]):
+        field.reading = ("text_sent", 2 if df == df_of["text_short"] else 3)
+    elif df == df_of["text_fixed"]:
         field.reading = ("text_padded",)
-    elif df == SECONDS_OF_DAY and field.quantity == context.quantities["time_of_day"]:
+    elif df == SECONDS_OF_DAY and is_time_of_day:
         field.reading = ("time_of_day",)
-    elif df == HEX_DUMP:
+    elif df == df_of["hex_dump"]:
         field.reading, field.bits = ("bytes",), 0 if field.bits >= 8 * 256 else field.bits
     elif kind == "special" and name in BIT_FIELDS and (field.bits > 64 or field.bits == 0):
         field.reading = ("bytes",)
@@ -249,7 +249,7 @@ def set_base_reading(field, row, df, context):
         field.reading = measured(32, True, Fraction(1, 10**7), 0, name.removeprefix("convert_"), none)
     elif kind == "integer" and field.bits == width:
         field.reading = whole(width, signed, none)
-    elif kind in ("scaled", "listed", "any") and field.bits == width and field.quantity != TIME_OF_DAY:
+    elif kind in ("scaled", "listed", "any") and field.bits == width and not is_time_of_day:
         rule_name, times = base_rule(kind, name, field.quantity, context)
         field.reading = measured(width, signed, Fraction(form.scale.removesuffix("f")) * times, 0, rule_name, none)
     if field.texts is not None:
@@ -265,7 +265,7 @@ def base_rule(kind, name, shown, context):
         counted, times = COUNTED_IN.get(rule, (None, "1"))
         return rebased(rule, counted, context) if counted else rule, Fraction(times)
     for quantity_id, unit in MEANT.items():
-        if context.quantities.get(quantity_id) == shown:
+        if context.tables.class_of.get(quantity_id) == shown:
             return rebased(*UNITS[unit][:2], context), 1
     rule = "any" if kind == "any" else listed_rule(name)
     context.factors.setdefault(rule, {unit.number: Fraction(1) for unit in name or ()})
@@ -312,9 +312,9 @@ def set_reading(field, given, context):
         rule, times, field.quantity, field.unit_note = unit_rule(given, context)
         field.reading = ("measured", f"f{bits}", *ratio(Fraction(given.resolution or "1") * times), 0, rule, (), None)
     elif coding == "date":
-        field.reading, field.quantity = ("df", 41), context.quantities["date"]
+        field.reading, field.quantity = ("df", context.tables.df_of["date"]), context.tables.class_of["date"]
     elif coding == "time":
-        field.reading, field.quantity = ("time_of_day",), context.quantities["time_of_day"]
+        field.reading, field.quantity = ("time_of_day",), context.tables.class_of["time_of_day"]
     elif coding == "decimal":
         field.reading = ("decimal",)
     elif coding == "text":
@@ -373,7 +373,7 @@ def unit_rule(given, context):
     if name in UNITLESS:
         return "every", 1, NO_CLASS, ""
     if quantity in ("latitude", "longitude", "latitude_30"):
-        return ("longitude_32" if quantity == "longitude" else "latitude_32"), 1, context.quantities[quantity], ""
+        return ("longitude_32" if quantity == "longitude" else "latitude_32"), 1, context.tables.class_of[quantity], ""
     if name not in UNITS or quantity == "no_quantity":
         return "every", 1, NO_CLASS, f" ({name})"
     rule, unit, usual = UNITS[name]
@@ -388,8 +388,8 @@ def unit_rule(given, context):
         if counted != unit:
             times = ROUNDED.get(unit) or Fraction(base_has) / context.factors[rule][context.units[unit]]
         found = rebased(rule, counted, context)
-    check_served(given, found, context.quantities[quantity], context)
-    return found, times, context.quantities[quantity], ""
+    check_served(given, found, context.tables.class_of[quantity], context)
+    return found, times, context.tables.class_of[quantity], ""
 
 
 def check_served(given, rule, quantity, context):
@@ -444,7 +444,8 @@ def counted_unit(field, context):
         return field.unit_note.removeprefix(" (").removesuffix(")")
     if rule == "temperature_k":
         return "K"
-    quantity = field.quantity if field.quantity <= NO_CLASS else PRESSURE  # the payload tells which kind it is
+    # Which kind of pressure it is the payload tells.
+    quantity = field.quantity if field.quantity <= NO_CLASS else context.tables.class_of["pressure"]
     ones = [unit for unit in context.preferred.get(quantity, []) if context.factors[rule].get(unit.number) == 1]
     return context.ascii_names[ones[0].number] if ones else ""
 

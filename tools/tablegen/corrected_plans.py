@@ -6,10 +6,10 @@ from types import SimpleNamespace as Row
 
 from corrected import BadRow, corrected_messages, counted_unit, new_field, set_reading, whole
 from keys import Keys, variant_name
-from overlay import PROPRIETARY
-from plans import (COUNTED_SECONDS, DATE, END_ROW, FORMED_QUANTITIES, NO_SET, TIME_OF_DAY, field_plan_line,
-                   field_texts, has_all_bits_none, pgn_plan_line, is_quoted_in_csv, plan_set, says_none, text_literal)
-from tables import FLAGS, MAX_PAYLOAD, NO_CLASS, NO_KEY, is_addressed
+from plans import (COUNTED_SECONDS, END_ROW, FORMED_FOR_PROGRAMS, NO_SET, field_plan_line, field_texts,
+                   has_all_bits_none, is_one_of, is_plain, is_quoted_in_csv, pgn_plan_line, plan_set, says_none,
+                   text_literal)
+from tables import FLAGS, MAX_PAYLOAD, NO_CLASS, NO_KEY, PROPRIETARY, is_addressed
 
 KEYS = ", ".join([f"0x{NO_KEY:08X}u"] * 3)
 NO_CODES = "INT64_MIN"
@@ -154,16 +154,16 @@ def add_row(out, pgn, field, next_row, again, extra, flags):
     label = field.label.removeprefix("First ") + field.unit_note
     enumeration = out.sets[field.texts[0]] if field.texts is not None else NO_SET
     form = form_of(out, field)
-    is_text, quick, is_all_bits_none = is_text_reading(field.reading), is_quick(field), has_none_code(out, field)
+    is_text, quick, is_all_bits_none = is_text_reading(out, field.reading), is_quick(field), has_none_code(out, field)
     out.listed_fields.append((field, is_all_bits_none))
     flags = flags | {
         "quoted": flags.get("numbered", False) and is_quoted_in_csv(label),
         "text": is_text,
-        "apart": is_text or field.quantity in (TIME_OF_DAY, DATE) or is_counted(out, field),
+        "apart": is_text or is_one_of(out.tables, field.quantity, FORMED_FOR_PROGRAMS) or is_counted(out, field),
         "all_bits_none": is_all_bits_none,
         "whole_bytes": field.bits % 8 == 0,
         "quick": quick,
-        "plainly": quick and form in ("plain", "enumeration") and field.quantity not in FORMED_QUANTITIES,
+        "plainly": is_plain(out.tables, quick, form, field.quantity),
     }
     texts = field_texts(out.plans, field.number, field.key, label, flags.get("numbered", False))
     out.field_lines.append(field_plan_line(
@@ -200,8 +200,9 @@ def has_none_code(out, field):
     return not texts or says_none(texts[0])
 
 
-def is_text_reading(reading):
-    return reading[0] in ("text_sent", "text_padded", "text_counted", "bytes", "decimal") or reading == ("df", 3002)
+def is_text_reading(out, reading):
+    hex_dump = ("df", out.tables.df_of["hex_dump"])
+    return reading[0] in ("text_sent", "text_padded", "text_counted", "bytes", "decimal") or reading == hex_dump
 
 
 def is_quick(field):
@@ -282,7 +283,7 @@ def direction_parts(out, message, i):
         if "relative" in field.options:
             parts["relative_first"], parts["relative_last"] = map(str, field.options["relative"])
         return parts
-    if field.quantity != out.context.quantities.get("direction"):
+    if field.quantity != out.tables.class_of.get("direction"):
         return {}
     return {"direction": f"Direction::{'true_north' if 'true' in field.options else 'magnetic'}"}
 

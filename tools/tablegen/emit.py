@@ -5,14 +5,15 @@ from types import SimpleNamespace as Row
 from analyzer import analyzer_fragments
 from corrected_plans import plan_corrected
 from listing import listing_fragments
-from plans import (escaped, factor_lines, format_lines, id_lines, make_plans, rule_lines, special_lines, text_literal)
+from plans import (CLOSING_PGN, escaped, factor_lines, format_lines, id_lines, make_plans, rule_lines, special_lines,
+                   text_literal)
 from powers import power_lines
 from tables import (ALWAYS_FAST, DD_RANGES, LAST_INDEXED_FORMAT, NO_CLASS, UNIT_COUNT, UNITS_PER_CLASS,
                     conversion_owner, is_addressed, number_literal)
 
 FIELD_SENTINEL = '{9999999, 0, "", 0, 0, nullptr, 0, 0, 0, 0},'
 # Closes the catalogue: within the searched range, but out of order, so that no search finds it.
-PGN_CLOSING_ROW = '{25, 0, 0, 0, "", 0, 1, 7, 1},'
+PGN_CLOSING_ROW = f'{{{CLOSING_PGN}, 0, 0, 0, "", 0, 1, 7, 1}},'
 
 
 # Beside the closing row of the fields.

@@ -9,12 +9,11 @@ from checks import MAX_FLAGS, MAX_FORM, check_ascending, check_packets, file_of
 from keys import key_of_label
 from plans import label_forms, pgn_forms
 from tables import (COLUMNS, DD, DECIMAL, FIELD, FLAGS, MAX_ENTRY, MAX_LABEL, MAX_NAME, MAX_PAYLOAD, MAX_U32, NO_KEY,
-                    PGN, ascii_text, choice, field_key, int_of, number, optional, read_lines, read_row, read_table, size,
-                    summarise)
+                    PGN, ascii_text, choice, field_key, int_of, is_proprietary, number, optional, read_lines, read_row,
+                    read_table, size, summarise)
 
 FOLDER = "corrections"
 HEADER = (0, 11), (13, 3)  # start and width of manufacturer code and industry group
-PROPRIETARY = ((61184, 61184), (65280, 65535), (126720, 126720), (130816, 131071))
 WITHOUT_HEADER = (65350,)  # one maker's message, known by what it has at its end
 MAX_REASON = 500
 MOST_BITS = 64  # of a field that is read as one number
@@ -36,10 +35,6 @@ OPTION_CODINGS = {
     **dict.fromkeys(("reference", "true", "relative"), ("u", "i", "float")),
     "ais": ("text_lau",), "bits_from": ("bytes",), "bytes_from": ("bytes", "text", "key_value", "field_value"),
     "key": CODINGS}
-
-
-def is_proprietary(pgn):
-    return any(first <= pgn <= last for first, last in PROPRIETARY)
 
 
 # Cell parsers, as in tables.py.

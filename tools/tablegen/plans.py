@@ -14,8 +14,8 @@ NO_ENTRY = 0xFFFF
 CLOSING_PGN = 25
 DYNAMIC_QUANTITIES = {"air-source-0": CLASS_COUNT + 1, "format_inside": CLASS_COUNT + 2,
                       "format_before": CLASS_COUNT + 3}
-PRESSURE, AIR_PRESSURE = 12, 11
-FORMED_QUANTITIES = (21, 22, 23, 50)  # times, durations, dates and message identifiers have forms of their own
+FORMED_QUANTITIES = ("time_of_day", "duration", "date", "message_id")  # these have forms of their own in lines
+FORMED_FOR_PROGRAMS = ("time_of_day", "date")
 # Conversions that do not say how many bytes they take.
 SIZED_BY_FIELD = {f"convert_{name}" for name in (
     "bit_field", "ais_spare", "low_4_bits", "low_2_bits", "low_6_bits", "package_type", "can_frame_id",
@@ -23,8 +23,7 @@ SIZED_BY_FIELD = {f"convert_{name}" for name in (
 # Rules of readings of their own: the units in which they are read in line.
 QUICK_RULES = {"integer": ("plain_64", "plain_65", "raw_count"),
                "latitude_32": ("deg_lat",), "longitude_32": ("deg_long",)}
-TEXT_FORMATS = (50, 51, 63, 3002)  # short, medium and fixed, and the hexadecimal dump
-TIME_OF_DAY, DATE = 21, 23
+TEXT_FORMATS = ("text_short", "text_medium", "text_fixed", "hex_dump")
 COUNTED_SECONDS = ("convert_run_time", "convert_period_minutes")
 # Bits that are taken as they are, so that no code of theirs is none by its format.
 BIT_FIELDS = ("convert_bit_field", "convert_low_2_bits", "convert_low_4_bits", "convert_low_6_bits")
@@ -257,6 +256,7 @@ def field_plan(tables, plans, lookup, i):
     kind_of_quantity = quantity(tables, row, lookup.classes, rule)
     form = field_form(tables, plans, row, enumeration)
     quick = kind_of_quantity <= NO_CLASS and is_quick(lookup.formats[entry.df], bits)
+    is_text = any(entry.df == tables.df_of[name] for name in TEXT_FORMATS)
     filtered = rule is not None and rule.walk == "proprietary"
     flags = {
         "in_group": first <= row.field <= last,
@@ -264,13 +264,13 @@ def field_plan(tables, plans, lookup, i):
         "last_of_group": row.field == last,
         "numbered": numbered,
         "quoted": numbered and is_quoted_in_csv(label[FIRST_WORD:]),
-        "text": entry.df in TEXT_FORMATS,
+        "text": is_text,
         "whole_bytes": bits % 8 == 0,
         "quick": quick,
-        "apart": entry.df in TEXT_FORMATS or kind_of_quantity in (TIME_OF_DAY, DATE) or
+        "apart": is_text or is_one_of(tables, kind_of_quantity, FORMED_FOR_PROGRAMS) or
                  lookup.formats[entry.df].rule[1] in COUNTED_SECONDS,
         "all_bits_none": has_none_code(tables, plans, row, lookup.formats[entry.df], bits, enumeration),
-        "plainly": quick and form in ("plain", "enumeration") and kind_of_quantity not in FORMED_QUANTITIES,
+        "plainly": is_plain(tables, quick, form, kind_of_quantity),
     }
     verdicts = tuple(verdict(tables, row, own) if filtered else 0 for own in (False, True))
     return field_plan_line(
@@ -278,6 +278,15 @@ def field_plan(tables, plans, lookup, i):
                     label[FIRST_WORD:] if numbered else label, numbered), 7 if bits % 8 == 0 else 0, next_row(rows, i, 1),
         next_row(rows, i, first - last) if row.field == last else END_ROW, bits, row.field,
         lookup.format_index[entry.df], enumeration, 0, kind_of_quantity, form, verdicts, flags)
+
+
+def is_one_of(tables, number, quantities):
+    return any(number == tables.class_of[name] for name in quantities)
+
+
+def is_plain(tables, quick, form, number):
+    """Whether a field is shown as the text of an enumeration or by its type."""
+    return quick and form in ("plain", "enumeration") and not is_one_of(tables, number, FORMED_QUANTITIES)
 
 
 def field_texts(plans, field, key, label, numbered):
@@ -366,9 +375,15 @@ def quantity(tables, row, classes, rule):
     found = classes.get(row.dd, NO_CLASS)
     if dynamic:
         return DYNAMIC_QUANTITIES[dynamic]
-    if found == PRESSURE and rule is not None and rule.pressure:
-        return AIR_PRESSURE if rule.pressure == "air" else DYNAMIC_QUANTITIES[rule.pressure]
+    if found == tables.class_of["pressure"] and rule is not None:
+        return pressure_of(tables, rule) or found
     return found
+
+
+def pressure_of(tables, rule):
+    """The quantity of pressures by the rule of a PGN, 0 where it says nothing of them."""
+    quantities = {None: 0, "air": tables.class_of["atmospheric_pressure"], **DYNAMIC_QUANTITIES}
+    return quantities[rule.pressure]
 
 
 def next_row(rows, i, delta):
@@ -429,7 +444,7 @@ def special_lines(tables):
 
 def rule_lines(tables):
     return [f"{{{row.pgn}, {row.size[0]}, {row.size[1]}, "
-            f"{ {None: 0, 'air': AIR_PRESSURE, 'air-source-0': DYNAMIC_QUANTITIES['air-source-0']}[row.pressure]}}},"
+            f"{pressure_of(tables, row)}}},"
             for row in tables.pgn_rules if row.size != (0, 0) or row.pressure]
 
 

@@ -9,7 +9,8 @@ from typing import NamedTuple
 MAX_PGN = 0x3FFFF  # 18 significant bits
 MAX_U32 = 0xFFFFFFFF
 FAST_PGNS = range(126208, 131072)  # below no message is a fast packet
-ALWAYS_FAST = ((126720, 126720), (130816, 131071))  # proprietary ranges, catalogued or not
+PROPRIETARY = ((61184, 61184), (65280, 65535), (126720, 126720), (130816, 131071))
+ALWAYS_FAST = tuple(found for found in PROPRIETARY if found[0] in FAST_PGNS)  # catalogued or not
 MAX_PAYLOAD = 1785
 MAX_LABEL = 127  # characters of a label that the views keep
 MAX_NAME = 1023
@@ -22,6 +23,8 @@ LAST_INDEXED_FORMAT = 117  # formats up to here are found by index, those above 
 CLASS_COUNT = 65
 NO_CLASS = 65
 FLAGS = 3  # kind of a set whose entries stand for bits
+MEANT_QUANTITIES = ("atmospheric_pressure", "pressure", "time_of_day", "duration", "date", "message_id")
+MEANT_FORMATS = ("date", "text_short", "text_medium", "text_fixed", "hex_dump")
 UNIT_COUNT = 141
 UNITS_PER_CLASS = 7
 DECIMAL = r"[0-9]+(?:\.[0-9]+)?(?:e-?[0-9]+)?"
@@ -333,6 +336,10 @@ def is_addressed(pgn):
     return (pgn >> 8) & 0xFF < 240 or 130816 <= pgn <= 131071
 
 
+def is_proprietary(pgn):
+    return any(first <= pgn <= last for first, last in PROPRIETARY)
+
+
 def conversion_owner(row, formats):
     """The row of the format whose conversion the format of `row` has: another's by convert_df_N, or its own."""
     kind, name = row.rule
@@ -352,7 +359,14 @@ def read_tables(data, report):
     tables.sets = [
         found for path in sorted((data / "enums").glob("*.tsv"))
         for found in read_sets(tables, data, f"enums/{path.name}", report)]
+    tables.class_of = numbers_by_id(tables.availability, "class")
+    tables.df_of = numbers_by_id([row for row in tables.ids if getattr(row, "kind", "") == "df"], "number")
     return tables
+
+
+def numbers_by_id(rows, column):
+    """Of the rows that could be read."""
+    return {row.id: getattr(row, column) for row in rows if hasattr(row, "id") and hasattr(row, column)}
 
 
 def read_table(tables, data, name, columns, report):

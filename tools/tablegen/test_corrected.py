@@ -93,7 +93,7 @@ class SmallTest(unittest.TestCase):
                 told = [*field.reading[1:6], ",".join(map(str, codes)) or "-",
                         "-" if first_reserved is None else first_reserved]
                 self.assertEqual(" ".join(map(str, told)), reading)
-                self.assertEqual(field.quantity, NO_CLASS if quantity is None else context.quantities[quantity])
+                self.assertEqual(field.quantity, NO_CLASS if quantity is None else context.tables.class_of[quantity])
 
     def test_what_a_field_depends_on(self):
         extras, message = self.one_message(
@@ -250,7 +250,7 @@ class DataTest(unittest.TestCase):
 
     def test_directions_refer_to_what_their_labels_say(self):
         for name, _, field in self.fields:
-            if field.quantity == self.context.quantities["direction"]:
+            if field.quantity == self.context.tables.class_of["direction"]:
                 is_true, refers = "true" in field.options, "reference" in field.options
                 self.assertTrue(refers or is_true != ("magnetic" in field.label.lower()), name)
 

@@ -9,6 +9,7 @@ from pathlib import Path
 
 from keys import make_keys
 from tablegen import main
+from tables import MEANT_FORMATS, MEANT_QUANTITIES
 
 
 def lines(*rows):
@@ -17,6 +18,11 @@ def lines(*rows):
 
 def unit_id(unit):
     return {68: "raw_count", 83: "raw_bits"}.get(unit, f"unit_{unit}")
+
+
+def quantity_id(number):
+    named = dict(zip((11, 12, 21, 22, 23, 50), MEANT_QUANTITIES))
+    return named.get(number, f"class_{number}")
 
 
 def good_tables():
@@ -56,10 +62,11 @@ def good_tables():
                            *(f"{unit} {unit_id(unit)} - - -" for unit in range(1, 141))),
         "unit_factors.tsv": lines("rule unit factor", "plain celsius 2", "plain unit_1 0.5", "other celsius 1e-3"),
         "availability.tsv": lines("class id units si quantity", "0 depth unit_1,celsius celsius depth",
-                                  *(f"{number} class_{number} - {'unit_65' if number == 28 else 'celsius'} none"
+                                  *(f"{number} {quantity_id(number)} - {'unit_65' if number == 28 else 'celsius'} none"
                                     for number in range(1, 65))),
         "quantities.tsv": lines("label class", "Depth 0", "Course~made 8"),
-        "ids.tsv": lines("kind number id", "pgn 59904 ask", "dd 9 pgn_number", "df 2444 ask"),
+        "ids.tsv": lines("kind number id", "pgn 59904 ask", "dd 9 pgn_number", "df 2444 ask",
+                         *(f"df {df} {name}" for df, name in zip((41, 50, 51, 63, 117), MEANT_FORMATS))),
         "pgn_rules.tsv": lines("pgn name walk size pressure", "126720 Proprietary proprietary - -",
                                "126992 - - 2B air"),
         "special_fields.tsv": lines("pgn field dd label form quantity none shown", "- - 9 Number pgn_name - - -",
@@ -142,8 +149,8 @@ BAD_ROWS = (
     ("availability.tsv", 3, "1 no_quantity celsius celsius width", "id no_quantity has a meaning of its own"),
     ("availability.tsv", 27, "25 class_25 - - none", "si is missing"),
     ("availability.tsv", 9, "7 class_7 - unit_3 none", "df 4 does not serve si unit_3"),
-    ("ids.tsv", 5, "dd 8 other", "unknown dd 8"), ("ids.tsv", 5, "df 118 other", "unknown df 118"),
-    ("ids.tsv", 5, "pgn 126208 ask", "id ask stands twice"),
+    ("ids.tsv", 10, "dd 8 other", "unknown dd 8"), ("ids.tsv", 10, "df 118 other", "unknown df 118"),
+    ("ids.tsv", 10, "pgn 126208 ask", "id ask stands twice"),
     ("special_fields.tsv", 4, "126721 1 172 - pgn_name - - -", "unknown pgn 126721"),
     ("special_fields.tsv", 4, "126720 2 172 - pgn_name - - -", "field 2 of pgn 126720 has no dd 172"),
     ("special_fields.tsv", 4, "126720 - 172 - pgn_name - - -", "pgn and field go together"),
@@ -268,6 +275,7 @@ class TablegenTest(TablesTest):
 
     def test_tables_that_do_not_fit_each_other(self):
         cases = (
+            ({"ids.tsv": good_tables()["ids.tsv"][:-1]}, "ids.tsv: no row has the id hex_dump"),
             ({"parsers.tsv": good_tables()["parsers.tsv"][:-1]}, "parsers.tsv:119: no row for df 2436"),
             ({"enums/a.tsv": lines("set 172 3 -", *(f"{1 << bit} {'x' * 30}" for bit in range(32)))},
              "enums/a.tsv:1: the texts of all bits have more than 1000 characters"),

@@ -6,11 +6,13 @@
 ///
 /// Rows are known by where they stand: whoever takes a row wants one that was found here, not a copy of it.
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "pgn_vistel/core/ids.h"
+#include "pgn_vistel/n2k_msg.h"
 
 namespace pgn_vistel::core {
 
@@ -142,11 +144,13 @@ static_assert(sizeof(RepeatSetDef) == 12);
 /// still shows all bytes, while single frames taken as pieces would be lost.
 [[nodiscard]] bool is_fast_packet(std::uint32_t pgn, Definitions set = Definitions::fixed);
 
-/// Stream keys of a message: what tells its stream from others of the PGN and source, an instance say. The
-/// keys come in preset to 255; 1 when the PGN has any, else 0. Only keys that are not zero on entry are
-/// written. `payload` must hold 1786 bytes, as `N2KMsg::data` does: the message's length is not asked for.
-int extract_stream_keys(std::uint32_t pgn, const std::uint8_t* payload, std::uint8_t* key1,
-                        std::uint8_t* key2, std::uint8_t* key3, std::uint8_t* key4);
+/// What tells the stream of a message from others of its PGN and source, an instance say.
+using StreamKeys = std::array<std::uint8_t, 4>;
+inline constexpr std::uint8_t no_stream_key = 255;  ///< the message has none in this place
+
+/// The stream keys of a message. They are read from the record as it is: the message's length is not asked
+/// for.
+[[nodiscard]] StreamKeys stream_keys(const N2KMsg& msg);
 
 // ---- fields ----
 
@@ -160,11 +164,11 @@ int extract_stream_keys(std::uint32_t pgn, const std::uint8_t* payload, std::uin
 /// The row of field number `row->field + delta` of the same PGN, the end sentinel, or null below field 1.
 [[nodiscard]] const FieldDef* next_field_row(const FieldDef* row, int delta);
 
-/// @{
-/// Size of a field in one unit, either bytes or bits; both 0 where only the value tells.
+/// Size of a field in one unit, either bytes or bits; both 0 where only the value tells. Nothing may be null.
 void normalise_field_size(const FieldDef* row, std::uint32_t pgn, int* bytes, int* bits);
+/// The same where `bytes` and `bits` come in with the size that a field has of its own: they are kept unless
+/// both are 0. Of `dd`, which may be null, the sizes alone are asked for.
 void complete_field_size(std::uint32_t pgn, const DDDef* dd, int* bytes, int* bits);
-/// @}
 
 /// The repeating fields of a PGN, or null.
 [[nodiscard]] const RepeatSetDef* find_repeat_set(std::uint32_t pgn);

@@ -50,12 +50,13 @@ struct FieldNotes {
 };
 
 /// @{ The corrected definitions: by PGN, and for each in the order in which they are tried. In front of them
-/// the fields of keys, and what is shown of a maker's message that no definition is known of.
+/// the fields of keys, and what is shown of a maker's message that no definition is known of. `index` is
+/// below the count.
 [[nodiscard]] std::size_t listed_message_count();
 [[nodiscard]] ListedMessage listed_message(std::size_t index);
 /// @}
 
-/// Of a field of the corrected definitions.
+/// Of a field of the corrected definitions: a row of `ListedMessage::fields`.
 [[nodiscard]] FieldNotes field_notes(const FieldDef& field);
 
 /// The enumerations of the corrected definitions.
@@ -65,7 +66,8 @@ struct FieldNotes {
 [[nodiscard]] std::string_view enumeration_name(const DDstrings& set);
 
 /// Where an entry of any enumeration has its text from: "base" for the tables of the fixed set, "guess" for
-/// what no source attests there, else the source of the correction.
+/// what no source attests there, else the source of the correction. `entry` is below the number of entries
+/// that the set has.
 [[nodiscard]] std::string_view text_source(const DDstrings& set, std::size_t entry);
 
 }  // namespace pgn_vistel::core

@@ -4,6 +4,7 @@
 /// Units and quantities, and a user's choice of units. Names are constant; any thread may look at any time.
 
 #include <array>
+#include <cassert>
 #include <span>
 #include <string_view>
 
@@ -67,7 +68,10 @@ class UnitSelection {
 
     /// The unit of a quantity 0 .. 65, where 65 (no quantity) has `unit::raw_count`. Any other number is an
     /// error of the caller's: `quantity_of_dd` and `quantity_of_format` have -1 for what they do not know.
-    [[nodiscard]] UnitId operator[](DispDataType q) const { return units_[static_cast<std::size_t>(q)]; }
+    [[nodiscard]] UnitId operator[](DispDataType q) const {
+        assert(q >= 0 && q <= quantity::no_quantity);
+        return units_[static_cast<std::size_t>(q)];
+    }
 
   private:
     std::array<UnitId, quantity::no_quantity + 1> units_;

@@ -65,30 +65,35 @@ constexpr char16_t character_of(std::uint8_t byte) {
 ///
 /// Ask `is_available` before the number: a value that is not available has one, too, a reserved code or NaN.
 struct Value {
-    /// One member for each kind of number; all bits above it are copies of its sign, or 0.
-    union Number {
-        /// @{ valid where `type` says so
-        float f32;
-        double f64;
-        std::uint8_t u8;
-        std::int8_t i8;
-        std::uint16_t u16;
-        std::int16_t i16;
-        std::uint32_t u32;
-        std::int32_t i32;
-        std::uint64_t u64;
-        std::int64_t i64;
+    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  ///< a single precision NaN in the low half
+
+    /// A number as the bits that it has in its type. Above those of an integer there are copies of its sign,
+    /// or 0; above those of a single 0.
+    struct Number {
+        std::uint64_t bits = no_number;  ///< all of them
+
+        /// @{ A number of a type, `ValueType::single`, `real` or any integer.
+        static constexpr Number of(float number) { return {std::bit_cast<std::uint32_t>(number)}; }
+        static constexpr Number of(double number) { return {std::bit_cast<std::uint64_t>(number)}; }
+        static constexpr Number of(std::int64_t number) { return {static_cast<std::uint64_t>(number)}; }
+        /// @}
+        /// @{ The number where the value's `type` says so, else what its bits are as one.
+        [[nodiscard]] constexpr float f32() const { return std::bit_cast<float>(u32()); }
+        [[nodiscard]] constexpr double f64() const { return std::bit_cast<double>(bits); }
+        [[nodiscard]] constexpr std::uint8_t u8() const { return static_cast<std::uint8_t>(bits); }
+        [[nodiscard]] constexpr std::int8_t i8() const { return static_cast<std::int8_t>(bits); }
+        [[nodiscard]] constexpr std::uint16_t u16() const { return static_cast<std::uint16_t>(bits); }
+        [[nodiscard]] constexpr std::int16_t i16() const { return static_cast<std::int16_t>(bits); }
+        [[nodiscard]] constexpr std::uint32_t u32() const { return static_cast<std::uint32_t>(bits); }
+        [[nodiscard]] constexpr std::int32_t i32() const { return static_cast<std::int32_t>(bits); }
+        [[nodiscard]] constexpr std::uint64_t u64() const { return bits; }
+        [[nodiscard]] constexpr std::int64_t i64() const { return static_cast<std::int64_t>(bits); }
         /// @}
     };
 
-    ValueType type = ValueType::none;  ///< says which member of `number` is valid, or that `text` is
-    /// The rule of the unit has no number for it (kilograms): the value is not available, and whoever keeps
-    /// records of values keeps the number that was there.
-    bool is_left = false;
-    Number number{.u64 = no_number};  ///< of every type but `text`
-    Text text{};                      ///< of the type `text`
-
-    static constexpr std::uint64_t no_number = 0x7FFFFFFF;  ///< a single precision NaN in the low half
+    ValueType type = ValueType::none;  ///< says what `number` is, or that `text` is it
+    Number number;                     ///< of every type but `text`
+    Text text{};                       ///< of the type `text`
 };
 
 /// One of the eight integer types; a count of seconds is none.
@@ -101,17 +106,17 @@ constexpr bool is_integer(ValueType type) {
 template <class Act, class Result>
 constexpr Result visit_number(const Value& v, Result otherwise, Act act) {
     switch (v.type) {
-        case ValueType::single: return act(v.number.f32);
-        case ValueType::real: return act(v.number.f64);
-        case ValueType::u8: return act(v.number.u8);
-        case ValueType::i8: return act(v.number.i8);
-        case ValueType::u16: return act(v.number.u16);
-        case ValueType::i16: return act(v.number.i16);
+        case ValueType::single: return act(v.number.f32());
+        case ValueType::real: return act(v.number.f64());
+        case ValueType::u8: return act(v.number.u8());
+        case ValueType::i8: return act(v.number.i8());
+        case ValueType::u16: return act(v.number.u16());
+        case ValueType::i16: return act(v.number.i16());
         case ValueType::u32:
-        case ValueType::seconds: return act(v.number.u32);
-        case ValueType::i32: return act(v.number.i32);
-        case ValueType::u64: return act(v.number.u64);
-        case ValueType::i64: return act(v.number.i64);
+        case ValueType::seconds: return act(v.number.u32());
+        case ValueType::i32: return act(v.number.i32());
+        case ValueType::u64: return act(v.number.u64());
+        case ValueType::i64: return act(v.number.i64());
         default: return otherwise;
     }
 }
@@ -130,7 +135,7 @@ constexpr Result visit_number(const Value& v, Result otherwise, Act act) {
 
 /// The integer of a value that holds one; of `u64` its bits.
 [[nodiscard]] inline std::int64_t integer_of(const Value& v) {
-    return visit_number(v, v.number.i64, [](auto number) { return static_cast<std::int64_t>(number); });
+    return visit_number(v, v.number.i64(), [](auto number) { return static_cast<std::int64_t>(number); });
 }
 
 }  // namespace pgn_vistel::core

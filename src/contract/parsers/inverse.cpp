@@ -7,7 +7,9 @@
 #include <limits>
 
 #include "contract/parsers/raw_kind.h"
+#include "contract/store.h"
 #include "contract/values.h"
+#include "core/convert.h"
 
 namespace pgn_vistel {
 
@@ -86,7 +88,10 @@ int invert_linear(void* out, float value, UnitId unit, int available, ConvFuncti
 
 float conv_to_float(const ConvValue& v) {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    if (v.type == CV_CHAR) return raw::i8::is_refused(v.value.i8) ? nan : v.value.i8;
+    if (v.type == CV_CHAR) {
+        const auto character = static_cast<std::int8_t>(bits_of(v));
+        return core::is_refused(character, 8, true) ? nan : character;
+    }
     if (!is_available(v) || (is_hosts_own(v) && v.type != CV_FLOAT_PLAIN)) return nan;
     return core::visit_number(value_of(v), nan, [](auto number) { return static_cast<float>(number); });
 }

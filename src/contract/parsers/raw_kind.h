@@ -1,12 +1,23 @@
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
-#include "contract/raw.h"
+#include "pgn_vistel/conv_value.h"
 
 namespace pgn_vistel {
+
+/// A whole-number encoding. Of the eight bytes of u48 48 bits carry the value.
+template <class T, ConvType RawType, int Bytes = sizeof(T), T Top = std::numeric_limits<T>::max()>
+struct Number {
+    using Value = T;
+    static constexpr int bytes = Bytes;
+    static constexpr ConvType raw_type = RawType;
+    static constexpr Value top = Top;
+};
 
 /// Cuts off the fraction. A number that 64 bits cannot hold, a NaN included, becomes the lowest of all: what
 /// the processor makes of it, while C++ leaves it open. Cut to fewer bits that is 0.
@@ -50,12 +61,17 @@ template <class Kind>
 constexpr RawKind truncating = {Kind::raw_type, Kind::bytes, static_cast<std::uint64_t>(Kind::top), 0,
                                 truncate_64};
 
-inline constexpr const RawKind &u8 = saturating<raw::u8>, &i8 = saturating<raw::i8>,
-                               &u16 = saturating<raw::u16>, &i16 = saturating<raw::i16>,
-                               &u24 = saturating<raw::u24>, &i24 = saturating<raw::i24>,
-                               &u32 = saturating<raw::u32>, &i32 = saturating<raw::i32>,
-                               &u48 = truncating<raw::u48>, &u64 = truncating<raw::u64>,
-                               &i64 = truncating<raw::i64>;
+inline constexpr const RawKind &u8 = saturating<Number<std::uint8_t, CV_U8>>,
+                               &i8 = saturating<Number<std::int8_t, CV_I8>>,
+                               &u16 = saturating<Number<std::uint16_t, CV_U16>>,
+                               &i16 = saturating<Number<std::int16_t, CV_I16>>,
+                               &u24 = saturating<Number<std::uint32_t, CV_U32, 3, 0xFFFFFF>>,
+                               &i24 = saturating<Number<std::int32_t, CV_I32, 3, 0x7FFFFF>>,
+                               &u32 = saturating<Number<std::uint32_t, CV_U32>>,
+                               &i32 = saturating<Number<std::int32_t, CV_I32>>,
+                               &u48 = truncating<Number<std::uint64_t, CV_U64, 8, 0xFFFFFFFFFFFF>>,
+                               &u64 = truncating<Number<std::uint64_t, CV_U64>>,
+                               &i64 = truncating<Number<std::int64_t, CV_I64>>;
 
 constexpr std::uint32_t no_float = 0x7FFFFFFF;  // a single precision NaN
 

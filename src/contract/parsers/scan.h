@@ -7,7 +7,7 @@ namespace pgn_vistel {
 // Numbers at the start of a typed text. White space and one sign may stand before, anything behind the number
 // is ignored; the locale has no say. A text may have any length and is never read beyond its terminator.
 
-enum class Scanned {
+enum class [[nodiscard]] Scanned{
     number,
     nothing,  ///< the text starts with something else
     end,      ///< the text is over before anything starts: empty, or white space alone

@@ -20,7 +20,7 @@ bool is_one_of(UnitId unit, std::initializer_list<UnitId> units) {
 float factor_by_rule(core::UnitRule rule, float amount, UnitId unit) {
     core::Value converted;
     core::apply_unit_rule(rule, amount, unit, shared_scratch(), converted);
-    return converted.type == core::ValueType::single ? converted.number.f32 : nan;
+    return converted.type == core::ValueType::single ? converted.number.f32() : nan;
 }
 
 }  // namespace
