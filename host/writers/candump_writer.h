@@ -12,6 +12,9 @@ namespace vistel {
 class CandumpWriter final : public FrameWriter {
   public:
     std::string_view name_bus(std::uint8_t bus, std::string_view name) override;
+    RecordTime::Origin origin_written(RecordTime::Origin origin) const override {
+        return origin == RecordTime::Origin::day ? RecordTime::Origin::start : origin;
+    }
 
   private:
     bool is_taken(std::string_view name) const;

@@ -8,6 +8,9 @@ namespace vistel {
 class PcapWriter final : public FrameWriter {
   public:
     void begin(Record::Kind kind, std::string& out) override;
+    RecordTime::Origin origin_written(RecordTime::Origin origin) const override {
+        return origin == RecordTime::Origin::epoch ? origin : RecordTime::Origin::start;
+    }
 
   private:
     void put_frame(std::uint32_t identifier, const Record& record, std::string& out) override;

@@ -22,6 +22,10 @@ class RecordWriter {
     /// it is called in what is written; empty where the format does not tell interfaces apart.
     virtual std::string_view name_bus(std::uint8_t /*bus*/, std::string_view /*name*/) { return {}; }
 
+    /// The origin that the time of the next record is read with again, if this is its own. Another one than
+    /// `none` for a record without a time: it is going to be read with some time.
+    virtual RecordTime::Origin origin_written(RecordTime::Origin origin) const = 0;
+
     /// A record of a kind that it takes. Returns null, or why the format cannot hold it; then nothing is
     /// appended.
     virtual const char* put(const Record& record, std::string& out) = 0;

@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <random>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "can/transport_protocol.h"
@@ -185,6 +188,35 @@ TEST(Converter, WritesTimesAsFormatsHaveThem) {
     EXPECT_EQ(written("candump", Kind::frame, 0, Origin::none), "can0");
     EXPECT_EQ(written("yacht-devices", Kind::frame, epoch + 999'999, Origin::epoch), "09:30:00.000");
     EXPECT_EQ(written("actisense-ascii", Kind::message, epoch + second / 4, Origin::epoch), "A093000.250");
+}
+
+TEST_P(EachFormat, CountsTimesThatItSaysOtherwise) {
+    using Origin = RecordTime::Origin;
+    constexpr Origin origins[] = {Origin::none, Origin::start, Origin::day, Origin::epoch};
+    std::mt19937 random(2000);
+    for (const Origin origin : origins) {
+        const auto writer = make_writer(GetParam());
+        std::string out;
+        Converter converter(*writer, out, [](const N2KMsg&, const char* why) { ADD_FAILURE() << why; });
+        const std::int64_t hours = origin == Origin::epoch ? 493'857 : origin == Origin::none ? 0 : 11;
+        Record timed = any_message(random, origin, hours * 3'600'000 + 250), untimed = timed;
+        untimed.time = {};
+        untimed.msg.source = 9;
+        for (const Record& record : {timed, untimed}) converter.put(record);
+        std::map<std::pair<Origin, Origin>, std::uint64_t> told, found;
+        std::set<std::int64_t> times;
+        Reassembler reassembler([&](const N2KMsg& msg, const RecordTime& time) {
+            if (msg.pgn != timed.msg.pgn) return;  // what carries it
+            ++found[{msg.source == 9 ? Origin::none : origin, time.origin}];
+            if (time.origin != Origin::none) times.insert(time.nanoseconds);
+        });
+        for (const Record& record : read(out, GetParam())) reassembler.put(record);
+        for (const Origin had : origins)
+            for (const Origin now : origins)
+                if (const auto count = converter.messages_of_times(had, now)) told[{had, now}] = count;
+        EXPECT_EQ(told, found);
+        EXPECT_LE(times.size(), 1u) << "nothing says the time of the second";
+    }
 }
 
 std::string name_of(const testing::TestParamInfo<std::string>& tested) {

@@ -354,7 +354,7 @@ class ProgramTest(unittest.TestCase):
             for form in re.search(r"--to TEXT:{(.*?)}", vistel("convert", "--help").stdout)[1].split(","):
                 written = str(Path(folder, form))
                 Path(written).write_text("what stood there before\n" * 1000)
-                result = vistel("convert", str(first), str(second), "--to", form, "-o", written)
+                result = vistel("convert", str(first), str(second), "--to", form, "-o", written, "--quiet")
                 self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""), form)
                 self.assertEqual(json_values([written], "pgn"), names)
                 again = subprocess.run([*PROGRAM, "convert", "--to", form, written], capture_output=True, check=True)
@@ -368,6 +368,10 @@ class ProgramTest(unittest.TestCase):
             self.assertIn(f"{broken}:2: ", result.stderr)
             self.assertIn("vistel: PGN 59905 from source 7 is left out: ", result.stderr)
             self.assertIn("vistel: messages that candump cannot hold: 1\n", result.stderr)
+            result = vistel("convert", "--to", "yacht-devices", stdin=HEADING + HEADING[HEADING.index(","):])
+            self.assertEqual((result.returncode, result.stderr.splitlines()), (0, [
+                "vistel: messages without a time, which yacht-devices cannot say: 1",
+                "vistel: messages whose date and time is a time of day in yacht-devices: 1"]))
             for arguments, told in [(["--to", "none"], "none not in"), ([], "--to is required"),
                                     ([folder + "/none", "--to", "plain"], "No such file"),
                                     ([str(first), "--to", "plain", "-o", folder], "directory")]:
