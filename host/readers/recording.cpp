@@ -113,9 +113,11 @@ ReadResult Recording::next(Record& record) {
     const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
     const ReadResult result = reader_->next(record, problem_);
     if (result == ReadResult::record) [[likely]] {
+        has_records_ = true;
         if (record.time.origin != RecordTime::Origin::epoch) stamp(record.time);
         if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
     } else if (result == ReadResult::problem) {
+        has_problems_ = has_problems_ || problem_.place != Problem::Place::whole;
         msg.length = 0;
         std::memset(msg.data, 0, sizeof msg.data);
     }
