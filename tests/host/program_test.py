@@ -351,7 +351,7 @@ class ProgramTest(unittest.TestCase):
             second.write_bytes(contents if EMULATOR else gzip.compress(contents))  # there it is left out
             broken.write_text(HEADING + "nothing\n" + ",6,59905,7,35,3,14,f0,01\n")
             names = json_values([str(first)], "pgn") + json_values([str(second)], "pgn")
-            for form in re.search(r"--to TEXT:{(.*?)}", vistel("convert", "--help").stdout)[1].split(","):
+            for form in re.search(r"--to TEXT:{(.*?)}", vistel("convert", "--help").stdout)[1].split(",") + ["ngt"]:
                 written = str(Path(folder, form))
                 Path(written).write_text("what stood there before\n" * 1000)
                 result = vistel("convert", str(first), str(second), "--to", form, "-o", written, "--quiet")
