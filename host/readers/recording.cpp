@@ -93,6 +93,8 @@ ReadResult Recording::explain_end() {
         describe(problem_, "cannot read on: ", source_.error());
     } else if (const std::string_view kind = archive_kind(head); !kind.empty()) {
         describe(problem_, "this is ", kind, "; take the recording out of it");
+    } else if (const std::string_view packing = packing_of(head); !packing.empty()) {
+        describe(problem_, "this seems to be ", packing, " data within other data; unpack it first");
     } else {
         const std::string_view guess = guess_file(head);
         describe(problem_, guess.empty() ? "" : "this seems to be ", guess, guess.empty() ? "" : "; ",
