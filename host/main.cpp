@@ -123,9 +123,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     vistel::add_pgns(*command, options.pgns);
-    command->add_option("--source", options.sources, "Only messages of these source addresses")
-        ->allow_extra_args(false)
-        ->check(CLI::Range(0, 255));
+    vistel::add_sources(*command, options.sources);
     vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");

@@ -145,7 +145,7 @@ class ProgramTest(unittest.TestCase):
         cases = [
             (["--pgn", "60928"], ["ISO Address Claim"]),
             (["--pgn", "60928", "--pgn", "127250"], ["Vessel Heading", "ISO Address Claim"]),
-            (["--source", "7"], ["Vessel Heading"]),
+            (["--source", "7"], ["Vessel Heading"]), (["--source", "7,35"], ["Vessel Heading", "ISO Address Claim"]),
             (["--source", "7", "--pgn", "60928"], []), (["--pgn", "60928,0x1F112"], ["Vessel Heading", "ISO Address Claim"]),
             (["--pgn", "vessel  heading, position, rapid update"], ["Vessel Heading"]), (["--pgn", "address cl"], ["ISO Address Claim"]),
         ]
@@ -265,6 +265,7 @@ class ProgramTest(unittest.TestCase):
                 (["decode", "--pgn", "heading", str(path)], 2, "'heading' is part of the names of 6 PGNs: "),
                 (["decode", "--pgn", "127250,", str(path)], 2, "no PGN ''"), (["decode", "--pgn", "262144"], 2, "is above 262143"),
                 (["decode", "--pgn", "131000"], 0, "not in the catalogue"),
+                (["decode", "--source", "7,x"], 2, "x not in range 0 to 255"), (["decode", "--contents", "x"], 2, "there are: messages, frames\n"),
                 (["decode", "no\n\x1b[31m"], 2, "vistel: no\ufffd\ufffd[31m: "), (["encode", "127250", "--time", "1969-01-01T00:00:00Z"], 2, "1970"),
                 (["none"], 2, "vistel: no command 'none'"), ([], 2, "vistel: "), (["decode", "--none"], 2, "vistel: "),
                 (["decode", ""], 2, "vistel: "), (["monitor", "--none"], 2, "vistel: "),
@@ -372,6 +373,9 @@ class ProgramTest(unittest.TestCase):
             self.assertEqual((result.returncode, result.stderr.splitlines()), (0, [
                 "vistel: messages without a time, which yacht-devices cannot say: 1",
                 "vistel: messages whose date and time is a time of day in yacht-devices: 1"]))
+            if not EMULATOR:
+                second.write_bytes(gzip.compress(second.read_bytes()))
+                self.assertIn("gzip data within other data", vistel("decode", str(second)).stderr)
             for arguments, told in [(["--to", "none"], "none not in"), ([], "--to is required"),
                                     ([folder + "/none", "--to", "plain"], "No such file"),
                                     ([str(first), "--to", "plain", "-o", folder], "directory")]:
