@@ -86,11 +86,6 @@ Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
 
 }  // namespace
 
-RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
-    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
-    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
-}
-
 Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const unsigned century = two_digits(date.data()), year_of_century = two_digits(date.data() + 2);
     const unsigned month = two_digits(date.data() + 5), day_of_month = two_digits(date.data() + 8);

@@ -39,10 +39,6 @@ class TimestampParser {
     std::int64_t minute_start_ = 0;
 };
 
-/// What a clock counts from that may not have been set: from 1973 on seconds since 1970, below seconds since
-/// an unknown start.
-RecordTime::Origin origin_of_seconds(std::int64_t seconds);
-
 /// Seconds of such a clock with up to nine decimals: `1502979132.106111`.
 bool parse_seconds(std::string_view text, RecordTime& time);
 

@@ -7,8 +7,8 @@ namespace vistel {
 /// What ActisenseFormat reads, as received from the bus.
 class ActisenseWriter final : public WholeMessageWriter {
   public:
-    RecordTime::Origin origin_written(RecordTime::Origin origin) const override {
-        return origin == RecordTime::Origin::none ? origin : RecordTime::Origin::start;
+    RecordTime::Origin origin_written(const RecordTime& time) const override {
+        return time.origin == RecordTime::Origin::none ? time.origin : RecordTime::Origin::start;
     }
     const char* put(const Record& record, std::string& out) override { return records_.put(record, 0, out); }
 

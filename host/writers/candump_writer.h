@@ -12,8 +12,8 @@ namespace vistel {
 class CandumpWriter final : public FrameWriter {
   public:
     std::string_view name_bus(std::uint8_t bus, std::string_view name) override;
-    RecordTime::Origin origin_written(RecordTime::Origin origin) const override {
-        return origin == RecordTime::Origin::day ? RecordTime::Origin::start : origin;
+    RecordTime::Origin origin_written(const RecordTime& time) const override {
+        return time.origin == RecordTime::Origin::none ? time.origin : origin_of_written_seconds(time);
     }
 
   private:

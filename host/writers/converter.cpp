@@ -55,16 +55,16 @@ void Converter::put(const Record& record) {
 
 /// A record by itself.
 void Converter::write(const Record& record) {
-    std::uint64_t& count = count_of(record.time.origin);
+    std::uint64_t& count = count_of(record.time);
     if (append(record)) ++count;
 }
 
-/// Of those whose time has this origin and is written next.
-std::uint64_t& Converter::count_of(RecordTime::Origin had) {
-    RecordTime::Origin written = writer_.origin_written(had);
-    if (written != had && had == RecordTime::Origin::none)
-        written = writer_.origin_written(last_time_.origin);
-    return times_[static_cast<std::size_t>(had)][static_cast<std::size_t>(written)];
+/// Of those whose time is like this one, which is written next.
+std::uint64_t& Converter::count_of(const RecordTime& time) {
+    using Origin = RecordTime::Origin;
+    Origin written = writer_.origin_written(time);
+    if (time.origin == Origin::none && written != Origin::none) written = writer_.origin_written(last_time_);
+    return times_[static_cast<std::size_t>(time.origin)][static_cast<std::size_t>(written)];
 }
 
 bool Converter::append(const Record& record) {
@@ -73,7 +73,7 @@ bool Converter::append(const Record& record) {
     if (record.time.origin != Origin::none) [[likely]] {
         last_time_ = record.time;
         why = writer_.put(record, out_);
-    } else if (writer_.origin_written(Origin::none) == Origin::none) {
+    } else if (writer_.origin_written(record.time) == Origin::none) {
         why = writer_.put(record, out_);
     } else {
         Record timed = record;
@@ -96,7 +96,7 @@ void Converter::write_frames(const Record& message) {
     }
     std::uint8_t& sequence = sequences_[stream_of(msg)];
     joined_ = {Record::Kind::frame, message.bus, {}, message.time};
-    ++count_of(message.time.origin);
+    ++count_of(message.time);
     cut(msg, sequence % fast_packet::sequences, definitions_,
         [this](std::uint32_t identifier, FrameBytes bytes) {
             set_frame(joined_, identifier, bytes);

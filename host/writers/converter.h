@@ -44,7 +44,7 @@ class Converter {
   private:
     void write(const Record& record);
     bool append(const Record& record);
-    std::uint64_t& count_of(RecordTime::Origin had);
+    std::uint64_t& count_of(const RecordTime& time);
     void write_frames(const Record& message);
     bool is_said(const N2KMsg& msg);
 

@@ -29,9 +29,9 @@ std::uint64_t tag_time(const RecordTime& time) {
 }  // namespace
 
 /// A tag is in force until the next one.
-RecordTime::Origin EblWriter::origin_written(RecordTime::Origin origin) const {
+RecordTime::Origin EblWriter::origin_written(const RecordTime& time) const {
     using Origin = RecordTime::Origin;
-    if (origin == Origin::none) origin = time_.origin;
+    const Origin origin = time.origin == Origin::none ? time_.origin : time.origin;
     return origin == Origin::day ? Origin::start : origin;
 }
 

@@ -8,8 +8,8 @@ namespace vistel {
 class PcapWriter final : public FrameWriter {
   public:
     void begin(Record::Kind kind, std::string& out) override;
-    RecordTime::Origin origin_written(RecordTime::Origin origin) const override {
-        return origin == RecordTime::Origin::epoch ? origin : RecordTime::Origin::start;
+    RecordTime::Origin origin_written(const RecordTime& time) const override {
+        return origin_of_written_seconds(time);
     }
 
   private:

@@ -194,12 +194,15 @@ TEST_P(EachFormat, CountsTimesThatItSaysOtherwise) {
     using Origin = RecordTime::Origin;
     constexpr Origin origins[] = {Origin::none, Origin::start, Origin::day, Origin::epoch};
     std::mt19937 random(2000);
-    for (const Origin origin : origins) {
+    const std::pair<Origin, int> tried[] = {// with hours: a clock is read by how far it has come
+                                            {Origin::none, 0},       {Origin::start, 11},
+                                            {Origin::start, 30'000}, {Origin::day, 11},
+                                            {Origin::epoch, 11'000}, {Origin::epoch, 493'857}};
+    for (const auto& [origin, hours] : tried) {
         const auto writer = make_writer(GetParam());
         std::string out;
         Converter converter(*writer, out, [](const N2KMsg&, const char* why) { ADD_FAILURE() << why; });
-        const std::int64_t hours = origin == Origin::epoch ? 493'857 : origin == Origin::none ? 0 : 11;
-        Record timed = any_message(random, origin, hours * 3'600'000 + 250), untimed = timed;
+        Record timed = any_message(random, origin, std::int64_t{hours} * 3'600'000), untimed = timed;
         untimed.time = {};
         untimed.msg.source = 9;
         for (const Record& record : {timed, untimed}) converter.put(record);
@@ -207,7 +210,7 @@ TEST_P(EachFormat, CountsTimesThatItSaysOtherwise) {
         std::set<std::int64_t> times;
         Reassembler reassembler([&](const N2KMsg& msg, const RecordTime& time) {
             if (msg.pgn != timed.msg.pgn) return;  // what carries it
-            ++found[{msg.source == 9 ? Origin::none : origin, time.origin}];
+            ++found[{msg.source == 9 ? Origin::none : timed.time.origin, time.origin}];
             if (time.origin != Origin::none) times.insert(time.nanoseconds);
         });
         for (const Record& record : read(out, GetParam())) reassembler.put(record);
