@@ -19,6 +19,7 @@
 #include "completion/option_table.h"
 #include "readers/formats.h"
 #include "text/printable.h"
+#include "text/words.h"
 #include "writers/written_formats.h"
 
 namespace {
@@ -28,8 +29,9 @@ std::string format_notes() {
     std::string notes = "Formats of recordings:";
     for (const vistel::Format& format : vistel::all_formats()) {
         constexpr std::size_t column = 26;
-        notes.append("\n  ").append(format.name);
-        notes.append(column - std::min(column, format.name.size()), ' ').append(format.about);
+        const std::string names = vistel::concat(format.name, format.also.empty() ? "" : ", ", format.also);
+        notes.append("\n  ").append(names);
+        notes.append(column - std::min(column, names.size()), ' ').append(format.about);
     }
     return notes;
 }
@@ -66,6 +68,17 @@ void add_input(CLI::App& command, vistel::InputOptions& options) {
     add_format(command, options);
     add_timeout(command, options.timeout);
     add_quiet(command, options.quiet);
+}
+
+/// The option for a format to write.
+CLI::Option* add_written_format(CLI::App& command, const char* names, std::string& format,
+                                const char* about) {
+    const auto usual_name = [](const std::string& name) {
+        auto found = vistel::find_format(name);
+        return found ? std::string((*found)->name) : name;
+    };
+    return command.add_option(names, format, about)
+        ->transform(CLI::IsMember(vistel::written_formats(), usual_name));
 }
 
 // Options that say what to do with it later, when all of them are known.
@@ -110,9 +123,7 @@ void add_decode(CLI::App& app, Arguments& arguments) {
     CLI::Option* const json = command->add_flag("--json", arguments.json, "One JSON object a message");
     command->add_flag("--csv", arguments.csv, "One CSV row a field")->excludes(json);
     vistel::add_pgns(*command, options.pgns);
-    command->add_option("--source", options.sources, "Only messages of these source addresses")
-        ->allow_extra_args(false)
-        ->check(CLI::Range(0, 255));
+    vistel::add_sources(*command, options.sources);
     vistel::add_units(*command, options.units.set, options.units.units);
     vistel::add_definitions(*command, options.definitions);
     command->add_flag("--plain-numbers", options.plain_numbers, "Numbers without their hexadecimal form");
@@ -169,8 +180,7 @@ void add_replay(CLI::App& app, Arguments& arguments) {
         ->add_option("--to", options.to,
                      "Where: can0, udp://HOST:PORT, tcp-listen://:PORT or tcp://HOST:PORT")
         ->required();
-    command->add_option("--as", options.as, "Format to send; yacht-devices if not given")
-        ->check(CLI::IsMember(vistel::written_formats()));
+    add_written_format(*command, "--as", options.as, "Format to send; yacht-devices if not given");
     vistel::add_speed(*command, options.speed);
     command->add_flag("--loop", options.loop, "From the start again at the end");
     add_format(*command, options.input);
@@ -183,9 +193,7 @@ void add_convert(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("convert", "Write recordings or a live stream in another format");
     vistel::ConvertOptions& options = arguments.convert;
     add_input(*command, options.input);
-    command->add_option("--to", options.to, "Format to write")
-        ->required()
-        ->check(CLI::IsMember(vistel::written_formats()));
+    add_written_format(*command, "--to", options.to, "Format to write")->required();
     command->add_option("-o,--output", options.output, "File to write; - is standard output")
         ->type_name("FILE")
         ->capture_default_str();
@@ -215,8 +223,7 @@ void add_encode(CLI::App& app, Arguments& arguments) {
         "--list", options.list, "Show the fields of the PGN (size, units, choices) or its variants");
     command->add_flag("--all-choices", options.all_choices, "Long choices to their end in that list")
         ->needs(list);
-    command->add_option("--format", options.format, "Of the line, or of lines with a frame each")
-        ->check(CLI::IsMember(vistel::written_formats()))
+    add_written_format(*command, "--format", options.format, "Of the line, or of lines with a frame each")
         ->capture_default_str();
     command
         ->add_option("--priority", options.priority, "0 (highest) to 7; that of the catalogue if not given")

@@ -21,6 +21,13 @@ struct RecordTime {
     friend bool operator==(const RecordTime&, const RecordTime&) = default;
 };
 
+/// What a clock counts from that may not have been set: from 1973 on seconds since 1970, below seconds since
+/// an unknown start.
+constexpr RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
+    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
+    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
+}
+
 /// One entry of a recording. `msg.time_stamp` is left alone: its origin is the host's choice.
 /// The payload bytes behind `msg.length` are 0, so that equal messages are equal in all bytes.
 struct Record {

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -62,6 +61,16 @@ inline void add_pgns(CLI::App& command, std::vector<std::uint32_t>& pgns) {
         ->allow_extra_args(false);
 }
 
+/// The option for the source addresses that are shown.
+template <class Address>
+void add_sources(CLI::App& command, std::vector<Address>& sources) {
+    command
+        .add_option("--source", sources, "Only messages of these source addresses, with commas between them")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::Range(0, 255));
+}
+
 /// The options for units: a named set, and single ones.
 inline void add_units(CLI::App& command, std::string& set, std::vector<std::string>& units) {
     command.add_option("--units", set, "Units for everything: default, metric, nautical, us or si");
@@ -102,12 +111,15 @@ inline void add_format(CLI::App& command, std::string& format, const std::string
 
 /// The option for what the lines of plain text hold.
 inline void add_contents(CLI::App& command, ContentKind& contents) {
-    static const std::map<std::string, ContentKind> names{{"messages", ContentKind::messages},
-                                                          {"frames", ContentKind::frames}};
     command
-        .add_option("--contents", contents,
-                    "What plain text holds: whole messages, or frames; told by its lines if not given")
-        ->transform(CLI::CheckedTransformer(names).description(""))
+        .add_option_function<std::string>(
+            "--contents",
+            [&contents](const std::string& name) {
+                if (name != "messages" && name != "frames")
+                    throw CLI::ValidationError("--contents", "no such contents; there are: messages, frames");
+                contents = name == "frames" ? ContentKind::frames : ContentKind::messages;
+            },
+            "What plain text holds: whole messages, or frames; told by its lines if not given")
         ->type_name("WHAT");
 }
 

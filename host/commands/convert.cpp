@@ -35,6 +35,7 @@ class Converting {
     }
     void refuse(const N2KMsg& msg, const char* why);
     void name_buses();
+    void tell_times() const;
 
     const ConvertOptions& options_;
     const std::unique_ptr<RecordWriter> writer_ = make_writer(options_.to);
@@ -68,6 +69,32 @@ void Converting::name_buses() {
         std::fprintf(stderr, "vistel: interface %s is %s in what is written\n", std::string(name).c_str(),
                      std::string(written).c_str());
     }
+}
+
+const char* named(RecordTime::Origin origin) {
+    switch (origin) {
+        case RecordTime::Origin::none: break;
+        case RecordTime::Origin::start: return "time since some start";
+        case RecordTime::Origin::day: return "time of day";
+        case RecordTime::Origin::epoch: return "date and time";
+    }
+    return "no time";
+}
+
+/// What became of times that the format cannot say as they are.
+void Converting::tell_times() const {
+    using Origin = RecordTime::Origin;
+    constexpr Origin origins[] = {Origin::none, Origin::start, Origin::day, Origin::epoch};
+    for (const Origin had : origins)
+        for (const Origin written : origins) {
+            const std::uint64_t count = converter_.messages_of_times(had, written);
+            if (had == written || count == 0) continue;
+            const std::string what =
+                had == Origin::none
+                    ? concat("messages without a time, which ", options_.to, " cannot say")
+                    : concat("messages whose ", named(had), " is a ", named(written), " in ", options_.to);
+            std::fprintf(stderr, "vistel: %s: %" PRIu64 "\n", what.c_str(), count);
+        }
 }
 
 /// An input begins. False where there is nothing to write to.
@@ -113,6 +140,7 @@ int Converting::run() {
     const std::size_t buses = reading_.inputs().bus_count();
     if (buses > 1 && !tells_buses_ && !reading_.is_quiet())
         std::fprintf(stderr, "vistel: %zu interfaces are one in what was written\n", buses);
+    if (!reading_.is_quiet()) tell_times();
     const int status = reading_.finish(converter_.counters());
     if (refused_ > 0)
         std::fprintf(stderr, "vistel: messages that %s cannot hold: %" PRIu64 "\n", options_.to.c_str(),

@@ -260,9 +260,7 @@ Result<RecordTime> check_header(const EncodeOptions& options, std::uint32_t pgn)
     if (options.time.empty()) return RecordTime{};
     auto time = TimestampParser().parse(options.time);
     if (!time) return failure("time ", quoted(options.time), ": ", time.error());
-    // Recordings count from 1970 on, and of a date that cannot be told they keep the time of day alone.
-    const bool has_date = options.time.find('-') == options.time.find_first_not_of("0123456789");
-    if (time->nanoseconds < 0 || (has_date && time->origin != RecordTime::Origin::epoch))
+    if (time->origin == RecordTime::Origin::none)
         return failure("time ", quoted(options.time), ": the years 1970 to 2261 can be sent");
     return *time;
 }

@@ -17,6 +17,7 @@ Reading::Reading(const InputOptions& options, std::function<void()> before_wait)
                                                   }}) {}
 
 void Reading::note(Event event) {
+    if (noted_in_vain_ < inputs_.read_in_vain().size()) note_read_in_vain();
     if (event == Event::begins && !has_begun()) {
         watch_interrupts();
         ignore_closed_pipes();
@@ -44,6 +45,19 @@ void Reading::note_problem() {
         return is_line ? concat("like ", recording, ":", problem.number)
                        : concat("like that at byte ", problem.number, " of ", recording);
     });
+}
+
+void Reading::note_read_in_vain() {
+    for (; noted_in_vain_ < inputs_.read_in_vain().size(); ++noted_in_vain_) {
+        const Inputs::InVain& recording = inputs_.read_in_vain()[noted_in_vain_];
+        const bool is_empty = recording.format.empty();
+        if (!is_empty) is_readable_ = false;
+        if (is_empty && is_quiet_) continue;
+        clear_progress();
+        const std::string what =
+            is_empty ? "is empty" : concat("nothing in it can be read as ", recording.format);
+        std::fprintf(stderr, "vistel: %s: %s\n", recording.name.c_str(), what.c_str());
+    }
 }
 
 void Reading::tell(const std::string& what, std::string_view why) {

@@ -64,12 +64,14 @@ class Reading {
   private:
     void note(Event event);
     void note_problem();
+    void note_read_in_vain();
 
     const bool is_quiet_;
     Inputs inputs_;
     std::optional<Progress> progress_;
     ProblemLog log_{is_quiet_};
     InputLosses losses_;
+    std::size_t noted_in_vain_ = 0;
     bool is_readable_ = true;
     bool has_ended_ = false;
 };

@@ -33,6 +33,9 @@ class OutletWriter final : public RecordWriter {
         outlet_.begin(bytes_);
         bytes_.clear();
     }
+    RecordTime::Origin origin_written(const RecordTime& time) const override {
+        return writer_->origin_written(time);
+    }
     const char* put(const Record& record, std::string&) override {
         const char* const why = writer_->put(record, bytes_);
         if (why == nullptr) outlet_.put(bytes_);

@@ -157,6 +157,10 @@ void Inputs::close(const Input& input) {
     foreign_frames_ += input.recording.foreign_frames();
     dropped_frames_ += input.recording.dropped_frames();
     note_format(formats_, input.recording);
+    const Recording& recording = input.recording;
+    if (input.is_live) return;
+    if (recording.is_empty_file()) in_vain_.push_back({names_[input.place], {}});
+    if (recording.is_none_of_its_format()) in_vain_.push_back({names_[input.place], recording.format_name()});
 }
 
 void Inputs::fail(std::size_t place, std::string text) {

@@ -82,6 +82,13 @@ class Inputs {
     std::uint64_t foreign_frames() const;
     std::uint64_t dropped_frames() const;  ///< as the recordings themselves say
 
+    /// A recording that was read to its end in vain: an empty file, or nothing but problems.
+    struct InVain {
+        std::string name;
+        std::string_view format;  ///< that it was read as; empty for an empty file
+    };
+    const std::vector<InVain>& read_in_vain() const { return in_vain_; }
+
     /// Where the reading of recordings stands, as in "at byte 4096 of boat.log". Empty where only live
     /// sources are left, which have no end of their own, or pipes of which everything that is there has been
     /// read.
@@ -174,6 +181,7 @@ class Inputs {
     std::uint64_t foreign_frames_ = 0;
     std::uint64_t dropped_frames_ = 0;
     std::vector<std::string_view> formats_;
+    std::vector<InVain> in_vain_;
 };
 
 }  // namespace vistel

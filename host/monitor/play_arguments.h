@@ -27,8 +27,7 @@ inline CLI::Option* add_play_arguments(CLI::App& app, PlayArguments& arguments, 
     add_speed(app, play.speed);
     app.add_flag("--loop", play.loop, "From the start again at the end");
     add_pgns(app, filter.pgns);
-    app.add_option("--source", filter.sources, "Only messages of these source addresses")
-        ->allow_extra_args(false);
+    add_sources(app, filter.sources);
     add_units(app, units.set, units.units);
     add_definitions(app, play.definitions);
     add_no_config(app, no_config);

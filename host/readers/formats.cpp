@@ -21,8 +21,8 @@ std::unique_ptr<RecordReader> open_reader(ByteSource& source, [[maybe_unused]] C
 }
 
 template <class AnyFormat>
-constexpr Format format(std::string_view name, std::string_view about) {
-    Format row{name, about, nullptr, nullptr, open_reader<AnyFormat>};
+constexpr Format format(std::string_view name, std::string_view also, std::string_view about) {
+    Format row{name, also, about, nullptr, nullptr, open_reader<AnyFormat>};
     if constexpr (requires { AnyFormat::resembles; }) row.resembles = AnyFormat::resembles;
     if constexpr (requires { AnyFormat::begins; }) row.begins = AnyFormat::begins;
     return row;
@@ -40,7 +40,7 @@ std::span<const Format> all_formats() {
 
 Result<const Format*> find_format(std::string_view name) {
     for (const Format& format : formats) {
-        if (format.name == name) return &format;
+        if (format.name == name || (format.also == name && !name.empty())) return &format;
     }
     return failure("unknown format ", quoted(name), "; known are ", format_names());
 }

@@ -15,6 +15,7 @@ namespace vistel {
 /// One format of recordings, a row of formats.tsv.
 struct Format {
     std::string_view name;   ///< as given to --format
+    std::string_view also;   ///< the same; empty for most
     std::string_view about;  ///< a line for the help text
 
     /// Whether a line speaks for this format; null where lines say nothing.
@@ -28,7 +29,7 @@ struct Format {
 
 std::span<const Format> all_formats();
 
-/// Fails for a name that no format has.
+/// By either name. Fails for one that no format has.
 Result<const Format*> find_format(std::string_view name);
 
 /// The format that the beginning of `head` speaks for, or else the first line that speaks for any, or null;

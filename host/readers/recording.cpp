@@ -93,6 +93,8 @@ ReadResult Recording::explain_end() {
         describe(problem_, "cannot read on: ", source_.error());
     } else if (const std::string_view kind = archive_kind(head); !kind.empty()) {
         describe(problem_, "this is ", kind, "; take the recording out of it");
+    } else if (const std::string_view packing = packing_of(head); !packing.empty()) {
+        describe(problem_, "this seems to be ", packing, " data within other data; unpack it first");
     } else {
         const std::string_view guess = guess_file(head);
         describe(problem_, guess.empty() ? "" : "this seems to be ", guess, guess.empty() ? "" : "; ",
@@ -113,9 +115,11 @@ ReadResult Recording::next(Record& record) {
     const std::size_t used_before = std::min<std::size_t>(msg.length, sizeof msg.data);
     const ReadResult result = reader_->next(record, problem_);
     if (result == ReadResult::record) [[likely]] {
+        has_records_ = true;
         if (record.time.origin != RecordTime::Origin::epoch) stamp(record.time);
         if (msg.length < used_before) std::memset(msg.data + msg.length, 0, used_before - msg.length);
     } else if (result == ReadResult::problem) {
+        has_problems_ = has_problems_ || problem_.place != Problem::Place::whole;
         msg.length = 0;
         std::memset(msg.data, 0, sizeof msg.data);
     }

@@ -66,6 +66,14 @@ class Recording {
     /// Whether it is there from the first byte to the last, so that it can be read again.
     bool is_file() const { return source_.is_file(); }
 
+    /// @{ What came of it, once its end is reached: a file without a single byte; places that could not be
+    /// read and nothing else, neither a record nor a frame of another kind.
+    bool is_empty_file() const {
+        return is_file() && bytes_total() == 0 && source_.consumed() == 0 && source_.unread().empty();
+    }
+    bool is_none_of_its_format() const { return has_problems_ && !has_records_ && foreign_frames() == 0; }
+    /// @}
+
     /// How the recording names an interface of its records; empty where it does not.
     std::string_view bus_name(std::uint8_t bus) const {
         return reader_ ? reader_->bus_name(bus) : std::string_view{};
@@ -92,6 +100,8 @@ class Recording {
     std::unique_ptr<RecordReader> reader_;
     DayClock day_clock_;
     Problem problem_;
+    bool has_records_ = false;
+    bool has_problems_ = false;  // places that could not be read
     bool end_explained_ = false;
 };
 

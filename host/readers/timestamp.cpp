@@ -86,11 +86,6 @@ Result<std::int64_t, const char*> parse_time_of_day(std::string_view text) {
 
 }  // namespace
 
-RecordTime::Origin origin_of_seconds(std::int64_t seconds) {
-    constexpr std::int64_t first_absolute = 100'000'000;  // 1973-03-03; no recording lasts three years
-    return seconds >= first_absolute ? RecordTime::Origin::epoch : RecordTime::Origin::start;
-}
-
 Result<Done, const char*> TimestampParser::parse_date(std::string_view date) {
     const unsigned century = two_digits(date.data()), year_of_century = two_digits(date.data() + 2);
     const unsigned month = two_digits(date.data() + 5), day_of_month = two_digits(date.data() + 8);
@@ -121,7 +116,7 @@ Result<RecordTime, const char*> TimestampParser::parse(std::string_view text) {
     }
     auto time = parse_time_of_day(text.substr(date_size + 1));
     if (!time) return time.error();
-    if (!is_dated_) return RecordTime{(*time + day) % day, RecordTime::Origin::day};
+    if (!is_dated_ || midnight_ + *time < 0) return RecordTime{};
     const unsigned hours = two_digits(text.data() + 11), minutes = two_digits(text.data() + 14);
     minute_start_ = midnight_ + hours * hour + minutes * minute;
     std::memcpy(minute_, text.data(), minute_size);
@@ -183,7 +178,7 @@ bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day_of_mon
                               std::chrono::day(day_of_month);
     if (!calendar_day.ok()) return false;
     if (year < 1970 || year > 2261) {
-        time = {since_midnight, RecordTime::Origin::day};
+        time = {};
     } else {
         const std::int64_t days = std::chrono::sys_days(calendar_day).time_since_epoch().count();
         time = {days * day + since_midnight, RecordTime::Origin::epoch};

@@ -12,8 +12,9 @@ namespace vistel {
 ///   2016-02-28T19:57:02.364Z   T, `-`, Z or a blank between date and time
 ///   2016-02-28-21:57:02+02:00  offsets also as +0200 and +02; without one the time is UTC
 ///   19:57:02.364               time of day alone
-/// with up to nine decimals. Of a date outside the years 1970 to 2261 (nanoseconds in 64 bits end in 2262),
-/// which a clock has that was never set, the time of day alone is taken.
+/// with up to nine decimals. A date outside the years 1970 to 2261 (nanoseconds in 64 bits end in 2262) is
+/// one of a clock that was never set or has failed, and no time: its time of day cannot be compared with the
+/// dates around it.
 class TimestampParser {
   public:
     /// Of a text that is something else the result says so, as in "there is no such date".
@@ -38,10 +39,6 @@ class TimestampParser {
     std::int64_t minute_start_ = 0;
 };
 
-/// What a clock counts from that may not have been set: from 1973 on seconds since 1970, below seconds since
-/// an unknown start.
-RecordTime::Origin origin_of_seconds(std::int64_t seconds);
-
 /// Seconds of such a clock with up to nine decimals: `1502979132.106111`.
 [[nodiscard]] bool parse_seconds(std::string_view text, RecordTime& time);
 
@@ -53,7 +50,7 @@ RecordTime::Origin origin_of_seconds(std::int64_t seconds);
 RecordTime later(const RecordTime& start, std::int64_t nanoseconds);
 
 /// A day and the nanoseconds since its midnight; false where there is no such day. As for dates that are
-/// text, of years that cannot be told the time of day remains.
+/// text, one of years that cannot be told is no time.
 [[nodiscard]] bool make_time(std::uint32_t year, std::uint32_t month, std::uint32_t day,
                              std::int64_t since_midnight, RecordTime& time);
 

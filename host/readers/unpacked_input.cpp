@@ -154,6 +154,12 @@ ByteInput::Fill UnpackedInput::unpack(std::span<char> room, std::size_t& size) {
 
 }  // namespace
 
+std::string_view packing_of(std::string_view head) {
+    for (const Beginning& beginning : beginnings)
+        if (head.size() >= beginning.bytes.size() && may_begin(beginning, head)) return beginning.name;
+    return {};
+}
+
 std::unique_ptr<ByteInput> unpacked(std::unique_ptr<ByteInput> input) {
     return std::make_unique<UnpackedInput>(std::move(input));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "readers/byte_input.h"
 
@@ -10,5 +11,8 @@ namespace vistel {
 /// bzip2). Several compressed pieces one after the other are one recording. What was cut off or damaged gives
 /// what can be unpacked of it, and then fails. Memory is bounded, whatever the bytes say.
 std::unique_ptr<ByteInput> unpacked(std::unique_ptr<ByteInput> input);
+
+/// How the data is compressed that `head` begins, "gzip" and so on; empty where it does not look so.
+std::string_view packing_of(std::string_view head);
 
 }  // namespace vistel

@@ -7,6 +7,7 @@ namespace vistel {
 /// What ActisenseAsciiFormat reads.
 class ActisenseAsciiWriter final : public WholeMessageWriter {
   public:
+    RecordTime::Origin origin_written(const RecordTime&) const override { return RecordTime::Origin::day; }
     const char* put(const Record& record, std::string& out) override;
 };
 

@@ -12,6 +12,9 @@ namespace vistel {
 class CandumpWriter final : public FrameWriter {
   public:
     std::string_view name_bus(std::uint8_t bus, std::string_view name) override;
+    RecordTime::Origin origin_written(const RecordTime& time) const override {
+        return time.origin == RecordTime::Origin::none ? time.origin : origin_of_written_seconds(time);
+    }
 
   private:
     bool is_taken(std::string_view name) const;

@@ -53,11 +53,38 @@ void Converter::put(const Record& record) {
     }
 }
 
+/// A record by itself.
 void Converter::write(const Record& record) {
-    if (const char* const why = writer_.put(record, out_); why != nullptr)
+    std::uint64_t& count = count_of(record.time);
+    if (append(record)) ++count;
+}
+
+/// Of those whose time is like this one, which is written next.
+std::uint64_t& Converter::count_of(const RecordTime& time) {
+    using Origin = RecordTime::Origin;
+    Origin written = writer_.origin_written(time);
+    if (time.origin == Origin::none && written != Origin::none) written = writer_.origin_written(last_time_);
+    return times_[static_cast<std::size_t>(time.origin)][static_cast<std::size_t>(written)];
+}
+
+bool Converter::append(const Record& record) {
+    using Origin = RecordTime::Origin;
+    const char* why = nullptr;
+    if (record.time.origin != Origin::none) [[likely]] {
+        last_time_ = record.time;
+        why = writer_.put(record, out_);
+    } else if (writer_.origin_written(record.time) == Origin::none) {
+        why = writer_.put(record, out_);
+    } else {
+        Record timed = record;
+        timed.time = last_time_;
+        why = writer_.put(timed, out_);
+    }
+    if (why != nullptr)
         refused_(record.msg, why);
     else
         ++written_;
+    return why == nullptr;
 }
 
 void Converter::write_frames(const Record& message) {
@@ -69,10 +96,11 @@ void Converter::write_frames(const Record& message) {
     }
     std::uint8_t& sequence = sequences_[stream_of(msg)];
     joined_ = {Record::Kind::frame, message.bus, {}, message.time};
+    ++count_of(message.time);
     cut(msg, sequence % fast_packet::sequences, definitions_,
         [this](std::uint32_t identifier, FrameBytes bytes) {
             set_frame(joined_, identifier, bytes);
-            write(joined_);
+            append(joined_);
         });
     if (carriage_of(msg, definitions_) == Carriage::fast_packet) ++sequence;
 }

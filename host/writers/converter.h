@@ -32,10 +32,19 @@ class Converter {
     void finish() { reassembler_.finish(); }
 
     std::uint64_t written() const { return written_; }  ///< records: messages or frames
+
+    /// Messages, or frames that stayed frames, whose time had one origin and is read again with another.
+    /// Those without a time are written with the last one that is known.
+    std::uint64_t messages_of_times(RecordTime::Origin had, RecordTime::Origin written) const {
+        return times_[static_cast<std::size_t>(had)][static_cast<std::size_t>(written)];
+    }
+
     const ReassemblyCounters& counters() const { return reassembler_.counters(); }
 
   private:
     void write(const Record& record);
+    bool append(const Record& record);
+    std::uint64_t& count_of(const RecordTime& time);
     void write_frames(const Record& message);
     bool is_said(const N2KMsg& msg);
 
@@ -45,6 +54,9 @@ class Converter {
     const pgn_vistel::core::Definitions definitions_;
     std::optional<Record::Kind> kind_;  // of what is written
     std::uint64_t written_ = 0;
+    RecordTime last_time_;  // of those that were known
+    std::array<std::array<std::uint64_t, 4>, 4>
+        times_{};  // by the origins that they had and are written with
 
     Reassembler reassembler_;
     std::uint8_t bus_ = 0;

@@ -28,6 +28,13 @@ std::uint64_t tag_time(const RecordTime& time) {
 
 }  // namespace
 
+/// A tag is in force until the next one.
+RecordTime::Origin EblWriter::origin_written(const RecordTime& time) const {
+    using Origin = RecordTime::Origin;
+    const Origin origin = time.origin == Origin::none ? time_.origin : time.origin;
+    return origin == Origin::day ? Origin::start : origin;
+}
+
 const char* EblWriter::put(const Record& record, std::string& out) {
     const std::size_t before = out.size();
     constexpr unsigned version_tag = 1, time_tag = 3, version = 1002;

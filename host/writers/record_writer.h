@@ -22,6 +22,10 @@ class RecordWriter {
     /// it is called in what is written; empty where the format does not tell interfaces apart.
     virtual std::string_view name_bus(std::uint8_t /*bus*/, std::string_view /*name*/) { return {}; }
 
+    /// The origin that this time of the next record is read with again. Another one than `none` for a record
+    /// without a time: it is going to be read with some time.
+    virtual RecordTime::Origin origin_written(const RecordTime& time) const = 0;
+
     /// A record of a kind that it takes. Returns null, or why the format cannot hold it; then nothing is
     /// appended.
     virtual const char* put(const Record& record, std::string& out) = 0;
@@ -47,6 +51,11 @@ class WholeMessageWriter : public RecordWriter {
   public:
     bool takes(Record::Kind kind) const final { return kind == Record::Kind::message; }
 };
+
+/// The origin of a time that is written in seconds of no kind, and read as those of any clock.
+constexpr RecordTime::Origin origin_of_written_seconds(const RecordTime& time) {
+    return origin_of_seconds(time.nanoseconds / 1'000'000'000);
+}
 
 inline FrameBytes payload_of(const Record& record) {
     return {record.msg.data, record.msg.length};

@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <random>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "can/transport_protocol.h"
@@ -185,6 +188,38 @@ TEST(Converter, WritesTimesAsFormatsHaveThem) {
         record.time = {nanoseconds, origin};
         const std::string out = converted({record}, format);
         EXPECT_EQ(out.substr(0, out.find_first_of(" ,", 1)), expected) << format;
+    }
+}
+
+TEST_P(EachFormat, CountsTimesThatItSaysOtherwise) {
+    using Origin = RecordTime::Origin;
+    constexpr Origin origins[] = {Origin::none, Origin::start, Origin::day, Origin::epoch};
+    std::mt19937 random(2000);
+    const std::pair<Origin, int> tried[] = {// with hours: a clock is read by how far it has come
+                                            {Origin::none, 0},       {Origin::start, 11},
+                                            {Origin::start, 30'000}, {Origin::day, 11},
+                                            {Origin::epoch, 11'000}, {Origin::epoch, 493'857}};
+    for (const auto& [origin, hours] : tried) {
+        const auto writer = make_writer(GetParam());
+        std::string out;
+        Converter converter(*writer, out, [](const N2KMsg&, const char* why) { ADD_FAILURE() << why; });
+        Record timed = any_message(random, origin, std::int64_t{hours} * 3'600'000), untimed = timed;
+        untimed.time = {};
+        untimed.msg.source = 9;
+        for (const Record& record : {timed, untimed}) converter.put(record);
+        std::map<std::pair<Origin, Origin>, std::uint64_t> told, found;
+        std::set<std::int64_t> times;
+        Reassembler reassembler([&](const N2KMsg& msg, const RecordTime& time) {
+            if (msg.pgn != timed.msg.pgn) return;  // what carries it
+            ++found[{msg.source == 9 ? Origin::none : timed.time.origin, time.origin}];
+            if (time.origin != Origin::none) times.insert(time.nanoseconds);
+        });
+        for (const Record& record : records_in(out, GetParam())) reassembler.put(record);
+        for (const Origin had : origins)
+            for (const Origin now : origins)
+                if (const auto count = converter.messages_of_times(had, now)) told[{had, now}] = count;
+        EXPECT_EQ(told, found);
+        EXPECT_LE(times.size(), 1u) << "nothing says the time of the second";
     }
 }
 

@@ -33,6 +33,10 @@ def format_name(cell):
     return matching(r"[a-z0-9]+(-[a-z0-9.]+)*", "name in lower case")(cell)
 
 
+def other_name(cell):
+    return "" if cell == "-" else format_name(cell)
+
+
 def origins(cell):
     found = [choice(*TIMES)(word) for word in cell.split(",")]
     if len(set(found)) < len(found):
@@ -57,7 +61,7 @@ def sample(cell):
     return found, False
 
 
-COLUMNS = {"name": format_name, "class": matching(r"[A-Z][A-Za-z0-9]*", "class"),
+COLUMNS = {"name": format_name, "also": other_name, "class": matching(r"[A-Z][A-Za-z0-9]*", "class"),
            "header": matching(r"[a-z0-9_]+\.h", "header of this folder"), "holds": choice(*HOLDS), "times": origins,
            "about": ascii_text(MAX_ABOUT), "written_by": ascii_text(400), "sample": sample}
 
@@ -68,11 +72,12 @@ def read_formats(path, report):
         return []
     names = set()
     for row in rows:
-        if row.name in names:
-            report.add(row.place, f"name {row.name} stands twice")
+        for name in filter(None, (row.name, row.also)):
+            if name in names:
+                report.add(row.place, f"name {name} stands twice")
+            names.add(name)
         if not (path.parent / row.header).exists():
             report.add(row.place, f"there is no {row.header}")
-        names.add(row.name)
         row.writer = f"{row.name.replace('-', '_')}_writer.h"
         row.is_written = (path.parent.parent / "writers" / row.writer).exists()
     return rows
@@ -83,7 +88,8 @@ def quoted(text):
 
 
 def code_rows(rows):
-    return [f"format<{getattr(row, 'class')}>({quoted(row.name)}, {quoted(row.about)})," for row in rows]
+    return [f"format<{getattr(row, 'class')}>({quoted(row.name)}, {quoted(row.also)}, {quoted(row.about)}),"
+            for row in rows]
 
 
 def header_rows(rows):
@@ -102,7 +108,8 @@ def writer_headers(rows):
 def facts(row):
     times = ", or ".join(TIMES[origin] for origin in row.times)
     written = " vistel convert writes it, too." if row.is_written else ""
-    return f"Holds {HOLDS[row.holds]}; times: {times}. Written by {row.written_by}.{written}"
+    also = f" Its name may also be given as {row.also}." if row.also else ""
+    return f"Holds {HOLDS[row.holds]}; times: {times}. Written by {row.written_by}.{written}{also}"
 
 
 def sample_rows(rows):

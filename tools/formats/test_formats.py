@@ -9,9 +9,9 @@ from pathlib import Path
 
 from formats import DOCUMENT_MARK, main
 
-HEADER = "name class header holds times about written_by sample"
-TEXT = r'one-2 OneFormat one_format.h frames day,none Says~"one"~\~so a~gateway~of~somebody a\nb\xFF'
-BYTES = "two TwoFormat one_format.h either epoch Others b hex~0A0B~00*40"
+HEADER = "name also class header holds times about written_by sample"
+TEXT = r'one-2 uno OneFormat one_format.h frames day,none Says~"one"~\~so a~gateway~of~somebody a\nb\xFF'
+BYTES = "two - TwoFormat one_format.h either epoch Others b hex~0A0B~00*40"
 
 
 def table(*rows):
@@ -43,7 +43,7 @@ class FormatsTest(unittest.TestCase):
         self.assertEqual(self.run_main([TEXT, BYTES]), (0, ""))
         self.assertEqual(self.made("format_headers.inc"), '#include "readers/one_format.h"\n')
         self.assertEqual(self.made("format_rows.inc").splitlines(),
-                         [r'format<OneFormat>("one-2", "Says \"one\" \\ so"),', 'format<TwoFormat>("two", "Others"),'])
+                         [r'format<OneFormat>("one-2", "uno", "Says \"one\" \\ so"),', 'format<TwoFormat>("two", "", "Others"),'])
         self.assertEqual(self.made("format_samples.inc").splitlines(),
                          ['{"one-2", "frames", "day,none", {97, 10, 98, 255, 10}},',
                           '{"two", "either", "epoch", {10, 11' + ", 0" * 40 + "}},"])
@@ -71,9 +71,9 @@ class FormatsTest(unittest.TestCase):
                 ("OneFormat", "one", "class 'one' is no class"), ("one_format.h", "a/b.h", "no header of this folder"),
                 ("one_format.h", "other.h", "there is no other.h"), (" frames", " both", "holds 'both' is not one of"),
                 ("day,none", "day,day", "times 'day,day' names one twice"), ("day,none", "noon", "'noon' is not one of"),
-                ("a~gateway~of~somebody", "", "written_by has 0 characters"), ("one-2", "two", "name two stands twice"),
+                ("a~gateway~of~somebody", "", "written_by has 0 characters"), ("one-2", "two", "name two stands twice"), ("uno", "two", "name two stands twice"),
                 (r"a\nb\xFF", r"a\tb", r"begins neither \n nor \xHH"), (r"a\nb\xFF", "hex~0", "'0' is neither"),
-                (r"a\nb\xFF", "", "sample has 0 characters"), (" frames", "", "has 7 cells, not 8")]:
+                (r"a\nb\xFF", "", "sample has 0 characters"), (" frames", "", "has 8 cells, not 9")]:
             with self.subTest(message):
                 status, told = self.run_main([BYTES, TEXT.replace(old, new)])
                 self.assertEqual((status, told.count("\n")), (1, 1))

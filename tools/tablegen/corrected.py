@@ -187,7 +187,8 @@ def base_field(row, cells, context):
     bits = cells["size"] if "size" in cells else field_bits(row, entry, pressure_only(context.rules.get(row.pgn)),
                                                             context.formats)
     options = cells.get("options", {})
-    field = new_field(number=row.field, label=cells.get("label", shown_label(tables, row)), bits=bits or 0, dd=row.dd,
+    label = cells.get("label") or shown_label(tables, row).strip()
+    field = new_field(number=row.field, label=label, bits=bits or 0, dd=row.dd,
                       options=options, texts=cells.get("texts") or base_texts(row, context), place=row.place,
                       is_corrected=bool(cells))
     form = special_row(tables, row.pgn, row.field, row.dd, "form")
@@ -472,7 +473,7 @@ def corrected_sets(tables, overlay):
 def corrected_set(found, changes):
     if found.kind == FLAGS:
         return corrected_flags(found, changes)
-    entries = {entry.value: Row(value=entry.value, text=entry.text, source="base", guess=entry.guess)
+    entries = {entry.value: Row(value=entry.value, text=entry.text.strip(), source="base", guess=entry.guess)
                for entry in found.entries}
     entries = {value: entry for value, entry in entries.items() if not entry.guess}
     for value, row in changes.items():
@@ -500,7 +501,8 @@ def end_ranges(messages, sets):
 
 def corrected_flags(found, changes):
     """The values of flags are what their bits count."""
-    texts = {entry.value: Row(text=None if entry.guess else entry.text, source="base") for entry in found.entries}
+    texts = {entry.value: Row(text=None if entry.guess else entry.text.strip(), source="base")
+             for entry in found.entries}
     texts |= changes
     entries = [Row(value=value.bit_length() - 1, text=row.text, source=row.source)
                for value, row in texts.items() if row.text is not None]

@@ -208,6 +208,11 @@ class DataTest(unittest.TestCase):
             if enumeration.kind != FLAGS and field.bits and not by:
                 self.assertFalse([entry.value for entry in enumeration.entries if entry.value >> field.bits], name)
 
+    def test_labels_and_texts_have_no_blanks_around_them(self):
+        texts = [field.label for _, _, field in self.fields]
+        texts += [entry.text for found in self.context.sets.values() for entry in found.entries]
+        self.assertEqual([text for text in texts if text != text.strip()], [])
+
     def test_flags_of_the_base_are_what_bits_count(self):
         changed = [row for found in self.tables.sets for row in self.overlay.set_changes
                    if found.kind == FLAGS and row.dd == found.dd]
