@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "text/words.h"
+
 namespace vistel {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_view_literals;
 
 /// A gateway on the boat's network answers in milliseconds.
 constexpr auto most_connecting = 10s;
@@ -21,6 +24,15 @@ std::string_view word_of(SourceName::Kind kind) {
     return kind == SourceName::Kind::udp ? "listening" : "connected";
 }
 
+std::string doubt_of(const SourceName& name) {
+    return name.kind == SourceName::Kind::serial ? concat("; is ", name.speed, " the right speed?") : "";
+}
+
+/// Whether bytes are more than the signs by which adapters say yes and no, which are no format.
+bool is_content(std::string_view bytes) {
+    return bytes.find_first_not_of("\r\n\a"sv) != std::string_view::npos;
+}
+
 std::int64_t wall_clock() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
                std::chrono::system_clock::now().time_since_epoch())
@@ -32,7 +44,7 @@ std::int64_t wall_clock() {
 Link::Link(std::shared_ptr<EventLoop> loop, SourceName name, LinkOptions options)
     : loop_(std::move(loop)),
       name_(std::move(name)),
-      watch_(std::move(options), word_of(name_.kind)),
+      watch_(std::move(options), word_of(name_.kind), doubt_of(name_)),
       gateway_(make_gateway(name_.gateway, *this)) {}
 
 Link::~Link() {
@@ -80,6 +92,7 @@ bool Link::received(std::string_view bytes) {
     watch_.counters().bytes += bytes.size();
     const auto now = Clock::now();
     if (!gateway_ || gateway_->received(bytes, now)) watch_.traffic(now);
+    if (is_content(bytes)) watch_.came(now);
     if (std::exchange(cut_, false)) pending_ += cancelled;
     pending_ += bytes;
     if (!bytes.empty()) last_ = bytes.back();

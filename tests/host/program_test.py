@@ -623,6 +623,16 @@ class ProgramTest(unittest.TestCase):
                 told = process.stderr.read()
         self.assertIn(f"vistel: {name}: connection lost: closed by the other side; trying again\n", told)
         self.assertIn("\nmessages: 3\n", told)
+        self.assertNotIn("none of", told)
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            with subprocess.Popen([*PROGRAM, "decode", "--timeout", "0.2", name], stderr=subprocess.PIPE) as process:
+                with server.accept()[0] as gateway:
+                    gateway.sendall(b"\xf8\n" * 9)
+                    self.assertIn(b": 18 bytes received that are none of the known formats", process.stderr.readline())
+                    process.send_signal(TERMINATION)
+                    self.assertIn(b": the format is none of plain, ", process.communicate(timeout=30)[1])
+            self.assertEqual(process.returncode, 2)
         result = vistel("decode", name)  # nobody listens
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn(f"vistel: {name}: ", result.stderr)

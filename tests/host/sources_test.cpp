@@ -524,6 +524,26 @@ TEST(Links, OfSerialPorts) {
     EXPECT_EQ(device.get(), "C\r");  // the bus is closed when it is left
 }
 
+TEST(Links, TellOnceOfBytesThatAreNoFormat) {
+    Descriptor device(::posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(::grantpt(device) | ::unlockpt(device), 0);
+    Listening live("serial:" + std::string(::ptsname(device)) + "?speed=9600&gateway=none", "", 30ms);
+    ASSERT_EQ(live.failure, "");
+    device.put("\r\a");  // what an adapter answers
+    ASSERT_TRUE(live.until([&] { return live.has_told("nothing received"); }));
+    EXPECT_FALSE(live.recording.is_left_unknown());
+    EXPECT_FALSE(live.has_told("none of"));
+    device.put("\xF8\x80");
+    ASSERT_TRUE(live.until([&] {
+        return live.has_told(
+            "4 bytes received that are none of the known formats; is 9600 the right speed?\n");
+    }));
+    EXPECT_FALSE(live.recording.is_left_unknown()) << "a line has begun";
+    device.put("\n" + std::string(raw_line));
+    ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
+    EXPECT_EQ(live.told.find("none of"), live.told.rfind("none of"));
+}
+
 TEST(Links, AreReadSideBySide) {
     const Bound first(SOCK_STREAM), second(SOCK_STREAM), sender(SOCK_DGRAM);
     const std::uint16_t datagrams = free_port(SOCK_DGRAM);
