@@ -94,7 +94,11 @@ bool Link::received(std::string_view bytes) {
     if (!gateway_ || gateway_->received(bytes, now)) watch_.traffic(now);
     if (is_content(bytes)) watch_.came(now);
     if (std::exchange(cut_, false)) pending_ += cancelled;
-    pending_ += bytes;
+    if (name_.kind == SourceName::Kind::udp) {
+        datagrams_.put(bytes, now, pending_);
+    } else {
+        pending_ += bytes;
+    }
     if (!bytes.empty()) last_ = bytes.back();
     is_stopped_ = pending_.size() - read_ >= most_pending;
     return !is_stopped_;
@@ -118,6 +122,7 @@ void Link::send(std::string_view bytes) {
 /// Does what is due.
 void Link::keep_up(Clock::time_point now) {
     kept_up_at_ = now;
+    datagrams_.elapsed(now, pending_);
     if (!connection_) {
         if (now >= watch_.retry_at()) connect();
     } else if (is_open_) {

@@ -427,6 +427,37 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
     EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
 }
 
+TEST(Links, OfDatagramsThatAreLinesOrPieces) {
+    const std::string line(raw_line.substr(0, raw_line.size() - 2));
+    const std::string pcdin = "$PCDIN,01F112,00000000,23,0039300000FF7FFD*5E";
+    const struct {
+        const char* what;
+        std::vector<std::string> datagrams;
+        int messages;
+    } cases[] = {
+        {"a line alone", {line}, 1},
+        {"lines", {"# a comment", line, line, line}, 3},
+        {"foreign ones among them", {"$GPGLL,,,,,,V,N*64", pcdin, "$GPGLL,,,,,,V,N*64", pcdin}, 2},
+        {"pieces of lines",
+         {"(1789027200.0)", " can0 18", "EAFF17#00", "EE00\n", "can0 18EAFF17#0", "0\n"},
+         2},
+        {"pieces of binary records",
+         {std::string(ngt_heading.substr(0, 17)), std::string(ngt_heading.substr(17, 2)),
+          std::string(ngt_heading.substr(19))},
+         1},
+    };
+    for (const auto& c : cases) {
+        const std::uint16_t port = free_port(SOCK_DGRAM);
+        Listening live("udp://:" + std::to_string(port));
+        const Bound sender(SOCK_DGRAM);
+        const sockaddr_in to = here(port);
+        for (const std::string& each : c.datagrams)
+            ::sendto(sender.socket, each.data(), each.size(), 0, generic(to), sizeof to);
+        EXPECT_TRUE(live.until([&] { return live.messages == c.messages; })) << c.what;
+        EXPECT_EQ(live.problems, "") << c.what;
+    }
+}
+
 TEST(Links, TellWhatTheSystemDropped) {
     const std::uint16_t port = free_port(SOCK_DGRAM);
     Listening live("udp://:" + std::to_string(port));
