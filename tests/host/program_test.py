@@ -29,6 +29,7 @@ MONITOR = VISTEL + "-monitor"  # not built without windows
 NO_ARGUMENTS = os.environ.get("NO_ARGUMENTS", "")
 # A user can end a program by the keyboard alone on Windows.
 TERMINATION = signal.SIGINT if EMULATOR else signal.SIGTERM
+signal.signal(signal.SIGHUP, signal.SIG_DFL)  # for the programs that are started, whoever started this one
 # Runs a program by a name of one's choice in a folder, where there is no /proc: FOLDER PATH NAME PROGRAM ARGUMENT...
 WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
                 'mount -t tmpfs none /proc && cd "$0" && PATH=$1 name=$2 && shift 2 && exec -a "$name" "$@"']
@@ -583,11 +584,11 @@ class ProgramTest(unittest.TestCase):
                 target = f"tcp-listen://127.0.0.1:{server.getsockname()[1]}"
             cases = [(["decode", "--stats", path], signal.SIGTERM, "at byte ", b"\n    Source Address: ", "\nmessages: "),
                      (["convert", "--to", "candump", "-"], signal.SIGINT, "at byte ", b"\n(1789027200.250000) can0 ", ""),
-                     (["devices", path], signal.SIGTERM, "at byte ", b"\nDevices: 1", ""),
-                     (["replay", path, "--to", target], signal.SIGINT, "after 0 messages, ", b"", ""),
+                     (["devices", path], signal.SIGHUP, "at byte ", b"\nDevices: 1", ""),
+                     (["replay", path, "--to", target], signal.SIGQUIT, "after 0 messages, ", b"", ""),
                      (["replay", "--loop", path, "--to", target], signal.SIGTERM, None, b"", "")]
             for arguments, number, place, shown, told in cases:
-                number = min(number, TERMINATION)
+                number = TERMINATION if EMULATOR else number
                 with open(path, "rb") as recording, open(Path(folder, "told"), "w+b") as errors, subprocess.Popen(
                         [*PROGRAM, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
                     while os.fstat(errors.fileno()).st_size == 0:
@@ -772,6 +773,9 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(status, 2)
         self.assertIn(b"vistel: places that could not be read: 1", shown)
         self.assertEqual(top("nothing of the kind\n")[0], 2)
+        for typed in b"\x1c", b"\x03":  # Ctrl-\\ and Ctrl-C, behind which the terminal is as it was
+            status, shown = top(HEADING, (b"Vessel", typed))
+            self.assertEqual((status, shown.rfind(b"\x1b[?1049l") > shown.rfind(b"Vessel")), (0, True))
 
     @unittest.skipIf(EMULATOR, "Windows has one")
     def test_the_window_needs_a_display(self):
