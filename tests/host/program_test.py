@@ -672,9 +672,11 @@ class ProgramTest(unittest.TestCase):
             if os.path.exists("/dev/full"):
                 with subprocess.Popen([*PROGRAM, "record", name, "/dev/full"], stderr=subprocess.PIPE) as process:
                     server.accept()[0].close()
-                    process.send_signal(TERMINATION)
                     self.assertIn(b"No space left", process.communicate(timeout=30)[1])
                 self.assertEqual(process.returncode, 2)
+            again = vistel("record", name, str(file))
+            self.assertEqual((again.returncode, again.stderr),
+                             (2, f"vistel: {file}: is there already, and would be written over\n"))
         self.assertEqual([each["pgn"] for each in shown], [129025] * 3)
         self.assertLess(abs(datetime.fromisoformat(shown[0]["absolute"]).timestamp() - time.time()), 60)
         self.assertEqual(vistel("record", "none.log", "-").returncode, 2)
