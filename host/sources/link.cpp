@@ -1,8 +1,10 @@
 #include "sources/link.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
+#include "text/characters.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -15,8 +17,8 @@ using namespace std::string_view_literals;
 constexpr auto most_connecting = 10s;
 /// Received and not read. What comes faster than it is read waits with the sender.
 constexpr std::size_t most_pending = std::size_t{1} << 24;
-/// Ends a line that was cut, in a way that no format takes for a whole one.
-constexpr std::string_view cancelled = "\x18\n";
+/// Ends a line that was cut.
+constexpr char cut_end[] = {cut_mark, '\n'};
 /// Between two looks at what is due.
 constexpr auto slice = 100ms;
 
@@ -93,7 +95,7 @@ bool Link::received(std::string_view bytes) {
     const auto now = Clock::now();
     if (!gateway_ || gateway_->received(bytes, now)) watch_.traffic(now);
     if (is_content(bytes)) watch_.came(now);
-    if (std::exchange(cut_, false)) pending_ += cancelled;
+    if (std::exchange(cut_, false)) pending_.append(std::begin(cut_end), std::end(cut_end));
     if (name_.kind == SourceName::Kind::udp) {
         datagrams_.put(bytes, now, pending_);
     } else {
