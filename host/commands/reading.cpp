@@ -68,6 +68,7 @@ void Reading::tell(const std::string& what, std::string_view why) {
 }
 
 int Reading::finish(const ReassemblyCounters& counters) {
+    while (!has_ended_ && interrupted() && inputs_.is_left_unknown()) note_problem();
     log_.finish();
     losses_.dropped = inputs_.dropped_frames();
     if (is_quiet_ && is_live()) return is_readable_ ? EXIT_CLEAN : EXIT_FAILED;

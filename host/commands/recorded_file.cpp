@@ -65,6 +65,8 @@ Status RecordedFile::open() {
         std::error_code unknown;
         while (std::filesystem::exists(current_ = stamped(name_, stamp_of(last_name_)), unknown))
             ++last_name_;
+    } else if (holds_something(current_)) {
+        return Failure{"is there already, and would be written over"};
     }
     auto opened = open_output(current_, {});
     if (!opened) return opened.error();

@@ -24,7 +24,8 @@ Result<Rotation> parse_rotation(std::string_view text);
 
 /// A file that is written, or one after the other of them, each of which begins with `head` and is whole by
 /// itself. With a rotation the time of its beginning (UTC) is put into the name of each, in front of the
-/// last dot: names that sort by time. None is written over.
+/// last dot: names that sort by time. None is written over; without a rotation it is a failure if the file is
+/// there and holds something.
 class RecordedFile {
   public:
     RecordedFile(std::string name, const Rotation& rotation, std::string head)

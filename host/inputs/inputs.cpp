@@ -89,6 +89,15 @@ bool Inputs::is_file() const {
     return std::ranges::all_of(open_, [](const auto& input) { return input->recording.is_file(); });
 }
 
+bool Inputs::is_left_unknown() {
+    for (const auto& input : open_) {
+        if (!input->recording.is_left_unknown()) continue;
+        (void)pass_problem(*input);
+        return true;
+    }
+    return false;
+}
+
 bool Inputs::would_wait() {
     if (current_ != nullptr) return current_->recording.would_wait();
     if (is_beside_)

@@ -61,6 +61,10 @@ class Inputs {
     const std::string& recording_of_problem() const { return names_[problem_place_]; }
     /// @}
 
+    /// Where it is read no further: whether an input that may bring more has brought nothing but bytes of no
+    /// known format, which problem() then tells. To be called until it is false.
+    bool is_left_unknown();
+
     /// Whether next() would have to wait for input.
     bool would_wait();
     /// Whether what has begun is there from the first byte to the last, so that it can be read again.

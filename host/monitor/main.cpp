@@ -68,6 +68,7 @@ int main(int argc, char** argv) {
     if (!start_program(argc, argv, words)) return bad_usage;
     CLI::App app("Show recordings or live streams in the monitor window");
     app.name("vistel monitor");
+    app.set_version_flag("--version", PGN_VISTEL_VERSION);
     PlayArguments arguments;
     const CLI::Option* const names = add_play_arguments(
         app, arguments, "; - is standard input. Without one the window asks, unless something is piped in");

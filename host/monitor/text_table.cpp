@@ -1,5 +1,6 @@
 #include "monitor/text_table.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vistel {
@@ -27,15 +28,20 @@ void TextTable::restore_widths(const std::map<std::string, int>& layout, const s
 void TextTable::keep_widths(std::map<std::string, int>& layout, const std::string& name) const {
     for (int i = 0; i < GetColumnCount(); ++i)
         if (const int width = GetColumnWidth(i); width > 0)
-            layout[name + "_" + std::to_string(i)] = ToDIP(width);
+            layout[name + "_" + std::to_string(i)] = ToDIP(i == giver_ ? width + given_ : width);
 }
 
-void TextTable::show_column(int column, bool shown) {
+void TextTable::show_column(int column, bool shown, int giver) {
     int& width = widths_[static_cast<std::size_t>(column)];
     const int present = GetColumnWidth(column);
     if (shown == (present > 0)) return;
     if (!shown) width = present;
     SetColumnWidth(column, shown ? width : 0);
+    constexpr int least = 100;  // that the giver keeps
+    const int whole = GetColumnWidth(giver) + given_;
+    giver_ = giver;
+    given_ = shown ? std::clamp(width, 0, std::max(0, whole - FromDIP(least))) : 0;
+    SetColumnWidth(giver, whole - given_);
 }
 
 void TextTable::set_rows(std::vector<Row> rows) {

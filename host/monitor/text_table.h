@@ -27,7 +27,9 @@ class TextTable : public wxListCtrl {
     void restore_widths(const std::map<std::string, int>& layout, const std::string& name);
     void keep_widths(std::map<std::string, int>& layout, const std::string& name) const;
     /// @}
-    void show_column(int column, bool shown);
+    /// Its room is that of the giver, as far as this has any to give, so that the columns behind stay in
+    /// sight.
+    void show_column(int column, bool shown, int giver);
 
     std::vector<std::size_t> selection() const;
     void select(std::size_t row, bool selected);
@@ -35,7 +37,8 @@ class TextTable : public wxListCtrl {
   private:
     wxString OnGetItemText(long item, long column) const override;
 
-    std::vector<int> widths_;  // of the columns when shown
+    std::vector<int> widths_;     // of the columns when shown
+    int giver_ = -1, given_ = 0;  // the column that gave room, and how much of it
     std::vector<Row> rows_;
 };
 

@@ -41,7 +41,7 @@ namespace {
 
 constexpr int frame_interval_ms = 100;  // quicker than the eye reads figures, and calm
 // Frames between looks at what changes slowly.
-constexpr int bus_column = 0;  // of the devices
+constexpr int bus_column = 0, title_column = 2;  // of the devices
 constexpr std::size_t widest_bus = 15;
 constexpr const char* between = " + ";  // names of inputs
 constexpr unsigned frames_per_column = 3, frames_per_status = 5, frames_per_filter = 10;
@@ -191,7 +191,7 @@ void MonitorWindow::build_controls() {
         new wxSplitterWindow(all, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxSP_LIVE_UPDATE | wxSP_3DSASH);
     device_table_ = new TextTable(
         sides_, {{"Bus", 85}, {"Addr", 42, true}, {"Device", 195}, {"Msg/s", 52, true}, {"State", 160}});
-    device_table_->show_column(bus_column, false);
+    device_table_->show_column(bus_column, false, title_column);
     const auto on_choice = [this](wxListEvent& event) {
         if (!is_choosing_) CallAfter([this] { choose_devices(); });
         event.Skip();
@@ -560,7 +560,7 @@ void MonitorWindow::show_devices() {
     std::erase_if(devices_, [this](const DeviceRow& device) {
         return options_.filter.bus && device.bus != *options_.filter.bus;
     });
-    device_table_->show_column(bus_column, has_several_buses());
+    device_table_->show_column(bus_column, has_several_buses(), title_column);
     std::vector<TextTable::Row> rows;
     titles_.clear();
     for (const DeviceRow& device : devices_) {

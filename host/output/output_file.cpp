@@ -31,4 +31,10 @@ Result<int> open_output(const std::string& path, const std::vector<std::string>&
     return descriptor;
 }
 
+bool holds_something(const std::string& path) {
+    std::error_code error;  // where there is no such file, it holds nothing
+    return std::filesystem::is_regular_file(path_of(path), error) &&
+           std::filesystem::file_size(path_of(path), error) > 0 && !error;
+}
+
 }  // namespace vistel

@@ -11,4 +11,7 @@ namespace vistel {
 /// for standard input, which would be emptied before it is read. Returns the descriptor.
 Result<int> open_output(const std::string& path, const std::vector<std::string>& inputs);
 
+/// Whether it is a file that something would be lost of, were it written anew: no pipe or device, not empty.
+bool holds_something(const std::string& path);
+
 }  // namespace vistel

@@ -17,6 +17,7 @@ namespace {
 constexpr std::size_t most_head = 2 * max_line;
 static_assert(most_head <= ByteSource::capacity);
 
+/// Or what serial adapters answer, which are bells.
 bool only_blank_lines(std::string_view head) {
     bool comment = false;
     for (const char c : head) {
@@ -24,7 +25,7 @@ bool only_blank_lines(std::string_view head) {
             comment = false;
         } else if (c == '#') {
             comment = true;
-        } else if (!comment && !is_blank(c)) {
+        } else if (!comment && !is_blank(c) && c != '\a') {
             return false;
         }
     }
@@ -124,6 +125,14 @@ ReadResult Recording::next(Record& record) {
         std::memset(msg.data, 0, sizeof msg.data);
     }
     return result;
+}
+
+bool Recording::is_left_unknown() {
+    constexpr std::size_t most_begun = 1024;
+    if (reader_ || end_explained_ || source_.is_file()) return false;
+    std::string_view head = source_.unread();
+    if (head.size() < most_begun) head = head.substr(0, head.rfind('\n') + 1);
+    return !only_blank_lines(head) && explain_end() == ReadResult::problem;
 }
 
 bool Recording::would_wait() {

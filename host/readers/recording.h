@@ -57,6 +57,10 @@ class Recording {
     /// Whether next() would have to wait for input.
     bool would_wait();
 
+    /// Of what may bring more, but is read no further: whether the bytes so far are of no known format, which
+    /// problem() then tells. A line that has only begun says nothing of that. True once.
+    bool is_left_unknown();
+
     /// Name of the format; empty as long as it is not known.
     std::string_view format_name() const { return format_name_; }
 

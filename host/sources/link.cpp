@@ -1,24 +1,38 @@
 #include "sources/link.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
+
+#include "text/characters.h"
+#include "text/words.h"
 
 namespace vistel {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_view_literals;
 
 /// A gateway on the boat's network answers in milliseconds.
 constexpr auto most_connecting = 10s;
 /// Received and not read. What comes faster than it is read waits with the sender.
 constexpr std::size_t most_pending = std::size_t{1} << 24;
-/// Ends a line that was cut, in a way that no format takes for a whole one.
-constexpr std::string_view cancelled = "\x18\n";
+/// Ends a line that was cut.
+constexpr char cut_end[] = {cut_mark, '\n'};
 /// Between two looks at what is due.
 constexpr auto slice = 100ms;
 
 std::string_view word_of(SourceName::Kind kind) {
     return kind == SourceName::Kind::udp ? "listening" : "connected";
+}
+
+std::string doubt_of(const SourceName& name) {
+    return name.kind == SourceName::Kind::serial ? concat("; is ", name.speed, " the right speed?") : "";
+}
+
+/// Whether bytes are more than the signs by which adapters say yes and no, which are no format.
+bool is_content(std::string_view bytes) {
+    return bytes.find_first_not_of("\r\n\a"sv) != std::string_view::npos;
 }
 
 std::int64_t wall_clock() {
@@ -32,7 +46,7 @@ std::int64_t wall_clock() {
 Link::Link(std::shared_ptr<EventLoop> loop, SourceName name, LinkOptions options)
     : loop_(std::move(loop)),
       name_(std::move(name)),
-      watch_(std::move(options), word_of(name_.kind)),
+      watch_(std::move(options), word_of(name_.kind), doubt_of(name_)),
       gateway_(make_gateway(name_.gateway, *this)) {}
 
 Link::~Link() {
@@ -80,8 +94,13 @@ bool Link::received(std::string_view bytes) {
     watch_.counters().bytes += bytes.size();
     const auto now = Clock::now();
     if (!gateway_ || gateway_->received(bytes, now)) watch_.traffic(now);
-    if (std::exchange(cut_, false)) pending_ += cancelled;
-    pending_ += bytes;
+    if (is_content(bytes)) watch_.came(now);
+    if (std::exchange(cut_, false)) pending_.append(std::begin(cut_end), std::end(cut_end));
+    if (name_.kind == SourceName::Kind::udp) {
+        datagrams_.put(bytes, now, pending_);
+    } else {
+        pending_ += bytes;
+    }
     if (!bytes.empty()) last_ = bytes.back();
     is_stopped_ = pending_.size() - read_ >= most_pending;
     return !is_stopped_;
@@ -105,6 +124,7 @@ void Link::send(std::string_view bytes) {
 /// Does what is due.
 void Link::keep_up(Clock::time_point now) {
     kept_up_at_ = now;
+    datagrams_.elapsed(now, pending_);
     if (!connection_) {
         if (now >= watch_.retry_at()) connect();
     } else if (is_open_) {

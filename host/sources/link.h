@@ -5,6 +5,7 @@
 
 #include "readers/byte_input.h"
 #include "sources/connection.h"
+#include "sources/datagram_lines.h"
 #include "sources/gateway.h"
 #include "sources/link_watch.h"
 
@@ -61,6 +62,7 @@ class Link final : public ByteInput, Connection::Events, Gateway::Side {
     std::string first_failure_;
     bool opened_once_ = false;
     Clock::time_point kept_up_at_;
+    DatagramLines datagrams_;
     std::string pending_;   // received, not read
     std::size_t read_ = 0;  // of these
     bool cut_ = false;      // the last connection ended within a line

@@ -66,8 +66,17 @@ void LinkWatch::dropped(Time now, std::uint64_t total, std::string_view what) {
     dropped_told_at_ = now;
 }
 
+/// Once, when there was time enough to know it.
+void LinkWatch::look_at_format(Time now) {
+    if (is_format_looked_at_ || !came_since_ || now - *came_since_ < options_.silence) return;
+    is_format_looked_at_ = true;
+    if (options_.is_understood && !options_.is_understood())
+        tell(concat(counters_->bytes, " bytes received that are none of the known formats", doubt_));
+}
+
 void LinkWatch::elapsed(Time now, std::string_view state) {
     if (options_.silence.count() <= 0) return;
+    look_at_format(now);
     if (!is_open_) {
         if (!is_lost_ || absence_told_ || now - lost_at_ < options_.silence) return;
         absence_told_ = true;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,7 @@ struct LinkOptions {
     std::chrono::milliseconds first_pause{std::chrono::seconds{1}};  ///< before a lost link is made again
     std::chrono::milliseconds longest_pause{std::chrono::seconds{30}};
     std::function<void(const std::string&)> tell = {};  ///< what the user should know, once each
+    std::function<bool()> is_understood = {};  ///< whether the format of what comes is known; null: no matter
     bool sends = false;  ///< frames are going to be sent, too: an adapter must not only listen
     std::shared_ptr<EventLoop> loop = {};  ///< that it shares with others; null for one of its own
 };
@@ -41,14 +43,19 @@ class LinkWatch {
     using Clock = std::chrono::steady_clock;
     using Time = Clock::time_point;
 
-    /// `connected` is the word for a link that is there.
-    LinkWatch(LinkOptions options, std::string_view connected)
-        : options_(std::move(options)), connected_(connected) {}
+    /// `connected` is the word for a link that is there, `doubt` what may be wrong where bytes are of no
+    /// format.
+    LinkWatch(LinkOptions options, std::string_view connected, std::string doubt = {})
+        : options_(std::move(options)), connected_(connected), doubt_(std::move(doubt)) {}
 
     void attempt() { ++counters_->attempts; }
     void opened(Time now);
     /// Traffic of the bus, and only that.
     void traffic(Time now);
+    /// Bytes by which a format could be told.
+    void came(Time now) {
+        if (!came_since_) came_since_ = now;
+    }
     /// A connection that was there, or an attempt to make one, came to an end.
     void lost(Time now, const std::string& reason);
     /// So many frames or datagrams, as `what` says, were dropped in all. That is told now and then.
@@ -70,8 +77,11 @@ class LinkWatch {
     std::shared_ptr<const LinkCounters> shared_counters() const { return counters_; }
 
   private:
+    void look_at_format(Time now);
+
     LinkOptions options_;
     std::string connected_;
+    std::string doubt_;
     std::shared_ptr<LinkCounters> counters_ = std::make_shared<LinkCounters>();
     bool is_open_ = false;
     bool is_lost_ = false;  // and nothing has come since
@@ -79,6 +89,8 @@ class LinkWatch {
     bool absence_told_ = false;
     Time heard_;  // the last traffic, or since when there could have been
     Time silent_since_;
+    std::optional<Time> came_since_;
+    bool is_format_looked_at_ = false;
     Time lost_at_;
     Time retry_at_;
     std::string reason_;

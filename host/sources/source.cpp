@@ -34,7 +34,9 @@ Result<SourceState> open_source(Recording& recording, const std::string& text, c
         return SourceState{port->counters(),
                            [port](const Record& frame) { return port->send(frame_of(frame.msg)); }};
     }
-    auto link = open_link(*name, options);
+    LinkOptions understood = options;
+    understood.is_understood = [&recording] { return !recording.format_name().empty(); };
+    auto link = open_link(*name, understood);
     if (!link) return link.error();
     std::unique_ptr<ByteInput> input = std::move(link->input);
     if (auto named = find_format(how.format))

@@ -83,6 +83,7 @@ int main(int argc, char** argv) {
     if (!start_program(argc, argv, words)) return bad_usage;
     CLI::App app("Show recordings or live streams in the terminal, rewritten in place");
     app.name("vistel top");
+    app.set_version_flag("--version", PGN_VISTEL_VERSION);
     PlayArguments arguments;
     add_play_arguments(app, arguments, "; - is standard input, as is none");
     app.add_flag("--ask", arguments.play.input.sends,

@@ -11,4 +11,7 @@ constexpr bool is_blank(char c) {
     return c == ' ' || c == '\t' || c == '\r';
 }
 
+/// Stands where the loss of a link cut a line, before its end, so that no format takes it for a whole one.
+constexpr char cut_mark = '\x18';
+
 }  // namespace vistel

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 
+#include "text/characters.h"
 #include "text/hex.h"
 
 namespace vistel {
 
 std::string quoted(std::string_view bytes) {
     constexpr std::size_t most = 32;
+    const bool is_cut = bytes.ends_with(cut_mark);
+    if (is_cut) bytes.remove_suffix(1);
     std::string text = "`";
     for (const char c : bytes.substr(0, most)) {
         const auto byte = static_cast<unsigned char>(c);
@@ -18,7 +21,7 @@ std::string quoted(std::string_view bytes) {
             append_hex(text, byte, 2);
         }
     }
-    text += bytes.size() > most ? "...`" : "`";
+    text += is_cut || bytes.size() > most ? "...`" : "`";
     return text;
 }
 

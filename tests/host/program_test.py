@@ -29,6 +29,7 @@ MONITOR = VISTEL + "-monitor"  # not built without windows
 NO_ARGUMENTS = os.environ.get("NO_ARGUMENTS", "")
 # A user can end a program by the keyboard alone on Windows.
 TERMINATION = signal.SIGINT if EMULATOR else signal.SIGTERM
+signal.signal(signal.SIGHUP, signal.SIG_DFL)  # for the programs that are started, whoever started this one
 # Runs a program by a name of one's choice in a folder, where there is no /proc: FOLDER PATH NAME PROGRAM ARGUMENT...
 WITHOUT_PROC = ["unshare", "--user", "--map-root-user", "--mount", "bash", "-c",
                 'mount -t tmpfs none /proc && cd "$0" && PATH=$1 name=$2 && shift 2 && exec -a "$name" "$@"']
@@ -601,11 +602,11 @@ class ProgramTest(unittest.TestCase):
                 target = f"tcp-listen://127.0.0.1:{server.getsockname()[1]}"
             cases = [(["decode", "--stats", path], signal.SIGTERM, "at byte ", b"\n    Source Address: ", "\nmessages: "),
                      (["convert", "--to", "candump", "-"], signal.SIGINT, "at byte ", b"\n(1789027200.250000) can0 ", ""),
-                     (["devices", path], signal.SIGTERM, "at byte ", b"\nDevices: 1", ""),
-                     (["replay", path, "--to", target], signal.SIGINT, "after 0 messages, ", b"", ""),
+                     (["devices", path], signal.SIGHUP, "at byte ", b"\nDevices: 1", ""),
+                     (["replay", path, "--to", target], signal.SIGQUIT, "after 0 messages, ", b"", ""),
                      (["replay", "--loop", path, "--to", target], signal.SIGTERM, None, b"", "")]
             for arguments, number, place, shown, told in cases:
-                number = min(number, TERMINATION)
+                number = TERMINATION if EMULATOR else number
                 with open(path, "rb") as recording, open(Path(folder, "told"), "w+b") as errors, subprocess.Popen(
                         [*PROGRAM, *arguments], stdin=recording, stdout=subprocess.PIPE, stderr=errors) as process:
                     while os.fstat(errors.fileno()).st_size == 0:
@@ -641,6 +642,16 @@ class ProgramTest(unittest.TestCase):
                 told = process.stderr.read()
         self.assertIn(f"vistel: {name}: connection lost: closed by the other side; trying again\n", told)
         self.assertIn("\nmessages: 3\n", told)
+        self.assertNotIn("none of", told)
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            name = f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            with subprocess.Popen([*PROGRAM, "decode", "--timeout", "0.2", name], stderr=subprocess.PIPE) as process:
+                with server.accept()[0] as gateway:
+                    gateway.sendall(b"\xf8\n" * 9)
+                    self.assertIn(b": 18 bytes received that are none of the known formats", process.stderr.readline())
+                    process.send_signal(TERMINATION)
+                    self.assertIn(b": the format is none of plain, ", process.communicate(timeout=30)[1])
+            self.assertEqual(process.returncode, 2)
         result = vistel("decode", name)  # nobody listens
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn(f"vistel: {name}: ", result.stderr)
@@ -679,9 +690,11 @@ class ProgramTest(unittest.TestCase):
             if os.path.exists("/dev/full"):
                 with subprocess.Popen([*PROGRAM, "record", name, "/dev/full"], stderr=subprocess.PIPE) as process:
                     server.accept()[0].close()
-                    process.send_signal(TERMINATION)
                     self.assertIn(b"No space left", process.communicate(timeout=30)[1])
                 self.assertEqual(process.returncode, 2)
+            again = vistel("record", name, str(file))
+            self.assertEqual((again.returncode, again.stderr),
+                             (2, f"vistel: {file}: is there already, and would be written over\n"))
         self.assertEqual([each["pgn"] for each in shown], [129025] * 3)
         self.assertLess(abs(datetime.fromisoformat(shown[0]["absolute"]).timestamp() - time.time()), 60)
         self.assertEqual(vistel("record", "none.log", "-").returncode, 2)
@@ -780,6 +793,9 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(status, 2)
         self.assertIn(b"vistel: places that could not be read: 1", shown)
         self.assertEqual(top("nothing of the kind\n")[0], 2)
+        for typed in b"\x1c", b"\x03":  # Ctrl-\\ and Ctrl-C, behind which the terminal is as it was
+            status, shown = top(HEADING, (b"Vessel", typed))
+            self.assertEqual((status, shown.rfind(b"\x1b[?1049l") > shown.rfind(b"Vessel")), (0, True))
 
     @unittest.skipIf(EMULATOR, "Windows has one")
     def test_the_window_needs_a_display(self):

@@ -346,7 +346,7 @@ TEST(Links, AreMadeAgainAndSaySoOnce) {
     EXPECT_TRUE(live.has_told("connection lost: closed by the other side; trying again\n"));
     EXPECT_TRUE(live.has_told("receiving again after "));
     EXPECT_EQ(live.told.find("connection lost"), live.told.rfind("connection lost"));
-    EXPECT_NE(live.problems, "");
+    EXPECT_EQ(live.problems, "byte 3 `...` is not hexadecimal\n");
     EXPECT_EQ(live.state.counters->losses, 1u);
     EXPECT_GE(live.state.counters->attempts, 4u);
 }
@@ -423,6 +423,37 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
     EXPECT_TRUE(server.has_told("these bytes look like yacht-devices, not like candump\n"));
 }
 
+TEST(Links, OfDatagramsThatAreLinesOrPieces) {
+    const std::string line(raw_line.substr(0, raw_line.size() - 2));
+    const std::string pcdin = "$PCDIN,01F112,00000000,23,0039300000FF7FFD*5E";
+    const struct {
+        const char* what;
+        std::vector<std::string> datagrams;
+        int messages;
+    } cases[] = {
+        {"a line alone", {line}, 1},
+        {"lines", {"# a comment", line, line, line}, 3},
+        {"foreign ones among them", {"$GPGLL,,,,,,V,N*64", pcdin, "$GPGLL,,,,,,V,N*64", pcdin}, 2},
+        {"pieces of lines",
+         {"(1789027200.0)", " can0 18", "EAFF17#00", "EE00\n", "can0 18EAFF17#0", "0\n"},
+         2},
+        {"pieces of binary records",
+         {std::string(ngt_heading.substr(0, 17)), std::string(ngt_heading.substr(17, 2)),
+          std::string(ngt_heading.substr(19))},
+         1},
+    };
+    for (const auto& c : cases) {
+        const std::uint16_t port = free_port(SOCK_DGRAM);
+        Listening live("udp://:" + std::to_string(port));
+        const Bound sender(SOCK_DGRAM);
+        const sockaddr_in to = here(port);
+        for (const std::string& each : c.datagrams)
+            ::sendto(sender.socket, each.data(), each.size(), 0, generic(to), sizeof to);
+        EXPECT_TRUE(live.until([&] { return live.messages == c.messages; })) << c.what;
+        EXPECT_EQ(live.problems, "") << c.what;
+    }
+}
+
 TEST(Links, TellWhatTheSystemDropped) {
     const std::uint16_t port = free_port(SOCK_DGRAM);
     Listening live("udp://:" + std::to_string(port));
@@ -495,6 +526,26 @@ TEST(Links, OfSerialPorts) {
         EXPECT_EQ(asked, "18EAFFFE 00 EE 00\r\n");
     }
     EXPECT_EQ(device.get(), "C\r");  // the bus is closed when it is left
+}
+
+TEST(Links, TellOnceOfBytesThatAreNoFormat) {
+    Descriptor device(::posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(::grantpt(device) | ::unlockpt(device), 0);
+    Listening live("serial:" + std::string(::ptsname(device)) + "?speed=9600&gateway=none", "", 30ms);
+    ASSERT_EQ(live.failure, "");
+    device.put("\r\a");  // what an adapter answers
+    ASSERT_TRUE(live.until([&] { return live.has_told("nothing received"); }));
+    EXPECT_FALSE(live.recording.is_left_unknown());
+    EXPECT_FALSE(live.has_told("none of"));
+    device.put("\xF8\x80");
+    ASSERT_TRUE(live.until([&] {
+        return live.has_told(
+            "4 bytes received that are none of the known formats; is 9600 the right speed?\n");
+    }));
+    EXPECT_FALSE(live.recording.is_left_unknown()) << "a line has begun";
+    device.put("\n" + std::string(raw_line));
+    ASSERT_TRUE(live.until([&] { return live.messages == 1; }));
+    EXPECT_EQ(live.told.find("none of"), live.told.rfind("none of"));
 }
 
 TEST(Links, AreReadSideBySide) {
