@@ -6,15 +6,9 @@
 #include <system_error>
 
 #include "output/write.h"
+#include "text/path_of.h"
 
 namespace vistel {
-namespace {
-
-std::filesystem::path path_of(const std::string& name) {
-    return std::u8string(name.begin(), name.end());
-}
-
-}  // namespace
 
 Result<int> open_output(const std::string& path, const std::vector<std::string>& inputs) {
     constexpr int standard_output = 1;
