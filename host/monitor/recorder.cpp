@@ -1,9 +1,9 @@
 #include "monitor/recorder.h"
 
 #include <cerrno>
-#include <cstring>
 
 #include "output/output_file.h"
+#include "text/error_text.h"
 #include "writers/written_formats.h"
 
 namespace vistel {
@@ -14,7 +14,7 @@ Result<std::unique_ptr<Recorder>> Recorder::open(const std::string& path, const 
     auto descriptor = open_output(path, inputs);
     if (!descriptor) return descriptor.error();
     std::FILE* const file = ::fdopen(*descriptor, "wb");
-    if (file == nullptr) return vistel::failure(std::strerror(errno));
+    if (file == nullptr) return vistel::failure(error_text(errno));
     return std::unique_ptr<Recorder>(new Recorder(file, format, definitions));
 }
 
@@ -36,7 +36,7 @@ void Recorder::flush() {
 }
 
 void Recorder::note_failure(bool failed) {
-    if (failed) failure_ = std::strerror(errno);
+    if (failed) failure_ = error_text(errno);
 }
 
 }  // namespace vistel

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "output/write.h"
+#include "text/error_text.h"
 #include "text/path_of.h"
 
 namespace vistel {
@@ -21,7 +22,7 @@ Result<int> open_output(const std::string& path, const std::vector<std::string>&
     });
     if (is_input) return Failure{"it is one of the recordings that are read"};
     const int descriptor = open_to_write(path);
-    if (descriptor < 0) return Failure{std::generic_category().message(errno)};
+    if (descriptor < 0) return Failure{error_text(errno)};
     return descriptor;
 }
 
