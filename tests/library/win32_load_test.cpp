@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <future>
 #include <optional>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "loaded_module.h"
@@ -238,17 +240,31 @@ TEST_F(Win32Host, WaitsForAModalDialog) {
     unload();
 }
 
+HWND tree_control() {
+    return CreateWindowW(WC_TREEVIEWW, L"", WS_POPUP, 0, 0, 90, 90, nullptr, nullptr, nullptr, nullptr);
+}
+
 TEST_F(Win32Host, MayHandOverWhatIsNoWindow) {
     load();
+    std::promise<HWND> made;
+    std::thread other_thread([&] {
+        made.set_value(tree_control());
+        for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+    });
+    HWND const others = made.get_future().get(), control = tree_control();
+    EXPECT_EQ(call<int>("put_in_tree", control), 0);
+    DestroyWindow(control);
     HWND const gone = CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     DestroyWindow(gone);
     static int no_window;
     const std::pair<const char*, HWND> cases[] = {{"none", nullptr},
                                                   {"destroyed", gone},
                                                   {"another process's", GetDesktopWindow()},
+                                                  {"another thread's", others},
                                                   {"a pointer", reinterpret_cast<HWND>(&no_window)}};
     for (const auto& [name, window] : cases) {
         SCOPED_TRACE(name);
+        EXPECT_EQ(call<int>("put_in_tree", window), -1);
         call("open_monitor", window, HINSTANCE{});
         EXPECT_EQ(call<int>("put_message", std::uint8_t{1}), -1);
         run(20);
@@ -256,6 +272,8 @@ TEST_F(Win32Host, MayHandOverWhatIsNoWindow) {
         call("close_monitor");
         call("choose_units", window);
     }
+    PostThreadMessageW(GetWindowThreadProcessId(others, nullptr), WM_QUIT, 0, 0);
+    other_thread.join();
     unload();
 }
 
