@@ -113,6 +113,15 @@ std::size_t drawing_objects() {
         std::count_if(table, table + rows, [](const Row& row) { return row.type != 0; }));
 }
 
+/// Handles of the kernel, which Wine does not count either (GetProcessHandleCount).
+std::size_t kernel_handles() {
+    std::size_t count = 0;
+    DWORD flags;
+    for (std::uintptr_t value = 4; value < 0x4000; value += 4)
+        if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++count;
+    return count;
+}
+
 /// Memory that is in use on the heap, in bytes.
 std::size_t memory() {
     std::size_t sum = 0;
@@ -146,7 +155,7 @@ class Win32Host : public testing::Test {
 
 TEST_F(Win32Host, OutlivesTheLibrary) {
     constexpr int rounds = 20, warm = 10;
-    std::size_t objects_before = 0, windows_before = 0, memory_before = 0;
+    std::size_t objects_before = 0, windows_before = 0, handles_before = 0, memory_before = 0;
     for (int round = 1; round <= rounds; ++round) {
         SCOPED_TRACE(round);
         load();
@@ -162,10 +171,13 @@ TEST_F(Win32Host, OutlivesTheLibrary) {
         if (round != warm) continue;
         objects_before = drawing_objects();
         windows_before = windows().size();
+        handles_before = kernel_handles();
         memory_before = memory();
     }
     EXPECT_EQ(drawing_objects(), objects_before);
     EXPECT_EQ(windows().size(), windows_before);
+    EXPECT_LE(kernel_handles(), handles_before + (rounds - warm) * 9)
+        << "4 of the thread runtime in each of the two modules, one of Wine's";
     EXPECT_LT(memory(), memory_before + (rounds - warm) * 500) << "what the loader and the runtime keep";
 }
 
