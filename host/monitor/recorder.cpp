@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "output/output_file.h"
+#include "output/write.h"
 #include "text/error_text.h"
 #include "writers/written_formats.h"
 
@@ -14,7 +15,11 @@ Result<std::unique_ptr<Recorder>> Recorder::open(const std::string& path, const 
     auto descriptor = open_output(path, inputs);
     if (!descriptor) return descriptor.error();
     std::FILE* const file = ::fdopen(*descriptor, "wb");
-    if (file == nullptr) return vistel::failure(error_text(errno));
+    if (file == nullptr) {
+        Failure why{error_text(errno)};
+        close_written(*descriptor);
+        return why;
+    }
     return std::unique_ptr<Recorder>(new Recorder(file, format, definitions));
 }
 
