@@ -51,10 +51,12 @@ class WholeMessages {
     std::thread flusher_{&WholeMessages::flush_until_over, this};
 };
 
-/// The console is the user's: it is left as it was found.
+/// The console is the user's: it is left as it was found, also by a program that an interrupt ends.
 class Console {
   public:
     Console() {
+        used = this;
+        SetConsoleCtrlHandler(leave, TRUE);
         if (code_page_ != 0) SetConsoleOutputCP(CP_UTF8);
         // Progress takes itself off the screen by an escape sequence.
         if (!has_mode_) return;
@@ -63,13 +65,24 @@ class Console {
     }
     ~Console() {
         whole_messages_.reset();  // while the console still takes them
-        if (code_page_ != 0) SetConsoleOutputCP(code_page_);
-        if (has_mode_) SetConsoleMode(errors_, mode_);
+        restore();
+        SetConsoleCtrlHandler(leave, FALSE);
     }
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
 
   private:
+    /// Called where nothing that was added later has kept the program alive: it ends without destructors.
+    static BOOL WINAPI leave(DWORD) {
+        used->restore();
+        return FALSE;
+    }
+    void restore() const {
+        if (code_page_ != 0) SetConsoleOutputCP(code_page_);
+        if (has_mode_) SetConsoleMode(errors_, mode_);
+    }
+
+    static inline const Console* used = nullptr;
     const UINT code_page_ = GetConsoleOutputCP();  // 0 where there is none
     const HANDLE errors_ = GetStdHandle(STD_ERROR_HANDLE);
     DWORD mode_ = 0;

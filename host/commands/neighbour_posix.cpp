@@ -2,11 +2,11 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <sstream>
 
 #include "commands/neighbour.h"
+#include "text/error_text.h"
 
 namespace vistel {
 
@@ -42,7 +42,7 @@ Result<int> run_neighbour(const std::string& name, const std::string& own_name,
     for (std::string& argument : copies) words.push_back(argument.data());
     words.push_back(nullptr);
     ::execv(program.c_str(), words.data());
-    return failure(program, ": ", std::strerror(errno));
+    return failure(program, ": ", error_text(errno));
 }
 
 }  // namespace vistel

@@ -9,16 +9,14 @@ namespace vistel {
 
 namespace {
 
+/// Empty where that cannot be known.
 std::wstring file_of_this_program() {
-    std::wstring file(MAX_PATH, L'\0');
-    for (;;) {
+    constexpr std::size_t longest_path = 32768;
+    for (std::wstring file(MAX_PATH, L'\0'); file.size() < 2 * longest_path; file.resize(2 * file.size())) {
         const DWORD size = GetModuleFileNameW(nullptr, file.data(), static_cast<DWORD>(file.size()));
-        if (size < file.size()) {
-            file.resize(size);
-            return file;
-        }
-        file.resize(2 * file.size());  // it was cut off
+        if (size < file.size()) return file.substr(0, size);  // or it was cut off
     }
+    return {};
 }
 
 /// An interrupt from the keyboard is for both programs; this one lives on to say what became of the other.
@@ -44,7 +42,10 @@ std::wstring quoted(const std::wstring& word) {
 Result<int> run_neighbour(const std::string& name, const std::string&,
                           const std::vector<std::string>& arguments) {
     const std::wstring self = file_of_this_program();
-    const std::wstring program = self.substr(0, self.find_last_of(L'\\') + 1) + wide(name) + L".exe";
+    const std::size_t folder = self.find_last_of(L'\\');
+    // Without a folder it would be a program of the working directory.
+    if (folder == std::wstring::npos) return failure("it is unknown where this program lies");
+    const std::wstring program = self.substr(0, folder + 1) + wide(name) + L".exe";
     std::wstring line = quoted(program);
     for (const std::string& argument : arguments) line += L' ' + quoted(wide(argument));
 

@@ -2,17 +2,17 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 #include "commands/decode.h"
 #include "commands/interrupt.h"
+#include "text/error_text.h"
 
 namespace vistel {
 
 int output_status(const Sink& out) {
     if (out.is_open() || out.error() == EPIPE) return EXIT_CLEAN;
-    std::fprintf(stderr, "vistel: cannot write: %s\n", std::strerror(out.error()));
+    std::fprintf(stderr, "vistel: cannot write: %s\n", error_text(out.error()).c_str());
     return EXIT_FAILED;
 }
 

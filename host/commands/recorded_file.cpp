@@ -8,6 +8,7 @@
 
 #include "output/output_file.h"
 #include "output/write.h"
+#include "text/path_of.h"
 #include "text/quotes.h"
 
 namespace vistel {
@@ -63,7 +64,7 @@ Status RecordedFile::open() {
         last_name_ = std::max<std::int64_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count(),
                                             last_name_ + 1);
         std::error_code unknown;
-        while (std::filesystem::exists(current_ = stamped(name_, stamp_of(last_name_)), unknown))
+        while (std::filesystem::exists(path_of(current_ = stamped(name_, stamp_of(last_name_))), unknown))
             ++last_name_;
     } else if (holds_something(current_)) {
         return Failure{"is there already, and would be written over"};

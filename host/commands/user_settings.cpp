@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "commands/settings_file.h"
+#include "text/path_of.h"
 #include "text/printable.h"
 #include "text/quotes.h"
 #include "text/words.h"
@@ -64,7 +65,7 @@ void UserSettings::apply(UnitOptions& options) const {
 void UserSettings::apply(std::string& source) const {
     const auto found = sources.find(source);
     std::error_code unknown;
-    if (found != sources.end() && !std::filesystem::exists(source, unknown)) source = found->second;
+    if (found != sources.end() && !std::filesystem::exists(path_of(source), unknown)) source = found->second;
 }
 
 Result<UserSettings> usual_settings() {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "sources/source_name.h"
+#include "text/path_of.h"
 #include "text/printable.h"
 #include "text/words.h"
 
@@ -21,9 +22,10 @@ std::uint64_t size_of(const std::vector<std::string>& names) {
     std::uint64_t sum = 0;
     for (const std::string& name : names) {
         std::error_code error;
-        if (!std::filesystem::exists(name, error)) continue;
-        if (!std::filesystem::is_regular_file(name, error)) return 0;
-        const std::uintmax_t size = std::filesystem::file_size(name, error);
+        const std::filesystem::path file = path_of(name);
+        if (!std::filesystem::exists(file, error)) continue;
+        if (!std::filesystem::is_regular_file(file, error)) return 0;
+        const std::uintmax_t size = std::filesystem::file_size(file, error);
         if (!error) sum += size;
     }
     return sum;

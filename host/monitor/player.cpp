@@ -6,6 +6,7 @@
 
 #include "network/stream_text.h"
 #include "sources/source_name.h"
+#include "text/path_of.h"
 #include "text/printable.h"
 
 namespace vistel {
@@ -16,7 +17,7 @@ namespace {
 
 bool is_regular_file(const std::string& name) {
     std::error_code error;
-    return std::filesystem::is_regular_file(name, error);
+    return std::filesystem::is_regular_file(path_of(name), error);
 }
 
 /// Whether a file is there, where a name is that of one. What is no regular file cannot be tried.
@@ -24,7 +25,7 @@ Status try_file(const std::string& name) {
     auto source = parse_source(name);
     if (!source) return source.error();
     std::error_code error;
-    const bool is_special = std::filesystem::exists(name, error) && !is_regular_file(name);
+    const bool is_special = std::filesystem::exists(path_of(name), error) && !is_regular_file(name);
     if (source->is_live() || name == "-" || is_special) return done;
     return Recording().open(name);
 }

@@ -1,9 +1,10 @@
 #include "monitor/recorder.h"
 
 #include <cerrno>
-#include <cstring>
 
 #include "output/output_file.h"
+#include "output/write.h"
+#include "text/error_text.h"
 #include "writers/written_formats.h"
 
 namespace vistel {
@@ -14,7 +15,11 @@ Result<std::unique_ptr<Recorder>> Recorder::open(const std::string& path, const 
     auto descriptor = open_output(path, inputs);
     if (!descriptor) return descriptor.error();
     std::FILE* const file = ::fdopen(*descriptor, "wb");
-    if (file == nullptr) return vistel::failure(std::strerror(errno));
+    if (file == nullptr) {
+        Failure why{error_text(errno)};
+        close_written(*descriptor);
+        return why;
+    }
     return std::unique_ptr<Recorder>(new Recorder(file, format, definitions));
 }
 
@@ -36,7 +41,7 @@ void Recorder::flush() {
 }
 
 void Recorder::note_failure(bool failed) {
-    if (failed) failure_ = std::strerror(errno);
+    if (failed) failure_ = error_text(errno);
 }
 
 }  // namespace vistel

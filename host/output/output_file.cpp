@@ -6,15 +6,10 @@
 #include <system_error>
 
 #include "output/write.h"
+#include "text/error_text.h"
+#include "text/path_of.h"
 
 namespace vistel {
-namespace {
-
-std::filesystem::path path_of(const std::string& name) {
-    return std::u8string(name.begin(), name.end());
-}
-
-}  // namespace
 
 Result<int> open_output(const std::string& path, const std::vector<std::string>& inputs) {
     constexpr int standard_output = 1;
@@ -27,7 +22,7 @@ Result<int> open_output(const std::string& path, const std::vector<std::string>&
     });
     if (is_input) return Failure{"it is one of the recordings that are read"};
     const int descriptor = open_to_write(path);
-    if (descriptor < 0) return Failure{std::generic_category().message(errno)};
+    if (descriptor < 0) return Failure{error_text(errno)};
     return descriptor;
 }
 

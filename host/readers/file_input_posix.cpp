@@ -5,16 +5,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 
 #include "readers/byte_input.h"
+#include "text/error_text.h"
 
 namespace vistel {
 namespace {
-
-std::string text_of(int error) {
-    return std::generic_category().message(error);
-}
 
 /// A file, pipe or terminal.
 class DescriptorInput final : public ByteInput {
@@ -42,8 +38,8 @@ class DescriptorInput final : public ByteInput {
 
 Status DescriptorInput::examine() {
     struct stat status {};
-    if (::fstat(descriptor_, &status) != 0) return Failure{text_of(errno)};
-    if (S_ISDIR(status.st_mode)) return Failure{text_of(EISDIR)};
+    if (::fstat(descriptor_, &status) != 0) return Failure{error_text(errno)};
+    if (S_ISDIR(status.st_mode)) return Failure{error_text(EISDIR)};
     is_file_ = S_ISREG(status.st_mode);
     if (is_file_) {
         const off_t start = ::lseek(descriptor_, 0, SEEK_CUR);
@@ -65,7 +61,7 @@ ByteInput::Fill DescriptorInput::read(std::span<char> room, int patience, std::s
     }
     if (count == 0) return Fill::end;
     if (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK) return Fill::idle;
-    error_ = text_of(errno);
+    error_ = error_text(errno);
     return Fill::failed;
 }
 
@@ -77,7 +73,7 @@ Result<std::unique_ptr<ByteInput>> open_file(const std::string& path) {
     do {
         descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     } while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0) return Failure{text_of(errno)};
+    if (descriptor < 0) return Failure{error_text(errno)};
     return attach_descriptor(descriptor);
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "readers/byte_input.h"
+#include "text/error_text.h"
 #include "text/windows_text.h"
 
 namespace vistel {
@@ -160,14 +161,14 @@ Result<std::unique_ptr<ByteInput>> open_file(const std::string& path) {
     const DWORD error = GetLastError();
     const DWORD attributes = GetFileAttributesW(file.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        return failure(std::generic_category().message(EISDIR));
+        return failure(error_text(EISDIR));
     return failure(windows_error_text(error));
 }
 
 Result<std::unique_ptr<ByteInput>> attach_descriptor(int descriptor) {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
     if (handle == INVALID_HANDLE_VALUE || GetFileType(handle) == FILE_TYPE_UNKNOWN)
-        return failure(std::generic_category().message(EBADF));
+        return failure(error_text(EBADF));
     return input_of(handle, descriptor > 2);
 }
 

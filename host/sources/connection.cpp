@@ -12,6 +12,7 @@
 #include "sources/drops.h"
 #include "sources/event_loop_parts.h"
 #include "sources/tcp_listener.h"
+#include "text/error_text.h"
 #include "text/quotes.h"
 
 namespace vistel {
@@ -22,7 +23,7 @@ using asio::ip::tcp;
 using asio::ip::udp;
 
 std::string text_of(const Error& error) {
-    return error == asio::error::eof ? "closed by the other side" : error.message();
+    return error == asio::error::eof ? "closed by the other side" : error_text(error);
 }
 
 /// What lives until the last operation on it has ended: whoever wanted to hear of these may be gone.

@@ -9,6 +9,7 @@
 #include "sources/event_loop.h"
 #include "sources/event_loop_parts.h"
 #include "sources/tcp_listener.h"
+#include "text/error_text.h"
 #include "text/words.h"
 
 namespace vistel {
@@ -136,7 +137,7 @@ Status TcpOutlet::open(const SourceName& name) {
     name_ = name;
     if (name.kind == SourceName::Kind::tcp_listen) {
         constexpr int backlog = 16;
-        if (const Error error = listen_at(acceptor_, name, backlog)) return Failure{error.message()};
+        if (const Error error = listen_at(acceptor_, name, backlog)) return Failure{error_text(error)};
         look_for_client();
         return done;
     }
@@ -167,7 +168,7 @@ void TcpOutlet::found(const Error& error, const std::shared_ptr<Client>& client)
     is_looking_ = false;
     if (error) {
         retry_at_ = Clock::now() + 1s;
-        failure_ = error.message();
+        failure_ = error_text(error);
         return;
     }
     client->begin(head_);
@@ -215,11 +216,11 @@ class UdpOutlet final : public Outlet {
         Error error;
         const auto places =
             udp::resolver(loop_.parts().context).resolve(name.target, std::to_string(name.port), error);
-        if (error) return Failure{error.message()};
+        if (error) return Failure{error_text(error)};
         to_ = *places.begin();
         socket_.open(to_.protocol(), error);
         if (!error) socket_.set_option(asio::socket_base::broadcast(true), error);
-        if (error) return Failure{error.message()};
+        if (error) return Failure{error_text(error)};
         return done;
     }
 
@@ -233,7 +234,7 @@ class UdpOutlet final : public Outlet {
         if (datagram_.empty()) return;
         Error error;
         counters_.bytes += socket_.send_to(asio::buffer(datagram_), to_, 0, error);
-        if (error && counters_.lost++ == 0 && options_.tell) options_.tell(error.message());
+        if (error && counters_.lost++ == 0 && options_.tell) options_.tell(error_text(error));
         datagram_.clear();
     }
     bool is_empty() const override { return datagram_.empty(); }

@@ -13,17 +13,13 @@
 #include <cstring>
 #include <ctime>
 #include <optional>
-#include <system_error>
 
 #include "sources/can_socket.h"
 #include "sources/readiness.h"
+#include "text/error_text.h"
 
 namespace vistel {
 namespace {
-
-std::string text_of(int error) {
-    return std::generic_category().message(error);
-}
 
 class KernelSocket final : public CanSocket {
   public:
@@ -135,7 +131,7 @@ std::unique_ptr<CanSocket> attach_can(int descriptor) {
 
 Result<std::unique_ptr<CanSocket>> open_can(const std::string& interface) {
     const int descriptor = ::socket(PF_CAN, SOCK_RAW | SOCK_CLOEXEC, CAN_RAW);
-    if (descriptor < 0) return failure("no CAN in this system: ", text_of(errno));
+    if (descriptor < 0) return failure("no CAN in this system: ", error_text(errno));
     auto opened = attach_can(descriptor);
     sockaddr_can address{};
     address.can_family = AF_CAN;
@@ -144,7 +140,7 @@ Result<std::unique_ptr<CanSocket>> open_can(const std::string& interface) {
     set(descriptor, SOL_CAN_RAW, CAN_RAW_ERR_FILTER, can_err_mask_t{CAN_ERR_MASK});
     set(descriptor, SOL_SOCKET, SO_RCVBUF, 1 << 20);  // the kernel may grant less
     if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        return Failure{text_of(errno)};
+        return Failure{error_text(errno)};
     return opened;
 }
 

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "text/characters.h"
+#include "text/path_of.h"
 #include "text/quotes.h"
 #include "text/words.h"
 
@@ -79,7 +80,7 @@ constexpr Scheme schemes[] = {
 
 Result<SourceName> parse_source(const std::string& text) {
     std::error_code unknown;
-    if (text == "-" || std::filesystem::exists(text, unknown)) return SourceName{.target = text};
+    if (text == "-" || std::filesystem::exists(path_of(text), unknown)) return SourceName{.target = text};
     if (is_usual_interface(text)) return SourceName{.kind = SourceName::Kind::can, .target = text};
     const auto* const scheme =
         std::ranges::find_if(schemes, [&](const Scheme& each) { return text.starts_with(each.prefix); });

@@ -8,10 +8,10 @@
 #include <climits>
 #include <clocale>
 #include <cstdlib>
-#include <cstring>
 #include <cwchar>
 
 #include "terminal/keys.h"
+#include "text/error_text.h"
 #include "text/utf8.h"
 
 namespace vistel {
@@ -57,7 +57,7 @@ Result<std::unique_ptr<Screen>> Screen::take_over() {
     std::setlocale(LC_CTYPE, "");
     std::unique_ptr<Screen> screen(new Screen);
     screen->terminal_ = std::fopen("/dev/tty", "r+e");
-    if (screen->terminal_ == nullptr) return failure("no terminal to show it on: ", std::strerror(errno));
+    if (screen->terminal_ == nullptr) return failure("no terminal to show it on: ", error_text(errno));
     const char* const kind = std::getenv("TERM");
     if (kind == nullptr || *kind == 0) return failure("the kind of terminal is not known (TERM is not set)");
     screen->screen_ = newterm(kind, screen->terminal_, screen->terminal_);

@@ -2,8 +2,7 @@
 
 #include <windows.h>
 
-#include <system_error>
-
+#include "text/error_text.h"
 #include "text/utf8.h"
 
 namespace vistel {
@@ -25,9 +24,7 @@ std::optional<std::string> narrow(std::wstring_view text) {
 }
 
 std::string windows_error_text(unsigned long error) {
-    return std::error_code(static_cast<int>(error), std::system_category())
-        .default_error_condition()
-        .message();
+    return error_text(std::error_code(static_cast<int>(error), std::system_category()));
 }
 
 }  // namespace vistel

@@ -12,7 +12,7 @@ std::wstring wide(std::string_view text);
 /// A text of Windows as UTF-8; nothing where it is not well-formed.
 [[nodiscard]] std::optional<std::string> narrow(std::wstring_view text);
 
-/// What a result of GetLastError() means, in the words of other platforms where they have any.
+/// What a result of GetLastError() means (`error_text`).
 std::string windows_error_text(unsigned long error);
 
 }  // namespace vistel

@@ -57,6 +57,9 @@ struct ConvValue {
 };
 
 static_assert(sizeof(ConvValue::Value) == 8);
+#if defined(_WIN32) || defined(_MSC_VER)
+static_assert(sizeof(ConvValue) == 16);  // the compilers there agree on it
+#endif
 
 namespace pgn_vistel {
 

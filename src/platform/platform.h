@@ -24,8 +24,9 @@ namespace pgn_vistel::platform {
 
 // ---- modules ----
 
-/// What the platform keeps for one loaded module. The library has one from load to unload; a platform whose
-/// runtime wants more of a module than its application object lets it hold more.
+/// What is kept for one loaded module. The library has one from load to unload. What else a toolkit wants of
+/// the module is told where the toolkit is started: on Windows the module's handle, since the toolkit is
+/// inside it.
 struct ModuleState {
     CWinApp* application = nullptr;
 };

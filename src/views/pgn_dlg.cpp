@@ -13,6 +13,11 @@
 
 using namespace pgn_vistel;
 
+// Hosts derive from it and hold it by value.
+#if defined(_WIN32)
+static_assert(sizeof(PGN_VistelDlg_c) == 2488);
+#endif
+
 namespace {
 
 constexpr const char* fixed_title = "PGN Vistel";

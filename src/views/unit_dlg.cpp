@@ -14,6 +14,11 @@
 using namespace pgn_vistel;
 using namespace pgn_vistel::core;
 
+// Hosts derive from it and hold it by value.
+#if defined(_WIN32)
+static_assert(sizeof(PGN_VistelUnitDlg_c) == 1768);
+#endif
+
 struct UnitDlgState {
     QV_N2K_PGN_DB_c* db = nullptr;
     unsigned long flags = 0;

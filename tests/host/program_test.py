@@ -709,14 +709,18 @@ class ProgramTest(unittest.TestCase):
             command = [*PROGRAM, "replay", recording, "--to", f"tcp-listen://127.0.0.1:{port}", "--speed", "20"]
             with subprocess.Popen(command, stderr=subprocess.PIPE, text=True) as player:
                 self.assertIn("waiting for the first client", player.stderr.readline())
-                keep = [*PROGRAM, "record", f"tcp://127.0.0.1:{port}", Path(folder, "kept.pcap"), "--rotate", "1k"]
+                taken = [Path(folder, time.strftime("fähre-%Y-%m-%dT%H%M%SZ.pcap", time.gmtime(time.time() + later)))
+                         for later in range(100)]
+                for each in taken:
+                    each.touch()
+                keep = [*PROGRAM, "record", f"tcp://127.0.0.1:{port}", Path(folder, "fähre.pcap"), "--rotate", "1k"]
                 with subprocess.Popen(keep, stderr=subprocess.DEVNULL) as recorder:
                     told = player.communicate(timeout=60)[1]
                     time.sleep(0.3)
                     recorder.send_signal(signal.SIGINT)
                     self.assertEqual((recorder.wait(timeout=30), player.returncode), (0, 0))
             self.assertIn("messages: 40, frames: 40, bytes sent: 1960, clients: 1, dropped: 0\n", told)
-            files = sorted(Path(folder).glob("kept-20*Z.pcap"))
+            files = sorted({*Path(folder).glob("fähre-20*Z.pcap")} - {*taken})
             self.assertGreater(len(files), 2)
             results = [vistel("decode", "--json", str(each)) for each in files]
             # More at one time than is kept for a client that does not take it; this one does.

@@ -3,19 +3,25 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
+#include <utility>
+
+#include "text/path_of.h"
 
 namespace vistel::test {
 
-/// A recording in a file of its own.
+/// A recording in a file of its own, whose name goes beyond ASCII.
 class TemporaryRecording {
   public:
     explicit TemporaryRecording(const std::string& text) {
         const int descriptor = ::mkstemp(name_.data());
         EXPECT_EQ(::write(descriptor, text.data(), text.size()), static_cast<ssize_t>(text.size()));
         ::close(descriptor);
+        const std::string narrow = std::exchange(name_, name_ + "_fähre");
+        std::filesystem::rename(narrow, path_of(name_));
     }
-    ~TemporaryRecording() { ::unlink(name_.c_str()); }
+    ~TemporaryRecording() { std::filesystem::remove(path_of(name_)); }
     const std::string& name() const { return name_; }
 
   private:

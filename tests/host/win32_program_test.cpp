@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <thread>
 
 namespace vistel {
 namespace {
@@ -62,6 +63,14 @@ TEST(Console, ShowsTextAndIsLeftAsItWas) {
     ReadConsoleOutputCharacterW(screen, shown.data(), static_cast<DWORD>(shown.size()), {}, &size);
     EXPECT_NE(shown.find(L"375.4707 \u00B0"), std::wstring::npos)
         << testing::PrintToString(shown.substr(0, 160));
+    // The second of interrupts that come at once ends a program the hard way.
+    SetConsoleCtrlHandler([](DWORD) WINAPI -> BOOL { return TRUE; }, TRUE);
+    std::thread user([] {
+        while (GetConsoleOutputCP() != CP_UTF8) Sleep(1);
+        for (int i = 0; i < 8; ++i) GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+    });
+    run(L"vistel decode udp://127.0.0.1:9", screen);
+    user.join();
     EXPECT_EQ(GetConsoleOutputCP(), old_code_page);
     EXPECT_TRUE(GetConsoleMode(screen, &mode));
     EXPECT_EQ(mode, old_mode);

@@ -87,7 +87,8 @@ TEST(Window, SaysWhatIsNotShown) {
     EXPECT_FALSE(shown.open("/none.log"));
     EXPECT_NE(shown.error, "");
     shown.play_to_end(too_many);
-    EXPECT_EQ(shown.window->GetTitle(), wxFileName(too_many.name()).GetFullName() + " - PGN Vistel");
+    EXPECT_EQ(shown.window->GetTitle(),
+              wxFileName(wxString::FromUTF8(too_many.name())).GetFullName() + " - PGN Vistel");
     EXPECT_TRUE(shown.eventually_says("104 without room")) << shown.status();
     shown.play_to_end(few);
     EXPECT_TRUE(shown.status().starts_with("END · 2 devices · 2 streams")) << shown.status();

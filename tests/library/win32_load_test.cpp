@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <future>
 #include <optional>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "loaded_module.h"
@@ -111,6 +113,15 @@ std::size_t drawing_objects() {
         std::count_if(table, table + rows, [](const Row& row) { return row.type != 0; }));
 }
 
+/// Handles of the kernel, which Wine does not count either (GetProcessHandleCount).
+std::size_t kernel_handles() {
+    std::size_t count = 0;
+    DWORD flags;
+    for (std::uintptr_t value = 4; value < 0x4000; value += 4)
+        if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++count;
+    return count;
+}
+
 /// Memory that is in use on the heap, in bytes.
 std::size_t memory() {
     std::size_t sum = 0;
@@ -144,7 +155,7 @@ class Win32Host : public testing::Test {
 
 TEST_F(Win32Host, OutlivesTheLibrary) {
     constexpr int rounds = 20, warm = 10;
-    std::size_t objects_before = 0, windows_before = 0, memory_before = 0;
+    std::size_t objects_before = 0, windows_before = 0, handles_before = 0, memory_before = 0;
     for (int round = 1; round <= rounds; ++round) {
         SCOPED_TRACE(round);
         load();
@@ -160,10 +171,12 @@ TEST_F(Win32Host, OutlivesTheLibrary) {
         if (round != warm) continue;
         objects_before = drawing_objects();
         windows_before = windows().size();
+        handles_before = kernel_handles();
         memory_before = memory();
     }
     EXPECT_EQ(drawing_objects(), objects_before);
     EXPECT_EQ(windows().size(), windows_before);
+    EXPECT_LE(kernel_handles(), handles_before + (rounds - warm) * 9) << "8 of thread runtimes, 1 of Wine";
     EXPECT_LT(memory(), memory_before + (rounds - warm) * 500) << "what the loader and the runtime keep";
 }
 
@@ -238,17 +251,29 @@ TEST_F(Win32Host, WaitsForAModalDialog) {
     unload();
 }
 
+HWND tree_control() {
+    return CreateWindowW(WC_TREEVIEWW, L"", WS_POPUP, 0, 0, 90, 90, nullptr, nullptr, nullptr, nullptr);
+}
+
 TEST_F(Win32Host, MayHandOverWhatIsNoWindow) {
     load();
-    HWND const gone = CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    std::promise<HWND> made;
+    std::thread other_thread([&] {
+        made.set_value(tree_control());
+        for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+    });
+    HWND const others = made.get_future().get(), gone = tree_control();
+    EXPECT_EQ(call<int>("put_in_tree", gone), 0);
     DestroyWindow(gone);
     static int no_window;
     const std::pair<const char*, HWND> cases[] = {{"none", nullptr},
                                                   {"destroyed", gone},
                                                   {"another process's", GetDesktopWindow()},
+                                                  {"another thread's", others},
                                                   {"a pointer", reinterpret_cast<HWND>(&no_window)}};
     for (const auto& [name, window] : cases) {
         SCOPED_TRACE(name);
+        EXPECT_EQ(call<int>("put_in_tree", window), -1);
         call("open_monitor", window, HINSTANCE{});
         EXPECT_EQ(call<int>("put_message", std::uint8_t{1}), -1);
         run(20);
@@ -256,6 +281,8 @@ TEST_F(Win32Host, MayHandOverWhatIsNoWindow) {
         call("close_monitor");
         call("choose_units", window);
     }
+    PostThreadMessageW(GetWindowThreadProcessId(others, nullptr), WM_QUIT, 0, 0);
+    other_thread.join();
     unload();
 }
 

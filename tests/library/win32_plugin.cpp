@@ -1,7 +1,9 @@
 // A module of a Win32 host that is linked with the library: the library comes and goes with it. It has the
 // toolkit's headers alone, so that it reaches the toolkit's functions through objects of unknown class.
 
+#include "pgn_vistel/native_tree.h"
 #include "pgn_vistel/pgn_dlg.h"
+#include "pgn_vistel/pgn_tree.h"
 #include "pgn_vistel/unit_dlg.h"
 
 // Of the runtime that this module has of its own.
@@ -44,6 +46,15 @@ extern "C" __declspec(dllexport) int put_message(std::uint8_t source) {
     msg.source = source;
     msg.length = 8;
     return PGN_VistelDlg_c::s_PutMsg(monitor, &msg);
+}
+
+/// Hands a message to a monitor tree on a control of the host's, and the result back.
+extern "C" __declspec(dllexport) int put_in_tree(pgn_vistel::NativeWindow control) {
+    CTreeCtrl lines(control);
+    PGN_VistelTree_c tree(nullptr, &lines, 1, 0);
+    tree.OnInit();
+    N2KMsg msg{};
+    return tree.PutMsg(&msg);
 }
 
 extern "C" __declspec(dllexport) void close_monitor() {

@@ -6,13 +6,19 @@
 
 #include <new>
 
+#include "platform/win32/own_thread.h"
+
 namespace {
+
+using pgn_vistel::platform::is_of_this_thread;
 
 constexpr int longest_line = 1024;
 
+/// The control's answer. One that is not this thread's is sent nothing, and 0 stands for its answer.
 template <class Result = LRESULT>
 Result send(HWND control, UINT message, WPARAM wide = 0, const void* data = nullptr) {
-    const LRESULT result = SendMessageW(control, message, wide, reinterpret_cast<LPARAM>(data));
+    const LRESULT result =
+        is_of_this_thread(control) ? SendMessageW(control, message, wide, reinterpret_cast<LPARAM>(data)) : 0;
     if constexpr (std::is_pointer_v<Result>)
         return reinterpret_cast<Result>(result);
     else
@@ -79,6 +85,7 @@ unsigned long CTreeCtrl::GetStyle() const {
 }
 
 void CTreeCtrl::ModifyStyle(unsigned long remove, unsigned long add) {
+    if (!is_of_this_thread(control_)) return;
     SetWindowLongW(control_, GWL_STYLE, static_cast<LONG>((GetStyle() & ~remove) | add));
 }
 
@@ -90,5 +97,6 @@ NativeRect CTreeCtrl::GetRect() const {
 }
 
 void CTreeCtrl::MoveWindow(const NativeRect& rect) {
+    if (!is_of_this_thread(control_)) return;
     ::MoveWindow(control_, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
 }

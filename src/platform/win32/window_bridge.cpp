@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "platform/platform.h"
+#include "platform/win32/own_thread.h"
 
 namespace pgn_vistel::platform {
 
@@ -152,9 +153,7 @@ class Toolkit {
 }  // namespace
 
 wxWindow* wrap_native_window(NativeWindow window) {
-    // Windows of other threads, and of other programs, have other message queues.
-    if (window == nullptr || GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId())
-        return nullptr;
+    if (!is_of_this_thread(window)) return nullptr;
     static const Toolkit toolkit;
     if (!Toolkit::is_running()) return nullptr;
     HostPane* const known = HostPane::find([window](HWND host) { return host == window; });

@@ -16,6 +16,7 @@
 ///
 ///     new PGN_VistelTree_c(parent, reinterpret_cast<CTreeCtrl*>(&handle), most_streams, flags)
 ///
+/// A handle that is not one of a window of the calling thread is a control that takes no line.
 /// Operations on a null item do nothing; a null item is the invisible root where a parent is asked for.
 class CTreeCtrl {
   public:

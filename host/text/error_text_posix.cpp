@@ -1,0 +1,9 @@
+#include "text/error_text.h"
+
+namespace vistel {
+
+std::string error_text(const std::error_code& error) {
+    return error.message();
+}
+
+}  // namespace vistel

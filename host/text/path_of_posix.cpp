@@ -1,0 +1,9 @@
+#include "text/path_of.h"
+
+namespace vistel {
+
+std::filesystem::path path_of(const std::string& name) {
+    return name;
+}
+
+}  // namespace vistel
