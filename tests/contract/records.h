@@ -5,7 +5,7 @@
 
 namespace pgn_vistel::test {
 
-constexpr int untouched = -77;  // a count that no conversion reports
+constexpr int untouched = -77;                           // a count that no conversion reports
 constexpr std::uint64_t came_with = 0xA5A5A5A5A5A5A5A5;  // of a record whose number is left as it was
 
 struct Converted {

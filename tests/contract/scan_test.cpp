@@ -41,7 +41,8 @@ TEST(Scan, Reals) {
     }
     float narrow = 77;
     EXPECT_EQ(scan_real(nullptr, narrow), nothing);
-    EXPECT_EQ(scan_real("1.00000005960464478", narrow), number);  // halfway but for the last digit: rounded once, from the text
+    EXPECT_EQ(scan_real("1.00000005960464478", narrow),
+              number);  // halfway but for the last digit: rounded once, from the text
     EXPECT_EQ(narrow, std::nextafter(1.0f, 2.0f));
 }
 
