@@ -1,7 +1,7 @@
 """The whole program on the sample voyage many times over, as whole messages in plain text and as frames of candump:
 user time, start-up, peak memory; or the number of instructions for each message.
 
-    whole_program.py --vistel PROGRAM --make-plain PROGRAM [--against OTHER] [--instructions FILE]
+    whole_program.py --vistel PROGRAM --make-plain PROGRAM [--against OTHER | --instructions FILE | --check FILE]
 """
 
 import argparse
@@ -106,8 +106,9 @@ def count(program, arguments):
     return int(re.search(r"Collected : (\d+)", told)[1])
 
 
-def count_instructions(program, inputs, file):
-    """Of a message: what two more rounds cost, so that neither start-up nor what is built once is in it."""
+def count_instructions(program, inputs):
+    """Lines with a figure each. Of a message: what two more rounds cost, so that neither start-up nor what is built once
+    is in it."""
     compiler = subprocess.run(["g++", "--version"], check=True, capture_output=True, text=True).stdout.splitlines()[0]
     lines = ["# Instructions of the release build, counted by callgrind: for each message of the sample voyage, and for",
              "# a whole process with one message. `script/bench --instructions` writes this file.",
@@ -117,8 +118,20 @@ def count_instructions(program, inputs, file):
             one, three = (count(program, [*options, make(rounds)]) for rounds in (1, 3))
             lines.append(f"{kind} {name}\t{round((three - one) / (2 * inputs.messages))}")
     lines.append(f"start-up\t{count(program, [inputs.one])}")
-    file.write_text("".join(f"{line}\n" for line in lines), encoding="utf-8")
     print("\n".join(lines))
+    return lines
+
+
+def check_instructions(lines, kept):
+    """Other compilers make other code, and other processors take other ways through the C library."""
+    most = 1.05
+    if lines[2] != kept[2]:
+        print(f"not compared with those of {kept[2][2:]}")
+        return
+    before = dict(line.split("\t") for line in kept[3:])
+    for name, number in (line.split("\t") for line in lines[3:]):
+        if int(number) > most * int(before[name]):
+            sys.exit(f"{name}: {number} instructions, {before[name]} before; if that has to be, script/bench --instructions")
 
 
 def main(arguments):
@@ -127,11 +140,16 @@ def main(arguments):
     parser.add_argument("--make-plain", required=True, help="the program that writes the voyage as plain text")
     parser.add_argument("--against", metavar="OTHER", help="another vistel to measure by turns with it")
     parser.add_argument("--instructions", type=Path, metavar="FILE", help="count instructions into FILE instead")
+    parser.add_argument("--check", type=Path, metavar="FILE", help="fail where they are far above those of FILE")
     options = parser.parse_args(arguments)
     with tempfile.TemporaryDirectory() as folder:
         inputs = Inputs(folder, options.make_plain)
         if options.instructions:
-            count_instructions(options.vistel, inputs, options.instructions)
+            lines = count_instructions(options.vistel, inputs)
+            options.instructions.write_text("".join(f"{line}\n" for line in lines), encoding="utf-8")
+        elif options.check:
+            kept = options.check.read_text("utf-8").splitlines()
+            check_instructions(count_instructions(options.vistel, inputs), kept)
         else:
             measure_times([options.vistel] + [options.against] * bool(options.against), inputs)
 
