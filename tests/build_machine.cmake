@@ -30,7 +30,8 @@ add_test(NAME tables_summary COMMAND ${Python3_EXECUTABLE} ${tablegen_dir}/table
 set(generator ${PROJECT_SOURCE_DIR}/tools/formats)
 add_test(NAME formats COMMAND ${Python3_EXECUTABLE} ${generator}/test_formats.py)
 add_test(NAME formats_document COMMAND ${Python3_EXECUTABLE} ${generator}/formats.py
-         ${PROJECT_SOURCE_DIR}/host/readers/formats.tsv --check-document ${PROJECT_SOURCE_DIR}/docs/formats.md)
+         ${PROJECT_SOURCE_DIR}/host/readers/formats.tsv --check-document ${PROJECT_SOURCE_DIR}/docs/formats.md
+         ${PROJECT_SOURCE_DIR}/README.md)
 
 set(consistency_dir ${PROJECT_SOURCE_DIR}/tools/consistency)
 add_test(NAME consistency COMMAND ${Python3_EXECUTABLE} ${consistency_dir}/consistency.py

@@ -12,6 +12,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tablegen"))
 from tables import Report, Row, ascii_text, choice, read_table  # noqa: E402
 
 DOCUMENT_MARK = "<!-- what follows is made of host/readers/formats.tsv by tools/formats -->\n"
+TABLE_MARKS = ("<!-- from here to the next mark made of host/readers/formats.tsv by tools/formats -->\n", "<!-- end -->\n")
 HOLDS = {"messages": "whole messages", "frames": "frames", "either": "whole messages or frames"}
 TIMES = {"epoch": "date and time", "day": "time of day", "start": "time since some start", "none": "none"}
 MAX_NAME = 24  # characters of a name, so that the help has its columns
@@ -140,9 +141,22 @@ def document_section(row):
     return f"\n## {row.name}\n\n{row.about}\n\n{text}\n\n{code}\n"
 
 
-def with_sections(path, rows):
-    """The document with the sections that the rows make."""
-    return path.read_text(encoding="utf-8").partition(DOCUMENT_MARK)[0] + DOCUMENT_MARK + document(rows)
+def overview(rows):
+    """A table in Markdown."""
+    lines = ["| format | | holds | also written |", "|---|---|---|---|"]
+    for row in rows:
+        names = ", ".join(f"`{name}`" for name in (row.name, row.also) if name)
+        lines.append(f"| {names} | {row.about} | {HOLDS[row.holds]} | {'yes' if row.is_written else ''} |")
+    return "".join(f"{line}\n" for line in lines)
+
+
+def with_rows(path, rows):
+    """The document with the sections, or the table, that the rows make."""
+    text = path.read_text(encoding="utf-8")
+    if DOCUMENT_MARK in text:
+        return text.partition(DOCUMENT_MARK)[0] + DOCUMENT_MARK + document(rows)
+    before, first, rest = text.partition(TABLE_MARKS[0])
+    return before + first + overview(rows) + TABLE_MARKS[1] + rest.partition(TABLE_MARKS[1])[2]
 
 
 def write_changed(path, text):
@@ -155,21 +169,20 @@ def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("table", type=Path)
     parser.add_argument("--out", type=Path, help="folder that gets the fragments for C++ and manual")
-    parser.add_argument("--document", type=Path, help="document whose sections are written anew")
-    parser.add_argument("--check-document", type=Path, help="document that must have the sections of the table")
+    parser.add_argument("--document", type=Path, nargs="+", default=[], help="documents whose rows are written anew")
+    parser.add_argument("--check-document", type=Path, nargs="+", default=[], help="documents that must have the rows")
     options = parser.parse_args(arguments)
     report = Report()
     rows = read_formats(options.table, report)
-    if options.check_document and not report.messages:
-        path = options.check_document
-        if path.read_text(encoding="utf-8") != with_sections(path, rows):
+    for path in options.check_document if not report.messages else []:
+        if path.read_text(encoding="utf-8") != with_rows(path, rows):
             report.add(path, "stale, write it anew with --document")
     for message in report.messages:
         print(message, file=sys.stderr)
     if report.messages:
         return 1
-    if options.document:
-        options.document.write_text(with_sections(options.document, rows), encoding="utf-8")
+    for path in options.document:
+        path.write_text(with_rows(path, rows), encoding="utf-8")
     if options.out:
         options.out.mkdir(parents=True, exist_ok=True)
         for name, lines in {"format_headers.inc": header_rows(rows), "format_rows.inc": code_rows(rows),
