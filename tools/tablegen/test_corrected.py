@@ -95,27 +95,6 @@ class SmallTest(unittest.TestCase):
                 self.assertEqual(" ".join(map(str, told)), reading)
                 self.assertEqual(field.quantity, NO_CLASS if quantity is None else context.tables.class_of[quantity])
 
-    def test_what_a_field_depends_on(self):
-        extras, message = self.one_message(
-            "Reference 2b code - - - dd~117 -", "Rest 6b reserved - - - - -",
-            "Course 2B u 1e-4 - rad:direction - reference=1;relative=2..3", "True 2B u 1e-4 - rad:direction - true",
-            "Magnetic 2B u 1e-4 - rad:direction - -", "Bits 1B u - - - - -", "Data - bytes - - - - bits_from=6",
-            "Items 1B u - - - - -", "Length 1B u - - - - -", "Name - bytes - - - - bytes_from=9-2",
-            "Behind 1B u - - - - -", groups="9..10*8")
-        self.assertEqual([extra.strip("{},") for extra in extras], [
-            "", "", ".reference = {0, 2, 1}, .direction = Direction::by_reference, .relative_first = 2, "
-            ".relative_last = 3", ".direction = Direction::true_north", ".direction = Direction::magnetic", "",
-            ".size = {56, 8, 1}, .size_unit = 1", "", f".count = {{-8, 8, 0}}, .behind = {message.first + 10}",
-            ".size = {-8, 8, 0}, .size_unit = 8, .less = 2", ""])
-
-    def test_keys_and_fields_of_others(self):
-        keys = lines("set keys fieldtypes", "1 Speed u 2B 0.01 m/s - ours",
-                     "9 Maker code 11b - - manufacturer_code ours")
-        extras, _ = self.one_message("Key 2B key - - - keys -", "Value - key_value - - - - -", "PGN 3B pgn - - - - -",
-                                     "Field 1B field_index - - - - -", "Value - field_value - - - - -", texts=keys)
-        self.assertRegex(extras[1], r"^\{\.key = \{0, 16, 1\}, \.key_set = \d+, \.key_rows = \d+\},$")
-        self.assertEqual(extras[4], "{.index = {-8, 8, 0}, .about = {-32, 24, 0}},")
-
     def test_what_cannot_be_is_told(self):
         cases = (
             (("Text - text_lau - - - - -", "Far 1B code - - - dd~117 -", "More - text_lau - - - - -",
@@ -129,14 +108,6 @@ class SmallTest(unittest.TestCase):
         overlay = self.overlay(**{"analyzer-names": lines("pgn variant name key", *name),
                                   "analyzer-texts": lines("set value text", *text)})
         return analyzer_fragments(overlay, plan_corrected(self.tables, overlay, make_plans(self.tables)))
-
-    def test_names_of_the_analyzer(self):
-        found = self.analyzer(["127250 - Heading~(x) deviation", "- - SID sequence_id", "127250 - Rest -"],
-                              ["117 1 Magnetic~North"])
-        self.assertEqual(found["analyzer_names.inc"],
-                         ['{0, "-", "sid", "sequence_id"},', '{127250, "-", "headingx", "deviation"},',
-                          '{127250, "-", "rest", ""},'])
-        self.assertEqual(found["analyzer_texts.inc"], ['{"117", "magnetic north", 1u},'])
 
     def test_names_of_the_analyzer_that_cannot_be(self):
         good = "127250 - Heading deviation"
