@@ -97,11 +97,9 @@ char* write_significant(char* at, float value, int digits) {
     const std::uint64_t product = mantissa * powers_of_ten[precision];
     std::uint64_t rounded = 0;
     if (shift < 64) {
-        rounded = product >> shift;
-        const std::uint64_t rest = product << (64 - shift);
-        constexpr std::uint64_t half = std::uint64_t{1} << 63;
-        rounded +=
-            static_cast<std::uint64_t>(rest > half) | (static_cast<std::uint64_t>(rest == half) & rounded);
+        // To the nearest, halves to the even one.
+        const std::uint64_t below_half = (std::uint64_t{1} << (shift - 1)) - 1;
+        rounded = (product + below_half + (product >> shift & 1)) >> shift;
     }
     if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]]
         return write_decimal(at, rounded, precision);
