@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "core/clock_text.h"
 #include "core/numbers.h"
 #include "pgn_vistel/core/render.h"
@@ -7,7 +9,7 @@ namespace pgn_vistel::core {
 void Renderer::start(const N2KMsg& msg, const PgnDef* pgn) {
     msg_ = &msg;
     pgn_ = pgn;
-    walk_ = MessageWalk(pgn, msg);
+    std::construct_at(&walk_, pgn, msg);  // a copy would wait for what has just been written
     stage_ = Stage::head;
 }
 
