@@ -15,6 +15,7 @@ using namespace std::string_literals;
 /// "can0 09F8017F#01\ncan0 09F8017F#02\n" and, in a piece of its own, "can0 09F8017F#03\n".
 struct Packed {
     std::string name, two, one;
+    friend std::ostream& operator<<(std::ostream& out, const Packed& packed) { return out << packed.name; }
 };
 const Packed all_packed[] = {
     {"gzip", bytes("1F8B08000000000002034B4ECC335030B074B330303477533630E44A461530E20200A2AA69D022000000"),
