@@ -122,7 +122,7 @@ bool read_pgn_field(std::string_view text, std::uint32_t& pgn, Problem& problem)
 }
 
 bool has_sentence(std::string_view line, bool (*is_one)(const Sentence&)) {
-    if (line[0] != '$' && line[0] != '!' && line[0] != tag_block) return false;
+    if (line.empty() || (line[0] != '$' && line[0] != '!' && line[0] != tag_block)) return false;
     SentenceCutter cutter;
     Sentence sentence;
     Problem problem;
