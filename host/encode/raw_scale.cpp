@@ -66,7 +66,7 @@ void RawScale::find_runs(std::uint64_t first, std::uint64_t last) {
             });
         };
         const std::uint64_t end = std::max(end_of(true), end_of(false));
-        runs_.push_back({first, end, *from, *value_of_(end)});
+        runs_.push_back({first, end, *from, value_at(end)});
         if (end == last) return;
         first = end + 1;
     }
@@ -87,7 +87,7 @@ double RawScale::highest() const {
 std::uint64_t RawScale::nearest_in(const Run& run, double value) const {
     const bool rising = run.rising();
     const auto before = [&](std::uint64_t raw) {
-        const double v = *value_of_(raw);
+        const double v = value_at(raw);
         return rising ? v < value : v > value;
     };
     if (!before(run.first)) return run.first;
@@ -105,12 +105,12 @@ std::pair<const RawScale::Run*, std::uint64_t> RawScale::nearest_run(double valu
 }
 
 std::pair<std::uint64_t, std::uint64_t> RawScale::equals_of(const Run& run, std::uint64_t raw) const {
-    const double v = *value_of_(raw);
+    const double v = value_at(raw);
     const auto before = [&](std::uint64_t other) {
-        const double at = *value_of_(other);
+        const double at = value_at(other);
         return run.rising() ? at < v : at > v;
     };
-    const auto equal = [&](std::uint64_t other) { return *value_of_(other) == v; };
+    const auto equal = [&](std::uint64_t other) { return value_at(other) == v; };
     return {before(run.first) ? last_that(run.first, raw, before) + 1 : run.first,
             last_that(raw, run.last, equal)};
 }
@@ -119,7 +119,7 @@ std::uint64_t RawScale::nearest(double value, std::uint64_t digits) const {
     // Digits are counted from zero, which some formats have in the middle.
     const std::uint64_t zero = nearest_run(0).second;
     const auto from_zero = [&](std::uint64_t raw) {
-        return (*value_of_(raw) < 0 ? zero - raw : raw - zero) & all_bits_;
+        return (value_at(raw) < 0 ? zero - raw : raw - zero) & all_bits_;
     };
     auto [run, best] = nearest_run(value);
     if (best < run->last && distance(best + 1, value) == distance(best, value)) {  // half a step
@@ -132,7 +132,7 @@ std::uint64_t RawScale::nearest(double value, std::uint64_t digits) const {
     const auto [start, end] = equals_of(*run, best);
     constexpr std::uint64_t rounding = std::uint64_t{1} << 20;  // of the whole run
     if (end - start > (run->last - run->first) / rounding) return start;
-    if (*value_of_(best) < 0) return (zero - roundest(from_zero(end), from_zero(start), digits)) & all_bits_;
+    if (value_at(best) < 0) return (zero - roundest(from_zero(end), from_zero(start), digits)) & all_bits_;
     return (zero + roundest(from_zero(start), from_zero(end), digits)) & all_bits_;
 }
 

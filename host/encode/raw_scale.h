@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -50,7 +51,11 @@ class RawScale {
     std::pair<const Run*, std::uint64_t> nearest_run(double value) const;
     /// The first and the last number of the run with the value of this one.
     std::pair<std::uint64_t, std::uint64_t> equals_of(const Run& run, std::uint64_t raw) const;
-    double distance(std::uint64_t raw, double value) const { return std::fabs(*value_of_(raw) - value); }
+    /// No number where there is no value: codes within a run may have none.
+    double value_at(std::uint64_t raw) const {
+        return value_of_(raw).value_or(std::numeric_limits<double>::quiet_NaN());
+    }
+    double distance(std::uint64_t raw, double value) const { return std::fabs(value_at(raw) - value); }
 
     Conversion value_of_;
     std::vector<Run> runs_;
