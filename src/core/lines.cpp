@@ -109,7 +109,7 @@ template <class Out>
     using Kind = QuickNumber::Kind;
     switch (number.kind) {
         case Kind::single:
-            out.put_number([&](char* at) { return write_significant(at, number.single, 5); });
+            out.put_number([&](char* at) { return write_significant<5>(at, number.single); });
             break;
         case Kind::integer: {
             if (plan.form == Form::enumeration &&
@@ -122,7 +122,7 @@ template <class Out>
         }
         case Kind::real: {
             const auto value = static_cast<float>(number.real);
-            out.put_number([value](char* at) { return write_significant(at, value, 8); });
+            out.put_number([value](char* at) { return write_significant<8>(at, value); });
             break;
         }
         default: out.put('-'); break;

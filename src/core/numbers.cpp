@@ -51,68 +51,18 @@ inline int count_digits(std::uint32_t number) {
     return estimate + (number >= powers_of_ten[estimate] ? 1 : 0);
 }
 
-/// A number without a point, which goes in front of its last `precision` digits.
-char* write_decimal(char* at, std::uint64_t number, int precision) {
-    if (precision == 0) return write_unsigned(at, number);
-    const std::uint64_t before = number / powers_of_ten[precision];
-    const auto behind = static_cast<std::uint32_t>(number - before * powers_of_ten[precision]);
-    at = write_unsigned(at, before);
-    *at = '.';
-    write_eight(at + 1, behind * powers_of_ten[8 - precision]);
-    return at + 1 + precision;
-}
-
 }  // namespace
 
-char* write_significant(char* at, float value, int digits) {
-    const auto bits = std::bit_cast<std::uint32_t>(value);
-    const std::uint32_t exponent_field = bits >> 23 & 0xFF;
-    constexpr std::uint32_t exponent_of_2_pow_32 = 127 + 32;
-    if (exponent_field >= exponent_of_2_pow_32) [[unlikely]]
-        return write_large(at, value, digits);
-    *at = '-';
-    at += bits >> 31;  // without a branch: nothing tells beforehand on which side of 0 a number lies
-
-    // The number is mantissa / 2^shift.
-    std::uint64_t mantissa = bits & 0x7FFFFF;
-    int shift = 149;
-    if (exponent_field != 0) {
-        mantissa |= 0x800000;
-        shift = 150 - static_cast<int>(exponent_field);
+char* detail::write_without_point(char* at, float value, int digits) {
+    if (std::fabs(value) >= 0x1p32f) return write_large(at, value, digits);
+    if (std::signbit(value)) *at++ = '-';
+    const auto magnitude = static_cast<double>(std::fabs(value));
+    if (magnitude < 1) {
+        std::memcpy(at, "0.", 2);
+        const double behind = magnitude * exact_powers_of_ten[digits];
+        return write_eight(at + 2, static_cast<std::uint32_t>(round_to_even(behind)));
     }
-    if (shift <= 0) {
-        const std::uint64_t number = mantissa << -shift;
-        at = write_unsigned(at, number);
-        if (digits < 8 || number >= powers_of_ten[7])
-            return at;  // from 2^23 on there are seven digits at least
-        std::memcpy(at, ".0", 2);
-        return at + 2;
-    }
-
-    // Below 2^23 from here on. The digits in front of the point are counted, the rest become decimals.
-    const auto whole = shift < 32 ? static_cast<std::uint32_t>(mantissa >> shift) : 0u;
-    const int leading = count_digits(whole);
-    const int precision = std::max(digits - leading, 0);
-    // Times a power of ten it stays below 2^51; the part behind the binary point decides how to round.
-    const std::uint64_t product = mantissa * powers_of_ten[precision];
-    std::uint64_t rounded = 0;
-    if (shift < 64) {
-        // To the nearest, halves to the even one.
-        const std::uint64_t below_half = (std::uint64_t{1} << (shift - 1)) - 1;
-        rounded = (product + below_half + (product >> shift & 1)) >> shift;
-    }
-    if (precision == 0 || precision == 8 || rounded >= limit_of_eight) [[unlikely]]
-        return write_decimal(at, rounded, precision);
-    // The point goes between the digits of one word.
-    const std::uint64_t text = detail::eight_digits(static_cast<std::uint32_t>(rounded)) | detail::zeros;
-    // 9.99996 becomes 10.0000, with one digit more in front.
-    const int before = std::max(leading + static_cast<int>(rounded >= powers_of_ten[digits]), 1);
-    const std::uint64_t front = text >> 8 * (8 - precision - before);
-    const std::uint64_t behind = text >> 8 * (8 - precision);
-    std::memcpy(at, &front, 8);
-    at[before] = '.';
-    std::memcpy(at + before + 1, &behind, 8);
-    return at + before + 1 + precision;
+    return write_unsigned(at, round_to_even(magnitude));
 }
 
 // ---- shortest form ----

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -47,6 +48,29 @@ inline constexpr auto byte_digits = [] {
 
 inline constexpr std::uint32_t powers_of_ten[] = {1,       10,        100,        1'000,       10'000,
                                                   100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
+inline constexpr double exact_powers_of_ten[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+
+/// The bits of a single: those of numbers that are not negative are in the order of the numbers.
+constexpr std::uint32_t bits_of(float number) {
+    return std::bit_cast<std::uint32_t>(number);
+}
+
+/// Digits in front of the point of a number by its bits, `most` of them at the most; none below 1.
+template <int most>
+int count_leading_digits(std::uint32_t bits) {
+    constexpr std::uint32_t limits[] = {bits_of(1),    bits_of(1e1f), bits_of(1e2f), bits_of(1e3f),
+                                        bits_of(1e4f), bits_of(1e5f), bits_of(1e6f)};
+    int count = 0;
+    for (int i = 0; i < most; ++i) count += bits >= limits[i] ? 1 : 0;
+    return count;
+}
+
+/// The nearest whole number, halves to the even one, of a number below 2^52 that is not negative.
+inline std::uint64_t round_to_even(double number) {
+    constexpr double last_digit_is_one = 0x1p52;
+    return std::bit_cast<std::uint64_t>(number + last_digit_is_one) -
+           std::bit_cast<std::uint64_t>(last_digit_is_one);
+}
 
 /// The eight decimal digits of a number below 10^8, the first in the lowest byte: halves, quarters and
 /// eighths of the word are divided side by side.
@@ -61,6 +85,20 @@ inline std::uint64_t eight_digits(std::uint32_t number) {
 }
 
 constexpr std::uint64_t zeros = 0x3030303030303030;  // as characters
+
+/// The six decimal digits of a number below 10^6 as characters, the first in the lowest byte.
+inline std::uint64_t six_characters(std::uint32_t number) {
+    const auto pair = [](std::uint32_t below_100) {
+        std::uint16_t characters;
+        std::memcpy(&characters, digit_pairs.data() + 2 * below_100, 2);
+        return std::uint64_t{characters};
+    };
+    const std::uint32_t hundreds = number / 100, first = number / 10000;
+    return pair(first) | pair(hundreds - first * 100) << 16 | pair(number - hundreds * 100) << 32;
+}
+
+/// As `write_significant`, where the point does not stand between digits of one word.
+char* write_without_point(char* at, float value, int digits);
 
 }  // namespace detail
 
@@ -155,13 +193,42 @@ inline char* write_hex(char* at, std::uint32_t number, int least) {
 /// "%.*f" would be. `precision` is at most 18; the number of digits is bounded by the caller's room.
 char* write_fixed(char* at, double value, int precision);
 
-/// A number with `digits` significant ones, 1 to 8, and all that stand before its point: what "%5q" of the
+/// A number with `digits` significant ones, 5 or 8, and all that stand before its point: what "%5q" of the
 /// text interface stands for. Not for NaN. Writes beyond its end.
 ///
-///     write_significant(at, 12.3456f, 5) -> "12.346"
-///     write_significant(at, 0.5f, 5)     -> "0.50000"
-///     write_significant(at, 123456.f, 5) -> "123456"
-char* write_significant(char* at, float value, int digits);
+///     write_significant<5>(at, 12.3456f) -> "12.346"
+///     write_significant<5>(at, 0.5f)     -> "0.50000"
+///     write_significant<5>(at, 123456.f) -> "123456"
+template <int digits>
+char* write_significant(char* at, float value) {
+    static_assert(digits == 5 || digits == 8);
+    using namespace detail;
+    constexpr float lowest = digits == 5 ? 0 : 1;       // below it eight digits stand behind the point
+    constexpr float limit = digits == 5 ? 1e4f : 1e7f;  // from it on there is no point, or nothing behind it
+    const std::uint32_t bits = bits_of(value), magnitude = bits & 0x7FFFFFFF;
+    if (magnitude < bits_of(lowest) || magnitude >= bits_of(limit)) [[unlikely]]
+        return write_without_point(at, value, digits);
+    *at = '-';
+    at += bits >> 31;  // without a branch: nothing tells beforehand on which side of 0 a number lies
+
+    constexpr int places = digits == 5 ? 6 : 8;  // of the word
+    const int leading = count_leading_digits<digits - 1>(magnitude);
+    const int precision = digits - leading;
+    // A single times such a power of ten is exact in double precision.
+    const double scaled =
+        static_cast<double>(std::bit_cast<float>(magnitude)) * exact_powers_of_ten[precision];
+    const auto number = static_cast<std::uint32_t>(round_to_even(scaled));
+    // 9.99996 becomes 10.0000, with one digit more in front; no single is so near to 10 for eight digits.
+    int before = leading;
+    if constexpr (digits == 5) before = std::max(leading + (number >= powers_of_ten[digits] ? 1 : 0), 1);
+    const std::uint64_t text = digits == 5 ? six_characters(number) : eight_digits(number) | zeros;
+    const std::uint64_t front = text >> 8 * (places - precision - before);
+    const std::uint64_t behind = text >> 8 * (places - precision);
+    std::memcpy(at, &front, 8);
+    at[before] = '.';
+    std::memcpy(at + before + 1, &behind, 8);
+    return at + before + 1 + precision;
+}
 
 /// A number that is known as a decimal: digits / 10^decimals.
 struct Decimal {

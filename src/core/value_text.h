@@ -293,12 +293,12 @@ void put_plainly(Out& out, const Value& v, bool plain_numbers, bool every_code) 
     }
     switch (v.type) {
         case ValueType::single:
-            out.put_number([&v](char* at) { return write_significant(at, v.number.f32(), 5); });
+            out.put_number([&v](char* at) { return write_significant<5>(at, v.number.f32()); });
             break;
         case ValueType::real: {
             // With the precision of a single: the wide range of a double would not fit.
             const auto value = static_cast<float>(v.number.f64());
-            out.put_number([value](char* at) { return write_significant(at, value, 8); });
+            out.put_number([value](char* at) { return write_significant<8>(at, value); });
             break;
         }
         case ValueType::seconds:

@@ -46,8 +46,8 @@ void expect(std::string_view expected, Write write) {
 }
 
 void compare(float value) {
-    for (const int digits : {5, 8})
-        expect(significant(value, digits), [=](char* at) { return write_significant(at, value, digits); });
+    expect(significant(value, 5), [=](char* at) { return write_significant<5>(at, value); });
+    expect(significant(value, 8), [=](char* at) { return write_significant<8>(at, value); });
     if (std::isfinite(value)) expect(shortest(value), [=](char* at) { return write_shortest(at, value); });
 }
 
