@@ -99,11 +99,10 @@ struct QuickNumber {
     int next;            ///< position behind the field, in bits
     std::uint64_t bits;  ///< as sent
     Decimal decimal;     ///< of a single or real number
-    union {
-        float single;
-        double real;
-        std::int64_t integer;
-    };
+    // One of these, by the kind.
+    float single = 0;
+    double real = 0;
+    std::int64_t integer = 0;
 
     void store(Value& out) const {
         switch (kind) {
