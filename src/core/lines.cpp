@@ -102,6 +102,16 @@ template <class Out, class Reading>
     return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
 }
 
+/// What a quick field shows by rules of its quantity. Whoever prints by `out` in line keeps it in registers,
+/// since only a copy is handed on.
+template <class Out>
+[[gnu::always_inline]] inline bool put_meaning(Out& out, const FieldPlan& plan, std::uint32_t code) {
+    Out copy = out;
+    const bool is_put = put_enumeration(copy, plan.enumeration, code, 0);
+    out = copy;
+    return is_put;
+}
+
 /// A number that takes no rule of its quantity to be shown.
 template <class Out>
 [[gnu::always_inline]] inline UnitId put_quick(Out& out, const FieldPlan& plan, const QuickNumber& number,
@@ -113,7 +123,7 @@ template <class Out>
             break;
         case Kind::integer: {
             if (plan.form == Form::enumeration &&
-                put_enumeration(out, plan.enumeration, static_cast<std::uint32_t>(number.bits), 0))
+                put_meaning(out, plan, static_cast<std::uint32_t>(number.bits)))
                 return unit::selected;
             Value value;
             number.store(value);
@@ -128,6 +138,21 @@ template <class Out>
         default: out.put('-'); break;
     }
     return number.unit;
+}
+
+/// The same of the fields that are not read in line.
+template <class Out>
+[[gnu::noinline]] UnitId put_with_care(Out& out, Stepping::State& walk, const Payload& payload,
+                                       const UnitSelection& units, TextScratch& scratch, bool plain_numbers) {
+    const FieldPlan& plan = Stepping::plan(walk);
+    const std::uint16_t entry = find_coded_entry(plan, payload, walk.position);
+    FieldValue field;
+    Stepping::read_field(walk, payload, units, scratch, field);
+    if (entry != no_entry) {
+        put_entry(out, plan.enumeration, entry);
+        return unit::selected;
+    }
+    return put_reading(out, plan, field, walk.is_resolved ? walk.high : 0, plain_numbers);
 }
 
 /// Value of the field that the walk has come to, and its label's number; the walk goes behind it. Returns the
@@ -148,14 +173,10 @@ template <class Out>
             return Stepping::directed(walk, put_quick(out, plan, quick, plain_numbers));
         }
     }
-    const std::uint16_t entry = find_coded_entry(plan, payload, walk.position);
-    FieldValue field;
-    Stepping::read_field(walk, payload, units, scratch, field);
-    if (entry != no_entry) {
-        put_entry(out, plan.enumeration, entry);
-        return unit::selected;
-    }
-    return put_reading(out, plan, field, walk.is_resolved ? walk.high : 0, plain_numbers);
+    Out copy = out;
+    const UnitId unit = put_with_care(copy, walk, payload, units, scratch, plain_numbers);
+    out = copy;
+    return unit;
 }
 
 /// Texts with all their characters, for those who compare them.
