@@ -27,15 +27,15 @@ inline void require(bool condition, const char* what) {
 /// terminator.
 template <class Print>
 std::wstring printed(Print print, int size = 1024) {
-    const std::wstring margin(8, wchar_t{0xE000});
-    const auto room = static_cast<std::size_t>(size);
-    std::wstring area = margin + std::wstring(room, margin[0]) + margin;
+    static const std::wstring margin(8, wchar_t{0xE000});
+    thread_local std::wstring area;  // used again: to take a fresh one takes longer than to print
+    area.assign(2 * margin.size() + static_cast<std::size_t>(size), margin[0]);
     const int count = print(area.data() + margin.size(), size);
     require(area.starts_with(margin) && area.ends_with(margin), "written outside the buffer");
     if (count < 0 || size == 0) return {};
-    const auto end = margin.size() + static_cast<std::size_t>(count);
-    require(count < size && area[end] == 0, "not terminated at its end");
-    return area.substr(margin.size(), end - margin.size());
+    const auto written = static_cast<std::size_t>(count);
+    require(count < size && area[margin.size() + written] == 0, "not terminated at its end");
+    return area.substr(margin.size(), written);
 }
 
 inline std::wstring stream_line(const N2KMsg& msg, int size = 1024, Definitions set = Definitions::fixed) {
@@ -66,6 +66,7 @@ inline std::vector<std::wstring> lines_of(const N2KMsg& msg, bool plain_numbers 
 /// A line as UTF-8 text has it: without control characters and halves of pairs.
 inline std::string as_utf8(const std::wstring& line) {
     std::string out;
+    out.reserve(line.size());
     for (std::size_t i = 0; i < line.size(); ++i) {
         auto c = static_cast<std::uint32_t>(line[i]);
         const auto next = i + 1 < line.size() ? static_cast<std::uint32_t>(line[i + 1]) : 0;
@@ -89,6 +90,7 @@ template <class Renderer>
 std::string rendered(Renderer& renderer, std::size_t room = 8 * piece_room) {
     const auto window = std::make_unique_for_overwrite<char[]>(room);
     std::string all;
+    all.reserve(piece_room);
     do {
         char* const end = renderer.write(window.get(), window.get() + room);
         require(end >= window.get() && end <= window.get() + room, "written beyond the window");
