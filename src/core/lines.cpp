@@ -102,8 +102,8 @@ template <class Out, class Reading>
     return put_value(out, shown, field.value) ? field.unit : UnitId{unit::selected};
 }
 
-/// What a quick field shows by rules of its quantity. Whoever prints by `out` in line keeps it in registers,
-/// since only a copy is handed on.
+/// The text of a code, or false. Only a copy of `out` is handed on, so that those who print in line keep it
+/// in a register.
 template <class Out>
 [[gnu::always_inline]] inline bool put_meaning(Out& out, const FieldPlan& plan, std::uint32_t code) {
     Out copy = out;
@@ -140,7 +140,7 @@ template <class Out>
     return number.unit;
 }
 
-/// The same of the fields that are not read in line.
+/// What `put_field` does with fields that are not read in line.
 template <class Out>
 [[gnu::noinline]] UnitId put_with_care(Out& out, Stepping::State& walk, const Payload& payload,
                                        const UnitSelection& units, TextScratch& scratch, bool plain_numbers) {
