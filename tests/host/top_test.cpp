@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "host/descriptors.h"
 #include "host/playing.h"
 #include "host/temporary_recording.h"
 
@@ -187,15 +188,22 @@ TEST(Top, CountsTheLossesOfADevice) {
     EXPECT_THAT(shown.line(3), HasSubstr(" unknown at 35, lost: 1"));
 }
 
-TEST(Top, SaysThatARecordingCannotBeAsked) {
-    const test::TemporaryRecording file("00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n");
-    PlayOptions options = test::playing({file.name()});
+TEST(Top, AsksNothingOfAPipeAndForgetsWhatAPauseKept) {
+    int ends[2];
+    ASSERT_EQ(open_pipe(ends), 0);
+    const std::string heading = "00:00:00,2,127250,7,255,8,00,00,00,ff,7f,ff,7f,fd\n";
+    ASSERT_EQ(::write(ends[1], heading.data(), heading.size()), static_cast<ssize_t>(heading.size()));
+    ::close(ends[1]);
+    PlayOptions options = test::playing({"/dev/fd/" + std::to_string(ends[0])});
     options.input.sends = true;
     Player player(options);
     ASSERT_TRUE(player.open());
     Top top(player, {{"default", {}}}, {});
     top.advance();
     EXPECT_THAT(top.page(120, 24)[0].text(), HasSubstr(" · only a live source can be sent something"));
+    for (const char key : {' ', 'c'}) EXPECT_TRUE(top.press(static_cast<std::uint32_t>(key)));
+    EXPECT_THAT(top.page(120, 24)[0].text(), StartsWith(" PAUSED · END · 1 device · 0 streams"));
+    ::close(ends[0]);
 }
 
 TEST(Top, SaysThatItIsPausedAndWhatIsWrong) {

@@ -12,6 +12,8 @@
 #include <algorithm>
 
 #include "host/temporary_recording.h"
+#include "monitor/colours.h"
+#include "monitor/plot.h"
 #include "views/windows.h"
 
 namespace vistel {
@@ -191,6 +193,20 @@ TEST(Window, PausesAndShowsOneMessage) {
     tree.SetFocus();
     press(WXK_RETURN);
     EXPECT_TRUE(eventually([&] { return shows(*shown.window, "127250 Vessel Heading"); }));
+}
+
+TEST(Window, PlotsTheNumbersOfOneTime) {
+    auto& frame = *new wxFrame(nullptr, wxID_ANY, "plot");
+    auto& plot = *new Plot(&frame);
+    bring_up(frame);
+    for (const double number : {1, 3, 2}) plot.add(0, number);
+    const wxColour line = fresh_colour();
+    EXPECT_TRUE(eventually([&] {
+        wxImageHistogram shown;
+        picture_of(frame, plot.GetScreenRect()).ComputeHistogram(shown);
+        return shown.count(wxImageHistogram::MakeKey(line.Red(), line.Green(), line.Blue())) > 0;
+    }));
+    frame.Destroy();
 }
 
 TEST(Window, GivesTheLinesRoomWhereItIsNarrow) {
