@@ -507,7 +507,7 @@ class ProgramTest(unittest.TestCase):
             (["--merge", "b", "empty", "a"], "1 0, 3 1 b:can1, 4 1.5 b:can0, 2 2 a:can1", 0, "/empty: is empty\n$"),
             (["--merge", "later", "day"], "5 0, 6 0.5 later:vcan0", 0, ""), (["--merge", "head"], "", 1, "incomplete: 1"),
             (["--merge", "jump", "later"], "5 0, 7 0, 5 0.2, 6 0.5 later:vcan0", 0, ""), (["--merge", "asc", "asc"], "7 0, 7 0 asc:1", 0, ""),
-            (["--merge", "bad", "early"], "8 0, 7 5 bad:can0", 1, "/bad:1: "),
+            (["--merge", "bad", "early"], "8 0, 7 5 bad:can0", 1, "/bad:1: "), (["--merge", "early", "nameless"], "8 0, 10 3 nameless:1", 0, ""),
             (["a", "busless"], "1 0, 2 2 can1, 7 4 0, 7 4 0, 7 4 0", 0, ""),
             (["--merge", "a", "none", "early"], "8 0, 1 1 a:can0, 2 3 a:can1", 2, "none: No such file"),
             (["--merge", "a", "day"], "", 2, "day: cannot be merged by time: it has times of day, .*a dates and times\n"),
@@ -520,6 +520,10 @@ class ProgramTest(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             for name, text in contents.items():
                 Path(folder, name).write_text(text, encoding="utf-8")
+            # A capture with two interfaces that have no names, and a frame of the second.
+            Path(folder, "nameless").write_bytes(bytes.fromhex(
+                "0A0D0D0A1C0000004D3C2B1A01000000FFFFFFFFFFFFFFFF1C000000" + "0100000014000000E30000000000000014000000" * 2 +
+                "0600000030000000010000003D540500C08657F7100000001000000089F1120A0800000005102700FF7FFF7F30000000"))
             for given, expected, status, told in cases:
                 arguments = [each if each.startswith("-") else os.path.join(folder, each) for each in given]
                 result = vistel("decode", "--json", *arguments)

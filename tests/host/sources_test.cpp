@@ -321,6 +321,7 @@ struct Listening {
 };
 
 constexpr std::string_view raw_line = "19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n";
+const std::string pcdin = "$PCDIN,01F112,00000000,23,0039300000FF7FFD*5E";
 
 TEST(Links, AreMadeAgainAndSaySoOnce) {
     Bound server(SOCK_STREAM);
@@ -432,7 +433,6 @@ TEST(Links, OfGatewaysThatConnect) {
 
 TEST(Links, OfDatagramsThatAreLinesOrPieces) {
     const std::string line(raw_line.substr(0, raw_line.size() - 2));
-    const std::string pcdin = "$PCDIN,01F112,00000000,23,0039300000FF7FFD*5E";
     const struct {
         const char* what;
         std::vector<std::string> datagrams;
@@ -556,15 +556,13 @@ TEST(Links, TellOnceOfBytesThatAreNoFormat) {
 }
 
 TEST(Links, AreReadSideBySide) {
-    const Bound first(SOCK_STREAM), second(SOCK_STREAM), sender(SOCK_DGRAM);
-    const std::uint16_t datagrams = free_port(SOCK_DGRAM);
+    const Bound first(SOCK_STREAM), second(SOCK_STREAM);
     const std::string names[] = {"tcp://127.0.0.1:" + std::to_string(first.port),
-                                 "tcp://127.0.0.1:" + std::to_string(second.port),
-                                 "udp://:" + std::to_string(datagrams)};
+                                 "tcp://127.0.0.1:" + std::to_string(second.port)};
     const test::TemporaryRecording file((std::string(raw_line)));
     std::string told;
     InputOptions options;
-    options.names = {names[0], names[1], names[2], "tcp://127.0.0.1:1", file.name()};
+    options.names = {names[0], names[1], "none.log", file.name()};
     Inputs inputs(options,
                   {.before_wait = {}, .tell = [&](const std::string& line) { told += line + "\n"; }});
     std::map<std::string, unsigned> came;
@@ -588,23 +586,25 @@ TEST(Links, AreReadSideBySide) {
         return wanted();
     };
     EXPECT_TRUE(take([&] { return order == "|0|"; })) << "the file is read first, then all begin: " << order;
-    EXPECT_NE(failures.find("tcp://127.0.0.1:1: "), std::string::npos) << failures;
+    EXPECT_NE(failures.find("none.log: "), std::string::npos) << failures;
     EXPECT_TRUE(inputs.has_several_buses());
     std::optional<Descriptor> busy(first.accept());
     const Descriptor quiet(second.accept());
     std::string much;
     for (int i = 0; i < 2000; ++i) much += raw_line;
     busy->put(much);
-    quiet.put(raw_line);
-    sender.send(raw_line, datagrams);
-    EXPECT_TRUE(take([&] { return came[names[1]] == 1 && came[names[2]] == 1; }));
+    quiet.put(pcdin + "\r\n");
+    EXPECT_TRUE(take([&] { return came[names[1]] == 1; }));
     EXPECT_LT(came[names[0]], 2000u) << "who has much leaves the others their turn";
     EXPECT_TRUE(take([&] { return came[names[0]] == 2000; }));
     busy.reset();
     EXPECT_TRUE(take([&] { return told.find(names[0] + ": connection lost") != std::string::npos; }));
-    quiet.put(raw_line);
+    quiet.put(pcdin + "\r\n");
     EXPECT_TRUE(take([&] { return came[names[1]] == 2; })) << "a lost one holds up nobody";
-    EXPECT_EQ(inputs.links().size(), 3u);
+    EXPECT_FALSE(inputs.send(record) || inputs.send(record));
+    const std::string refusal = names[1] + ": nothing can be sent to a source that speaks pcdin\n";
+    EXPECT_EQ(told.find(refusal), told.size() - refusal.size()) << told;
+    EXPECT_EQ(inputs.links().size(), 2u);
     EXPECT_EQ(inputs.links()[0].counters->losses, 1u);
     EXPECT_EQ(came["0"], 1u);
 }
