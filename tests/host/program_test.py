@@ -206,21 +206,17 @@ class ProgramTest(unittest.TestCase):
                 self.assertEqual(result.returncode, status, (command, chosen, result.stderr))
         if EMULATOR:
             return  # pipes that do not block are not known there
-        # A reader that has gone is no error; whoever does not block loses nothing.
+        # Whoever does not block loses nothing.
         text = vistel("decode", stdin=HEADING * 5000).stdout
-        for gone in (False, True):
-            reader, writer = os.pipe()
-            os.set_blocking(writer, False)
-            with subprocess.Popen([VISTEL, "decode"], stdin=subprocess.PIPE, stdout=writer) as process:
-                os.close(writer)
-                if gone:
-                    os.close(reader)
-                threading.Thread(target=process.communicate, args=((HEADING * 5000).encode(),)).start()
-                if not gone:
-                    with open(reader, encoding="utf-8") as pipe:
-                        time.sleep(0.1)
-                        self.assertEqual(pipe.read(), text)
-                self.assertEqual(process.wait(timeout=30), 0)
+        reader, writer = os.pipe()
+        os.set_blocking(writer, False)
+        with subprocess.Popen([VISTEL, "decode"], stdin=subprocess.PIPE, stdout=writer) as process:
+            os.close(writer)
+            threading.Thread(target=process.communicate, args=((HEADING * 5000).encode(),)).start()
+            with open(reader, encoding="utf-8") as pipe:
+                time.sleep(0.1)
+                self.assertEqual(pipe.read(), text)
+            self.assertEqual(process.wait(timeout=30), 0)
 
     @unittest.skipIf(EMULATOR, "the folder of configurations cannot be chosen there")
     def test_configuration(self):
@@ -278,10 +274,6 @@ class ProgramTest(unittest.TestCase):
                 self.assertEqual(result.returncode, status, arguments)
                 self.assertIn(message, result.stderr, arguments)
             self.assertEqual(vistel("decode", str(path)).stdout.count("Vessel Heading"), 2)
-            garbage = Path(folder, "garbage")
-            garbage.write_bytes(bytes(range(256)) * 1000)
-            self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
-        self.assertEqual(vistel("decode").returncode, 0)
 
     def test_what_is_alike_is_counted(self):
         lines = "".join(f"`line {n}`\n" for n in range(12)) + "".join(f",2,127250,7,255,{n},01\n" for n in (3, 4))
