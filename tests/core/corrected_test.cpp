@@ -79,6 +79,8 @@ TEST(Corrected, Messages) {
           "parameter error code #3: Temporarily unable to comply", "Data: 02 AB"}},
         {message(129029, with_count(0)),
          {"GNSS Position Data", "Number of Reference Stations: 0 ", "Data: 05 FF FF FF"}},
+        {message(129029, with_count(0xFF)),
+         {"GNSS Position Data", "Number of Reference Stations: - ", "Data: 05 FF FF FF"}},
         {message(129029, with_count(1)),
          {"GNSS Position Data", "Number of Reference Stations: 1 ", "Reference Station Type\"1\" #1: Chayka",
           "Reference Station ID\"1\" #1: 4080 "}},

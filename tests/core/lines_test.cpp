@@ -13,6 +13,9 @@ TEST(Lines, HeadOfAMessage) {
     msg.pgn = 5;
     EXPECT_EQ(stream_line(msg), L"42949672.95          5, Unknown");
     EXPECT_EQ(stream_line(msg, 4), L"429");
+    TextRenderer text({}, plain);
+    text.start(msg, nullptr, MessageTime{.since_start = -2'259'000'000});
+    EXPECT_TRUE(rendered(text).starts_with("-2.25               5, Unknown\n"));
     EXPECT_EQ(lines_of(message(5, {})),
               (Strings{L"Source Address: 0x23 (35)", L"Destination: Global, pri=3", L"Data:"}));
     EXPECT_EQ(lines_of(message(5, {9}, 254)),
@@ -28,8 +31,8 @@ TEST(Lines, Fields) {
     // "..." stands for any at the start or the end
     const std::tuple<std::uint32_t, Bytes, Strings> cases[] = {
         // clang-format off
-        // 90 degrees are 15708 counts of 0.0001 rad
-        {127250, {5, 0x5C, 0x3D, 0xFF, 0x7F, 0xFF, 0x7F, 0xFD},
+        // 90 degrees are 15708 counts of 0.0001 rad; the top three codes of a width are no values
+        {127250, {5, 0x5C, 0x3D, 0xFD, 0x7F, 0xFF, 0x7F, 0xFD},
          {L"Sequence ID: 5 ", L"Heading Sensor Reading: 90.000 \x00B0M", L"Deviation: - \x00B0",
           L"Variation: - \x00B0", L"Heading Sensor Reference: Magnetic", L"NMEA Reserved: 63 "}},
         // cut off inside a number; nothing at all; more bytes than fields

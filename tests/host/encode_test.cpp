@@ -403,12 +403,14 @@ TEST(Encode, TypedFieldsOfCorrectedDefinitions) {
         // rounds that are counted, with and without their numbers; a count that is given
         {127503, "Line #2=Line 2", "FF02FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF7FFDFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF7F"},
         {130574, "Zone Number=1|Zone Name=a|Zone Number=2", "FF02FF01030161020201"},
+        {130574, "Zone Number #2=2|Zone Number #1=1", "FF02FF010201020201"},
         {127503, "", "FF00"}, {127503, "Number of Lines=9", "FF09"},
         {130574, "Number of Zone Numbers in this PGN=1|Zone Number #2=7", "'Zone Number #2' has a round more than the count says"},
         {127503, "Number of Lines=252|Line #252=1", "does not fit into the 1785 bytes of a message"},
-        // sizes in bits and in bytes, of a key's value
+        // sizes in bits and in bytes, of a key's value, of more than the value
         {129814, "Binary Data=01 02 03", "FFFFFFFFFFFFFFFFFFFFFFFF1800010203"},
         {130824, "Manufacturer Code=B & G|Key #1=Rudder Angle|Rudder Angle=5 \u00B0", "7D990B206903"},
+        {130823, "Manufacturer Code=Navico|Report Type=5|Value=01 02 03", "1399FFFF05FFFF06FFFFFF010203"},
         // pairs whose values are of another message
         {126208, "Command Group Function Code=1|Commanded PGN=127250|Field number of first commanded parameter=2|"
                  "Heading Sensor Reading=1 rad", "0112F101FF01021027"},

@@ -97,11 +97,6 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(first["fields"][1], {"number": 2, "key": "heading_sensor_reading", "label": "Heading Sensor Reading",
                                               "value": 1, "unit": "rad", "text": None, "raw": "1027"})
         self.assertEqual(second["time"], 1.25)
-        # A clock that is put back, and a count of satellites that is not available.
-        satellites = "2026-09-10T08:00:{},6,129540,9,255,15,01,ff,{},02,01,00,00,00,00,10,00,00,00,00,f2\n"
-        text = vistel("decode", stdin=satellites.format("05.25Z", "ff") + satellites.format("03Z", "01")).stdout
-        self.assertEqual(text.count(" #1: "), 7)
-        self.assertIn(" #1: ", text[text.index("\n-2.25 "):])
 
     def test_forms_agree(self):
         """Any payloads: JSON and CSV have the same, and what the text shows."""
@@ -211,21 +206,17 @@ class ProgramTest(unittest.TestCase):
                 self.assertEqual(result.returncode, status, (command, chosen, result.stderr))
         if EMULATOR:
             return  # pipes that do not block are not known there
-        # A reader that has gone is no error; whoever does not block loses nothing.
+        # Whoever does not block loses nothing.
         text = vistel("decode", stdin=HEADING * 5000).stdout
-        for gone in (False, True):
-            reader, writer = os.pipe()
-            os.set_blocking(writer, False)
-            with subprocess.Popen([VISTEL, "decode"], stdin=subprocess.PIPE, stdout=writer) as process:
-                os.close(writer)
-                if gone:
-                    os.close(reader)
-                threading.Thread(target=process.communicate, args=((HEADING * 5000).encode(),)).start()
-                if not gone:
-                    with open(reader, encoding="utf-8") as pipe:
-                        time.sleep(0.1)
-                        self.assertEqual(pipe.read(), text)
-                self.assertEqual(process.wait(timeout=30), 0)
+        reader, writer = os.pipe()
+        os.set_blocking(writer, False)
+        with subprocess.Popen([VISTEL, "decode"], stdin=subprocess.PIPE, stdout=writer) as process:
+            os.close(writer)
+            threading.Thread(target=process.communicate, args=((HEADING * 5000).encode(),)).start()
+            with open(reader, encoding="utf-8") as pipe:
+                time.sleep(0.1)
+                self.assertEqual(pipe.read(), text)
+            self.assertEqual(process.wait(timeout=30), 0)
 
     @unittest.skipIf(EMULATOR, "the folder of configurations cannot be chosen there")
     def test_configuration(self):
@@ -283,10 +274,6 @@ class ProgramTest(unittest.TestCase):
                 self.assertEqual(result.returncode, status, arguments)
                 self.assertIn(message, result.stderr, arguments)
             self.assertEqual(vistel("decode", str(path)).stdout.count("Vessel Heading"), 2)
-            garbage = Path(folder, "garbage")
-            garbage.write_bytes(bytes(range(256)) * 1000)
-            self.assertEqual(vistel("decode", str(garbage)).returncode, 2)
-        self.assertEqual(vistel("decode").returncode, 0)
 
     def test_what_is_alike_is_counted(self):
         lines = "".join(f"`line {n}`\n" for n in range(12)) + "".join(f",2,127250,7,255,{n},01\n" for n in (3, 4))
@@ -512,7 +499,7 @@ class ProgramTest(unittest.TestCase):
             (["--merge", "b", "empty", "a"], "1 0, 3 1 b:can1, 4 1.5 b:can0, 2 2 a:can1", 0, "/empty: is empty\n$"),
             (["--merge", "later", "day"], "5 0, 6 0.5 later:vcan0", 0, ""), (["--merge", "head"], "", 1, "incomplete: 1"),
             (["--merge", "jump", "later"], "5 0, 7 0, 5 0.2, 6 0.5 later:vcan0", 0, ""), (["--merge", "asc", "asc"], "7 0, 7 0 asc:1", 0, ""),
-            (["--merge", "bad", "early"], "8 0, 7 5 bad:can0", 1, "/bad:1: "),
+            (["--merge", "bad", "early"], "8 0, 7 5 bad:can0", 1, "/bad:1: "), (["--merge", "early", "nameless"], "8 0, 10 3 nameless:1", 0, ""),
             (["a", "busless"], "1 0, 2 2 can1, 7 4 0, 7 4 0, 7 4 0", 0, ""),
             (["--merge", "a", "none", "early"], "8 0, 1 1 a:can0, 2 3 a:can1", 2, "none: No such file"),
             (["--merge", "a", "day"], "", 2, "day: cannot be merged by time: it has times of day, .*a dates and times\n"),
@@ -525,6 +512,10 @@ class ProgramTest(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             for name, text in contents.items():
                 Path(folder, name).write_text(text, encoding="utf-8")
+            # A capture with two interfaces that have no names, and a frame of the second.
+            Path(folder, "nameless").write_bytes(bytes.fromhex(
+                "0A0D0D0A1C0000004D3C2B1A01000000FFFFFFFFFFFFFFFF1C000000" + "0100000014000000E30000000000000014000000" * 2 +
+                "0600000030000000010000003D540500C08657F7100000001000000089F1120A0800000005102700FF7FFF7F30000000"))
             for given, expected, status, told in cases:
                 arguments = [each if each.startswith("-") else os.path.join(folder, each) for each in given]
                 result = vistel("decode", "--json", *arguments)

@@ -9,8 +9,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <filesystem>
 #include <map>
@@ -319,6 +321,7 @@ struct Listening {
 };
 
 constexpr std::string_view raw_line = "19:07:21.014 R 09F8017F 50 C3 9E 2C 4A 21 B5 01\r\n";
+const std::string pcdin = "$PCDIN,01F112,00000000,23,0039300000FF7FFD*5E";
 
 TEST(Links, AreMadeAgainAndSaySoOnce) {
     Bound server(SOCK_STREAM);
@@ -397,17 +400,22 @@ TEST(Links, ThatCannotBeMadeAreAFailure) {
         EXPECT_NE(Listening(name).failure, "") << name;
 }
 
-TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
-    const std::uint16_t datagrams = free_port(SOCK_DGRAM);
-    Listening udp("udp://127.0.0.1:" + std::to_string(datagrams));
-    ASSERT_EQ(udp.failure, "");
-    const Bound sender(SOCK_DGRAM);
-    for (int i = 0; i < 2; ++i) sender.send(std::string(raw_line) + std::string(raw_line), datagrams);
-    ASSERT_TRUE(udp.until([&] { return udp.messages == 4; }));
-    ASSERT_TRUE(udp.ask()) << "whoever they come from";
-    ASSERT_TRUE(udp.until([&] { return sender.is_asked(); }));
-    EXPECT_EQ(sender.socket.get(), "18EAFFFE 00 EE 00\r\n");
+TEST(Links, OfDatagrams) {
+    for (const std::string host : {"127.0.0.1", "239.192.17.3"}) {  // of a sender, or to a group
+        const std::uint16_t datagrams = free_port(SOCK_DGRAM);
+        Listening udp("udp://" + host + ":" + std::to_string(datagrams));
+        if (host != "127.0.0.1" && udp.failure == std::strerror(ENODEV)) GTEST_SKIP() << "no route to groups";
+        ASSERT_EQ(udp.failure, "");
+        const Bound sender(SOCK_DGRAM);
+        for (int i = 0; i < 2; ++i) sender.send(std::string(raw_line) + std::string(raw_line), datagrams);
+        ASSERT_TRUE(udp.until([&] { return udp.messages == 4; }));
+        ASSERT_TRUE(udp.ask()) << "whoever they come from";
+        ASSERT_TRUE(udp.until([&] { return sender.is_asked(); }));
+        EXPECT_EQ(sender.socket.get(), "18EAFFFE 00 EE 00\r\n");
+    }
+}
 
+TEST(Links, OfGatewaysThatConnect) {
     const std::uint16_t port = free_port(SOCK_STREAM);
     Listening server("tcp-listen://:" + std::to_string(port), "candump");
     ASSERT_EQ(server.failure, "");
@@ -425,7 +433,6 @@ TEST(Links, OfDatagramsAndOfGatewaysThatConnect) {
 
 TEST(Links, OfDatagramsThatAreLinesOrPieces) {
     const std::string line(raw_line.substr(0, raw_line.size() - 2));
-    const std::string pcdin = "$PCDIN,01F112,00000000,23,0039300000FF7FFD*5E";
     const struct {
         const char* what;
         std::vector<std::string> datagrams;
@@ -549,15 +556,13 @@ TEST(Links, TellOnceOfBytesThatAreNoFormat) {
 }
 
 TEST(Links, AreReadSideBySide) {
-    const Bound first(SOCK_STREAM), second(SOCK_STREAM), sender(SOCK_DGRAM);
-    const std::uint16_t datagrams = free_port(SOCK_DGRAM);
+    const Bound first(SOCK_STREAM), second(SOCK_STREAM);
     const std::string names[] = {"tcp://127.0.0.1:" + std::to_string(first.port),
-                                 "tcp://127.0.0.1:" + std::to_string(second.port),
-                                 "udp://:" + std::to_string(datagrams)};
+                                 "tcp://127.0.0.1:" + std::to_string(second.port)};
     const test::TemporaryRecording file((std::string(raw_line)));
     std::string told;
     InputOptions options;
-    options.names = {names[0], names[1], names[2], "tcp://127.0.0.1:1", file.name()};
+    options.names = {names[0], names[1], "none.log", file.name()};
     Inputs inputs(options,
                   {.before_wait = {}, .tell = [&](const std::string& line) { told += line + "\n"; }});
     std::map<std::string, unsigned> came;
@@ -580,24 +585,26 @@ TEST(Links, AreReadSideBySide) {
         }
         return wanted();
     };
-    EXPECT_TRUE(take([&] { return order == "|0|"; })) << "the file is read first, then all begin: " << order;
-    EXPECT_NE(failures.find("tcp://127.0.0.1:1: "), std::string::npos) << failures;
+    ASSERT_TRUE(take([&] { return order == "|0|" && second.is_asked(); })) << "first the file: " << order;
+    EXPECT_NE(failures.find("none.log: "), std::string::npos) << failures;
     EXPECT_TRUE(inputs.has_several_buses());
     std::optional<Descriptor> busy(first.accept());
     const Descriptor quiet(second.accept());
     std::string much;
     for (int i = 0; i < 2000; ++i) much += raw_line;
     busy->put(much);
-    quiet.put(raw_line);
-    sender.send(raw_line, datagrams);
-    EXPECT_TRUE(take([&] { return came[names[1]] == 1 && came[names[2]] == 1; }));
+    quiet.put(pcdin + "\r\n");
+    EXPECT_TRUE(take([&] { return came[names[1]] == 1; }));
     EXPECT_LT(came[names[0]], 2000u) << "who has much leaves the others their turn";
     EXPECT_TRUE(take([&] { return came[names[0]] == 2000; }));
     busy.reset();
     EXPECT_TRUE(take([&] { return told.find(names[0] + ": connection lost") != std::string::npos; }));
-    quiet.put(raw_line);
+    quiet.put(pcdin + "\r\n");
     EXPECT_TRUE(take([&] { return came[names[1]] == 2; })) << "a lost one holds up nobody";
-    EXPECT_EQ(inputs.links().size(), 3u);
+    EXPECT_FALSE(inputs.send(record) || inputs.send(record));
+    const std::string refusal = names[1] + ": nothing can be sent to a source that speaks pcdin\n";
+    EXPECT_EQ(told.find(refusal), told.size() - refusal.size()) << told;
+    EXPECT_EQ(inputs.links().size(), 2u);
     EXPECT_EQ(inputs.links()[0].counters->losses, 1u);
     EXPECT_EQ(came["0"], 1u);
 }
@@ -716,6 +723,7 @@ TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
     for (const auto& c : cases) {
         RecordedFile file(place.name(), c.rotation, "head");
         EXPECT_TRUE(file.open());
+        const auto begin = std::chrono::steady_clock::now();
         std::set<std::string> names;
         for (int i = 0; i < c.pieces + c.records; ++i) {
             if (i == 1) std::this_thread::sleep_for(c.behind_first);
@@ -723,7 +731,9 @@ TEST(RecordedFiles, AreCutBehindARecordOrAnywhereAfterLong) {
             names.insert(file.current());
         }
         for (const std::string& name : names) std::filesystem::remove(name);
-        EXPECT_EQ(names.size(), c.files);
+        const auto late = std::chrono::steady_clock::now() - begin - c.behind_first;
+        const bool is_held_up = c.rotation.time > 0s && late >= c.rotation.time;
+        EXPECT_TRUE(names.size() == c.files || is_held_up) << names.size();
     }
 }
 

@@ -12,6 +12,8 @@
 #include <algorithm>
 
 #include "host/temporary_recording.h"
+#include "monitor/colours.h"
+#include "monitor/plot.h"
 #include "views/windows.h"
 
 namespace vistel {
@@ -81,7 +83,7 @@ const char* const boat =
     "00:00:02,6,127508,9,255,8,00,b0,04,ff,ff,ff,ff,00\n";
 
 TEST(Window, SaysWhatIsNotShown) {
-    const TemporaryRecording too_many(batteries(4200)), few(batteries(2)), none("no recording at all\n"),
+    const TemporaryRecording too_many(batteries(4200)), few(batteries(2)),
         torn(std::string(boat) + "no line of it\n");
     Shown shown;
     EXPECT_FALSE(shown.open("/none.log"));
@@ -94,8 +96,6 @@ TEST(Window, SaysWhatIsNotShown) {
     EXPECT_TRUE(shown.status().starts_with("END · 2 devices · 2 streams")) << shown.status();
     EXPECT_EQ(shown.status().find("room"), std::string::npos) << "of this recording alone";
     EXPECT_EQ(shown.blocks().size(), 2u);
-    EXPECT_FALSE(shown.open(none.name()));
-    EXPECT_NE(shown.error.find("the format is none of"), std::string::npos) << shown.error;
     shown.play_to_end(torn);
     const auto* const problems = find_in<wxInfoBar>(*shown.window);
     EXPECT_TRUE(eventually([&] { return problems->IsShown(); }));
@@ -191,6 +191,20 @@ TEST(Window, PausesAndShowsOneMessage) {
     tree.SetFocus();
     press(WXK_RETURN);
     EXPECT_TRUE(eventually([&] { return shows(*shown.window, "127250 Vessel Heading"); }));
+}
+
+TEST(Window, PlotsTheNumbersOfOneTime) {
+    auto& frame = *new wxFrame(nullptr, wxID_ANY, "plot");
+    auto& plot = *new Plot(&frame);
+    bring_up(frame);
+    for (const double number : {1, 3, 2}) plot.add(0, number);
+    const wxColour line = fresh_colour();
+    EXPECT_TRUE(eventually([&] {
+        wxImageHistogram shown;
+        picture_of(frame, plot.GetScreenRect()).ComputeHistogram(shown);
+        return shown.count(wxImageHistogram::MakeKey(line.Red(), line.Green(), line.Blue())) > 0;
+    }));
+    frame.Destroy();
 }
 
 TEST(Window, GivesTheLinesRoomWhereItIsNarrow) {
