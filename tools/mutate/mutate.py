@@ -1,11 +1,11 @@
 """Faults put into a copy of the project one at a time, to see which of them the tests catch.
 
-    mutate.py --faults FILE --rooms FILE --folder FOLDER [ROOM...]
+    mutate.py --faults FILE --rooms FILE [--folder FOLDER] [ROOM...]
 
 A row of faults names room, file, a text that occurs once in that file, and what replaces it. A row of rooms names what is
 built and which tests run. A test that fails or takes too long has caught the fault. Faults that survive are printed, then
 the figures by room. The status is 1 where one survived, 2 where the list does not fit the project: a text that does not
-occur once, a fault that does not compile, a room that fails without a fault.
+occur once, a fault that does not compile, a room that fails without a fault. Without a folder the list alone is checked.
 """
 
 import argparse
@@ -100,6 +100,8 @@ def check(arguments):
     unknown = {*arguments.room, *(fault["room"] for fault in faults)} - set(rooms)
     if unknown:
         raise BadList(f"{arguments.rooms}: has no room {', '.join(sorted(unknown))}")
+    if not arguments.folder:
+        return 0
     arguments.folder.mkdir(parents=True, exist_ok=True)
     copy = Copy(arguments.folder)
     for name in sorted({fault["room"] for fault in faults}):
@@ -122,7 +124,7 @@ def check(arguments):
 def main():
     parser = argparse.ArgumentParser(description="Puts faults in, one at a time, and says which the tests do not catch.")
     for name in ("--faults", "--rooms", "--folder"):
-        parser.add_argument(name, type=Path, required=True)
+        parser.add_argument(name, type=Path, required=name != "--folder")
     parser.add_argument("room", nargs="*", help="only the faults of these rooms")
     try:
         sys.exit(check(parser.parse_args()))
