@@ -53,7 +53,8 @@ class PlayedStream final : public ByteInput {
 /// Some more bytes behind those that are there, which are less than a header.
 ByteInput::Fill PlayedStream::take(int patience) {
     if (ended_) return Fill::end;
-    const std::size_t kept = bytes_.copy(buffer_.data(), bytes_.size());
+    const std::size_t kept = bytes_.size();
+    std::char_traits<char>::move(buffer_.data(), bytes_.data(), kept);  // they may overlap
     std::size_t size = 0;
     const Fill came = input_->read(std::span(buffer_).subspan(kept), patience, size);
     if (came != Fill::data) size = 0;

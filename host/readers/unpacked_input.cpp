@@ -122,7 +122,7 @@ UnpackedInput::Next UnpackedInput::look() {
 
 /// Adds bytes to those that are left.
 ByteInput::Fill UnpackedInput::take(int patience) {
-    std::ranges::copy(packed_, buffer_.begin());
+    std::char_traits<char>::move(buffer_.data(), packed_.data(), packed_.size());
     const std::span room = std::span(buffer_).subspan(packed_.size());
     std::size_t size = 0;
     const Fill came = input_->read(room, patience, size);
