@@ -20,6 +20,13 @@ namespace test = pgn_vistel::test;
 
 constexpr unsigned long plain_numbers = 2, most_streams = 12;
 
+/// A line as the tree shows it: separators of lines and paragraphs are not its control's.
+std::string shown(std::wstring line) {
+    const auto breaks = [](wchar_t c) { return c == 0x2028 || c == 0x2029; };
+    std::ranges::replace_if(line, breaks, wchar_t{0xFFFD});
+    return test::as_utf8(line);
+}
+
 /// The tree shows the message in the stream that it belongs to.
 void check_tree(const CTreeCtrl& control, const N2KMsg& msg, Definitions set,
                 const std::vector<std::wstring>& wanted) {
@@ -30,7 +37,7 @@ void check_tree(const CTreeCtrl& control, const N2KMsg& msg, Definitions set,
         std::size_t at = 0;
         const auto* line = control.GetChildItem(top);
         for (; line != nullptr && at < wanted.size(); line = control.GetNextSiblingItem(line), ++at)
-            if (test::as_utf8(control.GetItemText(line)) != test::as_utf8(wanted[at])) break;
+            if (test::as_utf8(control.GetItemText(line)) != shown(wanted[at])) break;
         if (line == nullptr && at == wanted.size()) return;
     }
     require(false, "the tree has the lines of the message");
