@@ -5,6 +5,7 @@
 
 #include "encode/number_entry.h"
 #include "output/unit_names.h"
+#include "text/characters.h"
 #include "text/quotes.h"
 #include "text/words.h"
 
@@ -62,10 +63,34 @@ Failure not_of_day(std::string_view text) {
     return failure(in_quotes(text), " is not a time of day, as in 13:05:30 or 1:05:30 PM");
 }
 
+constexpr std::uint64_t days = 0xFFFD;  // codes above are reserved
+
 /// One date in the unit's layout, without its name.
 std::string date_in(FieldCell& cell, std::uint64_t raw, UnitId unit) {
     cell.put(raw);
     return cell.read(unit).value.type == ValueType::text ? cell.shown(false, unit) : "";
+}
+
+/// Whether a day is shown so in the unit's layout. Only those of the year that the text has are tried; a
+/// layout without one means the first years.
+bool enter_day(FieldCell& cell, std::string_view text, UnitId unit) {
+    constexpr std::size_t year_size = 4;
+    constexpr std::uint64_t days_of_years = 4 * 365 + 1;  // with a leap year
+    if (text.size() <= year_size) return false;
+    std::string_view year = text.substr(unit == unit::date_ymd ? 0 : text.size() - year_size, year_size);
+    if (unit == unit::date_md) year = "1970";
+    if (!std::ranges::all_of(year, is_digit)) return false;
+    std::uint64_t first = 0;
+    for (std::uint64_t end = days; first < end;) {
+        const std::uint64_t middle = (first + end) / 2;
+        if (date_in(cell, middle, unit::date_ymd) < year)
+            first = middle + 1;
+        else
+            end = middle;
+    }
+    for (std::uint64_t raw = first; raw < std::min(first + days_of_years, days); ++raw)
+        if (date_in(cell, raw, unit) == text) return true;
+    return false;
 }
 
 }  // namespace
@@ -116,17 +141,15 @@ Outcome enter_date(FieldCell& cell, std::string_view text) {
     for (const UnitId u :
          {unit::date_mdy, unit::date_mon_d_y, unit::date_dmy, unit::date_d_mon_y, unit::date_ymd})
         if (u != reading.unit) layouts.push_back(u);
-    constexpr std::uint64_t days = 0x10000;
     for (const UnitId u : layouts) {
         std::string_view typed = text;
         const std::string name = unit_text(u);
         if (!name.empty() && typed.ends_with(name))
             typed = trimmed(typed.substr(0, typed.size() - name.size()));
-        for (std::uint64_t raw = 0; raw < days; ++raw)
-            if (!typed.empty() && date_in(cell, raw, u) == typed) return done;
+        if (enter_day(cell, typed, u)) return done;
     }
     return failure(in_quotes(text), " is not a date from ", date_in(cell, 0, reading.unit), " to ",
-                   date_in(cell, days - 4, reading.unit), ", as in ",
+                   date_in(cell, days - 1, reading.unit), ", as in ",
                    date_in(cell, example_day, reading.unit), " ", unit_text(reading.unit), " or ",
                    date_in(cell, example_day, unit::date_ymd));
 }

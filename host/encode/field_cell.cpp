@@ -102,6 +102,7 @@ bool FieldCell::holds_sized_text() const {
 }
 
 int FieldCell::bits() const {
+    if (is_corrected() && coding_.bits > 0) return std::min(coding_.bits, widest);
     const PayloadPosition behind = next();
     const int count = (behind.byte - start().byte) * 8 + behind.bit - start().bit;
     // Binary data without a size takes no place although the eight bytes that follow are shown.
@@ -121,10 +122,12 @@ void FieldCell::put(std::uint64_t raw) {
 }
 
 void put_bits(N2KMsg& msg, int first, int count, std::uint64_t raw) {
-    for (int i = 0; i < count && (first + i) / 8 < N2K_MAX_PAYLOAD; ++i) {
+    for (int i = 0, some = 0; i < count && (first + i) / 8 < N2K_MAX_PAYLOAD; i += some) {
+        const int at = (first + i) % 8;
+        some = std::min(8 - at, count - i);  // of this byte
+        const auto mask = ((1u << some) - 1) << at;
         std::uint8_t& byte = msg.data[(first + i) / 8];
-        const auto bit = static_cast<std::uint8_t>(1u << (first + i) % 8);
-        byte = static_cast<std::uint8_t>((raw >> i & 1) != 0 ? byte | bit : byte & ~bit);
+        byte = static_cast<std::uint8_t>((byte & ~mask) | (static_cast<unsigned>(raw >> i << at) & mask));
     }
 }
 

@@ -157,7 +157,9 @@ Result<UnitId> unit_for(FieldCell& cell, std::string_view text) {
 }  // namespace
 
 bool shows(const FieldCell& cell, std::string_view text) {
-    return trimmed(cell.shown(true)) == text || trimmed(cell.shown()) == text;
+    const std::string with_unit = cell.shown(true);
+    const std::string_view whole = trimmed(with_unit);
+    return whole.starts_with(text) && (whole == text || trimmed(cell.shown()) == text);
 }
 
 std::optional<double> take_number(std::string_view& text) {

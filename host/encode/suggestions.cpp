@@ -55,13 +55,16 @@ std::string suggestion(std::string_view typed, const std::vector<std::string>& c
         const std::string* text;
     };
     const std::string wanted = simplified(typed.substr(0, longest));
+    const std::size_t most = std::max<std::size_t>(2, wanted.size() / 3);
     std::vector<Candidate> near;
     for (const std::string& choice : choices) {
         const std::string text = simplified(std::string_view(choice).substr(0, longest));
-        const std::size_t distance = edit_distance(wanted, text);
+        // No less than this; which is all that counts of far ones.
+        std::size_t distance = std::max(wanted.size(), text.size()) - std::min(wanted.size(), text.size());
+        if (distance <= most) distance = edit_distance(wanted, text);
         const bool part = (wanted.size() >= 3 && text.find(wanted) != text.npos) ||
                           is_longer_form(wanted, text) || is_longer_form(text, wanted);
-        const bool alike = distance <= std::max<std::size_t>(2, wanted.size() / 3) && distance < text.size();
+        const bool alike = distance <= most && distance < text.size();
         if (part || alike) near.push_back({part ? std::min<std::size_t>(distance, 2) : distance, &choice});
     }
     if (choices.size() <= few && !choices.empty()) {

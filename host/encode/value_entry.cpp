@@ -6,6 +6,7 @@
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "output/unit_names.h"
+#include "text/characters.h"
 #include "text/quotes.h"
 #include "text/words.h"
 
@@ -22,13 +23,21 @@ bool means_not_available(const FieldCell& cell, std::string_view text) {
     return text.empty() || text == unit_text(cell.read().unit);
 }
 
+/// Whether decoding may show a number so: it begins as one or, of codes, may be a word that has no entry.
+bool may_be_number(const FieldCell& cell, std::string_view text) {
+    if (!text.empty() && (is_digit(text[0]) || text[0] == '-')) return true;
+    const DDstrings* const set = cell.texts();
+    return set != nullptr && set->kind != ENUM_NUMBER && set->kind != ENUM_NUMBER_TOO;
+}
+
 /// Displays with rules of their own: the number that is shown so is found by trying all of them.
 bool enter_as_shown(FieldCell& cell, std::string_view text) {
     constexpr int most_bits = 16;
     const int bits = cell.bits();
     cell.clear();
     if (shows(cell, text)) return true;
-    for (std::uint64_t raw = 0; bits <= most_bits && raw >> bits == 0; ++raw) {
+    if (bits > most_bits || !may_be_number(cell, text)) return false;
+    for (std::uint64_t raw = 0; raw >> bits == 0; ++raw) {
         cell.put(raw);
         if (shows(cell, text)) return true;
     }
