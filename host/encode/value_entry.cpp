@@ -6,7 +6,6 @@
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "output/unit_names.h"
-#include "text/characters.h"
 #include "text/quotes.h"
 #include "text/words.h"
 
@@ -23,11 +22,17 @@ bool means_not_available(const FieldCell& cell, std::string_view text) {
     return text.empty() || text == unit_text(cell.read().unit);
 }
 
-/// Whether decoding may show a number so: it begins as one or, of codes, may be a word that has no entry.
-bool may_be_number(const FieldCell& cell, std::string_view text) {
-    if (!text.empty() && (is_digit(text[0]) || text[0] == '-')) return true;
+/// Whether decoding shows numbers in a form of its own: codes by a word that has no entry, a few quantities.
+bool has_own_form(const FieldCell& cell) {
     const DDstrings* const set = cell.texts();
-    return set != nullptr && set->kind != ENUM_NUMBER && set->kind != ENUM_NUMBER_TOO;
+    if (set != nullptr && set->kind != ENUM_NUMBER && set->kind != ENUM_NUMBER_TOO) return true;
+    switch (cell.read().quantity) {
+        case quantity::message_id:
+        case quantity::time_of_day:
+        case quantity::duration:
+        case quantity::date: return true;
+        default: return false;
+    }
 }
 
 /// Displays with rules of their own: the number that is shown so is found by trying all of them.
@@ -36,7 +41,7 @@ bool enter_as_shown(FieldCell& cell, std::string_view text) {
     const int bits = cell.bits();
     cell.clear();
     if (shows(cell, text)) return true;
-    if (bits > most_bits || !may_be_number(cell, text)) return false;
+    if (bits > most_bits || !has_own_form(cell)) return false;
     for (std::uint64_t raw = 0; raw >> bits == 0; ++raw) {
         cell.put(raw);
         if (shows(cell, text)) return true;
