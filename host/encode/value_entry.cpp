@@ -6,6 +6,7 @@
 #include "encode/suggestions.h"
 #include "encode/text_entry.h"
 #include "output/unit_names.h"
+#include "text/characters.h"
 #include "text/quotes.h"
 #include "text/words.h"
 
@@ -22,10 +23,12 @@ bool means_not_available(const FieldCell& cell, std::string_view text) {
     return text.empty() || text == unit_text(cell.read().unit);
 }
 
-/// Whether decoding shows numbers in a form of its own: codes by a word that has no entry, a few quantities.
-bool has_own_form(const FieldCell& cell) {
+/// Whether decoding may show the text in a form of its own: codes by a word that has no entry, a few
+/// quantities by what begins as a number.
+bool has_own_form(const FieldCell& cell, std::string_view text) {
     const DDstrings* const set = cell.texts();
     if (set != nullptr && set->kind != ENUM_NUMBER && set->kind != ENUM_NUMBER_TOO) return true;
+    if (text.empty() || (!is_digit(text[0]) && text[0] != '-')) return false;
     switch (cell.read().quantity) {
         case quantity::message_id:
         case quantity::time_of_day:
@@ -41,7 +44,7 @@ bool enter_as_shown(FieldCell& cell, std::string_view text) {
     const int bits = cell.bits();
     cell.clear();
     if (shows(cell, text)) return true;
-    if (bits > most_bits || !has_own_form(cell)) return false;
+    if (bits > most_bits || !has_own_form(cell, text)) return false;
     for (std::uint64_t raw = 0; raw >> bits == 0; ++raw) {
         cell.put(raw);
         if (shows(cell, text)) return true;
