@@ -27,13 +27,20 @@ bool means_not_available(const FieldCell& cell, std::string_view text) {
 /// quantities by what begins as a number.
 bool has_own_form(const FieldCell& cell, std::string_view text) {
     const DDstrings* const set = cell.texts();
-    if (set != nullptr && set->kind != ENUM_NUMBER && set->kind != ENUM_NUMBER_TOO) return true;
+    switch (set != nullptr ? set->kind : ENUM_NUMBER) {
+        case ENUM_NUMBER:
+        case ENUM_NUMBER_TOO: break;
+        case ENUM_RESERVED:
+        case ENUM_RESERVED_TOO: return text.starts_with("Reserved");
+        case ENUM_UNKNOWN:
+        case ENUM_UNKNOWN_TOO: return text.starts_with("Unknown");
+        default: return true;
+    }
     if (text.empty() || (!is_digit(text[0]) && text[0] != '-')) return false;
     switch (cell.read().quantity) {
         case quantity::message_id:
         case quantity::time_of_day:
-        case quantity::duration:
-        case quantity::date: return true;
+        case quantity::duration: return true;
         default: return false;
     }
 }
