@@ -27,15 +27,19 @@ inline void require(bool condition, const char* what) {
 /// terminator.
 template <class Print>
 std::wstring printed(Print print, int size = 1024) {
+    constexpr std::size_t most = 8192;
     static const std::wstring margin(8, wchar_t{0xE000});
-    thread_local std::wstring area;  // used again: to take a fresh one takes longer than to print
-    area.assign(2 * margin.size() + static_cast<std::size_t>(size), margin[0]);
-    const int count = print(area.data() + margin.size(), size);
+    std::array<wchar_t, 8 + most + 8> memory;  // to take it from the heap takes longer than to print
+    const auto room = static_cast<std::size_t>(size);
+    require(room <= most, "a buffer of that size");
+    std::fill_n(memory.begin(), room + 2 * margin.size(), margin[0]);
+    const std::wstring_view area(memory.data(), room + 2 * margin.size());
+    const int count = print(memory.data() + margin.size(), size);
     require(area.starts_with(margin) && area.ends_with(margin), "written outside the buffer");
     if (count < 0 || size == 0) return {};
     const auto written = static_cast<std::size_t>(count);
     require(count < size && area[margin.size() + written] == 0, "not terminated at its end");
-    return area.substr(margin.size(), written);
+    return std::wstring(area.substr(margin.size(), written));
 }
 
 inline std::wstring stream_line(const N2KMsg& msg, int size = 1024, Definitions set = Definitions::fixed) {
