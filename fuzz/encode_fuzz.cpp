@@ -26,11 +26,11 @@ BuiltMessage build(Definitions set, std::uint32_t number, const PgnDef& pgn, boo
 }
 
 /// Whether a message shows what was typed; behind it there may be fields that the typed one was too short
-/// for. Of a field that is cut off a dash is shown; typed, it is the code for not available, which may have a
-/// text.
+/// for. Of one that is cut off, the last, a dash is shown; typed, it is the code for not available, which may
+/// have a text.
 bool begins_with(const std::vector<TypedField>& shown, const std::vector<TypedField>& typed) {
-    const auto same = [](const TypedField& a, const TypedField& b) {
-        return a.label == b.label && (a.value == b.value || a.value == "- ");
+    const auto same = [&typed](const TypedField& a, const TypedField& b) {
+        return a.label == b.label && (a.value == b.value || (&a == &typed.back() && a.value == "- "));
     };
     return shown.size() >= typed.size() && std::equal(typed.begin(), typed.end(), shown.begin(), same);
 }
