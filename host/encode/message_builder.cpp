@@ -64,7 +64,7 @@ class Building {
     bool is_corrected() const { return context_.definitions == Definitions::corrected; }
     std::vector<const FieldDef*> rows_of_group(const MessageWalk& walk) const;
     bool is_wanted(const MessageWalk& group) const;
-    int wanted_rounds(const MessageWalk& group, const FieldDef* behind) const;
+    int wanted_rounds(const MessageWalk& group) const;
     Entered* entered(const FieldDef* row);
     bool settle(const MessageWalk& walk, const FieldCoding& coding, const FieldLinks& links);
     std::uint64_t size_wanted(const MessageWalk& walk, const FieldCoding& coding) const;
@@ -151,18 +151,12 @@ bool Building::is_wanted(const MessageWalk& group) const {
 }
 
 /// Rounds of the group that begins here for which something is given: up to the highest number, or as many as
-/// one of its labels stands there without, less the fields behind the group that have it, too.
-int Building::wanted_rounds(const MessageWalk& group, const FieldDef* behind) const {
-    const std::vector<const FieldDef*> rows = rows_of_group(group);
-    const std::span<const FieldDef> all = fields_of(pgn_);
+/// one of its labels stands there without. A label stands for one field of the message.
+int Building::wanted_rounds(const MessageWalk& group) const {
     int rounds = 0;
-    for (const FieldDef* const row : rows) {
+    for (const FieldDef* const row : rows_of_group(group)) {
         const std::string label = label_of(*row, 1);
         const std::string_view name = numbered(label).text;
-        const auto has_name = [name](const FieldDef& other) {
-            const std::string its = label_of(other, 1);
-            return same_label(numbered(its).text, name);
-        };
         int without_number = 0;
         for (std::size_t k = 0; k < fields_.size(); ++k) {
             const NumberedLabel typed = numbered(trimmed(fields_[k].label));
@@ -170,11 +164,7 @@ int Building::wanted_rounds(const MessageWalk& group, const FieldDef* behind) co
             rounds = std::max(rounds, typed.round);
             without_number += typed.round == 0;
         }
-        const auto a_round =
-            static_cast<int>(std::ranges::count_if(rows, [&](const FieldDef* r) { return has_name(*r); }));
-        const std::span<const FieldDef> later(behind, all.data() + all.size());
-        const auto further = static_cast<int>(std::ranges::count_if(later, has_name));
-        rounds = std::max(rounds, (without_number - further + a_round - 1) / a_round);
+        rounds = std::max(rounds, without_number);
     }
     return rounds;
 }
@@ -250,7 +240,7 @@ bool Building::settle(const MessageWalk& walk, const FieldCoding& coding, const 
     const bool has_count = count != nullptr && !count->typed, has_size = size != nullptr && !size->typed;
     if (!has_count && !has_size) return false;
     settled_.push_back(place);
-    if (has_count) count->cell.put(static_cast<std::uint64_t>(wanted_rounds(walk, links.last + 1)));
+    if (has_count) count->cell.put(static_cast<std::uint64_t>(wanted_rounds(walk)));
     if (has_size) {
         const std::uint64_t bits = size_wanted(walk, coding) + 8u * links.size_extra;
         size->cell.put((bits + links.size_unit - 1) / links.size_unit);
