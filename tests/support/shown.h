@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <cwchar>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -32,7 +33,7 @@ std::wstring printed(Print print, int size = 1024) {
     std::array<wchar_t, 8 + most + 8> memory;  // to take it from the heap takes longer than to print
     const auto room = static_cast<std::size_t>(size);
     require(room <= most, "a buffer of that size");
-    std::fill_n(memory.begin(), room + 2 * margin.size(), margin[0]);
+    std::wmemset(memory.data(), margin[0], room + 2 * margin.size());
     const std::wstring_view area(memory.data(), room + 2 * margin.size());
     const int count = print(memory.data() + margin.size(), size);
     require(area.starts_with(margin) && area.ends_with(margin), "written outside the buffer");
