@@ -128,23 +128,24 @@ inline Forms forms_of(const N2KMsg& msg, bool plain_numbers, const UnitSelection
 }
 
 /// One object in one line, whose brackets close.
-inline bool is_json_line(std::string_view text) {
+inline bool is_json_line(std::string_view line) {
+    const char* const text = line.data();  // whose end the loop keeps away from
     int depth = 0;
     bool quoted = false;
-    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-        const char c = text[i];
+    for (std::size_t i = 0; i + 1 < line.size(); ++i) {
+        const char c = text[i], next = text[i + 1];
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) return false;
         if (c == '\\' && quoted)
             ++i;
-        else if (c == '"' && quoted && std::strchr(":,]}", text[i + 1]) == nullptr)
+        else if (c == '"' && quoted && next != ':' && next != ',' && next != ']' && next != '}')
             return false;
         else if (c == '"')
             quoted = !quoted;
         else if (!quoted)
             depth += (c == '{' || c == '[') - (c == '}' || c == ']');
-        if (depth == 0 && i + 2 < text.size()) return false;
+        if (depth == 0 && i + 2 < line.size()) return false;
     }
-    return depth == 0 && !quoted && text.ends_with("}\n");
+    return depth == 0 && !quoted && line.ends_with("}\n");
 }
 
 /// Rows of fifteen columns.
