@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         const auto choice = input.take<std::uint8_t>();
         fields.push_back({labels[choice % labels.size()], std::string(input.take_line())});
     }
-    BuiltMessage built = build(set, number, pgn, (mode & 2) != 0, fields);
+    BuiltMessage built = build(set, number, pgn, (mode & 14) == 2, fields);
     if (!built) {
         require(!built.error().texts.empty(), "a refusal has a reason");
         for (const std::string& text : built.error().texts) require(!text.empty(), "a reason is told");
